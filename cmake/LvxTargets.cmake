@@ -1,0 +1,106 @@
+# One function per kind of target. A folder is a target is a part of the namespace:
+#
+#   lvx_library(framework FOLDER src/framework SOURCES a.cpp PUBLIC dep PRIVATE dep)
+#
+# makes the static library lvx_framework (alias lvx::framework) whose headers are included as "framework/a.h" - and only
+# by targets that link it, since each library brings an include directory that holds its own folder and no other. A
+# wrong include therefore fails to build.
+
+include_guard(GLOBAL)
+
+# Flags that every target of the project shares.
+add_library(lvx_flags INTERFACE)
+target_compile_features(lvx_flags INTERFACE cxx_std_20)
+# Fused multiply-add is off so that golden files agree on all machines.
+target_compile_options(lvx_flags INTERFACE -ffp-contract=off)
+if(LVX_WARNINGS_AS_ERRORS)
+  target_compile_options(lvx_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast
+                                             -Wcast-align -Woverloaded-virtual -Wnull-dereference -Werror)
+endif()
+if(LVX_SANITIZE)
+  target_compile_options(lvx_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
+                                             -fno-omit-frame-pointer)
+  target_link_options(lvx_flags INTERFACE -fsanitize=address,undefined)
+endif()
+if(LVX_COVERAGE)
+  target_compile_options(lvx_flags INTERFACE --coverage -O0)
+  target_link_options(lvx_flags INTERFACE --coverage)
+endif()
+
+# Makes `folder` reachable as "<last path component>/…" through an include directory of its own.
+function(_lvx_expose target folder visibility)
+  get_filename_component(part "${folder}" NAME)
+  set(root "${PROJECT_BINARY_DIR}/include/${target}")
+  file(MAKE_DIRECTORY "${root}")
+  if(NOT EXISTS "${root}/${part}")
+    file(CREATE_LINK "${PROJECT_SOURCE_DIR}/${folder}" "${root}/${part}" SYMBOLIC)
+  endif()
+  target_include_directories(${target} ${visibility} "${root}")
+endfunction()
+
+function(lvx_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER" "SOURCES;PUBLIC;PRIVATE")
+  set(target lvx_${name})
+  if(arg_SOURCES)
+    add_library(${target} STATIC ${arg_SOURCES})
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    _lvx_expose(${target} "${arg_FOLDER}" PUBLIC)
+    target_link_libraries(${target} PUBLIC ${arg_PUBLIC} PRIVATE lvx_flags ${arg_PRIVATE})
+  else()
+    add_library(${target} INTERFACE)
+    _lvx_expose(${target} "${arg_FOLDER}" INTERFACE)
+    target_link_libraries(${target} INTERFACE ${arg_PUBLIC})
+    target_compile_features(${target} INTERFACE cxx_std_20)
+  endif()
+  add_library(lvx::${name} ALIAS ${target})
+endfunction()
+
+function(lvx_executable name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE lvx_flags ${arg_LINK})
+endfunction()
+
+# One test program per area; each of its tests becomes a test of CTest's. LABELS lets ./lvx pick (unit, golden, e2e).
+function(lvx_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "LABELS;TIMEOUT" "SOURCES;LINK;DEFINITIONS")
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 300)
+  endif()
+  if(NOT arg_LABELS)
+    set(arg_LABELS unit)
+  endif()
+  set(target ${name}_test)
+  add_executable(${target} ${arg_SOURCES})
+  target_link_libraries(${target} PRIVATE lvx_flags lvx::test_support ${arg_LINK} GTest::gmock)
+  target_compile_definitions(${target} PRIVATE LVX_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+                                               LVX_BINARY_DIR="${PROJECT_BINARY_DIR}" ${arg_DEFINITIONS})
+  gtest_discover_tests(${target} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+                       PROPERTIES LABELS "${arg_LABELS}" TIMEOUT ${arg_TIMEOUT})
+endfunction()
+
+function(lvx_bench name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+  if(LVX_BUILD_BENCH)
+    add_executable(bench_${name} ${arg_SOURCES})
+    target_link_libraries(bench_${name} PRIVATE lvx_flags ${arg_LINK})
+  endif()
+endfunction()
+
+# A fuzz target is one file with LLVMFuzzerTestOneInput. With clang it is a libFuzzer program; with any compiler it is
+# also linked with a plain driver that replays its seed corpus, so that the seeds run in every test run.
+function(lvx_fuzz name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+  if(LVX_BUILD_FUZZ)
+    add_executable(fuzz_${name} ${arg_SOURCES})
+    target_link_libraries(fuzz_${name} PRIVATE lvx_flags ${arg_LINK})
+    target_compile_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+    target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+  endif()
+  if(LVX_BUILD_TESTS)
+    add_executable(replay_${name} ${arg_SOURCES} ${PROJECT_SOURCE_DIR}/fuzz/replay_main.cpp)
+    target_link_libraries(replay_${name} PRIVATE lvx_flags ${arg_LINK})
+    add_test(NAME fuzz_replay.${name} COMMAND replay_${name} ${PROJECT_SOURCE_DIR}/fuzz/corpus/${name})
+    set_tests_properties(fuzz_replay.${name} PROPERTIES LABELS fuzz)
+  endif()
+endfunction()

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+
+#include "host/roadway_model.h"
+#include "host/run_time.h"
+#include "host/sheet.h"
+#include "host/user_interface.h"
+
+namespace lvx::platform {
+class Platform;
+}
+
+namespace lvx::host {
+
+/// Everything that the module asks of the process that loaded it. One object per process, reached through vnrxHost();
+/// it outlives every module.
+class Host {
+ public:
+  Host() = default;
+  Host(const Host&) = delete;
+  Host& operator=(const Host&) = delete;
+  virtual ~Host() = default;
+
+  [[nodiscard]] virtual RunTime& runTime() = 0;
+  [[nodiscard]] virtual UserInterface& userInterface() = 0;
+  [[nodiscard]] virtual platform::Platform& platform() = 0;
+  /// A new sheet, not started yet; never empty.
+  [[nodiscard]] virtual std::unique_ptr<Sheet> createSheet() = 0;
+  /// The running application of a program identifier, as the automation look-up finds it; empty where there is none.
+  [[nodiscard]] virtual Ref<VantorApplication> activeApplication(const CString& programId) = 0;
+};
+
+}  // namespace lvx::host
+
+/// The one accessor that the loading process exports. Never null while a module is loaded.
+extern "C" lvx::host::Host* vnrxHost();

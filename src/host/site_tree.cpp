@@ -1,0 +1,3 @@
+#include "host/site_tree.h"
+
+namespace lvx::host {}  // namespace lvx::host

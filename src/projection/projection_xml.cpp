@@ -1,0 +1,1 @@
+#include "projection/projection_xml.h"

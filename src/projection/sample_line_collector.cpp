@@ -1,0 +1,1 @@
+#include "projection/sample_line_collector.h"

@@ -1,0 +1,1 @@
+#include "projection/tsl.h"

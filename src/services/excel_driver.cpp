@@ -1,0 +1,1 @@
+#include "services/excel_driver.h"

@@ -1,0 +1,1 @@
+#include "services/formatted_text.h"

@@ -1,0 +1,1 @@
+#include "services/message_catalogue.h"

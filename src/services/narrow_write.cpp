@@ -1,0 +1,1 @@
+#include "services/narrow_write.h"

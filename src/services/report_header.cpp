@@ -1,0 +1,1 @@
+#include "services/report_header.h"

@@ -1,0 +1,1 @@
+#include "services/station_text.h"

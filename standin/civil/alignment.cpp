@@ -1,0 +1,1 @@
+#include "civil/alignment.h"

@@ -1,0 +1,198 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "civil/alignment.h"
+#include "civil/profile.h"
+#include "civil/tin_surface.h"
+
+/// An open drawing: plain data and the geometry over it, no I/O. Texts are UTF-8. Lists stand in the order of the file.
+namespace lvx::civil {
+
+/// Identifies an object for as long as its drawing is open; 0 for none.
+using Handle = std::uint64_t;
+
+struct SampleLine {
+  Handle handle = 0;
+  std::string name;
+  double station = 0.0;
+  /// Left to right for lines of ours; as given otherwise. Elevations are 0.
+  std::vector<Vec2> vertices;
+};
+
+struct SampleLineGroup {
+  Handle handle = 0;
+  std::string name;
+  std::string description;
+  std::vector<SampleLine> lines;
+};
+
+struct ProfileObject {
+  Handle handle = 0;
+  std::string name;
+  std::string description;
+  Profile profile;
+};
+
+/// A station equation: kept and reported, never applied.
+struct StationEquation {
+  double internalStation = 0.0;
+  double aheadStation = 0.0;
+  std::optional<double> backStation;
+  bool increasing = true;
+};
+
+struct AlignmentObject {
+  Handle handle = 0;
+  std::string name;
+  std::string description;
+  Alignment geometry;
+  std::vector<ProfileObject> profiles;
+  std::vector<SampleLineGroup> sampleLineGroups;
+  std::vector<StationEquation> stationEquations;
+};
+
+struct Site {
+  Handle handle = 0;
+  std::string name;
+  std::string description;
+  std::vector<std::unique_ptr<AlignmentObject>> alignments;
+};
+
+struct SurfaceObject {
+  Handle handle = 0;
+  std::string name;
+  std::string description;
+  TinSurface surface;
+};
+
+struct Point {
+  Handle handle = 0;
+  std::int32_t number = 0;
+  /// The file's own name text where that isn't just the number; else empty.
+  std::string name;
+  Vec3 position;  ///< x east, y north
+  bool hasElevation = true;
+  std::string description;
+  std::string fullDescription;
+};
+
+struct PointGroup {
+  Handle handle = 0;
+  std::string name;
+  std::string description;
+  /// Numbers in file order; a number may stand in many groups.
+  std::vector<std::int32_t> numbers;
+};
+
+// ---------------------------------------------------------------- corridors
+
+struct SectionPoint {
+  double offset = 0.0;
+  /// Relative to the baseline's profile (a baseline without one: to 0).
+  double elevation = 0.0;
+  std::vector<std::string> codes;
+};
+
+struct SectionPart {
+  std::vector<std::string> codes;
+  std::vector<SectionPoint> points;
+};
+
+enum class SectionOrigin : std::uint8_t { Given, Computed };
+
+struct CorridorSection {
+  double station = 0.0;
+  std::string label;
+  SectionOrigin origin = SectionOrigin::Given;
+  std::vector<SectionPart> parts;
+};
+
+struct Region {
+  std::string name;
+  double startStation = 0.0;
+  double endStation = 0.0;
+  /// Ascending; may ask for stations that hold no section yet, until the corridor is rebuilt.
+  std::vector<double> stations;
+  std::vector<CorridorSection> sections;  ///< ascending by station
+  std::map<double, std::string> pendingLabels;  ///< labels of added stations without a section yet
+};
+
+struct Baseline {
+  std::string name;
+  const AlignmentObject* alignment = nullptr;
+  const ProfileObject* profile = nullptr;
+  std::vector<Region> regions;
+};
+
+struct Corridor {
+  Handle handle = 0;
+  std::string name;
+  std::string description;
+  std::vector<Baseline> baselines;
+};
+
+// ---------------------------------------------------------------- the drawing
+
+enum class Severity : std::uint8_t { Note, Warning, Error };
+
+/// What a reader found odd and survived.
+struct Diagnostic {
+  Severity severity = Severity::Warning;
+  /// "alignment 'A1': Spiral 3: spiType bloss can't be evaluated"
+  std::string text;
+  /// 1-based line of the file; 0 where no line applies.
+  std::size_t line = 0;
+};
+
+enum class ObjectKind : std::uint8_t { Site, Alignment, Profile, SampleLineGroup, SampleLine, Surface, Point, PointGroup, Corridor };
+
+struct Drawing {
+  /// Path as it was opened, for messages.
+  std::string path;
+  /// "meter", "foot", "USSurveyFoot", ...; empty where the file names none (then metres are assumed).
+  std::string linearUnit;
+  /// The alignments outside any site; its name is empty.
+  Site siteless;
+  std::vector<Site> sites;
+  std::deque<SurfaceObject> surfaces;
+  std::vector<Point> points;
+  std::vector<PointGroup> pointGroups;
+  std::vector<Corridor> corridors;
+  std::vector<Diagnostic> diagnostics;
+
+  Drawing() = default;
+  Drawing(Drawing&&) = default;
+  Drawing& operator=(Drawing&&) = default;
+  Drawing(const Drawing&) = delete;
+  Drawing& operator=(const Drawing&) = delete;
+};
+
+/// Finds objects by handle and points by number. Built once over a drawing that doesn't change its lists any more; holds
+/// pointers into it.
+class DrawingIndex {
+ public:
+  struct Entry {
+    ObjectKind kind = ObjectKind::Alignment;
+    const void* object = nullptr;
+  };
+
+  explicit DrawingIndex(const Drawing& drawing);
+  /// Null where the drawing has no such handle.
+  [[nodiscard]] const Entry* byHandle(Handle handle) const;
+  /// The first point of that number, or null.
+  [[nodiscard]] const Point* pointByNumber(std::int32_t number) const;
+
+ private:
+  std::unordered_map<Handle, Entry> handles_;
+  std::unordered_map<std::int32_t, const Point*> numbers_;
+};
+
+}  // namespace lvx::civil

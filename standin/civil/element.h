@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "civil/geometry.h"
+
+namespace lvx::civil {
+
+enum class ElementKind : std::uint8_t { Line, Arc, Clothoid };
+
+/// One element of a horizontal alignment: a line, a circular arc or a clothoid. Curvature (1 / radius, positive to the
+/// left) runs linearly from `startCurvature` to `endCurvature`; it is 0 on a line and constant on an arc. The element
+/// starts at its own given start point whatever the element before it did.
+struct Element {
+  ElementKind kind = ElementKind::Line;
+  Vec2 start;
+  /// Direction of travel at the start.
+  double direction = 0.0;
+  double length = 0.0;
+  double startCurvature = 0.0;
+  double endCurvature = 0.0;
+  /// The end point as the drawing gives it; what the element itself computes may miss it by the drawing's rounding.
+  Vec2 givenEnd;
+
+  /// Position and direction at `distance` along the element; distances outside [0, length] continue the element's own
+  /// curve. Position error below 1e-9 on lines and arcs, 1e-7 on clothoids up to 1 km.
+  [[nodiscard]] Pose poseAt(double distance) const;
+  [[nodiscard]] double curvatureAt(double distance) const;
+  [[nodiscard]] Pose endPose() const { return poseAt(length); }
+};
+
+/// Length = chord. A line of length 0 has direction 0.
+[[nodiscard]] Element makeLine(Vec2 start, Vec2 end);
+
+/// Radius = distance from start to center; length = radius times the angle from start to end in the sense of `turn`,
+/// in (0, 2 pi); equal start and end points give length 0.
+[[nodiscard]] Element makeArc(Vec2 start, Vec2 center, Vec2 end, Turn turn);
+
+/// Starts in the direction of `pi`; without one, in the direction that puts the curve's own chord on the chord from start
+/// to end. Radii are unsigned, empty for infinite. Equal radii give an arc, two infinite ones a line, both of that length.
+[[nodiscard]] Element makeClothoid(Vec2 start, std::optional<Vec2> pi, Vec2 end, double length,
+                                   std::optional<double> startRadius, std::optional<double> endRadius, Turn turn);
+
+}  // namespace lvx::civil

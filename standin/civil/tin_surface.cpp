@@ -1,0 +1,1 @@
+#include "civil/tin_surface.h"

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "civil/geometry.h"
+
+namespace lvx::civil {
+
+/// Three point indices from 0, in either winding.
+struct Triangle {
+  std::int32_t a = 0;
+  std::int32_t b = 0;
+  std::int32_t c = 0;
+  bool operator==(const Triangle&) const = default;
+};
+
+struct Box {
+  double minX = std::numeric_limits<double>::infinity();
+  double minY = std::numeric_limits<double>::infinity();
+  double maxX = -std::numeric_limits<double>::infinity();
+  double maxY = -std::numeric_limits<double>::infinity();
+  [[nodiscard]] bool isEmpty() const { return minX > maxX; }
+};
+
+/// A triangulated ground surface: points and visible triangles, with holes and any border. Immutable once built.
+///
+/// Sampling is decided robustly: orientation tests that doubles can't settle are settled exactly, so the count and order
+/// of the samples never depend on how points and triangles are numbered. Triangles without area in plan, and triangles
+/// beyond two on one edge, are carried but counted in `Counts`.
+class TinSurface {
+ public:
+  struct Counts {
+    std::size_t points = 0;
+    std::size_t triangles = 0;
+    std::size_t degenerate = 0;      ///< triangles without area in plan; they hold no ground
+    std::size_t overlappingEdges = 0;  ///< edges with more than two triangles
+  };
+
+  TinSurface();
+  /// Takes over the arrays. Indices must lie within `points`; throws std::invalid_argument otherwise. O(n log n) or better;
+  /// points and triangles are renumbered along a space-filling curve inside where their given order has no locality.
+  TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles);
+  TinSurface(TinSurface&&) noexcept;
+  TinSurface& operator=(TinSurface&&) noexcept;
+  ~TinSurface();
+
+  [[nodiscard]] bool isEmpty() const;
+  [[nodiscard]] Counts counts() const;
+  [[nodiscard]] Box box() const;
+  [[nodiscard]] double minElevation() const;
+  [[nodiscard]] double maxElevation() const;
+  /// As the surface holds them, which may be another order than the given one.
+  [[nodiscard]] std::span<const Vec3> points() const;
+  [[nodiscard]] std::span<const Triangle> triangles() const;
+
+  /// Appends the ground along the segment from `a` to `b`, in that order: `a` where it lies on the surface, each crossing
+  /// with an edge of a triangle, `b` where it lies on the surface. At a gap the border points stand, nothing inside. One
+  /// point where the segment runs through a vertex or touches one; the edge's ends where it runs along an edge. Points
+  /// closer than 1e-9 of the segment's length are one. A segment of length 0 gives its point once, or nothing off the
+  /// surface.
+  void sample(Vec2 a, Vec2 b, std::vector<Vec3>& samples) const;
+
+  /// Elevation at a point, empty where there is no ground.
+  [[nodiscard]] std::optional<double> elevationAt(Vec2 point) const;
+
+ private:
+  struct Data;
+  std::unique_ptr<Data> data_;
+};
+
+}  // namespace lvx::civil

@@ -1,0 +1,1 @@
+#include "landxml/reader.h"

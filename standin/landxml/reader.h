@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "civil/drawing.h"
+
+/// LandXML drawings in: versions 1.0 to 2.0 and their national profiles, by local names, whatever the namespace.
+namespace lvx::landxml {
+
+/// The drawing can't be read: no such file, not XML, not LandXML, cut off. The text begins with "landxml: " and ends with
+/// the place ("(road.xml:118)").
+class ReadError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+struct Progress {
+  std::uint64_t bytesDone = 0;
+  std::uint64_t bytesTotal = 0;
+};
+
+struct ReadOptions {
+  /// Told now and then during a long load; returning false cancels the load with ReadError "cancelled".
+  std::function<bool(const Progress&)> progress;
+};
+
+/// Reads a drawing. What is odd but can be survived becomes a diagnostic of the drawing; what can't throws ReadError.
+/// The millions of P and F of surfaces stream past into arrays; peak memory stays below 1.5 times the file.
+[[nodiscard]] civil::Drawing readDrawing(const std::string& path, const ReadOptions& options = {});
+
+/// The same from memory; `name` stands for the path in messages.
+[[nodiscard]] civil::Drawing readDrawingText(std::string_view text, const std::string& name,
+                                             const ReadOptions& options = {});
+
+}  // namespace lvx::landxml

@@ -1,0 +1,1 @@
+#include "runtime/model_objects.h"

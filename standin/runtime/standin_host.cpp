@@ -1,0 +1,1 @@
+#include "runtime/standin_host.h"

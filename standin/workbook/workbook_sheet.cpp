@@ -1,0 +1,1 @@
+#include "workbook/workbook_sheet.h"

@@ -1,0 +1,10 @@
+#include <gtest/gtest.h>
+
+#include <clocale>
+
+/// The tests take the environment's locale, as a host would: nothing may follow its decimal comma.
+int main(int argc, char** argv) {
+  std::setlocale(LC_ALL, "");
+  testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}
