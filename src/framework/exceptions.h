@@ -4,8 +4,8 @@
 
 namespace lvx::framework {
 
-/// What the module raises and never catches: the command ends, its objects are destroyed on the way out, and whoever ran
-/// the command is told. The classes cross the module boundary, so their type information stays visible.
+/// What the module raises and never catches: the command ends, its objects are destroyed on the way out, and whoever
+/// ran the command is told. The classes cross the module boundary, so their type information stays visible.
 class __attribute__((visibility("default"))) Exception : public std::exception {};
 
 /// An index outside an array.

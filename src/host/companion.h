@@ -60,8 +60,8 @@ std::int32_t pvsa_lvx_relsites(lvx::host::SiteTree& sites);
 /// Horizontal elements of `alignment`, which may be empty; then nothing is filled. The caller destroys the records.
 std::int32_t pvsa_lvx_gethelemp(const lvx::host::Ref<lvx::host::QmtAlignment>& alignment, double& startStation,
                                 lvx::host::RecordList<lvx::host::taxel>& elements, lvx::framework::tpt3list& points);
-/// Intersection points of a profile, ascending by station; an empty `siteName` means the alignments outside any site. The
-/// caller destroys the records.
+/// Intersection points of a profile, ascending by station; an empty `siteName` means the alignments outside any site.
+/// The caller destroys the records.
 std::int32_t pvsa_lvx_getvelem(const lvx::framework::CString& siteName, const lvx::framework::CString& alignmentName,
                                const lvx::framework::CString& profileName, double& value,
                                lvx::host::RecordList<lvx::host::tvert>& records);

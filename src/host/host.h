@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "framework/module_state.h"
 #include "host/roadway_model.h"
 #include "host/run_time.h"
 #include "host/sheet.h"
@@ -10,8 +11,17 @@
 namespace lvx::platform {
 class Platform;
 }
+namespace lvx::dialogs {
+class DialogRunner;
+}
 
 namespace lvx::host {
+
+/// What the automation look-up of a running application gives: whether it worked at all, and the object.
+struct ActiveApplication {
+  bool found = false;
+  Ref<VantorApplication> application;
+};
 
 /// Everything that the module asks of the process that loaded it. One object per process, reached through vnrxHost();
 /// it outlives every module.
@@ -24,11 +34,13 @@ class Host {
 
   [[nodiscard]] virtual RunTime& runTime() = 0;
   [[nodiscard]] virtual UserInterface& userInterface() = 0;
+  [[nodiscard]] virtual dialogs::DialogRunner& dialogs() = 0;
   [[nodiscard]] virtual platform::Platform& platform() = 0;
+  [[nodiscard]] virtual framework::ModuleState& moduleState() = 0;
   /// A new sheet, not started yet; never empty.
   [[nodiscard]] virtual std::unique_ptr<Sheet> createSheet() = 0;
-  /// The running application of a program identifier, as the automation look-up finds it; empty where there is none.
-  [[nodiscard]] virtual Ref<VantorApplication> activeApplication(const CString& programId) = 0;
+  /// The running application of a program identifier.
+  [[nodiscard]] virtual ActiveApplication activeApplication(const CString& programId) = 0;
 };
 
 }  // namespace lvx::host

@@ -8,8 +8,8 @@
 
 namespace lvx::host {
 
-/// An array as the host's automation hands it out in a variant: it may have any number of dimensions, any lower bound, or
-/// not be there at all. Only one-dimensional arrays carry values that a reader may use.
+/// An array as the host's automation hands it out in a variant: it may have any number of dimensions, any lower bound,
+/// or not be there at all. Only one-dimensional arrays carry values that a reader may use.
 template <class T>
 struct HostArray {
   /// 0: the variant holds no array.

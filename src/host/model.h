@@ -6,13 +6,15 @@
 #include "framework/text.h"
 #include "host/host_array.h"
 
-/// The civil object model of the open drawing, as far as the module asks for it: one abstract class per model object, with
-/// the operations' own names.
+/// The civil object model of the open drawing, as far as the module asks for it: one abstract class per model object,
+/// with the operations' own names.
 ///
 /// For all of it:
-/// - An object that an operation hands out is shared with the caller, who holds it as long as it is needed and keeps none
+/// - An object that an operation hands out is shared with the caller, who holds it as long as it is needed and keeps
+/// none
 ///   of them beyond the command.
-/// - An operation that fails leaves its output empty: an empty reference, the number 0, an empty text, no array. There is
+/// - An operation that fails leaves its output empty: an empty reference, the number 0, an empty text, no array. There
+/// is
 ///   no status to read.
 /// - Collections count from 0; `item` outside gives an empty reference.
 /// - Coordinates and lengths are in drawing units, x to the east, y to the north. Stations are continuous: station
@@ -140,9 +142,9 @@ class QmtSurface : public QmtObject {
  public:
   [[nodiscard]] virtual CString name() = 0;
   [[nodiscard]] virtual CString handle() = 0;
-  /// The ground along the segment from (x1, y1) to (x2, y2), in that order, as flat triples x, y, z: the ends where they
-  /// lie on the surface and every crossing with an edge of a visible triangle. Nothing stands where there is no ground;
-  /// a segment that misses the surface gives an empty array.
+  /// The ground along the segment from (x1, y1) to (x2, y2), in that order, as flat triples x, y, z: the ends where
+  /// they lie on the surface and every crossing with an edge of a visible triangle. Nothing stands where there is no
+  /// ground; a segment that misses the surface gives an empty array.
   [[nodiscard]] virtual HostArray<double> sampleElevations(double x1, double y1, double x2, double y2) = 0;
 };
 

@@ -8,13 +8,14 @@
 #include "framework/text.h"
 #include "host/model.h"
 
-/// The host's run-time functions: services by name, documents and their locks, console, picking, selection sets, opening
-/// drawing objects. Names are the host's own.
+/// The host's run-time functions: services by name, documents and their locks, console, picking, selection sets,
+/// opening drawing objects. Names are the host's own.
 namespace lvx::host {
 
 /// Status values that callers test against.
-inline constexpr std::int32_t kNormal = 5100;       ///< RTNORM: a pick, a found file
-inline constexpr std::int32_t kUserGaveUp = -5002;  ///< Escape or nothing picked; any value other than 5100 means the same
+inline constexpr std::int32_t kNormal = 5100;  ///< RTNORM: a pick, a found file
+inline constexpr std::int32_t kUserGaveUp =
+    -5002;  ///< Escape or nothing picked; any value other than 5100 means the same
 inline constexpr std::int32_t kEntityStart = 5020;  ///< group code of the class name in a selection filter
 inline constexpr std::int32_t kSuccess = 0;         ///< of the vndb functions
 

@@ -6,8 +6,8 @@
 #include "framework/text.h"
 #include "host/model.h"
 
-/// The two lists that describe a drawing's sites and alignments to the dialogs: the site tree, which the companion library
-/// fills with profiles, and the overall alignment list, filled here with sample line groups.
+/// The two lists that describe a drawing's sites and alignments to the dialogs: the site tree, which the companion
+/// library fills with profiles, and the overall alignment list, filled here with sample line groups.
 namespace lvx::host {
 
 template <class T>
@@ -29,8 +29,8 @@ struct tprofile {
   CString handle;
 };
 
-/// One alignment. `Child` tells which list it stands in: tprofile in the site tree, tslgroup in the overall list. Owns its
-/// children by convention: whoever destroys the record destroys them first.
+/// One alignment. `Child` tells which list it stands in: tprofile in the site tree, tslgroup in the overall list. Owns
+/// its children by convention: whoever destroys the record destroys them first.
 template <class Child>
 struct talignment2Of {
   std::uint64_t reserved = 0;
