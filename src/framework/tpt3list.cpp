@@ -55,7 +55,7 @@ void tpt3list::insert(std::int32_t index, const tpt3& value) {
   if (index < 0 || index > count_) return;
   const tpt3 copy = value;  // `value` may lie in the storage that moves
   if (count_ == std::numeric_limits<std::int32_t>::max()) throw std::bad_alloc();
-  if (count_ >= capacity_) grow(count_ + 1);
+  if (count_ >= capacity_) moveToCapacity(grownCapacity(capacity_, std::int64_t{count_} + 1));
   std::move_backward(items_.get() + index, items_.get() + count_, items_.get() + count_ + 1);
   items_[static_cast<std::size_t>(index)] = copy;
   ++count_;
@@ -69,16 +69,26 @@ void tpt3list::remove(std::int32_t from, std::int32_t to) {
 
 void tpt3list::reverse() noexcept { std::reverse(items_.get(), items_.get() + count_); }
 
-void tpt3list::grow(std::int32_t needed) {
-  std::int32_t extra = capacity_ * kElementBytes < kLargeListBytes ? capacity_ : kLargeListStep;
-  extra = std::max(extra, growthStep_);
-  const std::int64_t wanted = std::max<std::int64_t>(needed, std::int64_t{capacity_} + extra);
-  const auto newCapacity =
-      static_cast<std::int32_t>(std::min<std::int64_t>(wanted, std::numeric_limits<std::int32_t>::max()));
+void tpt3list::reserveForAppending(std::int32_t additional) {
+  const std::int64_t needed = std::int64_t{count_} + additional;
+  if (needed > std::numeric_limits<std::int32_t>::max()) throw std::bad_alloc();
+  std::int64_t wanted = capacity_;
+  while (wanted < needed) wanted = grownCapacity(wanted, wanted + 1);
+  if (wanted > capacity_) moveToCapacity(wanted);
+}
+
+std::int64_t tpt3list::grownCapacity(std::int64_t capacity, std::int64_t needed) const noexcept {
+  std::int64_t extra = capacity * kElementBytes < kLargeListBytes ? capacity : kLargeListStep;
+  extra = std::max<std::int64_t>(extra, growthStep_);
+  return std::max(needed, capacity + extra);
+}
+
+void tpt3list::moveToCapacity(std::int64_t newCapacity) {
+  newCapacity = std::min<std::int64_t>(newCapacity, std::numeric_limits<std::int32_t>::max());
   auto grown = std::make_unique<tpt3[]>(static_cast<std::size_t>(newCapacity));
   std::copy_n(items_.get(), count_, grown.get());
   items_ = std::move(grown);
-  capacity_ = newCapacity;
+  capacity_ = static_cast<std::int32_t>(newCapacity);
 }
 
 }  // namespace lvx::framework

@@ -1,5 +1,9 @@
 #include "framework/tpt3list.h"
 
+#include <limits>
+#include <new>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "framework/exceptions.h"
@@ -34,6 +38,26 @@ TEST(Tpt3List, GrowsByAFixedStepOnceItsStorageReaches64KiB) {
   EXPECT_EQ(numbered(4096).capacity(), 4096);
   EXPECT_EQ(numbered(4097).capacity(), 4096 + 2730);
   EXPECT_EQ(numbered(4096 + 2730 + 1).capacity(), 4096 + 2 * 2730);
+}
+
+TEST(Tpt3List, ReservesTheCapacityThatAppendingOneByOneReaches) {
+  for (const int before : {0, 1, 8, 9, 4096}) {
+    for (const int additional : {0, 1, 7, 8, 9, 100, 4096, 20000}) {
+      tpt3list reserved = numbered(before);
+      reserved.reserveForAppending(additional);
+      EXPECT_EQ(reserved.count(), before);
+      EXPECT_EQ(reserved.capacity(), numbered(before + additional).capacity()) << before << " + " << additional;
+      if (before > 0) {
+        EXPECT_EQ(reserved[before - 1].first, before - 1);
+      }
+    }
+  }
+}
+
+TEST(Tpt3List, RefusesMoreElementsThanItsCountCanHold) {
+  tpt3list list = numbered(1);
+  EXPECT_THROW(list.reserveForAppending(std::numeric_limits<std::int32_t>::max()), std::bad_alloc);
+  EXPECT_EQ(list.count(), 1);
 }
 
 TEST(Tpt3List, InsertsInFrontOfTheGivenIndexAndMovesTheRestUp) {
