@@ -41,15 +41,16 @@ class CxMsg {
   [[nodiscard]] const framework::CTypedPtrArray<framework::CPtrArray, msgstr*>& messages() const { return messages_; }
 
  private:
+  CxMsg() = default;
   void addLine(host::Host& host, std::string_view line);
 
   CString fileName_;
   framework::CTypedPtrArray<framework::CPtrArray, msgstr*> messages_;
 };
 
-/// Replaces the escapes of a message text. Not a left-to-right scan: after each replacement the search starts again at the
-/// first escape of the list and the head of the text, so a doubled backslash doesn't protect what follows it. Message
-/// files in the field are written for that.
+/// Replaces the escapes of a message text. Not a left-to-right scan: after each replacement the search starts again at
+/// the first escape of the list and the head of the text, so a doubled backslash doesn't protect what follows it.
+/// Message files in the field are written for that.
 [[nodiscard]] CString replaceEscapes(CString text);
 
 /// The text of a message. `set` is 107 with every caller and is never read.

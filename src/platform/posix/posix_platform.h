@@ -10,13 +10,13 @@ namespace lvx::platform {
 /// How a POSIX process answers what Windows would know by itself.
 struct PosixSettings {
   /// The moment that stands for "now", shown in UTC; empty: the system's clock, shown in local time.
-  std::optional<std::int64_t> fixedMoment;
+  std::optional<std::int64_t> fixedMoment{};
   /// The host's release as its registry value would hold it; empty: the value doesn't exist.
   CString release = L"R24.3";
   /// iconv name of the code page of message files.
   std::string messageCodePage = "WINDOWS-1252";
   /// iconv name of a single-byte code page for reports; empty: U+0001 to U+00FF become the byte of the same value.
-  std::string reportCodePage;
+  std::string reportCodePage{};
 };
 
 /// A POSIX system. Both code pages are turned into tables once, at construction.
