@@ -118,6 +118,14 @@ host::BoxAnswer FakeUserInterface::messageBox(const CString& text, host::BoxButt
   return answer;
 }
 
+std::optional<CString> FakeUserInterface::saveFileBox(const CString& filter, std::uint32_t flags) {
+  fileBoxes.push_back({filter, flags});
+  if (paths.empty()) throw std::logic_error("no path for the file box");
+  const std::optional<CString> path = paths.front();
+  paths.pop_front();
+  return path;
+}
+
 FakeHost::FakeHost(platform::PosixSettings settings)
     : runTime_(std::make_unique<FakeRunTime>()),
       platform_(std::make_unique<platform::PosixPlatform>(std::move(settings))) {
@@ -174,9 +182,15 @@ std::unique_ptr<host::Sheet> FakeHost::createSheet() {
   return sheetFactory_ ? sheetFactory_() : std::make_unique<AbsentSheet>();
 }
 
-host::Ref<host::VantorApplication> FakeHost::activeApplication(const CString& programId) {
+dialogs::DialogRunner& FakeHost::dialogs() {
+  if (dialogRunner_ == nullptr) throw std::logic_error("no one runs the dialog");
+  return *dialogRunner_;
+}
+
+host::ActiveApplication FakeHost::activeApplication(const CString& programId) {
   const auto found = applications_.find(programId);
-  return found == applications_.end() ? nullptr : found->second;
+  if (found == applications_.end()) return {};
+  return {true, found->second};
 }
 
 }  // namespace lvx::test

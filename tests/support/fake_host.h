@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -96,7 +97,22 @@ class FakeUserInterface : public host::UserInterface {
   std::vector<Box> boxes;
   std::deque<host::BoxAnswer> answers;
 
+  struct FileBox {
+    CString filter;
+    std::uint32_t flags = 0;
+    bool operator==(const FileBox&) const = default;
+  };
+  std::vector<FileBox> fileBoxes;
+  /// Paths that the user chooses; an empty one is Cancel. A file box without a path throws std::logic_error.
+  std::deque<std::optional<CString>> paths;
+  /// Help topics shown, in order.
+  std::vector<CString> helpTopics;
+  std::uint32_t faceColour = 0x00F0F0F0;
+
   host::BoxAnswer messageBox(const CString& text, host::BoxButtons buttons, host::BoxIcon icon) override;
+  [[nodiscard]] std::optional<CString> saveFileBox(const CString& filter, std::uint32_t flags) override;
+  void showHelp(const CString& topic) override { helpTopics.push_back(topic); }
+  [[nodiscard]] std::uint32_t buttonFaceColour() override { return faceColour; }
 };
 
 /// A host for tests of the module's logic. It stands behind vnrxHost() for the length of a scope and gives the place
@@ -121,7 +137,11 @@ class FakeHost final : public host::Host {
   void useMessageBytes(const std::string& bytes);
   /// What createSheet gives; without it a sheet whose program isn't there.
   void setSheetFactory(std::function<std::unique_ptr<host::Sheet>()> factory) { sheetFactory_ = std::move(factory); }
+  /// A running application; without it the look-up of the identifier fails. An empty reference is an application that
+  /// is found but hands out nothing.
   void setApplication(const CString& programId, host::Ref<host::VantorApplication> application);
+  /// Who runs the dialogs; it belongs to the test. Without it a dialog throws std::logic_error.
+  void setDialogRunner(dialogs::DialogRunner* runner) { dialogRunner_ = runner; }
   void replaceRunTime(std::unique_ptr<FakeRunTime> runTime);
 
   [[nodiscard]] FakeRunTime& run() { return *runTime_; }
@@ -133,7 +153,9 @@ class FakeHost final : public host::Host {
   [[nodiscard]] host::UserInterface& userInterface() override { return userInterface_; }
   [[nodiscard]] platform::Platform& platform() override { return *platform_; }
   [[nodiscard]] std::unique_ptr<host::Sheet> createSheet() override;
-  [[nodiscard]] host::Ref<host::VantorApplication> activeApplication(const CString& programId) override;
+  [[nodiscard]] dialogs::DialogRunner& dialogs() override;
+  [[nodiscard]] framework::ModuleState& moduleState() override { return moduleState_; }
+  [[nodiscard]] host::ActiveApplication activeApplication(const CString& programId) override;
 
  private:
   std::unique_ptr<FakeRunTime> runTime_;
@@ -141,6 +163,8 @@ class FakeHost final : public host::Host {
   std::unique_ptr<platform::PosixPlatform> platform_;
   std::function<std::unique_ptr<host::Sheet>()> sheetFactory_;
   std::map<CString, host::Ref<host::VantorApplication>> applications_;
+  dialogs::DialogRunner* dialogRunner_ = nullptr;
+  framework::ModuleState moduleState_;
   std::string folder_;
   host::Host* before_ = nullptr;
 };

@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <clocale>
+
+#include <gtest/gtest.h>
 
 /// The tests take the environment's locale, as a host would: nothing may follow its decimal comma.
 int main(int argc, char** argv) {
