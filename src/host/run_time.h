@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/module_state.h"
 #include "framework/text.h"
 #include "host/model.h"
 
@@ -70,11 +71,11 @@ class VnRxDynamicLinker : public VnRxObject {
 /// Whose resources a command's texts come from; null: the host's own.
 class VnRxResourceInstance {
  public:
-  explicit VnRxResourceInstance(void* module) : module_(module) {}
-  [[nodiscard]] void* module() const { return module_; }
+  explicit VnRxResourceInstance(framework::ResourceHandle module) : module_(module) {}
+  [[nodiscard]] framework::ResourceHandle module() const { return module_; }
 
  private:
-  void* module_;
+  framework::ResourceHandle module_;
 };
 
 using CommandFunction = void (*)();

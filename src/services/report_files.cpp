@@ -1,0 +1,39 @@
+#include "services/report_files.h"
+
+#include "host/host.h"
+#include "platform/platform.h"
+#include "services/message_catalogue.h"
+
+namespace lvx::services {
+
+using host::BoxAnswer;
+using host::BoxButtons;
+using host::BoxIcon;
+
+bool mayWriteReport(host::Host& host, const CString& name) {
+  if (!host.platform().exists(name)) return true;
+  return host.userInterface().messageBox(name + L" " + getMessage(kMessageSet, 227), BoxButtons::YesNo,
+                                         BoxIcon::Question) == BoxAnswer::Yes;
+}
+
+bool mayWriteWorkbook(host::Host& host, const CString& name) {
+  if (!host.platform().exists(name)) return true;
+  if (!mayWriteReport(host, name)) return false;
+  while (!host.platform().openFile(name, "w")) {
+    if (host.userInterface().messageBox(name + L" " + getMessage(kMessageSet, 228), BoxButtons::RetryCancel,
+                                        BoxIcon::Question) == BoxAnswer::Cancel)
+      return false;
+  }
+  host.platform().removeFile(name);
+  return true;
+}
+
+StemFolder folderOfStem(host::Host& host, const CString& stem) {
+  const std::size_t mark = host.platform().lastFolderMark(stem);
+  if (mark == CString::npos) return StemFolder::None;
+  // A stem right below the root has the root itself as its folder.
+  const CString folder = stem.substr(0, mark == 0 ? 1 : mark);
+  return host.platform().exists(folder) ? StemFolder::Exists : StemFolder::Missing;
+}
+
+}  // namespace lvx::services

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "framework/text.h"
+
+namespace lvx::host {
+class Host;
+}
+
+/// What the commands ask before a form of a report replaces a file.
+namespace lvx::services {
+
+using framework::CString;
+
+/// True where nothing stands under `name`, or the user agreed to overwrite it.
+[[nodiscard]] bool mayWriteReport(host::Host& host, const CString& name);
+
+/// The same for a workbook, whose former file has to go first: it is tried for writing, again and again as long as the
+/// user says so, then removed. A spreadsheet program that then fails leaves no file at all.
+[[nodiscard]] bool mayWriteWorkbook(host::Host& host, const CString& name);
+
+/// The folder of an output stem: what stands before the last mark between folders.
+enum class StemFolder { Exists, Missing, None };
+[[nodiscard]] StemFolder folderOfStem(host::Host& host, const CString& stem);
+
+}  // namespace lvx::services

@@ -1,0 +1,121 @@
+#include "runtime/module_loader.h"
+
+#include <cstdint>
+#include <sstream>
+
+#include <dlfcn.h>
+
+namespace lvx::runtime {
+
+namespace {
+
+using EntryPoint = std::int32_t (*)(std::uint32_t message, void* appId);
+using ApiVersion = std::uint32_t (*)(std::uint32_t* value);
+
+constexpr std::uint32_t kInitMessage = 1;
+constexpr std::uint32_t kUnloadMessage = 2;
+constexpr std::uint32_t kLoadDrawingMessage = 3;
+constexpr std::uint32_t kUnloadDrawingMessage = 4;
+
+[[noreturn]] void fail(const std::filesystem::path& file, const std::string& what) {
+  throw ModuleError("module: " + file.string() + ": " + what);
+}
+
+std::string lastLoaderWord() {
+  const char* word = dlerror();
+  return word == nullptr ? "the system's loader gives no reason" : word;
+}
+
+/// The loader's word for a missing companion is "LIBRARY: cannot open shared object file: …".
+std::string explained(const std::string& word, const std::filesystem::path& file) {
+  if (word.find("cannot open shared object file") != std::string::npos) {
+    const std::string library = word.substr(0, word.find(':'));
+    if (std::filesystem::path(library).filename() != file.filename())
+      return "it needs '" + library + "', which isn't beside it or can't be read";
+  }
+  if (word.find("invalid ELF header") != std::string::npos || word.find("file too short") != std::string::npos)
+    return "it is no module for this system (" + word + ")";
+  return word;
+}
+
+template <class Function>
+Function exported(void* library, const char* name, const std::filesystem::path& file) {
+  void* symbol = dlsym(library, name);
+  if (symbol == nullptr) fail(file, std::string("it is no module: it doesn't export '") + name + "'");
+  return reinterpret_cast<Function>(symbol);
+}
+
+std::string hex(std::uint32_t value) {
+  std::ostringstream text;
+  text << "0x" << std::hex << value;
+  return text.str();
+}
+
+struct LibraryCloser {
+  void operator()(void* library) const noexcept { dlclose(library); }
+};
+
+}  // namespace
+
+struct LoadedModule::Guard {
+  Guard() = default;
+  Guard(const Guard&) = delete;
+  Guard& operator=(const Guard&) = delete;
+  /// The opposite of loading: unload message, then the library, whose own objects leave with it.
+  ~Guard() {
+    if (!initialised) return;
+    try {
+      entry(kUnloadMessage, this);
+    } catch (...) {
+      // The module is going whatever it raises; its library is detached next, and there is nobody left to tell.
+      initialised = false;
+    }
+  }
+
+  std::unique_ptr<void, LibraryCloser> library;
+  std::filesystem::path file;
+  EntryPoint entry = nullptr;
+  bool initialised = false;
+};
+
+LoadedModule LoadedModule::load(const std::filesystem::path& file) {
+  auto guard = std::make_unique<Guard>();
+  guard->file = file;
+  std::error_code error;
+  if (!std::filesystem::exists(file, error)) fail(file, "there is no such file");
+  if (!std::filesystem::is_regular_file(file, error)) fail(file, "it is no file");
+
+  // An absolute path, so that the loader doesn't search its own folders for a bare name.
+  guard->library.reset(dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL));
+  if (!guard->library) fail(file, explained(lastLoaderWord(), file));
+  const auto version = exported<ApiVersion>(guard->library.get(), "vnrxGetApiVersion", file);
+  guard->entry = exported<EntryPoint>(guard->library.get(), "vnrxEntryPoint", file);
+
+  std::uint32_t built = 0;
+  version(&built);
+  if (built != kApiVersion)
+    fail(file, "it was built for interface version " + hex(built) + ", this host offers " + hex(kApiVersion));
+
+  std::int32_t answer = 0;
+  try {
+    answer = guard->entry(kInitMessage, guard.get());
+  } catch (const std::exception& exception) {
+    fail(file, std::string("its init raised an exception: ") + exception.what());
+  }
+  // From here on the module has to be told that it goes, even where it didn't come up well.
+  guard->initialised = true;
+  if (answer != 0) fail(file, "its init failed with " + std::to_string(answer));
+  return LoadedModule(std::move(guard));
+}
+
+LoadedModule::LoadedModule(std::unique_ptr<Guard> guard) : guard_(std::move(guard)) {}
+LoadedModule::LoadedModule(LoadedModule&&) noexcept = default;
+LoadedModule& LoadedModule::operator=(LoadedModule&&) noexcept = default;
+LoadedModule::~LoadedModule() = default;
+
+const std::filesystem::path& LoadedModule::file() const { return guard_->file; }
+void LoadedModule::drawingLoaded() { guard_->entry(kLoadDrawingMessage, guard_.get()); }
+void LoadedModule::drawingUnloading() { guard_->entry(kUnloadDrawingMessage, guard_.get()); }
+std::int32_t LoadedModule::send(std::uint32_t message) { return guard_->entry(message, guard_.get()); }
+
+}  // namespace lvx::runtime
