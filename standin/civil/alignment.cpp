@@ -1,1 +1,222 @@
 #include "civil/alignment.h"
+
+#include <algorithm>
+#include <charconv>
+#include <stdexcept>
+#include <string>
+
+#include "civil/detail/alignment_index.h"
+
+namespace lvx::civil {
+
+struct Alignment::Index : detail::AlignmentIndex {
+  using AlignmentIndex::AlignmentIndex;
+};
+
+Alignment::Alignment() : Alignment(0.0, {}) {}
+
+Alignment::Alignment(double startStation, std::vector<Element> elements)
+    : startStation_(std::isfinite(startStation) ? startStation : 0.0), elements_(std::move(elements)) {
+  stations_.reserve(elements_.size() + 1);
+  double station = startStation_;
+  stations_.push_back(station);
+  for (const Element& element : elements_) {
+    const double next = station + element.length;
+    if (element.length > 0.0 && std::isfinite(next)) station = next;
+    stations_.push_back(station);
+  }
+  endStation_ = station;
+  index_ = std::make_unique<Index>(elements_, stations_);
+}
+
+Alignment::Alignment(const Alignment& other)
+    : startStation_(other.startStation_),
+      endStation_(other.endStation_),
+      elements_(other.elements_),
+      stations_(other.stations_),
+      index_(other.index_ ? std::make_unique<Index>(*other.index_) : nullptr) {}
+
+Alignment::Alignment(Alignment&& other) noexcept = default;
+
+Alignment& Alignment::operator=(Alignment other) noexcept {
+  std::swap(startStation_, other.startStation_);
+  std::swap(endStation_, other.endStation_);
+  elements_.swap(other.elements_);
+  stations_.swap(other.stations_);
+  index_.swap(other.index_);
+  return *this;
+}
+
+Alignment::~Alignment() = default;
+
+std::optional<Pose> Alignment::poseAt(double station, double tolerance) const {
+  const double reach = std::max(kEndTolerance, tolerance);
+  if (!(endStation_ > startStation_) || !(station >= startStation_ - reach && station <= endStation_ + reach)) {
+    return std::nullopt;
+  }
+  const double within = std::clamp(station, startStation_, endStation_);
+  // The last element that starts at or before the station and has a length.
+  auto index =
+      static_cast<std::size_t>(std::upper_bound(stations_.begin(), stations_.end() - 1, within) - stations_.begin()) -
+      1;
+  while (index > 0 && !(stations_[index + 1] > stations_[index])) --index;
+  return elements_[index].poseAt(std::min(within - stations_[index], elements_[index].length));
+}
+
+std::optional<Pose> Alignment::pointLocation(double station, double offset, double tolerance) const {
+  std::optional<Pose> pose = poseAt(station, tolerance);
+  if (pose) {
+    const Vec2 along = unit(pose->direction);
+    pose->point = pose->point + offset * Vec2{along.y, -along.x};
+  }
+  return pose;
+}
+
+std::optional<StationOffset> Alignment::stationOffset(Vec2 point) const {
+  const auto answer = index_ ? index_->stationOffset(point) : std::nullopt;
+  if (!answer) return std::nullopt;
+  return StationOffset{answer->station, answer->offset};
+}
+
+// ---------------------------------------------------------------- from text
+
+namespace {
+
+class AlignmentText {
+ public:
+  explicit AlignmentText(std::string_view text) : rest_(text) {}
+
+  Alignment read() {
+    while (skipBlanks(), !rest_.empty()) {
+      if (rest_.front() == ';') {
+        rest_.remove_prefix(1);
+        continue;
+      }
+      readItem();
+    }
+    return {startStation_, std::move(elements_)};
+  }
+
+ private:
+  [[noreturn]] static void fail(const std::string& what, std::string_view word) {
+    throw std::invalid_argument("alignment text: " + what + " at '" + std::string(word) + "'");
+  }
+
+  void skipBlanks() {
+    while (!rest_.empty() && (rest_.front() == ' ' || rest_.front() == '\t' || rest_.front() == '\n'))
+      rest_.remove_prefix(1);
+  }
+
+  std::string_view word() {
+    skipBlanks();
+    const std::string_view taken = rest_.substr(0, std::min(rest_.find_first_of(" \t\n;"), rest_.size()));
+    rest_.remove_prefix(taken.size());
+    return taken;
+  }
+
+  static double parsed(std::string_view digits, std::string_view word) {
+    double value = 0.0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    if (digits.empty() || error != std::errc{} || end != digits.data() + digits.size() || !std::isfinite(value)) {
+      fail("a number is wanted", word);
+    }
+    return value;
+  }
+
+  double number() {
+    const std::string_view taken = word();
+    return parsed(taken, taken);
+  }
+
+  double size() {
+    const std::string_view taken = word();
+    const double value = parsed(taken, taken);
+    if (!(value >= 0.0)) fail("a length can't be negative", taken);
+    return value;
+  }
+
+  static double curvature(std::string_view radius, std::string_view word) {
+    if (radius == "inf") return 0.0;
+    const double value = parsed(radius, word);
+    if (!(value > 0.0)) fail("a radius is wanted", word);
+    return 1.0 / value;
+  }
+
+  void expectR() {
+    if (const std::string_view taken = word(); taken != "R") fail("R is wanted", taken);
+  }
+
+  double sense() {
+    const std::string_view taken = word();
+    if (taken == "left") return 1.0;
+    if (taken == "right") return -1.0;
+    fail("left or right is wanted", taken);
+  }
+
+  void readItem() {
+    const std::string_view item = word();
+    if (item == "start") {
+      startStation_ = number();
+    } else if (item == "at") {
+      pen_.point.x = number();
+      pen_.point.y = number();
+    } else if (item == "heading") {
+      pen_.direction = (90.0 - number()) * (kPi / 180.0);
+    } else if (item == "line") {
+      add(continued(ElementKind::Line, size()));
+    } else if (item == "arc") {
+      Element element = continued(ElementKind::Arc, size());
+      expectR();
+      const std::string_view radius = word();
+      if (radius == "inf") fail("an arc's radius is wanted", radius);
+      const double bend = curvature(radius, radius);
+      element.startCurvature = element.endCurvature = sense() * bend;
+      add(element);
+    } else if (item == "clothoid") {
+      Element element = continued(ElementKind::Clothoid, size());
+      expectR();
+      const std::string_view radii = word();
+      const std::size_t dots = radii.find("..");
+      if (dots == std::string_view::npos) fail("two radii as in inf..300 are wanted", radii);
+      const double first = curvature(radii.substr(0, dots), radii);
+      const double second = curvature(radii.substr(dots + 2), radii);
+      const double side = sense();
+      element.startCurvature = side * first;
+      element.endCurvature = side * second;
+      add(element);
+    } else if (item == "to") {
+      const double x = number();
+      const Element element = makeLine(pen_.point, {x, number()});
+      add(element);
+      pen_.point = elements_.back().givenEnd = element.givenEnd;  // exactly there
+    } else {
+      fail("no such word", item);
+    }
+  }
+
+  [[nodiscard]] Element continued(ElementKind kind, double length) const {
+    Element element;
+    element.kind = kind;
+    element.start = pen_.point;
+    element.direction = pen_.direction;
+    element.length = length;
+    return element;
+  }
+
+  void add(Element element) {
+    pen_ = element.endPose();
+    element.givenEnd = pen_.point;
+    elements_.push_back(element);
+  }
+
+  std::string_view rest_;
+  double startStation_ = 0.0;
+  Pose pen_{{}, 0.5 * kPi};
+  std::vector<Element> elements_;
+};
+
+}  // namespace
+
+Alignment Alignment::fromText(std::string_view text) { return AlignmentText(text).read(); }
+
+}  // namespace lvx::civil

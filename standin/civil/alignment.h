@@ -17,12 +17,12 @@ struct StationOffset {
   double offset = 0.0;
 };
 
-/// A horizontal alignment: a chain of elements measured by station. Stations add up the elements' lengths from the start
-/// station; station equations play no part. Immutable once built; copies share nothing.
+/// A horizontal alignment: a chain of elements measured by station. Stations add up the elements' lengths from the
+/// start station; station equations play no part. Immutable once built; copies share nothing.
 ///
-///     auto axis = Alignment::fromText("start 1000 at 0 0 heading 90; line 100; clothoid 60 R inf..300 right; arc 80 R 300 right");
-///     axis.poseAt(1120.0);                 // somewhere on the clothoid
-///     axis.stationOffset({12.5, 80.0});    // exact: the nearest foot, not that of a polyline
+///     auto axis = Alignment::fromText("start 1000 at 0 0 heading 90; line 100; clothoid 60 R inf..300 right; arc 80 R
+///     300 right"); axis.poseAt(1120.0);                 // somewhere on the clothoid axis.stationOffset({12.5, 80.0});
+///     // exact: the nearest foot, not that of a polyline
 class Alignment {
  public:
   /// A station this little beyond an end still counts as the end, since files round their last stations.
@@ -35,9 +35,10 @@ class Alignment {
   Alignment& operator=(Alignment) noexcept;
   ~Alignment();
 
-  /// An alignment in one line of text, for tests and tools: `start S` and `at X Y heading AZIMUTH-DEGREES`, then elements
-  /// that continue one another: `line L`, `arc L R r left|right`, `clothoid L R r1..r2 left|right` (`inf` for straight),
-  /// and `to X Y` for a line to a point (which may make a corner). Throws std::invalid_argument that names the word.
+  /// An alignment in one line of text, for tests and tools: `start S` and `at X Y heading AZIMUTH-DEGREES`, then
+  /// elements that continue one another: `line L`, `arc L R r left|right`, `clothoid L R r1..r2 left|right` (`inf` for
+  /// straight), and `to X Y` for a line to a point (which may make a corner). `at` and `heading` between elements make
+  /// gaps and corners. Without them it starts at 0 0 to the north. Throws std::invalid_argument that names the word.
   [[nodiscard]] static Alignment fromText(std::string_view text);
 
   [[nodiscard]] bool isEmpty() const { return elements_.empty(); }
@@ -48,18 +49,22 @@ class Alignment {
   /// Station at the start of element `index`; at `elements().size()` the end station.
   [[nodiscard]] double stationOfElement(std::size_t index) const { return stations_[index]; }
 
-  /// Position and direction of travel at `station`. Empty outside [startStation, endStation] by more than kEndTolerance
-  /// and `tolerance` (then the nearer end answers) and for an empty alignment; at a joint the later element answers.
-  /// Position error below 1e-9 on lines and arcs, 1e-7 on clothoids up to 1 km. O(log n).
+  /// Position and direction of travel at `station`. A station outside [startStation, endStation] by kEndTolerance or
+  /// `tolerance` at most, whichever is larger, gives the end; further out it is empty, as for an alignment without
+  /// length. At a joint the later element answers, passing over elements without length. Position error below 1e-9 on
+  /// lines, arcs and clothoids up to 1 km. O(log n).
   [[nodiscard]] std::optional<Pose> poseAt(double station, double tolerance = 0.0) const;
 
   /// The point at `offset` square to the alignment at `station` (positive: right), with the direction of travel there.
   [[nodiscard]] std::optional<Pose> pointLocation(double station, double offset, double tolerance = 0.0) const;
 
-  /// The nearest foot of a perpendicular; at equal distances the smaller station. Beyond an end, where no foot lies nearer
-  /// than the end itself: station and offset against the end's tangent drawn on, so the station lies outside the range. At
-  /// a corner, where neither side has a foot: the corner's station and distance, signed by the side of the bisector of the
-  /// two directions. Exact to 1e-8. Empty for an alignment without length.
+  /// The nearest foot of a perpendicular; at equal distances the smaller station. Beyond an end, where no foot lies
+  /// nearer than the end itself: station and offset against the end's tangent drawn on, so the station lies outside the
+  /// range. At a corner, where neither side has a foot: the corner's station and distance, signed by the side of the
+  /// bisector of the two directions (straight back counts as a turn to the left). Where an element's end misses the
+  /// next start, the nearer of the two is the corner. Distances are equal within 1e-10 and the rounding of the
+  /// coordinates; an offset within that rounding of the axis is 0. Exact to 1e-8. Empty for an alignment without length
+  /// and for a point that isn't finite. About 0.3 us on a road of 300 elements, O(log n) near one.
   [[nodiscard]] std::optional<StationOffset> stationOffset(Vec2 point) const;
 
  private:

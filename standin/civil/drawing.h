@@ -6,7 +6,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "civil/alignment.h"
@@ -121,7 +120,7 @@ struct Region {
   double endStation = 0.0;
   /// Ascending; may ask for stations that hold no section yet, until the corridor is rebuilt.
   std::vector<double> stations;
-  std::vector<CorridorSection> sections;  ///< ascending by station
+  std::vector<CorridorSection> sections;        ///< ascending by station
   std::map<double, std::string> pendingLabels;  ///< labels of added stations without a section yet
 };
 
@@ -152,7 +151,17 @@ struct Diagnostic {
   std::size_t line = 0;
 };
 
-enum class ObjectKind : std::uint8_t { Site, Alignment, Profile, SampleLineGroup, SampleLine, Surface, Point, PointGroup, Corridor };
+enum class ObjectKind : std::uint8_t {
+  Site,
+  Alignment,
+  Profile,
+  SampleLineGroup,
+  SampleLine,
+  Surface,
+  Point,
+  PointGroup,
+  Corridor
+};
 
 struct Drawing {
   /// Path as it was opened, for messages.
@@ -175,8 +184,9 @@ struct Drawing {
   Drawing& operator=(const Drawing&) = delete;
 };
 
-/// Finds objects by handle and points by number. Built once over a drawing that doesn't change its lists any more; holds
-/// pointers into it.
+/// Finds objects by handle and points by number. Built once over a drawing that doesn't change its lists any more;
+/// holds pointers into it. Of objects with one handle the first in the drawing's lists is found (a reader gives handles
+/// out once). O(n) where handles and numbers ascend in file order, else O(n log n); a search is O(log n).
 class DrawingIndex {
  public:
   struct Entry {
@@ -185,14 +195,23 @@ class DrawingIndex {
   };
 
   explicit DrawingIndex(const Drawing& drawing);
-  /// Null where the drawing has no such handle.
+  /// Null where the drawing has no such handle; 0 is none.
   [[nodiscard]] const Entry* byHandle(Handle handle) const;
   /// The first point of that number, or null.
   [[nodiscard]] const Point* pointByNumber(std::int32_t number) const;
 
  private:
-  std::unordered_map<Handle, Entry> handles_;
-  std::unordered_map<std::int32_t, const Point*> numbers_;
+  // Sorted rows rather than hash tables: millions of points at 16 bytes each.
+  struct HandleRow {
+    Handle handle = 0;
+    Entry entry;
+  };
+  struct NumberRow {
+    std::int32_t number = 0;
+    const Point* point = nullptr;
+  };
+  std::vector<HandleRow> handles_;
+  std::vector<NumberRow> numbers_;
 };
 
 }  // namespace lvx::civil

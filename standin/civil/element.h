@@ -24,21 +24,31 @@ struct Element {
   Vec2 givenEnd;
 
   /// Position and direction at `distance` along the element; distances outside [0, length] continue the element's own
-  /// curve. Position error below 1e-9 on lines and arcs, 1e-7 on clothoids up to 1 km.
+  /// curve. The direction isn't reduced to one turn. Position error below 1e-9 on lines, arcs and clothoids up to 1 km.
   [[nodiscard]] Pose poseAt(double distance) const;
   [[nodiscard]] double curvatureAt(double distance) const;
   [[nodiscard]] Pose endPose() const { return poseAt(length); }
 };
 
+/// Points this close are one: closer than any drawing gives its coordinates.
+inline constexpr double kSamePoint = 1e-9;
+
+// The makers take what a drawing holds, wrong values too: a length, radius or point that is no finite number never
+// throws; a length that isn't above 0 counts as 0. `Alignment` passes over elements that have no length or no finite
+// geometry.
+
 /// Length = chord. A line of length 0 has direction 0.
 [[nodiscard]] Element makeLine(Vec2 start, Vec2 end);
 
 /// Radius = distance from start to center; length = radius times the angle from start to end in the sense of `turn`,
-/// in (0, 2 pi); equal start and end points give length 0.
+/// in (0, 2 pi). Equal start and end points (within kSamePoint) give length 0, never the full circle: drawings hold
+/// arcs without length, and give a closed circle in two arcs or more. A center on the start point gives length 0 too.
 [[nodiscard]] Element makeArc(Vec2 start, Vec2 center, Vec2 end, Turn turn);
 
-/// Starts in the direction of `pi`; without one, in the direction that puts the curve's own chord on the chord from start
-/// to end. Radii are unsigned, empty for infinite. Equal radii give an arc, two infinite ones a line, both of that length.
+/// Starts in the direction of `pi` (away from it where the curve turns by more than half a circle, since the end
+/// tangents then cross behind the start); without one, or with one on the start point, in the direction that puts the
+/// curve's own chord on the chord from start to end. Radii are unsigned (a sign is passed over), empty or 0 for
+/// infinite. Equal radii give an arc, two infinite ones a line, both of that length.
 [[nodiscard]] Element makeClothoid(Vec2 start, std::optional<Vec2> pi, Vec2 end, double length,
                                    std::optional<double> startRadius, std::optional<double> endRadius, Turn turn);
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <numbers>
 
-/// Plain geometry of the stand-in: drawing units, x to the east, y to the north, angles in radians counter-clockwise from
-/// east unless a name says azimuth (clockwise from north).
+/// Plain geometry of the stand-in: drawing units, x to the east, y to the north, angles in radians counter-clockwise
+/// from east unless a name says azimuth (clockwise from north).
 namespace lvx::civil {
 
 struct Vec2 {
@@ -33,7 +33,7 @@ struct Vec3 {
 inline constexpr double kPi = std::numbers::pi;
 inline constexpr double kTwoPi = 2.0 * std::numbers::pi;
 
-/// The same angle in [0, 2 pi).
+/// The same angle in [0, 2 pi). What isn't finite gives NaN.
 [[nodiscard]] double normalizedAngle(double angle);
 /// Azimuth (clockwise from north, [0, 2 pi)) of a direction counter-clockwise from east, and back: the map is its own
 /// inverse.

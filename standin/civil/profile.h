@@ -37,20 +37,28 @@ struct VerticalRecord {
 };
 
 /// A vertical alignment over the stations of a horizontal one: tangents between intersection points, rounded off by
-/// parabolas and circles; or ground as a polyline with gaps. Elevations and stations in drawing units, grades as ratios.
+/// parabolas and circles; or ground as a polyline with gaps. Elevations and stations in drawing units, grades as
+/// ratios.
 class Profile {
  public:
   Profile() = default;
 
-  /// A design profile. Points are sorted by station (stable). Curves that don't fit between their neighbours are kept as
-  /// they are and named in `warnings()`; where two overlap, the first wins.
+  /// A design profile. Points are sorted by station (stable). A curve that can't be drawn becomes a plain point, with a
+  /// warning: one without a size, or without a tangent on both sides (at the profile's first or last point, or where
+  /// the point before or after it has the same station). A curve that is longer than its tangents, or runs into the
+  /// curve before it, is kept with a warning; where two overlap, the first answers. An unsymmetric parabola that
+  /// overlaps a neighbour as given and not at half its lengths is taken at half, with a warning: one exporter doubles
+  /// them.
   [[nodiscard]] static Profile design(std::vector<VerticalPoint> points);
-  /// A ground profile: one polyline of (station, elevation) per list, with a gap between lists.
+  /// A ground profile: one polyline of (station, elevation) per list, with a gap between lists; lists may come in any
+  /// order, empty ones don't count. Only stations and elevations of the points are read.
   [[nodiscard]] static Profile ground(std::vector<std::vector<VerticalPoint>> polylines);
 
   [[nodiscard]] bool isGround() const { return ground_; }
   [[nodiscard]] bool isEmpty() const { return points_.empty(); }
+  /// As taken: sorted, finite, curves that can't be drawn left out.
   [[nodiscard]] std::span<const VerticalPoint> points() const { return points_; }
+  /// Stations of the first and last point; 0 for a profile without points.
   [[nodiscard]] double startStation() const;
   [[nodiscard]] double endStation() const;
   /// Number of gaps between the polylines of a ground profile.
@@ -59,28 +67,43 @@ class Profile {
   [[nodiscard]] const std::vector<std::string>& warnings() const { return warnings_; }
 
   /// Elevation at a station: on tangents, in curves, beyond the ends by the end tangents, in a gap on the straight line
-  /// across it. Empty for a profile without points; one point gives its elevation everywhere. O(log n).
+  /// across it. Of two points at one station the later answers there. Empty for a profile without points and for a
+  /// station that is no number; one point gives its elevation everywhere. O(log n).
   [[nodiscard]] std::optional<double> elevationAt(double station) const;
 
-  /// The intersection points for the companion library, ascending: an unsymmetric parabola as two symmetric ones (exact), a
-  /// circle as the parabola of the same radius with half length R |grade change| / 2, a parabola between equal grades with
-  /// half its length and radius 0.
+  /// The intersection points for the companion library, ascending: an unsymmetric parabola as two symmetric ones
+  /// (exact), a circle as the parabola of the same radius with half length R |grade change| / 2, a parabola between
+  /// equal grades with half its length and radius 0. First and last record are the ends of the profile; the grade that
+  /// an end lacks is that of its other side.
   [[nodiscard]] std::vector<VerticalRecord> records() const;
 
  private:
+  /// A curve between two stations, or the part of it that an earlier curve leaves free.
   struct Piece {
     double startStation = 0.0;
     double endStation = 0.0;
-    // elevation(s) = elevation + grade * d + bend * d^2 with d = s - startStation; a circle by its centre instead.
-    double elevation = 0.0;
+    // Where the curve itself leaves its tangent: elevation = origin + grade d + bend d^2, d from there.
+    double originStation = 0.0;
+    double originElevation = 0.0;
     double grade = 0.0;
     double bend = 0.0;
-    double circleRadius = 0.0;  // signed: positive sag; 0: no circle
-    double circleStation = 0.0;
-    double circleElevation = 0.0;
+    // A circle instead: radius (positive: sag; 0: none), sine and cosine of the arriving tangent's angle.
+    double circleRadius = 0.0;
+    double circleSine = 0.0;
+    double circleCosine = 1.0;
+    [[nodiscard]] double elevationAt(double station) const;
   };
 
+  void findGrades();
+  void dropImpossibleCurves();
+  void halveDoubledCurves();
+  void buildCurves();
+  [[nodiscard]] double gradeIn(std::size_t i) const;
+  [[nodiscard]] double gradeOut(std::size_t i) const;
+
   std::vector<VerticalPoint> points_;
+  std::vector<std::optional<double>> gradesIn_;
+  std::vector<std::optional<double>> gradesOut_;
   std::vector<Piece> pieces_;
   std::vector<std::string> warnings_;
   std::size_t gapCount_ = 0;

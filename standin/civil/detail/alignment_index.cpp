@@ -1,0 +1,437 @@
+#include "civil/detail/alignment_index.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace lvx::civil::detail {
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+// Turn of a piece at most: keeps the capsules slim.
+constexpr double kTurnOfPiece = 0.3;
+constexpr double kMostPieces = 1 << 14;
+// Ends further apart than this are a gap on purpose, not a rounding.
+constexpr double kGap = 0.01;
+// Distances of this difference are equal where coordinates are small; large ones bring their own rounding.
+constexpr double kEqualDistance = 1e-10;
+
+Vec2 toLocal(Vec2 a, Vec2 tangent) { return {dot(tangent, a), cross(tangent, a)}; }
+Vec2 fromLocal(Vec2 a, Vec2 tangent) { return {tangent.x * a.x - tangent.y * a.y, tangent.y * a.x + tangent.x * a.y}; }
+
+bool isFinite(Vec2 a) { return std::isfinite(a.x) && std::isfinite(a.y); }
+
+double distanceToSegment(Vec2 p, Vec2 a, Vec2 b) {
+  const Vec2 d = b - a;
+  const double square = dot(d, d);
+  const double t = square > 0.0 ? std::clamp(dot(p - a, d) / square, 0.0, 1.0) : 0.0;
+  return length(p - a - t * d);
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------- building
+
+AlignmentIndex::AlignmentIndex(std::span<const Element> elements, std::span<const double> stations) {
+  bool hasOrigin = false;
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    if (!(stations[i + 1] > stations[i])) continue;
+    if (!hasOrigin) origin_ = elements[i].start;
+    hasOrigin = true;
+    addElement(elements[i], stations[i]);
+  }
+  for (std::size_t i = 0; i + 1 < pieces_.size(); ++i) {
+    const Piece& piece = pieces_[i];
+    const Piece& next = pieces_[i + 1];
+    const Vec2 end = piece.middle + fromLocal(piece.endPoint, piece.tangent);
+    const Vec2 start = next.middle + fromLocal(next.startPoint, next.tangent);
+    pieces_[i].joinsNext = length(start - end) < kGap;
+  }
+  if (!pieces_.empty()) buildTree();
+}
+
+void AlignmentIndex::addElement(const Element& element, double station) {
+  const std::size_t before = pieces_.size();
+  if (element.kind == ElementKind::Line) {
+    addPiece(element, station, 0.0, element.length);
+  } else {
+    // A clothoid is cut where its curvature changes sign: each piece bends to one side.
+    std::array<double, 3> cuts{0.0, element.length, element.length};
+    std::size_t parts = 1;
+    if (element.startCurvature * element.endCurvature < 0.0) {
+      cuts[1] = element.length * (element.startCurvature / (element.startCurvature - element.endCurvature));
+      parts = 2;
+    }
+    const double rate = (element.endCurvature - element.startCurvature) / element.length;
+    for (std::size_t part = 0; part < parts; ++part) {
+      const double from = cuts[part];
+      const double to = cuts[part + 1];
+      if (!(to > from)) continue;
+      const double sharpest = std::max(std::abs(element.curvatureAt(from)), std::abs(element.curvatureAt(to)));
+      double count = std::clamp(std::ceil(sharpest * (to - from) / kTurnOfPiece), 1.0, kMostPieces);
+      while (rate != 0.0 && count < kMostPieces &&
+             !ClothoidSeries::isAccurate(sharpest, rate, 0.5 * (to - from) / count)) {
+        ++count;
+      }
+      for (double k = 0.0; k < count; ++k) {
+        const double next = k + 1.0 < count ? from + (to - from) * (k + 1.0) / count : to;
+        addPiece(element, station, from + (to - from) * k / count, next);
+      }
+    }
+  }
+  if (pieces_.size() == before) return;
+  pieces_[before].startsElement = true;
+  pieces_.back().endsElement = true;
+}
+
+void AlignmentIndex::addPiece(const Element& element, double station, double from, double to) {
+  Element fromOrigin = element;
+  fromOrigin.start = element.start - origin_;
+  const Pose middle = fromOrigin.poseAt(0.5 * (from + to));
+  Piece piece;
+  piece.kind = element.kind == ElementKind::Clothoid && element.startCurvature == element.endCurvature
+                   ? ElementKind::Arc
+                   : element.kind;
+  piece.half = 0.5 * (to - from);
+  piece.station = station + 0.5 * (from + to);
+  piece.startStation = station + from;
+  piece.endStation = station + to;
+  piece.middle = middle.point;
+  piece.tangent = unit(middle.direction);
+  if (piece.kind != ElementKind::Line) {
+    piece.curvature = element.curvatureAt(0.5 * (from + to));
+    piece.rate =
+        piece.kind == ElementKind::Arc ? 0.0 : (element.endCurvature - element.startCurvature) / element.length;
+  }
+  if (piece.kind == ElementKind::Arc && piece.curvature == 0.0) piece.kind = ElementKind::Line;
+  piece.series = ClothoidSeries(piece.curvature, piece.rate, piece.half);
+  const ClothoidSeries::Local start = piece.series.at(-1.0);
+  const ClothoidSeries::Local end = piece.series.at(1.0);
+  piece.startPoint = start.point;
+  piece.startTangent = start.tangent;
+  piece.endPoint = end.point;
+  piece.endTangent = end.tangent;
+  if (!isFinite(piece.middle) || !isFinite(piece.tangent) || !isFinite(start.point) || !isFinite(end.point)) return;
+  pieces_.push_back(piece);
+}
+
+AlignmentIndex::Capsule AlignmentIndex::capsuleOf(const Piece& piece) const {
+  // Against its chord, a curve of curvature up to k departs by k L^2 / 8 at most, to one side: the capsule's axis runs
+  // in the middle of that strip. Two sharpest curvatures bound the clothoid's.
+  const double sharpest = std::abs(piece.curvature) + std::abs(piece.rate) * piece.half;
+  const double rise = 0.5 * sharpest * piece.half * piece.half;
+  const Vec2 start = piece.middle + fromLocal(piece.startPoint, piece.tangent);
+  const Vec2 end = piece.middle + fromLocal(piece.endPoint, piece.tangent);
+  const Vec2 chord = end - start;
+  const double chordLength = length(chord);
+  Vec2 shift;
+  // The curve lies to the right of its chord when it turns left.
+  if (chordLength > 0.0) {
+    shift = (0.5 * std::copysign(rise, piece.curvature) / chordLength) * Vec2{chord.y, -chord.x};
+  }
+  const double rounding = 1e-9 + 1e-13 * (std::abs(start.x) + std::abs(start.y) + chordLength);
+  return {start + shift, end + shift, 0.5 * rise * (1.0 + 1e-12) + rounding};
+}
+
+void AlignmentIndex::buildTree() {
+  std::vector<Capsule> bounds;
+  bounds.reserve(pieces_.size());
+  for (const Piece& piece : pieces_) bounds.push_back(capsuleOf(piece));
+  std::uint32_t firstChild = 0;
+  bool isLeaf = true;
+  do {
+    const auto firstNode = static_cast<std::uint32_t>(nodes_.size());
+    std::vector<Capsule> above;
+    for (std::size_t i = 0; i < bounds.size(); i += 4) {
+      Node node;
+      node.child = firstChild + static_cast<std::uint32_t>(i);
+      node.count = static_cast<std::uint8_t>(std::min<std::size_t>(4, bounds.size() - i));
+      node.isLeaf = isLeaf;
+      Capsule around{bounds[i].start, bounds[i + node.count - 1].end, 0.0};
+      for (std::size_t k = 0; k < node.count; ++k) {
+        const Capsule& bound = bounds[i + k];
+        const Vec2 chord = bound.end - bound.start;
+        const double chordLength = length(chord);
+        node.x[k] = bound.start.x;
+        node.y[k] = bound.start.y;
+        node.dx[k] = chordLength > 0.0 ? chord.x / chordLength : 1.0;
+        node.dy[k] = chordLength > 0.0 ? chord.y / chordLength : 0.0;
+        node.length[k] = chordLength;
+        node.radius[k] = bound.radius;
+        const double reach = std::max(distanceToSegment(bound.start, around.start, around.end),
+                                      distanceToSegment(bound.end, around.start, around.end));
+        around.radius = std::max(around.radius, (reach + bound.radius) * (1.0 + 1e-12));
+      }
+      above.push_back(around);
+      nodes_.push_back(node);
+    }
+    bounds = std::move(above);
+    firstChild = firstNode;
+    isLeaf = false;
+  } while (bounds.size() > 1);
+  root_ = static_cast<std::uint32_t>(nodes_.size() - 1);
+}
+
+// ---------------------------------------------------------------- searching
+
+template <class Use>
+void AlignmentIndex::forEachNear(Vec2 point, double& limit, double slack, Use&& use) const {
+  struct Near {
+    double lower;
+    std::uint32_t number;
+  };
+  // A node leaves at most three brothers waiting on each of the tree's levels (16 for 2^32 pieces).
+  std::array<Near, 64> waiting;
+  std::size_t waitingCount = 0;
+  std::array<Near, 32> near;
+  std::size_t nearCount = 0;
+  const auto usePieces = [&] {
+    // The one of the least bound first: it mostly rules out the others.
+    for (std::size_t i = 1; i < nearCount; ++i) {
+      if (near[i].lower < near[0].lower) std::swap(near[0], near[i]);
+    }
+    for (std::size_t i = 0; i < nearCount; ++i) {
+      if (near[i].lower <= limit + slack) use(near[i].number);
+    }
+    nearCount = 0;
+  };
+
+  waiting[waitingCount++] = {0.0, root_};
+  while (waitingCount > 0) {
+    const Near next = waiting[--waitingCount];
+    if (!(next.lower <= limit + slack)) continue;
+    const Node& node = nodes_[next.number];
+    std::array<double, 4> distance;
+    for (std::size_t k = 0; k < 4; ++k) {
+      const double x = point.x - node.x[k];
+      const double y = point.y - node.y[k];
+      const double along = std::min(std::max(x * node.dx[k] + y * node.dy[k], 0.0), node.length[k]);
+      const double restX = x - along * node.dx[k];
+      const double restY = y - along * node.dy[k];
+      distance[k] = std::sqrt(restX * restX + restY * restY);
+    }
+    if (node.isLeaf) {
+      for (std::size_t k = 0; k < node.count; ++k) limit = std::min(limit, distance[k] + node.radius[k]);
+      if (nearCount + 4 > near.size()) usePieces();
+      for (std::size_t k = 0; k < node.count; ++k) {
+        const double lower = distance[k] - node.radius[k];
+        if (lower <= limit + slack) near[nearCount++] = {lower, node.child + static_cast<std::uint32_t>(k)};
+      }
+    } else {
+      const std::size_t first = waitingCount;
+      for (std::size_t k = 0; k < node.count; ++k) {
+        const Near child{distance[k] - node.radius[k], node.child + static_cast<std::uint32_t>(k)};
+        if (!(child.lower <= limit + slack)) continue;
+        // Farthest at the bottom, so that the nearest is looked at next.
+        std::size_t at = waitingCount++;
+        for (; at > first && waiting[at - 1].lower < child.lower; --at) waiting[at] = waiting[at - 1];
+        waiting[at] = child;
+      }
+    }
+  }
+  usePieces();
+}
+
+std::optional<double> AlignmentIndex::footOnClothoid(const Piece& piece, Vec2 local, double startSlope, double endSlope,
+                                                     double& left) const {
+  const double half = piece.half;
+  double low = -half;
+  double high = half;
+  if (!(startSlope < 0.0 && endSlope > 0.0)) {
+    // No bracket. An inner minimum may still hide between two ends of one sign: see the head of the header.
+    const auto evoluteSide = [&](double u, Vec2 point, Vec2 tangent) {
+      const Vec2 rest = toLocal(local - point, tangent);
+      return (1.0 - (piece.curvature + piece.rate * u) * rest.y) * tangent.x -
+             (piece.curvature + piece.rate * u) * rest.x * tangent.y;
+    };
+    const double sign = startSlope < 0.0 && endSlope <= 0.0 ? 1.0 : startSlope >= 0.0 && endSlope > 0.0 ? -1.0 : 0.0;
+    if (sign == 0.0) return std::nullopt;
+    if (!(sign * evoluteSide(-half, piece.startPoint, piece.startTangent) > 0.0 &&
+          sign * evoluteSide(half, piece.endPoint, piece.endTangent) < 0.0)) {
+      return std::nullopt;
+    }
+    double from = -half;
+    double to = half;
+    bool found = false;
+    for (int i = 0; i < 64 && !found && to - from > 1e-14 * half; ++i) {
+      const double u = 0.5 * (from + to);
+      const ClothoidSeries::Local at = piece.series.at(u / half);
+      const double slope = -dot(local - at.point, at.tangent);
+      found = sign * slope > 0.0;
+      if (found) (sign > 0.0 ? high : low) = u;
+      (sign * evoluteSide(u, at.point, at.tangent) > 0.0 ? from : to) = u;
+    }
+    if (!found) return std::nullopt;
+  }
+
+  // From the foot on the circle of the middle, by Halley's step inside the bracket. The step's error is of third order,
+  // so the last one needs no evaluation after it.
+  double u = 0.0;
+  const double towards = 1.0 - piece.curvature * local.y;
+  if (towards > 0.0) {
+    const double x = piece.curvature * local.x / towards;
+    u = local.x / towards * (1.0 - x * x / 3.0);
+  } else {
+    u = 0.5 * (low + high);
+  }
+  if (!(u > low && u < high)) u = !(u > low) ? low + 0.25 * (high - low) : high - 0.25 * (high - low);
+  for (int i = 0; i < 100; ++i) {
+    const ClothoidSeries::Local at = piece.series.at(u / half);
+    const Vec2 rest = toLocal(local - at.point, at.tangent);
+    const double curvature = piece.curvature + piece.rate * u;
+    const double slope = -rest.x;
+    const double bend = 1.0 - curvature * rest.y;
+    const double third = curvature * curvature * rest.x - piece.rate * rest.y;
+    (slope < 0.0 ? low : high) = u;
+    const double denominator = 2.0 * bend * bend - slope * third;
+    double step = denominator != 0.0 ? -2.0 * slope * bend / denominator : kInfinity;
+    const double cubic = std::abs(step * step * step) *
+                         (curvature * curvature + (bend != 0.0 ? third * third / (bend * bend) : kInfinity));
+    const bool isInside = u + step >= low && u + step <= high;
+    if (isInside && cubic < 1e-12) {
+      left = rest.y - 0.5 * curvature * bend * step * step;
+      return u + step;
+    }
+    if (high - low <= 4.0 * std::numeric_limits<double>::epsilon() * half) {
+      left = std::copysign(length(rest), rest.y);
+      return u;
+    }
+    // A step that leaves the bracket, or creeps at a flat place, halves it instead.
+    if (!isInside || !(bend > 0.0) || i > 20) step = 0.5 * (low + high) - u;
+    u += step;
+  }
+  const ClothoidSeries::Local at = piece.series.at(u / half);
+  const Vec2 rest = toLocal(local - at.point, at.tangent);
+  left = std::copysign(length(rest), rest.y);
+  return u;
+}
+
+template <class Use>
+void AlignmentIndex::forEachFoot(std::uint32_t number, Vec2 point, Use&& use) const {
+  const Piece& piece = pieces_[number];
+  const Vec2 local = toLocal(point - piece.middle, piece.tangent);
+  double u = 0.0;
+  double left = 0.0;
+  bool isInside = false;
+  Vec2 fromStart = local - piece.startPoint;
+  Vec2 fromEnd = local - piece.endPoint;
+  const double startSlope = -dot(fromStart, piece.startTangent);
+  const double endSlope = -dot(fromEnd, piece.endTangent);
+  switch (piece.kind) {
+    case ElementKind::Line:
+      u = local.x;
+      left = local.y;
+      isInside = startSlope < 0.0 && endSlope > 0.0;
+      break;
+    case ElementKind::Arc: {
+      const double across = 1.0 - piece.curvature * local.y;
+      const double along = piece.curvature * local.x;
+      const double reach = std::sqrt(across * across + along * along);  // distance to the centre over the radius
+      if (reach <= kEqualDistance * std::abs(piece.curvature)) {
+        // In the centre all of the arc is equally near: its start has the smallest station.
+        use(Foot{length(fromStart), piece.startStation, std::copysign(length(fromStart), piece.curvature), number,
+                 FootPlace::Inside});
+        return;
+      }
+      u = std::atan2(along, across) / piece.curvature;
+      left = (2.0 * local.y - piece.curvature * dot(local, local)) / (1.0 + reach);
+      isInside = std::abs(u) < piece.half;
+      break;
+    }
+    case ElementKind::Clothoid:
+      if (const auto foot = footOnClothoid(piece, local, startSlope, endSlope, left)) {
+        u = *foot;
+        isInside = true;
+      }
+      break;
+  }
+  if (isInside) use(Foot{std::abs(left), piece.station + u, left, number, FootPlace::Inside});
+  const bool isDone = isInside && piece.kind != ElementKind::Clothoid;
+  // An arc without a foot may have a slope of the wrong sign at an end that the foot just misses.
+  if (!isDone && (startSlope >= 0.0 || (!isInside && endSlope > 0.0))) {
+    use(Foot{length(fromStart), piece.startStation, 0.0, number, FootPlace::Start});
+  }
+  if (!isDone && (endSlope <= 0.0 || (!isInside && startSlope < 0.0))) {
+    use(Foot{length(fromEnd), piece.endStation, 0.0, number, FootPlace::End});
+  }
+}
+
+// Whether the distance rises on both sides of a foot, the neighbouring piece included.
+bool AlignmentIndex::isMinimumOfChain(const Foot& foot, Vec2 point) const {
+  if (foot.place == FootPlace::End && pieces_[foot.piece].joinsNext) {
+    const Piece& next = pieces_[foot.piece + 1];
+    return dot(toLocal(point - next.middle, next.tangent) - next.startPoint, next.startTangent) <= 0.0;
+  }
+  if (foot.place == FootPlace::Start && foot.piece > 0 && pieces_[foot.piece - 1].joinsNext) {
+    const Piece& before = pieces_[foot.piece - 1];
+    return dot(toLocal(point - before.middle, before.tangent) - before.endPoint, before.endTangent) >= 0.0;
+  }
+  return true;
+}
+
+AlignmentIndex::Answer AlignmentIndex::answer(const Foot& foot, Vec2 point, double noise) const {
+  const Piece& piece = pieces_[foot.piece];
+  double station = foot.station;
+  double left = foot.left;
+  if (foot.place != FootPlace::Inside) {
+    const bool atStart = foot.place == FootPlace::Start;
+    const Vec2 tangent = fromLocal(atStart ? piece.startTangent : piece.endTangent, piece.tangent);
+    const Vec2 from = point - piece.middle - fromLocal(atStart ? piece.startPoint : piece.endPoint, piece.tangent);
+    if (foot.piece == 0 && atStart) {
+      station += std::min(dot(from, tangent), 0.0);
+      left = cross(tangent, from);
+    } else if (foot.piece + 1 == pieces_.size() && !atStart) {
+      station += std::max(dot(from, tangent), 0.0);
+      left = cross(tangent, from);
+    } else {
+      const Piece& other = pieces_[atStart ? foot.piece - 1 : foot.piece + 1];
+      const Vec2 otherTangent = fromLocal(atStart ? other.endTangent : other.startTangent, other.tangent);
+      Vec2 bisector = tangent + otherTangent;
+      // Straight back: taken as the limit of a turn to the left.
+      if (dot(bisector, bisector) < 1e-18) {
+        const Vec2 arriving = atStart ? otherTangent : tangent;
+        bisector = {-arriving.y, arriving.x};
+      }
+      left = std::copysign(foot.distance, cross(bisector, from));
+    }
+  }
+  // On the line but for the rounding of its coordinates: 0, and without a sign.
+  return {station, std::abs(left) <= noise ? 0.0 : -left};
+}
+
+std::optional<AlignmentIndex::Answer> AlignmentIndex::stationOffset(Vec2 absolute) const {
+  const Vec2 point = absolute - origin_;
+  if (pieces_.empty() || !std::isfinite(dot(point, point))) return std::nullopt;
+  const double noise =
+      4.0 * std::numeric_limits<double>::epsilon() * std::max(std::abs(absolute.x), std::abs(absolute.y));
+  const double slack = kEqualDistance + noise;
+
+  Foot best;
+  best.distance = kInfinity;
+  double second = kInfinity;  // the nearest at another station
+  double limit = kInfinity;
+  forEachNear(point, limit, slack, [&](std::uint32_t piece) {
+    forEachFoot(piece, point, [&](const Foot& foot) {
+      if (foot.distance < best.distance) {
+        if (foot.station != best.station) second = best.distance;
+        best = foot;
+        limit = std::min(limit, foot.distance);
+      } else if (foot.station != best.station) {
+        second = std::min(second, foot.distance);
+      }
+    });
+  });
+  if (!(best.distance < kInfinity)) return std::nullopt;
+  if (second <= best.distance + slack) {
+    // Equal distances: again, for the smallest station among the minima that a rounding holds apart.
+    const double equal = best.distance + slack;
+    limit = best.distance;
+    forEachNear(point, limit, slack, [&](std::uint32_t piece) {
+      forEachFoot(piece, point, [&](const Foot& foot) {
+        if (foot.distance <= equal && foot.station < best.station && isMinimumOfChain(foot, point)) best = foot;
+      });
+    });
+  }
+  return answer(best, point, 1e-12 + noise);
+}
+
+}  // namespace lvx::civil::detail
