@@ -342,7 +342,11 @@ TEST_F(WorkbookSheetTest, HoldsAHundredThousandRowsInConstantMemory) {
     for (const wchar_t column : {L'B', L'C', L'D'}) sheet_.writeNumberCell(column + number, number + L".125");
   }
   sheet_.finish(wide("road.xls"));
+#ifndef __SANITIZE_ADDRESS__  // which keeps freed memory for a while
   EXPECT_LT(peak() - before, 40) << "MB more than before";
+#else
+  (void)before;
+#endif
   const auto cells = readWorkbook(folder_ / "road.xls");
   ASSERT_EQ(cells.size(), 400000U);
   for (int row = 1; row <= 100000; ++row) {
