@@ -1,1 +1,327 @@
 #include "runtime/model_objects.h"
+
+#include <algorithm>
+#include <array>
+#include <deque>
+#include <limits>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "host/run_time.h"
+#include "platform/posix/posix_platform.h"
+
+namespace lvx::runtime {
+
+using host::CString;
+using host::HostArray;
+using host::Ref;
+using host::VnDbObjectId;
+using platform::fromUtf8;
+using platform::toUtf8;
+
+namespace {
+
+/// What all model objects share: the drawing they came from and their place in its count.
+template <class Interface, ModelKind kind>
+class ModelObject : public Interface {
+ public:
+  explicit ModelObject(OpenDrawingRef drawing) : drawing_(std::move(drawing)) { drawing_->liveObjects().add(kind); }
+  ~ModelObject() override { drawing_->liveObjects().remove(kind); }
+
+ protected:
+  [[nodiscard]] const OpenDrawingRef& drawing() const { return drawing_; }
+
+ private:
+  OpenDrawingRef drawing_;
+};
+
+/// A model object over one record of the drawing.
+template <class Interface, ModelKind kind, class Record>
+class RecordObject : public ModelObject<Interface, kind> {
+ public:
+  RecordObject(const OpenDrawingRef& drawing, const Record& record)
+      : ModelObject<Interface, kind>(drawing), record_(record) {}
+
+ protected:
+  [[nodiscard]] const Record& record() const { return record_; }
+
+ private:
+  const Record& record_;
+};
+
+template <class T>
+const T& dereference(const T& value) {
+  return value;
+}
+template <class T>
+const T& dereference(const std::unique_ptr<T>& pointer) {
+  return *pointer;
+}
+
+/// A collection over a list of records; `Wrapper` is the model object of one of them.
+template <class Base, ModelKind kind, class Records, class Wrapper>
+class ListObject : public ModelObject<Base, kind> {
+ public:
+  ListObject(const OpenDrawingRef& drawing, const Records& records)
+      : ModelObject<Base, kind>(drawing), records_(records) {}
+
+  using Base::item;
+  [[nodiscard]] std::int32_t count() override {
+    constexpr std::size_t kMost = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::min(records_.size(), kMost));
+  }
+  [[nodiscard]] auto item(std::int32_t index) -> decltype(std::declval<Base&>().item(std::int32_t{})) override {
+    if (index < 0 || index >= count()) return nullptr;
+    return std::make_shared<Wrapper>(this->drawing(), dereference(records_[static_cast<std::size_t>(index)]));
+  }
+
+ protected:
+  [[nodiscard]] const Records& records() const { return records_; }
+
+ private:
+  const Records& records_;
+};
+
+/// A collection that finds the first record of a name too.
+template <class Base, ModelKind kind, class Records, class Wrapper>
+class NamedListObject : public ListObject<Base, kind, Records, Wrapper> {
+ public:
+  using ListObject<Base, kind, Records, Wrapper>::ListObject;
+  using ListObject<Base, kind, Records, Wrapper>::item;
+  [[nodiscard]] auto item(const CString& name) -> decltype(std::declval<Base&>().item(name)) override {
+    const std::string wanted = toUtf8(name);
+    for (const auto& record : this->records())
+      if (record.name == wanted) return std::make_shared<Wrapper>(this->drawing(), record);
+    return nullptr;
+  }
+};
+
+// ---------------------------------------------------------------- sample lines
+
+class SampleLineVertex final
+    : public RecordObject<host::QmtSampleLineVertex, ModelKind::SampleLineVertex, civil::Vec2> {
+ public:
+  using RecordObject::RecordObject;
+  [[nodiscard]] HostArray<double> location() override { return HostArray<double>::of({record().x, record().y, 0.0}); }
+};
+
+using SampleLineVertexList = ListObject<host::QmtSampleLineVertexList, ModelKind::SampleLineVertexList,
+                                        std::vector<civil::Vec2>, SampleLineVertex>;
+
+class SampleLine final : public RecordObject<host::QmtSampleLine, ModelKind::SampleLine, civil::SampleLine> {
+ public:
+  using RecordObject::RecordObject;
+  [[nodiscard]] CString name() override { return fromUtf8(record().name); }
+  [[nodiscard]] double station() override { return record().station; }
+  [[nodiscard]] std::int64_t sampleLineId() override { return static_cast<std::int64_t>(record().handle); }
+  [[nodiscard]] Ref<host::QmtSampleLineVertexList> vertices() override {
+    return std::make_shared<SampleLineVertexList>(drawing(), record().vertices);
+  }
+};
+
+using SampleLineList =
+    ListObject<host::QmtSampleLineList, ModelKind::SampleLineList, std::vector<civil::SampleLine>, SampleLine>;
+
+class SampleLineGroup final
+    : public RecordObject<host::QmtSampleLineGroup, ModelKind::SampleLineGroup, civil::SampleLineGroup> {
+ public:
+  using RecordObject::RecordObject;
+  [[nodiscard]] CString name() override { return fromUtf8(record().name); }
+  [[nodiscard]] CString description() override { return fromUtf8(record().description); }
+  [[nodiscard]] VnDbObjectId objectId() override { return {record().handle}; }
+  [[nodiscard]] Ref<host::QmtSampleLineList> sampleLines() override {
+    return std::make_shared<SampleLineList>(drawing(), record().lines);
+  }
+};
+
+using SampleLineGroupList = ListObject<host::QmtSampleLineGroupList, ModelKind::SampleLineGroupList,
+                                       std::vector<civil::SampleLineGroup>, SampleLineGroup>;
+
+// ---------------------------------------------------------------- alignments and sites
+
+class Alignment final : public RecordObject<host::QmtAlignment, ModelKind::Alignment, civil::AlignmentObject> {
+ public:
+  using RecordObject::record;
+  using RecordObject::RecordObject;
+  [[nodiscard]] CString name() override { return fromUtf8(record().name); }
+  [[nodiscard]] CString description() override { return fromUtf8(record().description); }
+  [[nodiscard]] VnDbObjectId objectId() override { return {record().handle}; }
+  [[nodiscard]] CString handle() override { return handleTextOf(record().handle); }
+  [[nodiscard]] Ref<host::QmtSampleLineGroupList> sampleLineGroups() override {
+    return std::make_shared<SampleLineGroupList>(drawing(), record().sampleLineGroups);
+  }
+  [[nodiscard]] host::PointLocation pointLocation(double station, double offset, double tolerance) override {
+    const auto pose = record().geometry.pointLocation(station, offset, tolerance);
+    if (!pose) return {};
+    return {pose->point.x, pose->point.y, civil::azimuthOf(pose->direction)};
+  }
+  [[nodiscard]] host::StationOffset stationOffset(double x, double y) override {
+    drawing()->checkInterrupted();
+    const auto found = record().geometry.stationOffset({x, y});
+    if (!found) return {};
+    return {found->station, found->offset};
+  }
+};
+
+using AlignmentList = ListObject<host::QmtAlignmentList, ModelKind::AlignmentList,
+                                 std::vector<std::unique_ptr<civil::AlignmentObject>>, Alignment>;
+
+class Site final : public RecordObject<host::QmtSite, ModelKind::Site, civil::Site> {
+ public:
+  using RecordObject::RecordObject;
+  [[nodiscard]] CString name() override { return fromUtf8(record().name); }
+  [[nodiscard]] Ref<host::QmtAlignmentList> alignments() override {
+    return std::make_shared<AlignmentList>(drawing(), record().alignments);
+  }
+};
+
+using SiteList = ListObject<host::QmtSiteList, ModelKind::SiteList, std::vector<civil::Site>, Site>;
+
+class Profile final : public RecordObject<host::QmtProfile, ModelKind::Profile, civil::ProfileObject> {
+ public:
+  using RecordObject::RecordObject;
+  [[nodiscard]] double elevationAt(double station) override {
+    return record().profile.elevationAt(station).value_or(0.0);
+  }
+};
+
+// ---------------------------------------------------------------- surfaces
+
+class Surface final : public RecordObject<host::QmtSurface, ModelKind::Surface, civil::SurfaceObject> {
+ public:
+  using RecordObject::RecordObject;
+  [[nodiscard]] CString name() override { return fromUtf8(record().name); }
+  [[nodiscard]] CString handle() override { return handleTextOf(record().handle); }
+  [[nodiscard]] HostArray<double> sampleElevations(double x1, double y1, double x2, double y2) override {
+    drawing()->checkInterrupted();
+    std::vector<civil::Vec3> samples;
+    record().surface.sample({x1, y1}, {x2, y2}, samples);
+    std::vector<double> flat;
+    flat.reserve(3 * samples.size());
+    for (const civil::Vec3& sample : samples) flat.insert(flat.end(), {sample.x, sample.y, sample.z});
+    return HostArray<double>::of(std::move(flat));
+  }
+};
+
+using SurfaceList =
+    NamedListObject<host::QmtSurfaceList, ModelKind::SurfaceList, std::deque<civil::SurfaceObject>, Surface>;
+
+// ---------------------------------------------------------------- points
+
+class Point final : public RecordObject<host::QmtPoint, ModelKind::Point, civil::Point> {
+ public:
+  using RecordObject::RecordObject;
+  [[nodiscard]] CString name() override { return fromUtf8(record().name); }
+  [[nodiscard]] std::int32_t number() override { return record().number; }
+  [[nodiscard]] double easting() override { return record().position.x; }
+  [[nodiscard]] double northing() override { return record().position.y; }
+  [[nodiscard]] double elevation() override { return record().hasElevation ? record().position.z : 0.0; }
+  [[nodiscard]] CString description() override { return fromUtf8(record().description); }
+  [[nodiscard]] CString fullDescription() override { return fromUtf8(record().fullDescription); }
+};
+
+class PointList final : public ModelObject<host::QmtPointList, ModelKind::PointList> {
+ public:
+  using ModelObject::ModelObject;
+  [[nodiscard]] Ref<host::QmtPoint> itemByNumber(std::int32_t number) override {
+    const civil::Point* point = drawing()->index().pointByNumber(number);
+    if (point == nullptr) return nullptr;
+    return std::make_shared<Point>(drawing(), *point);
+  }
+};
+
+class PointGroup final : public RecordObject<host::QmtPointGroup, ModelKind::PointGroup, civil::PointGroup> {
+ public:
+  using RecordObject::RecordObject;
+  [[nodiscard]] CString name() override { return fromUtf8(record().name); }
+  [[nodiscard]] HostArray<std::int32_t> pointNumbers() override {
+    return HostArray<std::int32_t>::of(record().numbers);
+  }
+  [[nodiscard]] std::int32_t pointCount() override { return static_cast<std::int32_t>(record().numbers.size()); }
+};
+
+using PointGroupList =
+    NamedListObject<host::QmtPointGroupList, ModelKind::PointGroupList, std::vector<civil::PointGroup>, PointGroup>;
+
+// ---------------------------------------------------------------- the drawing
+
+class Document final : public ModelObject<host::QmtDocument, ModelKind::Document> {
+ public:
+  using ModelObject::ModelObject;
+  [[nodiscard]] Ref<host::QmtSurfaceList> surfaces() override {
+    return std::make_shared<SurfaceList>(drawing(), drawing()->drawing().surfaces);
+  }
+  [[nodiscard]] Ref<host::QmtAlignmentList> sitelessAlignments() override {
+    return std::make_shared<AlignmentList>(drawing(), drawing()->drawing().siteless.alignments);
+  }
+  [[nodiscard]] Ref<host::QmtPointGroupList> pointGroups() override {
+    return std::make_shared<PointGroupList>(drawing(), drawing()->drawing().pointGroups);
+  }
+  [[nodiscard]] Ref<host::QmtPointList> points() override { return std::make_shared<PointList>(drawing()); }
+
+  [[nodiscard]] Ref<host::QmtObject> objectFromId(VnDbObjectId id) override {
+    const civil::DrawingIndex::Entry* entry = drawing()->index().byHandle(id.value);
+    if (entry == nullptr) return nullptr;
+    switch (entry->kind) {
+      case civil::ObjectKind::Site:
+        return wrap<Site, civil::Site>(*entry);
+      case civil::ObjectKind::Alignment:
+        return wrap<Alignment, civil::AlignmentObject>(*entry);
+      case civil::ObjectKind::Profile:
+        return wrap<Profile, civil::ProfileObject>(*entry);
+      case civil::ObjectKind::SampleLineGroup:
+        return wrap<SampleLineGroup, civil::SampleLineGroup>(*entry);
+      case civil::ObjectKind::SampleLine:
+        return wrap<SampleLine, civil::SampleLine>(*entry);
+      case civil::ObjectKind::Surface:
+        return wrap<Surface, civil::SurfaceObject>(*entry);
+      case civil::ObjectKind::Point:
+        return wrap<Point, civil::Point>(*entry);
+      case civil::ObjectKind::PointGroup:
+        return wrap<PointGroup, civil::PointGroup>(*entry);
+      case civil::ObjectKind::Corridor:
+        // Corridors belong to the roadway side of the model, which has no look-up by identifier.
+        return nullptr;
+    }
+    return nullptr;
+  }
+
+ private:
+  template <class Wrapper, class Record>
+  [[nodiscard]] Ref<host::QmtObject> wrap(const civil::DrawingIndex::Entry& entry) const {
+    return std::make_shared<Wrapper>(drawing(), *static_cast<const Record*>(entry.object));
+  }
+};
+
+class Database final : public ModelObject<host::QmtDatabase, ModelKind::Database> {
+ public:
+  using ModelObject::ModelObject;
+  [[nodiscard]] Ref<host::QmtSiteList> sites() override {
+    return std::make_shared<SiteList>(drawing(), drawing()->drawing().sites);
+  }
+};
+
+}  // namespace
+
+Ref<host::QmtDocument> makeDocument(const OpenDrawingRef& drawing) { return std::make_shared<Document>(drawing); }
+
+Ref<host::QmtDatabase> makeDatabase(const OpenDrawingRef& drawing) { return std::make_shared<Database>(drawing); }
+
+Ref<host::QmtAlignment> makeAlignment(const OpenDrawingRef& drawing, const civil::AlignmentObject& alignment) {
+  return std::make_shared<Alignment>(drawing, alignment);
+}
+
+const civil::AlignmentObject* alignmentBehind(const host::QmtAlignment* alignment) {
+  const auto* ours = dynamic_cast<const Alignment*>(alignment);
+  return ours == nullptr ? nullptr : &ours->record();
+}
+
+CString handleTextOf(civil::Handle handle) {
+  if (handle == 0) return {};
+  std::array<wchar_t, 32> buffer{};
+  host::VnDbHandle(handle).getIntoAsciiBuffer(buffer.data(), buffer.size());
+  return buffer.data();
+}
+
+}  // namespace lvx::runtime

@@ -1,1 +1,72 @@
 #include "runtime/standin_host.h"
+
+#include <utility>
+
+#include "runtime/host_accessor.h"
+#include "runtime/model_objects.h"
+#include "workbook/workbook_sheet.h"
+
+namespace lvx::runtime {
+
+StandinHost::StandinHost(FrontEnd& frontEnd, HostOptions options)
+    : frontEnd_(frontEnd),
+      options_(std::move(options)),
+      posixPlatform_(options_.platform),
+      observedPlatform_(posixPlatform_, journal_, options_.isInterrupted),
+      registry_(linker_, commands_),
+      runTime_(frontEnd, documents_, registry_) {
+  runTime_.setSupportPaths(options_.supportPaths);
+  for (const auto& [name, path] : options_.files) runTime_.setFile(name, path);
+  formerHost_ = setCurrentHost(this);
+  formerAccess_ = setCompanionAccess(this);
+}
+
+StandinHost::~StandinHost() {
+  close();
+  setCompanionAccess(formerAccess_);
+  setCurrentHost(formerHost_);
+}
+
+void StandinHost::open(civil::Drawing drawing) {
+  close();
+  const host::CString fileName = platform::fromUtf8(drawing.path);
+  drawing_ = std::make_shared<OpenDrawing>(std::move(drawing));
+  drawing_->isInterrupted = options_.isInterrupted;
+  runTime_.setDrawing(drawing_);
+  documents_.open(fileName);
+}
+
+void StandinHost::close() {
+  documents_.close();
+  runTime_.setDrawing(nullptr);
+  drawing_.reset();
+  connected_ = false;
+}
+
+std::unique_ptr<host::Sheet> StandinHost::createSheet() {
+  return std::make_unique<ObservedSheet>(std::make_unique<workbook::WorkbookSheet>(), journal_, options_.onSheetFailure,
+                                         options_.isInterrupted);
+}
+
+host::ActiveApplication StandinHost::activeApplication(const host::CString& /*programId*/) {
+  // No automation object runs in this process: whoever asks for one is told that there is none.
+  return {};
+}
+
+bool StandinHost::connect(host::Ref<host::QmtDocument>& document, host::Ref<host::QmtDatabase>& database) {
+  if (!drawing_) return false;
+  document = makeDocument(drawing_);
+  database = makeDatabase(drawing_);
+  connected_ = true;
+  return true;
+}
+
+void StandinHost::disconnect() { connected_ = false; }
+
+const civil::Drawing* StandinHost::drawing() { return connected_ && drawing_ ? &drawing_->drawing() : nullptr; }
+
+const civil::AlignmentObject* StandinHost::alignmentBehind(const host::QmtAlignment* alignment) {
+  return runtime::alignmentBehind(alignment);
+}
+
+}  // namespace lvx::runtime

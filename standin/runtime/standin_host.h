@@ -1,1 +1,94 @@
 #pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/host.h"
+#include "platform/posix/posix_platform.h"
+#include "runtime/companion_access.h"
+#include "runtime/file_journal.h"
+#include "runtime/front_end.h"
+#include "runtime/host_services.h"
+#include "runtime/observed_platform.h"
+#include "runtime/observed_sheet.h"
+#include "runtime/open_drawing.h"
+#include "runtime/standin_run_time.h"
+
+namespace lvx::runtime {
+
+/// How a process sets up its host.
+struct HostOptions {
+  platform::PosixSettings platform;
+  /// Folders that the module's files are searched in, in order; the current folder stands behind them.
+  std::vector<std::string> supportPaths;
+  /// Files that are found under a name whatever their own: the message file that the user named.
+  std::map<host::CString, std::string> files;
+  SheetFailure onSheetFailure = SheetFailure::Record;
+  /// True once the user wants to stop; asked during long work.
+  std::function<bool()> isInterrupted;
+};
+
+/// The host of a process that has no other: answers everything that a module and the companion library ask, over one
+/// open drawing. It puts itself behind vnrxHost() and lvxCompanionAccess() for as long as it lives.
+///
+///     StandinHost host(frontEnd, options);
+///     host.open(landxml::readDrawing("road.xml"));
+///     …                                   // commands run
+///     host.close();
+///     host.journal().events();            // what was written, and what couldn't be
+class StandinHost final : public host::Host, public CompanionAccess {
+ public:
+  /// Throws std::invalid_argument where a code page of `options` is unknown.
+  explicit StandinHost(FrontEnd& frontEnd, HostOptions options = {});
+  ~StandinHost() override;
+
+  /// Opens a drawing as the current document; one that was open is closed first.
+  void open(civil::Drawing drawing);
+  void close();
+  /// The open drawing, or empty.
+  [[nodiscard]] const OpenDrawingRef& openDrawing() const { return drawing_; }
+
+  [[nodiscard]] const FileJournal& journal() const { return journal_; }
+  [[nodiscard]] FileJournal& journal() { return journal_; }
+  [[nodiscard]] CommandStack& commands() { return commands_; }
+  [[nodiscard]] DynamicLinker& linker() { return linker_; }
+  [[nodiscard]] DocumentManager& documents() { return documents_; }
+  [[nodiscard]] StandinRunTime& standinRunTime() { return runTime_; }
+
+  // ---- for the module
+  [[nodiscard]] host::RunTime& runTime() override { return runTime_; }
+  [[nodiscard]] host::UserInterface& userInterface() override { return frontEnd_; }
+  [[nodiscard]] dialogs::DialogRunner& dialogs() override { return frontEnd_.dialogs(); }
+  [[nodiscard]] platform::Platform& platform() override { return observedPlatform_; }
+  [[nodiscard]] framework::ModuleState& moduleState() override { return moduleState_; }
+  [[nodiscard]] std::unique_ptr<host::Sheet> createSheet() override;
+  [[nodiscard]] host::ActiveApplication activeApplication(const host::CString& programId) override;
+
+  // ---- for the companion library
+  [[nodiscard]] bool connect(host::Ref<host::QmtDocument>& document, host::Ref<host::QmtDatabase>& database) override;
+  void disconnect() override;
+  [[nodiscard]] const civil::Drawing* drawing() override;
+  [[nodiscard]] const civil::AlignmentObject* alignmentBehind(const host::QmtAlignment* alignment) override;
+
+ private:
+  FrontEnd& frontEnd_;
+  HostOptions options_;
+  FileJournal journal_;
+  platform::PosixPlatform posixPlatform_;
+  ObservedPlatform observedPlatform_;
+  framework::ModuleState moduleState_;
+  DynamicLinker linker_;
+  CommandStack commands_;
+  SystemRegistry registry_;
+  DocumentManager documents_;
+  StandinRunTime runTime_;
+  OpenDrawingRef drawing_;
+  bool connected_ = false;
+  host::Host* formerHost_ = nullptr;
+  CompanionAccess* formerAccess_ = nullptr;
+};
+
+}  // namespace lvx::runtime

@@ -1,0 +1,18 @@
+#include "runtime/file_journal.h"
+
+#include <utility>
+
+namespace lvx::runtime {
+
+void FileJournal::add(FileEvent event) {
+  events_.push_back(std::move(event));
+  if (listener) listener(events_.back());
+}
+
+const FileEvent* FileJournal::last(const std::string& path) const {
+  for (auto event = events_.rbegin(); event != events_.rend(); ++event)
+    if (event->path == path) return &*event;
+  return nullptr;
+}
+
+}  // namespace lvx::runtime

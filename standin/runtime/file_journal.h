@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace lvx::runtime {
+
+enum class FileFate : std::uint8_t {
+  Written,  ///< closed without an error and in place under its name
+  Failed,   ///< couldn't be opened, written, closed or put in place; `reason` says why
+  Removed,
+};
+
+/// What became of a file that a module wrote or removed. Paths are as the module named them, in UTF-8.
+struct FileEvent {
+  FileFate fate = FileFate::Written;
+  std::string path;
+  std::uint64_t bytes = 0;
+  std::string reason;
+};
+
+/// The writers of a module don't look at write errors, so the host does: every file that passes through it leaves an
+/// event here, in the order of things.
+class FileJournal {
+ public:
+  void add(FileEvent event);
+  [[nodiscard]] const std::vector<FileEvent>& events() const { return events_; }
+  /// The last event of that path, or null.
+  [[nodiscard]] const FileEvent* last(const std::string& path) const;
+
+  /// Told of every event as it happens.
+  std::function<void(const FileEvent&)> listener;
+
+ private:
+  std::vector<FileEvent> events_;
+};
+
+}  // namespace lvx::runtime

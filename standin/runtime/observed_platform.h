@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "platform/platform.h"
+#include "runtime/file_journal.h"
+
+namespace lvx::runtime {
+
+/// A platform whose files are watched: each file opened for writing grows under a name of its own beside the target and
+/// takes the target's place when it is closed without an error, so a full disk, an interruption or an exception leaves
+/// what stood there before. Every outcome goes into the journal, since the module's writers look at none.
+///
+/// A target that isn't a regular file (a device, a pipe) and one in a folder where nothing may be created are written
+/// in place. A file that may not be written isn't replaced either, though its folder would allow it.
+class ObservedPlatform final : public platform::Platform {
+ public:
+  /// `inner` and `journal` must outlive this object and every file it opened. `isInterrupted` is asked when a file is
+  /// closed; a file that an interruption cut off is given up.
+  ObservedPlatform(platform::Platform& inner, FileJournal& journal, std::function<bool()> isInterrupted = {});
+
+  [[nodiscard]] platform::FileHandle openFile(const platform::CString& path, const char* mode) override;
+  [[nodiscard]] bool exists(const platform::CString& path) override { return inner_.exists(path); }
+  bool removeFile(const platform::CString& path) override;
+  [[nodiscard]] std::size_t lastFolderMark(const platform::CString& path) const override {
+    return inner_.lastFolderMark(path);
+  }
+  [[nodiscard]] std::int64_t now() override { return inner_.now(); }
+  [[nodiscard]] std::optional<platform::CalendarTime> calendarTime(std::int64_t moment) override {
+    return inner_.calendarTime(moment);
+  }
+  [[nodiscard]] platform::CString widenAnsi(std::string_view bytes) override { return inner_.widenAnsi(bytes); }
+  [[nodiscard]] std::string narrow(const platform::CString& text) override { return inner_.narrow(text); }
+  platform::RegistryAnswer registryText(const platform::CString& subKey, const platform::CString& valueName,
+                                        platform::CString& text) override {
+    return inner_.registryText(subKey, valueName, text);
+  }
+
+ private:
+  platform::Platform& inner_;
+  FileJournal& journal_;
+  std::function<bool()> isInterrupted_;
+};
+
+}  // namespace lvx::runtime
