@@ -1,1 +1,432 @@
 #include "civil/tin_surface.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "civil/detail/block_tree.h"
+#include "civil/detail/predicates.h"
+#include "civil/detail/start_grid.h"
+#include "civil/detail/tin_build.h"
+
+namespace lvx::civil {
+
+using namespace detail;
+
+namespace {
+
+/// The surface's parts, as the walks below need them.
+struct Mesh {
+  std::vector<Vec3> points;
+  std::vector<Triangle> triangles;  // counter-clockwise; those without area last
+  std::size_t groundCount = 0;      // triangles with area
+  TinSurface::Counts counts;
+  Box box;
+  double minElevation = 0.0;
+  double maxElevation = 0.0;
+  std::vector<Link> links;
+  BlockTree blocks;
+  StartGrid grid;
+
+  [[nodiscard]] std::span<const Triangle> ground() const { return std::span(triangles).first(groundCount); }
+  [[nodiscard]] const Vec3& point(std::int32_t number) const { return points[static_cast<std::size_t>(number)]; }
+  [[nodiscard]] std::array<const Vec3*, 3> cornersAt(std::size_t triangle) const {
+    const Triangle& t = triangles[triangle];
+    return {&point(t.a), &point(t.b), &point(t.c)};
+  }
+};
+
+/// Points of a segment closer than this part of its length are one.
+constexpr double kSamePlace = 1e-9;
+/// How far rounding may move a place along the segment before it is computed again exactly.
+constexpr double kPlaceError = 1e-11;
+
+/// How a sample came about: what counts first where several fall on one place. An end is one of the segment's own.
+enum class Rank : std::uint8_t { End, Vertex, Edge, Face, None };
+
+struct Ground {
+  double elevation = 0.0;
+  Rank rank = Rank::None;
+
+  /// Takes over a better elevation of the same place: that of a vertex before that of an edge before that within a
+  /// triangle, then the highest.
+  void improve(Ground other) {
+    if (other.rank < rank || (other.rank == rank && other.elevation > elevation)) *this = other;
+  }
+};
+
+/// Elevation in a triangle at a point within it or on its border. The same to the last bit however the corners are
+/// ordered.
+double elevationWithin(std::array<const Vec3*, 3> corners, Vec2 p) {
+  const auto isBefore = [](const Vec3* q, const Vec3* r) { return std::pair(q->x, q->y) < std::pair(r->x, r->y); };
+  if (isBefore(corners[1], corners[0])) std::swap(corners[0], corners[1]);
+  if (isBefore(corners[2], corners[1])) std::swap(corners[1], corners[2]);
+  if (isBefore(corners[1], corners[0])) std::swap(corners[0], corners[1]);
+  const auto [a, b, c] = corners;
+  const double atA = std::abs(accurateSide(plan(*b), plan(*c), p));
+  const double atB = std::abs(accurateSide(plan(*c), plan(*a), p));
+  const double atC = std::abs(accurateSide(plan(*a), plan(*b), p));
+  return a->z + (atB * (b->z - a->z) + atC * (c->z - a->z)) / (atA + atB + atC);
+}
+
+/// Elevation of an edge at a point of it. The same to the last bit for both directions of the edge.
+double elevationOnEdge(const Vec3* a, const Vec3* b, Vec2 p) {
+  if (std::pair(b->x, b->y) < std::pair(a->x, a->y)) std::swap(a, b);
+  const double along =
+      std::abs(b->x - a->x) >= std::abs(b->y - a->y) ? (p.x - a->x) / (b->x - a->x) : (p.y - a->y) / (b->y - a->y);
+  return along <= 0.5 ? a->z + along * (b->z - a->z) : b->z - (1.0 - along) * (b->z - a->z);
+}
+
+/// What a counter-clockwise triangle holds at a point; nothing if the point lies outside. Decided exactly.
+Ground groundIn(const std::array<const Vec3*, 3>& corners, Vec2 p) {
+  const auto [a, b, c] = corners;
+  if (std::min({a->x, b->x, c->x}) > p.x || std::max({a->x, b->x, c->x}) < p.x) return {};
+  if (std::min({a->y, b->y, c->y}) > p.y || std::max({a->y, b->y, c->y}) < p.y) return {};
+  std::array<bool, 3> isOn{};  // the edge opposite to the corner
+  for (std::size_t i = 0; i < 3; ++i) {
+    const double side = signedSide(plan(*corners[(i + 1) % 3]), plan(*corners[(i + 2) % 3]), p);
+    if (side < 0.0) return {};
+    isOn[i] = side == 0.0;
+  }
+  for (std::size_t i = 0; i < 3; ++i)
+    if (isOn[(i + 1) % 3] && isOn[(i + 2) % 3]) return {corners[i]->z, Rank::Vertex};
+  for (std::size_t i = 0; i < 3; ++i)
+    if (isOn[i]) return {elevationOnEdge(corners[(i + 1) % 3], corners[(i + 2) % 3], p), Rank::Edge};
+  return {elevationWithin(corners, p), Rank::Face};
+}
+
+/// A triangle that holds a place, or kNoLink where the walk couldn't tell; complemented if it isn't alone there.
+///
+/// Walks to the triangle that holds `p` in its interior. Gives up where that isn't plain: at borders, on edges, when
+/// the way gets long.
+std::int32_t locate(const Mesh& mesh, Vec2 p) {
+  constexpr int kMostSteps = 200;
+  const std::int32_t* corners = cornersOf(mesh.ground());
+  std::int32_t at = mesh.grid.triangleNear(p);
+  if (at == kNoLink) return kNoLink;
+  for (int step = 0; step < kMostSteps; ++step) {
+    const std::size_t first = 3 * static_cast<std::size_t>(at >= 0 ? at : ~at);
+    const std::array<Vec2, 3> c{plan(mesh.point(corners[first])), plan(mesh.point(corners[first + 1])),
+                                plan(mesh.point(corners[first + 2]))};
+    const std::array<RoughSide, 3> sides{roughSide(c[1], c[2] - c[1], p), roughSide(c[2], c[0] - c[2], p),
+                                         roughSide(c[0], c[1] - c[0], p)};
+    std::size_t out = 0;
+    while (out < 3 && !sides[out].isRight()) ++out;
+    if (out == 3) return sides[0].isLeft() && sides[1].isLeft() && sides[2].isLeft() ? at : kNoLink;
+    const Link link = mesh.links[first + out];
+    if (link == kNoLink) return kNoLink;
+    at = link >= 0 ? link >> 2 : ~(~link >> 2);
+  }
+  return kNoLink;
+}
+
+void checkInput(std::span<const Vec3> points, std::span<const Triangle> triangles) {
+  constexpr double kLargest = 1e100;  // products of coordinates must not overflow
+  if (triangles.size() >= kMostTriangles || points.size() > std::numeric_limits<std::int32_t>::max())
+    throw std::invalid_argument("civil: a surface of " + std::to_string(triangles.size()) + " triangles and " +
+                                std::to_string(points.size()) + " points is too large");
+  for (std::size_t i = 0; i < points.size(); ++i)
+    if (!(std::abs(points[i].x) <= kLargest && std::abs(points[i].y) <= kLargest && std::abs(points[i].z) <= kLargest))
+      throw std::invalid_argument("civil: surface point " + std::to_string(i) + " isn't at a finite place");
+  const auto isPoint = [&](std::int32_t corner) {
+    return corner >= 0 && static_cast<std::size_t>(corner) < points.size();
+  };
+  for (std::size_t i = 0; i < triangles.size(); ++i)
+    if (!isPoint(triangles[i].a) || !isPoint(triangles[i].b) || !isPoint(triangles[i].c))
+      throw std::invalid_argument("civil: surface triangle " + std::to_string(i) + " has a corner that isn't a point");
+}
+
+/// Box and elevations of the ground: of the triangles with area.
+void measure(Mesh& mesh) {
+  if (mesh.groundCount == 0) return;
+  const std::int32_t* corners = cornersOf(mesh.ground());
+  Box& box = mesh.box;
+  mesh.minElevation = std::numeric_limits<double>::infinity();
+  mesh.maxElevation = -mesh.minElevation;
+  for (std::size_t i = 0; i < 3 * mesh.groundCount; ++i) {
+    const Vec3& p = mesh.point(corners[i]);
+    box.minX = std::min(box.minX, p.x);
+    box.minY = std::min(box.minY, p.y);
+    box.maxX = std::max(box.maxX, p.x);
+    box.maxY = std::max(box.maxY, p.y);
+    mesh.minElevation = std::min(mesh.minElevation, p.z);
+    mesh.maxElevation = std::max(mesh.maxElevation, p.z);
+  }
+}
+
+/// Samples one segment.
+///
+/// Two ways lead to the same samples. `walk` goes from triangle to triangle while everything is plain: a start inside a
+/// triangle, triangles alone where they lie, edges crossed clearly. `gather` takes all triangles near the segment,
+/// decides every touch exactly and sorts; it goes on from where the walk gave up, or does it all.
+class SegmentSampler {
+ public:
+  SegmentSampler(const Mesh& mesh, Vec2 a, Vec2 b, std::vector<Vec3>& samples)
+      : mesh_(mesh), a_(a), b_(b), d_(b - a), square_(dot(d_, d_)), perSquare_(1.0 / square_), samples_(samples) {}
+
+  /// Whether the squared length is a number to work with.
+  [[nodiscard]] bool hasLength() const { return square_ > 1e-290; }
+
+  void sample() {
+    if (!walk()) gather();
+  }
+
+ private:
+  /// A vertex as seen from the segment.
+  struct Corner {
+    const Vec3* point;
+    RoughSide side;
+  };
+  struct Crossing {
+    double along;   // 0 at the segment's start, 1 at its end
+    double onEdge;  // 0 at the edge's right end, 1 at its left end
+    bool isSafe;
+  };
+  /// A sample that isn't yet compared with its neighbours.
+  struct Hit {
+    double along;
+    Rank rank;
+    Vec3 point;
+  };
+
+  [[nodiscard]] Corner cornerAt(std::int32_t number) const {
+    const Vec3& point = mesh_.point(number);
+    return {&point, roughSide(a_, d_, plan(point))};
+  }
+
+  /// Where the segment's line crosses the edge from `right`, on its right, to `left`, on its left.
+  [[nodiscard]] Crossing crossing(const Corner& right, const Corner& left) const {
+    const double total = left.side.value - right.side.value;
+    const double onEdge = -right.side.value / total;
+    const Vec2 edge = plan(*left.point) - plan(*right.point);
+    const double reach = dot(edge, d_);
+    const double along = (dot(plan(*right.point) - a_, d_) + onEdge * reach) * perSquare_;
+    // What rounding moves a corner off the line moves the crossing along it, the more the flatter they meet.
+    const double error = RoughSide::kError * (right.side.magnitude + left.side.magnitude) * std::abs(reach);
+    return {along, onEdge, error < kPlaceError * total * square_};
+  }
+
+  [[nodiscard]] Vec3 pointAt(const Crossing& crossing, const Vec3& right, const Vec3& left) const {
+    return {a_.x + crossing.along * d_.x, a_.y + crossing.along * d_.y, right.z + crossing.onEdge * (left.z - right.z)};
+  }
+
+  bool walk();
+  void gather();
+  void clip(const std::array<const Vec3*, 3>& corners);
+  void hitVertex(const Vec3& vertex);
+  void hitEdge(const Corner& right, const Corner& left);
+  void mergeHits();
+
+  const Mesh& mesh_;
+  Vec2 a_;
+  Vec2 b_;
+  Vec2 d_;
+  double square_;
+  double perSquare_;
+  std::vector<Vec3>& samples_;
+
+  /// How far the walk got: its last sample, which the gathering finds again.
+  double reached_ = 0.0;
+  std::vector<Hit> hits_;
+  Ground atStart_;
+  Ground atEnd_;
+};
+
+/// Returns whether it got to the end. If not, `reached_` tells how far it is sure of the samples.
+bool SegmentSampler::walk() {
+  const std::int32_t start = locate(mesh_, a_);
+  if (start < 0) return false;
+
+  const std::int32_t* corners = cornersOf(mesh_.ground());
+  auto triangle = static_cast<std::size_t>(start);
+  std::array<Corner, 3> ends{cornerAt(corners[3 * triangle]), cornerAt(corners[3 * triangle + 1]),
+                             cornerAt(corners[3 * triangle + 2])};
+  // The way out is the edge that runs from the right to the left of the segment.
+  std::size_t out = 0;
+  while (out < 3 && !(ends[(out + 1) % 3].side.isRight() && ends[(out + 2) % 3].side.isLeft())) ++out;
+  if (out == 3) return false;
+  Corner right = ends[(out + 1) % 3];
+  Corner left = ends[(out + 2) % 3];
+  samples_.push_back({a_.x, a_.y, elevationWithin(mesh_.cornersAt(triangle), a_)});
+
+  for (;;) {
+    const Crossing hit = crossing(right, left);
+    if (!hit.isSafe) break;
+    if (hit.along > 1.0 + kSamePlace) {
+      samples_.push_back({b_.x, b_.y, elevationWithin(mesh_.cornersAt(triangle), b_)});
+      return true;
+    }
+    const Link link = mesh_.links[3 * triangle + out];
+    if (link < 0 || hit.along - reached_ < kSamePlace || hit.along > 1.0 - kSamePlace) break;
+    samples_.push_back(pointAt(hit, *right.point, *left.point));
+    reached_ = hit.along;
+
+    triangle = static_cast<std::size_t>(link >> 2);
+    const auto in = static_cast<std::size_t>(link & 3);
+    const Corner ahead = cornerAt(corners[3 * triangle + in]);
+    if (ahead.side.isLeft()) {
+      left = ahead;
+      out = in == 2 ? 0 : in + 1;
+    } else if (ahead.side.isRight()) {
+      right = ahead;
+      out = in == 0 ? 2 : in - 1;
+    } else {
+      break;
+    }
+  }
+  // The last sample is gathered again, as it may be one with what follows.
+  samples_.pop_back();
+  return false;
+}
+
+/// Goes on from where the walk got to.
+void SegmentSampler::gather() {
+  const Vec2 from = reached_ > 0.0 ? a_ + (reached_ - kSamePlace) * d_ : a_;
+  mesh_.blocks.visitNear(from, b_, [this](std::size_t triangle) { clip(mesh_.cornersAt(triangle)); });
+  if (atStart_.rank != Rank::None) hits_.push_back({0.0, Rank::End, {a_.x, a_.y, atStart_.elevation}});
+  if (atEnd_.rank != Rank::None) hits_.push_back({1.0, Rank::End, {b_.x, b_.y, atEnd_.elevation}});
+  mergeHits();
+}
+
+void SegmentSampler::clip(const std::array<const Vec3*, 3>& points) {
+  std::array<Corner, 3> corners{};
+  std::array<int, 3> signs{};
+  for (std::size_t i = 0; i < 3; ++i) {
+    corners[i] = {points[i], roughSide(a_, d_, plan(*points[i]))};
+    signs[i] = corners[i].side.isLeft() ? 1 : -1;
+    if (signs[i] < 0 && !corners[i].side.isRight()) {
+      const double side = exactSide(a_, b_, plan(*points[i]));
+      signs[i] = side > 0.0 ? 1 : side < 0.0 ? -1 : 0;
+    }
+  }
+  if (signs[0] * signs[1] > 0 && signs[1] * signs[2] > 0) return;
+
+  if (reached_ == 0.0) atStart_.improve(groundIn(points, a_));
+  atEnd_.improve(groundIn(points, b_));
+  for (std::size_t i = 0; i < 3; ++i) {
+    const std::size_t j = (i + 1) % 3;
+    if (signs[i] == 0) hitVertex(*points[i]);
+    if (signs[i] < 0 && signs[j] > 0) hitEdge(corners[i], corners[j]);
+    if (signs[i] > 0 && signs[j] < 0) hitEdge(corners[j], corners[i]);
+  }
+}
+
+/// Takes a vertex on the segment's line if it lies between the ends.
+void SegmentSampler::hitVertex(const Vec3& vertex) {
+  // On one line the order of any one coordinate that differs is the order along it.
+  const bool byX = a_.x != b_.x;
+  const double place = byX ? vertex.x : vertex.y;
+  const double start = byX ? a_.x : a_.y;
+  const double end = byX ? b_.x : b_.y;
+  if (place <= std::min(start, end) || place >= std::max(start, end)) return;
+  const double along = dot(plan(vertex) - a_, d_) * perSquare_;
+  if (along > reached_ - 0.5 * kSamePlace) hits_.push_back({along, Rank::Vertex, vertex});
+}
+
+/// Takes the crossing with an edge whose ends lie strictly on both sides, if it lies strictly between the segment's
+/// ends.
+void SegmentSampler::hitEdge(const Corner& right, const Corner& left) {
+  constexpr double kClearlyBetween = 1e-6;
+  Crossing hit = crossing(right, left);
+  if (!hit.isSafe || hit.along < kClearlyBetween || hit.along > 1.0 - kClearlyBetween) {
+    const Vec2 from = plan(*right.point);
+    const Vec2 to = plan(*left.point);
+    const double before = exactSide(from, to, a_);
+    const double behind = exactSide(from, to, b_);
+    // The start lies left of the edge from right to left, the end right of it.
+    if (before <= 0.0 || behind >= 0.0) return;
+    if (!hit.isSafe) {
+      hit.along = before / (before - behind);
+      const double rightSide = exactSide(a_, b_, from);
+      hit.onEdge = rightSide / (rightSide - exactSide(a_, b_, to));
+    }
+  }
+  if (hit.along > reached_ - 0.5 * kSamePlace)
+    hits_.push_back({hit.along, Rank::Edge, pointAt(hit, *right.point, *left.point)});
+}
+
+void SegmentSampler::mergeHits() {
+  /// Places that differ by rounding only.
+  constexpr double kRounding = 1e-12;
+  std::sort(hits_.begin(), hits_.end(), [](const Hit& p, const Hit& q) {
+    if (p.along != q.along) return p.along < q.along;
+    return p.rank != q.rank ? p.rank < q.rank : p.point.z > q.point.z;
+  });
+  for (std::size_t i = 0; i < hits_.size();) {
+    Hit best = hits_[i];
+    for (++i; i < hits_.size() && hits_[i].along - best.along < kSamePlace; ++i) {
+      const Hit& other = hits_[i];
+      const bool isHigher =
+          other.rank == best.rank && other.along - best.along < kRounding && other.point.z > best.point.z;
+      if (other.rank < best.rank || isHigher) best = other;
+    }
+    samples_.push_back(best.point);
+  }
+}
+
+}  // namespace
+
+struct TinSurface::Data : Mesh {};
+
+TinSurface::TinSurface() = default;
+TinSurface::TinSurface(TinSurface&&) noexcept = default;
+TinSurface& TinSurface::operator=(TinSurface&&) noexcept = default;
+TinSurface::~TinSurface() = default;
+
+TinSurface::TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles) : data_(std::make_unique<Data>()) {
+  checkInput(points, triangles);
+  if (!hasLocality(points, triangles)) renumberAlongCurve(points, triangles);
+
+  Mesh& mesh = *data_;
+  mesh.points = std::move(points);
+  mesh.triangles = std::move(triangles);
+  mesh.groundCount = windAndPartition(mesh.points, mesh.triangles);
+
+  const std::span<const Triangle> ground = mesh.ground();
+  measure(mesh);
+  Links links = linkTriangles(mesh.points.size(), ground);
+  mesh.links = std::move(links.links);
+  mesh.counts = {mesh.points.size(), mesh.triangles.size(), mesh.triangles.size() - mesh.groundCount,
+                 links.overlappingEdges};
+  mesh.blocks = BlockTree(mesh.points, ground, mesh.box);
+  mesh.grid = StartGrid(mesh.points, ground, mesh.box, mesh.links);
+}
+
+bool TinSurface::isEmpty() const { return !data_ || data_->groundCount == 0; }
+TinSurface::Counts TinSurface::counts() const { return data_ ? data_->counts : Counts{}; }
+Box TinSurface::box() const { return data_ ? data_->box : Box{}; }
+double TinSurface::minElevation() const { return data_ ? data_->minElevation : 0.0; }
+double TinSurface::maxElevation() const { return data_ ? data_->maxElevation : 0.0; }
+std::span<const Vec3> TinSurface::points() const {
+  return data_ ? std::span<const Vec3>(data_->points) : std::span<const Vec3>();
+}
+std::span<const Triangle> TinSurface::triangles() const {
+  return data_ ? std::span<const Triangle>(data_->triangles) : std::span<const Triangle>();
+}
+
+void TinSurface::sample(Vec2 a, Vec2 b, std::vector<Vec3>& samples) const {
+  if (isEmpty()) return;
+  SegmentSampler sampler(*data_, a, b, samples);
+  if (sampler.hasLength()) {
+    sampler.sample();
+  } else if (const auto elevation = elevationAt(a)) {
+    samples.push_back({a.x, a.y, *elevation});
+  }
+}
+
+std::optional<double> TinSurface::elevationAt(Vec2 point) const {
+  if (isEmpty()) return std::nullopt;
+  const Mesh& mesh = *data_;
+  if (const std::int32_t triangle = locate(mesh, point); triangle >= 0)
+    return elevationWithin(mesh.cornersAt(static_cast<std::size_t>(triangle)), point);
+  Ground ground;
+  mesh.blocks.visitNear(point, point,
+                        [&](std::size_t triangle) { ground.improve(groundIn(mesh.cornersAt(triangle), point)); });
+  if (ground.rank == Rank::None) return std::nullopt;
+  return ground.elevation;
+}
+
+}  // namespace lvx::civil

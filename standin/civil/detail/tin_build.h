@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <span>
+#include <vector>
+
+#include "civil/tin_surface.h"
+
+/// The steps by which a TIN surface takes over its points and triangles.
+namespace lvx::civil::detail {
+
+[[nodiscard]] inline Vec2 plan(const Vec3& p) { return {p.x, p.y}; }
+
+/// The corners of all triangles in one row, three a triangle.
+[[nodiscard]] inline const std::int32_t* cornersOf(std::span<const Triangle> triangles) {
+  static_assert(sizeof(Triangle) == 3 * sizeof(std::int32_t));
+  return reinterpret_cast<const std::int32_t*>(triangles.data());
+}
+
+/// Whether neighbours in the numbering are neighbours on the ground, for points and for triangles. Judged by samples.
+[[nodiscard]] bool hasLocality(std::span<const Vec3> points, std::span<const Triangle> triangles);
+
+/// Numbers the triangles along a Morton curve through their centres and the points by their first use; points of no
+/// triangle come last. O(n).
+void renumberAlongCurve(std::vector<Vec3>& points, std::vector<Triangle>& triangles);
+
+/// Winds every triangle counter-clockwise and puts those without area in plan last. Returns the number of the others.
+[[nodiscard]] std::size_t windAndPartition(std::span<const Vec3> points, std::vector<Triangle>& triangles);
+
+/// The way across an edge. Edge i of a triangle lies opposite to its corner i and runs from corner i + 1 to corner i
+/// + 2. A link packs the triangle beyond and the number of the same edge there: 4 * triangle + edge. A link to a
+/// triangle that isn't alone where it lies is complemented, hence negative.
+using Link = std::int32_t;
+inline constexpr Link kNoLink = std::numeric_limits<Link>::min();
+inline constexpr std::size_t kMostTriangles = std::size_t{1} << 29;
+
+struct Links {
+  /// Three a triangle. kNoLink where no triangle lies beyond, and on edges that are more than a seam of two triangles
+  /// (more than two, or both on one side).
+  std::vector<Link> links;
+  std::size_t overlappingEdges = 0;
+};
+
+/// The triangles must be wound counter-clockwise. O(n), O(n log n) for edges at one vertex.
+[[nodiscard]] Links linkTriangles(std::size_t pointCount, std::span<const Triangle> triangles);
+
+}  // namespace lvx::civil::detail

@@ -1,0 +1,617 @@
+#include "civil/tin_surface.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <map>
+#include <random>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace lvx::civil {
+namespace {
+
+// ---------------------------------------------------------------- makers
+
+struct Tin {
+  std::vector<Vec3> points;
+  std::vector<Triangle> triangles;
+};
+
+/// A TIN as letters on a grid: the letter's column is x, its line is y counted from the last line up, and its elevation
+/// is its place in the alphabet (a or A: 1). Triangles are words of three letters. A capital and a small letter are two
+/// points.
+Tin tin(std::vector<std::string_view> lines, std::string_view words) {
+  Tin result;
+  std::map<char, std::int32_t> numbers;
+  for (std::size_t line = 0; line < lines.size(); ++line)
+    for (std::size_t column = 0; column < lines[line].size(); ++column) {
+      const char letter = lines[line][column];
+      if (letter == ' ' || letter == '.') continue;
+      numbers[letter] = static_cast<std::int32_t>(result.points.size());
+      const char first = letter >= 'a' ? 'a' : 'A';
+      result.points.push_back({static_cast<double>(column), static_cast<double>(lines.size() - 1 - line),
+                               static_cast<double>(letter - first + 1)});
+    }
+  std::istringstream in{std::string(words)};
+  for (std::string word; in >> word;)
+    result.triangles.push_back({numbers.at(word[0]), numbers.at(word[1]), numbers.at(word[2])});
+  return result;
+}
+
+TinSurface surfaceOf(const Tin& t) { return TinSurface(t.points, t.triangles); }
+
+std::string numberText(double value) {
+  std::array<char, 40> text{};
+  value = std::round(value * 1e6) / 1e6 + 0.0;
+  return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
+}
+
+/// "x,y,z x,y,z", six decimals at most.
+std::string textOf(const std::vector<Vec3>& samples) {
+  std::string text;
+  for (const Vec3& p : samples)
+    text += (text.empty() ? "" : " ") + numberText(p.x) + "," + numberText(p.y) + "," + numberText(p.z);
+  return text;
+}
+
+std::vector<Vec3> sampled(const TinSurface& surface, Vec2 a, Vec2 b) {
+  std::vector<Vec3> samples;
+  surface.sample(a, b, samples);
+  return samples;
+}
+
+std::string along(const TinSurface& surface, Vec2 a, Vec2 b) { return textOf(sampled(surface, a, b)); }
+std::string along(const Tin& t, Vec2 a, Vec2 b) { return along(surfaceOf(t), a, b); }
+
+/// The same ground under another numbering, with windings turned at random.
+Tin renumbered(const Tin& t, std::mt19937_64& random) {
+  std::vector<std::int32_t> numbers(t.points.size());
+  for (std::size_t i = 0; i < numbers.size(); ++i) numbers[i] = static_cast<std::int32_t>(i);
+  std::shuffle(numbers.begin(), numbers.end(), random);
+  Tin result{t.points, t.triangles};
+  for (std::size_t i = 0; i < numbers.size(); ++i) result.points[static_cast<std::size_t>(numbers[i])] = t.points[i];
+  const auto number = [&](std::int32_t corner) { return numbers[static_cast<std::size_t>(corner)]; };
+  for (Triangle& triangle : result.triangles) {
+    triangle = {number(triangle.a), number(triangle.b), number(triangle.c)};
+    for (auto turns = random() % 3; turns > 0; --turns) triangle = {triangle.b, triangle.c, triangle.a};
+    if (random() % 2 == 0) std::swap(triangle.a, triangle.b);
+  }
+  std::shuffle(result.triangles.begin(), result.triangles.end(), random);
+  return result;
+}
+
+/// A seed from the running test's name, shown when it fails.
+std::uint64_t seedOfTest() {
+  const auto* info = testing::UnitTest::GetInstance()->current_test_info();
+  return std::hash<std::string>{}(std::string(info->test_suite_name()) + "." + info->name());
+}
+
+// ---------------------------------------------------------------- reference
+
+/// Sampling by its definition over all triangles, in fractions of integers: for coordinates that are small integers.
+class Reference {
+ public:
+  explicit Reference(const Tin& t) : tin_(t) {}
+
+  struct Place {
+    std::int64_t above = 0;  // along the segment: above / below
+    std::int64_t below = 1;
+    bool operator<(const Place& other) const {
+      __extension__ using Wide = __int128;
+      return Wide{above} * other.below < Wide{other.above} * below;
+    }
+  };
+  struct Best {
+    int rank = 9;  // 0 vertex, 1 edge, 2 face
+    double z = 0.0;
+  };
+  using Samples = std::map<Place, Best>;
+
+  [[nodiscard]] Samples sample(Vec2 a, Vec2 b) const {
+    Samples samples;
+    const std::int64_t square = dotOf(a, b, a, b);
+    for (const Triangle& t : tin_.triangles) {
+      const std::array<Vec3, 3> c{at(t.a), at(t.b), at(t.c)};
+      const std::int64_t area = side(c[0], c[1], c[2]);
+      if (area == 0) continue;
+      for (std::size_t i = 0; i < 3; ++i) {
+        const Vec3& p = c[i];
+        const Vec3& q = c[(i + 1) % 3];
+        const std::int64_t sideP = side({a.x, a.y, 0}, {b.x, b.y, 0}, p);
+        const std::int64_t sideQ = side({a.x, a.y, 0}, {b.x, b.y, 0}, q);
+        if (sideP == 0) {
+          const std::int64_t place = dotOf(a, b, a, {p.x, p.y});
+          if (place >= 0 && place <= square) put(samples, {place, square}, {0, p.z});
+        }
+        if ((sideP < 0 && sideQ > 0) || (sideP > 0 && sideQ < 0)) {
+          // p + (q - p) sideP / (sideP - sideQ), along the segment
+          std::int64_t below = sideP - sideQ;
+          std::int64_t above = dotOf(a, b, a, {p.x, p.y}) * below + dotOf(a, b, {p.x, p.y}, {q.x, q.y}) * sideP;
+          if (below < 0) {
+            below = -below;
+            above = -above;
+          }
+          const double part = static_cast<double>(sideP) / static_cast<double>(sideP - sideQ);
+          if (above >= 0 && above <= below * square)
+            put(samples, {above, below * square}, {1, p.z + part * (q.z - p.z)});
+        }
+      }
+      for (const bool isEnd : {false, true})
+        if (const Best here = within(c, isEnd ? b : a); here.rank < 9) put(samples, {isEnd ? 1 : 0, 1}, here);
+    }
+    return samples;
+  }
+
+  [[nodiscard]] Best elevationAt(Vec2 p) const {
+    Best best;
+    for (const Triangle& t : tin_.triangles) improve(best, within({at(t.a), at(t.b), at(t.c)}, p));
+    return best;
+  }
+
+ private:
+  [[nodiscard]] const Vec3& at(std::int32_t number) const { return tin_.points[static_cast<std::size_t>(number)]; }
+  static std::int64_t whole(double v) { return static_cast<std::int64_t>(v); }
+  static std::int64_t side(const Vec3& a, const Vec3& b, const Vec3& c) {
+    return whole(b.x - a.x) * whole(c.y - a.y) - whole(b.y - a.y) * whole(c.x - a.x);
+  }
+  static std::int64_t dotOf(Vec2 a, Vec2 b, Vec2 c, Vec2 d) {
+    return whole(b.x - a.x) * whole(d.x - c.x) + whole(b.y - a.y) * whole(d.y - c.y);
+  }
+  static void improve(Best& best, Best other) {
+    if (other.rank < best.rank || (other.rank == best.rank && other.z > best.z)) best = other;
+  }
+  static void put(Samples& samples, Place place, Best best) { improve(samples[place], best); }
+
+  /// By barycentric coordinates.
+  static Best within(const std::array<Vec3, 3>& c, Vec2 p) {
+    const Vec3 q{p.x, p.y, 0};
+    std::array<std::int64_t, 3> weights{side(c[1], c[2], q), side(c[2], c[0], q), side(c[0], c[1], q)};
+    std::int64_t area = weights[0] + weights[1] + weights[2];
+    if (area == 0) return {};
+    int zeros = 0;
+    double z = 0.0;
+    for (std::size_t i = 0; i < 3; ++i) {
+      if ((area < 0 ? -weights[i] : weights[i]) < 0) return {};
+      if (weights[i] == 0) ++zeros;
+      z += static_cast<double>(weights[i]) / static_cast<double>(area) * c[i].z;
+    }
+    return {2 - zeros, z};
+  }
+
+  const Tin& tin_;
+};
+
+/// Fails, with a picture of both, unless the surface gives the reference's samples.
+void expectLikeReference(const Tin& t, const TinSurface& surface, Vec2 a, Vec2 b) {
+  const auto expected = Reference(t).sample(a, b);
+  const std::vector<Vec3> found = sampled(surface, a, b);
+  std::vector<Vec3> wanted;
+  for (const auto& [place, best] : expected) {
+    const double part = static_cast<double>(place.above) / static_cast<double>(place.below);
+    wanted.push_back({a.x + part * (b.x - a.x), a.y + part * (b.y - a.y), best.z});
+  }
+  bool isSame = found.size() == wanted.size();
+  for (std::size_t i = 0; isSame && i < found.size(); ++i)
+    isSame = std::abs(found[i].x - wanted[i].x) < 1e-9 && std::abs(found[i].y - wanted[i].y) < 1e-9 &&
+             std::abs(found[i].z - wanted[i].z) < 1e-9;
+  ASSERT_TRUE(isSame) << "from " << a.x << "," << a.y << " to " << b.x << "," << b.y << "\n  found  " << textOf(found)
+                      << "\n  wanted " << textOf(wanted);
+}
+
+/// Random segments between whole places, a little beyond the ground on all sides; and the same places as points.
+void expectLikeReferenceAllOver(const Tin& t, std::mt19937_64& random, int segments) {
+  Box box;
+  for (const Vec3& p : t.points) {
+    box.minX = std::min(box.minX, p.x);
+    box.maxX = std::max(box.maxX, p.x);
+    box.minY = std::min(box.minY, p.y);
+    box.maxY = std::max(box.maxY, p.y);
+  }
+  const auto within = [&](double low, double high) {
+    return static_cast<double>(
+        std::uniform_int_distribution<std::int64_t>(std::int64_t(low) - 2, std::int64_t(high) + 2)(random));
+  };
+  const auto place = [&] {
+    // Often a vertex itself, so that segments start on corners and run through others.
+    if (random() % 4 == 0) {
+      const Vec3& p = t.points[random() % t.points.size()];
+      return Vec2{p.x, p.y};
+    }
+    return Vec2{within(box.minX, box.maxX), within(box.minY, box.maxY)};
+  };
+  const Tin other = renumbered(t, random);
+  const TinSurface surface = surfaceOf(t);
+  const TinSurface otherSurface = surfaceOf(other);
+  for (int i = 0; i < segments; ++i) {
+    const Vec2 a = place();
+    const Vec2 b = place();
+    if (a == b) continue;
+    ASSERT_NO_FATAL_FAILURE(expectLikeReference(t, surface, a, b)) << "segment " << i;
+    const auto found = sampled(surface, a, b);
+    ASSERT_EQ(found, sampled(otherSurface, a, b))
+        << "another numbering, segment " << i << "\n  " << textOf(found) << "\n  " << along(otherSurface, a, b);
+    const auto expected = Reference(t).elevationAt(a);
+    const auto elevation = surface.elevationAt(a);
+    ASSERT_EQ(elevation.has_value(), expected.rank < 9) << a.x << "," << a.y;
+    ASSERT_NEAR(elevation.value_or(0.0), expected.z, 1e-9) << a.x << "," << a.y;
+    ASSERT_EQ(elevation, otherSurface.elevationAt(a));
+  }
+}
+
+}  // namespace
+
+void PrintTo(const Vec3& p, std::ostream* out) { *out << p.x << "," << p.y << "," << p.z; }
+
+namespace {
+
+// ---------------------------------------------------------------- one triangle, two triangles
+
+class OneTriangle : public testing::Test {
+ protected:
+  // a at 0,4; b at 0,0; c at 4,0
+  const Tin tin_ = tin({"a    ",  //
+                        "     ",  //
+                        "     ",  //
+                        "     ",  //
+                        "b   c"},
+                       "abc");
+  const TinSurface surface_ = surfaceOf(tin_);
+};
+
+TEST_F(OneTriangle, GivesBothBorderPointsOfASegmentAcross) {
+  EXPECT_EQ(along(surface_, {-1, 1}, {6, 1}), "0,1,1.75 3,1,2.5");
+}
+
+TEST_F(OneTriangle, GivesBothEndsOfASegmentInside) { EXPECT_EQ(along(surface_, {1, 1}, {2, 1}), "1,1,2 2,1,2.25"); }
+
+TEST_F(OneTriangle, GivesTheEndInsideAndTheBorderPoint) {
+  EXPECT_EQ(along(surface_, {1, 1}, {6, 1}), "1,1,2 3,1,2.5");
+  EXPECT_EQ(along(surface_, {6, 1}, {1, 1}), "3,1,2.5 1,1,2");
+}
+
+TEST_F(OneTriangle, GivesNothingBesideIt) {
+  EXPECT_EQ(along(surface_, {-1, -1}, {6, -1}), "");
+  EXPECT_EQ(along(surface_, {3, 3}, {6, 6}), "");
+  EXPECT_EQ(along(surface_, {-3, 1}, {-1, 1}), "");
+}
+
+TEST_F(OneTriangle, GivesOnePointWhereItsCornerIsTouched) {
+  EXPECT_EQ(along(surface_, {-1, 5}, {1, 3}), "0,4,1 1,3,1.5") << "along the sloping side from the corner on";
+  EXPECT_EQ(along(surface_, {-1, 4}, {1, 4}), "0,4,1");
+  EXPECT_EQ(along(surface_, {-1, 1}, {1, -1}), "0,0,2");
+}
+
+TEST_F(OneTriangle, GivesAnEdgesEndsWhereTheSegmentRunsAlongIt) {
+  EXPECT_EQ(along(surface_, {0, 9}, {0, -9}), "0,4,1 0,0,2");
+  EXPECT_EQ(along(surface_, {-1, 0}, {5, 0}), "0,0,2 4,0,3");
+}
+
+TEST_F(OneTriangle, GivesTheSegmentsOwnEndWhereItStartsOrEndsWithinAnEdge) {
+  EXPECT_EQ(along(surface_, {1, 0}, {3, 0}), "1,0,2.25 3,0,2.75");
+  EXPECT_EQ(along(surface_, {1, 0}, {9, 0}), "1,0,2.25 4,0,3");
+}
+
+TEST_F(OneTriangle, GivesThePointWhereASegmentEndsOnTheBorder) {
+  EXPECT_EQ(along(surface_, {-1, 1}, {0, 1}), "0,1,1.75");
+  EXPECT_EQ(along(surface_, {2, -3}, {2, 0}), "2,0,2.5");
+  EXPECT_EQ(along(surface_, {4, 0}, {5, 0}), "4,0,3");
+}
+
+TEST_F(OneTriangle, GivesAZeroLengthSegmentItsPointOnceOrNothing) {
+  EXPECT_EQ(along(surface_, {1, 1}, {1, 1}), "1,1,2");
+  EXPECT_EQ(along(surface_, {0, 0}, {0, 0}), "0,0,2");
+  EXPECT_EQ(along(surface_, {2, 0}, {2, 0}), "2,0,2.5");
+  EXPECT_EQ(along(surface_, {5, 5}, {5, 5}), "");
+}
+
+TEST_F(OneTriangle, TakesEitherWinding) {
+  EXPECT_EQ(along(Tin{tin_.points, {{0, 2, 1}}}, {-1, 1}, {6, 1}), "0,1,1.75 3,1,2.5");
+}
+
+TEST_F(OneTriangle, AppendsToWhatStandsAlready) {
+  std::vector<Vec3> samples{{7, 7, 7}};
+  surface_.sample({1, 1}, {2, 1}, samples);
+  EXPECT_EQ(textOf(samples), "7,7,7 1,1,2 2,1,2.25");
+}
+
+TEST_F(OneTriangle, GivesNothingForEndsThatAreNoNumbers) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double infinity = std::numeric_limits<double>::infinity();
+  EXPECT_EQ(along(surface_, {nan, 1}, {2, 1}), "");
+  EXPECT_EQ(along(surface_, {1, 1}, {infinity, 1}), "");
+  EXPECT_EQ(surface_.elevationAt({nan, nan}), std::nullopt);
+}
+
+TEST(TinSurface, CrossesASharedEdgeOnce) {
+  const Tin square = tin({"a b", "   ", "c d"}, "abc bcd");
+  EXPECT_EQ(along(square, {0.5, 1}, {1.5, 1}), "0.5,1,2.25 1,1,2.5 1.5,1,2.75");
+  EXPECT_EQ(along(square, {1.5, 1}, {0.5, 1}), "1.5,1,2.75 1,1,2.5 0.5,1,2.25");
+}
+
+// ---------------------------------------------------------------- gaps, islands, seams
+
+TEST(TinSurface, GivesTheBorderPointsOfAGapAndNothingInIt) {
+  const Tin islands = tin({"a b  d e", "        ", "c     f "}, "abc def");
+  EXPECT_EQ(along(islands, {-1, 1}, {9, 1}), "0,1,2 1,1,2.5 5.5,1,5 6.5,1,5.5");
+  EXPECT_EQ(along(islands, {0.5, 1}, {6, 1}), "0.5,1,2.25 1,1,2.5 5.5,1,5 6,1,5.25");
+}
+
+TEST(TinSurface, TouchesATriangleAtItsCornerInPassing) {
+  const Tin tent = tin({" a ", "   ", "b c"}, "abc");
+  EXPECT_EQ(along(tent, {-5, 2}, {9, 2}), "1,2,1");
+}
+
+TEST(TinSurface, RunsThroughAVertexOnce) {
+  const Tin square = tin({"a b", " e ", "c d"}, "abe bde dce cae");
+  EXPECT_EQ(along(square, {-1, 1}, {3, 1}), "0,1,2 1,1,5 2,1,3");
+  EXPECT_EQ(along(square, {0, 0}, {2, 2}), "0,0,3 1,1,5 2,2,2") << "along the edges of a diagonal";
+  EXPECT_EQ(along(square, {1, 1}, {1, 9}), "1,1,5 1,2,1.5") << "from the vertex on";
+  EXPECT_EQ(along(square, {0.5, 0.5}, {1, 1}), "0.5,0.5,4 1,1,5") << "along half an edge up to the vertex";
+}
+
+TEST(TinSurface, GivesAllPointsOfAnEdgeThatIsSeveralOnItsOtherSide) {
+  // The long side a-c has the corner b of its two neighbours in its middle.
+  const Tin joint = tin({"  d  ", "     ", "a b c", "     ", "  e  "}, "acd aeb bec");
+  EXPECT_EQ(along(joint, {-1, 2}, {9, 2}), "0,2,1 2,2,2 4,2,3");
+  EXPECT_EQ(along(joint, {2, -9}, {2, 9}), "2,0,5 2,2,2 2,4,4") << "the vertex counts before the edge";
+  EXPECT_EQ(along(joint, {1, 0.5}, {1, 3.5}), "1,1,3 1,2,1.5 1,3,2.5");
+}
+
+TEST(TinSurface, CrossesASeamOfPointsGivenTwiceOnce) {
+  const Tin seam = tin({"a b", "   ", "c d"}, "abc bcd");
+  Tin apart = seam;
+  apart.points.push_back(seam.points[1]);
+  apart.points.push_back(seam.points[2]);
+  apart.triangles = {{0, 1, 2}, {4, 5, 3}};
+  EXPECT_EQ(along(apart, {0.5, 0.25}, {1.75, 0.25}), along(seam, {0.5, 0.25}, {1.75, 0.25}));
+  EXPECT_EQ(along(apart, {-1, 1}, {3, 1}), along(seam, {-1, 1}, {3, 1}));
+}
+
+TEST(TinSurface, CountsTheHigherEdgeOfAWall) {
+  // a-b and A-B lie in one place in plan, A-B thirty higher; the wall between them is two triangles without area.
+  Tin wall;
+  wall.points = {{0, 0, 0}, {0, 4, 0}, {-4, 0, 0}, {0, 0, 30}, {0, 4, 30}, {4, 0, 30}};
+  wall.triangles = {{0, 1, 2}, {3, 4, 5}, {0, 1, 4}, {0, 4, 3}};
+  const TinSurface surface = surfaceOf(wall);
+  EXPECT_EQ(surface.counts().degenerate, 2U);
+  EXPECT_EQ(along(surface, {-1, 1}, {1, 1}), "-1,1,0 0,1,30 1,1,30");
+  EXPECT_EQ(surface.elevationAt({0, 1}), 30.0);
+  EXPECT_EQ(along(surface, {0, -1}, {0, 9}), "0,0,30 0,4,30");
+}
+
+TEST(TinSurface, HoldsNoGroundInTrianglesWithoutArea) {
+  const Tin flat = tin({"a b c"}, "abc");
+  const TinSurface surface = surfaceOf(flat);
+  EXPECT_TRUE(surface.isEmpty());
+  EXPECT_EQ(surface.counts().triangles, 1U);
+  EXPECT_EQ(surface.counts().degenerate, 1U);
+  EXPECT_EQ(along(surface, {-1, 0}, {9, 0}), "");
+  EXPECT_TRUE(surface.box().isEmpty());
+}
+
+TEST(TinSurface, CountsEdgesOfMoreThanTwoTriangles) {
+  const Tin fin = tin({"a b c", "     ", "  d  "}, "abd bcd cad");
+  EXPECT_EQ(surfaceOf(fin).counts().overlappingEdges, 0U) << "the side of a-c has no area";
+  Tin book;
+  book.points = {{0, 0, 0}, {0, 4, 0}, {4, 0, 1}, {-4, 0, 2}, {4, 4, 3}};
+  book.triangles = {{0, 1, 2}, {0, 1, 3}, {0, 1, 4}};
+  EXPECT_EQ(surfaceOf(book).counts().overlappingEdges, 1U);
+  EXPECT_EQ(along(book, {-1, 1}, {1, 1}), "-1,1,0.5 0,1,0 1,1,0.75");
+}
+
+TEST(TinSurface, GivesOnePointForCrossingsCloserThanABillionthOfTheSegment) {
+  Tin sliver;
+  sliver.points = {{0, 0, 0}, {0, 10, 0}, {5, 0, 5}, {5 + 1e-9, 10, 5}, {5 + 2e-9, 0, 5}, {10, 0, 0}, {10, 10, 0}};
+  sliver.triangles = {{0, 2, 1}, {1, 2, 3}, {2, 4, 3}, {4, 5, 3}, {5, 6, 3}};
+  EXPECT_EQ(sampled(surfaceOf(sliver), {-1, 1}, {11, 1}).size(), 5U) << "2e-9 apart on a segment of 12";
+  EXPECT_EQ(sampled(surfaceOf(sliver), {4.999, 1}, {5.001, 1}).size(), 4U) << "the same two on a short one";
+}
+
+// ---------------------------------------------------------------- what a surface tells of itself
+
+TEST(TinSurface, IsEmptyWithoutTriangles) {
+  for (const TinSurface& surface : {TinSurface(), TinSurface({}, {}), TinSurface({{1, 2, 3}}, {})}) {
+    EXPECT_TRUE(surface.isEmpty());
+    EXPECT_TRUE(surface.box().isEmpty());
+    EXPECT_EQ(surface.minElevation(), 0.0);
+    EXPECT_EQ(surface.elevationAt({1, 2}), std::nullopt);
+    EXPECT_EQ(along(surface, {0, 0}, {9, 9}), "");
+  }
+}
+
+TEST(TinSurface, TellsItsBoxElevationsAndCountsOfTheGroundOnly) {
+  Tin t = tin({"a b", "   ", "c d"}, "abc bcd");
+  t.points.push_back({99, 99, 99});
+  const TinSurface surface = surfaceOf(t);
+  EXPECT_EQ(surface.counts().points, 5U);
+  EXPECT_EQ(surface.counts().triangles, 2U);
+  EXPECT_EQ(surface.box().minX, 0.0);
+  EXPECT_EQ(surface.box().minY, 0.0);
+  EXPECT_EQ(surface.box().maxX, 2.0);
+  EXPECT_EQ(surface.box().maxY, 2.0);
+  EXPECT_EQ(surface.minElevation(), 1.0);
+  EXPECT_EQ(surface.maxElevation(), 4.0);
+}
+
+TEST(TinSurface, RefusesCornersThatAreNoPoints) {
+  const std::vector<Vec3> points{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+  EXPECT_THROW(TinSurface(points, {{0, 1, 3}}), std::invalid_argument);
+  EXPECT_THROW(TinSurface(points, {{0, -1, 2}}), std::invalid_argument);
+}
+
+TEST(TinSurface, RefusesCoordinatesThatAreNoNumbers) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_THROW(TinSurface({{0, 0, 0}, {1, nan, 0}, {0, 1, 0}}, {{0, 1, 2}}), std::invalid_argument);
+  EXPECT_THROW(TinSurface({{0, 0, 0}, {1, 0, 0}, {0, 1, 1e300}}, {{0, 1, 2}}), std::invalid_argument);
+}
+
+// ---------------------------------------------------------------- against the reference
+
+double alphabetical(std::mt19937_64& random) { return static_cast<double>(random() % 26 + 1); }
+
+/// A lattice of `columns` by `rows` cells, its inner corners moved by up to `jitter`, with random diagonals.
+Tin lattice(int columns, int rows, int spacing, int jitter, std::mt19937_64& random) {
+  Tin t;
+  std::uniform_int_distribution<int> move(-jitter, jitter);
+  for (int r = 0; r <= rows; ++r)
+    for (int c = 0; c <= columns; ++c) {
+      const bool isInner = r > 0 && r < rows && c > 0 && c < columns;
+      t.points.push_back({static_cast<double>(c * spacing + (isInner ? move(random) : 0)),
+                          static_cast<double>(r * spacing + (isInner ? move(random) : 0)), alphabetical(random)});
+    }
+  for (int r = 0; r < rows; ++r)
+    for (int c = 0; c < columns; ++c) {
+      const std::int32_t a = r * (columns + 1) + c;
+      const std::int32_t b = a + 1;
+      const std::int32_t d = a + columns + 1;
+      const std::int32_t e = d + 1;
+      if (random() % 2 == 0) {
+        t.triangles.push_back({a, b, e});
+        t.triangles.push_back({a, e, d});
+      } else {
+        t.triangles.push_back({a, b, d});
+        t.triangles.push_back({b, e, d});
+      }
+    }
+  return t;
+}
+
+void removeSome(Tin& t, std::mt19937_64& random, unsigned oneOf) {
+  std::erase_if(t.triangles, [&](const Triangle&) { return random() % oneOf == 0; });
+}
+
+/// Every triangle with points of its own.
+Tin takenApart(const Tin& t) {
+  Tin result;
+  for (const Triangle& triangle : t.triangles) {
+    const auto first = static_cast<std::int32_t>(result.points.size());
+    for (const std::int32_t corner : {triangle.a, triangle.b, triangle.c})
+      result.points.push_back(t.points[static_cast<std::size_t>(corner)]);
+    result.triangles.push_back({first, first + 1, first + 2});
+  }
+  return result;
+}
+
+class TinAgainstReference : public testing::Test {
+ protected:
+  std::mt19937_64 random_{seedOfTest()};
+
+  void check(const Tin& t, int segments) {
+    SCOPED_TRACE("seed " + std::to_string(seedOfTest()));
+    expectLikeReferenceAllOver(t, random_, segments);
+  }
+};
+
+TEST_F(TinAgainstReference, OnALattice) { check(lattice(24, 20, 1, 0, random_), 300); }
+
+TEST_F(TinAgainstReference, OnAJitteredLattice) { check(lattice(30, 30, 10, 3, random_), 300); }
+
+TEST_F(TinAgainstReference, OnALongStrip) { check(lattice(300, 1, 1, 0, random_), 300); }
+
+TEST_F(TinAgainstReference, OnASteepStrip) {
+  // Turned, so that the strip crosses its box from corner to corner.
+  Tin t = lattice(120, 3, 2, 0, random_);
+  for (Vec3& p : t.points) p = {p.x + p.y, p.x - p.y, p.z};
+  check(t, 300);
+}
+
+TEST_F(TinAgainstReference, OnGroundWithHolesAndIslands) {
+  Tin few = lattice(30, 30, 10, 3, random_);
+  removeSome(few, random_, 40);
+  check(few, 250);
+  Tin many = lattice(20, 20, 2, 0, random_);
+  removeSome(many, random_, 3);
+  check(many, 250);
+}
+
+TEST_F(TinAgainstReference, OnARing) {
+  Tin t = lattice(30, 30, 10, 3, random_);
+  std::erase_if(t.triangles, [&](const Triangle& triangle) {
+    const Vec3& p = t.points[static_cast<std::size_t>(triangle.a)];
+    const double far = std::hypot(p.x - 150, p.y - 150);
+    return far < 60 || far > 130;
+  });
+  check(t, 250);
+}
+
+TEST_F(TinAgainstReference, OnSlivers) {
+  // Fans from two far corners over a row of points: triangles hundreds of times longer than wide.
+  Tin t;
+  t.points = {{0, 150, 3}, {0, -150, 7}};
+  for (int i = 0; i <= 60; ++i) t.points.push_back({static_cast<double>(i - 30), 0, alphabetical(random_)});
+  for (std::int32_t i = 2; i < 62; ++i) {
+    t.triangles.push_back({0, i, i + 1});
+    t.triangles.push_back({1, i, i + 1});
+  }
+  check(t, 300);
+}
+
+TEST_F(TinAgainstReference, WithTrianglesGivenTwice) {
+  Tin t = lattice(20, 20, 10, 3, random_);
+  for (std::size_t i = 0; i < 400; i += 37) t.triangles.push_back(t.triangles[i]);
+  check(t, 250);
+}
+
+TEST_F(TinAgainstReference, OnPointsGivenOncePerTriangle) { check(takenApart(lattice(16, 16, 2, 0, random_)), 500); }
+
+TEST_F(TinAgainstReference, OnTwoLayers) {
+  Tin t = lattice(30, 30, 10, 3, random_);
+  Tin cover = lattice(5, 5, 20, 5, random_);
+  const auto first = static_cast<std::int32_t>(t.points.size());
+  for (const Vec3& p : cover.points) t.points.push_back({p.x + 101, p.y + 102, p.z + 50});
+  for (const Triangle& c : cover.triangles) t.triangles.push_back({c.a + first, c.b + first, c.c + first});
+  check(t, 250);
+}
+
+TEST_F(TinAgainstReference, WithCornersOnOtherTrianglesEdges) {
+  // Left half in cells of 2, right half in cells of 4: every second corner of the seam lies within a long edge.
+  Tin t = lattice(8, 16, 2, 0, random_);
+  const Tin coarse = lattice(4, 8, 4, 0, random_);
+  const auto first = static_cast<std::int32_t>(t.points.size());
+  for (const Vec3& p : coarse.points) t.points.push_back({p.x + 16, p.y, p.z});
+  for (const Triangle& c : coarse.triangles) t.triangles.push_back({c.a + first, c.b + first, c.c + first});
+  check(t, 250);
+}
+
+TEST(TinSurface, SamplesTheSameToTheLastBitWhetherItWalksOrGathers) {
+  // Given twice, no triangle is alone where it lies, so nothing is walked; the ground is the same.
+  std::mt19937_64 random(seedOfTest());
+  Tin t = lattice(60, 60, 10, 3, random);
+  std::uniform_real_distribution<double> move(-0.5, 0.5);
+  for (Vec3& p : t.points) p = {3.2e7 + p.x + move(random), 6.1e6 + p.y + move(random), p.z + move(random)};
+  const TinSurface once = surfaceOf(t);
+  Tin doubled = t;
+  doubled.triangles.insert(doubled.triangles.end(), t.triangles.begin(), t.triangles.end());
+  const TinSurface twice = surfaceOf(renumbered(doubled, random));
+  std::size_t count = 0;
+  std::uniform_real_distribution<double> place(-30.0, 630.0);
+  for (int i = 0; i < 300; ++i) {
+    const Vec2 a{3.2e7 + place(random), 6.1e6 + place(random)};
+    const Vec2 b{3.2e7 + place(random), 6.1e6 + place(random)};
+    const auto samples = sampled(once, a, b);
+    ASSERT_EQ(samples, sampled(twice, a, b)) << "segment " << i << ", seed " << seedOfTest();
+    count += samples.size();
+  }
+  EXPECT_GT(count, 10'000U);
+}
+
+TEST_F(TinAgainstReference, OnASoupOfTriangles) {
+  for (int soup = 0; soup < 20; ++soup) {
+    Tin t;
+    for (int i = 0; i < 24; ++i)
+      t.points.push_back(
+          {static_cast<double>(random_() % 16), static_cast<double>(random_() % 16), alphabetical(random_)});
+    for (int i = 0; i < 20; ++i)
+      t.triangles.push_back({static_cast<std::int32_t>(random_() % 24), static_cast<std::int32_t>(random_() % 24),
+                             static_cast<std::int32_t>(random_() % 24)});
+    ASSERT_NO_FATAL_FAILURE(check(t, 60)) << "soup " << soup;
+  }
+}
+
+}  // namespace
+}  // namespace lvx::civil
