@@ -44,7 +44,9 @@ RoadPlan makeRoad(std::uint32_t elements) {
 
 DesignProfile makeProfile(const RoadPlan& road, std::uint32_t curves) {
   DesignProfile profile;
-  const double spacing = (road.endStation() - road.startStation()) / (curves + 1);
+  // Ends a little after the road, so that the last station stands on a tangent.
+  const double end = std::ceil(road.endStation()) + 1.0;
+  const double spacing = (end - road.startStation()) / (curves + 1);
   for (std::uint32_t i = 0; i <= curves + 1; ++i) {
     const double length = i == 0 || i == curves + 1 ? 0.0 : roundedTo(0.3 * spacing, 3);
     const double rise = i % 2 == 0 ? 0.0 : std::min(0.03 * spacing, 6.0);
