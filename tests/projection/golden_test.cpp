@@ -1,0 +1,94 @@
+#include "support/golden.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "case_maker.h"
+#include "cell_log.h"
+#include "projection/projection_ascii.h"
+#include "projection/projection_excel.h"
+#include "projection/projection_html.h"
+#include "projection/projection_xml.h"
+#include "support/fake_host.h"
+
+namespace lvx::projection {
+namespace {
+
+/// 2026-03-12 07:08:09 UTC: every field of the header but the year begins with a nought.
+constexpr std::int64_t kMoment = 1773299289;
+
+/// Every folder below tests/golden/projection is a case, so that none can be forgotten.
+std::vector<std::string> cases() {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(test::goldenFolder() + "/projection"))
+    if (entry.is_directory()) names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+class ProjectionGolden : public testing::TestWithParam<std::string> {
+ protected:
+  ProjectionGolden()
+      : case_(test::readBytes(test::goldenFolder() + "/" + caseFile("case.json"))),
+        host_({.fixedMoment = kMoment, .release = case_.release}),
+        before_(std::filesystem::current_path()) {
+    if (case_.hasMessages) host_.useMessageBytes(case_.messageBytes);
+    // The reports show the path that the writer was given: a bare name keeps the golden files free of this machine's.
+    std::filesystem::current_path(platform::toUtf8(host_.folder()));
+  }
+  ~ProjectionGolden() override { std::filesystem::current_path(before_); }
+
+  [[nodiscard]] static std::string caseFile(const std::string& name) { return "projection/" + GetParam() + "/" + name; }
+  [[nodiscard]] std::string written(const CString& fileName) const {
+    return test::readBytes(platform::toUtf8(fileName));
+  }
+
+  ReportCase case_;
+  test::FakeHost host_;
+  std::filesystem::path before_;
+};
+
+TEST_P(ProjectionGolden, TextIsRightToTheByte) {
+  const CString fileName = case_.stem + L".txt";
+  writeProjectionAscii(fileName, case_.alignment, case_.lines.get());
+  EXPECT_TRUE(test::matchesGolden(written(fileName), caseFile("expected.txt")));
+}
+
+TEST_P(ProjectionGolden, PageIsRightToTheByte) {
+  const CString fileName = case_.stem + L".html";
+  EXPECT_EQ(writeProjectionHtml(fileName, case_.alignment, case_.lines.get()), 1);
+  EXPECT_TRUE(test::matchesGolden(written(fileName), caseFile("expected.html")));
+}
+
+TEST_P(ProjectionGolden, DocumentIsRightToTheByte) {
+  const CString fileName = case_.stem + L".xml";
+  tcentreRows centres;
+  centres.count = centres.capacity = static_cast<std::int32_t>(case_.centres.size());
+  centres.items = new tcentreRow[case_.centres.size()];
+  for (std::size_t i = 0; i < case_.centres.size(); ++i)
+    centres.items[i] = {case_.centres[i].offset, case_.centres[i].elevation};
+  const tcentreRow* emptyStorage = centres.capacity < 1 ? centres.items : nullptr;
+  EXPECT_TRUE(writeProjectionXml(fileName, case_.alignment, case_.lines.get(), centres));
+  delete[] emptyStorage;  // of a capacity below 1 the writer frees nothing
+  EXPECT_TRUE(test::matchesGolden(written(fileName), caseFile("expected.xml")));
+}
+
+TEST_P(ProjectionGolden, WorkbookGetsTheRightCellsInOrder) {
+  std::string log;
+  host_.setSheetFactory(CellLog::factory(log));
+  EXPECT_EQ(writeProjectionExcel(case_.stem + L".xls", case_.alignment, case_.lines.get()), 1);
+  EXPECT_TRUE(test::matchesGolden(log, caseFile("expected.cells")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Case, ProjectionGolden, testing::ValuesIn(cases()), [](const auto& info) {
+  std::string name = info.param;
+  std::replace(name.begin(), name.end(), '-', '_');
+  return name;
+});
+
+}  // namespace
+}  // namespace lvx::projection
