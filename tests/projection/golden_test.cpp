@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -78,14 +79,14 @@ TEST_P(ProjectionGolden, DocumentIsRightToTheByte) {
 }
 
 TEST_P(ProjectionGolden, WorkbookGetsTheRightCellsInOrder) {
-  std::string log;
-  host_.setSheetFactory(CellLog::factory(log));
+  const auto record = std::make_shared<test::SheetRecord>();
+  host_.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
   EXPECT_EQ(writeProjectionExcel(case_.stem + L".xls", case_.alignment, case_.lines.get()), 1);
-  EXPECT_TRUE(test::matchesGolden(log, caseFile("expected.cells")));
+  EXPECT_TRUE(test::matchesGolden(cellLog(*record), caseFile("expected.cells")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Case, ProjectionGolden, testing::ValuesIn(cases()), [](const auto& info) {
-  std::string name = info.param;
+INSTANTIATE_TEST_SUITE_P(Case, ProjectionGolden, testing::ValuesIn(cases()), [](const auto& golden) {
+  std::string name = golden.param;
   std::replace(name.begin(), name.end(), '-', '_');
   return name;
 });

@@ -3,6 +3,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,7 +12,6 @@
 #include <gtest/gtest.h>
 
 #include "case_maker.h"
-#include "cell_log.h"
 #include "framework/exceptions.h"
 #include "projection/projection_ascii.h"
 #include "projection/projection_computation.h"
@@ -22,6 +22,7 @@
 #include "support/fake_host.h"
 #include "support/fake_model.h"
 #include "support/golden.h"
+#include "support/recording_sheet.h"
 
 namespace lvx::projection {
 namespace {
@@ -39,6 +40,13 @@ class Writers : public testing::Test {
   void add(tsl* record) { list_.get().add(record); }
   [[nodiscard]] CString path(const CString& name) { return host_.folder() + name; }
   [[nodiscard]] std::string written(const CString& name) { return test::readBytes(platform::toUtf8(path(name))); }
+
+  /// What the next sheets are told.
+  std::shared_ptr<test::SheetRecord> recordSheets() {
+    auto record = std::make_shared<test::SheetRecord>();
+    host_.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
+    return record;
+  }
 
   static tcentreRows centres(std::int32_t count) {
     return {new tcentreRow[static_cast<std::size_t>(count)], count, count};
@@ -80,10 +88,10 @@ TEST_F(Writers, RaiseTheInvalidArgumentExceptionWhereOffsetsAreMissing) {
   tsl* record = makeRecord(L"SL1", 120.0, {{-1, 2}}, {{0, 3}, {1, 4}});
   add(record);
   record->rightOffsets.remove(1, 1);
-  std::string log;
-  host_.setSheetFactory(CellLog::factory(log));
+  const auto sheet = recordSheets();
   EXPECT_THROW(writeProjectionAscii(path(L"r.txt"), L"", list_.get()), framework::InvalidArgumentException);
   EXPECT_THROW(writeProjectionExcel(path(L"r.xls"), L"", list_.get()), framework::InvalidArgumentException);
+  EXPECT_EQ(sheet->givenUp, 1);
   EXPECT_THROW(writeProjectionHtml(path(L"r.html"), L"", list_.get()), framework::InvalidArgumentException);
   tcentreRows rows = centres(1);
   EXPECT_THROW(writeProjectionXml(path(L"r.xml"), L"", list_.get(), rows), framework::InvalidArgumentException);
@@ -109,30 +117,20 @@ TEST_F(Writers, TellTheUserThatTheSpreadsheetProgramCannotBeStarted) {
   EXPECT_FALSE(std::filesystem::exists(platform::toUtf8(path(L"r.xls"))));
 }
 
-/// Fails at the write that the test names, or at saving.
-class BreakingSheet final : public host::Sheet {
- public:
-  explicit BreakingSheet(CString breaksAt) : breaksAt_(std::move(breaksAt)) {}
-  [[nodiscard]] bool start() override { return true; }
-  void writeCell(const CString& cellName, const CString&) override { check(cellName); }
-  void writeNumberCell(const CString& cellName, const CString&) override { check(cellName); }
-  void finish(const CString&) override { check(L"save"); }
-
- private:
-  void check(const CString& place) const {
-    if (place == breaksAt_) throw framework::AutomationException();
-  }
-  CString breaksAt_;
-};
-
 TEST_F(Writers, LetAFailureOfTheSpreadsheetProgramEndTheCommand) {
   add(makeRecord(L"SL1", 120.0, {{-1, 2}}, {}));
-  for (const wchar_t* place : {L"A1", L"A10", L"B10", L"C11", L"save"}) {
-    host_.setSheetFactory([place] { return std::make_unique<BreakingSheet>(place); });
+  const auto whole = recordSheets();
+  ASSERT_EQ(writeProjectionExcel(path(L"r.xls"), L"", list_.get()), 1);
+  ASSERT_EQ(whole->writes.size(), 7U + 2U + 2U);
+  for (std::size_t place = 0; place < whole->writes.size(); ++place) {
+    const auto sheet = recordSheets();
+    sheet->failAtWrite = place;
     EXPECT_THROW(writeProjectionExcel(path(L"r.xls"), L"", list_.get()), framework::AutomationException);
+    EXPECT_EQ(sheet->givenUp, 1);
+    EXPECT_EQ(sheet->finishedAs, std::nullopt);
   }
-  host_.setSheetFactory([] { return std::make_unique<BreakingSheet>(L"A12"); });
-  EXPECT_EQ(writeProjectionExcel(path(L"r.xls"), L"", list_.get()), 1) << "the row after the last block stays empty";
+  recordSheets()->failFinish = true;
+  EXPECT_THROW(writeProjectionExcel(path(L"r.xls"), L"", list_.get()), framework::AutomationException);
 }
 
 // ---------------------------------------------------------------- document
