@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -22,14 +21,10 @@ namespace {
 /// 2026-03-12 07:08:09 UTC: every field of the header but the year begins with a nought.
 constexpr std::int64_t kMoment = 1773299289;
 
-/// Every folder below tests/golden/projection is a case, so that none can be forgotten.
-std::vector<std::string> cases() {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(test::goldenFolder() + "/projection"))
-    if (entry.is_directory()) names.push_back(entry.path().filename().string());
-  std::sort(names.begin(), names.end());
-  return names;
-}
+/// The folders below tests/golden/projection, each with its `about` line in case.json.
+const std::string kCases[] = {"sl1",         "empty-list",      "misses-surface",     "one-side",
+                              "odd-names",   "wide-numbers",    "negative-stations",  "beyond-latin-1",
+                              "no-messages", "german-messages", "percent-in-messages"};
 
 class ProjectionGolden : public testing::TestWithParam<std::string> {
  protected:
@@ -85,7 +80,7 @@ TEST_P(ProjectionGolden, WorkbookGetsTheRightCellsInOrder) {
   EXPECT_TRUE(test::matchesGolden(cellLog(*record), caseFile("expected.cells")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Case, ProjectionGolden, testing::ValuesIn(cases()), [](const auto& golden) {
+INSTANTIATE_TEST_SUITE_P(Case, ProjectionGolden, testing::ValuesIn(kCases), [](const auto& golden) {
   std::string name = golden.param;
   std::replace(name.begin(), name.end(), '-', '_');
   return name;
