@@ -1,1 +1,155 @@
 #include "landxml/reader.h"
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include <pugixml.hpp>
+
+#include "landxml/detail/context.h"
+#include "landxml/detail/corridor_reader.h"
+#include "landxml/detail/geometry_reader.h"
+#include "landxml/detail/numbers.h"
+#include "landxml/detail/point_reader.h"
+#include "landxml/detail/profile_reader.h"
+#include "landxml/detail/scanner.h"
+#include "landxml/detail/section_reader.h"
+#include "landxml/detail/source.h"
+#include "landxml/detail/surface_reader.h"
+#include "landxml/detail/tree.h"
+
+namespace lvx::landxml {
+
+using namespace detail;
+
+namespace {
+
+civil::Site& siteNamed(Context& context, const std::string& name, pugi::xml_node position,
+                       const std::optional<std::string>& handle) {
+  for (civil::Site& site : context.drawing.sites) {
+    if (site.name == name) return site;
+  }
+  civil::Site& site = context.drawing.sites.emplace_back();
+  site.name = name;
+  site.handle = context.ticket(position, handle);
+  return site;
+}
+
+/// Our own list of sites, which also holds the empty ones.
+void readSiteList(Context& context) {
+  eachChild(context.root, "Project", [&](pugi::xml_node project) {
+    eachChild(feature(project, "lvx_sites"), "Feature", [&](pugi::xml_node node) {
+      if (attribute(node, "code") != "lvx_site") return;
+      const std::string name = featureName(node);
+      if (name.empty()) {
+        context.warn(node, "a site without a name is left out");
+        return;
+      }
+      civil::Site& site = siteNamed(context, name, node, property(node, "handle"));
+      if (site.description.empty()) site.description = property(node, "desc").value_or("");
+    });
+  });
+}
+
+std::vector<civil::StationEquation> readEquations(Context& context, pugi::xml_node alignment,
+                                                  const std::string& speaker) {
+  std::vector<civil::StationEquation> equations;
+  eachChild(alignment, "StaEquation", [&](pugi::xml_node node) {
+    const std::string who = speaker + ": StaEquation " + std::to_string(equations.size() + 1);
+    const auto internal = context.number(node, "staInternal", who);
+    const auto ahead = context.number(node, "staAhead", who);
+    if (!internal || !ahead) {
+      context.warn(node, who + ": lacks staInternal or staAhead; left out");
+      return;
+    }
+    equations.push_back(
+        {*internal, *ahead, context.number(node, "staBack", who), attribute(node, "staIncrement") != "decreasing"});
+  });
+  return equations;
+}
+
+void readAlignment(Context& context, pugi::xml_node node, civil::Site& site, std::vector<AlignmentRecord>& records) {
+  auto object = std::make_unique<civil::AlignmentObject>();
+  object->name = attributeText(node, "name");
+  object->description = attributeText(node, "desc");
+  const std::string speaker = "alignment '" + object->name + "'";
+  const auto start = context.number(node, "staStart", speaker);
+  if (!start) context.warn(node, speaker + ": has no start station; 0 is assumed");
+  auto geometry = readGeometry(context, node, speaker, start.value_or(0.0));
+  if (!geometry) return;
+  object->geometry = std::move(*geometry);
+  object->stationEquations = readEquations(context, node, speaker);
+
+  AlignmentRecord record{object.get(), node, {}, {}, speaker};
+  const auto given = property(feature(node, "lvx_object"), "handle");
+  object->handle = context.ticket(node, given);
+  record.givenHandle = Context::parseHandle(given);
+  ReadProfiles profiles = readProfiles(context, node, speaker);
+  object->profiles = std::move(profiles.profiles);
+  record.givenProfileHandles = std::move(profiles.givenHandles);
+
+  std::size_t number = 0;
+  eachChild(node, "CrossSects", [&](pugi::xml_node sections) {
+    ++number;
+    if (kindOf(sections) == SectionsKind::Corridor) return;
+    object->sampleLineGroups.push_back(readSampleLines(context, sections, *object, speaker, number));
+  });
+  records.push_back(std::move(record));
+  site.alignments.push_back(std::move(object));
+}
+
+std::vector<AlignmentRecord> readAlignments(Context& context) {
+  // All sites first: a later one must not move those that alignments already stand in.
+  eachChild(context.root, "Alignments", [&](pugi::xml_node collection) {
+    const std::string name = attributeText(collection, "name");
+    if (!name.empty()) siteNamed(context, name, collection, std::nullopt);
+  });
+  std::vector<AlignmentRecord> records;
+  eachChild(context.root, "Alignments", [&](pugi::xml_node collection) {
+    const std::string name = attributeText(collection, "name");
+    civil::Site& site = name.empty() ? context.drawing.siteless : siteNamed(context, name, collection, std::nullopt);
+    eachChild(collection, "Alignment", [&](pugi::xml_node node) { readAlignment(context, node, site, records); });
+  });
+  return records;
+}
+
+civil::Drawing readBytes(std::unique_ptr<ByteSource> bytes, const std::string& name, const ReadOptions& options) {
+  const std::uint64_t total = bytes->totalBytes();
+  ScannedDocument scanned = scanDocument(std::move(bytes), name, options);
+
+  pugi::xml_document tree;
+  const pugi::xml_parse_result parsed = tree.load_buffer_inplace(scanned.document.data(), scanned.document.size(),
+                                                                 pugi::parse_default, pugi::encoding_utf8);
+  if (!parsed) {
+    fail(std::string("not well-formed: ") + parsed.description(), name,
+         scanned.lines.lineAt(static_cast<std::size_t>(parsed.offset)));
+  }
+
+  civil::Drawing drawing;
+  drawing.path = name;
+  drawing.diagnostics = std::move(scanned.diagnostics);
+  Context context(drawing, scanned.lines, tree.document_element());
+  const auto goOn = [&] {
+    if (options.progress && !options.progress({total, total})) fail("cancelled", name);
+  };
+  goOn();
+  readSiteList(context);
+  readPoints(context);
+  const std::vector<AlignmentRecord> alignments = readAlignments(context);
+  readCorridors(context, alignments);
+  readSurfaces(context, scanned.definitions, goOn);
+  context.settleHandles();
+  return drawing;
+}
+
+}  // namespace
+
+civil::Drawing readDrawing(const std::string& path, const ReadOptions& options) {
+  return readBytes(openFile(path), path, options);
+}
+
+civil::Drawing readDrawingText(std::string_view text, const std::string& name, const ReadOptions& options) {
+  return readBytes(openText(text), name, options);
+}
+
+}  // namespace lvx::landxml

@@ -11,8 +11,8 @@
 /// LandXML drawings in: versions 1.0 to 2.0 and their national profiles, by local names, whatever the namespace.
 namespace lvx::landxml {
 
-/// The drawing can't be read: no such file, not XML, not LandXML, cut off. The text begins with "landxml: " and ends with
-/// the place ("(road.xml:118)").
+/// The drawing can't be read: no such file, not XML, not LandXML, cut off. The text begins with "landxml: " and ends
+/// with the place ("(road.xml:118)").
 class ReadError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

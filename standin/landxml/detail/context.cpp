@@ -1,0 +1,301 @@
+#include "landxml/detail/context.h"
+
+#include <algorithm>
+#include <charconv>
+#include <unordered_set>
+
+#include "landxml/detail/numbers.h"
+#include "landxml/detail/tree.h"
+
+namespace lvx::landxml::detail {
+
+namespace {
+
+/// Diagnostics beyond this help nobody; the last one says how many there were.
+constexpr std::size_t kMostDiagnostics = 10'000;
+
+/// Calls `use(handle)` for every object of the drawing that has one.
+template <class Use>
+void eachHandle(civil::Drawing& drawing, Use use) {
+  const auto site = [&](civil::Site& s) {
+    for (auto& alignment : s.alignments) {
+      use(alignment->handle);
+      for (auto& profile : alignment->profiles) use(profile.handle);
+      for (auto& group : alignment->sampleLineGroups) {
+        use(group.handle);
+        for (auto& line : group.lines) use(line.handle);
+      }
+    }
+  };
+  site(drawing.siteless);
+  for (auto& s : drawing.sites) {
+    use(s.handle);
+    site(s);
+  }
+  for (auto& surface : drawing.surfaces) use(surface.handle);
+  for (auto& point : drawing.points) use(point.handle);
+  for (auto& group : drawing.pointGroups) use(group.handle);
+  for (auto& corridor : drawing.corridors) use(corridor.handle);
+}
+
+}  // namespace
+
+std::string shownNumber(double value) {
+  char buffer[64];
+  const auto [end, error] = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 4);
+  if (error != std::errc()) return "?";
+  std::string text(buffer, end);
+  while (text.back() == '0') text.pop_back();
+  if (text.back() == '.') text.pop_back();
+  return text == "-0" ? "0" : text;
+}
+
+Context::Context(civil::Drawing& d, const LineMap& lines, pugi::xml_node r) : drawing(d), root(r), lines_(lines) {
+  eachChild(root, "FeatureDictionary", [&](pugi::xml_node node) { ours_ = ours_ || attribute(node, "name") == "lvx"; });
+  readUnits();
+  eachChild(root, "CgPoints", [&](pugi::xml_node node) { collectPoints(node); });
+}
+
+void Context::readUnits() {
+  pugi::xml_node units;
+  eachChild(root, "Units", [&](pugi::xml_node collection) {
+    for (const char* const name : {"Metric", "Imperial"}) {
+      const auto node = child(collection, name);
+      if (!node) continue;
+      if (!units)
+        units = node;
+      else
+        warn(node, "units are given twice; the first ones hold");
+    }
+  });
+  if (!units) {
+    warn(root, "the file names no units; metres and radians are assumed");
+    return;
+  }
+  drawing.linearUnit = attribute(units, "linearUnit");
+  struct Unit {
+    std::string_view name;
+    double metres;
+  };
+  constexpr Unit kUnits[] = {{"meter", 1.0},        {"millimeter", 0.001}, {"centimeter", 0.01},
+                             {"kilometer", 1000.0}, {"foot", 0.3048},      {"USSurveyFoot", 1200.0 / 3937.0},
+                             {"inch", 0.0254},      {"mile", 1609.344}};
+  const auto unit =
+      std::find_if(std::begin(kUnits), std::end(kUnits), [&](const Unit& u) { return u.name == drawing.linearUnit; });
+  if (unit != std::end(kUnits))
+    millimetre_ = 0.001 / unit->metres;
+  else
+    warn(units, "linear unit '" + shown(drawing.linearUnit) + "' isn't known; metres are assumed");
+
+  // Some programs write two blanks inside the name.
+  std::string angular;
+  for (const char c : attribute(units, "angularUnit")) {
+    if (c != ' ' || angular.empty() || angular.back() != ' ') angular += c;
+  }
+  if (angular == "grads")
+    angularUnit_ = AngularUnit::Grads;
+  else if (angular == "decimal degrees")
+    angularUnit_ = AngularUnit::Degrees;
+  else if (angular == "decimal dd.mm.ss")
+    angularUnit_ = AngularUnit::DegreesMinutesSeconds;
+  else if (!angular.empty() && angular != "radians")
+    warn(units, "angular unit '" + shown(angular) + "' isn't known; radians are assumed");
+}
+
+std::optional<double> Context::angle(std::string_view text) const {
+  text = trimmed(text);
+  double value = 0.0;
+  if (!readSingleNumber(text, value)) return std::nullopt;
+  constexpr double kDegree = civil::kPi / 180.0;
+  switch (angularUnit_) {
+    case AngularUnit::Radians:
+      return value;
+    case AngularUnit::Grads:
+      return value * civil::kPi / 200.0;
+    case AngularUnit::Degrees:
+      return value * kDegree;
+    case AngularUnit::DegreesMinutesSeconds:
+      break;
+  }
+  // Two digits of minutes and two of seconds follow the point, then the seconds' decimals: taken from the digits, since
+  // a double would carry 59.99999 seconds into the next minute.
+  if (text.find_first_of("eE") != std::string_view::npos) return std::nullopt;
+  const auto point = text.find('.');
+  std::string digits(point == std::string_view::npos ? std::string_view() : text.substr(point + 1));
+  digits.resize(std::max(digits.size(), std::size_t{4}), '0');
+  double degrees = 0.0;
+  double minutes = 0.0;
+  double seconds = 0.0;
+  const std::string whole(text.substr(0, point));
+  if (!whole.empty() && whole != "-" && whole != "+" && !readSingleNumber(whole, degrees)) return std::nullopt;
+  if (!readSingleNumber(digits.substr(0, 2), minutes)) return std::nullopt;
+  if (!readSingleNumber(digits.substr(2, 2) + "." + digits.substr(4) + "0", seconds)) return std::nullopt;
+  if (minutes >= 60.0 || seconds >= 60.0) return std::nullopt;
+  const double size = (std::abs(degrees) + minutes / 60.0 + seconds / 3600.0) * kDegree;
+  return text.front() == '-' ? -size : size;
+}
+
+std::size_t Context::lineOf(pugi::xml_node where) const {
+  const auto offset = where ? where.offset_debug() : -1;
+  return offset < 0 ? 0 : lines_.lineAt(static_cast<std::size_t>(offset));
+}
+
+void Context::report(civil::Severity severity, pugi::xml_node where, std::string message) {
+  if (drawing.diagnostics.size() >= kMostDiagnostics) {
+    ++unreported_;
+    drawing.diagnostics.back() = {civil::Severity::Warning,
+                                  std::to_string(unreported_ + 1) + " more diagnostics aren't listed", 0};
+    return;
+  }
+  drawing.diagnostics.push_back({severity, std::move(message), lineOf(where)});
+}
+
+std::optional<double> Context::number(pugi::xml_node node, const char* name, const std::string& speaker) {
+  const std::string_view value = attribute(node, name);
+  if (value.empty()) return std::nullopt;
+  double result = 0.0;
+  if (readSingleNumber(value, result)) return result;
+  error(node, speaker + ": " + name + " '" + shown(value) + "' is not a number that can be used");
+  return std::nullopt;
+}
+
+std::vector<double> Context::numbers(pugi::xml_node node, const std::string& speaker) {
+  NumberList list = readNumbers(text(node));
+  if (!list.problem.empty()) {
+    error(node, speaker + ": " + list.problem + "; the list is left out");
+    return {};
+  }
+  if (list.signRepaired) warn(node, speaker + ": a sign stood apart from its number; they were put together");
+  return std::move(list.values);
+}
+
+// ---------------------------------------------------------------- points by name
+
+void Context::collectPoints(pugi::xml_node collection) {
+  eachElement(collection, [&](pugi::xml_node node) {
+    if (isNamed(node, "CgPoint")) {
+      const std::string_view name = attribute(node, "name");
+      if (!name.empty()) points_.emplace(name, node);
+    } else if (isNamed(node, "CgPoints")) {
+      collectPoints(node);
+    }
+  });
+}
+
+void Context::collectOtherPoints() {
+  otherPointsCollected_ = true;
+  struct Walker : pugi::xml_tree_walker {
+    std::unordered_map<std::string, pugi::xml_node>* points = nullptr;
+    bool for_each(pugi::xml_node& node) override {
+      static const std::unordered_set<std::string_view> kinds{"Start", "End",      "Center",
+                                                              "PI",    "Location", "ControlPoint"};
+      if (node.type() == pugi::node_element && kinds.count(localName(node)) > 0) {
+        const std::string_view name = attribute(node, "name");
+        if (!name.empty()) points->emplace(name, node);
+      }
+      return true;
+    }
+  } walker;
+  walker.points = &otherPoints_;
+  root.traverse(walker);
+}
+
+pugi::xml_node Context::pointNamed(std::string_view name) {
+  const std::string key(trimmed(name));
+  if (const auto found = points_.find(key); found != points_.end()) return found->second;
+  if (!otherPointsCollected_) collectOtherPoints();
+  const auto found = otherPoints_.find(key);
+  return found == otherPoints_.end() ? pugi::xml_node() : found->second;
+}
+
+PlacedPoint Context::place(pugi::xml_node point, int depth) {
+  PlacedPoint result;
+  if (!point) {
+    result.problem = "is missing";
+    return result;
+  }
+  const NumberList list = readNumbers(text(point));
+  const auto& values = list.values;
+  if (!list.problem.empty()) {
+    result.problem = list.problem;
+  } else if (values.size() == 2 || values.size() == 3) {
+    result.plan = {values[1], values[0]};
+    if (values.size() == 3) result.elevation = values[2];
+    if (list.signRepaired) {
+      warn(point, std::string(localName(point)) + ": a sign stood apart from its number; they were put together");
+    }
+  } else if (!values.empty()) {
+    result.problem =
+        "holds " + std::to_string(values.size()) + " numbers where northing, easting and elevation are due";
+  } else if (const std::string_view reference = attribute(point, "pntRef"); !reference.empty()) {
+    return placeByName(reference, depth);
+  } else {
+    result.problem = "has no coordinates";
+  }
+  return result;
+}
+
+PlacedPoint Context::placeByName(std::string_view name, int depth) {
+  PlacedPoint result;
+  constexpr int kLongestChain = 32;
+  if (depth >= kLongestChain) {
+    result.problem = "refers to '" + shown(name) + "' in a circle";
+  } else if (const auto target = pointNamed(name)) {
+    return place(target, depth + 1);
+  } else {
+    result.problem = "refers to the point '" + shown(name) + "', which isn't in the file";
+  }
+  return result;
+}
+
+// ---------------------------------------------------------------- handles
+
+std::optional<civil::Handle> Context::parseHandle(const std::optional<std::string>& handleText) {
+  if (!handleText) return std::nullopt;
+  const std::string_view digits = trimmed(*handleText);
+  civil::Handle handle = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), handle, 16);
+  if (error != std::errc() || end != digits.data() + digits.size() || handle == 0) return std::nullopt;
+  return handle;
+}
+
+civil::Handle Context::ticket(pugi::xml_node position, const std::optional<std::string>& handleText) {
+  const auto given = parseHandle(handleText);
+  if (handleText && !given) warn(position, "'" + shown(*handleText) + "' is not a handle; another one is given");
+  tickets_.push_back({position.offset_debug(), given, given ? lineOf(position) : 0});
+  return tickets_.size();
+}
+
+void Context::settleHandles() {
+  std::vector<std::size_t> order(tickets_.size());
+  for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+  std::stable_sort(order.begin(), order.end(),
+                   [&](std::size_t a, std::size_t b) { return tickets_[a].position < tickets_[b].position; });
+  std::vector<civil::Handle> handles(tickets_.size(), 0);
+  std::unordered_set<civil::Handle> taken;
+  for (const std::size_t i : order) {
+    if (!tickets_[i].given) continue;
+    if (taken.insert(*tickets_[i].given).second) {
+      handles[i] = *tickets_[i].given;
+      continue;
+    }
+    char hex[20];
+    const auto [end, error] = std::to_chars(hex, hex + sizeof hex, *tickets_[i].given, 16);
+    std::string name(hex, end);
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
+    if (drawing.diagnostics.size() < kMostDiagnostics) {
+      drawing.diagnostics.push_back(
+          {civil::Severity::Warning, "handle " + name + " stands twice; the first object keeps it", tickets_[i].line});
+    }
+  }
+  civil::Handle next = 0x100;
+  for (const std::size_t i : order) {
+    if (handles[i] != 0) continue;
+    while (taken.count(next) > 0) ++next;
+    handles[i] = next++;
+  }
+  eachHandle(drawing, [&](civil::Handle& handle) { handle = handles[handle - 1]; });
+}
+
+}  // namespace lvx::landxml::detail

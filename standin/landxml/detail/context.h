@@ -1,0 +1,94 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include <pugixml.hpp>
+
+#include "civil/drawing.h"
+#include "landxml/detail/scanner.h"
+
+namespace lvx::landxml::detail {
+
+/// A number for a message: up to four decimals, never in a locale's form.
+[[nodiscard]] std::string shownNumber(double value);
+
+/// A point as the file places it. `problem` says why there is none.
+struct PlacedPoint {
+  civil::Vec2 plan;
+  std::optional<double> elevation;
+  std::string problem;
+  [[nodiscard]] bool isPlaced() const { return problem.empty(); }
+};
+
+/// What all parts of the reader share: the drawing being filled, its diagnostics, its units, its handles, and the
+/// points that others refer to by name.
+class Context {
+ public:
+  Context(civil::Drawing& drawing, const LineMap& lines, pugi::xml_node root);
+
+  civil::Drawing& drawing;
+  pugi::xml_node root;
+
+  /// The file was saved by us: codes may be lists, point names are numbers.
+  [[nodiscard]] bool isOurs() const { return ours_; }
+  /// One millimetre in drawing units.
+  [[nodiscard]] double millimetre() const { return millimetre_; }
+  /// Radians of an angle in the file's angular unit; empty for a text that is none.
+  [[nodiscard]] std::optional<double> angle(std::string_view text) const;
+
+  void report(civil::Severity severity, pugi::xml_node where, std::string text);
+  void warn(pugi::xml_node where, std::string text) { report(civil::Severity::Warning, where, std::move(text)); }
+  void error(pugi::xml_node where, std::string text) { report(civil::Severity::Error, where, std::move(text)); }
+  void note(pugi::xml_node where, std::string text) { report(civil::Severity::Note, where, std::move(text)); }
+  [[nodiscard]] std::size_t lineOf(pugi::xml_node where) const;
+
+  /// Attribute as a number; empty where it is absent or isn't one, which is then reported for `speaker`.
+  std::optional<double> number(pugi::xml_node node, const char* name, const std::string& speaker);
+  /// The text of an element as numbers; what is wrong is reported for `speaker`, and the list is then empty.
+  std::vector<double> numbers(pugi::xml_node node, const std::string& speaker);
+
+  /// Where a point element lies: its own coordinates, else those of the point that it refers to.
+  [[nodiscard]] PlacedPoint place(pugi::xml_node point) { return place(point, 0); }
+  [[nodiscard]] PlacedPoint placeByName(std::string_view name) { return placeByName(name, 0); }
+  /// The first CgPoint of that name, or another point of the file; empty if there is none.
+  [[nodiscard]] pugi::xml_node pointNamed(std::string_view name);
+
+  /// A ticket in place of a handle, until all objects are known: `settleHandles` then gives each object its own, the
+  /// file's where it has one, else the next free one from 0x100 in the order of the document.
+  [[nodiscard]] civil::Handle ticket(pugi::xml_node position, const std::optional<std::string>& handleText);
+  [[nodiscard]] static std::optional<civil::Handle> parseHandle(const std::optional<std::string>& text);
+  void settleHandles();
+  /// Place of the object with that ticket in the document.
+  [[nodiscard]] std::ptrdiff_t positionOf(civil::Handle ticket) const { return tickets_[ticket - 1].position; }
+
+ private:
+  struct Ticket {
+    std::ptrdiff_t position = 0;
+    std::optional<civil::Handle> given;
+    std::size_t line = 0;
+  };
+
+  void readUnits();
+  PlacedPoint place(pugi::xml_node point, int depth);
+  PlacedPoint placeByName(std::string_view name, int depth);
+  void collectPoints(pugi::xml_node collection);
+  void collectOtherPoints();
+
+  const LineMap& lines_;
+  bool ours_ = false;
+  double millimetre_ = 0.001;
+  enum class AngularUnit { Radians, Grads, Degrees, DegreesMinutesSeconds } angularUnit_ = AngularUnit::Radians;
+  std::vector<Ticket> tickets_;
+  std::unordered_map<std::string, pugi::xml_node> points_;
+  std::unordered_map<std::string, pugi::xml_node> otherPoints_;
+  bool otherPointsCollected_ = false;
+  std::size_t unreported_ = 0;
+};
+
+}  // namespace lvx::landxml::detail

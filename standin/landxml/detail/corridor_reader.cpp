@@ -1,0 +1,274 @@
+#include "landxml/detail/corridor_reader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "landxml/detail/name_list.h"
+#include "landxml/detail/numbers.h"
+#include "landxml/detail/section_reader.h"
+#include "landxml/detail/tree.h"
+
+namespace lvx::landxml::detail {
+
+namespace {
+
+/// Stations closer than this are one.
+constexpr double kSameStation = 1e-6;
+
+class CorridorReader {
+ public:
+  CorridorReader(Context& context, const std::vector<AlignmentRecord>& alignments)
+      : context_(context), alignments_(alignments) {}
+  void read();
+
+ private:
+  void readOurs(pugi::xml_node roadway, pugi::xml_node feature);
+  void readForeign(const AlignmentRecord& alignment, const std::vector<pugi::xml_node>& designs);
+  std::optional<civil::Baseline> readBaseline(pugi::xml_node node, const std::string& speaker);
+  civil::Region readRegion(pugi::xml_node node, const AlignmentRecord& alignment, const civil::ProfileObject* profile,
+                           const std::string& speaker);
+  const AlignmentRecord* alignmentOf(pugi::xml_node baseline);
+  const civil::ProfileObject* profileOf(pugi::xml_node baseline, const AlignmentRecord& alignment,
+                                        const std::string& speaker);
+  std::optional<double> stationProperty(pugi::xml_node node, const char* label, const std::string& speaker);
+  /// The first Roadway that names the alignment; empty for none.
+  pugi::xml_node roadwayOf(const std::string& alignment);
+
+  Context& context_;
+  const std::vector<AlignmentRecord>& alignments_;
+};
+
+const AlignmentRecord* CorridorReader::alignmentOf(pugi::xml_node baseline) {
+  if (const auto handle = Context::parseHandle(property(baseline, "alignmentHandle"))) {
+    for (const auto& record : alignments_) {
+      if (record.givenHandle == handle) return &record;
+    }
+  }
+  const std::string name = property(baseline, "alignment").value_or("");
+  for (const auto& record : alignments_) {
+    if (record.object->name == name) return &record;
+  }
+  return nullptr;
+}
+
+const civil::ProfileObject* CorridorReader::profileOf(pugi::xml_node baseline, const AlignmentRecord& alignment,
+                                                      const std::string& speaker) {
+  const auto& profiles = alignment.object->profiles;
+  if (const auto handle = Context::parseHandle(property(baseline, "profileHandle"))) {
+    for (std::size_t i = 0; i < profiles.size(); ++i) {
+      if (alignment.givenProfileHandles[i] == handle) return &profiles[i];
+    }
+  }
+  const auto name = property(baseline, "profile");
+  if (!name || name->empty()) return nullptr;
+  for (const auto& profile : profiles) {
+    if (profile.name == *name) return &profile;
+  }
+  context_.warn(baseline, speaker + ": its alignment has no profile '" + shown(*name) + "'; elevations count from 0");
+  return nullptr;
+}
+
+std::optional<double> CorridorReader::stationProperty(pugi::xml_node node, const char* label,
+                                                      const std::string& speaker) {
+  const auto text = property(node, label);
+  if (!text) return std::nullopt;
+  double value = 0.0;
+  if (readSingleNumber(*text, value)) return value;
+  context_.warn(node, speaker + ": " + label + " '" + shown(*text) + "' is not a number that can be used");
+  return std::nullopt;
+}
+
+civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRecord& alignment,
+                                         const civil::ProfileObject* profile, const std::string& speaker) {
+  civil::Region region;
+  region.name = featureName(node);
+  const std::string who = speaker + ": region '" + region.name + "'";
+  const std::string sections = property(node, "crossSects").value_or("");
+  pugi::xml_node source;
+  eachChild(alignment.node, "CrossSects", [&](pugi::xml_node candidate) {
+    if (attributeText(candidate, "name") != sections) return;
+    if (!source || (kindOf(source) != SectionsKind::Corridor && kindOf(candidate) == SectionsKind::Corridor)) {
+      source = candidate;
+    }
+  });
+  if (source && !sections.empty())
+    region.sections = readCorridorSections(context_, source, profile, who);
+  else if (!sections.empty())
+    context_.warn(node, who + ": its alignment has no CrossSects '" + shown(sections) + "'");
+
+  if (const auto stations = property(node, "stations")) {
+    NumberList list = readNumbers(*stations);
+    if (!list.problem.empty()) context_.warn(node, who + ": stations: " + list.problem + "; those before it are taken");
+    region.stations = std::move(list.values);
+  }
+  struct Added {
+    double station;
+    std::string label;
+  };
+  std::vector<Added> added;
+  eachChild(node, "Feature", [&](pugi::xml_node child) {
+    if (attribute(child, "code") != "lvx_addedStation") return;
+    if (const auto station = stationProperty(child, "sta", who))
+      added.push_back({*station, featureName(child)});
+    else
+      context_.warn(child, who + ": an added station has no station; left out");
+  });
+  // Whatever has a section or was added belongs to the list, also where a file forgot it.
+  for (const auto& section : region.sections) region.stations.push_back(section.station);
+  for (const Added& a : added) region.stations.push_back(a.station);
+  std::stable_sort(region.stations.begin(), region.stations.end());
+  region.stations.erase(std::unique(region.stations.begin(), region.stations.end(),
+                                    [](double a, double b) { return b - a <= kSameStation; }),
+                        region.stations.end());
+  for (const Added& a : added) {
+    const auto at = std::lower_bound(region.sections.begin(), region.sections.end(), a.station - kSameStation,
+                                     [](const auto& section, double station) { return section.station < station; });
+    if (at == region.sections.end() || at->station > a.station + kSameStation) {
+      region.pendingLabels.emplace(a.station, a.label);
+    } else if (at->label.empty()) {
+      at->label = a.label;
+    }
+  }
+
+  const auto start = stationProperty(node, "staStart", who);
+  const auto end = stationProperty(node, "staEnd", who);
+  if ((!start || !end) && region.stations.empty()) context_.warn(node, who + ": has neither bounds nor stations");
+  region.startStation = start.value_or(region.stations.empty() ? end.value_or(0.0) : region.stations.front());
+  region.endStation = end.value_or(region.stations.empty() ? region.startStation : region.stations.back());
+  if (region.endStation < region.startStation) {
+    context_.warn(node, who + ": its bounds stand in the wrong order; they are exchanged");
+    std::swap(region.startStation, region.endStation);
+  }
+  return region;
+}
+
+std::optional<civil::Baseline> CorridorReader::readBaseline(pugi::xml_node node, const std::string& speaker) {
+  civil::Baseline baseline;
+  baseline.name = featureName(node);
+  const std::string who = speaker + ": baseline '" + baseline.name + "'";
+  const AlignmentRecord* const alignment = alignmentOf(node);
+  if (alignment == nullptr) {
+    context_.warn(node, who + ": its alignment '" + shown(property(node, "alignment").value_or("")) +
+                            "' isn't in the drawing; the baseline is left out");
+    return std::nullopt;
+  }
+  baseline.alignment = alignment->object;
+  baseline.profile = profileOf(node, *alignment, who);
+  eachChild(node, "Feature", [&](pugi::xml_node child) {
+    if (attribute(child, "code") == "lvx_region") {
+      baseline.regions.push_back(readRegion(child, *alignment, baseline.profile, who));
+    }
+  });
+  return baseline;
+}
+
+void CorridorReader::readOurs(pugi::xml_node roadway, pugi::xml_node ours) {
+  civil::Corridor corridor;
+  corridor.name = attributeText(roadway, "name");
+  corridor.description = attributeText(roadway, "desc");
+  corridor.handle = context_.ticket(roadway, property(ours, "handle"));
+  const std::string speaker = "corridor '" + corridor.name + "'";
+  eachChild(ours, "Feature", [&](pugi::xml_node child) {
+    if (attribute(child, "code") != "lvx_baseline") return;
+    if (auto baseline = readBaseline(child, speaker)) corridor.baselines.push_back(std::move(*baseline));
+  });
+  context_.drawing.corridors.push_back(std::move(corridor));
+}
+
+pugi::xml_node CorridorReader::roadwayOf(const std::string& alignment) {
+  pugi::xml_node result;
+  const auto isKnown = [&](const std::string& name) {
+    return std::any_of(alignments_.begin(), alignments_.end(),
+                       [&](const AlignmentRecord& record) { return record.object->name == name; });
+  };
+  eachChild(context_.root, "Roadways", [&](pugi::xml_node collection) {
+    eachChild(collection, "Roadway", [&](pugi::xml_node roadway) {
+      if (result) return;
+      bool names = false;
+      (void)eachKnownName(attribute(roadway, "alignmentRefs"), isKnown,
+                          [&](const std::string& name) { names = names || name == alignment; });
+      if (names) result = roadway;
+    });
+  });
+  return result;
+}
+
+void CorridorReader::readForeign(const AlignmentRecord& alignment, const std::vector<pugi::xml_node>& designs) {
+  const auto& object = *alignment.object;
+  const pugi::xml_node roadway = roadwayOf(object.name);
+  civil::Corridor corridor;
+  corridor.name = roadway ? attributeText(roadway, "name") : object.name;
+  corridor.description = roadway ? attributeText(roadway, "desc") : "";
+  corridor.handle = context_.ticket(designs.front(), std::nullopt);
+  const std::string speaker = "corridor '" + corridor.name + "'";
+
+  civil::Baseline baseline;
+  baseline.name = object.name;
+  baseline.alignment = &object;
+  const auto profileNamed = [&](const std::string& name) {
+    const auto found = std::find_if(object.profiles.begin(), object.profiles.end(), [&](const auto& profile) {
+      return !profile.profile.isGround() && profile.name == name;
+    });
+    return found == object.profiles.end() ? nullptr : &*found;
+  };
+  for (const pugi::xml_node design : designs) {
+    eachChild(design, "Feature", [&](pugi::xml_node node) {
+      const auto names = property(node, "profAlignRefs");
+      if (!names || baseline.profile != nullptr) return;
+      const auto unknown = eachKnownName(
+          *names, [&](const std::string& name) { return profileNamed(name) != nullptr; },
+          [&](const std::string& name) {
+            if (baseline.profile == nullptr) baseline.profile = profileNamed(name);
+          });
+      if (unknown) context_.warn(node, speaker + ": its alignment has no profile '" + shown(*unknown) + "'");
+    });
+  }
+  if (baseline.profile == nullptr) {
+    const auto first = std::find_if(object.profiles.begin(), object.profiles.end(),
+                                    [](const auto& profile) { return !profile.profile.isGround(); });
+    if (first != object.profiles.end()) baseline.profile = &*first;
+  }
+
+  for (const pugi::xml_node design : designs) {
+    civil::Region region;
+    region.name = attributeText(design, "name");
+    if (region.name.empty()) region.name = "R" + std::to_string(baseline.regions.size() + 1);
+    region.sections = readCorridorSections(context_, design, baseline.profile, speaker);
+    for (const auto& section : region.sections) region.stations.push_back(section.station);
+    if (!region.stations.empty()) {
+      region.startStation = region.stations.front();
+      region.endStation = region.stations.back();
+    }
+    baseline.regions.push_back(std::move(region));
+  }
+  corridor.baselines.push_back(std::move(baseline));
+  context_.drawing.corridors.push_back(std::move(corridor));
+}
+
+void CorridorReader::read() {
+  eachChild(context_.root, "Roadways", [&](pugi::xml_node collection) {
+    eachChild(collection, "Roadway", [&](pugi::xml_node roadway) {
+      if (const auto ours = feature(roadway, "lvx_corridor")) readOurs(roadway, ours);
+    });
+  });
+  for (const AlignmentRecord& alignment : alignments_) {
+    std::vector<pugi::xml_node> designs;
+    eachChild(alignment.node, "CrossSects", [&](pugi::xml_node node) {
+      if (kindOf(node) == SectionsKind::Foreign && hasDesign(node)) designs.push_back(node);
+    });
+    if (!designs.empty()) readForeign(alignment, designs);
+  }
+  std::stable_sort(context_.drawing.corridors.begin(), context_.drawing.corridors.end(),
+                   [&](const civil::Corridor& a, const civil::Corridor& b) {
+                     return context_.positionOf(a.handle) < context_.positionOf(b.handle);
+                   });
+}
+
+}  // namespace
+
+void readCorridors(Context& context, const std::vector<AlignmentRecord>& alignments) {
+  CorridorReader(context, alignments).read();
+}
+
+}  // namespace lvx::landxml::detail

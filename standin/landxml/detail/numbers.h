@@ -1,0 +1,53 @@
+#pragma once
+
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Numbers out of a drawing's text: std::from_chars, so no locale has a say, and nothing is guessed.
+namespace lvx::landxml::detail {
+
+/// No road lies farther out than this in any unit; beyond it a number is a fault of the file, not a place.
+inline constexpr double kLargestNumber = 1e12;
+
+[[nodiscard]] constexpr bool isBlank(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
+
+[[nodiscard]] inline std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+/// Reads the number that starts at `at`; returns the place after it, or null where none stands or where it is not
+/// finite or beyond kLargestNumber.
+[[nodiscard]] inline const char* readNumber(const char* at, const char* end, double& value) {
+  if (at != end && *at == '+') {
+    ++at;
+    if (at != end && *at == '-') return nullptr;
+  }
+  const auto [next, error] = std::from_chars(at, end, value);
+  // Written so that NaN fails too.
+  return error == std::errc() && std::abs(value) <= kLargestNumber ? next : nullptr;
+}
+
+/// What a text of blank-separated numbers gave.
+struct NumberList {
+  std::vector<double> values;
+  /// Empty, or what is wrong ("'1,5' is not a number"); the values before it stand.
+  std::string problem;
+  /// A sign stood apart from its number ("- 1.2", as one exporter breaks its lines) and was put back.
+  bool signRepaired = false;
+};
+
+[[nodiscard]] NumberList readNumbers(std::string_view text);
+
+/// The one number that the text holds; empty text, text with more in it and NaN give no number.
+[[nodiscard]] bool readSingleNumber(std::string_view text, double& value);
+
+/// `text` cut to what a message can hold on one line, control characters as blanks.
+[[nodiscard]] std::string shown(std::string_view text);
+
+}  // namespace lvx::landxml::detail

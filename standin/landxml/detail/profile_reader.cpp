@@ -1,0 +1,159 @@
+#include "landxml/detail/profile_reader.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "landxml/detail/numbers.h"
+#include "landxml/detail/tree.h"
+
+namespace lvx::landxml::detail {
+
+using civil::VerticalCurveKind;
+using civil::VerticalPoint;
+
+namespace {
+
+/// Stations where the curve at point `i` begins and ends, with unsymmetric lengths scaled by `scale`.
+std::pair<double, double> curveRange(const std::vector<VerticalPoint>& points, std::size_t i, double scale) {
+  const VerticalPoint& p = points[i];
+  double before = 0.0;
+  double after = 0.0;
+  switch (p.kind) {
+    case VerticalCurveKind::None:
+      break;
+    case VerticalCurveKind::Parabola:
+      before = after = p.length / 2.0;
+      break;
+    case VerticalCurveKind::UnsymmetricParabola:
+      before = p.length * scale;
+      after = p.lengthOut * scale;
+      break;
+    case VerticalCurveKind::Circle: {
+      if (i == 0 || i + 1 == points.size()) break;
+      const auto grade = [&](std::size_t a) {
+        return (points[a + 1].elevation - points[a].elevation) / (points[a + 1].station - points[a].station);
+      };
+      const double half = std::abs(p.radius) * std::abs(grade(i) - grade(i - 1)) / 2.0;
+      if (std::isfinite(half)) before = after = half;
+      break;
+    }
+  }
+  return {p.station - before, p.station + after};
+}
+
+/// One exporter writes both lengths of an unsymmetric curve twice as long as they are. Curves that as written overlap
+/// their neighbours, and halved don't, are taken for that.
+std::vector<std::size_t> halveDoubledCurves(std::vector<VerticalPoint>& points) {
+  const auto overlaps = [&](std::size_t i, double scale, const std::vector<char>& halved) {
+    constexpr double kRounding = 1e-3;
+    const auto range = curveRange(points, i, scale);
+    const auto neighbour = [&](std::size_t n) { return curveRange(points, n, halved[n] ? 0.5 : 1.0); };
+    return (i > 0 && range.first < neighbour(i - 1).second - kRounding) ||
+           (i + 1 < points.size() && range.second > neighbour(i + 1).first + kRounding);
+  };
+  std::vector<char> candidates(points.size(), 0);
+  const std::vector<char> none(points.size(), 0);
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    candidates[i] = points[i].kind == VerticalCurveKind::UnsymmetricParabola && overlaps(i, 1.0, none);
+  }
+  std::vector<std::size_t> halved;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    if (candidates[i] && !overlaps(i, 0.5, candidates)) halved.push_back(i);
+  }
+  for (const std::size_t i : halved) {
+    points[i].length /= 2.0;
+    points[i].lengthOut /= 2.0;
+  }
+  return halved;
+}
+
+civil::Profile readDesign(Context& context, pugi::xml_node node, const std::string& speaker) {
+  std::vector<VerticalPoint> points;
+  std::size_t count = 0;
+  eachElement(node, [&](pugi::xml_node element) {
+    const std::string name(localName(element));
+    if (name == "Feature") return;
+    const std::string who = speaker + ": " + name + " " + std::to_string(++count);
+    VerticalPoint point;
+    const auto length = [&](const char* attributeName) {
+      const double value = context.number(element, attributeName, who).value_or(0.0);
+      if (value >= 0.0) return value;
+      context.warn(element, who + ": " + attributeName + " is negative; taken as positive");
+      return -value;
+    };
+    if (name == "PVI") {
+    } else if (name == "ParaCurve") {
+      point.kind = VerticalCurveKind::Parabola;
+      point.length = length("length");
+    } else if (name == "UnsymParaCurve") {
+      point.kind = VerticalCurveKind::UnsymmetricParabola;
+      point.length = length("lengthIn");
+      point.lengthOut = length("lengthOut");
+    } else if (name == "CircCurve") {
+      point.kind = VerticalCurveKind::Circle;
+      point.length = length("length");
+      point.radius = context.number(element, "radius", who).value_or(0.0);
+    } else {
+      context.warn(element, who + ": isn't a point of a profile that is known; left out");
+      return;
+    }
+    const auto values = context.numbers(element, who);
+    if (values.size() != 2) {
+      context.error(element, who + ": doesn't hold a station and an elevation; left out");
+      return;
+    }
+    point.station = values[0];
+    point.elevation = values[1];
+    points.push_back(point);
+  });
+  std::stable_sort(points.begin(), points.end(),
+                   [](const VerticalPoint& a, const VerticalPoint& b) { return a.station < b.station; });
+  for (const std::size_t i : halveDoubledCurves(points)) {
+    context.warn(node, speaker + ": unsymmetric curve at " + shownNumber(points[i].station) +
+                           ": its lengths overlap the neighbours and fit when halved; they are halved");
+  }
+  if (points.empty()) context.warn(node, speaker + ": has no points");
+  return civil::Profile::design(std::move(points));
+}
+
+civil::Profile readGround(Context& context, pugi::xml_node node, const std::string& speaker) {
+  std::vector<std::vector<VerticalPoint>> polylines;
+  eachChild(node, "PntList2D", [&](pugi::xml_node list) {
+    const auto values = context.numbers(list, speaker);
+    if (values.size() % 2 != 0) {
+      context.warn(list, speaker + ": a list holds an odd count of numbers; the last one is left out");
+    }
+    std::vector<VerticalPoint> polyline;
+    for (std::size_t i = 0; i + 1 < values.size(); i += 2) {
+      polyline.push_back({.station = values[i], .elevation = values[i + 1]});
+    }
+    if (!polyline.empty()) polylines.push_back(std::move(polyline));
+  });
+  if (polylines.empty()) context.warn(node, speaker + ": has no points");
+  return civil::Profile::ground(std::move(polylines));
+}
+
+}  // namespace
+
+ReadProfiles readProfiles(Context& context, pugi::xml_node alignment, const std::string& speaker) {
+  ReadProfiles result;
+  eachChild(alignment, "Profile", [&](pugi::xml_node collection) {
+    eachElement(collection, [&](pugi::xml_node node) {
+      const bool isDesign = isNamed(node, "ProfAlign");
+      if (!isDesign && !isNamed(node, "ProfSurf")) return;
+      civil::ProfileObject object;
+      object.name = attributeText(node, "name");
+      object.description = attributeText(node, "desc");
+      const auto given = property(feature(node, "lvx_object"), "handle");
+      object.handle = context.ticket(node, given);
+      result.givenHandles.push_back(Context::parseHandle(given));
+      const std::string who = speaker + ": profile '" + object.name + "'";
+      object.profile = isDesign ? readDesign(context, node, who) : readGround(context, node, who);
+      for (const std::string& warning : object.profile.warnings()) context.warn(node, who + ": " + warning);
+      result.profiles.push_back(std::move(object));
+    });
+  });
+  return result;
+}
+
+}  // namespace lvx::landxml::detail

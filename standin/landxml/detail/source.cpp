@@ -1,0 +1,230 @@
+#include "landxml/detail/source.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include <iconv.h>
+#include <sys/stat.h>
+
+#include "landxml/detail/numbers.h"
+
+namespace lvx::landxml::detail {
+
+void fail(const std::string& what, const std::string& file, std::size_t line) {
+  throw ReadError("landxml: " + what + " (" + file + (line > 0 ? ":" + std::to_string(line) : "") + ")");
+}
+
+namespace {
+
+class FileSource : public ByteSource {
+ public:
+  explicit FileSource(const std::string& path) : path_(path), file_(std::fopen(path.c_str(), "rb")) {
+    if (!file_) fail(std::string("can't open the file: ") + std::strerror(errno), path);
+    struct stat info {};
+    if (fstat(fileno(file_.get()), &info) == 0) {
+      if (S_ISDIR(info.st_mode)) fail("can't read the file: it is a folder", path);
+      total_ = static_cast<std::uint64_t>(info.st_size);
+    }
+    // The scanner reads in large blocks; a second buffer would only copy.
+    std::setvbuf(file_.get(), nullptr, _IONBF, 0);
+  }
+  std::size_t read(char* to, std::size_t size) override {
+    const std::size_t count = std::fread(to, 1, size, file_.get());
+    if (count < size && std::ferror(file_.get())) {
+      fail(std::string("can't read the file: ") + std::strerror(errno), path_);
+    }
+    return count;
+  }
+  [[nodiscard]] std::uint64_t totalBytes() const override { return total_; }
+
+ private:
+  struct Close {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+  };
+  std::string path_;
+  std::unique_ptr<std::FILE, Close> file_;
+  std::uint64_t total_ = 0;
+};
+
+class TextSource : public ByteSource {
+ public:
+  explicit TextSource(std::string_view text) : rest_(text), total_(text.size()) {}
+  std::size_t read(char* to, std::size_t size) override {
+    const std::size_t count = rest_.copy(to, size);
+    rest_.remove_prefix(count);
+    return count;
+  }
+  [[nodiscard]] std::uint64_t totalBytes() const override { return total_; }
+
+ private:
+  std::string_view rest_;
+  std::uint64_t total_;
+};
+
+class Converter {
+ public:
+  explicit Converter(const std::string& encoding) : handle_(iconv_open("UTF-8", encoding.c_str())) {}
+  Converter(const Converter&) = delete;
+  Converter& operator=(const Converter&) = delete;
+  ~Converter() {
+    if (isKnown()) iconv_close(handle_);
+  }
+  [[nodiscard]] bool isKnown() const { return reinterpret_cast<std::intptr_t>(handle_) != -1; }
+
+  /// 0, or the errno of the first byte that can't be converted; `done` counts the bytes converted before it.
+  int convert(std::string_view from, std::string& to, std::size_t& done) {
+    iconv(handle_, nullptr, nullptr, nullptr, nullptr);
+    char* in = const_cast<char*>(from.data());  // iconv doesn't write to it
+    std::size_t inLeft = from.size();
+    std::array<char, 65536> block{};
+    int error = 0;
+    while (inLeft > 0 && error == 0) {
+      char* out = block.data();
+      std::size_t outLeft = block.size();
+      const std::size_t result = iconv(handle_, &in, &inLeft, &out, &outLeft);
+      to.append(block.data(), block.size() - outLeft);
+      if (result == static_cast<std::size_t>(-1) && errno != E2BIG) error = errno;
+    }
+    done = from.size() - inLeft;
+    return error;
+  }
+
+ private:
+  iconv_t handle_;
+};
+
+std::string utf8OfLatin1(unsigned char byte) {
+  return {static_cast<char>(0xC0U | (byte >> 6U)), static_cast<char>(0x80U | (byte & 0x3FU))};
+}
+
+/// The upper half of a one-byte encoding; null for an encoding of more bytes.
+std::shared_ptr<const std::array<std::string, 128>> upperHalfOf(Converter& converter) {
+  auto table = std::make_shared<std::array<std::string, 128>>();
+  std::size_t done = 0;
+  for (int i = 0; i < 256; ++i) {
+    const char byte = static_cast<char>(i);
+    std::string text;
+    const int error = converter.convert({&byte, 1}, text, done);
+    if (error == EINVAL || (i < 128 && text != std::string(1, byte))) return nullptr;
+    if (i >= 128)
+      (*table)[static_cast<std::size_t>(i - 128)] = error ? utf8OfLatin1(static_cast<unsigned char>(i)) : text;
+  }
+  return table;
+}
+
+/// The encoding that the XML declaration names; empty for none.
+std::string declaredEncoding(std::string_view head) {
+  if (!head.starts_with("<?xml")) return {};
+  head = head.substr(0, head.find("?>"));
+  auto at = head.find("encoding");
+  if (at == std::string_view::npos) return {};
+  at = head.find_first_of("'\"", at);
+  if (at == std::string_view::npos) return {};
+  const auto end = head.find(head[at], at + 1);
+  if (end == std::string_view::npos) return {};
+  std::string name(head.substr(at + 1, end - at - 1));
+  std::transform(name.begin(), name.end(), name.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  return name;
+}
+
+std::string readAll(ByteSource& bytes, std::string head) {
+  std::string all = std::move(head);
+  constexpr std::size_t kBlock = 1 << 20;
+  for (;;) {
+    const std::size_t size = all.size();
+    all.resize(size + kBlock);
+    const std::size_t count = bytes.read(all.data() + size, kBlock);
+    all.resize(size + count);
+    if (count == 0) return all;
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<ByteSource> openFile(const std::string& path) { return std::make_unique<FileSource>(path); }
+std::unique_ptr<ByteSource> openText(std::string_view text) { return std::make_unique<TextSource>(text); }
+
+const std::array<std::string, 128>& windows1252() {
+  static const auto table = [] {
+    Converter converter("CP1252");
+    auto upperHalf = converter.isKnown() ? upperHalfOf(converter) : nullptr;
+    std::array<std::string, 128> result;
+    for (std::size_t i = 0; i < 128; ++i) {
+      result[i] = upperHalf ? (*upperHalf)[i] : utf8OfLatin1(static_cast<unsigned char>(i + 128));
+    }
+    return result;
+  }();
+  return table;
+}
+
+DecodedSource decode(std::unique_ptr<ByteSource> bytes, const std::string& file) {
+  DecodedSource source;
+  constexpr std::size_t kHead = 4096;
+  source.head.resize(kHead);
+  std::size_t size = 0;
+  while (size < kHead) {
+    const std::size_t count = bytes->read(source.head.data() + size, kHead - size);
+    if (count == 0) break;
+    size += count;
+  }
+  source.head.resize(size);
+  source.bytes = std::move(bytes);
+
+  const std::string_view head = source.head;
+  using namespace std::string_view_literals;
+  std::string wide;
+  if (head.starts_with("\xEF\xBB\xBF"sv)) {
+    source.head.erase(0, 3);
+    return source;
+  }
+  if (head.starts_with("\xFF\xFE\0\0"sv) || head.starts_with("\0\0\xFE\xFF"sv))
+    wide = "UTF-32";
+  else if (head.starts_with("\xFF\xFE"sv) || head.starts_with("\xFE\xFF"sv))
+    wide = "UTF-16";
+  else if (head.starts_with("<\0"sv))
+    wide = "UTF-16LE";
+  else if (head.starts_with("\0<"sv))
+    wide = "UTF-16BE";
+
+  if (wide.empty()) {
+    const std::string name = declaredEncoding(head);
+    if (name.empty() || name == "UTF-8" || name == "UTF8" || name == "US-ASCII" || name == "ASCII") return source;
+    if (name.starts_with("UTF-16") || name.starts_with("UTF-32") || name.starts_with("UCS-")) {
+      source.warning = "the file says that its encoding is " + shown(name) + " but its bytes aren't; read as UTF-8";
+      return source;
+    }
+    if (name == "ISO-8859-1" || name == "WINDOWS-1252" || name == "CP1252" || name == "LATIN1") {
+      // Programs that say Latin-1 write Windows-1252; what differs are control characters that no text holds.
+      source.upperHalf = std::make_shared<std::array<std::string, 128>>(windows1252());
+      return source;
+    }
+    wide = name;
+  }
+
+  Converter converter(wide);
+  if (!converter.isKnown()) fail("the encoding '" + shown(wide) + "' isn't known", file, 1);
+  if (!wide.starts_with("UTF-")) {
+    source.upperHalf = upperHalfOf(converter);
+    if (source.upperHalf) return source;
+  }
+  const std::string all = readAll(*source.bytes, std::move(source.head));
+  auto text = std::make_shared<std::string>();
+  text->reserve(all.size());
+  std::size_t done = 0;
+  if (converter.convert(all, *text, done) != 0) {
+    const auto line = 1 + static_cast<std::size_t>(std::count(text->begin(), text->end(), '\n'));
+    fail("the text isn't " + shown(wide) + " (or is cut off) at byte " + std::to_string(done), file, line);
+  }
+  if (text->starts_with("\xEF\xBB\xBF")) text->erase(0, 3);
+  source.converted = text;
+  source.bytes = openText(*text);
+  source.head.clear();
+  return source;
+}
+
+}  // namespace lvx::landxml::detail

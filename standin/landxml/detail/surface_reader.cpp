@@ -1,0 +1,113 @@
+#include "landxml/detail/surface_reader.h"
+
+#include <utility>
+
+#include "landxml/detail/numbers.h"
+#include "landxml/detail/tree.h"
+
+namespace lvx::landxml::detail {
+
+namespace {
+
+void reportFaults(Context& context, pugi::xml_node where, const std::string& speaker, const TinCollector& tin) {
+  using Faults = TinCollector::Faults;
+  struct Row {
+    std::size_t Faults::*count;
+    const char* one;
+    const char* many;
+  };
+  constexpr Row kRows[] = {
+      {&Faults::pointsWithoutId, "point without a usable id left out", "points without a usable id left out"},
+      {&Faults::repeatedIds, "point with an id given before left out", "points with ids given before left out"},
+      {&Faults::pointsWithoutElevation, "point without an elevation left out", "points without an elevation left out"},
+      {&Faults::unreadablePoints, "unreadable point left out", "unreadable points left out"},
+      {&Faults::facesWithMissingPoints, "face whose points aren't all there left out",
+       "faces whose points aren't all there left out"},
+      {&Faults::facesWithRepeatedPoints, "face that names a point twice left out",
+       "faces that name a point twice left out"},
+      {&Faults::unreadableFaces, "unreadable face left out", "unreadable faces left out"},
+      {&Faults::repairedSigns, "point whose sign stood apart from its number was put together",
+       "points whose signs stood apart from their numbers were put together"},
+      {&Faults::unknownElements, "other item among its points or faces passed over",
+       "other items among its points or faces passed over"},
+  };
+  std::string text;
+  for (const Row& row : kRows) {
+    const std::size_t count = tin.faults.*row.count;
+    if (count == 0) continue;
+    text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + (count == 1 ? row.one : row.many);
+  }
+  if (!text.empty()) {
+    if (!tin.faults.firstText.empty()) {
+      text += " (first in line " + std::to_string(tin.faults.firstLine) + ": " + tin.faults.firstText + ")";
+    }
+    context.warn(where, speaker + ": " + text);
+  }
+  if (!tin.invisible.empty()) {
+    context.note(where, speaker + ": " + std::to_string(tin.invisible.size()) +
+                            (tin.invisible.size() == 1 ? " invisible face isn't" : " invisible faces aren't") +
+                            " part of the surface");
+  }
+}
+
+}  // namespace
+
+void readSurfaces(Context& context, std::map<std::size_t, TinCollector>& definitions,
+                  const std::function<void()>& goOn) {
+  eachChild(context.root, "Surfaces", [&](pugi::xml_node collection) {
+    eachChild(collection, "Surface", [&](pugi::xml_node node) {
+      civil::SurfaceObject& surface = context.drawing.surfaces.emplace_back();
+      surface.name = attributeText(node, "name");
+      surface.description = attributeText(node, "desc");
+      surface.handle = context.ticket(node, property(feature(node, "lvx_object"), "handle"));
+      const std::string speaker = "surface '" + surface.name + "'";
+      bool hasDefinition = false;
+      bool isFilled = false;
+      eachChild(node, "Definition", [&](pugi::xml_node definition) {
+        hasDefinition = true;
+        const auto found = definitions.find(static_cast<std::size_t>(definition.offset_debug()));
+        if (found == definitions.end()) return;
+        TinCollector tin = std::move(found->second);
+        definitions.erase(found);
+        if (isFilled) {
+          context.warn(definition, speaker + ": has a second Definition, which isn't read");
+          return;
+        }
+        for (const auto& [id, name] : tin.references) {
+          const PlacedPoint placed = context.placeByName(name);
+          const std::size_t line = context.lineOf(definition);
+          const std::string who = "P " + std::to_string(id) + ": ";
+          if (!placed.isPlaced())
+            tin.note(&TinCollector::Faults::unreadablePoints, line, who + placed.problem);
+          else if (!placed.elevation)
+            tin.note(&TinCollector::Faults::pointsWithoutElevation, line, who + "no elevation");
+          else
+            tin.addPoint(id, placed.plan.y, placed.plan.x, *placed.elevation);
+        }
+        tin.addDeferred();
+        reportFaults(context, definition, speaker, tin);
+        isFilled = !tin.triangles.empty();
+        if (!isFilled) return;
+        goOn();
+        surface.surface = civil::TinSurface(std::move(tin.points), std::move(tin.triangles));
+        const auto counts = surface.surface.counts();
+        if (counts.degenerate > 0) {
+          context.note(definition, speaker + ": " + std::to_string(counts.degenerate) +
+                                       (counts.degenerate == 1 ? " triangle has" : " triangles have") +
+                                       " no area in plan");
+        }
+        if (counts.overlappingEdges > 0) {
+          context.warn(definition, speaker + ": " + std::to_string(counts.overlappingEdges) +
+                                       (counts.overlappingEdges == 1 ? " edge has" : " edges have") +
+                                       " more than two triangles");
+        }
+      });
+      if (!hasDefinition)
+        context.warn(node, speaker + ": has no Definition and is empty");
+      else if (!isFilled)
+        context.warn(node, speaker + ": has no visible triangle and is empty");
+    });
+  });
+}
+
+}  // namespace lvx::landxml::detail

@@ -1,0 +1,53 @@
+#include "landxml/detail/tree.h"
+
+#include "landxml/detail/numbers.h"
+
+namespace lvx::landxml::detail {
+
+std::string_view localName(pugi::xml_node node) {
+  const std::string_view name = node.name();
+  const auto colon = name.find(':');
+  return colon == std::string_view::npos ? name : name.substr(colon + 1);
+}
+
+pugi::xml_node child(pugi::xml_node parent, std::string_view name) {
+  for (const pugi::xml_node node : parent.children()) {
+    if (node.type() == pugi::node_element && isNamed(node, name)) return node;
+  }
+  return {};
+}
+
+std::string_view attribute(pugi::xml_node node, const char* name) { return trimmed(node.attribute(name).value()); }
+
+std::string attributeText(pugi::xml_node node, const char* name) { return node.attribute(name).value(); }
+
+std::string text(pugi::xml_node node) {
+  std::string result;
+  for (const pugi::xml_node part : node.children()) {
+    if (part.type() == pugi::node_pcdata || part.type() == pugi::node_cdata) result += part.value();
+  }
+  return result;
+}
+
+pugi::xml_node feature(pugi::xml_node parent, std::string_view code) {
+  for (const pugi::xml_node node : parent.children()) {
+    if (node.type() == pugi::node_element && isNamed(node, "Feature") && attribute(node, "code") == code) return node;
+  }
+  return {};
+}
+
+std::optional<std::string> property(pugi::xml_node feature, std::string_view label) {
+  for (const pugi::xml_node node : feature.children()) {
+    if (node.type() == pugi::node_element && isNamed(node, "Property") && attribute(node, "label") == label) {
+      return attributeText(node, "value");
+    }
+  }
+  return std::nullopt;
+}
+
+std::string featureName(pugi::xml_node feature) {
+  std::string name = attributeText(feature, "name");
+  return name.empty() ? property(feature, "name").value_or("") : name;
+}
+
+}  // namespace lvx::landxml::detail
