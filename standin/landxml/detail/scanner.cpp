@@ -274,36 +274,33 @@ Token Tokenizer::markup() {
 
 Token Tokenizer::next() {
   if (inRawText_) return rawText();
-  for (;;) {
-    if (in_.at == in_.end) {
-      if (!in_.more()) return {};
-      continue;
-    }
-    if (*in_.at == '<') return markup();
-    const auto size = static_cast<std::size_t>(in_.end - in_.at);
-    const void* const found = std::memchr(in_.at, '<', size);
-    std::size_t count = found ? static_cast<std::size_t>(static_cast<const char*>(found) - in_.at) : size;
-    if (!found && count > 16) {
-      // The window cuts the text: keep a character or an entity whole.
-      std::size_t cut = count - 3;
-      while (cut > 1 && (static_cast<unsigned char>(in_.at[cut]) & 0xC0U) == 0x80U && count - cut < 8) --cut;
-      const std::string_view tail(in_.at + count - 14, cut + 14 - count);
-      const auto entity = tail.rfind('&');
-      if (entity != std::string_view::npos && tail.find(';', entity) == std::string_view::npos) {
-        cut = count - 14 + entity;
-      }
-      count = cut;
-    }
-    const Token token{Token::Kind::Text, {in_.at, count}, {}, false};
-    in_.at += count;
-    if (!found && size <= 16) {
-      // Too little to cut: read on first.
-      in_.at -= count;
-      if (in_.more()) continue;
-      in_.at += count;
-    }
-    return token;
+  if (in_.at == in_.end && !in_.more()) return {};
+  if (*in_.at == '<') return markup();
+  constexpr std::size_t kTail = 14;
+  const auto textEnd = [&] {
+    return static_cast<const char*>(std::memchr(in_.at, '<', static_cast<std::size_t>(in_.end - in_.at)));
+  };
+  const char* found = textEnd();
+  bool isLast = false;
+  while (found == nullptr && !isLast && static_cast<std::size_t>(in_.end - in_.at) <= kTail) {
+    isLast = !in_.more();
+    found = textEnd();
   }
+  std::size_t count = static_cast<std::size_t>((found ? found : in_.end) - in_.at);
+  if (found == nullptr && !isLast) {
+    // The window cuts the text: leave a character or an entity that may be cut to the next piece.
+    std::size_t cut = count - 3;
+    while (count - cut < 8 && (static_cast<unsigned char>(in_.at[cut]) & 0xC0U) == 0x80U) --cut;
+    const std::string_view tail(in_.at + count - kTail, cut + kTail - count);
+    const auto entity = tail.rfind('&');
+    if (entity != std::string_view::npos && tail.find(';', entity) == std::string_view::npos) {
+      cut = count - kTail + entity;
+    }
+    count = cut;
+  }
+  const Token token{Token::Kind::Text, {in_.at, count}, {}, false};
+  in_.at += count;
+  return count > 0 ? token : next();
 }
 
 /// Attributes of a start tag, in order; throws ReadError for anything that isn't name="value".
