@@ -139,9 +139,8 @@ std::size_t windAndPartition(std::span<const Vec3> points, std::vector<Triangle>
 Links linkTriangles(std::size_t pointCount, std::span<const Triangle> triangles) {
   // Every edge of a triangle waits in a chain at its smaller corner, where it meets its counterpart. The chains run
   // through the links themselves, so that nothing else of their size is needed.
-  Links result;
+  Links result{std::vector<Link>(3 * triangles.size()), 0};
   std::vector<Link>& links = result.links;
-  links.resize(3 * triangles.size());
   std::vector<Link> chains(pointCount, kNoLink);
   const auto slot = [](Link link) { return static_cast<std::size_t>(3 * (link >> 2) + (link & 3)); };
   for (std::size_t t = 0; t < triangles.size(); ++t) {
