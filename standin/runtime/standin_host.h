@@ -57,6 +57,8 @@ class StandinHost final : public host::Host, public CompanionAccess {
   [[nodiscard]] DynamicLinker& linker() { return linker_; }
   [[nodiscard]] DocumentManager& documents() { return documents_; }
   [[nodiscard]] StandinRunTime& standinRunTime() { return runTime_; }
+  /// True while somebody holds the companion library's references.
+  [[nodiscard]] bool isConnected() const { return connected_; }
 
   // ---- for the module
   [[nodiscard]] host::RunTime& runTime() override { return runTime_; }

@@ -117,9 +117,15 @@ std::int32_t StandinRunTime::vnedGetFunCode() {
   return kRejected;
 }
 
-// ---------------------------------------------------------------- files
+// ---------------------------------------------------------------- files and console
+
+void StandinRunTime::vnutPrintf(const CString& text) {
+  observe("vnutPrintf");
+  frontEnd_.console(text);
+}
 
 std::int32_t StandinRunTime::vnedFindFile(const CString& name, CString& path, std::size_t maxLength) {
+  observe("vnedFindFile");
   const auto take = [&](const std::string& found) {
     const CString wide = platform::fromUtf8(found);
     if (wide.size() >= maxLength) return kRejected;
@@ -145,6 +151,7 @@ const civil::DrawingIndex::Entry* StandinRunTime::find(civil::Handle handle) con
 }
 
 std::int32_t StandinRunTime::vnedEntSel(const CString& prompt, EntityName& entity, host::PickPoint& point) {
+  observe("vnedEntSel");
   const auto picked = frontEnd_.pickEntity(prompt);
   if (!picked) return host::kUserGaveUp;
   entity.words = {static_cast<std::int64_t>(*picked), 0};
@@ -153,6 +160,7 @@ std::int32_t StandinRunTime::vnedEntSel(const CString& prompt, EntityName& entit
 }
 
 std::int32_t StandinRunTime::vndbGetObjectId(host::VnDbObjectId& id, const EntityName& entity) {
+  observe("vndbGetObjectId");
   const auto handle = static_cast<civil::Handle>(entity.words[0]);
   if (entity.words[1] != 0 || find(handle) == nullptr) return kNoSuchObject;
   id.value = handle;
@@ -161,6 +169,7 @@ std::int32_t StandinRunTime::vndbGetObjectId(host::VnDbObjectId& id, const Entit
 
 std::int32_t StandinRunTime::vndbOpenObject(host::VnDbObject*& object, host::VnDbObjectId id, std::int32_t mode,
                                             bool /*openErased*/) {
+  observe("vndbOpenObject");
   constexpr std::int32_t kForReading = 0;
   const civil::DrawingIndex::Entry* entry = find(id.value);
   if (entry == nullptr || mode != kForReading) return kNoSuchObject;
@@ -169,6 +178,7 @@ std::int32_t StandinRunTime::vndbOpenObject(host::VnDbObject*& object, host::VnD
 }
 
 host::VnDbHandle StandinRunTime::handle(host::VnDbObjectId id) {
+  observe("handle");
   return host::VnDbHandle(find(id.value) == nullptr ? 0 : id.value);
 }
 
@@ -192,6 +202,7 @@ const std::vector<civil::Handle>* StandinRunTime::findSelection(const EntityName
 
 std::int32_t StandinRunTime::vnedSSGet(const CString& /*mode*/, const host::SelectionPrompts& prompts,
                                        const host::FilterList& filter, EntityName& selection) {
+  observe("vnedSSGet");
   const CString wanted = wantedClass(filter);
   auto chosen = frontEnd_.selectEntities(prompts.add, prompts.remove, wanted);
   if (!chosen) return host::kUserGaveUp;
@@ -205,11 +216,13 @@ std::int32_t StandinRunTime::vnedSSGet(const CString& /*mode*/, const host::Sele
 }
 
 std::int32_t StandinRunTime::vnedSSAdd(EntityName& selection) {
+  observe("vnedSSAdd");
   selection = addSelection({});
   return host::kNormal;
 }
 
 std::int32_t StandinRunTime::vnedSSLength(const EntityName& selection, std::int64_t& length) {
+  observe("vnedSSLength");
   const auto* handles = findSelection(selection);
   if (handles == nullptr) return kRejected;
   length = static_cast<std::int64_t>(handles->size());
@@ -217,6 +230,7 @@ std::int32_t StandinRunTime::vnedSSLength(const EntityName& selection, std::int6
 }
 
 std::int32_t StandinRunTime::vnedSSName(const EntityName& selection, std::int64_t index, EntityName& entity) {
+  observe("vnedSSName");
   const auto* handles = findSelection(selection);
   if (handles == nullptr || index < 0 || index >= static_cast<std::int64_t>(handles->size())) return kRejected;
   entity.words = {static_cast<std::int64_t>((*handles)[static_cast<std::size_t>(index)]), 0};
@@ -224,12 +238,14 @@ std::int32_t StandinRunTime::vnedSSName(const EntityName& selection, std::int64_
 }
 
 std::int32_t StandinRunTime::vnedSSFree(const EntityName& selection) {
+  observe("vnedSSFree");
   if (findSelection(selection) == nullptr) return kRejected;
   selectionSets_.erase(selection.words[0]);
   return host::kNormal;
 }
 
 host::FilterList* StandinRunTime::vnutBuildList(std::int16_t groupCode, const CString& text) {
+  observe("vnutBuildList");
   auto list = std::make_unique<host::FilterList>();
   list->push_back({groupCode, text});
   ++filterLists_;
@@ -237,6 +253,7 @@ host::FilterList* StandinRunTime::vnutBuildList(std::int16_t groupCode, const CS
 }
 
 std::int32_t StandinRunTime::vnutRelRb(host::FilterList* list) {
+  observe("vnutRelRb");
   if (list == nullptr) return kRejected;
   const std::unique_ptr<host::FilterList> owned(list);
   --filterLists_;

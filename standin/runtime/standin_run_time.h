@@ -30,6 +30,8 @@ class StandinRunTime final : public host::RunTime {
   void setSupportPaths(std::vector<std::string> folders) { supportPaths_ = std::move(folders); }
   /// A file that is found under `name` whatever its own name and folder.
   void setFile(const host::CString& name, const std::string& path) { files_[name] = path; }
+  /// Told of every call that belongs inside a command, by the function's name.
+  std::function<void(const char* function)> callObserver;
   /// Objects that were opened and not closed again.
   [[nodiscard]] std::size_t openObjectCount() const { return openObjects_; }
   [[nodiscard]] std::size_t selectionSetCount() const { return selectionSets_.size(); }
@@ -50,7 +52,7 @@ class StandinRunTime final : public host::RunTime {
 
   // ---- files and console
   std::int32_t vnedFindFile(const host::CString& name, host::CString& path, std::size_t maxLength) override;
-  void vnutPrintf(const host::CString& text) override { frontEnd_.console(text); }
+  void vnutPrintf(const host::CString& text) override;
 
   // ---- picking
   std::int32_t vnedEntSel(const host::CString& prompt, host::EntityName& entity, host::PickPoint& point) override;
@@ -70,6 +72,9 @@ class StandinRunTime final : public host::RunTime {
   std::int32_t vnutRelRb(host::FilterList* list) override;
 
  private:
+  void observe(const char* function) const {
+    if (callObserver) callObserver(function);
+  }
   [[nodiscard]] const civil::DrawingIndex::Entry* find(civil::Handle handle) const;
   [[nodiscard]] const std::vector<civil::Handle>* findSelection(const host::EntityName& selection) const;
   host::EntityName addSelection(std::vector<civil::Handle> handles);

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <iosfwd>
+#include <map>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "host/user_interface.h"
+#include "runtime/dialog_state.h"
+#include "runtime/file_journal.h"
+
+namespace lvx::cli {
+
+/// What happened while a script ran: JSON Lines, one event a line, each flushed as it stands.
+class Transcript {
+ public:
+  explicit Transcript(std::ostream& out) : out_(out) {}
+
+  /// The whole state of an open dialog: title, and each control's text, rows, row, ticked, enabled, as far as its kind
+  /// has them.
+  void dialog(std::string_view name, int opening, const runtime::DialogState& state);
+  /// The controls of the open dialog that differ from what the transcript showed last; nothing where none does.
+  void changes(const runtime::DialogState& state);
+  void closed(std::string_view name, int code);
+  void box(const host::CString& text, host::BoxButtons buttons, host::BoxIcon icon);
+  void prompt(const host::CString& text);
+  /// The two prompts of a point selection.
+  void prompt(const host::CString& add, const host::CString& remove);
+  void console(const host::CString& text);
+  void fileBox(const host::CString& filter);
+  void help(const host::CString& topic);
+  /// Written, removed, or not written and why.
+  void file(const runtime::FileEvent& event);
+  void exception(const std::string& text);
+  void misuse(const std::string& text);
+  void end(const std::string& command);
+
+ private:
+  using Json = nlohmann::ordered_json;
+  void write(const Json& event);
+  static Json controlState(const runtime::DialogState::Control& control);
+
+  std::ostream& out_;
+  std::map<int, Json> shown_;
+};
+
+}  // namespace lvx::cli
