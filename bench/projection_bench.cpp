@@ -105,13 +105,13 @@ class Bench {
             vertices("collect one line's vertices, shuffled", Order::Shuffled),
             {"sample many lines, 22 samples each", [this](int size) { makeLines(size, 10); }, [this] { project(); }},
             {"sample one line, left side", [this](int size) { makeLines(1, size / 2); }, [this] { project(); }},
-            writer("text of many lines, 22 samples each",
+            writer("text of many lines, 4 samples each",
                    [this] { lvx::projection::writeProjectionAscii(host_.folder() + L"r.txt", L"", records_.get()); }),
-            writer("page of many lines, 22 samples each",
+            writer("page of many lines, 4 samples each",
                    [this] { lvx::projection::writeProjectionHtml(host_.folder() + L"r.html", L"", records_.get()); }),
-            writer("cells of many lines, 22 samples each",
+            writer("cells of many lines, 4 samples each",
                    [this] { lvx::projection::writeProjectionExcel(host_.folder() + L"r.xls", L"", records_.get()); }),
-            writer("document of many lines, 22 samples each", [this] {
+            writer("document of many lines, 4 samples each", [this] {
               const auto count = static_cast<std::int32_t>(records_.get().size());
               lvx::projection::tcentreRows rows{new lvx::projection::tcentreRow[static_cast<std::size_t>(count)], count,
                                                 count};
@@ -183,7 +183,7 @@ class Bench {
   }
 
   Job writer(const char* name, std::function<void()> run) {
-    return {name, [this](int size) { makeLines(size / 10, 10); }, std::move(run)};
+    return {name, [this](int size) { makeLines(size, 1); }, std::move(run)};
   }
 
   lvx::test::FakeHost host_{{.fixedMoment = 0}};
