@@ -159,9 +159,9 @@ void measure(Mesh& mesh) {
 
 /// Samples one segment.
 ///
-/// Two ways lead to the same samples. `walk` goes from triangle to triangle while everything is plain: a start inside a
-/// triangle, triangles alone where they lie, edges crossed clearly. `gather` takes all triangles near the segment,
-/// decides every touch exactly and sorts; it goes on from where the walk gave up, or does it all.
+/// Two ways lead to the same samples. `walk` goes from triangle to triangle while everything is plain: triangles alone
+/// where they lie, edges crossed clearly. `gather` takes all triangles near a part of the segment, decides every touch
+/// exactly and sorts; it bridges the part from where a walk gave up to where another can begin.
 class SegmentSampler {
  public:
   SegmentSampler(const Mesh& mesh, Vec2 a, Vec2 b, std::vector<Vec3>& samples)
@@ -171,7 +171,12 @@ class SegmentSampler {
   [[nodiscard]] bool hasLength() const { return square_ > 1e-290; }
 
   void sample() {
-    if (!walk()) gather();
+    bool canWalk = beginAtStart();
+    while (!canWalk || !walk()) {
+      canWalk = beginFurther();
+      gather(canWalk ? last_ : 1.0);
+      if (!canWalk) return;
+    }
   }
 
  private:
@@ -213,9 +218,11 @@ class SegmentSampler {
     return {a_.x + crossing.along * d_.x, a_.y + crossing.along * d_.y, right.z + crossing.onEdge * (left.z - right.z)};
   }
 
+  bool beginAtStart();
+  bool beginFurther();
   bool walk();
-  void gather();
-  void clip(const std::array<const Vec3*, 3>& corners);
+  void gather(double to);
+  void clip(std::size_t triangle, double to);
   void hitVertex(const Vec3& vertex);
   void hitEdge(const Corner& right, const Corner& left);
   void mergeHits();
@@ -228,30 +235,90 @@ class SegmentSampler {
   double perSquare_;
   std::vector<Vec3>& samples_;
 
-  /// How far the walk got: its last sample, which the gathering finds again.
-  double reached_ = 0.0;
+  // The walk's state: within a triangle, about to leave it by an edge whose ends lie on both sides.
+  std::size_t triangle_ = 0;
+  std::size_t out_ = 0;
+  Corner right_{};
+  Corner left_{};
+
+  /// Where the last sample lies along the segment; and the first of those that fell together in it, from where a
+  /// gathering finds it again.
+  double last_ = 0.0;
+  double first_ = 0.0;
   std::vector<Hit> hits_;
   Ground atStart_;
   Ground atEnd_;
 };
 
-/// Returns whether it got to the end. If not, `reached_` tells how far it is sure of the samples.
-bool SegmentSampler::walk() {
+/// Begins a walk at the segment's start, with its sample.
+bool SegmentSampler::beginAtStart() {
   const std::int32_t start = locate(mesh_, a_);
   if (start < 0) return false;
+  triangle_ = static_cast<std::size_t>(start);
+  const std::int32_t* corners = cornersOf(mesh_.ground()) + 3 * triangle_;
+  const std::array<Corner, 3> ends{cornerAt(corners[0]), cornerAt(corners[1]), cornerAt(corners[2])};
+  for (out_ = 0; out_ < 3; ++out_) {
+    right_ = ends[(out_ + 1) % 3];
+    left_ = ends[(out_ + 2) % 3];
+    if (!right_.side.isRight() || !left_.side.isLeft()) continue;
+    samples_.push_back({a_.x, a_.y, elevationWithin(mesh_.cornersAt(triangle_), a_)});
+    return true;
+  }
+  return false;
+}
 
+/// Looks along the segment, beyond the last sample, for a triangle to walk on from. Its sample is where the segment enters
+/// it, and still to be gathered.
+bool SegmentSampler::beginFurther() {
+  // Only within the box of the ground: segments may come from far away.
+  double begin = last_;
+  double end = 1.0;
+  const auto cut = [&](double start, double step, double low, double high) {
+    if (step == 0.0) return;
+    const auto [enter, leave] = std::minmax((low - start) / step, (high - start) / step);
+    begin = std::max(begin, enter);
+    end = std::min(end, leave);
+  };
+  cut(a_.x, d_.x, mesh_.box.minX, mesh_.box.maxX);
+  cut(a_.y, d_.y, mesh_.box.minY, mesh_.box.maxY);
+
+  const double step = mesh_.grid.cellSize() * std::sqrt(perSquare_);
+  for (double along = begin + step; along < end; along += step) {
+    const Vec2 p = a_ + along * d_;
+    if (mesh_.grid.triangleNear(p) < 0) continue;
+    const std::int32_t there = locate(mesh_, p);
+    if (there < 0) continue;
+    const std::int32_t* corners = cornersOf(mesh_.ground()) + 3 * static_cast<std::size_t>(there);
+    const std::array<Corner, 3> ends{cornerAt(corners[0]), cornerAt(corners[1]), cornerAt(corners[2])};
+    std::size_t in = 3;
+    std::size_t out = 3;
+    for (std::size_t i = 0; i < 3; ++i) {
+      const RoughSide& from = ends[(i + 1) % 3].side;
+      const RoughSide& to = ends[(i + 2) % 3].side;
+      if (from.isLeft() && to.isRight()) in = i;
+      if (from.isRight() && to.isLeft()) out = i;
+    }
+    if (in == 3 || out == 3) continue;
+    const Crossing entry = crossing(ends[(in + 2) % 3], ends[(in + 1) % 3]);
+    if (!entry.isSafe || entry.along < last_ + kSamePlace || entry.along > 1.0 - kSamePlace) continue;
+    triangle_ = static_cast<std::size_t>(there);
+    out_ = out;
+    right_ = ends[(out + 1) % 3];
+    left_ = ends[(out + 2) % 3];
+    last_ = entry.along;
+    return true;
+  }
+  return false;
+}
+
+/// Returns whether it got to the end. If not, it leaves its last sample to the gathering, as it may be one with what
+/// follows.
+bool SegmentSampler::walk() {
   const std::int32_t* corners = cornersOf(mesh_.ground());
-  auto triangle = static_cast<std::size_t>(start);
-  std::array<Corner, 3> ends{cornerAt(corners[3 * triangle]), cornerAt(corners[3 * triangle + 1]),
-                             cornerAt(corners[3 * triangle + 2])};
-  // The way out is the edge that runs from the right to the left of the segment.
-  std::size_t out = 0;
-  while (out < 3 && !(ends[(out + 1) % 3].side.isRight() && ends[(out + 2) % 3].side.isLeft())) ++out;
-  if (out == 3) return false;
-  Corner right = ends[(out + 1) % 3];
-  Corner left = ends[(out + 2) % 3];
-  samples_.push_back({a_.x, a_.y, elevationWithin(mesh_.cornersAt(triangle), a_)});
-
+  std::size_t triangle = triangle_;
+  std::size_t out = out_;
+  Corner right = right_;
+  Corner left = left_;
   for (;;) {
     const Crossing hit = crossing(right, left);
     if (!hit.isSafe) break;
@@ -260,9 +327,9 @@ bool SegmentSampler::walk() {
       return true;
     }
     const Link link = mesh_.links[3 * triangle + out];
-    if (link < 0 || hit.along - reached_ < kSamePlace || hit.along > 1.0 - kSamePlace) break;
+    if (link < 0 || hit.along - last_ < kSamePlace || hit.along > 1.0 - kSamePlace) break;
     samples_.push_back(pointAt(hit, *right.point, *left.point));
-    reached_ = hit.along;
+    first_ = last_ = hit.along;
 
     triangle = static_cast<std::size_t>(link >> 2);
     const auto in = static_cast<std::size_t>(link & 3);
@@ -277,38 +344,53 @@ bool SegmentSampler::walk() {
       break;
     }
   }
-  // The last sample is gathered again, as it may be one with what follows.
   samples_.pop_back();
   return false;
 }
 
-/// Goes on from where the walk got to.
-void SegmentSampler::gather() {
-  const Vec2 from = reached_ > 0.0 ? a_ + (reached_ - kSamePlace) * d_ : a_;
-  mesh_.blocks.visitNear(from, b_, [this](std::size_t triangle) { clip(mesh_.cornersAt(triangle)); });
+/// From the last sample, which it finds again, up to the sample at `to`.
+void SegmentSampler::gather(double to) {
+  hits_.clear();
+  atStart_ = atEnd_ = {};
+  const Vec2 from = first_ > 0.0 ? a_ + (first_ - kSamePlace) * d_ : a_;
+  const Vec2 until = to < 1.0 ? a_ + (to + kSamePlace) * d_ : b_;
+  mesh_.blocks.visitNear(from, until, [&](std::size_t triangle) { clip(triangle, to); });
   if (atStart_.rank != Rank::None) hits_.push_back({0.0, Rank::End, {a_.x, a_.y, atStart_.elevation}});
   if (atEnd_.rank != Rank::None) hits_.push_back({1.0, Rank::End, {b_.x, b_.y, atEnd_.elevation}});
+  // Half of the distance that makes two samples of two: well off rounding, and off any sample outside the part.
+  const double low = first_ > 0.0 ? first_ - 0.5 * kSamePlace : 0.0;
+  const double high = to < 1.0 ? to + 0.5 * kSamePlace : 1.0;
+  std::erase_if(hits_, [&](const Hit& hit) { return hit.along < low || hit.along > high; });
   mergeHits();
 }
 
-void SegmentSampler::clip(const std::array<const Vec3*, 3>& points) {
+void SegmentSampler::clip(std::size_t triangle, double to) {
+  const std::array<const Vec3*, 3> points = mesh_.cornersAt(triangle);
   std::array<Corner, 3> corners{};
+  for (std::size_t i = 0; i < 3; ++i) corners[i] = {points[i], roughSide(a_, d_, plan(*points[i]))};
+  // Most candidates lie clearly on one side; this asks for all corners at once.
+  const auto& [p, q, r] = corners;
+  const double error = RoughSide::kError * std::max({p.side.magnitude, q.side.magnitude, r.side.magnitude});
+  const double lowest = std::min({p.side.value, q.side.value, r.side.value});
+  const double highest = std::max({p.side.value, q.side.value, r.side.value});
+  if ((lowest > error) | (highest < -error)) return;
+
   std::array<int, 3> signs{};
   for (std::size_t i = 0; i < 3; ++i) {
-    corners[i] = {points[i], roughSide(a_, d_, plan(*points[i]))};
-    signs[i] = corners[i].side.isLeft() ? 1 : -1;
-    if (signs[i] < 0 && !corners[i].side.isRight()) {
-      const double side = exactSide(a_, b_, plan(*points[i]));
-      signs[i] = side > 0.0 ? 1 : side < 0.0 ? -1 : 0;
-    }
+    double side = corners[i].side.value;
+    if (std::abs(side) <= error) side = exactSide(a_, b_, plan(*points[i]));
+    signs[i] = (side > 0.0) - (side < 0.0);
   }
   if (signs[0] * signs[1] > 0 && signs[1] * signs[2] > 0) return;
 
-  if (reached_ == 0.0) atStart_.improve(groundIn(points, a_));
-  atEnd_.improve(groundIn(points, b_));
+  if (first_ == 0.0) atStart_.improve(groundIn(points, a_));
+  if (to == 1.0) atEnd_.improve(groundIn(points, b_));
   for (std::size_t i = 0; i < 3; ++i) {
-    const std::size_t j = (i + 1) % 3;
     if (signs[i] == 0) hitVertex(*points[i]);
+    // An edge of two triangles is near for both: the first one takes it.
+    const Link link = mesh_.links[3 * triangle + (i + 2) % 3];
+    if (link != kNoLink && static_cast<std::size_t>((link >= 0 ? link : ~link) >> 2) < triangle) continue;
+    const std::size_t j = (i + 1) % 3;
     if (signs[i] < 0 && signs[j] > 0) hitEdge(corners[i], corners[j]);
     if (signs[i] > 0 && signs[j] < 0) hitEdge(corners[j], corners[i]);
   }
@@ -322,8 +404,7 @@ void SegmentSampler::hitVertex(const Vec3& vertex) {
   const double start = byX ? a_.x : a_.y;
   const double end = byX ? b_.x : b_.y;
   if (place <= std::min(start, end) || place >= std::max(start, end)) return;
-  const double along = dot(plan(vertex) - a_, d_) * perSquare_;
-  if (along > reached_ - 0.5 * kSamePlace) hits_.push_back({along, Rank::Vertex, vertex});
+  hits_.push_back({dot(plan(vertex) - a_, d_) * perSquare_, Rank::Vertex, vertex});
 }
 
 /// Takes the crossing with an edge whose ends lie strictly on both sides, if it lies strictly between the segment's
@@ -344,8 +425,7 @@ void SegmentSampler::hitEdge(const Corner& right, const Corner& left) {
       hit.onEdge = rightSide / (rightSide - exactSide(a_, b_, to));
     }
   }
-  if (hit.along > reached_ - 0.5 * kSamePlace)
-    hits_.push_back({hit.along, Rank::Edge, pointAt(hit, *right.point, *left.point)});
+  hits_.push_back({hit.along, Rank::Edge, pointAt(hit, *right.point, *left.point)});
 }
 
 void SegmentSampler::mergeHits() {
@@ -357,6 +437,7 @@ void SegmentSampler::mergeHits() {
   });
   for (std::size_t i = 0; i < hits_.size();) {
     Hit best = hits_[i];
+    first_ = best.along;
     for (++i; i < hits_.size() && hits_[i].along - best.along < kSamePlace; ++i) {
       const Hit& other = hits_[i];
       const bool isHigher =
@@ -378,7 +459,7 @@ TinSurface::~TinSurface() = default;
 
 TinSurface::TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles) : data_(std::make_unique<Data>()) {
   checkInput(points, triangles);
-  if (!hasLocality(points, triangles)) renumberAlongCurve(points, triangles);
+  renumberAlongCurve(points, triangles);
 
   Mesh& mesh = *data_;
   mesh.points = std::move(points);

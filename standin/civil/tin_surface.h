@@ -50,9 +50,9 @@ class TinSurface {
 
   TinSurface();
   /// Takes over the arrays. Throws std::invalid_argument for an index outside `points`, for a coordinate that isn't a
-  /// number up to 1e100, and for more than 500 million triangles. O(n log n) or better; beside the arrays it needs up
-  /// to 20 bytes a triangle, a moment's 24 more where it renumbers: points and triangles whose order has no locality
-  /// are put in order along a space-filling curve.
+  /// number up to 1e100, and for more than 500 million triangles. O(n), with
+  /// many edges at one point O(n log n). Points and triangles are renumbered along a space-filling curve. It needs 17
+  /// bytes a triangle beside the arrays, and for a moment as much again.
   TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles);
   TinSurface(TinSurface&&) noexcept;
   TinSurface& operator=(TinSurface&&) noexcept;
@@ -65,7 +65,7 @@ class TinSurface {
   [[nodiscard]] Box box() const;
   [[nodiscard]] double minElevation() const;
   [[nodiscard]] double maxElevation() const;
-  /// As the surface holds them, which may be another order and another winding than the given one.
+  /// As the surface holds them: in another order than given, triangles counter-clockwise, those without area last.
   [[nodiscard]] std::span<const Vec3> points() const;
   [[nodiscard]] std::span<const Triangle> triangles() const;
 

@@ -64,6 +64,12 @@ double exactSide(Vec2 a, Vec2 b, Vec2 p) {
   const Pair dy = exactSum(b.y, -a.y);
   const Pair px = exactSum(p.x, -a.x);
   const Pair py = exactSum(p.y, -a.y);
+  if (dx.low == 0.0 && dy.low == 0.0 && px.low == 0.0 && py.low == 0.0) {
+    // The usual case, and for points on one line the usual end of it.
+    const Pair forward = exactProduct(dx.high, py.high);
+    const Pair backward = exactProduct(dy.high, px.high);
+    if (forward.high == backward.high) return forward.low - backward.low;
+  }
   ExactSum area;
   area.addProduct(dx.low, py.low);
   area.addProduct(-dy.low, px.low);

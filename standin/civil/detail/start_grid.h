@@ -24,11 +24,14 @@ class StartGrid {
   StartGrid(std::span<const Vec3> points, std::span<const Triangle> triangles, const Box& box,
             std::vector<Link>& links);
 
-  /// A triangle near a place, complemented if it isn't alone, or kNoLink. Without an edge: a plain triangle number.
+  /// The number of a triangle near a place, complemented if it isn't alone; kNoLink where there is none at all.
   [[nodiscard]] std::int32_t triangleNear(Vec2 p) const {
     if (starts_.empty()) return kNoLink;
     return starts_[rowOf(p.y) * columns_ + columnOf(p.x)];
   }
+
+  /// Side of a cell.
+  [[nodiscard]] double cellSize() const { return 1.0 / perUnit_; }
 
  private:
   [[nodiscard]] double gridX(double x) const { return (x - origin_.x) * perUnit_; }

@@ -20,19 +20,6 @@ Box planBox(std::span<const Vec3> points) {
   return box;
 }
 
-/// Three quarters of the steps between neighbours in the numbering are shorter than this.
-template <class PlaceOf>
-double usualStep(std::size_t count, PlaceOf placeOf) {
-  constexpr std::size_t kSamples = 2000;
-  const std::size_t stride = std::max<std::size_t>(1, count / kSamples);
-  std::vector<double> steps;
-  for (std::size_t i = 0; i + 1 < count; i += stride) steps.push_back(length(placeOf(i + 1) - placeOf(i)));
-  if (steps.empty()) return 0.0;
-  const auto place = steps.begin() + static_cast<std::ptrdiff_t>(steps.size() * 3 / 4);
-  std::nth_element(steps.begin(), place, steps.end());
-  return *place;
-}
-
 /// Spreads the lower 16 bits to the even ones.
 std::uint32_t spread(std::uint32_t bits) {
   bits = (bits | bits << 8) & 0x00ff00ffU;
@@ -61,21 +48,6 @@ void sortByKey(std::vector<Keyed>& items) {
 }
 
 }  // namespace
-
-bool hasLocality(std::span<const Vec3> points, std::span<const Triangle> triangles) {
-  // What fits into the processor's caches needs no order.
-  constexpr std::size_t kSmall = 20'000;
-  // A step of a numbering by rows or by tiles spans a few triangles; without locality it spans the surface.
-  constexpr double kLocalStep = 16.0;
-  if (triangles.size() < kSmall) return true;
-  const Box box = planBox(points);
-  const double spacing =
-      std::sqrt((box.maxX - box.minX) * (box.maxY - box.minY) / static_cast<double>(triangles.size()));
-  const auto pointAt = [&](std::size_t i) { return plan(points[i]); };
-  const auto triangleAt = [&](std::size_t i) { return plan(points[static_cast<std::size_t>(triangles[i].a)]); };
-  return usualStep(points.size(), pointAt) <= kLocalStep * spacing &&
-         usualStep(triangles.size(), triangleAt) <= kLocalStep * spacing;
-}
 
 void renumberAlongCurve(std::vector<Vec3>& points, std::vector<Triangle>& triangles) {
   const Box box = planBox(points);

@@ -19,11 +19,9 @@ namespace lvx::civil::detail {
   return reinterpret_cast<const std::int32_t*>(triangles.data());
 }
 
-/// Whether neighbours in the numbering are neighbours on the ground, for points and for triangles. Judged by samples.
-[[nodiscard]] bool hasLocality(std::span<const Vec3> points, std::span<const Triangle> triangles);
-
-/// Numbers the triangles along a Morton curve through their centres and the points by their first use; points of no
-/// triangle come last. O(n).
+/// Numbers the triangles along a Morton curve through their lower left corners and the points by their first use; points
+/// of no triangle come last. What lies close on the ground then lies close in memory, which a walk and the tree of boxes
+/// live on, whatever order a file has. O(n).
 void renumberAlongCurve(std::vector<Vec3>& points, std::vector<Triangle>& triangles);
 
 /// Winds every triangle counter-clockwise and puts those without area in plan last. Returns the number of the others.
