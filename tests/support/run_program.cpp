@@ -1,0 +1,86 @@
+#include "support/run_program.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace lvx::test {
+
+namespace {
+
+void redirect(const std::string& path, int descriptor, int flags) {
+  const int opened = ::open(path.c_str(), flags, 0600);
+  if (opened < 0 || ::dup2(opened, descriptor) < 0) ::_exit(127);
+  ::close(opened);
+}
+
+}  // namespace
+
+TemporaryFolder::TemporaryFolder() {
+  std::string name = (std::filesystem::temp_directory_path() / "lvx-test-XXXXXX").string();
+  if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder: " + name);
+  path_ = name;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+  std::error_code error;
+  // A test may have taken the write permission away.
+  std::filesystem::permissions(path_, std::filesystem::perms::owner_all, error);
+  std::filesystem::remove_all(path_, error);
+}
+
+std::string fileBytes(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw std::runtime_error("can't read " + path.string());
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+RunResult runProgram(const RunRequest& request) {
+  const TemporaryFolder capture;
+  const std::string outputPath = request.outputTo.empty() ? (capture / "output").string() : request.outputTo;
+  const std::string errorsPath = (capture / "errors").string();
+
+  // The environment is changed in the child alone, by setenv between fork and exec: the tests have one thread.
+  const pid_t child = ::fork();
+  if (child < 0) throw std::runtime_error("can't start a process");
+  if (child == 0) {
+    redirect("/dev/null", STDIN_FILENO, O_RDONLY);
+    redirect(errorsPath, STDERR_FILENO, O_WRONLY | O_CREAT | O_TRUNC);
+    if (request.closeOutput)
+      ::close(STDOUT_FILENO);
+    else
+      redirect(outputPath, STDOUT_FILENO, O_WRONLY | O_CREAT | (request.outputTo.empty() ? O_TRUNC : 0));
+    for (const auto& [name, value] : request.environment) {
+      if (value.empty())
+        ::unsetenv(name.c_str());
+      else
+        ::setenv(name.c_str(), value.c_str(), 1);
+    }
+    if (!request.folder.empty() && ::chdir(request.folder.c_str()) != 0) ::_exit(127);
+    std::string program = request.program.string();
+    std::vector<std::string> arguments = request.arguments;
+    std::vector<char*> pointers{program.data()};
+    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    ::execv(program.c_str(), pointers.data());
+    ::_exit(127);
+  }
+  int status = 0;
+  while (::waitpid(child, &status, 0) < 0) {
+    if (errno != EINTR) throw std::runtime_error("lost a process");
+  }
+  RunResult result;
+  constexpr int kBySignal = 128;
+  result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : kBySignal + WTERMSIG(status);
+  if (request.outputTo.empty() && !request.closeOutput) result.output = fileBytes(outputPath);
+  result.errors = fileBytes(errorsPath);
+  return result;
+}
+
+}  // namespace lvx::test
