@@ -1,1 +1,161 @@
-int main() { return 0; }
+#include <exception>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/failure.h"
+#include "cli/info_command.h"
+#include "cli/interruption.h"
+#include "cli/options.h"
+#include "cli/projection_command.h"
+#include "cli/terminal.h"
+#include "runtime/open_drawing.h"
+
+namespace lvx::cli {
+namespace {
+
+constexpr const char* kExitCodes =
+    "Exit codes: 0 everything asked for was written; 1 something was not, said on standard error; 2 usage; 3 the "
+    "drawing "
+    "can't be read or saved; 4 a name isn't in the drawing or stands in several sites; 70 the command ended by an "
+    "exception; 130 interrupted.";
+
+std::string checkForms(const std::string& given) {
+  std::size_t start = 0;
+  while (start <= given.size()) {
+    const std::size_t comma = std::min(given.find(',', start), given.size());
+    const std::string form = given.substr(start, comma - start);
+    if (form != "txt" && form != "xls" && form != "html")
+      return "'" + form + "' is no form of a report; there is txt, xls, html";
+    start = comma + 1;
+  }
+  return {};
+}
+
+/// Options that stand before or behind the name of the command.
+void addCommonOptions(CLI::App& app, CommonOptions& options) {
+  const std::string group = "Common options";
+  app.add_option("--forms", options.forms, "Forms to write: txt, xls, html, joined by commas (default: all)")
+      ->check(CLI::Validator(checkForms, "FORMS"))
+      ->group(group);
+  auto* overwrite = app.add_flag("--overwrite", options.overwrite, "Replace files that exist")->group(group);
+  app.add_flag("--keep", options.keep, "Keep files that exist (default: ask on a terminal, keep otherwise)")
+      ->excludes(overwrite)
+      ->group(group);
+  app.add_option("--lang", options.language, "Language of the reports: en or de (default: en)")
+      ->check(CLI::IsMember({"en", "de"}))
+      ->group(group);
+  app.add_option("--messages", options.messages, "Message file to use in place of the language's own")
+      ->type_name("FILE")
+      ->group(group);
+  app.add_option("--release", options.release, "Host release that the headers show; empty for none (default: R24.3)")
+      ->type_name("TEXT")
+      ->group(group);
+  app.add_option(
+         "--report-code-page", options.reportCodePage,
+         "Single-byte code page of text and HTML reports, by its iconv name (default: U+0000 to U+00FF as bytes)")
+      ->type_name("NAME")
+      ->group(group);
+  app.add_option("--message-code-page", options.messageCodePage,
+                 "Code page of message files, by its iconv name (default: WINDOWS-1252)")
+      ->type_name("NAME")
+      ->group(group);
+  app.add_option("--module", options.module, "Report module to load in place of the program's own")
+      ->type_name("FILE")
+      ->group(group);
+  app.add_option("--progress", options.progress, "Progress on standard error: auto, always or never (default: auto)")
+      ->check(CLI::IsMember({"auto", "always", "never"}))
+      ->group(group);
+  app.add_flag("--quiet", options.quiet, "Say nothing but errors")->group(group);
+}
+
+void addInfo(CLI::App& app, InfoOptions& options) {
+  app.add_option("DRAWING", options.drawing, "LandXML file")->required();
+  app.add_flag("--json", options.json, "Write a form that programs read");
+  app.footer(
+      "Examples:\n"
+      "  lvxhost info examples/valley-road.xml\n"
+      "      sites, alignments with their elements, profiles, sample line groups, surfaces, points,\n"
+      "      corridors, and what the reader found odd, with its line in the file\n"
+      "  lvxhost info examples/valley-road.xml --json | jq '.surfaces[].name'\n");
+}
+
+void addProjection(CLI::App& app, ProjectionOptions& options) {
+  app.add_option("DRAWING", options.drawing, "LandXML file")->required();
+  app.add_option("--alignment", options.alignment, "Name of the alignment")->required()->type_name("NAME");
+  app.add_option("--site", options.site,
+                 "Its site; \"\" for the alignments outside any site (default: where the name is)")
+      ->type_name("NAME");
+  app.add_option("--group", options.group, "Sample line group whose lines are reported")->required()->type_name("NAME");
+  app.add_option("--surface", options.surface, "Surface whose ground is sampled")->required()->type_name("NAME");
+  app.add_option("--out", options.stem, "Path of the report files without extension; .txt, .xls and .html are added")
+      ->required()
+      ->type_name("STEM");
+  app.footer(
+      "Examples:\n"
+      "  lvxhost projection examples/valley-road.xml --alignment 'Valley road' \\\n"
+      "      --group 'Cross sections 20 m' --surface 'Existing ground' --out out/valley-road\n"
+      "      writes out/valley-road.txt, .xls and .html: for each sample line the offsets and elevations\n"
+      "      of the ground from far left to far right\n"
+      "  lvxhost projection drawing.xml --alignment A1 --site \"\" --group SL --surface Ground \\\n"
+      "      --out a1 --forms txt,html --overwrite\n"
+      "      an alignment outside any site, two forms, into the current folder\n");
+}
+
+int run(int argc, char** argv) {
+  CommonOptions common;
+  InfoOptions info;
+  ProjectionOptions projection;
+
+  CLI::App app("lvxhost opens LandXML drawings and runs the road reports on them, without windows.", "lvxhost");
+  app.set_version_flag("--version", "lvxhost " LVX_VERSION);
+  app.require_subcommand(1);
+  app.footer(std::string("Example:\n"
+                         "  lvxhost info examples/valley-road.xml\n"
+                         "Each command has its own --help with examples.\n\n") +
+             kExitCodes);
+  addCommonOptions(app, common);
+  CLI::App* infoCommand = app.add_subcommand("info", "Tell what a drawing holds");
+  addInfo(*infoCommand, info);
+  addCommonOptions(*infoCommand, common);
+  CLI::App* projectionCommand =
+      app.add_subcommand("projection", "Write the profile projection report: the ground across an alignment");
+  addProjection(*projectionCommand, projection);
+  addCommonOptions(*projectionCommand, common);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    const int code = app.exit(error);
+    finishOutput();
+    return code == 0 ? kDone : kUsage;
+  }
+  if (common.overwrite && common.keep) throw Failure(kUsage, "--overwrite and --keep exclude each other");
+  projection.siteGiven = projectionCommand->count("--site") > 0;
+
+  const ExitCode code = infoCommand->parsed() ? runInfo(common, info) : runProjection(common, projection);
+  finishOutput();
+  return code;
+}
+
+int runGuarded(int argc, char** argv) {
+  guardStandardStreams();
+  watchSignals();
+  try {
+    return run(argc, argv);
+  } catch (const Failure& failure) {
+    say(failure.what());
+    return failure.code();
+  } catch (const runtime::Interrupted&) {
+    say("interrupted; no unfinished file was left");
+    return kInterrupted;
+  } catch (const std::exception& error) {
+    say(std::string("the command ended by an exception: ") + error.what());
+    return kException;
+  }
+}
+
+}  // namespace
+}  // namespace lvx::cli
+
+int main(int argc, char** argv) { return lvx::cli::runGuarded(argc, argv); }

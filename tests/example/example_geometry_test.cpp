@@ -1,5 +1,7 @@
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -14,6 +16,7 @@
 #include "civil/alignment.h"
 #include "civil/element.h"
 #include "civil/profile.h"
+#include "civil/tin_surface.h"
 
 /// The example against the civil geometry: two independent computations of the same roads have to agree.
 namespace lvx {
@@ -128,6 +131,41 @@ TEST_F(ExampleGeometry, SampleLinesCrossTheirAlignmentAtTheirStation) {
 TEST_F(ExampleGeometry, DesignProfilesAreFreeOfWarnings) {
   for (const auto& node : document_.select_nodes("//ProfAlign")) {
     EXPECT_THAT(designOf(node.node()).warnings(), testing::IsEmpty());
+  }
+}
+
+TEST_F(ExampleGeometry, GroundProfilesLieOnTheSurfaceAndStopWhereItDoes) {
+  std::map<int, std::int32_t> index;
+  std::vector<civil::Vec3> points;
+  for (const auto& p : document_.select_nodes("//P")) {
+    const std::vector<double> v = numbers(p.node().text().get());
+    index[p.node().attribute("id").as_int()] = static_cast<std::int32_t>(points.size());
+    points.push_back({v.at(1), v.at(0), v.at(2)});
+  }
+  std::vector<civil::Triangle> triangles;
+  for (const auto& f : document_.select_nodes("//F[not(@i)]")) {
+    const std::vector<double> v = numbers(f.node().text().get());
+    const auto corner = [&](std::size_t i) { return index.at(static_cast<int>(v.at(i))); };
+    triangles.push_back({corner(0), corner(1), corner(2)});
+  }
+  const civil::TinSurface ground(std::move(points), std::move(triangles));
+  EXPECT_EQ(ground.counts().degenerate, 0U);
+  EXPECT_EQ(ground.counts().overlappingEdges, 0U);
+
+  for (const auto& node : document_.select_nodes("//Alignment")) {
+    const civil::Alignment alignment = alignmentOf(node.node());
+    const auto groundAt = [&](double station) { return ground.elevationAt(alignment.poseAt(station)->point); };
+    double last = 0.0;
+    for (const auto& list : node.node().select_nodes("Profile/ProfSurf/PntList2D")) {
+      const std::vector<double> v = numbers(list.node().text().get());
+      for (std::size_t i = 0; i + 1 < v.size(); i += 2) {
+        const auto elevation = groundAt(v[i]);
+        ASSERT_TRUE(elevation.has_value()) << v[i];
+        EXPECT_NEAR(v[i + 1], *elevation, 0.6e-3) << v[i];
+        last = v[i];
+      }
+    }
+    EXPECT_EQ(groundAt(alignment.endStation()).has_value(), alignment.endStation() - last < 1e-3);
   }
 }
 

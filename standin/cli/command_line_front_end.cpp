@@ -1,0 +1,120 @@
+#include "cli/command_line_front_end.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "cli/terminal.h"
+#include "platform/posix/posix_platform.h"
+#include "runtime/dialog_state.h"
+
+namespace lvx::cli {
+
+using host::BoxAnswer;
+using host::BoxButtons;
+using host::CString;
+using platform::toUtf8;
+using runtime::DialogState;
+using runtime::Refusal;
+
+namespace {
+
+Refusal take(DialogState& state, const DialogStep& step) {
+  switch (step.kind) {
+    case DialogStep::Kind::SelectRow:
+      if (!step.text.empty() &&
+          (step.row >= state.rowCount(step.control) || state.rowText(step.control, step.row) != step.text))
+        return Refusal::NoSuchRow;
+      return state.userSelects(step.control, step.row);
+    case DialogStep::Kind::Type:
+      return state.userTypes(step.control, step.text);
+    case DialogStep::Kind::Tick:
+      return state.userTicks(step.control, true);
+    case DialogStep::Kind::Untick:
+      return state.userTicks(step.control, false);
+    case DialogStep::Kind::Click:
+      return state.userClicks(step.control);
+  }
+  return Refusal::WrongKind;
+}
+
+const char* words(Refusal refusal) {
+  switch (refusal) {
+    case Refusal::None:
+      return "takes it";
+    case Refusal::NoSuchControl:
+      return "isn't there";
+    case Refusal::WrongKind:
+      return "is of another kind";
+    case Refusal::Disabled:
+      return "is disabled";
+    case Refusal::NoSuchRow:
+      return "doesn't offer that row";
+  }
+  return "refuses";
+}
+
+bool isYes(const std::string& answer) { return !answer.empty() && (answer[0] == 'y' || answer[0] == 'Y'); }
+
+}  // namespace
+
+void StepDialogs::expect(std::string dialogName, std::vector<DialogStep> steps) {
+  dialogName_ = std::move(dialogName);
+  steps_ = std::move(steps);
+}
+
+int StepDialogs::runModal(dialogs::DialogBehaviour& dialog, void* /*parent*/) {
+  DialogState state(dialog);
+  if (dialog.dialogTemplate().name == dialogName_) {
+    for (const DialogStep& step : steps_) {
+      if (state.closedWith()) break;
+      if (const Refusal refusal = take(state, step); refusal != Refusal::None)
+        throw std::logic_error("dialog " + dialogName_ + ": control " + std::to_string(step.control) + " " +
+                               words(refusal) + (step.text.empty() ? "" : ": '" + toUtf8(step.text) + "'"));
+    }
+  }
+  if (!state.closedWith()) state.userCloses();
+  return state.closedWith().value_or(dialogs::kIdCancel);
+}
+
+BoxAnswer CommandLineFrontEnd::messageBox(const CString& text, BoxButtons buttons, host::BoxIcon /*icon*/) {
+  const std::string words = toUtf8(text);
+  switch (buttons) {
+    case BoxButtons::Ok:
+      say(words);
+      return BoxAnswer::Ok;
+    case BoxButtons::YesNo:
+      if (overwrite_ == Overwrite::Always) return BoxAnswer::Yes;
+      if (overwrite_ == Overwrite::Never || !isInteractive()) return BoxAnswer::No;
+      return isYes(ask(words + " [y/N] ")) ? BoxAnswer::Yes : BoxAnswer::No;
+    case BoxButtons::RetryCancel:
+      if (!isInteractive()) {
+        say(words);
+        return BoxAnswer::Cancel;
+      }
+      return isYes(ask(words + " (y: try again) [y/N] ")) ? BoxAnswer::Retry : BoxAnswer::Cancel;
+  }
+  return BoxAnswer::Cancel;
+}
+
+std::optional<CString> CommandLineFrontEnd::saveFileBox(const CString&, std::uint32_t) { return std::nullopt; }
+
+void CommandLineFrontEnd::showHelp(const CString& topic) { say("help: " + toUtf8(topic)); }
+
+std::uint32_t CommandLineFrontEnd::buttonFaceColour() {
+  constexpr std::uint32_t kLightGrey = 0x00F0F0F0;
+  return kLightGrey;
+}
+
+void CommandLineFrontEnd::console(const CString& text) {
+  // A bare line feed only parts prompts from what stood before them.
+  if (text != L"\n") tell(toUtf8(text));
+}
+
+std::optional<civil::Handle> CommandLineFrontEnd::pickEntity(const CString&) { return std::nullopt; }
+
+std::optional<std::vector<civil::Handle>> CommandLineFrontEnd::selectEntities(const CString&, const CString&,
+                                                                              const CString&) {
+  return std::nullopt;
+}
+
+}  // namespace lvx::cli

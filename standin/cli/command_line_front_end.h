@@ -1,0 +1,60 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/options.h"
+#include "dialogs/dialog_window.h"
+#include "runtime/front_end.h"
+
+namespace lvx::cli {
+
+/// One thing that the command line does in a dialog, in the order in which a user would.
+struct DialogStep {
+  enum class Kind : std::uint8_t { SelectRow, Type, Tick, Untick, Click };
+  Kind kind = Kind::Click;
+  int control = 0;
+  /// SelectRow: the row's position, and its text where that is known.
+  int row = 0;
+  host::CString text;
+};
+
+/// Answers dialogs of one name by fixed steps, once for each opening; what the steps leave open, and every other
+/// dialog, is cancelled. A step that the dialog refuses throws std::logic_error.
+class StepDialogs final : public dialogs::DialogRunner {
+ public:
+  void expect(std::string dialogName, std::vector<DialogStep> steps);
+  int runModal(dialogs::DialogBehaviour& dialog, void* parent) override;
+
+ private:
+  std::string dialogName_;
+  std::vector<DialogStep> steps_;
+};
+
+/// The command line in place of a user: questions are answered by the options or, on a terminal, by the person there;
+/// nothing is ever picked.
+class CommandLineFrontEnd final : public runtime::FrontEnd {
+ public:
+  explicit CommandLineFrontEnd(Overwrite overwrite) : overwrite_(overwrite) {}
+
+  /// The steps for the dialogs that the command opens.
+  [[nodiscard]] StepDialogs& steps() { return dialogs_; }
+
+  host::BoxAnswer messageBox(const host::CString& text, host::BoxButtons buttons, host::BoxIcon icon) override;
+  [[nodiscard]] std::optional<host::CString> saveFileBox(const host::CString& filter, std::uint32_t flags) override;
+  void showHelp(const host::CString& topic) override;
+  [[nodiscard]] std::uint32_t buttonFaceColour() override;
+  [[nodiscard]] dialogs::DialogRunner& dialogs() override { return dialogs_; }
+  [[nodiscard]] void* mainWindow() override { return nullptr; }
+  void console(const host::CString& text) override;
+  [[nodiscard]] std::optional<civil::Handle> pickEntity(const host::CString& prompt) override;
+  [[nodiscard]] std::optional<std::vector<civil::Handle>> selectEntities(const host::CString& addPrompt,
+                                                                         const host::CString& removePrompt,
+                                                                         const host::CString& classTag) override;
+
+ private:
+  Overwrite overwrite_;
+  StepDialogs dialogs_;
+};
+
+}  // namespace lvx::cli

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <memory>
+
+#include "cli/options.h"
+#include "runtime/standin_host.h"
+
+namespace lvx::cli {
+
+/// The host that the options and SOURCE_DATE_EPOCH ask for. Throws Failure (kUsage) for an unknown code page, a message
+/// file that isn't there and an epoch that is no number of seconds.
+[[nodiscard]] std::unique_ptr<runtime::StandinHost> makeHost(runtime::FrontEnd& frontEnd, const CommonOptions& options);
+
+}  // namespace lvx::cli

@@ -1,0 +1,27 @@
+#include "cli/installation.h"
+
+#include <system_error>
+
+namespace lvx::cli {
+
+namespace fs = std::filesystem;
+
+fs::path programFolder() {
+  std::error_code error;
+  const fs::path program = fs::read_symlink("/proc/self/exe", error);
+  return error ? fs::current_path(error) : program.parent_path();
+}
+
+fs::path moduleFile() {
+  constexpr const char* kName = "LVX_MirelReport.vmx";
+  const fs::path beside = programFolder() / kName;
+  const fs::path installed = programFolder().parent_path() / "lib" / "lvxhost" / kName;
+  std::error_code error;
+  return !fs::exists(beside, error) && fs::exists(installed, error) ? installed : beside;
+}
+
+fs::path messageFolder(const std::string& language) {
+  return programFolder().parent_path() / "share" / "lvxhost" / "messages" / language;
+}
+
+}  // namespace lvx::cli

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+/// Where the program's own files lie. Build tree and installation have one layout: `bin` with the program, the module
+/// and its companion beside it or in `lib/lvxhost`, and `share/lvxhost/messages/<language>`.
+namespace lvx::cli {
+
+/// Folder of the running program.
+[[nodiscard]] std::filesystem::path programFolder();
+/// The report module, or the place where it was looked for first.
+[[nodiscard]] std::filesystem::path moduleFile();
+/// Folder of a language's message file.
+[[nodiscard]] std::filesystem::path messageFolder(const std::string& language);
+
+}  // namespace lvx::cli

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "civil/drawing.h"
+
+/// From the names of the command line to the drawing's objects, as the dialogs offer them.
+namespace lvx::cli {
+
+/// Steps of inserting, removing or replacing one byte that lead from one text to the other, small and capital ASCII
+/// letters being one: how far a mistyped name is from one that exists.
+[[nodiscard]] std::size_t editDistance(std::string_view a, std::string_view b);
+
+/// `names` without repetitions, the closest to `wanted` first, quoted and joined by commas; of many the first ones and
+/// how many more there are.
+[[nodiscard]] std::string offered(std::vector<std::string> names, std::string_view wanted);
+
+/// An alignment with the site whose row it stands in.
+struct FoundAlignment {
+  const civil::Site* site = nullptr;
+  const civil::AlignmentObject* alignment = nullptr;
+};
+
+/// The alignment of that name in the site; without a site in the only site that has one of that name. Of several in one
+/// site the first. Throws Failure (kUnknownName) that lists what there is.
+[[nodiscard]] FoundAlignment findAlignment(const civil::Drawing& drawing, const std::string& alignment,
+                                           const std::string* site);
+
+/// The first of that name; throws Failure (kUnknownName) that lists what there is.
+[[nodiscard]] const civil::SampleLineGroup& findGroup(const civil::AlignmentObject& alignment, const std::string& name);
+[[nodiscard]] const civil::SurfaceObject& findSurface(const civil::Drawing& drawing, const std::string& name);
+
+/// The rows of the dialogs' site list: the alignments without a site first, then the sites, each only where it has
+/// alignments.
+[[nodiscard]] std::vector<const civil::Site*> siteRows(const civil::Drawing& drawing);
+
+/// "site 'North'", or words for the alignments outside any site.
+[[nodiscard]] std::string siteWords(const civil::Site& site);
+
+}  // namespace lvx::cli

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace lvx::cli {
+
+enum class Overwrite : std::uint8_t { Ask, Always, Never };
+enum class ProgressMode : std::uint8_t { Auto, Always, Never };
+
+/// The options that every command knows.
+struct CommonOptions {
+  std::string forms = "txt,xls,html";
+  bool overwrite = false;
+  bool keep = false;
+  std::string language = "en";
+  std::string messages;
+  std::string release = "R24.3";
+  std::string progress = "auto";
+  std::string module;
+  std::string reportCodePage;
+  std::string messageCodePage = "WINDOWS-1252";
+  bool quiet = false;
+
+  [[nodiscard]] Overwrite overwriteMode() const {
+    if (overwrite) return Overwrite::Always;
+    return keep ? Overwrite::Never : Overwrite::Ask;
+  }
+  [[nodiscard]] ProgressMode progressMode() const {
+    if (progress == "always") return ProgressMode::Always;
+    return progress == "never" || quiet ? ProgressMode::Never : ProgressMode::Auto;
+  }
+  [[nodiscard]] bool writes(const std::string& form) const {
+    return ("," + forms + ",").find("," + form + ",") != std::string::npos;
+  }
+};
+
+struct InfoOptions {
+  std::string drawing;
+  bool json = false;
+};
+
+struct ProjectionOptions {
+  std::string drawing;
+  std::string alignment;
+  std::string site;
+  bool siteGiven = false;
+  std::string group;
+  std::string surface;
+  std::string stem;
+};
+
+}  // namespace lvx::cli

@@ -1,0 +1,72 @@
+#include "cli/terminal.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "cli/failure.h"
+
+namespace lvx::cli {
+
+void guardStandardStreams() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(descriptor, F_GETFD) != -1) continue;
+    // The lowest free number is the closed one. Opened the wrong way round, so that using it is an error.
+    const int wrongWay = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+    [[maybe_unused]] const int opened = ::open("/dev/null", wrongWay);
+  }
+}
+
+void tell(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); }
+
+void say(std::string_view sentence) { tell("lvxhost: " + std::string(sentence) + "\n"); }
+
+void print(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+
+void finishOutput() {
+  errno = 0;
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
+  throw Failure(kNotWritten, std::string("can't write to standard output: ") +
+                                 (errno == 0 ? "an earlier write failed" : std::strerror(errno)));
+}
+
+bool isInteractive() { return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1; }
+
+std::string ask(std::string_view question) {
+  tell(question);
+  std::fflush(stderr);
+  std::string line;
+  for (int c = std::getchar(); c != EOF && c != '\n'; c = std::getchar()) line += static_cast<char>(c);
+  return line;
+}
+
+ProgressLine::ProgressLine(ProgressMode mode, std::string label)
+    : mode_(mode),
+      label_(std::move(label)),
+      terminal_(::isatty(STDERR_FILENO) == 1),
+      start_(std::chrono::steady_clock::now()) {}
+
+ProgressLine::~ProgressLine() {
+  if (shown_ && terminal_) tell("\r\x1b[K");
+}
+
+void ProgressLine::update(std::uint64_t done, std::uint64_t total) {
+  constexpr auto kMoment = std::chrono::milliseconds(400);
+  constexpr int kStepElsewhere = 10;
+  if (mode_ == ProgressMode::Never || total == 0) return;
+  if (mode_ == ProgressMode::Auto && (!terminal_ || std::chrono::steady_clock::now() - start_ < kMoment)) return;
+  int percent = static_cast<int>(static_cast<double>(done) / static_cast<double>(total) * 100.0);
+  if (!terminal_) percent -= percent % kStepElsewhere;
+  if (percent == lastShown_) return;
+  lastShown_ = percent;
+  shown_ = true;
+  const std::string text = label_ + ": " + std::to_string(percent) + " %";
+  tell(terminal_ ? "\r\x1b[K" + text : text + "\n");
+  std::fflush(stderr);
+}
+
+}  // namespace lvx::cli

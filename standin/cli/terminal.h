@@ -1,0 +1,51 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "cli/options.h"
+
+/// Standard output and standard error: results on the one, words and progress on the other.
+namespace lvx::cli {
+
+/// Puts something behind standard streams that are closed, so that no file of ours gets their number.
+void guardStandardStreams();
+
+/// One line on standard error, "lvxhost: …".
+void say(std::string_view sentence);
+/// The same without the name in front: questions, the console of a command.
+void tell(std::string_view text);
+
+/// A result on standard output.
+void print(std::string_view text);
+/// Flushes standard output; throws Failure where it couldn't take everything.
+void finishOutput();
+
+/// True where a person can answer a question.
+[[nodiscard]] bool isInteractive();
+/// Asks on standard error and reads one line; empty at the end of input.
+[[nodiscard]] std::string ask(std::string_view question);
+
+/// How far a long step is: one line on standard error that renews itself on a terminal, and a line for each tenth
+/// elsewhere. On its own it shows only where standard error is a terminal and the step takes longer than a moment.
+class ProgressLine {
+ public:
+  ProgressLine(ProgressMode mode, std::string label);
+  ProgressLine(const ProgressLine&) = delete;
+  ProgressLine& operator=(const ProgressLine&) = delete;
+  /// Takes a renewing line away again.
+  ~ProgressLine();
+  void update(std::uint64_t done, std::uint64_t total);
+
+ private:
+  ProgressMode mode_;
+  std::string label_;
+  bool terminal_;
+  bool shown_ = false;
+  int lastShown_ = -1;
+  std::chrono::steady_clock::time_point start_;
+};
+
+}  // namespace lvx::cli
