@@ -64,7 +64,7 @@ bool ClothoidSeries::isAccurate(double curvature, double rate, double half) {
 Vec2 clothoidPoint(double curvature, double rate, double distance) {
   // Panels so short that 24 terms of the series leave less than a rounding.
   constexpr double kTurnOfHalfPanel = 0.25;
-  constexpr double kMostPanels = 1 << 16;
+  constexpr double kMostPanels = 1 << 12;
   constexpr int kTerms = 24;
   const double endCurvature = curvature + rate * distance;
   const double turn = std::max(std::abs(curvature), std::abs(endCurvature)) * std::abs(distance);

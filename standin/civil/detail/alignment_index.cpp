@@ -9,7 +9,9 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 // Turn of a piece at most: keeps the capsules slim.
 constexpr double kTurnOfPiece = 0.3;
-constexpr double kMostPieces = 1 << 14;
+// Elements that turn by more radians than this (30 full circles) are a slip of some file and no geometry; cut into pieces
+// they would eat the memory.
+constexpr double kMostTurn = 200.0;
 // Ends further apart than this are a gap on purpose, not a rounding.
 constexpr double kGap = 0.01;
 // Distances of this difference are equal where coordinates are small; large ones bring their own rounding.
@@ -50,59 +52,54 @@ AlignmentIndex::AlignmentIndex(std::span<const Element> elements, std::span<cons
 }
 
 void AlignmentIndex::addElement(const Element& element, double station) {
-  const std::size_t before = pieces_.size();
-  if (element.kind == ElementKind::Line) {
-    addPiece(element, station, 0.0, element.length);
-  } else {
-    // A clothoid is cut where its curvature changes sign: each piece bends to one side.
-    std::array<double, 3> cuts{0.0, element.length, element.length};
-    std::size_t parts = 1;
-    if (element.startCurvature * element.endCurvature < 0.0) {
-      cuts[1] = element.length * (element.startCurvature / (element.startCurvature - element.endCurvature));
-      parts = 2;
-    }
-    const double rate = (element.endCurvature - element.startCurvature) / element.length;
-    for (std::size_t part = 0; part < parts; ++part) {
-      const double from = cuts[part];
-      const double to = cuts[part + 1];
-      if (!(to > from)) continue;
+  const double rate = (element.endCurvature - element.startCurvature) / element.length;
+  const double bend = std::max(std::abs(element.startCurvature), std::abs(element.endCurvature));
+  const bool isLine = element.kind == ElementKind::Line;
+  if (!isFinite(element.start - origin_) || !std::isfinite(element.direction)) return;
+  if (!isLine && !(bend * element.length <= kMostTurn && std::isfinite(rate))) return;
+
+  // A clothoid is cut where its curvature changes sign: each piece bends to one side.
+  std::array<double, 3> cuts{0.0, element.length, element.length};
+  if (!isLine && element.startCurvature * element.endCurvature < 0.0) {
+    cuts[1] = element.length * (element.startCurvature / (element.startCurvature - element.endCurvature));
+  }
+  Vec2 at = element.start - origin_;
+  for (std::size_t part = 0; part < 2; ++part) {
+    const double from = cuts[part];
+    const double to = cuts[part + 1];
+    if (!(to > from)) continue;
+    double count = 1.0;
+    if (!isLine) {
       const double sharpest = std::max(std::abs(element.curvatureAt(from)), std::abs(element.curvatureAt(to)));
-      double count = std::clamp(std::ceil(sharpest * (to - from) / kTurnOfPiece), 1.0, kMostPieces);
-      while (rate != 0.0 && count < kMostPieces &&
-             !ClothoidSeries::isAccurate(sharpest, rate, 0.5 * (to - from) / count)) {
-        ++count;
-      }
-      for (double k = 0.0; k < count; ++k) {
-        const double next = k + 1.0 < count ? from + (to - from) * (k + 1.0) / count : to;
-        addPiece(element, station, from + (to - from) * k / count, next);
-      }
+      count = std::max(std::ceil(sharpest * (to - from) / kTurnOfPiece), 1.0);
+      while (rate != 0.0 && !ClothoidSeries::isAccurate(sharpest, rate, 0.5 * (to - from) / count)) ++count;
+    }
+    for (double k = 0.0; k < count; ++k) {
+      const double next = k + 1.0 < count ? from + (to - from) * (k + 1.0) / count : to;
+      addPiece(element, station, from + (to - from) * k / count, next, at);
     }
   }
-  if (pieces_.size() == before) return;
-  pieces_[before].startsElement = true;
-  pieces_.back().endsElement = true;
 }
 
-void AlignmentIndex::addPiece(const Element& element, double station, double from, double to) {
-  Element fromOrigin = element;
-  fromOrigin.start = element.start - origin_;
-  const Pose middle = fromOrigin.poseAt(0.5 * (from + to));
+// The piece of an element between two distances, starting `at` a point that moves on to its end.
+void AlignmentIndex::addPiece(const Element& element, double station, double from, double to, Vec2& at) {
   Piece piece;
-  piece.kind = element.kind == ElementKind::Clothoid && element.startCurvature == element.endCurvature
-                   ? ElementKind::Arc
-                   : element.kind;
+  const double middle = 0.5 * (from + to);
+  const bool isLine =
+      element.kind == ElementKind::Line || (element.startCurvature == 0.0 && element.endCurvature == 0.0);
+  const bool isArc = element.kind == ElementKind::Arc || element.startCurvature == element.endCurvature;
+  piece.kind = isLine ? ElementKind::Line : isArc ? ElementKind::Arc : ElementKind::Clothoid;
   piece.half = 0.5 * (to - from);
-  piece.station = station + 0.5 * (from + to);
+  piece.station = station + middle;
   piece.startStation = station + from;
   piece.endStation = station + to;
-  piece.middle = middle.point;
-  piece.tangent = unit(middle.direction);
-  if (piece.kind != ElementKind::Line) {
-    piece.curvature = element.curvatureAt(0.5 * (from + to));
-    piece.rate =
-        piece.kind == ElementKind::Arc ? 0.0 : (element.endCurvature - element.startCurvature) / element.length;
+  double turn = 0.0;
+  if (!isLine) {
+    piece.curvature = isArc ? element.startCurvature : element.curvatureAt(middle);
+    piece.rate = isArc ? 0.0 : (element.endCurvature - element.startCurvature) / element.length;
+    turn = middle * (element.startCurvature + 0.5 * piece.rate * middle);
   }
-  if (piece.kind == ElementKind::Arc && piece.curvature == 0.0) piece.kind = ElementKind::Line;
+  piece.tangent = unit(element.direction + turn);
   piece.series = ClothoidSeries(piece.curvature, piece.rate, piece.half);
   const ClothoidSeries::Local start = piece.series.at(-1.0);
   const ClothoidSeries::Local end = piece.series.at(1.0);
@@ -110,7 +107,9 @@ void AlignmentIndex::addPiece(const Element& element, double station, double fro
   piece.startTangent = start.tangent;
   piece.endPoint = end.point;
   piece.endTangent = end.tangent;
-  if (!isFinite(piece.middle) || !isFinite(piece.tangent) || !isFinite(start.point) || !isFinite(end.point)) return;
+  piece.middle = at - fromLocal(start.point, piece.tangent);
+  at = piece.middle + fromLocal(end.point, piece.tangent);
+  if (!isFinite(at) || !isFinite(start.tangent) || !isFinite(end.tangent)) return;
   pieces_.push_back(piece);
 }
 

@@ -37,7 +37,8 @@ struct Foot {
 
 class AlignmentIndex {
  public:
-  /// `stations` are those of the elements' starts. Elements without length or finite geometry are passed over.
+  /// `stations` are those of the elements' starts. Elements without length or finite geometry, and
+  /// those that turn by more than 30 circles, are passed over.
   AlignmentIndex(std::span<const Element> elements, std::span<const double> stations);
 
   [[nodiscard]] bool isEmpty() const { return pieces_.empty(); }
@@ -50,8 +51,6 @@ class AlignmentIndex {
  private:
   struct Piece {
     ElementKind kind = ElementKind::Line;
-    bool startsElement = false;
-    bool endsElement = false;
     bool joinsNext = false;  ///< the next piece starts where this one ends
     double half = 0.0;
     double station = 0.0;  ///< of the middle
@@ -83,7 +82,7 @@ class AlignmentIndex {
   };
 
   void addElement(const Element& element, double station);
-  void addPiece(const Element& element, double station, double from, double to);
+  void addPiece(const Element& element, double station, double from, double to, Vec2& at);
   void buildTree();
   [[nodiscard]] Capsule capsuleOf(const Piece& piece) const;
 
