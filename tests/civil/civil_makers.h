@@ -91,7 +91,7 @@ MATCHER_P3(IsStationOffset, station, offset, tolerance, "") {
     *result_listener << "has no station";
     return false;
   }
-  PrintTo(*arg, result_listener->stream() ? result_listener->stream() : &std::cerr);
+  if (result_listener->stream()) PrintTo(*arg, result_listener->stream());
   return std::abs(arg->station - station) <= tolerance && std::abs(arg->offset - offset) <= tolerance;
 }
 

@@ -101,6 +101,8 @@ struct ReferenceFoot {
   Real conditioning = 1;
   /// Distance of the next best local minimum at another station, less the best.
   Real margin = std::numeric_limits<Real>::infinity();
+  /// The same for places up to a millimetre away: elements that meet but for a rounding offer two feet at their joint.
+  Real marginBeside = std::numeric_limits<Real>::infinity();
 };
 
 class ReferenceAxis {
@@ -140,11 +142,12 @@ class ReferenceAxis {
     }
     ReferenceFoot best;
     for (const ReferenceFoot& foot : feet) {
-      if (foot.distance < best.distance - 1e-13L) best = foot;
+      if (foot.distance < best.distance) best = foot;
     }
     for (const ReferenceFoot& foot : feet) {
-      if (std::abs(foot.station - best.station) > 1e-3L)
-        best.margin = std::min(best.margin, foot.distance - best.distance);
+      const Real apart = std::abs(foot.station - best.station);
+      Real& margin = apart > 1e-3L ? best.margin : best.marginBeside;
+      if (apart > 1e-9L) margin = std::min(margin, foot.distance - best.distance);
     }
     return best;
   }
@@ -174,18 +177,19 @@ class ReferenceAxis {
     const Real distance = std::hypot(r.x, r.y);
     const Real ahead = r.x * r.cosine + r.y * r.sine;
     const Real left = r.y * r.cosine - r.x * r.sine;
+    const Real conditioning = std::abs(1 - elements_[e].curvatureAt(s) * left);
     const bool isFirst = e == 0 && s == 0;
     const bool isLast = e + 1 == elements_.size() && s != 0;
     if (isFirst || isLast) {
       const Real beyond = isFirst ? std::min<Real>(ahead, 0) : std::max<Real>(ahead, 0);
-      feet.push_back({distance, stations_[e] + s + beyond, -left});
+      feet.push_back({distance, stations_[e] + s + beyond, -left, conditioning});
       return;
     }
     const std::size_t other = s == 0 ? e - 1 : e + 1;
     const Real otherAngle = elements_[other].angleAt(s == 0 ? elements_[other].length() : 0);
     const Real bx = r.cosine + std::cos(otherAngle);
     const Real by = r.sine + std::sin(otherAngle);
-    feet.push_back({distance, stations_[e] + s, -std::copysign(distance, bx * r.y - by * r.x)});
+    feet.push_back({distance, stations_[e] + s, -std::copysign(distance, bx * r.y - by * r.x), conditioning});
   }
 
   std::vector<ReferenceElement> elements_;

@@ -283,8 +283,10 @@ std::optional<double> AlignmentIndex::footOnClothoid(const Piece& piece, Vec2 lo
     (slope < 0.0 ? low : high) = u;
     const double denominator = 2.0 * bend * bend - slope * third;
     double step = denominator != 0.0 ? -2.0 * slope * bend / denominator : kInfinity;
-    const double cubic = std::abs(step * step * step) *
-                         (curvature * curvature + (bend != 0.0 ? third * third / (bend * bend) : kInfinity));
+    // What a step leaves out: in the station, and in the offset.
+    const double ratio = bend != 0.0 ? third / bend : kInfinity;
+    const double cubic = std::abs(step * step * step) * (curvature * curvature + ratio * ratio +
+                                                         std::abs(piece.rate * bend) + std::abs(curvature * third));
     const bool isInside = u + step >= low && u + step <= high;
     if (isInside && cubic < 1e-12) {
       left = rest.y - 0.5 * curvature * bend * step * step;
@@ -421,14 +423,18 @@ std::optional<AlignmentIndex::Answer> AlignmentIndex::stationOffset(Vec2 absolut
   });
   if (!(best.distance < kInfinity)) return std::nullopt;
   if (second <= best.distance + slack) {
-    // Equal distances: again, for the smallest station among the minima that a rounding holds apart.
+    // Equal distances: again, for the smallest station among the minima that a rounding holds apart. An element's end
+    // beside a foot that lies a hair beyond it is no minimum, even where rounding brings it nearer.
     const double equal = best.distance + slack;
+    std::optional<Foot> earliest;
     limit = best.distance;
     forEachNear(point, limit, slack, [&](std::uint32_t piece) {
       forEachFoot(piece, point, [&](const Foot& foot) {
-        if (foot.distance <= equal && foot.station < best.station && isMinimumOfChain(foot, point)) best = foot;
+        if (!(foot.distance <= equal) || (earliest && foot.station >= earliest->station)) return;
+        if (isMinimumOfChain(foot, point)) earliest = foot;
       });
     });
+    if (earliest) best = *earliest;
   }
   return answer(best, point, 1e-12 + noise);
 }
