@@ -123,13 +123,15 @@ std::int32_t locate(const Mesh& mesh, Vec2 p) {
   return kNoLink;
 }
 
+/// Products of coordinates must not overflow. False for what isn't a number.
+bool isWorkable(double coordinate) { return std::abs(coordinate) <= 1e100; }
+
 void checkInput(std::span<const Vec3> points, std::span<const Triangle> triangles) {
-  constexpr double kLargest = 1e100;  // products of coordinates must not overflow
   if (triangles.size() >= kMostTriangles || points.size() > std::numeric_limits<std::int32_t>::max())
     throw std::invalid_argument("civil: a surface of " + std::to_string(triangles.size()) + " triangles and " +
                                 std::to_string(points.size()) + " points is too large");
   for (std::size_t i = 0; i < points.size(); ++i)
-    if (!(std::abs(points[i].x) <= kLargest && std::abs(points[i].y) <= kLargest && std::abs(points[i].z) <= kLargest))
+    if (!isWorkable(points[i].x) || !isWorkable(points[i].y) || !isWorkable(points[i].z))
       throw std::invalid_argument("civil: surface point " + std::to_string(i) + " isn't at a finite place");
   const auto isPoint = [&](std::int32_t corner) {
     return corner >= 0 && static_cast<std::size_t>(corner) < points.size();
@@ -167,7 +169,7 @@ class SegmentSampler {
   SegmentSampler(const Mesh& mesh, Vec2 a, Vec2 b, std::vector<Vec3>& samples)
       : mesh_(mesh), a_(a), b_(b), d_(b - a), square_(dot(d_, d_)), perSquare_(1.0 / square_), samples_(samples) {}
 
-  /// Whether the squared length is a number to work with.
+  /// Whether the length is more than a point's, so that places along the segment can be told.
   [[nodiscard]] bool hasLength() const { return square_ > 1e-290; }
 
   void sample() {
@@ -275,14 +277,16 @@ bool SegmentSampler::beginFurther() {
   double end = 1.0;
   const auto cut = [&](double start, double step, double low, double high) {
     if (step == 0.0) return;
-    const auto [enter, leave] = std::minmax((low - start) / step, (high - start) / step);
+    const auto [enter, leave] = std::minmax({(low - start) / step, (high - start) / step});
     begin = std::max(begin, enter);
     end = std::min(end, leave);
   };
   cut(a_.x, d_.x, mesh_.box.minX, mesh_.box.maxX);
   cut(a_.y, d_.y, mesh_.box.minY, mesh_.box.maxY);
 
+  constexpr double kShortestStep = 1e-12;  // a segment so long that doubles can't count such steps is gathered
   const double step = mesh_.grid.cellSize() * std::sqrt(perSquare_);
+  if (!(step > kShortestStep)) return false;
   for (double along = begin + step; along < end; along += step) {
     const Vec2 p = a_ + along * d_;
     if (mesh_.grid.triangleNear(p) < 0) continue;
@@ -489,7 +493,7 @@ std::span<const Triangle> TinSurface::triangles() const {
 }
 
 void TinSurface::sample(Vec2 a, Vec2 b, std::vector<Vec3>& samples) const {
-  if (isEmpty()) return;
+  if (isEmpty() || !isWorkable(a.x) || !isWorkable(a.y) || !isWorkable(b.x) || !isWorkable(b.y)) return;
   SegmentSampler sampler(*data_, a, b, samples);
   if (sampler.hasLength()) {
     sampler.sample();
@@ -499,7 +503,7 @@ void TinSurface::sample(Vec2 a, Vec2 b, std::vector<Vec3>& samples) const {
 }
 
 std::optional<double> TinSurface::elevationAt(Vec2 point) const {
-  if (isEmpty()) return std::nullopt;
+  if (isEmpty() || !isWorkable(point.x) || !isWorkable(point.y)) return std::nullopt;
   const Mesh& mesh = *data_;
   if (const std::int32_t triangle = locate(mesh, point); triangle >= 0)
     return elevationWithin(mesh.cornersAt(static_cast<std::size_t>(triangle)), point);

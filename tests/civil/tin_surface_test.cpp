@@ -319,11 +319,22 @@ TEST_F(OneTriangle, AppendsToWhatStandsAlready) {
   EXPECT_EQ(textOf(samples), "7,7,7 1,1,2 2,1,2.25");
 }
 
+TEST_F(OneTriangle, FindsTheGroundOfSegmentsFromFarAway) {
+  EXPECT_EQ(along(surface_, {-1e3, 1}, {1e3, 1}), "0,1,1.75 3,1,2.5");
+  // What lies closer than a billionth of the segment's length is one point: the first one, or at one place the highest.
+  for (const auto& [far, z] : {std::pair(1e10, 1.75), std::pair(1e15, 2.5), std::pair(1e40, 2.5)}) {
+    const auto samples = sampled(surface_, {-far, 1}, {far, 1});
+    ASSERT_EQ(samples.size(), 1U) << far;
+    EXPECT_EQ(samples[0].z, z) << far;
+  }
+}
+
 TEST_F(OneTriangle, GivesNothingForEndsThatAreNoNumbers) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double infinity = std::numeric_limits<double>::infinity();
   EXPECT_EQ(along(surface_, {nan, 1}, {2, 1}), "");
   EXPECT_EQ(along(surface_, {1, 1}, {infinity, 1}), "");
+  EXPECT_EQ(along(surface_, {1, 1}, {1e300, 1}), "") << "too far for any sign to be told";
   EXPECT_EQ(surface_.elevationAt({nan, nan}), std::nullopt);
 }
 
