@@ -77,6 +77,19 @@ class TinCollector {
     return mappedIndexOf(id);
   }
 
+  /// Calls `use(id, index)` for every point, in no order, before `addDeferred`.
+  template <class Use>
+  void eachId(Use use) const {
+    if (contiguous_) {
+      for (std::size_t i = 0; i < points.size(); ++i) use(firstId_ + static_cast<std::int64_t>(i), i);
+      return;
+    }
+    for (std::size_t id = 0; id < dense_.size(); ++id) {
+      if (dense_[id] >= 0) use(static_cast<std::int64_t>(id), static_cast<std::size_t>(dense_[id]));
+    }
+    for (const auto& [id, index] : sparse_) use(id, static_cast<std::size_t>(index));
+  }
+
   /// Notes a fault: counts it in `counter` and keeps line and text of the first.
   void note(std::size_t Faults::*counter, std::size_t line, const std::string& text);
 

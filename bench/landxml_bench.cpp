@@ -1,0 +1,113 @@
+// Reading a large drawing: the numbers of its points and faces alone, and the whole load with the surfaces' indices.
+//
+//   bench_landxml file=tin.xml [task=extract|load]
+//
+// One run a process, so that the peak memory is the task's own. `extract` prints the sums of all numbers, by which other
+// readers of the same file can be compared; `load` opens the drawing as the host does.
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <sys/resource.h>
+
+#include "landxml/detail/scanner.h"
+#include "landxml/reader.h"
+
+namespace {
+
+double megabytesAtPeak() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return static_cast<double>(usage.ru_maxrss) / 1024.0;
+}
+
+class Stopwatch {
+ public:
+  [[nodiscard]] double seconds() const {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+  }
+
+ private:
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+void extract(const std::string& path, double megabytes) {
+  using namespace lvx::landxml;
+  const Stopwatch watch;
+  const detail::ScannedDocument scanned = detail::scanDocument(detail::openFile(path), path, {});
+  const double seconds = watch.seconds();
+
+  double north = 0.0;
+  double east = 0.0;
+  double elevation = 0.0;
+  std::int64_t ids = 0;
+  std::int64_t corners = 0;
+  std::size_t points = 0;
+  std::size_t faces = 0;
+  std::size_t hidden = 0;
+  for (const auto& [offset, tin] : scanned.definitions) {
+    std::vector<std::int64_t> idOf(tin.points.size());
+    tin.eachId([&](std::int64_t id, std::size_t index) { idOf[index] = id; });
+    for (const auto& p : tin.points) north += p.y, east += p.x, elevation += p.z;
+    for (const std::int64_t id : idOf) ids += id;
+    for (const auto* const list : {&tin.triangles, &tin.invisible}) {
+      for (const auto& t : *list) {
+        corners += idOf[static_cast<std::size_t>(t.a)] + idOf[static_cast<std::size_t>(t.b)] +
+                   idOf[static_cast<std::size_t>(t.c)];
+      }
+    }
+    points += tin.points.size();
+    faces += tin.triangles.size() + tin.invisible.size();
+    hidden += tin.invisible.size();
+  }
+  std::printf(
+      "{\"peer\":\"lvx\",\"task\":\"xml_extract\",\"data\":\"%s\",\"mb\":%.6g,\"seconds\":%.6g,\"mb_per_s\":%.6g,"
+      "\"points\":%zu,\"faces\":%zu,\"sum_north\":%.17g,\"sum_east\":%.17g,\"sum_z\":%.17g,\"sum_id\":%lld,"
+      "\"sum_corner\":%lld,\"hidden\":%zu,\"rss_mb\":%.6g}\n",
+      path.c_str(), megabytes, seconds, megabytes / seconds, points, faces, north, east, elevation,
+      static_cast<long long>(ids), static_cast<long long>(corners), hidden, megabytesAtPeak());
+}
+
+void load(const std::string& path, double megabytes) {
+  const Stopwatch watch;
+  const lvx::civil::Drawing drawing = lvx::landxml::readDrawing(path);
+  const double seconds = watch.seconds();
+  std::size_t triangles = 0;
+  for (const auto& surface : drawing.surfaces) triangles += surface.surface.counts().triangles;
+  std::printf(
+      "{\"peer\":\"lvx\",\"task\":\"load\",\"data\":\"%s\",\"mb\":%.6g,\"seconds\":%.6g,\"mb_per_s\":%.6g,"
+      "\"surfaces\":%zu,\"faces\":%zu,\"rss_mb\":%.6g,\"rss_to_file\":%.4g}\n",
+      path.c_str(), megabytes, seconds, megabytes / seconds, drawing.surfaces.size(), triangles, megabytesAtPeak(),
+      megabytesAtPeak() * 1.048576 / megabytes);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::string path;
+  std::string task = "extract";
+  for (int i = 1; i < argc; ++i) {
+    const std::string argument = argv[i];
+    if (argument.starts_with("file=")) path = argument.substr(5);
+    if (argument.starts_with("task=")) task = argument.substr(5);
+  }
+  if (path.empty() || (task != "extract" && task != "load")) {
+    std::fprintf(stderr, "usage: bench_landxml file=DRAWING [task=extract|load]\n");
+    return 2;
+  }
+  try {
+    const double megabytes = static_cast<double>(std::filesystem::file_size(path)) / 1e6;
+    if (task == "extract")
+      extract(path, megabytes);
+    else
+      load(path, megabytes);
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "%s\n", e.what());
+    return 1;
+  }
+  return 0;
+}
