@@ -574,7 +574,7 @@ void Scanner::text(const Token& token) {
     if (!trimmed(token.raw).empty() || token.kind == Token::Kind::RawText) {
       fail(rootSeen_ ? "text stands behind the end of the root element"
                      : "not an XML file: it begins with '" + shown(trimmed(token.raw)) + "'",
-           file_, in_.lineAt(token.raw.data()));
+           file_, in_.lineAt(trimmed(token.raw).data()));
     }
     tokens_.dropped = true;
     return;

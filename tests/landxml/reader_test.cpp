@@ -1,0 +1,151 @@
+#include "drawing_text.h"
+
+namespace lvx::landxml::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+/// A drawing with every kind of object that we save.
+const std::string kDrawing = ours(R"(
+<Project name="p"><Feature code="lvx_sites" source="lvx">
+  <Feature name="Empty" code="lvx_site"><Property label="handle" value="11"/><Property label="desc" value="none"/></Feature>
+  <Feature code="lvx_site"><Property label="name" value="East"/><Property label="handle" value="10"/></Feature></Feature></Project>
+<CgPoints name="_All"><CgPoint name="1" code="TR" desc="Oak" featureRef="f">10 20 5</CgPoint><CgPoint name="2">30 40</CgPoint>
+  <Feature name="f" code="lvx_point"><Property label="name" value="Oak-A"/><Property label="handle" value="2A"/></Feature></CgPoints>
+<CgPoints name="Trees"><CgPoint pntRef="1"/><Feature code="lvx_pointGroup"><Property label="handle" value="25"/>
+  <Property label="desc" value="All trees"/></Feature></CgPoints>
+<Alignments name="East"><Alignment name="CL 1" length="100" staStart="100" desc="Main">
+  <StaEquation staInternal="150" staBack="150" staAhead="1150"/><StaEquation staInternal="160" staAhead="20" staIncrement="decreasing"/>
+  <CoordGeom><Line><Start>0 0</Start><End pntRef="e"/></Line></CoordGeom>
+  <Profile><ProfAlign name="FG"><PVI>100 50</PVI><PVI>200 60</PVI><Feature code="lvx_object"><Property label="handle" value="32"/></Feature></ProfAlign></Profile>
+  <CrossSects name="SL"><CrossSect sta="150" name="bent"><Feature code="lvx_sampleLine"><Property label="handle" value="41"/>
+    <Property label="vertices" value="60 -9 50 0 40 9"/></Feature></CrossSect><CrossSect sta="160"/>
+    <Feature code="lvx_sampleLineGroup"><Property label="handle" value="40"/><Property label="halfWidth" value="4"/></Feature></CrossSects>
+  <CrossSects name="S"><CrossSect sta="150" name="Culvert"><DesignCrossSectSurf name="Pave,Top%2C1"><CrossSectPnt code="ETW">-3 54.9</CrossSectPnt>
+    <CrossSectPnt code="Crown,C%25">0 55</CrossSectPnt></DesignCrossSectSurf><Feature code="lvx_section"><Property label="origin" value="computed"/></Feature></CrossSect>
+    <CrossSect sta="100"/><Feature code="lvx_corridorSections"><Property label="elevation" value="absolute"/></Feature></CrossSects>
+  <Feature code="lvx_object"><Property label="handle" value="30"/></Feature></Alignment></Alignments>
+<Alignments><Alignment name="Access" staStart="0" length="1"><CoordGeom><Line><Start name="e">100 0</Start><End>100 1</End></Line></CoordGeom>
+  <Feature code="lvx_object"><Property label="handle" value="30"/></Feature></Alignment></Alignments>
+<Surfaces><Surface name="EG" desc="ground"><Definition surfType="TIN"><Pnts><P id="1">0 0 1</P><P id="2">0 10 1</P><P id="3">10 0 1</P></Pnts>
+  <Faces><F>1 2 3</F></Faces></Definition><Feature code="lvx_object"><Property label="handle" value="60"/></Feature></Surface></Surfaces>
+<Roadways><Roadway name="Main" alignmentRefs="CL 1" desc="d"><Feature code="lvx_corridor"><Property label="handle" value="70"/>
+  <Feature name="B" code="lvx_baseline"><Property label="alignment" value="gone"/><Property label="alignmentHandle" value="30"/><Property label="profile" value="FG"/>
+    <Feature name="R1" code="lvx_region"><Property label="staStart" value="100"/><Property label="staEnd" value="200"/><Property label="crossSects" value="S"/>
+      <Property label="stations" value="100 150 200"/><Feature name="Culvert" code="lvx_addedStation"><Property label="sta" value="150"/></Feature>
+      <Feature name="Later" code="lvx_addedStation"><Property label="sta" value="175.5"/></Feature></Feature></Feature>
+  <Feature name="Lost" code="lvx_baseline"><Property label="alignment" value="gone"/></Feature></Feature></Roadway></Roadways>)");
+
+TEST(Reader, SitesStandAsListedWithTheEmptyOnes) {
+  const auto drawing = read(kDrawing);
+  ASSERT_EQ(drawing.sites.size(), 2U);
+  EXPECT_EQ(drawing.sites[0].name, "Empty");
+  EXPECT_EQ(drawing.sites[0].description, "none");
+  EXPECT_THAT(drawing.sites[0].alignments, IsEmpty());
+  EXPECT_EQ(drawing.sites[1].handle, 0x10U);
+  EXPECT_EQ(drawing.sites[1].alignments.at(0)->name, "CL 1");
+  EXPECT_EQ(drawing.siteless.alignments.at(0)->name, "Access");
+  EXPECT_EQ(drawing.linearUnit, "meter");
+}
+
+TEST(Reader, AlignmentHoldsStationsEquationsAndProfile) {
+  const auto drawing = read(kDrawing);
+  const auto& alignment = *drawing.sites.at(1).alignments.at(0);
+  EXPECT_EQ(alignment.description, "Main");
+  EXPECT_EQ(alignment.geometry.startStation(), 100.0);
+  EXPECT_EQ(alignment.geometry.endStation(), 200.0);
+  ASSERT_EQ(alignment.stationEquations.size(), 2U);
+  EXPECT_EQ(alignment.stationEquations[0].backStation, 150.0);
+  EXPECT_FALSE(alignment.stationEquations[1].backStation);
+  EXPECT_FALSE(alignment.stationEquations[1].increasing);
+  EXPECT_EQ(alignment.profiles.at(0).handle, 0x32U);
+  EXPECT_EQ(alignment.profiles[0].profile.elevationAt(150.0), 55.0);
+}
+
+TEST(Reader, SampleLinesKeepTheirVertices) {
+  const auto drawing = read(kDrawing);
+  const auto& groups = drawing.sites.at(1).alignments.at(0)->sampleLineGroups;
+  ASSERT_EQ(groups.size(), 1U);  // the corridor's sections are none
+  EXPECT_EQ(groups[0].handle, 0x40U);
+  EXPECT_THAT(groups[0].lines.at(0).vertices, ElementsAre(civil::Vec2{-9, 60}, civil::Vec2{0, 50}, civil::Vec2{9, 40}));
+  EXPECT_EQ(groups[0].lines.at(1).name, "0+160.000");
+  EXPECT_NEAR(groups[0].lines[1].vertices.at(0).x, -4.0, 1e-12);
+}
+
+TEST(Reader, PointsTakeNameAndHandleFromTheirFeature) {
+  const auto drawing = read(kDrawing);
+  ASSERT_EQ(drawing.points.size(), 2U);
+  EXPECT_EQ(drawing.points[0].name, "Oak-A");
+  EXPECT_EQ(drawing.points[0].handle, 0x2AU);
+  EXPECT_EQ(drawing.points[0].description, "TR");
+  EXPECT_EQ(drawing.points[0].fullDescription, "Oak");
+  EXPECT_EQ(drawing.points[0].position, (civil::Vec3{20, 10, 5}));
+  EXPECT_FALSE(drawing.points[1].hasElevation);
+  ASSERT_EQ(drawing.pointGroups.size(), 1U);  // _All is our store, not a group
+  EXPECT_EQ(drawing.pointGroups[0].description, "All trees");
+  EXPECT_THAT(drawing.pointGroups[0].numbers, ElementsAre(1));
+}
+
+TEST(Reader, CorridorHoldsSectionsAgainstTheProfile) {
+  const auto drawing = read(kDrawing);
+  ASSERT_EQ(drawing.corridors.size(), 1U);
+  const auto& corridor = drawing.corridors[0];
+  EXPECT_EQ(corridor.handle, 0x70U);
+  ASSERT_EQ(corridor.baselines.size(), 1U);
+  EXPECT_THAT(diagnosticsOf(drawing), HasSubstr("baseline 'Lost': its alignment 'gone' isn't in the drawing"));
+  EXPECT_EQ(corridor.baselines[0].alignment, drawing.sites[1].alignments[0].get());
+  EXPECT_EQ(corridor.baselines[0].profile, &drawing.sites[1].alignments[0]->profiles[0]);
+  const auto& region = corridor.baselines[0].regions.at(0);
+  EXPECT_THAT(region.stations, ElementsAre(100.0, 150.0, 175.5, 200.0));
+  EXPECT_EQ(region.pendingLabels, (std::map<double, std::string>{{175.5, "Later"}}));
+  ASSERT_EQ(region.sections.size(), 2U);
+  EXPECT_EQ(region.sections[0].station, 100.0);
+  const auto& section = region.sections[1];
+  EXPECT_EQ(section.origin, civil::SectionOrigin::Computed);
+  EXPECT_EQ(section.label, "Culvert");
+  EXPECT_THAT(section.parts.at(0).codes, ElementsAre("Pave", "Top,1"));
+  EXPECT_THAT(section.parts[0].points.at(1).codes, ElementsAre("Crown", "C%"));
+  EXPECT_NEAR(section.parts[0].points[0].elevation, -0.1, 1e-12);
+}
+
+TEST(Reader, RepeatedHandleStaysWithTheFirstAndOthersCountFrom100) {
+  const auto drawing = read(kDrawing);
+  EXPECT_EQ(drawing.sites.at(1).alignments.at(0)->handle, 0x30U);
+  EXPECT_THAT(diagnosticsOf(drawing), HasSubstr("handle 30 stands twice; the first object keeps it"));
+  EXPECT_EQ(drawing.points.at(1).handle, 0x100U);
+  EXPECT_EQ(drawing.sites[1].alignments[0]->sampleLineGroups.at(0).lines.at(1).handle, 0x101U);
+  EXPECT_EQ(drawing.siteless.alignments.at(0)->handle, 0x102U);
+}
+
+TEST(Reader, PrefixesChangeNothing) {
+  std::string prefixed;
+  for (std::size_t i = 0; i < kDrawing.size(); ++i) {
+    prefixed += kDrawing[i];
+    if (kDrawing[i] != '<') continue;
+    if (kDrawing[i + 1] == '/') prefixed += kDrawing[++i];
+    prefixed += "lx:";
+  }
+  prefixed.replace(0, 11, "<lx:LandXML xmlns:lx=\"http://www.landxml.org/schema/LandXML-1.2\"");
+  const auto plain = read(kDrawing);
+  const auto drawing = read(prefixed);
+  EXPECT_EQ(diagnosticsOf(drawing), diagnosticsOf(plain));
+  EXPECT_EQ(drawing.points.size(), plain.points.size());
+  EXPECT_EQ(drawing.surfaces.at(0).surface.counts().triangles, 1U);
+  EXPECT_EQ(drawing.corridors.at(0).baselines.size(), 1U);
+}
+
+TEST(Reader, DiagnosticsGiveTheFilesOwnLines) {
+  const auto drawing =
+      read("<?xml version=\"1.0\"?>\n<!-- a\nb -->\n<LandXML>\n<Units><Metric linearUnit=\"meter\"/></Units>\n" +
+           std::string(
+               "<Surfaces><Surface name=\"T\"><SourceData>\n\n</SourceData><Definition><Pnts>\n<P id=\"1\">1 2 3</P>\n"
+               "</Pnts><Faces>\n</Faces></Definition></Surface></Surfaces>\n<Alignments>\n<Alignment name=\"A\" "
+               "staStart=\"x\"/>"
+               "</Alignments></LandXML>"));
+  EXPECT_THAT(diagnosticsOf(drawing), HasSubstr("13: alignment 'A': staStart 'x' is not a number"));
+}
+
+}  // namespace
+}  // namespace lvx::landxml::testing
