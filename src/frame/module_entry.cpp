@@ -62,10 +62,14 @@ class CLVX_MirelReportApp final : public VnRxVmxApp {
 
 /// What a command leaves to the module's unloading.
 struct ModuleWideReferences {
-  ModuleWideReferences() = default;
+  /// Touches both once, so that they are built before this object and still stand when it is destroyed.
+  ModuleWideReferences() { letGo(); }
   ModuleWideReferences(const ModuleWideReferences&) = delete;
   ModuleWideReferences& operator=(const ModuleWideReferences&) = delete;
-  ~ModuleWideReferences() {
+  ~ModuleWideReferences() { letGo(); }
+
+ private:
+  static void letGo() {
     host::disconnectRoadway();
     services::releaseMessages();
   }
