@@ -1,6 +1,7 @@
 #include "cli/command_line_front_end.h"
 
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "cli/terminal.h"
@@ -53,7 +54,10 @@ const char* words(Refusal refusal) {
   return "refuses";
 }
 
-bool isYes(const std::string& answer) { return !answer.empty() && (answer[0] == 'y' || answer[0] == 'Y'); }
+/// The questions come in the language of the message file, so its letter counts too.
+bool isYes(const std::string& answer) {
+  return !answer.empty() && std::string_view("yYjJ").find(answer[0]) != std::string_view::npos;
+}
 
 }  // namespace
 

@@ -218,6 +218,31 @@ TEST_F(LvxhostTest, KeepsWhatExistsUnlessToldOtherwise) {
   EXPECT_NE(fileBytes(stem() + ".txt"), "former");
 }
 
+TEST_F(LvxhostTest, AsksOnATerminalForEachFile) {
+  for (const char* form : {"txt", "xls", "html"}) put(form, "former");
+  request_.program = kProgram;
+  request_.arguments = {"projection", kDrawing,    "--alignment", "Axis",  "--group",
+                        "Lines",      "--surface", "Ground",      "--out", stem()};
+  const RunResult result = test::runOnTerminal(request_, "[y/N] ", {"y", "n", ""});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.output, HasSubstr(stem() + ".txt already exists"));
+  EXPECT_NE(fileBytes(stem() + ".txt"), "former");
+  EXPECT_EQ(fileBytes(stem() + ".xls"), "former");
+  EXPECT_EQ(fileBytes(stem() + ".html"), "former");
+}
+
+TEST_F(LvxhostTest, AWorkbookThatCantBeOpenedMayBeTriedAgainOnATerminal) {
+  fs::create_directory(stem() + ".xls");
+  request_.program = kProgram;
+  request_.arguments = {"projection", kDrawing, "--alignment", "Axis",    "--group",  "Lines",      "--surface",
+                        "Ground",     "--out",  stem(),        "--forms", "xls,html", "--overwrite"};
+  const RunResult result = test::runOnTerminal(request_, "[y/N] ", {"y", "n"});
+  EXPECT_EQ(result.exitCode, 1);
+  const std::string asked = stem() + ".xls ";
+  EXPECT_NE(result.output.find(asked, result.output.find(asked) + 1), std::string::npos) << result.output;
+  EXPECT_TRUE(written("html"));
+}
+
 TEST_F(LvxhostTest, AMissingFolderIsToldAndNothingIsWritten) {
   const RunResult result = run({"projection", kDrawing, "--alignment", "Axis", "--group", "Lines", "--surface",
                                 "Ground", "--out", (folder_ / "nowhere").string() + "/road"});

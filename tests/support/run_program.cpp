@@ -1,5 +1,7 @@
 #include "support/run_program.h"
 
+#include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -7,6 +9,7 @@
 #include <system_error>
 
 #include <fcntl.h>
+#include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,6 +21,33 @@ void redirect(const std::string& path, int descriptor, int flags) {
   const int opened = ::open(path.c_str(), flags, 0600);
   if (opened < 0 || ::dup2(opened, descriptor) < 0) ::_exit(127);
   ::close(opened);
+}
+
+/// Turns this process into the program. The environment is changed here, between fork and exec: tests have one thread.
+[[noreturn]] void become(const RunRequest& request) {
+  for (const auto& [name, value] : request.environment) {
+    if (value.empty())
+      ::unsetenv(name.c_str());
+    else
+      ::setenv(name.c_str(), value.c_str(), 1);
+  }
+  if (!request.folder.empty() && ::chdir(request.folder.c_str()) != 0) ::_exit(127);
+  std::string program = request.program.string();
+  std::vector<std::string> arguments = request.arguments;
+  std::vector<char*> pointers{program.data()};
+  for (std::string& argument : arguments) pointers.push_back(argument.data());
+  pointers.push_back(nullptr);
+  ::execv(program.c_str(), pointers.data());
+  ::_exit(127);
+}
+
+int exitCodeOf(pid_t child) {
+  constexpr int kBySignal = 128;
+  int status = 0;
+  while (::waitpid(child, &status, 0) < 0) {
+    if (errno != EINTR) throw std::runtime_error("lost a process");
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : kBySignal + WTERMSIG(status);
 }
 
 }  // namespace
@@ -46,7 +76,6 @@ RunResult runProgram(const RunRequest& request) {
   const std::string outputPath = request.outputTo.empty() ? (capture / "output").string() : request.outputTo;
   const std::string errorsPath = (capture / "errors").string();
 
-  // The environment is changed in the child alone, by setenv between fork and exec: the tests have one thread.
   const pid_t child = ::fork();
   if (child < 0) throw std::runtime_error("can't start a process");
   if (child == 0) {
@@ -56,30 +85,36 @@ RunResult runProgram(const RunRequest& request) {
       ::close(STDOUT_FILENO);
     else
       redirect(outputPath, STDOUT_FILENO, O_WRONLY | O_CREAT | (request.outputTo.empty() ? O_TRUNC : 0));
-    for (const auto& [name, value] : request.environment) {
-      if (value.empty())
-        ::unsetenv(name.c_str());
-      else
-        ::setenv(name.c_str(), value.c_str(), 1);
-    }
-    if (!request.folder.empty() && ::chdir(request.folder.c_str()) != 0) ::_exit(127);
-    std::string program = request.program.string();
-    std::vector<std::string> arguments = request.arguments;
-    std::vector<char*> pointers{program.data()};
-    for (std::string& argument : arguments) pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-    ::execv(program.c_str(), pointers.data());
-    ::_exit(127);
-  }
-  int status = 0;
-  while (::waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) throw std::runtime_error("lost a process");
+    become(request);
   }
   RunResult result;
-  constexpr int kBySignal = 128;
-  result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : kBySignal + WTERMSIG(status);
+  result.exitCode = exitCodeOf(child);
   if (request.outputTo.empty() && !request.closeOutput) result.output = fileBytes(outputPath);
   result.errors = fileBytes(errorsPath);
+  return result;
+}
+
+RunResult runOnTerminal(const RunRequest& request, const std::string& question, std::vector<std::string> answers) {
+  int terminal = -1;
+  const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+  if (child < 0) throw std::runtime_error("can't start a process on a terminal");
+  if (child == 0) become(request);
+  RunResult result;
+  std::size_t answered = 0;
+  std::size_t searchFrom = 0;
+  for (std::array<char, 4096> buffer{};;) {
+    const ssize_t count = ::read(terminal, buffer.data(), buffer.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) break;  // the program is gone and with it the terminal's other end
+    result.output.append(buffer.data(), static_cast<std::size_t>(count));
+    const std::size_t found = result.output.find(question, searchFrom);
+    if (found == std::string::npos || answered == answers.size()) continue;
+    searchFrom = found + question.size();
+    const std::string line = answers[answered++] + "\n";
+    if (::write(terminal, line.data(), line.size()) < 0) break;
+  }
+  ::close(terminal);
+  result.exitCode = exitCodeOf(child);
   return result;
 }
 

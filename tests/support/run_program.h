@@ -31,6 +31,11 @@ struct RunResult {
 /// Runs a program to its end with nothing on its standard input. Throws std::runtime_error where it can't be started.
 [[nodiscard]] RunResult runProgram(const RunRequest& request);
 
+/// The same on a terminal, where a person answers: each time the program waits behind `question`, the next answer is
+/// typed. `output` is everything that the terminal showed; `outputTo` and `closeOutput` don't apply.
+[[nodiscard]] RunResult runOnTerminal(const RunRequest& request, const std::string& question,
+                                      std::vector<std::string> answers);
+
 /// A whole file; throws std::runtime_error where it can't be read.
 [[nodiscard]] std::string fileBytes(const std::filesystem::path& path);
 
