@@ -7,6 +7,7 @@
 #include "cli/info_command.h"
 #include "cli/interruption.h"
 #include "cli/options.h"
+#include "cli/play_command.h"
 #include "cli/projection_command.h"
 #include "cli/terminal.h"
 #include "runtime/open_drawing.h"
@@ -17,7 +18,8 @@ namespace {
 constexpr const char* kExitCodes =
     "Exit codes: 0 everything asked for was written; 1 something was not, said on standard error; 2 usage; 3 the "
     "drawing "
-    "can't be read or saved; 4 a name isn't in the drawing or stands in several sites; 70 the command ended by an "
+    "can't be read or saved; 4 a name isn't in the drawing or stands in several sites; 5 a script doesn't fit what the "
+    "command waits for; 70 the command ended by an "
     "exception; 130 interrupted.";
 
 std::string checkForms(const std::string& given) {
@@ -102,10 +104,34 @@ void addProjection(CLI::App& app, ProjectionOptions& options) {
       "      an alignment outside any site, two forms, into the current folder\n");
 }
 
+void addPlay(CLI::App& app, PlayOptions& options) {
+  app.add_option("DRAWING", options.drawing, "LandXML file")->required();
+  app.add_option("SCRIPT", options.script, "JSON array of what a user does")->required();
+  app.add_flag("--check", options.checks, "Also report what the module didn't give back to its host");
+  app.footer(
+      "Actions, taken one by one by whatever waits:\n"
+      "  {\"command\": \"lvx_Report_Que\"}               start a command\n"
+      "  {\"select\": 261, \"row\": 0}                   select a row of a list, or by its \"text\"\n"
+      "  {\"type\": 100, \"text\": \"out/road\"}          type into an edit box\n"
+      "  {\"tick\": 275, \"on\": false}                 tick a check box or not\n"
+      "  {\"click\": 1}   {\"close\": true}             press a button; close the dialog by its mark\n"
+      "  {\"pick\": \"1F4\"}   {\"escape\": true}         pick an object by its handle; give up a pick\n"
+      "  {\"pick\": {\"name\": \"Ground\", \"class\": \"QMT_TIN_SURFACE\"}}\n"
+      "  {\"pickPoints\": [1, 5]}                     select points by their numbers\n"
+      "  {\"file\": \"out/road.html\"}                 answer the file box; null cancels it\n"
+      "  {\"answer\": \"yes\"}                         answer a message box: ok, cancel, yes, no, retry\n"
+      "  {\"snapshot\": true}                        show the open dialog once more\n"
+      "The transcript has one JSON event a line: dialog, changed, closed, box, prompt, console, filebox, help,\n"
+      "written, unwritten, removed, exception, misuse, end.\n"
+      "Example:\n"
+      "  lvxhost play examples/valley-road.xml examples/scripts/plain-run.json\n");
+}
+
 int run(int argc, char** argv) {
   CommonOptions common;
   InfoOptions info;
   ProjectionOptions projection;
+  PlayOptions play;
 
   CLI::App app("lvxhost opens LandXML drawings and runs the road reports on them, without windows.", "lvxhost");
   app.set_version_flag("--version", "lvxhost " LVX_VERSION);
@@ -122,6 +148,9 @@ int run(int argc, char** argv) {
       app.add_subcommand("projection", "Write the profile projection report: the ground across an alignment");
   addProjection(*projectionCommand, projection);
   addCommonOptions(*projectionCommand, common);
+  CLI::App* playCommand = app.add_subcommand("play", "Run commands by a script of what a user does");
+  addPlay(*playCommand, play);
+  addCommonOptions(*playCommand, common);
 
   try {
     app.parse(argc, argv);
@@ -133,7 +162,10 @@ int run(int argc, char** argv) {
   if (common.overwrite && common.keep) throw Failure(kUsage, "--overwrite and --keep exclude each other");
   projection.siteGiven = projectionCommand->count("--site") > 0;
 
-  const ExitCode code = infoCommand->parsed() ? runInfo(common, info) : runProjection(common, projection);
+  ExitCode code = kDone;
+  if (infoCommand->parsed()) code = runInfo(common, info);
+  if (projectionCommand->parsed()) code = runProjection(common, projection);
+  if (playCommand->parsed()) code = runPlay(common, play);
   finishOutput();
   return code;
 }

@@ -51,4 +51,10 @@ struct ProjectionOptions {
   std::string stem;
 };
 
+struct PlayOptions {
+  std::string drawing;
+  std::string script;
+  bool checks = false;
+};
+
 }  // namespace lvx::cli

@@ -13,7 +13,6 @@
 #include "cli/installation.h"
 #include "cli/name_lookup.h"
 #include "cli/terminal.h"
-#include "runtime/module_loader.h"
 #include "runtime/standin_host.h"
 
 namespace lvx::cli {
@@ -144,8 +143,7 @@ ExitCode runProjection(const CommonOptions& common, const ProjectionOptions& opt
   host->open(std::move(drawing));
   std::string endedBy;
   try {
-    const auto module =
-        runtime::LoadedModule::load(common.module.empty() ? moduleFile() : std::filesystem::path(common.module));
+    const auto module = host->loadModule(common.module.empty() ? moduleFile() : std::filesystem::path(common.module));
     try {
       runCommand(*host, L"lvx_Report_Que");
     } catch (const runtime::Interrupted&) {

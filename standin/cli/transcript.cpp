@@ -1,7 +1,5 @@
 #include "cli/transcript.h"
 
-#include <ostream>
-
 #include "platform/posix/posix_platform.h"
 
 namespace lvx::cli {
@@ -65,7 +63,7 @@ const char* iconName(host::BoxIcon icon) {
 
 void Transcript::write(const Json& event) {
   // Texts of a drawing may hold anything; what is no UTF-8 shows as the replacement character.
-  out_ << event.dump(-1, ' ', false, Json::error_handler_t::replace) << std::endl;
+  write_(event.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
 Transcript::Json Transcript::controlState(const runtime::DialogState::Control& control) {

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <iosfwd>
+#include <functional>
 #include <map>
 #include <string>
+#include <string_view>
 
 #include <nlohmann/json.hpp>
 
@@ -12,10 +13,11 @@
 
 namespace lvx::cli {
 
-/// What happened while a script ran: JSON Lines, one event a line, each flushed as it stands.
+/// What happened while a script ran: JSON Lines, one event a line.
 class Transcript {
  public:
-  explicit Transcript(std::ostream& out) : out_(out) {}
+  /// `write` gets each line as it happens, with its line end.
+  explicit Transcript(std::function<void(std::string_view line)> write) : write_(std::move(write)) {}
 
   /// The whole state of an open dialog: title, and each control's text, rows, row, ticked, enabled, as far as its kind
   /// has them.
@@ -41,7 +43,7 @@ class Transcript {
   void write(const Json& event);
   static Json controlState(const runtime::DialogState::Control& control);
 
-  std::ostream& out_;
+  std::function<void(std::string_view)> write_;
   std::map<int, Json> shown_;
 };
 

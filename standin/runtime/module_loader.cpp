@@ -1,7 +1,9 @@
 #include "runtime/module_loader.h"
 
 #include <cstdint>
+#include <cstdio>
 #include <sstream>
+#include <utility>
 
 #include <dlfcn.h>
 
@@ -63,24 +65,37 @@ struct LoadedModule::Guard {
   Guard& operator=(const Guard&) = delete;
   /// The opposite of loading: unload message, then the library, whose own objects leave with it.
   ~Guard() {
-    if (!initialised) return;
+    if (initialised) {
+      if (drawingLoaded) send(kUnloadDrawingMessage);
+      send(kUnloadMessage);
+    }
+    if (initialising && forget) forget(this);
+  }
+
+  /// A message on the way out. The module goes whatever it raises, and its library is detached next; the one who ends it
+  /// reads about it on standard error.
+  void send(std::uint32_t message) noexcept {
     try {
-      entry(kUnloadMessage, this);
-    } catch (...) {
-      // The module is going whatever it raises; its library is detached next, and there is nobody left to tell.
-      initialised = false;
+      entry(message, this);
+    } catch (const std::exception& exception) {
+      std::fprintf(stderr, "module: %s: raised an exception while it was unloaded: %s\n", file.c_str(),
+                   exception.what());
     }
   }
 
   std::unique_ptr<void, LibraryCloser> library;
   std::filesystem::path file;
   EntryPoint entry = nullptr;
+  std::function<void(const void*)> forget;
+  bool initialising = false;
   bool initialised = false;
+  bool drawingLoaded = false;
 };
 
-LoadedModule LoadedModule::load(const std::filesystem::path& file) {
+LoadedModule LoadedModule::load(const std::filesystem::path& file, std::function<void(const void*)> forget) {
   auto guard = std::make_unique<Guard>();
   guard->file = file;
+  guard->forget = std::move(forget);
   std::error_code error;
   if (!std::filesystem::exists(file, error)) fail(file, "there is no such file");
   if (!std::filesystem::is_regular_file(file, error)) fail(file, "it is no file");
@@ -97,6 +112,7 @@ LoadedModule LoadedModule::load(const std::filesystem::path& file) {
     fail(file, "it was built for interface version " + hex(built) + ", this host offers " + hex(kApiVersion));
 
   std::int32_t answer = 0;
+  guard->initialising = true;
   try {
     answer = guard->entry(kInitMessage, guard.get());
   } catch (const std::exception& exception) {
@@ -114,8 +130,11 @@ LoadedModule& LoadedModule::operator=(LoadedModule&&) noexcept = default;
 LoadedModule::~LoadedModule() = default;
 
 const std::filesystem::path& LoadedModule::file() const { return guard_->file; }
-void LoadedModule::drawingLoaded() { guard_->entry(kLoadDrawingMessage, guard_.get()); }
-void LoadedModule::drawingUnloading() { guard_->entry(kUnloadDrawingMessage, guard_.get()); }
+const void* LoadedModule::appId() const { return guard_.get(); }
+void LoadedModule::drawingLoaded() {
+  guard_->entry(kLoadDrawingMessage, guard_.get());
+  guard_->drawingLoaded = true;
+}
 std::int32_t LoadedModule::send(std::uint32_t message) { return guard_->entry(message, guard_.get()); }
 
 }  // namespace lvx::runtime

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -17,8 +19,8 @@ class ModuleError : public std::runtime_error {
 /// Destroying it sends the unload message and detaches the library; what fails on the way in is unwound in the same
 /// order.
 ///
-/// A module is told of drawings by `drawingLoaded` and `drawingUnloading`. The host must stand behind vnrxHost() for as
-/// long as the module is loaded.
+/// StandinHost::loadModule is the usual way to one. The host must stand behind vnrxHost() for as long as the module is
+/// loaded.
 class LoadedModule {
  public:
   /// The interface version that this host offers.
@@ -26,15 +28,19 @@ class LoadedModule {
 
   /// Throws ModuleError for a file that is missing, no module, of another interface version, or lacks its companion;
   /// and where its init doesn't answer 0 or raises.
-  [[nodiscard]] static LoadedModule load(const std::filesystem::path& file);
+  /// `forget` is told the module's id once it is unloaded, and where its load failed after its init had begun.
+  [[nodiscard]] static LoadedModule load(const std::filesystem::path& file,
+                                         std::function<void(const void* appId)> forget = {});
 
   LoadedModule(LoadedModule&&) noexcept;
   LoadedModule& operator=(LoadedModule&&) noexcept;
   ~LoadedModule();
 
   [[nodiscard]] const std::filesystem::path& file() const;
+  /// The id by which the host and the module speak of it.
+  [[nodiscard]] const void* appId() const;
+  /// Tells the module that a drawing is open; the opposite is sent by itself before the module is unloaded.
   void drawingLoaded();
-  void drawingUnloading();
   /// Sends any message, for tests of the module's own answers.
   std::int32_t send(std::uint32_t message);
 

@@ -43,6 +43,12 @@ void StandinHost::close() {
   connected_ = false;
 }
 
+LoadedModule StandinHost::loadModule(const std::filesystem::path& file) {
+  LoadedModule module = LoadedModule::load(file, [this](const void* appId) { linker_.forget(appId); });
+  if (drawing_) module.drawingLoaded();
+  return module;
+}
+
 std::unique_ptr<host::Sheet> StandinHost::createSheet() {
   return std::make_unique<ObservedSheet>(std::make_unique<workbook::WorkbookSheet>(), journal_, options_.onSheetFailure,
                                          options_.isInterrupted);

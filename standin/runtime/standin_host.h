@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
@@ -12,6 +13,7 @@
 #include "runtime/file_journal.h"
 #include "runtime/front_end.h"
 #include "runtime/host_services.h"
+#include "runtime/module_loader.h"
 #include "runtime/observed_platform.h"
 #include "runtime/observed_sheet.h"
 #include "runtime/open_drawing.h"
@@ -48,6 +50,8 @@ class StandinHost final : public host::Host, public CompanionAccess {
   /// Opens a drawing as the current document; one that was open is closed first.
   void open(civil::Drawing drawing);
   void close();
+  /// Loads a module into this host and tells it of the open drawing. It must go before the host does. Throws ModuleError.
+  [[nodiscard]] LoadedModule loadModule(const std::filesystem::path& file);
   /// The open drawing, or empty.
   [[nodiscard]] const OpenDrawingRef& openDrawing() const { return drawing_; }
 

@@ -1,0 +1,99 @@
+#include "cli/play_command.h"
+
+#include <exception>
+#include <fstream>
+#include <iterator>
+#include <utility>
+
+#include "cli/drawing_file.h"
+#include "cli/failure.h"
+#include "cli/host_setup.h"
+#include "cli/installation.h"
+#include "cli/script_front_end.h"
+#include "cli/terminal.h"
+#include "platform/posix/posix_platform.h"
+#include "runtime/command_runner.h"
+
+namespace lvx::cli {
+
+namespace {
+
+std::vector<ScriptAction> readScript(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  if (!file.is_open() || file.bad()) throw Failure(kUsage, "script: can't read '" + path + "'");
+  try {
+    return parseScript(text, path);
+  } catch (const ScriptError& error) {
+    throw Failure(kUsage, error.what());
+  }
+}
+
+/// What left a command, in words; what isn't the command's own doing goes on.
+std::string wordsFor(const std::exception_ptr& exception) {
+  try {
+    std::rethrow_exception(exception);
+  } catch (const ScriptMismatch&) {
+    throw;
+  } catch (const runtime::Interrupted&) {
+    throw;
+  } catch (const std::exception& error) {
+    return error.what();
+  } catch (...) {
+    return "an exception of unknown kind";
+  }
+}
+
+/// Plays the whole script; true where every command ended by itself and did nothing wrong.
+bool play(runtime::StandinHost& host, ScriptFrontEnd& frontEnd, Transcript& transcript, bool checks) {
+  bool clean = true;
+  runtime::CommandRunner runner(host, checks);
+  while (const auto command = frontEnd.nextCommand()) {
+    const runtime::CommandOutcome outcome = runner.run(platform::fromUtf8(*command));
+    if (!outcome.found) throw ScriptMismatch("script: the module has no command '" + *command + "'");
+    if (outcome.exception) {
+      transcript.exception(wordsFor(outcome.exception));
+      clean = false;
+    }
+    for (const std::string& misuse : outcome.misuse) transcript.misuse(misuse);
+    clean = clean && outcome.misuse.empty();
+    transcript.end(*command);
+  }
+  for (const std::string& misuse : runner.takeOutsideCalls()) {
+    transcript.misuse(misuse);
+    clean = false;
+  }
+  return clean;
+}
+
+}  // namespace
+
+ExitCode runPlay(const CommonOptions& common, const PlayOptions& options) {
+  std::vector<ScriptAction> actions = readScript(options.script);
+  Transcript transcript(print);
+  ScriptFrontEnd frontEnd(std::move(actions), transcript);
+  const auto host = makeHost(frontEnd, common);
+  civil::Drawing drawing = loadDrawing(options.drawing, common.progressMode());
+  if (!common.quiet) tellDiagnostics(drawing);
+
+  bool allWritten = true;
+  host->journal().listener = [&transcript, &allWritten](const runtime::FileEvent& event) {
+    transcript.file(event);
+    allWritten = allWritten && event.fate != runtime::FileFate::Failed;
+  };
+  host->open(std::move(drawing));
+  frontEnd.setDrawing(&host->openDrawing()->drawing());
+  bool clean = true;
+  try {
+    const auto module = host->loadModule(common.module.empty() ? moduleFile() : std::filesystem::path(common.module));
+    clean = play(*host, frontEnd, transcript, options.checks);
+  } catch (const runtime::ModuleError& error) {
+    throw Failure(kNotWritten, error.what());
+  } catch (const ScriptMismatch& error) {
+    throw Failure(kScriptMismatch, error.what());
+  }
+  if (!clean) return kException;
+  return allWritten ? kDone : kNotWritten;
+}
+
+}  // namespace lvx::cli

@@ -1,0 +1,169 @@
+// The example scripts through the real program: every list, selection, box and prompt of each transcript is golden.
+#include <filesystem>
+#include <fstream>
+#include <regex>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/golden.h"
+#include "support/run_program.h"
+
+namespace lvx {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+/// A transcript without the size of workbooks, which is up to the compression library.
+std::string withoutWorkbookSizes(const std::string& transcript) {
+  static const std::regex kSize(R"re((\.xls","bytes":)[1-9][0-9]*)re");
+  return std::regex_replace(transcript, kSize, "$1\"some\"");
+}
+
+testing::AssertionResult matchesTranscript(const test::RunResult& result, const std::string& golden) {
+  return test::matchesGolden(withoutWorkbookSizes(result.output), golden);
+}
+
+class PlayTest : public testing::Test {
+ protected:
+  PlayTest() { std::filesystem::create_directory(folder_ / "out"); }
+
+  test::RunResult play(const std::filesystem::path& script, std::vector<std::string> more = {}) const {
+    std::vector<std::string> arguments{"play", LVX_SOURCE_DIR "/examples/valley-road.xml", script.string(), "--check",
+                                       "--quiet"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    test::RunRequest request;
+    request.program = LVX_BIN_DIR "/lvxhost";
+    request.arguments = std::move(arguments);
+    request.environment = {{"SOURCE_DATE_EPOCH", "1767225600"}};
+    request.folder = folder_.path();
+    return test::runProgram(request);
+  }
+  test::RunResult playExample(const std::string& name, std::vector<std::string> more = {}) const {
+    return play(LVX_SOURCE_DIR "/examples/scripts/" + name + ".json", std::move(more));
+  }
+  test::RunResult playText(const std::string& json) const {
+    std::ofstream(folder_ / "script.json") << json;
+    return play(folder_ / "script.json");
+  }
+  [[nodiscard]] bool stands(const std::string& name) const { return std::filesystem::exists(folder_ / name); }
+  void make(const std::string& name) const { std::ofstream(folder_ / name) << "old"; }
+
+  test::TemporaryFolder folder_;
+};
+
+TEST_F(PlayTest, PlainRunWritesAllThreeForms) {
+  const test::RunResult result = playExample("plain-run");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/plain-run/transcript.jsonl"));
+  for (const char* form : {"out/road.txt", "out/road.xls", "out/road.html"}) EXPECT_TRUE(stands(form)) << form;
+}
+
+TEST_F(PlayTest, PicksAndAnEscapeLeadBackToTheDialogWithItsSelections) {
+  const test::RunResult result = playExample("picks-and-escape");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/picks-and-escape/transcript.jsonl"));
+  EXPECT_FALSE(stands("out/picked.xls"));
+}
+
+TEST_F(PlayTest, AWrongClassShowsItsErrorBoxAndPromptsAgain) {
+  const test::RunResult result = playExample("wrong-class-pick");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/wrong-class-pick/transcript.jsonl"));
+}
+
+TEST_F(PlayTest, OverwritingIsAskedForEachFormAndAnsweredBothWays) {
+  const test::RunResult result = playExample("overwrite");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/overwrite/transcript.jsonl"));
+}
+
+TEST_F(PlayTest, AWorkbookThatCannotBeWrittenIsTriedAgainUntilCancel) {
+  std::filesystem::create_directories(folder_ / "out/held.xls/in the way");
+  const test::RunResult result = playExample("retry-box");
+  EXPECT_TRUE(matchesTranscript(result, "scripts/retry-box/transcript.jsonl"));
+  EXPECT_TRUE(stands("out/held.html")) << "the page comes all the same";
+}
+
+TEST_F(PlayTest, AStemWithoutAFolderIsTheOnePathFailureThatIsTold) {
+  const test::RunResult result = playExample("stem-without-folder");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/stem-without-folder/transcript.jsonl"));
+  EXPECT_FALSE(stands("road.txt"));
+}
+
+TEST_F(PlayTest, AMissingFolderEndsTheCommandWithoutAWord) {
+  const test::RunResult result = playExample("missing-folder");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/missing-folder/transcript.jsonl"));
+}
+
+TEST_F(PlayTest, TheFileBoxCutsTheKnownExtensionsAndKeepsTheOthers) {
+  const test::RunResult result = playExample("file-box");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/file-box/transcript.jsonl"));
+}
+
+TEST_F(PlayTest, TheHelpButtonShowsThePageOfItsDialog) {
+  const test::RunResult result = playExample("help-button");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/help-button/transcript.jsonl"));
+}
+
+TEST_F(PlayTest, AChangeOfAlignmentLeavesTheGroupUnselectedWhileOkStaysEnabled) {
+  const test::RunResult result = playExample("change-of-alignment", {"--forms", "txt"});
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/change-of-alignment/transcript.jsonl"));
+}
+
+TEST_F(PlayTest, EveryExampleScriptIsPlayedHere) {
+  int scripts = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(LVX_SOURCE_DIR "/examples/scripts")) {
+    if (entry.path().extension() != ".json") continue;
+    ++scripts;
+    EXPECT_TRUE(std::filesystem::exists(test::goldenFolder() + "/scripts/" + entry.path().stem().string()))
+        << entry.path();
+  }
+  EXPECT_GE(scripts, 10);
+}
+
+TEST_F(PlayTest, DialogsAreInTheLanguageThatWasAskedFor) {
+  const test::RunResult result = playExample("help-button", {"--lang", "de"});
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_THAT(result.output, HasSubstr("Abbrechen"));
+}
+
+TEST_F(PlayTest, AScriptThatDoesNotFitEndsWithFiveAndSaysWhatWaits) {
+  struct Row {
+    const char* script;
+    const char* words;
+  };
+  const Row rows[] = {
+      {R"([{"click": 1}])", "action 1 (click) doesn't fit: no command runs"},
+      {R"([{"command": "lvx_Report_Nothing"}])", "the module has no command 'lvx_Report_Nothing'"},
+      {R"([{"command": "lvx_Report_Que"}])", "it ends while the dialog CMyDialog1 waits"},
+      {R"([{"command": "lvx_Report_Que"}, {"answer": "yes"}])", "action 2 (answer) doesn't fit: the dialog CMyDialog1"},
+      {R"([{"command": "lvx_Report_Que"}, {"click": 4711}])", "has no control of that number (4711)"},
+      {R"([{"command": "lvx_Report_Que"}, {"click": 1}])", "has that control disabled (1)"},
+      {R"([{"command": "lvx_Report_Que"}, {"select": 261, "text": "Nowhere"}])", "has no such row in that list (261)"},
+      {R"([{"command": "lvx_Report_Que"}, {"click": 126}, {"click": 1}])", "a pick in the drawing waits"},
+      {R"([{"command": "lvx_Report_Que"}, {"click": 126}, {"pick": "xyz"}])", "'xyz' is no handle"},
+      {R"([{"command": "lvx_Report_Que"}, {"click": 233}, {"click": 1}])", "the file box waits"},
+  };
+  for (const Row& row : rows) {
+    const test::RunResult result = playText(row.script);
+    EXPECT_EQ(result.exitCode, 5) << row.script;
+    EXPECT_THAT(result.errors, HasSubstr(row.words)) << row.script;
+    EXPECT_THAT(result.output, Not(HasSubstr("misuse"))) << row.script;
+  }
+}
+
+TEST_F(PlayTest, AScriptThatCannotBeReadIsAUsageError) {
+  EXPECT_EQ(play(folder_ / "nobody.json").exitCode, 2);
+  EXPECT_EQ(playText("[{").exitCode, 2);
+  EXPECT_EQ(playText(R"([{"clik": 1}])").exitCode, 2);
+}
+
+}  // namespace
+}  // namespace lvx
