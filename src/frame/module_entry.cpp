@@ -7,6 +7,7 @@
 #include "frame/document_data.h"
 #include "frame/module_library.h"
 #include "host/roadway_connection.h"
+#include "points/points_command.h"
 #include "projection/projection_command.h"
 #include "services/message_catalogue.h"
 
@@ -82,13 +83,13 @@ VnApDataManager<CDocData> documentData(vnrxHost());
 ModuleLibrary library(vnrxHost(), &kInstance);
 
 void reportQue() { runInCommandFrame(library, projection::runProjectionReport); }
+void reportPoints() { runInCommandFrame(library, points::runPointsReport); }
 
 void tellNotInThisRelease(const wchar_t* command) {
   runInCommandFrame(library, [command](host::Host& host) {
     host.runTime().vnutPrintf(framework::CString(command) + L": this report isn't part of this release yet.\n");
   });
 }
-void reportPoints() { tellNotInThisRelease(L"lvx_Report_Points"); }
 void reportGls() { tellNotInThisRelease(L"lvx_Report_GLS"); }
 
 }  // namespace

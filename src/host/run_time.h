@@ -212,7 +212,9 @@ class RunTime {
   [[nodiscard]] virtual VnDbHandle handle(VnDbObjectId id) = 0;
 
   // ---- selection sets
-  /// Fills `selection` by the user's choice. Mode ":$" shows `prompts`.
+  /// Fills `selection` by the user's choice. Mode ":$" shows `prompts`. Where `selection` names a set that stands, that
+  /// set is filled; otherwise a new one is made. A user who gives up, or selects nothing that passes the filter, leaves
+  /// both name and set as they are.
   virtual std::int32_t vnedSSGet(const CString& mode, const SelectionPrompts& prompts, const FilterList& filter,
                                  EntityName& selection) = 0;
   /// Makes an empty selection set.

@@ -128,6 +128,17 @@ void removeSitesWithoutAlignments(SiteTree& sites) {
   sites.setSize(kept);
 }
 
+void namePickedAlignment(const SiteTree& sites, const AlignmentList& alignments, const CString& handle,
+                         CString& siteText, CString& alignmentText) {
+  for (const tsite* site : sites)
+    for (framework::ArrayIndex position = 0; position < site->alignments.size(); ++position)
+      if (site->alignments[position]->handle == handle) {
+        siteText = site->name;
+        alignmentText = alignments[position]->name;
+        return;
+      }
+}
+
 CString handleText(Host& host, VnDbObjectId id) {
   const VnDbHandle handle = host.runTime().handle(id);
   return handle.value() == 0 ? CString() : textOf(handle);

@@ -70,6 +70,14 @@ void releaseSites(SiteTree& sites) noexcept;
 /// Removes every site without alignments, so that no empty row is ever shown.
 void removeSitesWithoutAlignments(SiteTree& sites);
 
+/// Names the alignment with this handle text for a dialog: its site's name, and the name that stands in the overall list
+/// at the position that the alignment has within its site. The two lists run in different orders, so for an alignment of
+/// a later site that may be another name; the dialog then shows that alignment or the site's first. Users know the pick
+/// that way. An alignment that no site holds changes neither text; a position beyond the overall list raises
+/// framework::InvalidArgumentException.
+void namePickedAlignment(const SiteTree& sites, const AlignmentList& alignments, const CString& handle,
+                         CString& siteText, CString& alignmentText);
+
 /// Handle text of a drawing object, without opening it; empty for none.
 [[nodiscard]] CString handleText(Host& host, VnDbObjectId id);
 

@@ -15,7 +15,6 @@
 namespace lvx::projection {
 
 using dialogs::CMyDialog1;
-using framework::ArrayIndex;
 using framework::CString;
 using services::getMessage;
 using services::kMessageSet;
@@ -24,20 +23,6 @@ namespace {
 
 constexpr int kClosedByMark = 3;
 constexpr std::int16_t kTicked = 1;
-
-/// Names the picked alignment to the dialog: its site's name, and the name that stands in the overall list at the
-/// position that the alignment has within its site. The two lists run in different orders, so for an alignment of a
-/// later site that may be another name; the dialog then shows that alignment or the site's first. Users know the pick
-/// that way.
-void takePickedAlignment(CMyDialog1& dialog, const CString& handle) {
-  for (const host::tsite* site : dialog.sites)
-    for (ArrayIndex position = 0; position < site->alignments.size(); ++position)
-      if (site->alignments[position]->handle == handle) {
-        dialog.siteText = site->name;
-        dialog.alignmentText = dialog.alignments[position]->name;
-        return;
-      }
-}
 
 void takePickedSurface(CMyDialog1& dialog, const CString& handle) {
   if (!dialog.surfaces) return;
@@ -53,7 +38,10 @@ void takePickedSurface(CMyDialog1& dialog, const CString& handle) {
 
 void pickAlignment(host::Host& host, CMyDialog1& dialog) {
   host::pickEntity(host, {host::kClassAlignment, getMessage(kMessageSet, 110), getMessage(kMessageSet, 111)},
-                   [&dialog](const CString& handle) { takePickedAlignment(dialog, handle); });
+                   [&dialog](const CString& handle) {
+                     host::namePickedAlignment(dialog.sites, dialog.alignments, handle, dialog.siteText,
+                                               dialog.alignmentText);
+                   });
 }
 
 void pickSurface(host::Host& host, CMyDialog1& dialog) {

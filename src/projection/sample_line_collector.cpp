@@ -8,6 +8,7 @@
 #include <set>
 #include <vector>
 
+#include "host/collections.h"
 #include "projection/detail/host_triples.h"
 
 namespace lvx::projection {
@@ -21,35 +22,15 @@ constexpr double kCentreTolerance = 0.0001;
 /// Drawing units: two sample lines this near to each other are one.
 constexpr double kStationTolerance = 0.000001;
 
-/// The objects of a collection; none where the host has no collection. A reference that the host leaves empty is passed
-/// over.
-template <class T, class Visit>
-void forEach(const host::Ref<host::QmtCollection<T>>& collection, Visit visit) {
-  if (!collection) return;
-  const std::int32_t count = collection->count();
-  for (std::int32_t i = 0; i < count; ++i)
-    if (const auto object = collection->item(i); object && !visit(object)) return;
-}
-
-/// The first object of exactly that name, or an empty reference.
-template <class T>
-host::Ref<T> firstNamed(const host::Ref<host::QmtCollection<T>>& collection, const CString& name) {
-  host::Ref<T> found;
-  forEach(collection, [&](const host::Ref<T>& object) {
-    if (object->name() == name) found = object;
-    return !found;
-  });
-  return found;
-}
-
 bool meansNoSite(const CString& siteName) { return siteName.empty() || siteName.front() == L'*'; }
 
 host::Ref<host::QmtAlignment> findAlignment(const host::Ref<host::QmtDocument>& document,
                                             const host::Ref<host::QmtDatabase>& database, const CString& siteName,
                                             const CString& alignmentName) {
-  if (meansNoSite(siteName)) return document ? firstNamed(document->sitelessAlignments(), alignmentName) : nullptr;
-  const auto site = database ? firstNamed(database->sites(), siteName) : nullptr;
-  return site ? firstNamed(site->alignments(), alignmentName) : nullptr;
+  if (meansNoSite(siteName))
+    return document ? host::firstNamed(document->sitelessAlignments(), alignmentName) : nullptr;
+  const auto site = database ? host::firstNamed(database->sites(), siteName) : nullptr;
+  return site ? host::firstNamed(site->alignments(), alignmentName) : nullptr;
 }
 
 double directionFromAzimuth(double azimuth) {
@@ -106,7 +87,7 @@ class RecordBuilder {
     record->direction = directionFromAzimuth(centre.direction);
 
     vertices_.empty();
-    forEach(line.vertices(), [this](const host::Ref<host::QmtSampleLineVertex>& vertex) {
+    host::forEachObject(line.vertices(), [this](const host::Ref<host::QmtSampleLineVertex>& vertex) {
       detail::takeTriples(vertex->location(), vertices_);
       return true;
     });
@@ -204,10 +185,10 @@ void collectSampleLines(const host::Ref<host::QmtDocument>& document, const host
 
   RecordBuilder builder(*alignment);
   StationOrder records;
-  forEach(alignment->sampleLineGroups(), [&](const host::Ref<host::QmtSampleLineGroup>& group) {
+  host::forEachObject(alignment->sampleLineGroups(), [&](const host::Ref<host::QmtSampleLineGroup>& group) {
     const CString groupName = group->name();
     if (!groups.takes(groupName)) return true;
-    forEach(group->sampleLines(), [&](const host::Ref<host::QmtSampleLine>& line) {
+    host::forEachObject(group->sampleLines(), [&](const host::Ref<host::QmtSampleLine>& line) {
       records.insert(builder.build(*line, groupName));
       return true;
     });

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 #include "platform/posix/posix_platform.h"
@@ -194,7 +195,7 @@ EntityName StandinRunTime::addSelection(std::vector<civil::Handle> handles) {
   return {{number, kSelectionMark}};
 }
 
-const std::vector<civil::Handle>* StandinRunTime::findSelection(const EntityName& selection) const {
+std::vector<civil::Handle>* StandinRunTime::findSelection(const EntityName& selection) {
   if (selection.words[1] != kSelectionMark) return nullptr;
   const auto found = selectionSets_.find(selection.words[0]);
   return found == selectionSets_.end() ? nullptr : &found->second;
@@ -206,12 +207,18 @@ std::int32_t StandinRunTime::vnedSSGet(const CString& /*mode*/, const host::Sele
   const CString wanted = wantedClass(filter);
   auto chosen = frontEnd_.selectEntities(prompts.add, prompts.remove, wanted);
   if (!chosen) return host::kUserGaveUp;
+  std::unordered_set<civil::Handle> selected;
   std::erase_if(*chosen, [&](civil::Handle handle) {
     const civil::DrawingIndex::Entry* entry = find(handle);
-    return entry == nullptr || (!wanted.empty() && wanted != classOf(entry->kind).classTag());
+    // A set holds an object once: selecting it again changes nothing.
+    return entry == nullptr || (!wanted.empty() && wanted != classOf(entry->kind).classTag()) ||
+           !selected.insert(handle).second;
   });
   if (chosen->empty()) return host::kUserGaveUp;
-  selection = addSelection(std::move(*chosen));
+  if (std::vector<civil::Handle>* standing = findSelection(selection))
+    *standing = std::move(*chosen);
+  else
+    selection = addSelection(std::move(*chosen));
   return host::kNormal;
 }
 

@@ -76,7 +76,8 @@ class StandinRunTime final : public host::RunTime {
     if (callObserver) callObserver(function);
   }
   [[nodiscard]] const civil::DrawingIndex::Entry* find(civil::Handle handle) const;
-  [[nodiscard]] const std::vector<civil::Handle>* findSelection(const host::EntityName& selection) const;
+  /// Null for a name that stands for no set.
+  [[nodiscard]] std::vector<civil::Handle>* findSelection(const host::EntityName& selection);
   host::EntityName addSelection(std::vector<civil::Handle> handles);
 
   FrontEnd& frontEnd_;

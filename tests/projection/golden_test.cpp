@@ -8,11 +8,11 @@
 #include <gtest/gtest.h>
 
 #include "case_maker.h"
-#include "cell_log.h"
 #include "projection/projection_ascii.h"
 #include "projection/projection_excel.h"
 #include "projection/projection_html.h"
 #include "projection/projection_xml.h"
+#include "support/cell_log.h"
 #include "support/fake_host.h"
 
 namespace lvx::projection {
@@ -77,7 +77,7 @@ TEST_P(ProjectionGolden, WorkbookGetsTheRightCellsInOrder) {
   const auto record = std::make_shared<test::SheetRecord>();
   host_.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
   EXPECT_EQ(writeProjectionExcel(case_.stem + L".xls", case_.alignment, case_.lines.get()), 1);
-  EXPECT_TRUE(test::matchesGolden(cellLog(*record), caseFile("expected.cells")));
+  EXPECT_TRUE(test::matchesGolden(test::cellLog(*record), caseFile("expected.cells")));
 }
 
 INSTANTIATE_TEST_SUITE_P(Case, ProjectionGolden, testing::ValuesIn(kCases), [](const auto& golden) {

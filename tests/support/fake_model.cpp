@@ -71,4 +71,31 @@ Ref<FakeSurface> FakeDrawing::addSurface(const CString& name) {
   return surface;
 }
 
+Ref<host::QmtObject> FakeDocument::objectFromId(host::VnDbObjectId id) {
+  for (const auto& [number, point] : pointList->byNumber)
+    if (point->id == id) return point;
+  for (const auto& alignment : alignments->items)
+    if (alignment && alignment->id == id) return alignment;
+  return nullptr;
+}
+
+Ref<FakePoint> FakeDrawing::addPoint(std::int32_t number, double x, double y, double z) {
+  auto point = std::make_shared<FakePoint>();
+  point->numberValue = number;
+  point->x = x;
+  point->y = y;
+  point->z = z;
+  point->id.value = nextId_++;
+  document->pointList->byNumber[number] = point;
+  return point;
+}
+
+Ref<FakePointGroup> FakeDrawing::addPointGroup(const CString& name, std::vector<std::int32_t> numbers) {
+  auto group = std::make_shared<FakePointGroup>();
+  group->nameText = name;
+  group->numbers = HostArray<std::int32_t>::of(std::move(numbers));
+  document->groups->items.push_back(group);
+  return group;
+}
+
 }  // namespace lvx::test

@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -162,18 +163,61 @@ class FakeSurface : public host::QmtSurface {
   std::vector<Segment> asked;
 };
 
+class FakePoint : public host::QmtPoint {
+ public:
+  [[nodiscard]] CString name() override { return nameText; }
+  [[nodiscard]] std::int32_t number() override { return numberValue; }
+  [[nodiscard]] double easting() override { return x; }
+  [[nodiscard]] double northing() override { return y; }
+  [[nodiscard]] double elevation() override { return z; }
+  [[nodiscard]] CString description() override { return descriptionText; }
+  [[nodiscard]] CString fullDescription() override { return fullText; }
+
+  std::int32_t numberValue = 0;
+  double x = 0.0;
+  double y = 0.0;
+  double z = 0.0;
+  CString nameText;
+  CString descriptionText;
+  CString fullText;
+  host::VnDbObjectId id;
+};
+
+class FakePointList : public host::QmtPointList {
+ public:
+  [[nodiscard]] Ref<host::QmtPoint> itemByNumber(std::int32_t number) override {
+    const auto found = byNumber.find(number);
+    return found == byNumber.end() ? nullptr : found->second;
+  }
+
+  std::unordered_map<std::int32_t, Ref<FakePoint>> byNumber;
+};
+
+class FakePointGroup : public host::QmtPointGroup {
+ public:
+  [[nodiscard]] CString name() override { return nameText; }
+  [[nodiscard]] HostArray<std::int32_t> pointNumbers() override { return numbers; }
+  [[nodiscard]] std::int32_t pointCount() override { return static_cast<std::int32_t>(numbers.values.size()); }
+
+  CString nameText;
+  HostArray<std::int32_t> numbers;
+};
+
 class FakeDocument : public host::QmtDocument {
  public:
   using Surfaces = FakeNamedCollection<host::QmtSurfaceList, FakeSurface>;
+  using PointGroups = FakeNamedCollection<host::QmtPointGroupList, FakePointGroup>;
 
   [[nodiscard]] Ref<host::QmtSurfaceList> surfaces() override { return surfaceList; }
   [[nodiscard]] Ref<host::QmtAlignmentList> sitelessAlignments() override { return alignments; }
-  [[nodiscard]] Ref<host::QmtPointGroupList> pointGroups() override { return nullptr; }
-  [[nodiscard]] Ref<host::QmtPointList> points() override { return nullptr; }
-  [[nodiscard]] Ref<host::QmtObject> objectFromId(host::VnDbObjectId) override { return nullptr; }
+  [[nodiscard]] Ref<host::QmtPointGroupList> pointGroups() override { return groups; }
+  [[nodiscard]] Ref<host::QmtPointList> points() override { return pointList; }
+  [[nodiscard]] Ref<host::QmtObject> objectFromId(host::VnDbObjectId id) override;
 
   Ref<Surfaces> surfaceList = std::make_shared<Surfaces>();
   Ref<FakeAlignments> alignments = std::make_shared<FakeAlignments>();
+  Ref<PointGroups> groups = std::make_shared<PointGroups>();
+  Ref<FakePointList> pointList = std::make_shared<FakePointList>();
 };
 
 class FakeDatabase : public host::QmtDatabase {
@@ -196,6 +240,9 @@ class FakeDrawing {
   /// To the site given; null: outside any site.
   Ref<FakeAlignment> addAlignment(const Ref<FakeSite>& site, const CString& name);
   Ref<FakeSurface> addSurface(const CString& name);
+  /// Of several points with one number the last is the one that the number finds.
+  Ref<FakePoint> addPoint(std::int32_t number, double x, double y, double z = 0.0);
+  Ref<FakePointGroup> addPointGroup(const CString& name, std::vector<std::int32_t> numbers);
 
  private:
   std::uint64_t nextId_ = 1;

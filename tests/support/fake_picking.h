@@ -2,6 +2,8 @@
 
 #include <deque>
 #include <list>
+#include <map>
+#include <optional>
 #include <vector>
 
 #include "support/fake_host.h"
@@ -62,6 +64,17 @@ class PickingRunTime final : public FakeRunTime {
   };
   /// An empty queue means Escape.
   std::deque<Pick> picks;
+  /// What each point selection gives, by handle; empty is Escape, and so is an empty queue.
+  std::deque<std::optional<std::vector<std::uint64_t>>> selections;
+  /// A handle that vndbGetObjectId can't identify, wherever it comes from.
+  std::optional<std::uint64_t> unidentified;
+  struct Asked {
+    CString mode;
+    host::SelectionPrompts prompts;
+    host::FilterList filter;
+  };
+  /// The point selections, in order.
+  std::vector<Asked> asked;
   FakeDocManager manager;
 
   PickingRunTime() { docManager = &manager; }
@@ -83,6 +96,7 @@ class PickingRunTime final : public FakeRunTime {
   }
   std::int32_t vndbGetObjectId(host::VnDbObjectId& id, const host::EntityName& entity) override {
     if (current_.kind == Kind::Unidentified) return kRefused;
+    if (unidentified == static_cast<std::uint64_t>(entity.words[0])) return kRefused;
     id.value = static_cast<std::uint64_t>(entity.words[0]);
     return host::kSuccess;
   }
@@ -94,6 +108,40 @@ class PickingRunTime final : public FakeRunTime {
     return status;
   }
 
+  std::int32_t vnedSSAdd(host::EntityName& selection) override {
+    selection.words = {++lastSet_, 0};
+    sets_[lastSet_];
+    return host::kNormal;
+  }
+  std::int32_t vnedSSGet(const CString& mode, const host::SelectionPrompts& shown, const host::FilterList& filter,
+                         host::EntityName& selection) override {
+    asked.push_back({mode, shown, filter});
+    std::optional<std::vector<std::uint64_t>> chosen;
+    if (!selections.empty()) {
+      chosen = selections.front();
+      selections.pop_front();
+    }
+    if (!chosen) return host::kUserGaveUp;
+    if (!sets_.contains(selection.words[0])) vnedSSAdd(selection);
+    sets_[selection.words[0]] = *chosen;
+    return host::kNormal;
+  }
+  std::int32_t vnedSSLength(const host::EntityName& selection, std::int64_t& length) override {
+    const auto found = sets_.find(selection.words[0]);
+    if (found == sets_.end()) return kRefused;
+    length = static_cast<std::int64_t>(found->second.size());
+    return host::kNormal;
+  }
+  std::int32_t vnedSSName(const host::EntityName& selection, std::int64_t index, host::EntityName& entity) override {
+    entity.words = {static_cast<std::int64_t>(sets_.at(selection.words[0]).at(static_cast<std::size_t>(index))), 0};
+    return host::kNormal;
+  }
+  std::int32_t vnedSSFree(const host::EntityName& selection) override {
+    return sets_.erase(selection.words[0]) == 1 ? host::kNormal : kRefused;
+  }
+  /// Selection sets that were made and not freed.
+  [[nodiscard]] std::size_t selectionSets() const { return sets_.size(); }
+
   /// Objects that were opened and not closed.
   [[nodiscard]] int openObjects() const {
     int count = 0;
@@ -104,6 +152,8 @@ class PickingRunTime final : public FakeRunTime {
  private:
   std::list<PickableObject> pickables_;
   Pick current_{Kind::Object, 0};
+  std::map<std::int64_t, std::vector<std::uint64_t>> sets_;
+  std::int64_t lastSet_ = 0;
 };
 
 }  // namespace lvx::test

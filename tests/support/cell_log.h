@@ -5,10 +5,10 @@
 #include "platform/posix/posix_platform.h"
 #include "support/recording_sheet.h"
 
-namespace lvx::projection {
+namespace lvx::test {
 
 /// `text` in UTF-8 between quotation marks, its line ends as escapes.
-inline std::string quoted(const framework::CString& text) {
+inline std::string quoted(const CString& text) {
   std::string all = "\"";
   for (const char c : platform::toUtf8(text)) {
     if (c == '\r') {
@@ -26,12 +26,12 @@ inline std::string quoted(const framework::CString& text) {
 ///     A1 text "* Profiles"
 ///     B11 number "-5.000"
 ///     save "report.xls"
-inline std::string cellLog(const test::SheetRecord& record) {
+inline std::string cellLog(const SheetRecord& record) {
   std::string log;
-  for (const test::SheetRecord::Write& write : record.writes)
+  for (const SheetRecord::Write& write : record.writes)
     log += platform::toUtf8(write.cell) + (write.number ? " number " : " text ") + quoted(write.text) + '\n';
   if (record.finishedAs) log += "save " + quoted(*record.finishedAs) + '\n';
   return log;
 }
 
-}  // namespace lvx::projection
+}  // namespace lvx::test

@@ -1,0 +1,80 @@
+#include "points/point_collector.h"
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "host/collections.h"
+#include "points/point_groups.h"
+#include "services/message_catalogue.h"
+
+namespace lvx::points {
+
+namespace {
+
+using host::Ref;
+using services::getMessage;
+using services::kMessageSet;
+
+/// The words that the dialog's site list shows for the alignments outside any site.
+constexpr std::uint32_t kNoSiteMessage = 109;
+
+bool meansNoSite(const CString& siteText) {
+  return siteText.empty() || siteText.front() == L'*' || siteText == getMessage(kMessageSet, kNoSiteMessage);
+}
+
+Ref<host::QmtAlignment> findAlignment(const Ref<host::QmtDocument>& document, const Ref<host::QmtDatabase>& database,
+                                      const CString& siteText, const CString& alignmentText) {
+  if (meansNoSite(siteText))
+    return document ? host::firstNamed(document->sitelessAlignments(), alignmentText) : nullptr;
+  const auto site = database ? host::firstNamed(database->sites(), siteText) : nullptr;
+  return site ? host::firstNamed(site->alignments(), alignmentText) : nullptr;
+}
+
+/// The numbers of a group's points; none where the drawing has no such group, or hands out something else than a plain
+/// list.
+std::vector<std::int32_t> numbersOfGroup(const Ref<host::QmtPointGroupList>& groups, const CString& name) {
+  const Ref<host::QmtPointGroup> group = groups ? groups->item(name) : nullptr;
+  if (!group) return {};
+  host::HostArray<std::int32_t> numbers = group->pointNumbers();
+  return numbers.isOneDimensional() ? std::move(numbers.values) : std::vector<std::int32_t>();
+}
+
+std::unique_ptr<tpoint> rowOf(std::int32_t number, const Ref<host::QmtPointList>& points, host::QmtAlignment& alignment,
+                              const CString& alignmentText) {
+  auto row = std::make_unique<tpoint>();
+  row->number = number;
+  row->alignmentName = alignmentText;
+  const Ref<host::QmtPoint> point = points ? points->itemByNumber(number) : nullptr;
+  if (!point) return row;
+  row->easting = point->easting();
+  row->northing = point->northing();
+  row->elevation = point->elevation();
+  row->name = point->name();
+  row->description = point->description();
+  row->fullDescription = point->fullDescription();
+  const host::StationOffset place = alignment.stationOffset(row->easting, row->northing);
+  row->station = place.station;
+  row->offset = place.offset;
+  return row;
+}
+
+}  // namespace
+
+void collectPoints(const Ref<host::QmtDocument>& document, const Ref<host::QmtDatabase>& database,
+                   const CString& siteText, const CString& alignmentText, const CString& groupText,
+                   const PickedNumbers& pickedNumbers, PointList& rows) {
+  const Ref<host::QmtAlignment> alignment = findAlignment(document, database, siteText, alignmentText);
+  if (!alignment || !document) return;
+
+  const Ref<host::QmtPointGroupList> groups = document->pointGroups();
+  const Ref<host::QmtPointList> points = document->points();
+  const std::vector<std::int32_t> numbers = groupText == getMessage(kMessageSet, kPickedPointsMessage)
+                                                ? std::vector<std::int32_t>(pickedNumbers.begin(), pickedNumbers.end())
+                                                : numbersOfGroup(groups, groupText);
+
+  rows.reserve(rows.size() + static_cast<framework::ArrayIndex>(numbers.size()));
+  for (const std::int32_t number : numbers) rows.add(rowOf(number, points, *alignment, alignmentText).release());
+}
+
+}  // namespace lvx::points

@@ -1,0 +1,159 @@
+#include "points/points_command.h"
+
+#include <memory>
+
+#include "dialogs/dialog_services.h"
+#include "dialogs/export_points_dlg.h"
+#include "host/host.h"
+#include "host/picking.h"
+#include "points/point_collector.h"
+#include "points/point_sort.h"
+#include "points/points_ascii.h"
+#include "points/points_excel.h"
+#include "points/points_html.h"
+#include "services/message_catalogue.h"
+#include "services/report_files.h"
+
+namespace lvx::points {
+
+using dialogs::CExportPointsDlg;
+using services::getMessage;
+using services::kMessageSet;
+
+namespace {
+
+constexpr int kClosedByMark = 3;
+constexpr std::int16_t kTicked = 1;
+
+/// The command's selection set: made empty, filled and freed by every pick, freed for good at the end.
+class SelectionSet {
+ public:
+  explicit SelectionSet(host::RunTime& runTime) : runTime_(runTime) { runTime_.vnedSSAdd(name_); }
+  SelectionSet(const SelectionSet&) = delete;
+  SelectionSet& operator=(const SelectionSet&) = delete;
+  ~SelectionSet() { free(); }
+
+  [[nodiscard]] host::EntityName& name() { return name_; }
+  /// A set that is freed already is nothing to the host.
+  void free() { runTime_.vnedSSFree(name_); }
+
+ private:
+  host::RunTime& runTime_;
+  host::EntityName name_;
+};
+
+/// A filter for one class, given back at the end of the scope.
+class ClassFilter {
+ public:
+  ClassFilter(host::RunTime& runTime, const wchar_t* classTag)
+      : runTime_(runTime), list_(runTime.vnutBuildList(static_cast<std::int16_t>(host::kEntityStart), classTag)) {}
+  ClassFilter(const ClassFilter&) = delete;
+  ClassFilter& operator=(const ClassFilter&) = delete;
+  ~ClassFilter() { runTime_.vnutRelRb(list_); }
+
+  [[nodiscard]] const host::FilterList& list() const { return *list_; }
+
+ private:
+  host::RunTime& runTime_;
+  host::FilterList* list_;
+};
+
+void pickAlignment(host::Host& host, CExportPointsDlg& dialog) {
+  host::pickEntity(host, {host::kClassAlignment, getMessage(kMessageSet, 110), getMessage(kMessageSet, 111)},
+                   [&dialog](const CString& handle) {
+                     host::namePickedAlignment(dialog.sites, dialog.alignments, handle, dialog.siteText,
+                                               dialog.alignmentText);
+                   });
+}
+
+/// Replaces `pickedNumbers` by the numbers of the points that the user selects, and tells the dialog's last row how many
+/// they are. Giving the selection up leaves none. False where the host can't identify something that it delivered: the
+/// command ends then.
+bool pickPoints(host::Host& host, CExportPointsDlg& dialog, SelectionSet& selection, PickedNumbers& pickedNumbers) {
+  host::RunTime& runTime = host.runTime();
+  pickedNumbers.removeAll();
+  {
+    const ClassFilter filter(runTime, host::kClassPoint);
+    // Whatever its status, the set holds what was selected.
+    runTime.vnedSSGet(L":$", {getMessage(kMessageSet, 222), getMessage(kMessageSet, 223)}, filter.list(),
+                      selection.name());
+    std::int64_t length = 0;
+    runTime.vnedSSLength(selection.name(), length);
+    for (std::int64_t i = 0; i < length; ++i) {
+      host::EntityName entity;
+      runTime.vnedSSName(selection.name(), i, entity);
+      host::VnDbObjectId id;
+      if (runTime.vndbGetObjectId(id, entity) != host::kSuccess) return false;
+      if (const auto point = std::dynamic_pointer_cast<host::QmtPoint>(dialog.document->objectFromId(id)))
+        pickedNumbers.add(point->number());
+    }
+    PointGroupList& groups = dialog.pointGroups;
+    groups[groups.size() - 1]->count = static_cast<std::int32_t>(pickedNumbers.size());
+  }
+  selection.free();
+  return true;
+}
+
+/// True where the output stem names a folder that is there.
+bool hasFolder(host::Host& host, const CString& stem) {
+  const services::StemFolder folder = services::folderOfStem(host, stem);
+  // Only a stem without any folder gets a word; a folder that is missing just brings the dialog back.
+  if (folder == services::StemFolder::None)
+    host.userInterface().messageBox(getMessage(kMessageSet, 229), host::BoxButtons::Ok, host::BoxIcon::Warning);
+  return folder == services::StemFolder::Exists;
+}
+
+/// False where the command ends without a report.
+bool runDialog(host::Host& host, CExportPointsDlg& dialog, SelectionSet& selection, PickedNumbers& pickedNumbers) {
+  for (;;) {
+    switch (host.dialogs().runModal(dialog, host.runTime().vnsw_mainWnd())) {
+      case dialogs::kIdOk:
+        if (hasFolder(host, dialog.outputStem)) return true;
+        break;
+      case dialogs::kIdCancel:
+      case kClosedByMark:
+        return false;
+      case dialogs::kIdPickAlignment:
+        pickAlignment(host, dialog);
+        break;
+      case dialogs::kIdPickSecond:
+        if (!pickPoints(host, dialog, selection, pickedNumbers)) return false;
+        break;
+      default:
+        break;
+    }
+  }
+}
+
+void writeReports(host::Host& host, const CExportPointsDlg& dialog, const PointList& rows) {
+  if (dialog.checkAscii == kTicked) {
+    const CString name = dialog.outputStem + L".txt";
+    if (services::mayWriteReport(host, name)) writePointsAscii(name, rows);
+  }
+  if (dialog.checkExcel == kTicked) {
+    const CString name = dialog.outputStem + L".xls";
+    if (services::mayWriteWorkbook(host, name)) writePointsExcel(name, rows);
+  }
+  if (dialog.checkThird == kTicked) {
+    const CString name = dialog.outputStem + L".html";
+    if (services::mayWriteReport(host, name)) writePointsHtml(name, rows);
+  }
+}
+
+}  // namespace
+
+void runPointsReport(host::Host& host) {
+  CExportPointsDlg dialog(host);
+  SelectionSet selection(host.runTime());
+  PickedNumbers pickedNumbers;
+  if (!runDialog(host, dialog, selection, pickedNumbers)) return;
+
+  framework::OwnedList<tpoint> rows;
+  collectPoints(dialog.document, dialog.database, dialog.siteText, dialog.alignmentText, dialog.groupText,
+                pickedNumbers, rows.get());
+  sortPointsByStation(rows.get());
+  if (rows.get().isEmpty()) return;  // no file at all, and no question about those that stand
+  writeReports(host, dialog, rows.get());
+}
+
+}  // namespace lvx::points
