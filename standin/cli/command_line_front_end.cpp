@@ -7,6 +7,7 @@
 #include "cli/terminal.h"
 #include "platform/posix/posix_platform.h"
 #include "runtime/dialog_state.h"
+#include "runtime/help_topics.h"
 
 namespace lvx::cli {
 
@@ -102,7 +103,10 @@ BoxAnswer CommandLineFrontEnd::messageBox(const CString& text, BoxButtons button
 
 std::optional<CString> CommandLineFrontEnd::saveFileBox(const CString&, std::uint32_t) { return std::nullopt; }
 
-void CommandLineFrontEnd::showHelp(const CString& topic) { say("help: " + toUtf8(topic)); }
+void CommandLineFrontEnd::showHelp(const CString& topic) {
+  const std::filesystem::path page = runtime::helpPage(topic, helpFolder_);
+  say("help: " + (page.empty() ? toUtf8(topic) : page.string()));
+}
 
 std::uint32_t CommandLineFrontEnd::buttonFaceColour() {
   constexpr std::uint32_t kLightGrey = 0x00F0F0F0;

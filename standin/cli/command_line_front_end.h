@@ -1,6 +1,8 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/options.h"
@@ -35,13 +37,16 @@ class StepDialogs final : public dialogs::DialogRunner {
 /// nothing is ever picked.
 class CommandLineFrontEnd final : public runtime::FrontEnd {
  public:
-  explicit CommandLineFrontEnd(Overwrite overwrite) : overwrite_(overwrite) {}
+  /// `helpFolder` holds the help pages in the user's language.
+  CommandLineFrontEnd(Overwrite overwrite, std::filesystem::path helpFolder)
+      : overwrite_(overwrite), helpFolder_(std::move(helpFolder)) {}
 
   /// The steps for the dialogs that the command opens.
   [[nodiscard]] StepDialogs& steps() { return dialogs_; }
 
   host::BoxAnswer messageBox(const host::CString& text, host::BoxButtons buttons, host::BoxIcon icon) override;
   [[nodiscard]] std::optional<host::CString> saveFileBox(const host::CString& filter, std::uint32_t flags) override;
+  /// Names the page's file, or the topic where there is no such page.
   void showHelp(const host::CString& topic) override;
   [[nodiscard]] std::uint32_t buttonFaceColour() override;
   [[nodiscard]] dialogs::DialogRunner& dialogs() override { return dialogs_; }
@@ -54,6 +59,7 @@ class CommandLineFrontEnd final : public runtime::FrontEnd {
 
  private:
   Overwrite overwrite_;
+  std::filesystem::path helpFolder_;
   StepDialogs dialogs_;
 };
 

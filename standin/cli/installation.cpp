@@ -24,4 +24,8 @@ fs::path messageFolder(const std::string& language) {
   return programFolder().parent_path() / "share" / "lvxhost" / "messages" / language;
 }
 
+fs::path helpFolder(const std::string& language) {
+  return programFolder().parent_path() / "share" / "lvxhost" / "help" / language;
+}
+
 }  // namespace lvx::cli

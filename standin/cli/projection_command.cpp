@@ -125,7 +125,7 @@ std::string dialogStem(const std::string& given) {
 
 ExitCode runProjection(const CommonOptions& common, const ProjectionOptions& options) {
   const std::string stem = dialogStem(options.stem);
-  CommandLineFrontEnd frontEnd(common.overwriteMode());
+  CommandLineFrontEnd frontEnd(common.overwriteMode(), helpFolder(common.language));
   const auto host = makeHost(frontEnd, common);
   civil::Drawing drawing = loadDrawing(options.drawing, common.progressMode());
   if (!common.quiet) tellDiagnostics(drawing);

@@ -1,0 +1,292 @@
+// The pages as a reader meets them: complete in both languages, in the words of the dialogs and reports, without dead
+// ends, and plain enough for a simple viewer.
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pugixml.hpp>
+
+#include "platform/posix/posix_platform.h"
+#include "services/message_catalogue.h"
+#include "support/fake_host.h"
+#include "support/run_program.h"
+
+namespace lvx {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
+
+const fs::path kHelp = fs::path(LVX_SOURCE_DIR) / "help";
+const std::vector<std::string> kLanguages{"en", "de"};
+const std::vector<std::string> kPages{"index.html", "project-resources/LVX_015_001.html",
+                                      "project-resources/LVX_015_002.html", "project-resources/LVX_015_003.html"};
+
+/// Runs of white space, no-break spaces among them, as one blank; none at the ends.
+std::string collapsed(const std::string& text) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool noBreak = text.compare(i, 2, "\xC2\xA0") == 0;
+    if (noBreak) ++i;
+    const bool blank = noBreak || std::string_view(" \t\r\n").find(text[i]) != std::string_view::npos;
+    if (!blank)
+      result += text[i];
+    else if (!result.empty() && result.back() != ' ')
+      result += ' ';
+  }
+  while (!result.empty() && result.back() == ' ') result.pop_back();
+  return result;
+}
+
+void gather(const pugi::xml_node& node, std::string& text) {
+  for (const pugi::xml_node& child : node.children()) {
+    if (child.type() == pugi::node_pcdata)
+      text += child.value();
+    else
+      gather(child, text);
+  }
+}
+
+std::string textOf(const pugi::xml_node& node) {
+  std::string text;
+  gather(node, text);
+  return collapsed(text);
+}
+
+void visit(const pugi::xml_node& node, std::vector<pugi::xml_node>& elements) {
+  for (const pugi::xml_node& child : node.children()) {
+    if (child.type() != pugi::node_element) continue;
+    elements.push_back(child);
+    visit(child, elements);
+  }
+}
+
+struct Page {
+  fs::path file;
+  std::string bytes;
+  pugi::xml_document document;
+  std::vector<pugi::xml_node> elements;
+  std::string text;
+  std::set<std::string> cells;
+  std::set<std::string> codes;
+
+  explicit Page(fs::path path) : file(std::move(path)), bytes(test::fileBytes(file)) {
+    constexpr unsigned kOptions = pugi::parse_default | pugi::parse_ws_pcdata | pugi::parse_doctype;
+    const pugi::xml_parse_result result =
+        document.load_buffer(bytes.data(), bytes.size(), kOptions, pugi::encoding_utf8);
+    EXPECT_TRUE(result) << file << ": " << result.description() << " at byte " << result.offset;
+    visit(document, elements);
+    text = textOf(document);
+    for (const pugi::xml_node& element : elements) {
+      const std::string_view name = element.name();
+      if (name == "td") cells.insert(textOf(element));
+      if (name == "code") codes.insert(textOf(element));
+    }
+  }
+};
+
+/// The messages of one language, as a user sees them.
+class Messages {
+ public:
+  explicit Messages(const std::string& language) {
+    services::releaseMessages();
+    host_.useMessages(language);
+  }
+  ~Messages() { services::releaseMessages(); }
+  Messages(const Messages&) = delete;
+  Messages& operator=(const Messages&) = delete;
+
+  [[nodiscard]] std::string at(std::uint32_t id) {
+    const std::string text = platform::toUtf8(services::getMessage(107, id));
+    EXPECT_NE(text, "*" + std::to_string(id) + "*");
+    return text;
+  }
+  /// Without the mark of the access key.
+  [[nodiscard]] std::string caption(std::uint32_t id) {
+    std::string text = at(id);
+    std::erase(text, '&');
+    return collapsed(text);
+  }
+  /// The lines of a longer text.
+  [[nodiscard]] std::vector<std::string> lines(std::uint32_t id) {
+    std::vector<std::string> result;
+    std::string line;
+    for (const char c : at(id) + "\n") {
+      if (c != '\n') {
+        line += c;
+        continue;
+      }
+      if (!collapsed(line).empty()) result.push_back(collapsed(line));
+      line.clear();
+    }
+    return result;
+  }
+
+ private:
+  test::FakeHost host_;
+};
+
+/// What a page has to hold, by numbers of messages.
+struct PageContent {
+  const char* page;
+  std::uint32_t title;
+  /// Captions of controls, and heads and columns of the report: each fills a cell of a table.
+  std::vector<std::uint32_t> controls;
+  std::vector<std::uint32_t> columns;
+  /// Words of the report, and entries of lists: each stands by itself as code, with a number behind it or not.
+  std::vector<std::uint32_t> words;
+  /// Prompts, questions and complaints.
+  std::vector<std::uint32_t> sayings;
+};
+
+std::vector<PageContent> contents() {
+  return {
+      {"project-resources/LVX_015_001.html",
+       101,
+       {102, 103, 104, 105, 107, 108, 114, 115, 116, 4, 5},
+       {122, 123, 124, 125},
+       {109},
+       {110, 111, 112, 113, 227, 228, 229}},
+      {"project-resources/LVX_015_002.html",
+       201,
+       {202, 103, 104, 203, 221, 108, 114, 115, 116, 4, 5},
+       {210, 211, 212, 213, 214, 215, 216, 217, 218, 219},
+       {109, 226},
+       {110, 111, 222, 223, 224, 225, 227, 228, 229}},
+      {"project-resources/LVX_015_003.html",
+       301,
+       {102, 103, 104, 302, 341, 105, 108, 114, 115, 116, 4, 5, 8},
+       {310, 311, 312, 313, 303, 343, 344, 304, 314, 315, 316, 305, 306, 307, 320, 308, 321, 322, 309, 323},
+       {109, 324, 325, 329, 330, 331, 332, 333, 334, 335, 336, 337, 338, 339, 340, 346},
+       {3, 110, 111, 112, 227, 228, 229, 318, 319, 326, 327, 328, 342, 345, 347, 348}},
+  };
+}
+
+TEST(HelpPages, AreThereInBothLanguagesAndNoOthers) {
+  for (const std::string& language : kLanguages) {
+    std::set<std::string> found;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(kHelp / language))
+      if (entry.is_regular_file()) found.insert(entry.path().lexically_relative(kHelp / language).generic_string());
+    std::set<std::string> expected(kPages.begin(), kPages.end());
+    expected.insert("style.css");
+    EXPECT_EQ(found, expected) << language;
+  }
+}
+
+TEST(HelpPages, ArePlainPagesOfTheirLanguage) {
+  const std::set<std::string> plain{"html", "head", "meta",  "title", "link", "body", "h1",  "h2",   "h3", "p", "ul",
+                                    "li",   "pre",  "table", "tr",    "th",   "td",   "img", "code", "b",  "a", "br"};
+  for (const std::string& language : kLanguages) {
+    for (const std::string& name : kPages) {
+      const Page page(kHelp / language / name);
+      SCOPED_TRACE(page.file);
+      EXPECT_TRUE(page.bytes.starts_with("<!DOCTYPE html>\n<html lang=\"" + language + "\">"));
+      EXPECT_STREQ(page.document.child("html").child("head").child("meta").attribute("charset").value(), "utf-8");
+      EXPECT_FALSE(textOf(page.document.child("html").child("head").child("title")).empty());
+      std::size_t headings = 0;
+      for (const pugi::xml_node& element : page.elements) {
+        EXPECT_THAT(plain, Contains(element.name()));
+        headings += element.name() == std::string("h1") ? 1 : 0;
+        for (const pugi::xml_attribute& attribute : element.attributes()) {
+          EXPECT_THAT(attribute.name(), Not(testing::StartsWith("on")));
+          EXPECT_THAT(attribute.value(), Not(HasSubstr("//")));
+        }
+      }
+      EXPECT_EQ(headings, 1U);
+    }
+    EXPECT_THAT(test::fileBytes(kHelp / language / "style.css"),
+                testing::AllOf(Not(HasSubstr("url(")), Not(HasSubstr("@import"))));
+  }
+}
+
+TEST(HelpPages, HaveNoDeadLinks) {
+  for (const std::string& language : kLanguages) {
+    for (const std::string& name : kPages) {
+      const Page page(kHelp / language / name);
+      SCOPED_TRACE(page.file);
+      std::set<std::string> anchors;
+      for (const pugi::xml_node& element : page.elements) {
+        const pugi::xml_attribute id = element.attribute("id");
+        const bool isNew = !id || anchors.insert(id.value()).second;
+        EXPECT_TRUE(isNew) << id.value();
+      }
+      std::size_t links = 0;
+      for (const pugi::xml_node& element : page.elements) {
+        for (const char* kind : {"href", "src"}) {
+          if (!element.attribute(kind)) continue;
+          ++links;
+          const std::string target = element.attribute(kind).value();
+          if (target.starts_with("#")) {
+            EXPECT_THAT(anchors, Contains(target.substr(1)));
+            continue;
+          }
+          const fs::path file = (page.file.parent_path() / target).lexically_normal();
+          EXPECT_TRUE(fs::is_regular_file(file)) << target;
+          EXPECT_TRUE(file.string().starts_with(kHelp.string())) << target;
+        }
+      }
+      EXPECT_GE(links, 2U) << "the style sheet and a way to another page";
+    }
+  }
+}
+
+TEST(HelpPages, SayWhatDialogsAndReportsSay) {
+  for (const std::string& language : kLanguages) {
+    Messages messages(language);
+    for (const PageContent& content : contents()) {
+      const Page page(kHelp / language / content.page);
+      SCOPED_TRACE(page.file);
+      const pugi::xml_node body = page.document.child("html").child("body");
+      EXPECT_EQ(textOf(body.child("h1")), messages.caption(content.title));
+      EXPECT_THAT(page.cells, Contains("OK"));
+      for (const std::vector<std::uint32_t>* captions : {&content.controls, &content.columns})
+        for (const std::uint32_t id : *captions) EXPECT_THAT(page.cells, Contains(messages.caption(id))) << id;
+      for (const std::uint32_t id : content.words) {
+        const std::string word = messages.caption(id);
+        const bool found = page.codes.contains(word) || page.codes.contains(word + "1");
+        EXPECT_TRUE(found) << id << ": " << word;
+      }
+      for (const std::uint32_t id : content.sayings)
+        for (const std::string& line : messages.lines(id)) EXPECT_THAT(page.text, HasSubstr(line)) << id;
+    }
+  }
+}
+
+TEST(HelpPages, TellTheSameInBothLanguages) {
+  for (const std::string& name : kPages) {
+    std::vector<std::vector<std::string>> outlines;
+    for (const std::string& language : kLanguages) {
+      const Page page(kHelp / language / name);
+      std::vector<std::string> outline;
+      for (const pugi::xml_node& element : page.elements) {
+        const std::string tag = element.name();
+        if (tag != "b" && tag != "code") outline.push_back(tag + " " + element.attribute("src").value());
+      }
+      outlines.push_back(std::move(outline));
+    }
+    EXPECT_EQ(outlines[0], outlines[1]) << name;
+  }
+  EXPECT_EQ(test::fileBytes(kHelp / "en" / "style.css"), test::fileBytes(kHelp / "de" / "style.css"));
+}
+
+TEST(HelpPages, ShowEveryPictureOfTheDialogs) {
+  std::set<std::string> drawn;
+  for (const fs::directory_entry& entry : fs::directory_iterator(fs::path(LVX_SOURCE_DIR) / "resources"))
+    if (entry.path().extension() == ".xpm") drawn.insert(entry.path().stem().string());
+  std::set<std::string> shown;
+  for (const std::string& name : kPages)
+    for (const pugi::xml_node& element : Page(kHelp / "en" / name).elements)
+      if (element.attribute("src")) shown.insert(fs::path(element.attribute("src").value()).stem().string());
+  EXPECT_EQ(shown, drawn);
+  for (const std::string& name : drawn)
+    EXPECT_TRUE(test::fileBytes(kHelp / "pictures" / (name + ".png")).starts_with("\x89PNG\r\n")) << name;
+}
+
+}  // namespace
+}  // namespace lvx
