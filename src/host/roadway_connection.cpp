@@ -10,8 +10,17 @@ constexpr const wchar_t* kApplicationId = L"Vantor.Application.24";
 constexpr const wchar_t* kRoadwayId = L"QmtXUiRoadway.QmtRoadwayApplication.13.6";
 constexpr std::int16_t kAutomationTrue = -1;
 
-Ref<QmtRoadwayApplication> roadwayApplicationReference;
-Ref<QmtRoadwayDocument> roadwayDocumentReference;
+struct Connection {
+  Ref<QmtRoadwayApplication> application;
+  Ref<QmtRoadwayDocument> document;
+};
+
+/// Built when first asked for, so that whoever gives it up at unload can see to it that it is built first and destroyed
+/// last.
+Connection& connection() {
+  static Connection one;
+  return one;
+}
 
 int failed(Host& host, const CString& errorText, const wchar_t* step) {
   host.userInterface().messageBox(errorText + step, BoxButtons::Ok, BoxIcon::Stop);
@@ -27,18 +36,18 @@ int connectRoadway(Host& host, const CString& errorText) {
   active.application->setFlag(kAutomationTrue);
   auto roadway = std::dynamic_pointer_cast<QmtRoadwayApplication>(active.application->interfaceObject(kRoadwayId));
   if (!roadway) return failed(host, errorText, L" (1)");
-  roadwayApplicationReference = std::move(roadway);
-  roadwayDocumentReference = roadwayApplicationReference->activeDocument();
+  connection().application = std::move(roadway);
+  connection().document = connection().application->activeDocument();
   return 1;
 }
 
 int disconnectRoadway() {
-  if (!roadwayApplicationReference) return 0;
-  roadwayDocumentReference.reset();
-  roadwayApplicationReference.reset();
+  if (!connection().application) return 0;
+  connection().document.reset();
+  connection().application.reset();
   return 1;
 }
 
-Ref<QmtRoadwayDocument> roadwayDocument() { return roadwayDocumentReference; }
+Ref<QmtRoadwayDocument> roadwayDocument() { return connection().document; }
 
 }  // namespace lvx::host

@@ -4,6 +4,7 @@
 #include <exception>
 #include <filesystem>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "cli/command_line_front_end.h"
@@ -81,8 +82,11 @@ void requireFolder(runtime::StandinHost& host, const std::string& stem) {
   const host::CString wide = fromUtf8(stem);
   const std::size_t mark = host.platform().lastFolderMark(wide);
   const std::string folder = platform::toUtf8(wide.substr(0, mark == 0 ? 1 : mark));
-  if (!host.platform().exists(fromUtf8(folder)))
-    throw Failure(kNotWritten, "nothing was written: there is no folder '" + folder + "'");
+  std::error_code error;
+  if (std::filesystem::is_directory(folder, error)) return;
+  throw Failure(kNotWritten, "nothing was written: " + (std::filesystem::exists(folder, error)
+                                                            ? "'" + folder + "' is no folder"
+                                                            : "there is no folder '" + folder + "'"));
 }
 
 struct Expected {

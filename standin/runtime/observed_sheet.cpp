@@ -10,45 +10,34 @@
 
 namespace lvx::runtime {
 
-ObservedSheet::ObservedSheet(std::unique_ptr<host::Sheet> inner, FileJournal& journal, SheetFailure onFailure,
+ObservedSheet::ObservedSheet(std::unique_ptr<host::Sheet> inner, FileJournal& journal,
                              std::function<bool()> isInterrupted)
-    : inner_(std::move(inner)), journal_(journal), onFailure_(onFailure), isInterrupted_(std::move(isInterrupted)) {}
+    : inner_(std::move(inner)), journal_(journal), isInterrupted_(std::move(isInterrupted)) {}
+
+void ObservedSheet::checkInterrupted() const {
+  if (isInterrupted_ && isInterrupted_()) throw Interrupted();
+}
 
 bool ObservedSheet::start() { return inner_->start(); }
 
-template <class Operation>
-void ObservedSheet::attempt(Operation operation) {
-  if (isInterrupted_ && isInterrupted_()) throw Interrupted();
-  if (failed_) return;
-  try {
-    operation();
-  } catch (const framework::AutomationException& failure) {
-    failed_ = true;
-    reason_ = failure.what();
-    if (onFailure_ == SheetFailure::Raise) throw;
-  }
-}
-
 void ObservedSheet::writeCell(const host::CString& cellName, const host::CString& text) {
-  attempt([&] { inner_->writeCell(cellName, text); });
+  checkInterrupted();
+  inner_->writeCell(cellName, text);
 }
 
 void ObservedSheet::writeNumberCell(const host::CString& cellName, const host::CString& text) {
-  attempt([&] { inner_->writeNumberCell(cellName, text); });
+  checkInterrupted();
+  inner_->writeNumberCell(cellName, text);
 }
 
 void ObservedSheet::finish(const host::CString& path) {
+  checkInterrupted();
   const std::string name = platform::toUtf8(path);
-  const auto recordFailure = [&] { journal_.add({FileFate::Failed, name, 0, reason_}); };
   try {
-    attempt([&] { inner_->finish(path); });
-  } catch (const framework::AutomationException&) {
-    recordFailure();
+    inner_->finish(path);
+  } catch (const framework::AutomationException& failure) {
+    journal_.add({FileFate::Failed, name, 0, failure.what()});
     throw;
-  }
-  if (failed_) {
-    recordFailure();
-    return;
   }
   std::error_code error;
   const std::uintmax_t bytes = std::filesystem::file_size(name, error);

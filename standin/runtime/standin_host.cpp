@@ -50,8 +50,7 @@ LoadedModule StandinHost::loadModule(const std::filesystem::path& file) {
 }
 
 std::unique_ptr<host::Sheet> StandinHost::createSheet() {
-  return std::make_unique<ObservedSheet>(std::make_unique<workbook::WorkbookSheet>(), journal_, options_.onSheetFailure,
-                                         options_.isInterrupted);
+  return std::make_unique<ObservedSheet>(std::make_unique<workbook::WorkbookSheet>(), journal_, options_.isInterrupted);
 }
 
 host::ActiveApplication StandinHost::activeApplication(const host::CString& /*programId*/) {

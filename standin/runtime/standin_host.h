@@ -28,7 +28,6 @@ struct HostOptions {
   std::vector<std::string> supportPaths;
   /// Files that are found under a name whatever their own: the message file that the user named.
   std::map<host::CString, std::string> files;
-  SheetFailure onSheetFailure = SheetFailure::Record;
   /// True once the user wants to stop; asked during long work.
   std::function<bool()> isInterrupted;
 };

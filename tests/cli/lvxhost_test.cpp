@@ -274,8 +274,20 @@ TEST_F(LvxhostTest, AFileWhereTheFolderShouldBeIsTold) {
   const RunResult result = run({"projection", kDrawing, "--alignment", "Axis", "--group", "Lines", "--surface",
                                 "Ground", "--out", (folder_ / "file").string() + "/road"});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_THAT(result.errors, HasSubstr("Not a directory"));
+  EXPECT_THAT(result.errors, HasSubstr("'" + (folder_ / "file").string() + "' is no folder"));
   EXPECT_EQ(result.output, "");
+}
+
+TEST_F(LvxhostTest, AWorkbookThatFailsToBeSavedEndsTheCommandAndIsTold) {
+  // Too long for a file name, so neither form can be put in place.
+  const std::string tooLong = (folder_ / std::string(252, 'a')).string();
+  const RunResult result = run({"projection", kDrawing, "--alignment", "Axis", "--group", "Lines", "--surface",
+                                "Ground", "--out", tooLong, "--forms", "xls,html"});
+  EXPECT_EQ(result.exitCode, 70);
+  EXPECT_THAT(result.errors, HasSubstr("can't write '" + tooLong + ".xls'"));
+  EXPECT_THAT(result.errors, HasSubstr("'" + tooLong + ".html' was not written"));
+  EXPECT_THAT(result.errors, HasSubstr("the command ended by an exception"));
+  EXPECT_EQ(fileCount(), 0U);
 }
 
 TEST_F(LvxhostTest, StandardOutputThatTakesNothingIsAnError) {

@@ -57,7 +57,6 @@ class ModuleHost {
     runtime::HostOptions options;
     options.platform.fixedMoment = 0;
     options.supportPaths = {LVX_SOURCE_DIR "/messages/en"};
-    options.onSheetFailure = runtime::SheetFailure::Raise;
     return options;
   }
 

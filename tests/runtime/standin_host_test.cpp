@@ -190,23 +190,16 @@ class FailingSheet final : public host::Sheet {
   void finish(const host::CString&) override { throw framework::AutomationException("the disk is full"); }
 };
 
-TEST(ObservedSheet, RecordsAFailedSaveAndGoesOn) {
+TEST(ObservedSheet, RecordsAFailedSaveAndLetsItEndTheCommand) {
   FileJournal journal;
-  ObservedSheet sheet(std::make_unique<FailingSheet>(), journal, SheetFailure::Record);
+  ObservedSheet sheet(std::make_unique<FailingSheet>(), journal);
   ASSERT_TRUE(sheet.start());
   sheet.writeCell(L"A1", L"text");
-  EXPECT_NO_THROW(sheet.finish(L"road.xls"));
+  EXPECT_THROW(sheet.finish(L"road.xls"), framework::AutomationException);
   ASSERT_EQ(journal.events().size(), 1U);
   EXPECT_EQ(journal.events()[0].fate, FileFate::Failed);
   EXPECT_EQ(journal.events()[0].path, "road.xls");
   EXPECT_EQ(journal.events()[0].reason, "the disk is full");
-}
-
-TEST(ObservedSheet, RaisesAFailedSaveWhereThatIsWanted) {
-  FileJournal journal;
-  ObservedSheet sheet(std::make_unique<FailingSheet>(), journal, SheetFailure::Raise);
-  EXPECT_THROW(sheet.finish(L"road.xls"), framework::AutomationException);
-  EXPECT_EQ(journal.events().at(0).fate, FileFate::Failed);
 }
 
 TEST(ObservedSheet, RecordsWhatARealWorkbookBecame) {
