@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -10,8 +11,12 @@
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
 
+#include "dialogs/my_dialog1.h"
+#include "dialogs/my_dialog4.h"
 #include "platform/posix/posix_platform.h"
+#include "runtime/dialog_state.h"
 #include "services/message_catalogue.h"
+#include "support/fake_companion.h"
 #include "support/fake_host.h"
 #include "support/run_program.h"
 
@@ -258,6 +263,50 @@ TEST(HelpPages, SayWhatDialogsAndReportsSay) {
   }
 }
 
+/// The page holds the caption of every control: in a cell of its own or, of a question, line by line in its text.
+void expectCaptions(dialogs::DialogBehaviour& dialog, const Page& page) {
+  using dialogs::ControlKind;
+  const runtime::DialogState state(dialog);
+  std::size_t captions = 0;
+  for (const dialogs::ControlTemplate& control : dialog.dialogTemplate().controls) {
+    switch (control.kind) {
+      case ControlKind::PushButton:
+      case ControlKind::DefaultButton:
+      case ControlKind::GroupBox:
+      case ControlKind::Label:
+      case ControlKind::CheckBox:
+        break;
+      default:
+        continue;
+    }
+    std::istringstream lines(platform::toUtf8(state.text(control.id)));
+    for (std::string line; std::getline(lines, line);) {
+      std::erase(line, '&');
+      if (collapsed(line).empty()) continue;
+      ++captions;
+      if (control.id == dialogs::CMyDialog4::kIdStatic)
+        EXPECT_THAT(page.text, HasSubstr(collapsed(line)));
+      else
+        EXPECT_THAT(page.cells, Contains(collapsed(line))) << control.id;
+    }
+  }
+  EXPECT_GT(captions, 3U);
+}
+
+TEST(HelpPages, NameEveryControlOfTheirDialogs) {
+  for (const std::string& language : kLanguages) {
+    SCOPED_TRACE(language);
+    services::releaseMessages();
+    test::FakeHost host;
+    host.useMessages(language);
+    test::FakeCompanion companion;
+    dialogs::CMyDialog1 projection(host);
+    expectCaptions(projection, Page(kHelp / language / "project-resources/LVX_015_001.html"));
+    dialogs::CMyDialog4 question(host);
+    expectCaptions(question, Page(kHelp / language / "project-resources/LVX_015_003.html"));
+  }
+}
+
 TEST(HelpPages, TellTheSameInBothLanguages) {
   for (const std::string& name : kPages) {
     std::vector<std::vector<std::string>> outlines;
@@ -273,6 +322,44 @@ TEST(HelpPages, TellTheSameInBothLanguages) {
     EXPECT_EQ(outlines[0], outlines[1]) << name;
   }
   EXPECT_EQ(test::fileBytes(kHelp / "en" / "style.css"), test::fileBytes(kHelp / "de" / "style.css"));
+}
+
+TEST(HelpPages, ShowTheProjectionReportAsItIsWritten) {
+  test::TemporaryFolder folder;
+  for (const std::string& language : kLanguages) {
+    test::RunRequest request;
+    request.program = fs::path(LVX_BINARY_DIR) / "bin" / "lvxhost";
+    request.arguments = {"--lang",      language,
+                         "--forms",     "txt",
+                         "projection",  LVX_SOURCE_DIR "/examples/valley-road.xml",
+                         "--alignment", "Valley road",
+                         "--group",     "Cross sections 20 m",
+                         "--surface",   "Existing ground",
+                         "--out",       (folder / language).string()};
+    const test::RunResult run = test::runProgram(request);
+    ASSERT_EQ(run.exitCode, 0) << run.errors;
+    std::string report = test::fileBytes(folder / (language + ".txt"));
+    std::erase(report, '\r');
+
+    const Page page(kHelp / language / "project-resources/LVX_015_001.html");
+    const auto example = std::find_if(page.elements.begin(), page.elements.end(), [](const pugi::xml_node& element) {
+      return element.name() == std::string("pre");
+    });
+    ASSERT_NE(example, page.elements.end());
+    std::istringstream lines(example->text().get());
+    std::size_t rows = 0;
+    std::size_t behind = 0;
+    for (std::string line; std::getline(lines, line);) {
+      const bool isOwn = line.starts_with("* ") && line.find(" : ") != std::string::npos;  // path, date, time
+      if (line.empty() || isOwn || line.find("...") != std::string::npos) continue;
+      const std::size_t at = report.find(line + "\n", behind);
+      EXPECT_NE(at, std::string::npos) << line;
+      if (at == std::string::npos) break;
+      behind = at + line.size();
+      ++rows;
+    }
+    EXPECT_GT(rows, 15U);
+  }
 }
 
 TEST(HelpPages, ShowEveryPictureOfTheDialogs) {
