@@ -62,15 +62,16 @@ bool isYes(const std::string& answer) {
 
 }  // namespace
 
-void StepDialogs::expect(std::string dialogName, std::vector<DialogStep> steps) {
+void StepDialogs::expect(std::string dialogName, std::vector<std::vector<DialogStep>> openings) {
   dialogName_ = std::move(dialogName);
-  steps_ = std::move(steps);
+  openings_ = std::move(openings);
+  opened_ = 0;
 }
 
 int StepDialogs::runModal(dialogs::DialogBehaviour& dialog, void* /*parent*/) {
   DialogState state(dialog);
-  if (dialog.dialogTemplate().name == dialogName_) {
-    for (const DialogStep& step : steps_) {
+  if (dialog.dialogTemplate().name == dialogName_ && opened_ < openings_.size()) {
+    for (const DialogStep& step : openings_[opened_++]) {
       if (state.closedWith()) break;
       if (const Refusal refusal = take(state, step); refusal != Refusal::None)
         throw std::logic_error("dialog " + dialogName_ + ": control " + std::to_string(step.control) + " " +
@@ -83,6 +84,7 @@ int StepDialogs::runModal(dialogs::DialogBehaviour& dialog, void* /*parent*/) {
 
 BoxAnswer CommandLineFrontEnd::messageBox(const CString& text, BoxButtons buttons, host::BoxIcon /*icon*/) {
   const std::string words = toUtf8(text);
+  if (buttons != BoxButtons::Ok) ++questions_;
   switch (buttons) {
     case BoxButtons::Ok:
       say(words);
@@ -122,7 +124,7 @@ std::optional<civil::Handle> CommandLineFrontEnd::pickEntity(const CString&) { r
 
 std::optional<std::vector<civil::Handle>> CommandLineFrontEnd::selectEntities(const CString&, const CString&,
                                                                               const CString&) {
-  return std::nullopt;
+  return points_;
 }
 
 }  // namespace lvx::cli

@@ -21,20 +21,21 @@ struct DialogStep {
   host::CString text;
 };
 
-/// Answers dialogs of one name by fixed steps, once for each opening; what the steps leave open, and every other
-/// dialog, is cancelled. A step that the dialog refuses throws std::logic_error.
+/// Answers dialogs of one name by fixed steps, others for each opening; what the steps leave open, any further opening
+/// and every other dialog is cancelled. A step that the dialog refuses throws std::logic_error.
 class StepDialogs final : public dialogs::DialogRunner {
  public:
-  void expect(std::string dialogName, std::vector<DialogStep> steps);
+  void expect(std::string dialogName, std::vector<std::vector<DialogStep>> openings);
   int runModal(dialogs::DialogBehaviour& dialog, void* parent) override;
 
  private:
   std::string dialogName_;
-  std::vector<DialogStep> steps_;
+  std::vector<std::vector<DialogStep>> openings_;
+  std::size_t opened_ = 0;
 };
 
 /// The command line in place of a user: questions are answered by the options or, on a terminal, by the person there;
-/// nothing is ever picked.
+/// nothing is ever picked but the points that were named.
 class CommandLineFrontEnd final : public runtime::FrontEnd {
  public:
   /// `helpFolder` holds the help pages in the user's language.
@@ -43,6 +44,11 @@ class CommandLineFrontEnd final : public runtime::FrontEnd {
 
   /// The steps for the dialogs that the command opens.
   [[nodiscard]] StepDialogs& steps() { return dialogs_; }
+
+  /// What every selection of points gives from here on.
+  void selectPoints(std::vector<civil::Handle> handles) { points_ = std::move(handles); }
+  /// How often a question was asked, whoever answered it.
+  [[nodiscard]] std::size_t questions() const { return questions_; }
 
   host::BoxAnswer messageBox(const host::CString& text, host::BoxButtons buttons, host::BoxIcon icon) override;
   [[nodiscard]] std::optional<host::CString> saveFileBox(const host::CString& filter, std::uint32_t flags) override;
@@ -60,6 +66,8 @@ class CommandLineFrontEnd final : public runtime::FrontEnd {
  private:
   Overwrite overwrite_;
   std::filesystem::path helpFolder_;
+  std::optional<std::vector<civil::Handle>> points_;
+  std::size_t questions_ = 0;
   StepDialogs dialogs_;
 };
 

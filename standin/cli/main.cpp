@@ -8,6 +8,7 @@
 #include "cli/interruption.h"
 #include "cli/options.h"
 #include "cli/play_command.h"
+#include "cli/points_command.h"
 #include "cli/projection_command.h"
 #include "cli/terminal.h"
 #include "runtime/open_drawing.h"
@@ -104,6 +105,33 @@ void addProjection(CLI::App& app, ProjectionOptions& options) {
       "      an alignment outside any site, two forms, into the current folder\n");
 }
 
+void addPoints(CLI::App& app, PointsOptions& options) {
+  app.add_option("DRAWING", options.drawing, "LandXML file")->required();
+  app.add_option("--alignment", options.alignment, "Name of the alignment that the points are measured against")
+      ->required()
+      ->type_name("NAME");
+  app.add_option("--site", options.site,
+                 "Its site; \"\" for the alignments outside any site (default: where the name is)")
+      ->type_name("NAME");
+  CLI::Option_group* source = app.add_option_group("Points", "Which points are reported: one of");
+  source->add_option("--point-group", options.group, "All points of this group")->type_name("NAME");
+  source->add_option("--points", options.points, "Points by their numbers, as if picked by hand: 1,5,7-9")
+      ->type_name("NUMBERS");
+  source->require_option(1);
+  app.add_option("--out", options.stem, "Path of the report files without extension; .txt, .xls and .html are added")
+      ->required()
+      ->type_name("STEM");
+  app.footer(
+      "Examples:\n"
+      "  lvxhost points examples/valley-road.xml --alignment 'Valley road' \\\n"
+      "      --point-group 'Control points' --out out/control-points\n"
+      "      writes out/control-points.txt, .xls and .html: number, coordinates, texts, station and offset\n"
+      "      of each point, in ascending order of stations\n"
+      "  lvxhost points examples/valley-road.xml --alignment 'Mill lane' --points 1,5,7-9 --out some \\\n"
+      "      --forms txt\n"
+      "      five points by their numbers, the text form alone\n");
+}
+
 void addPlay(CLI::App& app, PlayOptions& options) {
   app.add_option("DRAWING", options.drawing, "LandXML file")->required();
   app.add_option("SCRIPT", options.script, "JSON array of what a user does")->required();
@@ -131,6 +159,7 @@ int run(int argc, char** argv) {
   CommonOptions common;
   InfoOptions info;
   ProjectionOptions projection;
+  PointsOptions points;
   PlayOptions play;
 
   CLI::App app("lvxhost opens LandXML drawings and runs the road reports on them, without windows.", "lvxhost");
@@ -148,6 +177,10 @@ int run(int argc, char** argv) {
       app.add_subcommand("projection", "Write the profile projection report: the ground across an alignment");
   addProjection(*projectionCommand, projection);
   addCommonOptions(*projectionCommand, common);
+  CLI::App* pointsCommand =
+      app.add_subcommand("points", "Write the points report: points with station and offset against an alignment");
+  addPoints(*pointsCommand, points);
+  addCommonOptions(*pointsCommand, common);
   CLI::App* playCommand = app.add_subcommand("play", "Run commands by a script of what a user does");
   addPlay(*playCommand, play);
   addCommonOptions(*playCommand, common);
@@ -161,10 +194,13 @@ int run(int argc, char** argv) {
   }
   if (common.overwrite && common.keep) throw Failure(kUsage, "--overwrite and --keep exclude each other");
   projection.siteGiven = projectionCommand->count("--site") > 0;
+  points.siteGiven = pointsCommand->count("--site") > 0;
+  points.pointsGiven = pointsCommand->count("--points") > 0;
 
   ExitCode code = kDone;
   if (infoCommand->parsed()) code = runInfo(common, info);
   if (projectionCommand->parsed()) code = runProjection(common, projection);
+  if (pointsCommand->parsed()) code = runPoints(common, points);
   if (playCommand->parsed()) code = runPlay(common, play);
   finishOutput();
   return code;

@@ -128,4 +128,11 @@ const civil::SurfaceObject& findSurface(const civil::Drawing& drawing, const std
   unknown("no surface '" + name + "' in the drawing", namesOf(drawing.surfaces), name, "it holds no surfaces");
 }
 
+const civil::PointGroup& findPointGroup(const civil::Drawing& drawing, const std::string& name) {
+  for (const civil::PointGroup& group : drawing.pointGroups)
+    if (group.name == name) return group;
+  unknown("no point group '" + name + "' in the drawing", namesOf(drawing.pointGroups), name,
+          "it holds no point groups");
+}
+
 }  // namespace lvx::cli

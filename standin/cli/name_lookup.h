@@ -32,6 +32,8 @@ struct FoundAlignment {
 [[nodiscard]] const civil::SampleLineGroup& findGroup(const civil::AlignmentObject& alignment, const std::string& name);
 [[nodiscard]] const civil::SurfaceObject& findSurface(const civil::Drawing& drawing, const std::string& name);
 
+[[nodiscard]] const civil::PointGroup& findPointGroup(const civil::Drawing& drawing, const std::string& name);
+
 /// The rows of the dialogs' site list: the alignments without a site first, then the sites, each only where it has
 /// alignments.
 [[nodiscard]] std::vector<const civil::Site*> siteRows(const civil::Drawing& drawing);

@@ -51,6 +51,18 @@ struct ProjectionOptions {
   std::string stem;
 };
 
+struct PointsOptions {
+  std::string drawing;
+  std::string alignment;
+  std::string site;
+  bool siteGiven = false;
+  std::string group;
+  /// "1,5,7-9", in place of a group where given.
+  std::string points;
+  bool pointsGiven = false;
+  std::string stem;
+};
+
 struct PlayOptions {
   std::string drawing;
   std::string script;

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/failure.h"
-#include "cli/projection_command.h"
+#include "cli/report_run.h"
 
 namespace lvx::cli {
 namespace {

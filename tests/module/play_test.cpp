@@ -117,6 +117,36 @@ TEST_F(PlayTest, AChangeOfAlignmentLeavesTheGroupUnselectedWhileOkStaysEnabled) 
   EXPECT_TRUE(matchesTranscript(result, "scripts/change-of-alignment/transcript.jsonl"));
 }
 
+TEST_F(PlayTest, ThePointsOfAChosenGroupAreWritten) {
+  const test::RunResult result = playExample("points-of-a-group");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/points-of-a-group/transcript.jsonl"));
+  EXPECT_TRUE(stands("out/stones.txt"));
+  EXPECT_FALSE(stands("out/stones.xls"));
+}
+
+TEST_F(PlayTest, PickedPointsWinAtEachOpeningAlsoBehindAPickOfAnAlignment) {
+  const test::RunResult result = playExample("points-picked");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/points-picked/transcript.jsonl"));
+  for (const char* form : {"out/picked.txt", "out/picked.xls", "out/picked.html"}) EXPECT_TRUE(stands(form)) << form;
+}
+
+TEST_F(PlayTest, APickOfPointsThatIsGivenUpLeavesNoneAndNoFile) {
+  const test::RunResult result = playExample("points-pick-given-up");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/points-pick-given-up/transcript.jsonl"));
+  for (const char* form : {"out/nothing.txt", "out/nothing.xls", "out/nothing.html"}) EXPECT_FALSE(stands(form));
+}
+
+TEST_F(PlayTest, ThePointsDialogComesBackAfterAPathThatLeadsNowhere) {
+  const test::RunResult result = playExample("points-path-failures");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/points-path-failures/transcript.jsonl"));
+  EXPECT_TRUE(stands("out/points.html"));
+  EXPECT_FALSE(stands("out/points.txt"));
+}
+
 TEST_F(PlayTest, EveryExampleScriptIsPlayedHere) {
   int scripts = 0;
   for (const auto& entry : std::filesystem::directory_iterator(LVX_SOURCE_DIR "/examples/scripts")) {
@@ -125,7 +155,7 @@ TEST_F(PlayTest, EveryExampleScriptIsPlayedHere) {
     EXPECT_TRUE(std::filesystem::exists(test::goldenFolder() + "/scripts/" + entry.path().stem().string()))
         << entry.path();
   }
-  EXPECT_GE(scripts, 10);
+  EXPECT_GE(scripts, 14);
 }
 
 TEST_F(PlayTest, DialogsAreInTheLanguageThatWasAskedFor) {

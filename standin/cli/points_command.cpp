@@ -1,0 +1,84 @@
+#include "cli/points_command.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "cli/name_lookup.h"
+#include "cli/point_numbers.h"
+#include "cli/report_run.h"
+#include "cli/terminal.h"
+#include "platform/posix/posix_platform.h"
+
+namespace lvx::cli {
+
+using platform::fromUtf8;
+
+namespace {
+
+// The dialog that the command opens, and its controls beside those of all reports.
+constexpr const char* kDialog = "CExportPointsDlg";
+constexpr int kPointGroups = 102;
+constexpr int kPickPoints = 232;
+
+void tellWithoutElevation(std::size_t count) {
+  if (count > 0) say("points without an elevation: " + std::to_string(count) + "; the report shows 0.000 for them");
+}
+
+/// Chooses a group in the dialog; the sentence for a report without rows.
+std::string planGroup(const runtime::OpenDrawing& drawing, const std::string& name, bool quiet,
+                      std::vector<DialogStep>& steps) {
+  const civil::PointGroup& group = findPointGroup(drawing.drawing(), name);
+  steps.push_back(
+      {DialogStep::Kind::SelectRow, kPointGroups, rowOf(drawing.drawing().pointGroups, &group), fromUtf8(group.name)});
+  if (!quiet) {
+    tellWithoutElevation(static_cast<std::size_t>(
+        std::count_if(group.numbers.begin(), group.numbers.end(), [&drawing](std::int32_t number) {
+          const civil::Point* point = drawing.index().pointByNumber(number);
+          return point != nullptr && !point->hasElevation;
+        })));
+  }
+  return group.numbers.empty() ? "nothing was written: point group '" + name + "' holds no points"
+                               : "nothing was written: the report found no points of group '" + name + "'";
+}
+
+/// Picks points before the dialog opens for good; it then opens with them chosen.
+std::string planPicked(const runtime::OpenDrawing& drawing, const std::vector<NumberRange>& numbers, bool quiet,
+                       CommandLineFrontEnd& frontEnd) {
+  std::vector<civil::Handle> handles = handlesOfPoints(drawing.index(), numbers);
+  if (!quiet) {
+    tellWithoutElevation(
+        static_cast<std::size_t>(std::count_if(handles.begin(), handles.end(), [&drawing](civil::Handle handle) {
+          return !static_cast<const civil::Point*>(drawing.index().byHandle(handle)->object)->hasElevation;
+        })));
+  }
+  frontEnd.selectPoints(std::move(handles));
+  return "nothing was written: the report found none of the points";
+}
+
+}  // namespace
+
+ExitCode runPoints(const CommonOptions& common, const PointsOptions& options) {
+  const std::vector<NumberRange> numbers =
+      options.pointsGiven ? parsePointNumbers(options.points) : std::vector<NumberRange>();
+  return runReport(
+      common, {L"lvx_Report_Points", options.drawing, options.stem},
+      [&](const runtime::OpenDrawing& drawing, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
+        std::vector<DialogStep> steps = alignmentSteps(
+            drawing.drawing(),
+            findAlignment(drawing.drawing(), options.alignment, options.siteGiven ? &options.site : nullptr));
+        std::vector<std::vector<DialogStep>> openings;
+        std::string withoutRows;
+        if (options.pointsGiven) {
+          openings.push_back({{DialogStep::Kind::Click, kPickPoints, 0, {}}});
+          withoutRows = planPicked(drawing, numbers, common.quiet, frontEnd);
+        } else {
+          withoutRows = planGroup(drawing, options.group, common.quiet, steps);
+        }
+        steps.insert(steps.end(), closing.begin(), closing.end());
+        openings.push_back(std::move(steps));
+        frontEnd.steps().expect(kDialog, std::move(openings));
+        return withoutRows;
+      });
+}
+
+}  // namespace lvx::cli

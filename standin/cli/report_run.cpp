@@ -1,0 +1,159 @@
+#include "cli/report_run.h"
+
+#include <array>
+#include <exception>
+#include <filesystem>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include "cli/drawing_file.h"
+#include "cli/failure.h"
+#include "cli/host_setup.h"
+#include "cli/installation.h"
+#include "cli/name_lookup.h"
+#include "cli/terminal.h"
+#include "runtime/module_loader.h"
+#include "runtime/standin_host.h"
+
+namespace lvx::cli {
+
+using platform::fromUtf8;
+
+namespace {
+
+// Controls that the report dialogs share.
+constexpr int kSites = 261;
+constexpr int kAlignments = 263;
+constexpr int kStem = 100;
+
+struct Form {
+  const char* name;
+  int checkBox;
+};
+constexpr std::array<Form, 3> kForms{{{"txt", 274}, {"xls", 275}, {"html", 276}}};
+
+std::vector<DialogStep> closingSteps(const CommonOptions& common, const std::string& stem) {
+  using Kind = DialogStep::Kind;
+  std::vector<DialogStep> steps{{Kind::Type, kStem, 0, fromUtf8(stem)}};
+  for (const Form& form : kForms)
+    steps.push_back({common.writes(form.name) ? Kind::Tick : Kind::Untick, form.checkBox, 0, {}});
+  steps.push_back({Kind::Click, dialogs::kIdOk, 0, {}});
+  return steps;
+}
+
+/// The commands themselves say nothing where the folder is missing, so the user is told before they start.
+void requireFolder(runtime::StandinHost& host, const std::string& stem) {
+  const host::CString wide = fromUtf8(stem);
+  const std::size_t mark = host.platform().lastFolderMark(wide);
+  const std::string folder = platform::toUtf8(wide.substr(0, mark == 0 ? 1 : mark));
+  std::error_code error;
+  if (std::filesystem::is_directory(folder, error)) return;
+  throw Failure(kNotWritten, "nothing was written: " + (std::filesystem::exists(folder, error)
+                                                            ? "'" + folder + "' is no folder"
+                                                            : "there is no folder '" + folder + "'"));
+}
+
+struct Expected {
+  std::string path;
+  bool stood = false;  ///< something stood there before the command
+};
+
+/// What became of one form, on standard output or standard error.
+bool tellOutcome(const runtime::StandinHost& host, const Expected& expected, bool quiet) {
+  const runtime::FileEvent* event = host.journal().last(expected.path);
+  if (event != nullptr && event->fate == runtime::FileFate::Written) {
+    if (!quiet) print(expected.path + "  " + std::to_string(event->bytes) + " bytes\n");
+    return true;
+  }
+  if (event != nullptr && event->fate == runtime::FileFate::Failed)
+    say("can't write '" + expected.path + "': " + event->reason);
+  else if (event == nullptr && expected.stood)
+    say("kept '" + expected.path + "', which exists; --overwrite replaces it");
+  else
+    say("'" + expected.path + "' was not written");
+  return false;
+}
+
+/// Runs a command of the loaded module by its name.
+void runCommand(runtime::StandinHost& host, const wchar_t* name) {
+  const runtime::RegisteredCommand* command = host.commands().find(name);
+  if (command == nullptr) throw std::runtime_error("the module registered no command '" + platform::toUtf8(name) + "'");
+  command->function();
+}
+
+/// The words of the exception that ended the command; empty where it ended by itself.
+std::string runModuleCommand(runtime::StandinHost& host, const CommonOptions& common, const wchar_t* name) {
+  try {
+    const auto module = host.loadModule(common.module.empty() ? moduleFile() : std::filesystem::path(common.module));
+    try {
+      runCommand(host, name);
+    } catch (const runtime::Interrupted&) {
+      throw;
+    } catch (const std::exception& error) {
+      return error.what();
+    }
+  } catch (const runtime::ModuleError& error) {
+    throw Failure(kNotWritten, error.what());
+  }
+  return {};
+}
+
+bool nothingHappened(const runtime::StandinHost& host, const CommandLineFrontEnd& frontEnd,
+                     const std::vector<Expected>& expected) {
+  if (frontEnd.questions() > 0) return false;
+  for (const Expected& form : expected)
+    if (host.journal().last(form.path) != nullptr) return false;
+  return true;
+}
+
+}  // namespace
+
+std::string dialogStem(const std::string& given) {
+  const std::size_t mark = given.find_last_of("/\\");
+  if (given.empty() || mark == given.size() - 1)
+    throw Failure(kUsage, "--out needs a file name without extension, such as 'out/road'" +
+                              (given.empty() ? std::string() : ", not just the folder '" + given + "'"));
+  return mark == std::string::npos ? "./" + given : given;
+}
+
+std::vector<DialogStep> alignmentSteps(const civil::Drawing& drawing, const FoundAlignment& found) {
+  using Kind = DialogStep::Kind;
+  return {
+      {Kind::SelectRow, kSites, rowOf(siteRows(drawing), found.site), fromUtf8(found.site->name)},
+      {Kind::SelectRow, kAlignments, rowOf(found.site->alignments, found.alignment), fromUtf8(found.alignment->name)}};
+}
+
+ExitCode runReport(const CommonOptions& common, const ReportRun& run, const ReportPlan& plan) {
+  const std::string stem = dialogStem(run.stem);
+  CommandLineFrontEnd frontEnd(common.overwriteMode(), helpFolder(common.language));
+  const auto host = makeHost(frontEnd, common);
+  civil::Drawing drawing = loadDrawing(run.drawing, common.progressMode());
+  if (!common.quiet) tellDiagnostics(drawing);
+  host->open(std::move(drawing));
+  const std::string nothingWritten = plan(*host->openDrawing(), closingSteps(common, stem), frontEnd);
+  requireFolder(*host, stem);
+
+  std::vector<Expected> expected;
+  for (const Form& form : kForms) {
+    if (!common.writes(form.name)) continue;
+    std::string path = stem + "." + form.name;
+    const bool stood = host->platform().exists(fromUtf8(path));
+    expected.push_back({std::move(path), stood});
+  }
+
+  const std::string endedBy = runModuleCommand(*host, common, run.command);
+  if (endedBy.empty() && !nothingWritten.empty() && nothingHappened(*host, frontEnd, expected)) {
+    say(nothingWritten);
+    return kNotWritten;
+  }
+  bool complete = true;
+  for (const Expected& form : expected) complete = tellOutcome(*host, form, common.quiet) && complete;
+  if (!endedBy.empty()) {
+    say("the command ended by an exception: " + endedBy);
+    return kException;
+  }
+  return complete ? kDone : kNotWritten;
+}
+
+}  // namespace lvx::cli

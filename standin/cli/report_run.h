@@ -1,0 +1,62 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "cli/command_line_front_end.h"
+#include "cli/exit_codes.h"
+#include "cli/name_lookup.h"
+#include "cli/options.h"
+#include "runtime/open_drawing.h"
+
+/// What the report commands share: they run the module's own command over one drawing, answer its dialog as a user
+/// would, and tell what became of the files.
+namespace lvx::cli {
+
+/// One run of one report command.
+struct ReportRun {
+  /// The module's command.
+  const wchar_t* command = nullptr;
+  std::string drawing;
+  /// As the user gave it.
+  std::string stem;
+};
+
+/// Tells the front end what to do in the command's dialogs, given the open drawing. `closing` are the steps with which the
+/// last opening ends: stem typed, forms ticked, OK clicked. Every name is looked up here, before the command runs, so that
+/// a wrong one is told (Failure, kUnknownName) with what the dialog's lists would offer. The result is the sentence for a
+/// command that then ends without having written or asked anything; empty where that can't be.
+using ReportPlan = std::function<std::string(const runtime::OpenDrawing& drawing,
+                                             const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd)>;
+
+/// Runs the command and lists what was written on standard output, what wasn't on standard error. Throws Failure, and
+/// runtime::Interrupted where the user stopped it.
+[[nodiscard]] ExitCode runReport(const CommonOptions& common, const ReportRun& run, const ReportPlan& plan);
+
+/// The stem as it goes into the dialog: the module wants a folder in it, so a bare name gets the current one. Throws
+/// Failure (kUsage) for a stem without a file name.
+[[nodiscard]] std::string dialogStem(const std::string& given);
+
+/// The steps that select an alignment in the dialogs' lists of sites and alignments.
+[[nodiscard]] std::vector<DialogStep> alignmentSteps(const civil::Drawing& drawing, const FoundAlignment& found);
+
+/// Position of an object in a list of objects, of pointers or of owners; -1 where it isn't there.
+template <class Objects, class Object>
+int rowOf(const Objects& objects, const Object* wanted) {
+  int row = 0;
+  for (const auto& object : objects) {
+    if constexpr (requires { object.get(); }) {
+      if (object.get() == wanted) return row;
+    } else if constexpr (std::is_pointer_v<std::decay_t<decltype(object)>>) {
+      if (object == wanted) return row;
+    } else {
+      if (&object == wanted) return row;
+    }
+    ++row;
+  }
+  return -1;
+}
+
+}  // namespace lvx::cli
