@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -93,6 +94,9 @@ struct PointGroup {
 
 // ---------------------------------------------------------------- corridors
 
+/// Stations of corridors no further apart than this are one.
+inline constexpr double kSameStation = 1e-6;
+
 struct SectionPoint {
   double offset = 0.0;
   /// Relative to the baseline's profile (a baseline without one: to 0).
@@ -118,10 +122,13 @@ struct Region {
   std::string name;
   double startStation = 0.0;
   double endStation = 0.0;
-  /// Ascending; may ask for stations that hold no section yet, until the corridor is rebuilt.
-  std::vector<double> stations;
+  /// No two within kSameStation; may ask for stations that hold no section yet, until the corridor is rebuilt. A tree,
+  /// since a report adds its stations one by one.
+  std::set<double> stations;
   std::vector<CorridorSection> sections;        ///< ascending by station
   std::map<double, std::string> pendingLabels;  ///< labels of added stations without a section yet
+  /// False for a region that was read, or got a station, since it was last rebuilt.
+  bool isRebuilt = false;
 };
 
 struct Baseline {

@@ -13,8 +13,7 @@ namespace lvx::landxml::detail {
 
 namespace {
 
-/// Stations closer than this are one.
-constexpr double kSameStation = 1e-6;
+using civil::kSameStation;
 
 class CorridorReader {
  public:
@@ -97,10 +96,11 @@ civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRec
   else if (!sections.empty())
     context_.warn(node, who + ": its alignment has no CrossSects '" + shown(sections) + "'");
 
-  if (const auto stations = property(node, "stations")) {
-    NumberList list = readNumbers(*stations);
+  std::vector<double> stations;
+  if (const auto given = property(node, "stations")) {
+    NumberList list = readNumbers(*given);
     if (!list.problem.empty()) context_.warn(node, who + ": stations: " + list.problem + "; those before it are taken");
-    region.stations = std::move(list.values);
+    stations = std::move(list.values);
   }
   struct Added {
     double station;
@@ -115,12 +115,13 @@ civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRec
       context_.warn(child, who + ": an added station has no station; left out");
   });
   // Whatever has a section or was added belongs to the list, also where a file forgot it.
-  for (const auto& section : region.sections) region.stations.push_back(section.station);
-  for (const Added& a : added) region.stations.push_back(a.station);
-  std::stable_sort(region.stations.begin(), region.stations.end());
-  region.stations.erase(std::unique(region.stations.begin(), region.stations.end(),
-                                    [](double a, double b) { return b - a <= kSameStation; }),
-                        region.stations.end());
+  for (const auto& section : region.sections) stations.push_back(section.station);
+  for (const Added& a : added) stations.push_back(a.station);
+  std::stable_sort(stations.begin(), stations.end());
+  stations.erase(
+      std::unique(stations.begin(), stations.end(), [](double a, double b) { return b - a <= kSameStation; }),
+      stations.end());
+  region.stations.insert(stations.begin(), stations.end());
   for (const Added& a : added) {
     const auto at = std::lower_bound(region.sections.begin(), region.sections.end(), a.station - kSameStation,
                                      [](const auto& section, double station) { return section.station < station; });
@@ -133,9 +134,9 @@ civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRec
 
   const auto start = stationProperty(node, "staStart", who);
   const auto end = stationProperty(node, "staEnd", who);
-  if ((!start || !end) && region.stations.empty()) context_.warn(node, who + ": has neither bounds nor stations");
-  region.startStation = start.value_or(region.stations.empty() ? end.value_or(0.0) : region.stations.front());
-  region.endStation = end.value_or(region.stations.empty() ? region.startStation : region.stations.back());
+  if ((!start || !end) && stations.empty()) context_.warn(node, who + ": has neither bounds nor stations");
+  region.startStation = start.value_or(stations.empty() ? end.value_or(0.0) : stations.front());
+  region.endStation = end.value_or(stations.empty() ? region.startStation : stations.back());
   if (region.endStation < region.startStation) {
     context_.warn(node, who + ": its bounds stand in the wrong order; they are exchanged");
     std::swap(region.startStation, region.endStation);
@@ -235,10 +236,10 @@ void CorridorReader::readForeign(const AlignmentRecord& alignment, const std::ve
     region.name = attributeText(design, "name");
     if (region.name.empty()) region.name = "R" + std::to_string(baseline.regions.size() + 1);
     region.sections = readCorridorSections(context_, design, baseline.profile, speaker);
-    for (const auto& section : region.sections) region.stations.push_back(section.station);
-    if (!region.stations.empty()) {
-      region.startStation = region.stations.front();
-      region.endStation = region.stations.back();
+    for (const auto& section : region.sections) region.stations.insert(region.stations.end(), section.station);
+    if (!region.sections.empty()) {
+      region.startStation = region.sections.front().station;
+      region.endStation = region.sections.back().station;
     }
     baseline.regions.push_back(std::move(region));
   }

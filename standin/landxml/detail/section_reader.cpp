@@ -287,7 +287,7 @@ std::vector<civil::CorridorSection> readCorridorSections(Context& context, pugi:
   std::stable_sort(sections.begin(), sections.end(),
                    [](const auto& a, const auto& b) { return a.station < b.station; });
   const auto sameStation = [&](const auto& a, const auto& b) {
-    if (b.station - a.station > 1e-6) return false;
+    if (b.station - a.station > civil::kSameStation) return false;
     context.warn(crossSects, speaker + ": two sections stand at " + shownNumber(a.station) + "; the first one holds");
     return true;
   };

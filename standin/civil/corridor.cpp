@@ -1,0 +1,196 @@
+#include "civil/corridor.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <string>
+#include <utility>
+
+namespace lvx::civil {
+
+namespace {
+
+/// A recomputed offset or elevation this close to the one that stands is the same: what a file rounds in its last
+/// digits must not make a rebuild change the drawing.
+constexpr double kSameValue = 1e-9;
+
+constexpr std::uint64_t kProgressStep = 512;
+
+bool isSameStation(double a, double b) { return std::abs(a - b) <= kSameStation; }
+
+bool holds(const Region& region, double station) {
+  return region.startStation - kSameStation <= station && station <= region.endStation + kSameStation;
+}
+
+bool asksFor(const Region& region, double station) {
+  const auto at = region.stations.lower_bound(station - kSameStation);
+  return at != region.stations.end() && isSameStation(*at, station);
+}
+
+/// The first section that isn't below `station` by more than the tolerance.
+template <class Sections>
+auto firstFrom(Sections& sections, double station) {
+  return std::lower_bound(sections.begin(), sections.end(), station - kSameStation,
+                          [](const CorridorSection& section, double wanted) { return section.station < wanted; });
+}
+
+// ---------------------------------------------------------------- the law of the rebuild
+
+bool haveSameShape(const CorridorSection& a, const CorridorSection& b) {
+  const auto sameCodes = [](const SectionPoint& p, const SectionPoint& q) { return p.codes == q.codes; };
+  const auto samePart = [&](const SectionPart& p, const SectionPart& q) {
+    return p.codes == q.codes &&
+           std::equal(p.points.begin(), p.points.end(), q.points.begin(), q.points.end(), sameCodes);
+  };
+  return std::equal(a.parts.begin(), a.parts.end(), b.parts.begin(), b.parts.end(), samePart);
+}
+
+bool haveSameValues(const CorridorSection& a, const CorridorSection& b) {
+  const auto sameValues = [](const SectionPoint& p, const SectionPoint& q) {
+    return std::abs(p.offset - q.offset) <= kSameValue && std::abs(p.elevation - q.elevation) <= kSameValue;
+  };
+  return haveSameShape(a, b) &&
+         std::equal(a.parts.begin(), a.parts.end(), b.parts.begin(), [&](const SectionPart& p, const SectionPart& q) {
+           return std::equal(p.points.begin(), p.points.end(), q.points.begin(), sameValues);
+         });
+}
+
+/// Gives the parts at ascending stations, each from the controls around it.
+class ControlWalk {
+ public:
+  explicit ControlWalk(const std::vector<CorridorSection>& sections) {
+    for (const CorridorSection& section : sections)
+      if (section.origin == SectionOrigin::Given) controls_.push_back(&section);
+  }
+  [[nodiscard]] bool isEmpty() const { return controls_.empty(); }
+
+  /// `station` must not be below that of the last call.
+  [[nodiscard]] std::vector<SectionPart> partsAt(double station) {
+    while (next_ < controls_.size() && controls_[next_]->station <= station) {
+      ++next_;
+      runsOn_ = next_ < controls_.size() && haveSameShape(*controls_[next_ - 1], *controls_[next_]);
+    }
+    const CorridorSection& nearest = *controls_[next_ == 0 ? 0 : next_ - 1];
+    std::vector<SectionPart> parts = nearest.parts;
+    if (runsOn_) {
+      const CorridorSection& after = *controls_[next_];
+      blend(parts, after.parts, (station - nearest.station) / (after.station - nearest.station));
+    }
+    return parts;
+  }
+
+ private:
+  static void blend(std::vector<SectionPart>& parts, const std::vector<SectionPart>& other, double ratio) {
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+      for (std::size_t k = 0; k < parts[i].points.size(); ++k) {
+        SectionPoint& point = parts[i].points[k];
+        const SectionPoint& towards = other[i].points[k];
+        point.offset += ratio * (towards.offset - point.offset);
+        point.elevation += ratio * (towards.elevation - point.elevation);
+      }
+    }
+  }
+
+  std::vector<const CorridorSection*> controls_;
+  std::size_t next_ = 0;  ///< the first control beyond the last station
+  bool runsOn_ = false;   ///< there is a control on both sides, and they have one shape
+};
+
+/// What every station of the region's set asks for and doesn't have, ascending. One that takes the place of a section
+/// has that section's exact station.
+template <class Tick>
+std::vector<CorridorSection> sectionsToCompute(const Region& region, ControlWalk& controls, const Tick& tick) {
+  std::vector<CorridorSection> result;
+  auto at = region.sections.begin();
+  auto answered = region.sections.end();  // one section may stand for two stations, a little above and below it
+  for (const double station : region.stations) {
+    tick();
+    while (at != region.sections.end() && at->station < station - kSameStation) ++at;
+    const bool stands = at != region.sections.end() && isSameStation(at->station, station);
+    if (stands && (at->origin == SectionOrigin::Given || at == answered)) continue;
+    CorridorSection section{stands ? at->station : station, {}, SectionOrigin::Computed, {}};
+    section.parts = controls.partsAt(section.station);
+    if (stands) {
+      answered = at;
+      if (haveSameValues(*at, section)) continue;
+      section.label = at->label;
+    }
+    const auto label = region.pendingLabels.lower_bound(station - kSameStation);
+    if (label != region.pendingLabels.end() && isSameStation(label->first, station)) section.label = label->second;
+    result.push_back(std::move(section));
+  }
+  return result;
+}
+
+/// Puts the computed sections between and in place of those that stand. Everything that can fail comes first.
+void exchange(Region& region, std::vector<CorridorSection> computed, Rebuilt& done) {
+  std::vector<CorridorSection> merged;
+  merged.reserve(region.sections.size() + computed.size());
+  done.replaced.reserve(done.replaced.size() + computed.size());
+  done.computed += computed.size();
+  auto fresh = computed.begin();
+  for (CorridorSection& section : region.sections) {
+    while (fresh != computed.end() && fresh->station < section.station) merged.push_back(std::move(*fresh++));
+    if (fresh != computed.end() && fresh->station == section.station) {
+      done.replaced.push_back(std::move(section));
+      merged.push_back(std::move(*fresh++));
+    } else {
+      merged.push_back(std::move(section));
+    }
+  }
+  std::move(fresh, computed.end(), std::back_inserter(merged));
+  region.sections = std::move(merged);
+  region.pendingLabels.clear();
+}
+
+template <class Tick>
+void rebuildRegion(Region& region, Rebuilt& done, const Tick& tick) {
+  ControlWalk controls(region.sections);
+  if (!controls.isEmpty()) exchange(region, sectionsToCompute(region, controls, tick), done);
+  region.isRebuilt = true;
+}
+
+}  // namespace
+
+const CorridorSection* sectionAt(const Region& region, double station) {
+  const CorridorSection* nearest = nullptr;
+  for (auto at = firstFrom(region.sections, station);
+       at != region.sections.end() && isSameStation(at->station, station); ++at) {
+    if (nearest == nullptr || std::abs(at->station - station) < std::abs(nearest->station - station)) nearest = &*at;
+  }
+  return nearest;
+}
+
+const CorridorSection* sectionAt(const Baseline& baseline, double station) {
+  for (const Region& region : baseline.regions)
+    if (holds(region, station)) return sectionAt(region, station);
+  for (const Region& region : baseline.regions)
+    if (asksFor(region, station)) return sectionAt(region, station);
+  return nullptr;
+}
+
+bool addStation(Region& region, double station, std::string_view label) {
+  if (!std::isfinite(station) || asksFor(region, station)) return false;
+  // Before the set, so that a failure between the two leaves a label that nobody asks for.
+  region.pendingLabels.insert_or_assign(station, std::string(label));
+  region.stations.insert(station);
+  region.isRebuilt = false;
+  return true;
+}
+
+void rebuild(Corridor& corridor, Rebuilt& done, const RebuildProgress& progress) {
+  std::uint64_t total = 0;
+  for (const Baseline& baseline : corridor.baselines)
+    for (const Region& region : baseline.regions)
+      if (!region.isRebuilt) total += region.stations.size();
+  std::uint64_t passed = 0;
+  const auto tick = [&] {
+    if (passed++ % kProgressStep == 0 && progress) progress(passed - 1, total);
+  };
+  for (Baseline& baseline : corridor.baselines)
+    for (Region& region : baseline.regions)
+      if (!region.isRebuilt) rebuildRegion(region, done, tick);
+  if (total > 0 && progress) progress(total, total);
+}
+
+}  // namespace lvx::civil
