@@ -6,11 +6,13 @@ namespace lvx::cli {
 
 namespace fs = std::filesystem;
 
-fs::path programFolder() {
+fs::path programFile() {
   std::error_code error;
   const fs::path program = fs::read_symlink("/proc/self/exe", error);
-  return error ? fs::current_path(error) : program.parent_path();
+  return error ? fs::current_path(error) / "lvxhost" : program;
 }
+
+fs::path programFolder() { return programFile().parent_path(); }
 
 fs::path moduleFile() {
   constexpr const char* kName = "LVX_MirelReport.vmx";

@@ -10,6 +10,8 @@ namespace lvx::cli {
 
 /// Folder of the running program.
 [[nodiscard]] std::filesystem::path programFolder();
+/// The running program itself.
+[[nodiscard]] std::filesystem::path programFile();
 /// The report module, or the place where it was looked for first.
 [[nodiscard]] std::filesystem::path moduleFile();
 /// Folder of a language's message file.

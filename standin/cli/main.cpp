@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "cli/batch_command.h"
 #include "cli/failure.h"
 #include "cli/info_command.h"
 #include "cli/interruption.h"
@@ -132,6 +133,22 @@ void addPoints(CLI::App& app, PointsOptions& options) {
       "      five points by their numbers, the text form alone\n");
 }
 
+void addBatch(CLI::App& app, BatchOptions& options) {
+  app.add_option("JOBS", options.jobs, "JSON Lines: a report a line")->required();
+  app.add_option("--jobs", options.atOnce, "Reports at a time (default: as many as there are processors)")
+      ->check(CLI::Range(1, 1024))
+      ->type_name("N");
+  app.footer(
+      "Each line is an object with a report command, its drawing and its options under their own names; blank lines "
+      "are\n"
+      "skipped. Paths are seen from the current folder. The common options hold for every job without its own:\n"
+      "  {\"command\": \"points\", \"drawing\": \"road.xml\", \"alignment\": \"A1\", \"point-group\": \"Edge\", "
+      "\"out\": \"edge\"}\n"
+      "Example:\n"
+      "  lvxhost batch examples/reports.jsonl --jobs 4 --overwrite\n"
+      "      every report in a process of its own; one that fails doesn't stop the others\n");
+}
+
 void addPlay(CLI::App& app, PlayOptions& options) {
   app.add_option("DRAWING", options.drawing, "LandXML file")->required();
   app.add_option("SCRIPT", options.script, "JSON array of what a user does")->required();
@@ -160,6 +177,7 @@ int run(int argc, char** argv) {
   InfoOptions info;
   ProjectionOptions projection;
   PointsOptions points;
+  BatchOptions batch;
   PlayOptions play;
 
   CLI::App app("lvxhost opens LandXML drawings and runs the road reports on them, without windows.", "lvxhost");
@@ -181,6 +199,9 @@ int run(int argc, char** argv) {
       app.add_subcommand("points", "Write the points report: points with station and offset against an alignment");
   addPoints(*pointsCommand, points);
   addCommonOptions(*pointsCommand, common);
+  CLI::App* batchCommand = app.add_subcommand("batch", "Write many reports from a file of jobs");
+  addBatch(*batchCommand, batch);
+  addCommonOptions(*batchCommand, common);
   CLI::App* playCommand = app.add_subcommand("play", "Run commands by a script of what a user does");
   addPlay(*playCommand, play);
   addCommonOptions(*playCommand, common);
@@ -201,6 +222,7 @@ int run(int argc, char** argv) {
   if (infoCommand->parsed()) code = runInfo(common, info);
   if (projectionCommand->parsed()) code = runProjection(common, projection);
   if (pointsCommand->parsed()) code = runPoints(common, points);
+  if (batchCommand->parsed()) code = runBatch(common, batch);
   if (playCommand->parsed()) code = runPlay(common, play);
   finishOutput();
   return code;

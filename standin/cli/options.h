@@ -63,6 +63,12 @@ struct PointsOptions {
   std::string stem;
 };
 
+struct BatchOptions {
+  std::string jobs;
+  /// Reports at a time; 0: as many as the machine has processors.
+  int atOnce = 0;
+};
+
 struct PlayOptions {
   std::string drawing;
   std::string script;

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace lvx::cli {
+
+/// How a process ended and what it said.
+struct ChildResult {
+  /// As it gave it; 128 and the signal's number where one ended it; 127 where it couldn't be started.
+  int exitCode = 127;
+  std::string output;
+  std::string errors;
+};
+
+/// A program that runs beside this one, with nothing on its standard input. One run at a time; `interrupt` may come from
+/// another thread.
+class ChildProcess {
+ public:
+  ChildProcess() = default;
+  ChildProcess(const ChildProcess&) = delete;
+  ChildProcess& operator=(const ChildProcess&) = delete;
+
+  /// Runs `program` to its end.
+  [[nodiscard]] ChildResult run(const std::filesystem::path& program, const std::vector<std::string>& arguments);
+  /// Asks the running program, if any, to stop, as Ctrl-C does.
+  void interrupt();
+
+ private:
+  int wait();
+
+  std::mutex mutex_;
+  pid_t pid_ = 0;
+};
+
+}  // namespace lvx::cli
