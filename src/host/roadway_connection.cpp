@@ -6,8 +6,6 @@ namespace lvx::host {
 
 namespace {
 
-constexpr const wchar_t* kApplicationId = L"Vantor.Application.24";
-constexpr const wchar_t* kRoadwayId = L"QmtXUiRoadway.QmtRoadwayApplication.13.6";
 constexpr std::int16_t kAutomationTrue = -1;
 
 struct Connection {
@@ -30,11 +28,12 @@ int failed(Host& host, const CString& errorText, const wchar_t* step) {
 }  // namespace
 
 int connectRoadway(Host& host, const CString& errorText) {
-  const ActiveApplication active = host.activeApplication(kApplicationId);
+  const ActiveApplication active = host.activeApplication(kApplicationProgramId);
   if (!active.found) return failed(host, errorText, L" (3)");
   if (!active.application) return failed(host, errorText, L" (2)");
   active.application->setFlag(kAutomationTrue);
-  auto roadway = std::dynamic_pointer_cast<QmtRoadwayApplication>(active.application->interfaceObject(kRoadwayId));
+  auto roadway =
+      std::dynamic_pointer_cast<QmtRoadwayApplication>(active.application->interfaceObject(kRoadwayProgramId));
   if (!roadway) return failed(host, errorText, L" (1)");
   connection().application = std::move(roadway);
   connection().document = connection().application->activeDocument();

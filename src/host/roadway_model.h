@@ -89,6 +89,11 @@ class QmtRoadwayApplication : public QmtObject {
   [[nodiscard]] virtual Ref<QmtRoadwayDocument> activeDocument() = 0;
 };
 
+/// The program identifier by which the running application is looked up.
+inline constexpr const wchar_t* kApplicationProgramId = L"Vantor.Application.24";
+/// The one by which it hands out the roadway application.
+inline constexpr const wchar_t* kRoadwayProgramId = L"QmtXUiRoadway.QmtRoadwayApplication.13.6";
+
 /// The host application's own automation object.
 class VantorApplication : public QmtObject {
  public:

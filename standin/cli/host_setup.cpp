@@ -11,6 +11,7 @@
 #include "cli/failure.h"
 #include "cli/installation.h"
 #include "cli/interruption.h"
+#include "cli/terminal.h"
 
 namespace lvx::cli {
 
@@ -40,6 +41,11 @@ std::unique_ptr<runtime::StandinHost> makeHost(runtime::FrontEnd& frontEnd, cons
   setup.platform.messageCodePage = options.messageCodePage;
   setup.platform.reportCodePage = options.reportCodePage;
   setup.isInterrupted = isInterrupted;
+  setup.startProgress = [mode = options.progressMode()](const std::string& work) {
+    return [line = std::make_shared<ProgressLine>(mode, work)](std::uint64_t done, std::uint64_t total) {
+      line->update(done, total);
+    };
+  };
   if (!options.messages.empty()) {
     const std::filesystem::path file(options.messages);
     std::error_code error;

@@ -1,11 +1,18 @@
 #include "runtime/command_runner.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
 namespace lvx::runtime {
 
 namespace {
+
+/// A module keeps one of each for as long as it is loaded: a command may leave one behind where there was none, put
+/// another in its place, or give it up.
+constexpr bool isKeptByModule(ModelKind kind) {
+  return kind == ModelKind::RoadwayApplication || kind == ModelKind::RoadwayDocument;
+}
 
 /// What a module may hold while a command runs and has to have given back at its end.
 struct Held {
@@ -39,9 +46,11 @@ void tellCount(std::vector<std::string>& misuse, std::size_t before, std::size_t
 
 std::vector<std::string> difference(const Held& before, const Held& after) {
   std::vector<std::string> misuse;
-  for (std::size_t kind = 0; kind < kModelKindCount; ++kind)
-    tellCount(misuse, before.objects[kind], after.objects[kind],
-              std::string("references of ") + modelKindName(static_cast<ModelKind>(kind)));
+  for (std::size_t i = 0; i < kModelKindCount; ++i) {
+    const auto kind = static_cast<ModelKind>(i);
+    const std::size_t allowed = isKeptByModule(kind) ? std::min<std::size_t>(after.objects[i], 1) : before.objects[i];
+    tellCount(misuse, allowed, after.objects[i], std::string("references of ") + modelKindName(kind));
+  }
   tellCount(misuse, before.locks, after.locks, "document locks");
   tellCount(misuse, before.openObjects, after.openObjects, "open objects");
   tellCount(misuse, before.selectionSets, after.selectionSets, "selection sets");

@@ -1,115 +1,42 @@
 #include "runtime/model_objects.h"
 
-#include <algorithm>
 #include <array>
 #include <deque>
-#include <limits>
 #include <memory>
 #include <utility>
 #include <vector>
 
 #include "host/run_time.h"
 #include "platform/posix/posix_platform.h"
+#include "runtime/detail/model_object.h"
 
 namespace lvx::runtime {
 
+using detail::ListObject;
+using detail::ModelObject;
+using detail::NamedListObject;
+using detail::RecordObject;
 using host::CString;
 using host::HostArray;
 using host::Ref;
 using host::VnDbObjectId;
 using platform::fromUtf8;
-using platform::toUtf8;
 
 namespace {
-
-/// What all model objects share: the drawing they came from and their place in its count.
-template <class Interface, ModelKind kind>
-class ModelObject : public Interface {
- public:
-  explicit ModelObject(OpenDrawingRef drawing) : drawing_(std::move(drawing)) { drawing_->liveObjects().add(kind); }
-  ~ModelObject() override { drawing_->liveObjects().remove(kind); }
-
- protected:
-  [[nodiscard]] const OpenDrawingRef& drawing() const { return drawing_; }
-
- private:
-  OpenDrawingRef drawing_;
-};
-
-/// A model object over one record of the drawing.
-template <class Interface, ModelKind kind, class Record>
-class RecordObject : public ModelObject<Interface, kind> {
- public:
-  RecordObject(const OpenDrawingRef& drawing, const Record& record)
-      : ModelObject<Interface, kind>(drawing), record_(record) {}
-
- protected:
-  [[nodiscard]] const Record& record() const { return record_; }
-
- private:
-  const Record& record_;
-};
-
-template <class T>
-const T& dereference(const T& value) {
-  return value;
-}
-template <class T>
-const T& dereference(const std::unique_ptr<T>& pointer) {
-  return *pointer;
-}
-
-/// A collection over a list of records; `Wrapper` is the model object of one of them.
-template <class Base, ModelKind kind, class Records, class Wrapper>
-class ListObject : public ModelObject<Base, kind> {
- public:
-  ListObject(const OpenDrawingRef& drawing, const Records& records)
-      : ModelObject<Base, kind>(drawing), records_(records) {}
-
-  using Base::item;
-  [[nodiscard]] std::int32_t count() override {
-    constexpr std::size_t kMost = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::min(records_.size(), kMost));
-  }
-  [[nodiscard]] auto item(std::int32_t index) -> decltype(std::declval<Base&>().item(std::int32_t{})) override {
-    if (index < 0 || index >= count()) return nullptr;
-    return std::make_shared<Wrapper>(this->drawing(), dereference(records_[static_cast<std::size_t>(index)]));
-  }
-
- protected:
-  [[nodiscard]] const Records& records() const { return records_; }
-
- private:
-  const Records& records_;
-};
-
-/// A collection that finds the first record of a name too.
-template <class Base, ModelKind kind, class Records, class Wrapper>
-class NamedListObject : public ListObject<Base, kind, Records, Wrapper> {
- public:
-  using ListObject<Base, kind, Records, Wrapper>::ListObject;
-  using ListObject<Base, kind, Records, Wrapper>::item;
-  [[nodiscard]] auto item(const CString& name) -> decltype(std::declval<Base&>().item(name)) override {
-    const std::string wanted = toUtf8(name);
-    for (const auto& record : this->records())
-      if (record.name == wanted) return std::make_shared<Wrapper>(this->drawing(), record);
-    return nullptr;
-  }
-};
 
 // ---------------------------------------------------------------- sample lines
 
 class SampleLineVertex final
-    : public RecordObject<host::QmtSampleLineVertex, ModelKind::SampleLineVertex, civil::Vec2> {
+    : public RecordObject<host::QmtSampleLineVertex, ModelKind::SampleLineVertex, const civil::Vec2> {
  public:
   using RecordObject::RecordObject;
   [[nodiscard]] HostArray<double> location() override { return HostArray<double>::of({record().x, record().y, 0.0}); }
 };
 
 using SampleLineVertexList = ListObject<host::QmtSampleLineVertexList, ModelKind::SampleLineVertexList,
-                                        std::vector<civil::Vec2>, SampleLineVertex>;
+                                        const std::vector<civil::Vec2>, SampleLineVertex>;
 
-class SampleLine final : public RecordObject<host::QmtSampleLine, ModelKind::SampleLine, civil::SampleLine> {
+class SampleLine final : public RecordObject<host::QmtSampleLine, ModelKind::SampleLine, const civil::SampleLine> {
  public:
   using RecordObject::RecordObject;
   [[nodiscard]] CString name() override { return fromUtf8(record().name); }
@@ -121,10 +48,10 @@ class SampleLine final : public RecordObject<host::QmtSampleLine, ModelKind::Sam
 };
 
 using SampleLineList =
-    ListObject<host::QmtSampleLineList, ModelKind::SampleLineList, std::vector<civil::SampleLine>, SampleLine>;
+    ListObject<host::QmtSampleLineList, ModelKind::SampleLineList, const std::vector<civil::SampleLine>, SampleLine>;
 
 class SampleLineGroup final
-    : public RecordObject<host::QmtSampleLineGroup, ModelKind::SampleLineGroup, civil::SampleLineGroup> {
+    : public RecordObject<host::QmtSampleLineGroup, ModelKind::SampleLineGroup, const civil::SampleLineGroup> {
  public:
   using RecordObject::RecordObject;
   [[nodiscard]] CString name() override { return fromUtf8(record().name); }
@@ -136,11 +63,11 @@ class SampleLineGroup final
 };
 
 using SampleLineGroupList = ListObject<host::QmtSampleLineGroupList, ModelKind::SampleLineGroupList,
-                                       std::vector<civil::SampleLineGroup>, SampleLineGroup>;
+                                       const std::vector<civil::SampleLineGroup>, SampleLineGroup>;
 
 // ---------------------------------------------------------------- alignments and sites
 
-class Alignment final : public RecordObject<host::QmtAlignment, ModelKind::Alignment, civil::AlignmentObject> {
+class Alignment final : public RecordObject<host::QmtAlignment, ModelKind::Alignment, const civil::AlignmentObject> {
  public:
   using RecordObject::record;
   using RecordObject::RecordObject;
@@ -165,9 +92,9 @@ class Alignment final : public RecordObject<host::QmtAlignment, ModelKind::Align
 };
 
 using AlignmentList = ListObject<host::QmtAlignmentList, ModelKind::AlignmentList,
-                                 std::vector<std::unique_ptr<civil::AlignmentObject>>, Alignment>;
+                                 const std::vector<std::unique_ptr<civil::AlignmentObject>>, Alignment>;
 
-class Site final : public RecordObject<host::QmtSite, ModelKind::Site, civil::Site> {
+class Site final : public RecordObject<host::QmtSite, ModelKind::Site, const civil::Site> {
  public:
   using RecordObject::RecordObject;
   [[nodiscard]] CString name() override { return fromUtf8(record().name); }
@@ -176,9 +103,9 @@ class Site final : public RecordObject<host::QmtSite, ModelKind::Site, civil::Si
   }
 };
 
-using SiteList = ListObject<host::QmtSiteList, ModelKind::SiteList, std::vector<civil::Site>, Site>;
+using SiteList = ListObject<host::QmtSiteList, ModelKind::SiteList, const std::vector<civil::Site>, Site>;
 
-class Profile final : public RecordObject<host::QmtProfile, ModelKind::Profile, civil::ProfileObject> {
+class Profile final : public RecordObject<host::QmtProfile, ModelKind::Profile, const civil::ProfileObject> {
  public:
   using RecordObject::RecordObject;
   [[nodiscard]] double elevationAt(double station) override {
@@ -186,9 +113,15 @@ class Profile final : public RecordObject<host::QmtProfile, ModelKind::Profile, 
   }
 };
 
+class NoProfile final : public ModelObject<host::QmtProfile, ModelKind::Profile> {
+ public:
+  using ModelObject::ModelObject;
+  [[nodiscard]] double elevationAt(double) override { return 0.0; }
+};
+
 // ---------------------------------------------------------------- surfaces
 
-class Surface final : public RecordObject<host::QmtSurface, ModelKind::Surface, civil::SurfaceObject> {
+class Surface final : public RecordObject<host::QmtSurface, ModelKind::Surface, const civil::SurfaceObject> {
  public:
   using RecordObject::RecordObject;
   [[nodiscard]] CString name() override { return fromUtf8(record().name); }
@@ -205,11 +138,11 @@ class Surface final : public RecordObject<host::QmtSurface, ModelKind::Surface, 
 };
 
 using SurfaceList =
-    NamedListObject<host::QmtSurfaceList, ModelKind::SurfaceList, std::deque<civil::SurfaceObject>, Surface>;
+    NamedListObject<host::QmtSurfaceList, ModelKind::SurfaceList, const std::deque<civil::SurfaceObject>, Surface>;
 
 // ---------------------------------------------------------------- points
 
-class Point final : public RecordObject<host::QmtPoint, ModelKind::Point, civil::Point> {
+class Point final : public RecordObject<host::QmtPoint, ModelKind::Point, const civil::Point> {
  public:
   using RecordObject::RecordObject;
   [[nodiscard]] CString name() override { return fromUtf8(record().name); }
@@ -231,7 +164,7 @@ class PointList final : public ModelObject<host::QmtPointList, ModelKind::PointL
   }
 };
 
-class PointGroup final : public RecordObject<host::QmtPointGroup, ModelKind::PointGroup, civil::PointGroup> {
+class PointGroup final : public RecordObject<host::QmtPointGroup, ModelKind::PointGroup, const civil::PointGroup> {
  public:
   using RecordObject::RecordObject;
   [[nodiscard]] CString name() override { return fromUtf8(record().name); }
@@ -241,8 +174,8 @@ class PointGroup final : public RecordObject<host::QmtPointGroup, ModelKind::Poi
   [[nodiscard]] std::int32_t pointCount() override { return static_cast<std::int32_t>(record().numbers.size()); }
 };
 
-using PointGroupList =
-    NamedListObject<host::QmtPointGroupList, ModelKind::PointGroupList, std::vector<civil::PointGroup>, PointGroup>;
+using PointGroupList = NamedListObject<host::QmtPointGroupList, ModelKind::PointGroupList,
+                                       const std::vector<civil::PointGroup>, PointGroup>;
 
 // ---------------------------------------------------------------- the drawing
 
@@ -310,6 +243,11 @@ Ref<host::QmtDatabase> makeDatabase(const OpenDrawingRef& drawing) { return std:
 
 Ref<host::QmtAlignment> makeAlignment(const OpenDrawingRef& drawing, const civil::AlignmentObject& alignment) {
   return std::make_shared<Alignment>(drawing, alignment);
+}
+
+Ref<host::QmtProfile> makeProfile(const OpenDrawingRef& drawing, const civil::ProfileObject* profile) {
+  if (profile == nullptr) return std::make_shared<NoProfile>(drawing);
+  return std::make_shared<Profile>(drawing, *profile);
 }
 
 const civil::AlignmentObject* alignmentBehind(const host::QmtAlignment* alignment) {

@@ -16,6 +16,9 @@ namespace lvx::runtime {
 [[nodiscard]] host::Ref<host::QmtDatabase> makeDatabase(const OpenDrawingRef& drawing);
 [[nodiscard]] host::Ref<host::QmtAlignment> makeAlignment(const OpenDrawingRef& drawing,
                                                           const civil::AlignmentObject& alignment);
+/// Of no profile: an object that answers 0 everywhere.
+[[nodiscard]] host::Ref<host::QmtProfile> makeProfile(const OpenDrawingRef& drawing,
+                                                      const civil::ProfileObject* profile);
 
 /// The drawing's alignment behind a model object; null for an empty reference and for an object that isn't ours.
 [[nodiscard]] const civil::AlignmentObject* alignmentBehind(const host::QmtAlignment* alignment);

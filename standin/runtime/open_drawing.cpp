@@ -24,7 +24,23 @@ constexpr std::array<const char*, kModelKindCount> kModelKindNames{"QmtDocument"
                                                                    "QmtPoint",
                                                                    "QmtPointGroupList",
                                                                    "QmtPointGroup",
-                                                                   "QmtProfile"};
+                                                                   "QmtProfile",
+                                                                   "VantorApplication",
+                                                                   "QmtRoadwayApplication",
+                                                                   "QmtRoadwayDocument",
+                                                                   "QmtCorridors",
+                                                                   "QmtCorridor",
+                                                                   "QmtBaselines",
+                                                                   "QmtBaseline",
+                                                                   "QmtBaselineRegions",
+                                                                   "QmtBaselineRegion",
+                                                                   "QmtStationSet",
+                                                                   "QmtSection",
+                                                                   "QmtSectionParts",
+                                                                   "QmtSectionPart",
+                                                                   "QmtSectionPoints",
+                                                                   "QmtSectionPoint",
+                                                                   "QmtCodes"};
 }
 
 const char* modelKindName(ModelKind kind) { return kModelKindNames[static_cast<std::size_t>(kind)]; }
@@ -44,5 +60,20 @@ std::string LiveObjects::description() const {
 }
 
 OpenDrawing::OpenDrawing(civil::Drawing drawing) : drawing_(std::move(drawing)), index_(drawing_) {}
+
+void OpenDrawing::addStation(civil::Region& region, double station, std::string_view label) {
+  if (civil::addStation(region, station, label)) ++addedStations_;
+}
+
+void OpenDrawing::rebuild(civil::Corridor& corridor) {
+  std::function<void(std::uint64_t, std::uint64_t)> told;
+  bool started = false;
+  civil::rebuild(corridor, rebuilt_, [&](std::uint64_t done, std::uint64_t total) {
+    checkInterrupted();
+    if (!std::exchange(started, true) && startProgress)
+      told = startProgress("rebuilding corridor '" + corridor.name + "'");
+    if (told) told(done, total);
+  });
+}
 
 }  // namespace lvx::runtime

@@ -6,7 +6,10 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
+#include "civil/corridor.h"
 #include "civil/drawing.h"
 #include "framework/exceptions.h"
 
@@ -33,8 +36,24 @@ enum class ModelKind : std::uint8_t {
   PointGroupList,
   PointGroup,
   Profile,
+  Application,
+  RoadwayApplication,
+  RoadwayDocument,
+  Corridors,
+  Corridor,
+  Baselines,
+  Baseline,
+  BaselineRegions,
+  BaselineRegion,
+  StationSet,
+  Section,
+  SectionParts,
+  SectionPart,
+  SectionPoints,
+  SectionPoint,
+  Codes,
 };
-inline constexpr std::size_t kModelKindCount = static_cast<std::size_t>(ModelKind::Profile) + 1;
+inline constexpr std::size_t kModelKindCount = static_cast<std::size_t>(ModelKind::Codes) + 1;
 
 /// The model object's own name: "QmtAlignment".
 [[nodiscard]] const char* modelKindName(ModelKind kind);
@@ -60,8 +79,14 @@ class __attribute__((visibility("default"))) Interrupted : public framework::Exc
   [[nodiscard]] const char* what() const noexcept override { return "interrupted"; }
 };
 
+/// Starts a long piece of work named in words; what it gives is told how far the work is and goes when that ends.
+using StartProgress =
+    std::function<std::function<void(std::uint64_t done, std::uint64_t total)>(const std::string& work)>;
+
 /// A drawing while it is open: its data, the look-ups over it, the count of the model objects handed out. Shared by the
 /// host and by every model object, so that an object that somebody keeps too long still answers.
+///
+/// Its corridors are all that a module can change; everything else stays as it was opened.
 class OpenDrawing {
  public:
   explicit OpenDrawing(civil::Drawing drawing);
@@ -80,10 +105,30 @@ class OpenDrawing {
     if (isInterrupted && isInterrupted()) throw Interrupted();
   }
 
+  /// The corridors, for changing them through the two operations below; the lists themselves stay what they are.
+  [[nodiscard]] std::vector<civil::Corridor>& corridors() { return drawing_.corridors; }
+  /// Adds a station to a region of one of the corridors, as civil::addStation does.
+  void addStation(civil::Region& region, double station, std::string_view label);
+  /// Rebuilds one of the corridors. Reports progress and throws Interrupted once the user wants to stop, which leaves
+  /// every region as it was or finished. Sections that somebody still looks at stay in memory.
+  void rebuild(civil::Corridor& corridor);
+  /// Whether the drawing differs from what was opened, or saved last.
+  [[nodiscard]] bool isChanged() const { return changeCount() != savedChanges_; }
+  /// To be called when the drawing has been saved.
+  void setSaved() { savedChanges_ = changeCount(); }
+
+  /// Asked at the start of a rebuild that has something to do; may be empty.
+  StartProgress startProgress;
+
  private:
+  [[nodiscard]] std::size_t changeCount() const { return addedStations_ + rebuilt_.computed; }
+
   civil::Drawing drawing_;
   civil::DrawingIndex index_;
   LiveObjects liveObjects_;
+  std::size_t addedStations_ = 0;
+  std::size_t savedChanges_ = 0;
+  civil::Rebuilt rebuilt_;
 };
 
 using OpenDrawingRef = std::shared_ptr<OpenDrawing>;

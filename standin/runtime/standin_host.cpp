@@ -32,6 +32,8 @@ void StandinHost::open(civil::Drawing drawing) {
   const host::CString fileName = platform::fromUtf8(drawing.path);
   drawing_ = std::make_shared<OpenDrawing>(std::move(drawing));
   drawing_->isInterrupted = options_.isInterrupted;
+  drawing_->startProgress = options_.startProgress;
+  activeDrawing_->drawing = drawing_;
   runTime_.setDrawing(drawing_);
   documents_.open(fileName);
 }
@@ -40,6 +42,7 @@ void StandinHost::close() {
   documents_.close();
   runTime_.setDrawing(nullptr);
   drawing_.reset();
+  activeDrawing_->drawing.reset();
   connected_ = false;
 }
 
@@ -53,9 +56,10 @@ std::unique_ptr<host::Sheet> StandinHost::createSheet() {
   return std::make_unique<ObservedSheet>(std::make_unique<workbook::WorkbookSheet>(), journal_, options_.isInterrupted);
 }
 
-host::ActiveApplication StandinHost::activeApplication(const host::CString& /*programId*/) {
-  // No automation object runs in this process: whoever asks for one is told that there is none.
-  return {};
+host::ActiveApplication StandinHost::activeApplication(const host::CString& programId) {
+  // This process is one application; none of another identifier runs in it.
+  if (programId != host::kApplicationProgramId) return {};
+  return {true, makeApplication(activeDrawing_)};
 }
 
 bool StandinHost::connect(host::Ref<host::QmtDocument>& document, host::Ref<host::QmtDatabase>& database) {

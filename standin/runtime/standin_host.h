@@ -17,6 +17,7 @@
 #include "runtime/observed_platform.h"
 #include "runtime/observed_sheet.h"
 #include "runtime/open_drawing.h"
+#include "runtime/roadway_objects.h"
 #include "runtime/standin_run_time.h"
 
 namespace lvx::runtime {
@@ -30,6 +31,8 @@ struct HostOptions {
   std::map<host::CString, std::string> files;
   /// True once the user wants to stop; asked during long work.
   std::function<bool()> isInterrupted;
+  /// How far long work in the open drawing is; may be empty.
+  StartProgress startProgress;
 };
 
 /// The host of a process that has no other: answers everything that a module and the companion library ask, over one
@@ -91,6 +94,7 @@ class StandinHost final : public host::Host, public CompanionAccess {
   DocumentManager documents_;
   StandinRunTime runTime_;
   OpenDrawingRef drawing_;
+  std::shared_ptr<ActiveDrawing> activeDrawing_ = std::make_shared<ActiveDrawing>();
   bool connected_ = false;
   host::Host* formerHost_ = nullptr;
   CompanionAccess* formerAccess_ = nullptr;

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "corridor_makers.h"
+#include "support/corridor_makers.h"
 #include "support/random_numbers.h"
 
 namespace lvx::civil {

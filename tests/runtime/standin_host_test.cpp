@@ -54,12 +54,6 @@ TEST(StandinHost, ConnectsOnlyWhileADrawingIsOpen) {
   EXPECT_EQ(host.openDrawing(), nullptr);
 }
 
-TEST(StandinHost, HasNoRunningApplicationToOffer) {
-  TestFrontEnd frontEnd;
-  StandinHost host(frontEnd);
-  EXPECT_FALSE(host.activeApplication(L"Vantor.Application.24").found);
-}
-
 TEST(StandinHost, FindsFilesAlongTheSupportPathsInTheirOrder) {
   const test::TemporaryFolder first;
   const test::TemporaryFolder second;
