@@ -6,6 +6,7 @@
 #include "frame/applications.h"
 #include "frame/document_data.h"
 #include "frame/module_library.h"
+#include "gls/gls_command.h"
 #include "host/roadway_connection.h"
 #include "points/points_command.h"
 #include "projection/projection_command.h"
@@ -84,13 +85,7 @@ ModuleLibrary library(vnrxHost(), &kInstance);
 
 void reportQue() { runInCommandFrame(library, projection::runProjectionReport); }
 void reportPoints() { runInCommandFrame(library, points::runPointsReport); }
-
-void tellNotInThisRelease(const wchar_t* command) {
-  runInCommandFrame(library, [command](host::Host& host) {
-    host.runTime().vnutPrintf(framework::CString(command) + L": this report isn't part of this release yet.\n");
-  });
-}
-void reportGls() { tellNotInThisRelease(L"lvx_Report_GLS"); }
+void reportGls() { runInCommandFrame(library, gls::runGlsReport); }
 
 }  // namespace
 }  // namespace lvx::frame
