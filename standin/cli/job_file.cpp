@@ -115,7 +115,8 @@ std::vector<Job> parseJobs(std::string_view text, const std::string& name, const
       reader.fail("\"" + job.arguments[0] + "\" is no report command; there is projection, points");
     const std::string drawing = reader.required(json, "drawing");
     const std::string stem = reader.required(json, "out");
-    job.label = job.arguments[0] + " " + drawing + ", " + stem;
+    job.label = job.arguments[0];
+    job.label.append(" ").append(drawing).append(", ").append(stem);
     if (const auto [other, isNew] = lineOfStem.emplace(sameFor(stem), line); !isNew)
       reader.fail("writes the same files as line " + std::to_string(other->second) + ": " + stem);
 

@@ -170,6 +170,29 @@ TEST_F(BatchTest, GivesTheSameBytesHoweverManyRunAtATime) {
   EXPECT_EQ(files, 7);
 }
 
+TEST_F(BatchTest, StopsItsReportsWhenItIsStopped) {
+  writeJobs("jobs.jsonl", "out");
+  std::ofstream jobs(place_ / "many.jsonl");
+  for (int i = 0; i < 500; ++i)
+    jobs << R"({"command": "points", "drawing": ")" << LVX_SOURCE_DIR << R"(/examples/valley-road.xml", "alignment": )"
+         << R"("Valley road", "points": "1", "forms": "txt", "out": "out/many)" << i << "\"}\n";
+  jobs.close();
+  // The batch itself, not this shell, gets the signal.
+  test::RunRequest request;
+  request.program = "/bin/sh";
+  request.folder = place_;
+  request.arguments = {"-c",
+                       "\"$0\" batch many.jsonl --jobs 2 & pid=$!; while [ ! -e out/many1.txt ]; do sleep 0.01; done; "
+                       "kill -TERM $pid; wait $pid",
+                       (fs::path(LVX_BINARY_DIR) / "bin" / "lvxhost").string()};
+  const RunResult result = test::runProgram(request);
+  EXPECT_EQ(result.exitCode, 130);
+  EXPECT_THAT(result.errors, HasSubstr("interrupted"));
+  EXPECT_FALSE(fs::exists(place_ / "out/many499.txt"));
+  for (const auto& entry : fs::directory_iterator(place_ / "out"))
+    EXPECT_EQ(entry.path().extension(), ".txt") << "no unfinished file: " << entry.path();
+}
+
 TEST_F(BatchTest, SaysNothingInQuietBatchesThatWentWell) {
   std::ofstream(folder_ / "none.jsonl") << "\n";
   EXPECT_EQ(run({"batch", "none.jsonl", "--quiet"}).errors, "");

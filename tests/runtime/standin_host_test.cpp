@@ -153,6 +153,41 @@ TEST(StandinHost, ASelectionHoldsOnlyTheClassOfItsFilter) {
   EXPECT_EQ(host.standinRunTime().filterListCount(), 0U);
 }
 
+TEST(StandinHost, APickFillsTheSetThatStandsAndMakesOneWhereNoneDoes) {
+  TestFrontEnd frontEnd;
+  StandinHost host(frontEnd);
+  auto drawing = test::smallDrawing();
+  const civil::Handle point = drawing.points[0].handle;
+  host.open(std::move(drawing));
+  host::RunTime& run = host.runTime();
+  host::EntityName selection;
+  ASSERT_EQ(run.vnedSSAdd(selection), host::kNormal);
+  const auto name = selection.words;
+  frontEnd.selected = {{point, point, 0x1F2, point}};
+  ASSERT_EQ(run.vnedSSGet(L":$", {}, {}, selection), host::kNormal);
+  EXPECT_EQ(selection.words, name) << "the empty set is filled, not replaced";
+  EXPECT_EQ(host.standinRunTime().selectionSetCount(), 1U);
+  std::int64_t length = 0;
+  ASSERT_EQ(run.vnedSSLength(selection, length), host::kNormal);
+  EXPECT_EQ(length, 2) << "a set holds an object once";
+
+  frontEnd.selected.reset();
+  EXPECT_EQ(run.vnedSSGet(L":$", {}, {}, selection), host::kUserGaveUp);
+  ASSERT_EQ(run.vnedSSLength(selection, length), host::kNormal);
+  EXPECT_EQ(length, 2) << "giving up leaves the set as it is";
+
+  EXPECT_EQ(run.vnedSSFree(selection), host::kNormal);
+  EXPECT_NE(run.vnedSSFree(selection), host::kNormal) << "a set is freed once";
+  length = 77;
+  EXPECT_NE(run.vnedSSLength(selection, length), host::kNormal);
+  EXPECT_EQ(length, 77);
+  frontEnd.selected = {{point}};
+  ASSERT_EQ(run.vnedSSGet(L":$", {}, {}, selection), host::kNormal);
+  EXPECT_NE(selection.words, name) << "a name that was freed stands for no set any more";
+  EXPECT_EQ(run.vnedSSFree(selection), host::kNormal);
+  EXPECT_EQ(host.standinRunTime().selectionSetCount(), 0U);
+}
+
 TEST(StandinHost, TheOverallListFindsItsHandlesThroughTheRunTime) {
   TestFrontEnd frontEnd;
   StandinHost host(frontEnd);

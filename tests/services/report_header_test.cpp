@@ -71,6 +71,28 @@ const std::string kStarLine(55, '*');
 
 // ---------------------------------------------------------------- narrow write
 
+TEST(NarrowWrite, GivesTheSameBytesInPartsAsAtOnce) {
+  FakeHost host;
+  const std::vector<std::vector<CString>> texts{
+      {},
+      {L""},
+      {L"<a>", L"<b>"},
+      {L"100%% ", L"% RULES", L" %5d|"},
+      {L"before ", L"Latin \u00FF, ", L"then \u20AC, lost", L"lost too", L""},
+      {L"\u20AC", L"lost"},
+      {L"a", CString(L"b\0lost", 6), L"lost"},
+  };
+  for (const std::vector<CString>& parts : texts) {
+    CString whole;
+    for (const CString& part : parts) whole += part;
+    const auto inParts = written(host, [&](std::FILE* stream) {
+      NarrowPiece piece(stream);
+      for (const CString& part : parts) piece.add(part);
+    });
+    EXPECT_EQ(inParts, written(host, [&](std::FILE* stream) { writeNarrow(stream, whole); }));
+  }
+}
+
 TEST(NarrowWrite, PassesEveryByteThroughTheFormat) {
   FakeHost host;
   std::size_t count = 0;
