@@ -170,10 +170,12 @@ const CorridorSection* sectionAt(const Baseline& baseline, double station) {
 }
 
 bool addStation(Region& region, double station, std::string_view label) {
-  if (!std::isfinite(station) || asksFor(region, station)) return false;
+  if (!std::isfinite(station)) return false;
+  const auto next = region.stations.lower_bound(station - kSameStation);
+  if (next != region.stations.end() && isSameStation(*next, station)) return false;
   // Before the set, so that a failure between the two leaves a label that nobody asks for.
   region.pendingLabels.insert_or_assign(station, std::string(label));
-  region.stations.insert(station);
+  region.stations.insert(next, station);
   region.isRebuilt = false;
   return true;
 }
