@@ -170,9 +170,20 @@ enum class ObjectKind : std::uint8_t {
   Corridor
 };
 
+/// What a file held when it was read, by which saving tells that it has changed since.
+struct FileMark {
+  /// False for a drawing that came from no file.
+  bool isKnown = false;
+  std::uint64_t size = 0;
+  std::uint64_t hash = 0;
+
+  friend bool operator==(const FileMark&, const FileMark&) = default;
+};
+
 struct Drawing {
   /// Path as it was opened, for messages.
   std::string path;
+  FileMark file;
   /// "meter", "foot", "USSurveyFoot", ...; empty where the file names none (then metres are assumed).
   std::string linearUnit;
   /// The alignments outside any site; its name is empty.

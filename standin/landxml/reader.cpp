@@ -16,6 +16,7 @@
 #include "landxml/detail/section_reader.h"
 #include "landxml/detail/source.h"
 #include "landxml/detail/surface_reader.h"
+#include "landxml/detail/trace.h"
 #include "landxml/detail/tree.h"
 
 namespace lvx::landxml {
@@ -113,11 +114,8 @@ std::vector<AlignmentRecord> readAlignments(Context& context) {
   return records;
 }
 
-civil::Drawing readBytes(std::unique_ptr<ByteSource> bytes, const std::string& name, const ReadOptions& options) {
-  const std::uint64_t total = bytes->totalBytes();
-  ScannedDocument scanned = scanDocument(std::move(bytes), name, options);
-
-  pugi::xml_document tree;
+civil::Drawing readScanned(ScannedDocument& scanned, pugi::xml_document& tree, std::uint64_t total,
+                           const std::string& name, const ReadOptions& options, Trace* trace) {
   const pugi::xml_parse_result parsed = tree.load_buffer_inplace(scanned.document.data(), scanned.document.size(),
                                                                  pugi::parse_default, pugi::encoding_utf8);
   if (!parsed) {
@@ -128,7 +126,7 @@ civil::Drawing readBytes(std::unique_ptr<ByteSource> bytes, const std::string& n
   civil::Drawing drawing;
   drawing.path = name;
   drawing.diagnostics = std::move(scanned.diagnostics);
-  Context context(drawing, scanned.lines, tree.document_element());
+  Context context(drawing, scanned.lines, tree.document_element(), trace);
   const auto goOn = [&] {
     if (options.progress && !options.progress({total, total})) fail("cancelled", name);
   };
@@ -142,10 +140,27 @@ civil::Drawing readBytes(std::unique_ptr<ByteSource> bytes, const std::string& n
   return drawing;
 }
 
+civil::Drawing readBytes(std::unique_ptr<ByteSource> bytes, const std::string& name, const ReadOptions& options) {
+  const std::uint64_t total = bytes->totalBytes();
+  ScannedDocument scanned = scanDocument(std::move(bytes), name, options);
+  pugi::xml_document tree;
+  return readScanned(scanned, tree, total, name, options, nullptr);
+}
+
 }  // namespace
 
+civil::Drawing detail::readTraced(std::unique_ptr<ByteSource> bytes, const std::string& name,
+                                  const ReadOptions& options, Trace& trace) {
+  const std::uint64_t total = bytes->totalBytes();
+  trace.scanned = scanDocument(std::move(bytes), name, options, ScanMode::Locate);
+  return readScanned(trace.scanned, trace.tree, total, name, options, &trace);
+}
+
 civil::Drawing readDrawing(const std::string& path, const ReadOptions& options) {
-  return readBytes(openFile(path), path, options);
+  civil::FileMark mark;
+  civil::Drawing drawing = readBytes(openFile(path, &mark), path, options);
+  drawing.file = mark;
+  return drawing;
 }
 
 civil::Drawing readDrawingText(std::string_view text, const std::string& name, const ReadOptions& options) {

@@ -50,8 +50,14 @@ std::string shownNumber(double value) {
   return text == "-0" ? "0" : text;
 }
 
-Context::Context(civil::Drawing& d, const LineMap& lines, pugi::xml_node r) : drawing(d), root(r), lines_(lines) {
-  eachChild(root, "FeatureDictionary", [&](pugi::xml_node node) { ours_ = ours_ || attribute(node, "name") == "lvx"; });
+Context::Context(civil::Drawing& d, const LineMap& lines, pugi::xml_node r, Trace* t)
+    : drawing(d), root(r), trace(t), lines_(lines) {
+  eachChild(root, "FeatureDictionary", [&](pugi::xml_node node) {
+    if (attribute(node, "name") != "lvx") return;
+    if (attribute(node, "version") != kGuestVersion) ours_ = true;
+    if (trace != nullptr) trace->hasDictionary = true;
+  });
+  if (trace != nullptr) trace->isOurs = ours_;
   readUnits();
   eachChild(root, "CgPoints", [&](pugi::xml_node node) { collectPoints(node); });
 }
@@ -262,7 +268,7 @@ std::optional<civil::Handle> Context::parseHandle(const std::optional<std::strin
 civil::Handle Context::ticket(pugi::xml_node position, const std::optional<std::string>& handleText) {
   const auto given = parseHandle(handleText);
   if (handleText && !given) warn(position, "'" + shown(*handleText) + "' is not a handle; another one is given");
-  tickets_.push_back({position.offset_debug(), given, given ? lineOf(position) : 0});
+  tickets_.push_back({position, position.offset_debug(), given, given ? lineOf(position) : 0});
   return tickets_.size();
 }
 
@@ -296,6 +302,11 @@ void Context::settleHandles() {
     handles[i] = next++;
   }
   eachHandle(drawing, [&](civil::Handle& handle) { handle = handles[handle - 1]; });
+  if (trace == nullptr) return;
+  trace->objects.reserve(order.size());
+  for (const std::size_t i : order) {
+    trace->objects.push_back({tickets_[i].node, handles[i], tickets_[i].given == handles[i]});
+  }
 }
 
 }  // namespace lvx::landxml::detail

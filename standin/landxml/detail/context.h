@@ -12,6 +12,7 @@
 
 #include "civil/drawing.h"
 #include "landxml/detail/scanner.h"
+#include "landxml/detail/trace.h"
 
 namespace lvx::landxml::detail {
 
@@ -30,10 +31,12 @@ struct PlacedPoint {
 /// points that others refer to by name.
 class Context {
  public:
-  Context(civil::Drawing& drawing, const LineMap& lines, pugi::xml_node root);
+  Context(civil::Drawing& drawing, const LineMap& lines, pugi::xml_node root, Trace* trace = nullptr);
 
   civil::Drawing& drawing;
   pugi::xml_node root;
+  /// Where the drawing's things stand in the file, for saving; null where nobody asks.
+  Trace* const trace;
 
   /// The file was saved by us: codes may be lists, point names are numbers.
   [[nodiscard]] bool isOurs() const { return ours_; }
@@ -69,6 +72,7 @@ class Context {
 
  private:
   struct Ticket {
+    pugi::xml_node node;
     std::ptrdiff_t position = 0;
     std::optional<civil::Handle> given;
     std::size_t line = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_set>
 #include <utility>
 
 #include "landxml/detail/name_list.h"
@@ -24,9 +25,10 @@ class CorridorReader {
  private:
   void readOurs(pugi::xml_node roadway, pugi::xml_node feature);
   void readForeign(const AlignmentRecord& alignment, const std::vector<pugi::xml_node>& designs);
-  std::optional<civil::Baseline> readBaseline(pugi::xml_node node, const std::string& speaker);
+  std::optional<civil::Baseline> readBaseline(pugi::xml_node node, const std::string& speaker,
+                                              std::vector<RegionTrace>& trace);
   civil::Region readRegion(pugi::xml_node node, const AlignmentRecord& alignment, const civil::ProfileObject* profile,
-                           const std::string& speaker);
+                           const std::string& speaker, RegionTrace& trace);
   const AlignmentRecord* alignmentOf(pugi::xml_node baseline);
   const civil::ProfileObject* profileOf(pugi::xml_node baseline, const AlignmentRecord& alignment,
                                         const std::string& speaker);
@@ -36,6 +38,12 @@ class CorridorReader {
 
   Context& context_;
   const std::vector<AlignmentRecord>& alignments_;
+  struct Found {
+    civil::Corridor corridor;
+    CorridorTrace trace;
+  };
+  std::vector<Found> found_;
+  std::unordered_set<std::ptrdiff_t> used_;  // places of the CrossSects that regions of ours refer to
 };
 
 const AlignmentRecord* CorridorReader::alignmentOf(pugi::xml_node baseline) {
@@ -79,20 +87,29 @@ std::optional<double> CorridorReader::stationProperty(pugi::xml_node node, const
 }
 
 civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRecord& alignment,
-                                         const civil::ProfileObject* profile, const std::string& speaker) {
+                                         const civil::ProfileObject* profile, const std::string& speaker,
+                                         RegionTrace& trace) {
   civil::Region region;
+  trace.feature = node;
   region.name = featureName(node);
   const std::string who = speaker + ": region '" + region.name + "'";
   const std::string sections = property(node, "crossSects").value_or("");
+  const auto handle = Context::parseHandle(property(node, "crossSectsHandle"));
   pugi::xml_node source;
+  bool byHandle = false;
   eachChild(alignment.node, "CrossSects", [&](pugi::xml_node candidate) {
-    if (attributeText(candidate, "name") != sections) return;
-    if (!source || (kindOf(source) != SectionsKind::Corridor && kindOf(candidate) == SectionsKind::Corridor)) {
+    if (byHandle) return;
+    // Another program's sections needn't have a name, or have one of their own; they go by their handle.
+    byHandle = handle && Context::parseHandle(property(feature(candidate, "lvx_sampleLineGroup"), "handle")) == handle;
+    if (!byHandle && (sections.empty() || attributeText(candidate, "name") != sections)) return;
+    if (byHandle || !source ||
+        (kindOf(source) != SectionsKind::Corridor && kindOf(candidate) == SectionsKind::Corridor)) {
       source = candidate;
     }
   });
-  if (source && !sections.empty())
-    region.sections = readCorridorSections(context_, source, profile, who);
+  if (source) used_.insert(source.offset_debug());
+  if (source)
+    region.sections = readCorridorSections(context_, source, profile, who, trace.sections);
   else if (!sections.empty())
     context_.warn(node, who + ": its alignment has no CrossSects '" + shown(sections) + "'");
 
@@ -109,10 +126,12 @@ civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRec
   std::vector<Added> added;
   eachChild(node, "Feature", [&](pugi::xml_node child) {
     if (attribute(child, "code") != "lvx_addedStation") return;
-    if (const auto station = stationProperty(child, "sta", who))
+    if (const auto station = stationProperty(child, "sta", who)) {
       added.push_back({*station, featureName(child)});
-    else
+      trace.added.push_back({child, *station, added.back().label});
+    } else {
       context_.warn(child, who + ": an added station has no station; left out");
+    }
   });
   // Whatever has a section or was added belongs to the list, also where a file forgot it.
   for (const auto& section : region.sections) stations.push_back(section.station);
@@ -144,7 +163,8 @@ civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRec
   return region;
 }
 
-std::optional<civil::Baseline> CorridorReader::readBaseline(pugi::xml_node node, const std::string& speaker) {
+std::optional<civil::Baseline> CorridorReader::readBaseline(pugi::xml_node node, const std::string& speaker,
+                                                            std::vector<RegionTrace>& trace) {
   civil::Baseline baseline;
   baseline.name = featureName(node);
   const std::string who = speaker + ": baseline '" + baseline.name + "'";
@@ -158,7 +178,7 @@ std::optional<civil::Baseline> CorridorReader::readBaseline(pugi::xml_node node,
   baseline.profile = profileOf(node, *alignment, who);
   eachChild(node, "Feature", [&](pugi::xml_node child) {
     if (attribute(child, "code") == "lvx_region") {
-      baseline.regions.push_back(readRegion(child, *alignment, baseline.profile, who));
+      baseline.regions.push_back(readRegion(child, *alignment, baseline.profile, who, trace.emplace_back()));
     }
   });
   return baseline;
@@ -170,11 +190,16 @@ void CorridorReader::readOurs(pugi::xml_node roadway, pugi::xml_node ours) {
   corridor.description = attributeText(roadway, "desc");
   corridor.handle = context_.ticket(roadway, property(ours, "handle"));
   const std::string speaker = "corridor '" + corridor.name + "'";
+  CorridorTrace trace{roadway, ours, {}};
   eachChild(ours, "Feature", [&](pugi::xml_node child) {
     if (attribute(child, "code") != "lvx_baseline") return;
-    if (auto baseline = readBaseline(child, speaker)) corridor.baselines.push_back(std::move(*baseline));
+    std::vector<RegionTrace> regions;
+    if (auto baseline = readBaseline(child, speaker, regions)) {
+      corridor.baselines.push_back(std::move(*baseline));
+      trace.baselines.push_back(std::move(regions));
+    }
   });
-  context_.drawing.corridors.push_back(std::move(corridor));
+  found_.push_back({std::move(corridor), std::move(trace)});
 }
 
 pugi::xml_node CorridorReader::roadwayOf(const std::string& alignment) {
@@ -201,7 +226,7 @@ void CorridorReader::readForeign(const AlignmentRecord& alignment, const std::ve
   civil::Corridor corridor;
   corridor.name = roadway ? attributeText(roadway, "name") : object.name;
   corridor.description = roadway ? attributeText(roadway, "desc") : "";
-  corridor.handle = context_.ticket(designs.front(), std::nullopt);
+  corridor.handle = context_.ticket(roadway ? roadway : designs.front(), std::nullopt);
   const std::string speaker = "corridor '" + corridor.name + "'";
 
   civil::Baseline baseline;
@@ -231,11 +256,14 @@ void CorridorReader::readForeign(const AlignmentRecord& alignment, const std::ve
     if (first != object.profiles.end()) baseline.profile = &*first;
   }
 
+  CorridorTrace trace{roadway, {}, {}};
+  std::vector<RegionTrace>& regions = trace.baselines.emplace_back();
   for (const pugi::xml_node design : designs) {
     civil::Region region;
     region.name = attributeText(design, "name");
     if (region.name.empty()) region.name = "R" + std::to_string(baseline.regions.size() + 1);
-    region.sections = readCorridorSections(context_, design, baseline.profile, speaker);
+    region.sections =
+        readCorridorSections(context_, design, baseline.profile, speaker, regions.emplace_back().sections);
     for (const auto& section : region.sections) region.stations.insert(region.stations.end(), section.station);
     if (!region.sections.empty()) {
       region.startStation = region.sections.front().station;
@@ -244,26 +272,33 @@ void CorridorReader::readForeign(const AlignmentRecord& alignment, const std::ve
     baseline.regions.push_back(std::move(region));
   }
   corridor.baselines.push_back(std::move(baseline));
-  context_.drawing.corridors.push_back(std::move(corridor));
+  found_.push_back({std::move(corridor), std::move(trace)});
 }
 
 void CorridorReader::read() {
   eachChild(context_.root, "Roadways", [&](pugi::xml_node collection) {
     eachChild(collection, "Roadway", [&](pugi::xml_node roadway) {
-      if (const auto ours = feature(roadway, "lvx_corridor")) readOurs(roadway, ours);
+      // One Roadway may name several alignments of another program, and so hold a corridor for each.
+      eachChild(roadway, "Feature", [&](pugi::xml_node node) {
+        if (attribute(node, "code") == "lvx_corridor") readOurs(roadway, node);
+      });
     });
   });
   for (const AlignmentRecord& alignment : alignments_) {
     std::vector<pugi::xml_node> designs;
     eachChild(alignment.node, "CrossSects", [&](pugi::xml_node node) {
-      if (kindOf(node) == SectionsKind::Foreign && hasDesign(node)) designs.push_back(node);
+      const bool isFree = kindOf(node) == SectionsKind::Foreign && used_.count(node.offset_debug()) == 0;
+      if (isFree && hasDesign(node)) designs.push_back(node);
     });
     if (!designs.empty()) readForeign(alignment, designs);
   }
-  std::stable_sort(context_.drawing.corridors.begin(), context_.drawing.corridors.end(),
-                   [&](const civil::Corridor& a, const civil::Corridor& b) {
-                     return context_.positionOf(a.handle) < context_.positionOf(b.handle);
-                   });
+  std::stable_sort(found_.begin(), found_.end(), [&](const Found& a, const Found& b) {
+    return context_.positionOf(a.corridor.handle) < context_.positionOf(b.corridor.handle);
+  });
+  for (Found& found : found_) {
+    context_.drawing.corridors.push_back(std::move(found.corridor));
+    if (context_.trace != nullptr) context_.trace->corridors.push_back(std::move(found.trace));
+  }
 }
 
 }  // namespace

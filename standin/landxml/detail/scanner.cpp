@@ -53,6 +53,7 @@ class Input {
     source_ = decode(std::move(bytes), file);
     buffer_.resize(kBlock + 1);
     const std::size_t head = source_.head.size();
+    base_ = source_.headStart;
     std::memcpy(buffer_.data(), source_.head.data(), head);
     at = counted_ = buffer_.data();
     end = buffer_.data() + head;
@@ -64,6 +65,7 @@ class Input {
   bool more() {
     countTo(at);
     const auto keep = static_cast<std::size_t>(end - at);
+    const auto dropped = static_cast<std::uint64_t>(at - buffer_.data());
     if (keep > kLongestTag) fail("a tag is longer than " + std::to_string(kLongestTag >> 20U) + " MB", file_, line());
     if (keep + kBlock + 1 > buffer_.size()) {
       std::vector<char> larger(2 * keep + kBlock + 1);
@@ -72,6 +74,7 @@ class Input {
     } else {
       std::memmove(buffer_.data(), at, keep);
     }
+    base_ += dropped;
     at = counted_ = buffer_.data();
     end = at + keep;
     const std::size_t count = source_.bytes->read(mutableEnd(), kBlock);
@@ -88,6 +91,11 @@ class Input {
     return line_;
   }
   std::size_t line() { return lineAt(at); }
+  /// Offset in the file (in the converted text, where there is one) of a place in the window.
+  [[nodiscard]] std::uint64_t offsetOf(const char* place) const {
+    return base_ + static_cast<std::uint64_t>(place - buffer_.data());
+  }
+  [[nodiscard]] const DecodedSource& source() const { return source_; }
 
   [[nodiscard]] const std::array<std::string, 128>* upperHalf() const { return source_.upperHalf.get(); }
   [[nodiscard]] const std::string& encodingWarning() const { return source_.warning; }
@@ -121,6 +129,7 @@ class Input {
   const ReadOptions& options_;
   DecodedSource source_;
   std::vector<char> buffer_;
+  std::uint64_t base_ = 0;  // offset of buffer_'s begin
   const char* counted_ = nullptr;
   std::size_t line_ = 1;
   std::uint64_t done_ = 0;
@@ -389,8 +398,8 @@ std::size_t utf8Length(std::string_view text) {
 
 class Scanner {
  public:
-  Scanner(std::unique_ptr<ByteSource> bytes, const std::string& file, const ReadOptions& options)
-      : in_(std::move(bytes), file, options), tokens_(in_), file_(file) {}
+  Scanner(std::unique_ptr<ByteSource> bytes, const std::string& file, const ReadOptions& options, ScanMode mode)
+      : in_(std::move(bytes), file, options), tokens_(in_), file_(file), locates_(mode == ScanMode::Locate) {}
 
   ScannedDocument run();
 
@@ -399,6 +408,7 @@ class Scanner {
   struct Open {
     std::size_t nameStart = 0;  // in names_
     Role role = Role::Other;
+    std::size_t span = 0;  // in result_.spans, counted from 1; 0 for none
   };
 
   void start(const Token& token);
@@ -440,13 +450,14 @@ class Scanner {
   std::size_t firstBadLine_ = 0;
   TinCollector* tin_ = nullptr;
   std::string childName_;  // "P" or "F" with the prefix in use
+  bool locates_ = false;
 };
 
 void Scanner::push(std::string_view name, Role role) {
   if (open_.size() >= kDeepest) {
     fail("elements are nested deeper than " + std::to_string(kDeepest) + " levels", file_, in_.line());
   }
-  open_.push_back({names_.size(), role});
+  open_.push_back({names_.size(), role, 0});
   names_ += name;
 }
 
@@ -532,12 +543,17 @@ void Scanner::start(const Token& token) {
     role = Role::Surface;
   else if (local == "Definition" && parent == Role::Surface)
     role = Role::Definition;
-  if (role == Role::Definition && !token.selfClosing) {
+  if (locates_) {
+    const std::uint64_t from = in_.offsetOf(token.raw.data());
+    const std::uint64_t to = from + token.raw.size();
+    result_.spans.push_back({result_.document.size() + 1, from, to, 0, to});
+  }
+  if (role == Role::Definition && !token.selfClosing && !locates_) {
     tin_ = &result_.definitions[result_.document.size() + 1];
   }
   append(token.raw);
   if (token.selfClosing) return;
-  if (parent == Role::Definition && (local == "Pnts" || local == "Faces")) {
+  if (parent == Role::Definition && !locates_ && (local == "Pnts" || local == "Faces")) {
     const std::string name(token.name);
     stream(name, local == "Pnts");
     append("</" + name + ">");
@@ -545,12 +561,13 @@ void Scanner::start(const Token& token) {
     return;
   }
   push(token.name, role);
+  if (locates_) open_.back().span = result_.spans.size();
   // Bulk that no object of the drawing comes from.
   const bool unreadOfSurface = parent == Role::Surface && (local == "SourceData" || local == "Watersheds");
   const bool unreadOfRoot =
       open_.size() == 2 && (local == "Parcels" || local == "PipeNetworks" || local == "Survey" ||
                             local == "PlanFeatures" || local == "GradeModel" || local == "Monuments");
-  if (unreadOfSurface || unreadOfRoot) {
+  if (unreadOfSurface || unreadOfRoot || (locates_ && role == Role::Definition)) {
     if (unreadOfRoot) unread_.emplace(local, line);
     muteDepth_ = open_.size();
   }
@@ -566,6 +583,10 @@ void Scanner::close(const Token& token) {
   if (unmute) muteDepth_ = 0;
   if (!isMuted()) append(token.raw);
   if (unmute) anchor();
+  if (const std::size_t span = open_.back().span; span > 0) {
+    result_.spans[span - 1].closeStart = in_.offsetOf(token.raw.data());
+    result_.spans[span - 1].end = result_.spans[span - 1].closeStart + token.raw.size();
+  }
   pop();
 }
 
@@ -617,6 +638,8 @@ ScannedDocument Scanner::run() {
   if (!open_.empty()) fail("the file ends inside <" + shown(openName()) + ">", file_, in_.line());
   if (!rootSeen_) fail("the file holds no XML: it is empty or has no element", file_);
   result_.lines.finish(result_.document);
+  result_.upperHalf = in_.source().upperHalf;
+  result_.isConverted = in_.source().converted != nullptr;
   checkEntities();
   if (badBytes_ > 0) {
     result_.diagnostics.push_back({civil::Severity::Warning,
@@ -972,8 +995,9 @@ void Scanner::takeFace(bool invisible, std::string_view text, std::size_t line) 
 
 }  // namespace
 
-ScannedDocument scanDocument(std::unique_ptr<ByteSource> bytes, const std::string& file, const ReadOptions& options) {
-  return Scanner(std::move(bytes), file, options).run();
+ScannedDocument scanDocument(std::unique_ptr<ByteSource> bytes, const std::string& file, const ReadOptions& options,
+                             ScanMode mode) {
+  return Scanner(std::move(bytes), file, options, mode).run();
 }
 
 }  // namespace lvx::landxml::detail

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -34,16 +37,38 @@ class LineMap {
   std::vector<std::size_t> newlines_;
 };
 
+/// Where an element stands in the file, in bytes.
+struct ElementSpan {
+  /// Offset of the element's name in the scanned document, as the XML library tells it.
+  std::size_t node = 0;
+  std::uint64_t start = 0;
+  std::uint64_t tagEnd = 0;  ///< behind the start tag
+  /// Begin of the end tag; 0 where the start tag closes itself.
+  std::uint64_t closeStart = 0;
+  std::uint64_t end = 0;
+};
+
 struct ScannedDocument {
   std::string document;
   LineMap lines;
   /// By the offset of the Definition's name in `document`.
   std::map<std::size_t, TinCollector> definitions;
   std::vector<civil::Diagnostic> diagnostics;
+  /// When asked for: of every element in `document`, ascending by node.
+  std::vector<ElementSpan> spans;
+  /// The file's encoding, as in DecodedSource. Spans of a text that was converted mean nothing in the file.
+  std::shared_ptr<const std::array<std::string, 128>> upperHalf;
+  bool isConverted = false;
+};
+
+enum class ScanMode : std::uint8_t {
+  Read,
+  /// Finds places: spans are recorded, points and faces of surfaces are passed over.
+  Locate
 };
 
 /// Throws ReadError: not XML, not LandXML, cut off, a document type, an entity that isn't defined, cancelled.
 [[nodiscard]] ScannedDocument scanDocument(std::unique_ptr<ByteSource> bytes, const std::string& file,
-                                           const ReadOptions& options);
+                                           const ReadOptions& options, ScanMode mode = ScanMode::Read);
 
 }  // namespace lvx::landxml::detail

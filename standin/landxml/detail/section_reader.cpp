@@ -40,6 +40,8 @@ struct Extent {
   }
 };
 
+bool isComputed(pugi::xml_node section) { return property(feature(section, "lvx_section"), "origin") == "computed"; }
+
 bool isSlopeDistance(pugi::xml_node point) { return attribute(point, "dataFormat") == "Slope Distance"; }
 
 /// Offset and elevation of a CrossSectPnt; false where it has none, which is reported.
@@ -181,6 +183,8 @@ civil::SampleLineGroup readSampleLines(Context& context, pugi::xml_node crossSec
   std::vector<Unplaced> unplaced;
   double widest = 0.0;
   eachChild(crossSects, "CrossSect", [&](pugi::xml_node section) {
+    // Another program's sections can be sample lines and corridor at once; what we computed among them is no line.
+    if (isComputed(section)) return;
     const std::string given = attributeText(section, "name");
     const auto station = context.number(section, "sta", who);
     if (!station) {
@@ -258,9 +262,12 @@ civil::SampleLineGroup readSampleLines(Context& context, pugi::xml_node crossSec
 
 std::vector<civil::CorridorSection> readCorridorSections(Context& context, pugi::xml_node crossSects,
                                                          const civil::ProfileObject* profile,
-                                                         const std::string& speaker) {
-  std::vector<civil::CorridorSection> sections;
-  std::vector<pugi::xml_node> nodes;
+                                                         const std::string& speaker, SectionsTrace& trace) {
+  struct Placed {
+    civil::CorridorSection section;
+    pugi::xml_node node;
+  };
+  std::vector<Placed> placed;
   eachChild(crossSects, "CrossSect", [&](pugi::xml_node node) {
     const auto station = context.number(node, "sta", speaker);
     if (!station) {
@@ -270,7 +277,7 @@ std::vector<civil::CorridorSection> readCorridorSections(Context& context, pugi:
     civil::CorridorSection section;
     section.station = *station;
     section.label = attributeText(node, "name");
-    if (property(feature(node, "lvx_section"), "origin") == "computed") section.origin = civil::SectionOrigin::Computed;
+    if (isComputed(node)) section.origin = civil::SectionOrigin::Computed;
     const std::string who = speaker + ": section at " + shownNumber(*station);
     eachChild(node, "DesignCrossSectSurf", [&](pugi::xml_node surface) {
       civil::SectionPart part;
@@ -282,20 +289,29 @@ std::vector<civil::CorridorSection> readCorridorSections(Context& context, pugi:
       });
       section.parts.push_back(std::move(part));
     });
-    sections.push_back(std::move(section));
+    placed.push_back({std::move(section), node});
   });
-  std::stable_sort(sections.begin(), sections.end(),
-                   [](const auto& a, const auto& b) { return a.station < b.station; });
-  const auto sameStation = [&](const auto& a, const auto& b) {
-    if (b.station - a.station > civil::kSameStation) return false;
-    context.warn(crossSects, speaker + ": two sections stand at " + shownNumber(a.station) + "; the first one holds");
+  std::stable_sort(placed.begin(), placed.end(),
+                   [](const Placed& a, const Placed& b) { return a.section.station < b.section.station; });
+  const auto sameStation = [&](const Placed& a, const Placed& b) {
+    if (b.section.station - a.section.station > civil::kSameStation) return false;
+    context.warn(crossSects,
+                 speaker + ": two sections stand at " + shownNumber(a.section.station) + "; the first one holds");
     return true;
   };
-  sections.erase(std::unique(sections.begin(), sections.end(), sameStation), sections.end());
+  placed.erase(std::unique(placed.begin(), placed.end(), sameStation), placed.end());
+  std::vector<civil::CorridorSection> sections;
+  sections.reserve(placed.size());
+  trace = {crossSects, false, {}};
+  for (Placed& p : placed) {
+    sections.push_back(std::move(p.section));
+    trace.sections.push_back(p.node);
+  }
 
   if (profile != nullptr) {
     const auto stated = property(feature(crossSects, "lvx_corridorSections"), "elevation");
     const bool isAbsolute = stated == "absolute" || (stated != "relative" && areAbsolute(sections, profile->profile));
+    trace.isAbsolute = isAbsolute;
     if (isAbsolute) {
       for (auto& section : sections) {
         const double design = profile->profile.elevationAt(section.station).value_or(0.0);

@@ -19,9 +19,11 @@ enum class SectionsKind { SampleLines, Corridor, Foreign };
                                                      const civil::AlignmentObject& alignment,
                                                      const std::string& speaker, std::size_t number);
 
-/// The corridor sections of one CrossSects, ascending by station, elevations relative to `profile` (null: to 0).
+/// The corridor sections of one CrossSects, ascending by station, elevations relative to `profile` (null: to 0). `trace`
+/// tells which CrossSect each came from.
 [[nodiscard]] std::vector<civil::CorridorSection> readCorridorSections(Context& context, pugi::xml_node crossSects,
                                                                        const civil::ProfileObject* profile,
-                                                                       const std::string& speaker);
+                                                                       const std::string& speaker,
+                                                                       SectionsTrace& trace);
 
 }  // namespace lvx::landxml::detail

@@ -22,7 +22,8 @@ namespace {
 
 class FileSource : public ByteSource {
  public:
-  explicit FileSource(const std::string& path) : path_(path), file_(std::fopen(path.c_str(), "rb")) {
+  FileSource(const std::string& path, civil::FileMark* mark)
+      : path_(path), file_(std::fopen(path.c_str(), "rb")), mark_(mark) {
     if (!file_) fail(std::string("can't open the file: ") + std::strerror(errno), path);
     struct stat info {};
     if (fstat(fileno(file_.get()), &info) == 0) {
@@ -37,6 +38,10 @@ class FileSource : public ByteSource {
     if (count < size && std::ferror(file_.get())) {
       fail(std::string("can't read the file: ") + std::strerror(errno), path_);
     }
+    if (mark_ != nullptr) {
+      hash_.add({to, count});
+      *mark_ = hash_.mark();
+    }
     return count;
   }
   [[nodiscard]] std::uint64_t totalBytes() const override { return total_; }
@@ -48,6 +53,8 @@ class FileSource : public ByteSource {
   std::string path_;
   std::unique_ptr<std::FILE, Close> file_;
   std::uint64_t total_ = 0;
+  civil::FileMark* mark_;
+  ContentHash hash_;
 };
 
 class TextSource : public ByteSource {
@@ -146,7 +153,9 @@ std::string readAll(ByteSource& bytes, std::string head) {
 
 }  // namespace
 
-std::unique_ptr<ByteSource> openFile(const std::string& path) { return std::make_unique<FileSource>(path); }
+std::unique_ptr<ByteSource> openFile(const std::string& path, civil::FileMark* mark) {
+  return std::make_unique<FileSource>(path, mark);
+}
 std::unique_ptr<ByteSource> openText(std::string_view text) { return std::make_unique<TextSource>(text); }
 
 const std::array<std::string, 128>& windows1252() {
@@ -180,6 +189,7 @@ DecodedSource decode(std::unique_ptr<ByteSource> bytes, const std::string& file)
   std::string wide;
   if (head.starts_with("\xEF\xBB\xBF"sv)) {
     source.head.erase(0, 3);
+    source.headStart = 3;
     return source;
   }
   if (head.starts_with("\xFF\xFE\0\0"sv) || head.starts_with("\0\0\xFE\xFF"sv))

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "landxml/detail/content_hash.h"
 #include "landxml/reader.h"
 
 /// Bytes of a drawing and what its encoding makes of them.
@@ -25,7 +26,8 @@ class ByteSource {
   [[nodiscard]] virtual std::uint64_t totalBytes() const = 0;
 };
 
-[[nodiscard]] std::unique_ptr<ByteSource> openFile(const std::string& path);
+/// `mark` (or null) is complete when the file has been read to its end; it must outlive the source.
+[[nodiscard]] std::unique_ptr<ByteSource> openFile(const std::string& path, civil::FileMark* mark = nullptr);
 /// The text must outlive the source.
 [[nodiscard]] std::unique_ptr<ByteSource> openText(std::string_view text);
 
@@ -35,6 +37,8 @@ struct DecodedSource {
   std::unique_ptr<ByteSource> bytes;
   /// First bytes, already taken from `bytes`; without a byte order mark.
   std::string head;
+  /// Bytes of the file before `head`: its byte order mark.
+  std::size_t headStart = 0;
   /// UTF-8 of the bytes 0x80 to 0xFF; null for UTF-8.
   std::shared_ptr<const std::array<std::string, 128>> upperHalf;
   /// Empty, or what is odd about the encoding.

@@ -1,0 +1,703 @@
+#include "landxml/detail/change_writer.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <map>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include "landxml/detail/context.h"
+#include "landxml/detail/numbers.h"
+#include "landxml/detail/tree.h"
+
+namespace lvx::landxml::detail {
+
+using civil::CorridorSection;
+using civil::SectionOrigin;
+
+namespace {
+
+using civil::kSameStation;
+
+/// Offsets and elevations closer than this are one: an elevation that was taken from the profile and put back differs by
+/// its last digits.
+constexpr double kSameLength = 1e-9;
+
+std::string handleText(civil::Handle handle) {
+  char hex[20];
+  const auto [end, error] = std::to_chars(hex, hex + sizeof hex, handle, 16);
+  std::string text(hex, error == std::errc() ? end : hex);
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
+  return text;
+}
+
+bool haveSameShape(const CorridorSection& a, const CorridorSection& b) {
+  return std::equal(a.parts.begin(), a.parts.end(), b.parts.begin(), b.parts.end(), [](const auto& p, const auto& q) {
+    return p.codes == q.codes && std::equal(p.points.begin(), p.points.end(), q.points.begin(), q.points.end(),
+                                            [](const auto& x, const auto& y) { return x.codes == y.codes; });
+  });
+}
+
+bool isSamePoint(const civil::SectionPoint& a, const civil::SectionPoint& b) {
+  return std::abs(a.offset - b.offset) <= kSameLength && std::abs(a.elevation - b.elevation) <= kSameLength;
+}
+
+/// Of two sections of the same shape.
+bool haveSamePoints(const CorridorSection& a, const CorridorSection& b) {
+  for (std::size_t i = 0; i < a.parts.size(); ++i) {
+    if (!std::equal(a.parts[i].points.begin(), a.parts[i].points.end(), b.parts[i].points.begin(), isSamePoint)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool isSameSection(const CorridorSection& a, const CorridorSection& b) {
+  return a.label == b.label && a.origin == b.origin && haveSameShape(a, b) && haveSamePoints(a, b);
+}
+
+std::vector<pugi::xml_node> childrenNamed(pugi::xml_node parent, std::string_view name) {
+  std::vector<pugi::xml_node> nodes;
+  eachChild(parent, name, [&](pugi::xml_node node) { nodes.push_back(node); });
+  return nodes;
+}
+
+pugi::xml_node propertyNode(pugi::xml_node feature, std::string_view label) {
+  for (const pugi::xml_node node : feature.children()) {
+    if (node.type() == pugi::node_element && isNamed(node, "Property") && attribute(node, "label") == label)
+      return node;
+  }
+  return {};
+}
+
+/// One pair of a section in memory and one in the file; either may be missing.
+struct SectionPair {
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+  std::size_t now = kNone;
+  std::size_t stored = kNone;
+};
+
+std::vector<SectionPair> pairSections(const std::vector<CorridorSection>& now,
+                                      const std::vector<CorridorSection>& stored) {
+  std::vector<SectionPair> pairs;
+  std::size_t i = 0;
+  std::size_t j = 0;
+  while (i < now.size() || j < stored.size()) {
+    SectionPair pair;
+    if (j == stored.size() || (i < now.size() && now[i].station < stored[j].station - kSameStation)) {
+      pair.now = i++;
+    } else if (i == now.size() || stored[j].station < now[i].station - kSameStation) {
+      pair.stored = j++;
+    } else {
+      pair.now = i++;
+      pair.stored = j++;
+    }
+    pairs.push_back(pair);
+  }
+  return pairs;
+}
+
+bool haveSameSections(const civil::Region& now, const civil::Region& stored) {
+  return std::equal(now.sections.begin(), now.sections.end(), stored.sections.begin(), stored.sections.end(),
+                    [](const auto& a, const auto& b) { return a.station == b.station && isSameSection(a, b); });
+}
+
+bool isSameRegion(const civil::Region& now, const civil::Region& stored) {
+  return now.stations == stored.stations && now.pendingLabels == stored.pendingLabels && haveSameSections(now, stored);
+}
+
+/// One region with all that its sections are written by.
+struct Place {
+  const civil::Corridor* corridor = nullptr;
+  const civil::Baseline* baseline = nullptr;
+  const civil::Region* now = nullptr;
+  const civil::Region* stored = nullptr;
+  const RegionTrace* trace = nullptr;
+};
+
+class ChangeWriter {
+ public:
+  ChangeWriter(const civil::Drawing& drawing, const civil::Drawing& stored, const Trace& trace, FileEditor& editor,
+               const std::string& path);
+  void run();
+
+ private:
+  void pairRegions();
+  void findOldVersion();
+
+  // What a first save adds.
+  void becomeOurs();
+  void ensureHandle(pugi::xml_node node, civil::Handle handle);
+  void writeSites();
+  void adoptCorridor(std::size_t corridor);
+  [[nodiscard]] Markup regionFeature(const Place& place, pugi::xml_node like);
+
+  // One region.
+  void writeRegion(const Place& place);
+  void writeStations(const Place& place);
+  void writeAddedStations(const Place& place);
+  void writeSections(const Place& place);
+  void changeSection(const Place& place, const CorridorSection& now, const CorridorSection& stored,
+                     pugi::xml_node node);
+  void writeOwnCrossSects(const Place& place);
+  [[nodiscard]] std::vector<std::pair<double, std::string>> newLabels(const Place& place) const;
+
+  // Markup.
+  [[nodiscard]] Markup featureMarkup(pugi::xml_node like, const std::string& name, const char* code,
+                                     const std::vector<std::pair<std::string, std::string>>& properties) const;
+  [[nodiscard]] Markup addedStation(pugi::xml_node like, double station, const std::string& label) const;
+  [[nodiscard]] std::string pointText(const Place& place, const CorridorSection& section,
+                                      const civil::SectionPoint& point, bool isAbsolute) const;
+  /// The parts of a section, each behind the lead of its own; `pattern` is a CrossSect whose attributes and layout they
+  /// take over (or empty).
+  [[nodiscard]] std::string partsText(const Place& place, const CorridorSection& section, pugi::xml_node like,
+                                      pugi::xml_node pattern, bool isAbsolute, const std::string& partLead);
+  [[nodiscard]] std::string sectionText(const Place& place, const CorridorSection& section, pugi::xml_node like,
+                                        pugi::xml_node pattern, bool isAbsolute, const Layout& layout);
+  [[nodiscard]] std::string codeText(const std::vector<std::string>& codes) const;
+  [[nodiscard]] pugi::xml_node nodeOf(civil::Handle handle) const;
+  [[nodiscard]] civil::Handle handleOf(pugi::xml_node node) const;
+
+  const civil::Drawing& drawing_;
+  const civil::Drawing& stored_;
+  const Trace& trace_;
+  FileEditor& editor_;
+  const std::string& path_;
+  pugi::xml_node root_;
+  bool hasNames_ = true;                    // Feature/@name, not before 1.2
+  bool hasSectionNames_ = true;             // CrossSect/@name, not in 1.0
+  bool hasDictionaries_ = true;             // FeatureDictionary, not in 1.0
+  std::vector<std::vector<Place>> places_;  // by corridor
+  std::unordered_map<civil::Handle, const ObjectTrace*> objects_;
+  std::unordered_map<std::ptrdiff_t, civil::Handle> handles_;
+  std::unordered_set<civil::Handle> ensured_;
+  std::unordered_map<std::ptrdiff_t, int> users_;  // regions by the place of their CrossSects
+  std::map<std::ptrdiff_t, std::pair<pugi::xml_node, std::vector<Markup>>> newRoadways_;  // by their Alignments
+};
+
+ChangeWriter::ChangeWriter(const civil::Drawing& drawing, const civil::Drawing& stored, const Trace& trace,
+                           FileEditor& editor, const std::string& path)
+    : drawing_(drawing),
+      stored_(stored),
+      trace_(trace),
+      editor_(editor),
+      path_(path),
+      root_(trace.tree.document_element()) {
+  for (const ObjectTrace& object : trace.objects) {
+    objects_.emplace(object.handle, &object);
+    handles_.emplace(object.node.offset_debug(), object.handle);
+  }
+  findOldVersion();
+  pairRegions();
+}
+
+void ChangeWriter::findOldVersion() {
+  const std::string_view name = root_.name();
+  const auto colon = name.find(':');
+  const std::string declaration =
+      colon == std::string_view::npos ? "xmlns" : "xmlns:" + std::string(name.substr(0, colon));
+  // Validators go by the namespace, which needn't agree with the version.
+  std::string_view version = attribute(root_, declaration.c_str());
+  const auto mark = version.rfind("LandXML-");
+  version = mark == std::string_view::npos ? attribute(root_, "version") : version.substr(mark + 8);
+  hasNames_ = version != "1.0" && version != "1.1";
+  hasSectionNames_ = hasDictionaries_ = version != "1.0";
+}
+
+void ChangeWriter::pairRegions() {
+  bool fits = drawing_.corridors.size() == stored_.corridors.size();
+  for (std::size_t c = 0; fits && c < stored_.corridors.size(); ++c) {
+    const auto& now = drawing_.corridors[c];
+    const auto& old = stored_.corridors[c];
+    auto& places = places_.emplace_back();
+    fits = now.handle == old.handle && now.baselines.size() == old.baselines.size();
+    for (std::size_t b = 0; fits && b < old.baselines.size(); ++b) {
+      fits = now.baselines[b].regions.size() == old.baselines[b].regions.size();
+      for (std::size_t r = 0; fits && r < old.baselines[b].regions.size(); ++r) {
+        const RegionTrace& trace = trace_.corridors[c].baselines[b][r];
+        places.push_back({&now, &now.baselines[b], &now.baselines[b].regions[r], &old.baselines[b].regions[r], &trace});
+        if (trace.sections.node) ++users_[trace.sections.node.offset_debug()];
+      }
+    }
+  }
+  if (!fits) failSaving("the drawing's corridors aren't those of the file; they can't be saved there", path_);
+}
+
+void ChangeWriter::run() {
+  const auto isChanged = [](const Place& place) { return !isSameRegion(*place.now, *place.stored); };
+  bool anyChange = false;
+  bool changesOthers = false;  // a corridor of another program
+  for (std::size_t c = 0; c < places_.size(); ++c) {
+    if (!std::any_of(places_[c].begin(), places_[c].end(), isChanged)) continue;
+    anyChange = true;
+    changesOthers = changesOthers || !trace_.corridors[c].feature;
+  }
+  if (!anyChange) return;
+  if (trace_.scanned.isConverted) {
+    failSaving("drawings in this file's encoding can be read but not changed; save it as UTF-8 first", path_);
+  }
+  for (const auto& places : places_) {
+    for (const Place& place : places) {
+      if (isChanged(place)) writeRegion(place);
+    }
+  }
+  // All of them together: the order of corridors is that of their Roadways.
+  if (changesOthers || !trace_.hasDictionary) {
+    for (std::size_t c = 0; c < places_.size(); ++c) {
+      if (!trace_.corridors[c].feature) adoptCorridor(c);
+    }
+  }
+  if (!trace_.hasDictionary) becomeOurs();
+  for (auto& [unused, roadways] : newRoadways_) {
+    Markup collection{FileEditor::nameLike(root_, "Roadways"), {}, std::move(roadways.second), false};
+    editor_.insertAfter(roadways.first, collection);
+  }
+}
+
+// ---------------------------------------------------------------- objects
+
+pugi::xml_node ChangeWriter::nodeOf(civil::Handle handle) const {
+  const auto found = objects_.find(handle);
+  return found == objects_.end() ? pugi::xml_node() : found->second->node;
+}
+
+civil::Handle ChangeWriter::handleOf(pugi::xml_node node) const {
+  const auto found = handles_.find(node.offset_debug());
+  return found == handles_.end() ? 0 : found->second;
+}
+
+void ChangeWriter::ensureHandle(pugi::xml_node node, civil::Handle handle) {
+  const auto object = objects_.find(handle);
+  if (object == objects_.end() || object->second->isGiven || !ensured_.insert(handle).second) return;
+  struct Row {
+    std::string_view element;
+    const char* code;
+  };
+  constexpr Row kRows[] = {
+      {"Alignment", "lvx_object"},   {"ProfAlign", "lvx_object"},           {"ProfSurf", "lvx_object"},
+      {"Surface", "lvx_object"},     {"CrossSects", "lvx_sampleLineGroup"}, {"CrossSect", "lvx_sampleLine"},
+      {"CgPoints", "lvx_pointGroup"}};
+  const auto row =
+      std::find_if(std::begin(kRows), std::end(kRows), [&](const Row& r) { return isNamed(node, r.element); });
+  if (row == std::end(kRows))
+    return;  // points keep theirs by their order, sites and corridors have Features of their own
+  const std::string text = handleText(handle);
+  const pugi::xml_node existing = feature(node, row->code);
+  if (!existing)
+    editor_.append(node, featureMarkup(node, {}, row->code, {{"handle", text}}));
+  else if (const pugi::xml_node property = propertyNode(existing, "handle"))
+    editor_.setAttribute(property, "value", text);
+  else
+    editor_.addProperty(existing, "handle", text);
+}
+
+void ChangeWriter::becomeOurs() {
+  // Corridors have their handles in Features of their own; their place may be that of a sample line group.
+  for (const civil::Corridor& corridor : drawing_.corridors) ensured_.insert(corridor.handle);
+  for (const ObjectTrace& object : trace_.objects) ensureHandle(object.node, object.handle);
+  writeSites();
+  if (hasDictionaries_) {
+    editor_.append(root_, Markup{FileEditor::nameLike(root_, "FeatureDictionary"),
+                                 {{"name", "lvx"}, {"version", std::string(kGuestVersion)}},
+                                 {},
+                                 false});
+  }
+}
+
+void ChangeWriter::writeSites() {
+  const pugi::xml_node project = child(root_, "Project");
+  // Without a Project the sites go on by their order: we don't name the user's project for him.
+  if (!project || drawing_.sites.empty() || feature(project, "lvx_sites")) return;
+  Markup list = featureMarkup(project, {}, "lvx_sites", {});
+  for (const civil::Site& site : drawing_.sites) {
+    std::vector<std::pair<std::string, std::string>> properties{{"handle", handleText(site.handle)}};
+    if (!site.description.empty()) properties.emplace_back("desc", site.description);
+    list.children.push_back(featureMarkup(project, site.name, "lvx_site", properties));
+  }
+  editor_.append(project, std::move(list));
+}
+
+Markup ChangeWriter::regionFeature(const Place& place, pugi::xml_node like) {
+  const pugi::xml_node sections = place.trace->sections.node;
+  const civil::Handle handle = handleOf(sections);
+  ensureHandle(sections, handle);
+  if (!feature(sections, "lvx_corridorSections")) {
+    editor_.append(sections,
+                   featureMarkup(sections, {}, "lvx_corridorSections",
+                                 {{"elevation", place.trace->sections.isAbsolute ? "absolute" : "relative"}}));
+  }
+  std::string stations;
+  for (const double station : place.now->stations) stations += (stations.empty() ? "" : " ") + numberText(station);
+  Markup region = featureMarkup(like, place.now->name, "lvx_region",
+                                {{"staStart", numberText(place.now->startStation)},
+                                 {"staEnd", numberText(place.now->endStation)},
+                                 {"crossSects", attributeText(sections, "name")},
+                                 {"crossSectsHandle", handleText(handle)},
+                                 {"stations", stations}});
+  for (const auto& [station, label] : newLabels(place)) region.children.push_back(addedStation(like, station, label));
+  return region;
+}
+
+/// Gives a corridor that the reader made of another program's sections its Features, so that it can hold stations.
+void ChangeWriter::adoptCorridor(std::size_t index) {
+  const civil::Corridor& corridor = drawing_.corridors[index];
+  const CorridorTrace& trace = trace_.corridors[index];
+  Markup ours = featureMarkup(root_, {}, "lvx_corridor", {{"handle", handleText(corridor.handle)}});
+  auto place = places_[index].begin();
+  for (const civil::Baseline& baseline : corridor.baselines) {
+    ensureHandle(nodeOf(baseline.alignment->handle), baseline.alignment->handle);
+    std::vector<std::pair<std::string, std::string>> properties{
+        {"alignment", baseline.alignment->name}, {"alignmentHandle", handleText(baseline.alignment->handle)}};
+    if (baseline.profile != nullptr) {
+      ensureHandle(nodeOf(baseline.profile->handle), baseline.profile->handle);
+      properties.emplace_back("profile", baseline.profile->name);
+      properties.emplace_back("profileHandle", handleText(baseline.profile->handle));
+    }
+    Markup line = featureMarkup(root_, baseline.name, "lvx_baseline", properties);
+    for (std::size_t r = 0; r < baseline.regions.size(); ++r) {
+      line.children.push_back(regionFeature(*place++, root_));
+    }
+    ours.children.push_back(std::move(line));
+  }
+  if (trace.roadway) {
+    editor_.append(trace.roadway, std::move(ours));
+    return;
+  }
+  const civil::AlignmentObject& alignment = *corridor.baselines.front().alignment;
+  // Right behind its alignment's collection, where its place in the order of corridors is.
+  const pugi::xml_node alignments = nodeOf(alignment.handle).parent();
+  Markup roadway{FileEditor::nameLike(root_, "Roadway"),
+                 {{"name", corridor.name}, {"alignmentRefs", alignment.name}},
+                 {std::move(ours)},
+                 false};
+  auto& roadways = newRoadways_[alignments.offset_debug()];
+  roadways.first = alignments;
+  roadways.second.push_back(std::move(roadway));
+}
+
+// ---------------------------------------------------------------- markup
+
+Markup ChangeWriter::featureMarkup(pugi::xml_node like, const std::string& name, const char* code,
+                                   const std::vector<std::pair<std::string, std::string>>& properties) const {
+  Markup markup{FileEditor::nameLike(like, "Feature"), {}, {}, false};
+  const auto add = [&](const std::string& label, const std::string& value) {
+    markup.children.push_back({FileEditor::nameLike(like, "Property"), {{"label", label}, {"value", value}}, {}, true});
+  };
+  if (!name.empty() && hasNames_) markup.attributes.emplace_back("name", name);
+  markup.attributes.emplace_back("code", code);
+  markup.attributes.emplace_back("source", "lvx");
+  if (!name.empty() && !hasNames_) add("name", name);
+  for (const auto& [label, value] : properties) add(label, value);
+  return markup;
+}
+
+Markup ChangeWriter::addedStation(pugi::xml_node like, double station, const std::string& label) const {
+  return featureMarkup(like, label, "lvx_addedStation", {{"sta", numberText(station)}});
+}
+
+std::string ChangeWriter::codeText(const std::vector<std::string>& codes) const {
+  std::string text;
+  for (std::size_t i = 0; i < codes.size(); ++i) {
+    if (i > 0) text += ',';
+    for (const char c : codes[i]) {
+      // In other programs' files a code is one text, commas and all.
+      if (trace_.isOurs && c == ',')
+        text += "%2C";
+      else if (trace_.isOurs && c == '%')
+        text += "%25";
+      else
+        text += c;
+    }
+  }
+  return text;
+}
+
+std::string ChangeWriter::pointText(const Place& place, const CorridorSection& section,
+                                    const civil::SectionPoint& point, bool isAbsolute) const {
+  double elevation = point.elevation;
+  if (isAbsolute && place.baseline->profile != nullptr) {
+    elevation += place.baseline->profile->profile.elevationAt(section.station).value_or(0.0);
+  }
+  return numberText(point.offset) + ' ' + numberText(elevation);
+}
+
+std::string ChangeWriter::partsText(const Place& place, const CorridorSection& section, pugi::xml_node like,
+                                    pugi::xml_node pattern, bool isAbsolute, const std::string& partLead) {
+  const std::vector<pugi::xml_node> patterns = childrenNamed(pattern, "DesignCrossSectSurf");
+  std::string pointLead;
+  std::string partClose;
+  if (!patterns.empty() && !partLead.empty()) {
+    if (const pugi::xml_node point = child(patterns.front(), "CrossSectPnt")) pointLead = editor_.layoutOf(point).lead;
+    if (!pointLead.empty()) partClose = editor_.closeLead(patterns.front());
+  }
+  const std::string partName = FileEditor::nameLike(like, "DesignCrossSectSurf");
+  const std::string pointName = FileEditor::nameLike(like, "CrossSectPnt");
+  std::string text;
+  for (std::size_t i = 0; i < section.parts.size(); ++i) {
+    const civil::SectionPart& part = section.parts[i];
+    const std::string codes = codeText(part.codes);
+    text += partLead + '<' + partName;
+    if (!codes.empty()) text += " name=\"" + escapedAttribute(codes) + '"';
+    if (i < patterns.size() && attributeText(patterns[i], "name") == codes) {
+      // What a part is made of and how it closes is the same along the road; its measures aren't.
+      for (const char* const kept : {"side", "material", "closedArea"}) {
+        if (const auto value = patterns[i].attribute(kept)) {
+          text += ' ' + std::string(kept) + "=\"" + escapedAttribute(value.value()) + '"';
+        }
+      }
+    }
+    text += '>';
+    for (const civil::SectionPoint& point : part.points) {
+      const std::string pointCodes = codeText(point.codes);
+      text += pointLead + '<' + pointName;
+      if (!pointCodes.empty()) text += " code=\"" + escapedAttribute(pointCodes) + '"';
+      text += '>' + pointText(place, section, point, isAbsolute) + "</" + pointName + '>';
+    }
+    text += partClose + "</" + partName + '>';
+  }
+  return text;
+}
+
+std::string ChangeWriter::sectionText(const Place& place, const CorridorSection& section, pugi::xml_node like,
+                                      pugi::xml_node pattern, bool isAbsolute, const Layout& layout) {
+  std::string partLead = layout.inner().lead;
+  std::string close = layout.lead;
+  if (const pugi::xml_node part = child(pattern, "DesignCrossSectSurf")) {
+    partLead = editor_.layoutOf(part).lead;
+    close = partLead.empty() ? std::string() : editor_.closeLead(pattern);
+  }
+  const std::string name = FileEditor::nameLike(like, "CrossSect");
+  std::string text = '<' + name + " sta=\"" + numberText(section.station) + '"';
+  if (!section.label.empty() && hasSectionNames_) text += " name=\"" + escapedAttribute(section.label) + '"';
+  text += '>' + partsText(place, section, like, pattern, isAbsolute, partLead);
+  if (section.origin == SectionOrigin::Computed) {
+    text += partLead;
+    featureMarkup(like, {}, "lvx_section", {{"origin", "computed"}}).print({partLead, layout.unit}, text);
+  }
+  return text + close + "</" + name + '>';
+}
+
+// ---------------------------------------------------------------- regions
+
+void ChangeWriter::writeRegion(const Place& place) {
+  if (place.trace->feature) {
+    writeStations(place);
+    writeAddedStations(place);
+  }
+  if (haveSameSections(*place.now, *place.stored)) return;
+  const pugi::xml_node sections = place.trace->sections.node;
+  if (sections && users_[sections.offset_debug()] == 1)
+    writeSections(place);
+  else
+    writeOwnCrossSects(place);
+}
+
+void ChangeWriter::writeStations(const Place& place) {
+  if (place.now->stations == place.stored->stations) return;
+  // Stations that stood there keep their digits.
+  const std::string given = property(place.trace->feature, "stations").value_or("");
+  std::unordered_map<double, std::string> digits;
+  for (std::size_t i = 0; i < given.size();) {
+    while (i < given.size() && isBlank(given[i])) ++i;
+    const std::size_t from = i;
+    while (i < given.size() && !isBlank(given[i])) ++i;
+    double value = 0.0;
+    const std::string word = given.substr(from, i - from);
+    if (readSingleNumber(word, value)) digits.emplace(value, word);
+  }
+  std::string text;
+  for (const double station : place.now->stations) {
+    const auto found = digits.find(station);
+    if (!text.empty()) text += ' ';
+    text += found == digits.end() ? numberText(station) : found->second;
+  }
+  if (const pugi::xml_node node = propertyNode(place.trace->feature, "stations"))
+    editor_.setAttribute(node, "value", text);
+  else
+    editor_.addProperty(place.trace->feature, "stations", text);
+}
+
+/// Labels that the file doesn't hold yet: of stations that wait for their section, and of those that were added and
+/// computed since the file was read.
+std::vector<std::pair<double, std::string>> ChangeWriter::newLabels(const Place& place) const {
+  std::map<double, std::string> labels;
+  const auto isStored = [&](double station, const std::string& label) {
+    return std::any_of(place.trace->added.begin(), place.trace->added.end(), [&](const AddedStationTrace& added) {
+      return std::abs(added.station - station) <= kSameStation && added.label == label;
+    });
+  };
+  for (const auto& [station, label] : place.now->pendingLabels) {
+    if (!isStored(station, label)) labels.emplace(station, label);
+  }
+  for (const CorridorSection& section : place.now->sections) {
+    if (section.label.empty() || section.origin != SectionOrigin::Computed) continue;
+    const auto& stored = place.stored->sections;
+    const auto at = std::lower_bound(stored.begin(), stored.end(), section.station - kSameStation,
+                                     [](const CorridorSection& s, double station) { return s.station < station; });
+    const bool isNew = at == stored.end() || at->station > section.station + kSameStation || at->label != section.label;
+    if (isNew && !isStored(section.station, section.label)) labels.emplace(section.station, section.label);
+  }
+  return {labels.begin(), labels.end()};
+}
+
+void ChangeWriter::writeAddedStations(const Place& place) {
+  const auto& sections = place.now->sections;
+  for (const AddedStationTrace& added : place.trace->added) {
+    const auto at = std::lower_bound(sections.begin(), sections.end(), added.station - kSameStation,
+                                     [](const CorridorSection& s, double station) { return s.station < station; });
+    const bool hasSection = at != sections.end() && at->station <= added.station + kSameStation;
+    const auto waiting = place.now->pendingLabels.find(added.station);
+    const bool waits = waiting != place.now->pendingLabels.end() && waiting->second == added.label;
+    // The label of a section stands with the section; the one here is how it came about.
+    const bool fits = hasSection ? !at->label.empty() || added.label.empty() : waits;
+    if (!fits) editor_.remove(added.node);
+  }
+  for (const auto& [station, label] : newLabels(place)) {
+    editor_.append(place.trace->feature, addedStation(place.trace->feature, station, label));
+  }
+}
+
+void ChangeWriter::writeSections(const Place& place) {
+  const SectionsTrace& trace = place.trace->sections;
+  const std::vector<SectionPair> pairs = pairSections(place.now->sections, place.stored->sections);
+
+  // The section whose parts a new one resembles: the last one before it that the file holds, else the first one after.
+  std::vector<pugi::xml_node> patterns(pairs.size());
+  pugi::xml_node near;
+  for (std::size_t i = 0; i < pairs.size(); ++i) {
+    if (pairs[i].stored != SectionPair::kNone) near = trace.sections[pairs[i].stored];
+    patterns[i] = near;
+  }
+  near = {};
+  pugi::xml_node next;  // the first one behind a new section that stays
+  std::vector<pugi::xml_node> followers(pairs.size());
+  for (std::size_t i = pairs.size(); i-- > 0;) {
+    if (pairs[i].stored != SectionPair::kNone) near = trace.sections[pairs[i].stored];
+    if (!patterns[i]) patterns[i] = near;
+    followers[i] = next;
+    if (pairs[i].stored != SectionPair::kNone && pairs[i].now != SectionPair::kNone) next = near;
+  }
+  pugi::xml_node previous;
+  for (std::size_t i = 0; i < pairs.size(); ++i) {
+    const SectionPair& pair = pairs[i];
+    if (pair.now == SectionPair::kNone) {
+      editor_.remove(trace.sections[pair.stored]);
+      continue;
+    }
+    const CorridorSection& now = place.now->sections[pair.now];
+    if (pair.stored != SectionPair::kNone) {
+      previous = trace.sections[pair.stored];
+      changeSection(place, now, place.stored->sections[pair.stored], previous);
+      continue;
+    }
+    const pugi::xml_node sibling = followers[i] ? followers[i] : previous;
+    const Layout layout = sibling ? editor_.layoutOf(sibling) : editor_.layoutInside(trace.node);
+    const std::string text = sectionText(place, now, trace.node, patterns[i], trace.isAbsolute, layout);
+    if (followers[i])
+      editor_.insertBefore(followers[i], text);
+    else if (previous)
+      editor_.insertAfter(previous, text);
+    else
+      editor_.prepend(trace.node, layout.lead + text);
+  }
+}
+
+void ChangeWriter::changeSection(const Place& place, const CorridorSection& now, const CorridorSection& stored,
+                                 pugi::xml_node node) {
+  const bool isAbsolute = place.trace->sections.isAbsolute;
+  if (now.station != stored.station) editor_.setAttribute(node, "sta", numberText(now.station));
+  if (now.label != stored.label && hasSectionNames_) {
+    if (now.label.empty())
+      editor_.removeAttribute(node, "name");
+    else
+      editor_.setAttribute(node, "name", now.label);
+  }
+
+  const std::vector<pugi::xml_node> parts = childrenNamed(node, "DesignCrossSectSurf");
+  bool sameShape = haveSameShape(now, stored) && parts.size() == now.parts.size();
+  std::vector<std::vector<pugi::xml_node>> points;
+  for (std::size_t i = 0; sameShape && i < parts.size(); ++i) {
+    points.push_back(childrenNamed(parts[i], "CrossSectPnt"));
+    sameShape = points.back().size() == now.parts[i].points.size();  // not where the reader left one out
+  }
+  if (sameShape) {
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+      for (std::size_t p = 0; p < points[i].size(); ++p) {
+        const civil::SectionPoint& point = now.parts[i].points[p];
+        if (isSamePoint(point, stored.parts[i].points[p])) continue;
+        editor_.setContent(points[i][p], pointText(place, now, point, isAbsolute));
+      }
+    }
+  } else if (!haveSameShape(now, stored) || !haveSamePoints(now, stored)) {
+    const Layout layout = parts.empty() ? editor_.layoutInside(node) : editor_.layoutOf(parts.front());
+    std::string text = partsText(place, now, node, node, isAbsolute, layout.lead);
+    if (parts.empty()) {
+      const std::vector<pugi::xml_node> surfaces = childrenNamed(node, "CrossSectSurf");
+      if (surfaces.empty())
+        editor_.prepend(node, text);
+      else
+        editor_.insertAfter(surfaces.back(), text.substr(layout.lead.size()));
+    } else {
+      if (!text.empty()) text.erase(0, layout.lead.size());
+      editor_.replace(parts.front(), parts.back(), text);
+    }
+  }
+
+  if (now.origin == stored.origin) return;
+  if (const pugi::xml_node ours = feature(node, "lvx_section")) {
+    const pugi::xml_node origin = propertyNode(ours, "origin");
+    if (now.origin == SectionOrigin::Given)
+      editor_.remove(ours);
+    else if (origin)
+      editor_.setAttribute(origin, "value", "computed");
+    else
+      editor_.addProperty(ours, "origin", "computed");
+  } else {
+    editor_.append(node, featureMarkup(node, {}, "lvx_section", {{"origin", "computed"}}));
+  }
+}
+
+/// For a region without sections in the file, or with sections that another region uses too.
+void ChangeWriter::writeOwnCrossSects(const Place& place) {
+  const pugi::xml_node alignment = nodeOf(place.baseline->alignment->handle);
+  std::unordered_set<std::string> taken;
+  eachChild(alignment, "CrossSects", [&](pugi::xml_node node) { taken.insert(attributeText(node, "name")); });
+  const std::string wanted = place.corridor->name + " | " + place.baseline->name + " | " + place.now->name;
+  std::string name = wanted;
+  for (int n = 2; taken.count(name) > 0; ++n) name = wanted + " (" + std::to_string(n) + ")";
+
+  const bool isAbsolute = place.baseline->profile != nullptr;
+  const Layout layout = editor_.layoutInside(alignment);
+  const Layout inside = layout.inner();
+  const std::string element = FileEditor::nameLike(alignment, "CrossSects");
+  const pugi::xml_node pattern =
+      place.trace->sections.sections.empty() ? pugi::xml_node() : place.trace->sections.sections.front();
+  std::string text = layout.lead + '<' + element + " name=\"" + escapedAttribute(name) + "\">";
+  for (const CorridorSection& section : place.now->sections) {
+    text += inside.lead + sectionText(place, section, alignment, pattern, isAbsolute, inside);
+  }
+  text += inside.lead;
+  featureMarkup(alignment, {}, "lvx_corridorSections", {{"elevation", isAbsolute ? "absolute" : "relative"}})
+      .print(inside, text);
+  editor_.append(alignment, text + layout.lead + "</" + element + '>');
+
+  const pugi::xml_node region = place.trace->feature;
+  if (const pugi::xml_node property = propertyNode(region, "crossSects"))
+    editor_.setAttribute(property, "value", name);
+  else
+    editor_.addProperty(region, "crossSects", name);
+  if (const pugi::xml_node property = propertyNode(region, "crossSectsHandle")) editor_.remove(property);
+}
+
+}  // namespace
+
+void writeChanges(const civil::Drawing& drawing, const civil::Drawing& stored, const Trace& trace, FileEditor& editor,
+                  const std::string& path) {
+  ChangeWriter(drawing, stored, trace, editor, path).run();
+}
+
+}  // namespace lvx::landxml::detail

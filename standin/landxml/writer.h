@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+#include "civil/drawing.h"
+#include "landxml/reader.h"
+
+/// LandXML drawings out: what was changed in an open drawing goes into its file, and nothing else there changes.
+namespace lvx::landxml {
+
+/// The drawing can't be saved; the file that stood under the target's name stands there as before. The text begins with
+/// "landxml: " and ends with the file ("(road.xml)").
+class SaveError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+struct SaveOptions {
+  /// Told now and then while the file is read for its places and while it is written; returning false ends the saving
+  /// with SaveError "cancelled".
+  std::function<bool(const Progress&)> progress;
+};
+
+/// Writes `drawing`, which was read from `sourcePath`, to `targetPath`, which may be the same file. Station lists,
+/// labels and sections of corridor regions are compared with what the source says; where they differ the source's bytes
+/// are edited at that place. All other bytes are copied: encoding, line ends, comments, order and unknown elements stay.
+/// A drawing without changes gives the source's bytes.
+///
+/// The first save of a drawing of another program adds our FeatureDictionary, the corridors as the reader understood
+/// them, and the handles of all objects but points.
+///
+/// The new file is written beside the target, flushed to the disk and renamed over it, so a reader sees the old file or
+/// the new one and never a part. It has the permissions of the file that it replaces. A symbolic link is followed; other
+/// hard links of the target keep the old content. A crash may leave ".lvx-save-…" beside the target.
+///
+/// Throws SaveError: the source was changed on disk since it was read, can't be read, or is in an encoding of several
+/// bytes a character other than UTF-8 (and the drawing was changed); the target is no regular file, is read-only or can't
+/// be written; cancelled. The drawing takes note of its new file when source and target are one.
+///
+/// Memory beside the drawing: the source without the points and faces of its surfaces, as a tree.
+void saveDrawing(civil::Drawing& drawing, const std::string& sourcePath, const std::string& targetPath,
+                 const SaveOptions& options = {});
+
+}  // namespace lvx::landxml

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "landxml/writer.h"
+
+namespace lvx::landxml::testing {
+
+inline std::string bytesOf(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream bytes;
+  bytes << file.rdbuf();
+  return bytes.str();
+}
+
+inline void writeBytes(const std::filesystem::path& path, const std::string& bytes) {
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  file << bytes;
+}
+
+/// A folder that goes with the test.
+class ScratchFolder {
+ public:
+  ScratchFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "lvx-saving-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) ADD_FAILURE() << "no folder " << pattern;
+    path_ = pattern;
+  }
+  ScratchFolder(const ScratchFolder&) = delete;
+  ScratchFolder& operator=(const ScratchFolder&) = delete;
+  ~ScratchFolder() {
+    std::error_code ignored;
+    std::filesystem::permissions(path_, std::filesystem::perms::owner_all, ignored);
+    std::filesystem::remove_all(path_, ignored);
+  }
+  [[nodiscard]] std::string file(const std::string& name) const { return (path_ / name).string(); }
+  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+  /// Names of the files that a saving left, besides drawings.
+  [[nodiscard]] std::size_t temporaryFiles() const {
+    std::size_t count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(path_)) {
+      count += entry.path().filename().string().rfind(".lvx-save-", 0) == 0 ? 1 : 0;
+    }
+    return count;
+  }
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// Text of the error with which saving ends; empty where it doesn't.
+inline std::string saveError(civil::Drawing& drawing, const std::string& source, const std::string& target,
+                             const SaveOptions& options = {}) {
+  try {
+    saveDrawing(drawing, source, target, options);
+  } catch (const SaveError& error) {
+    return error.what();
+  }
+  return {};
+}
+
+}  // namespace lvx::landxml::testing
