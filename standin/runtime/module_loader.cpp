@@ -7,6 +7,8 @@
 
 #include <dlfcn.h>
 
+#include "platform/posix/c_locale.h"
+
 namespace lvx::runtime {
 
 namespace {
@@ -100,6 +102,8 @@ LoadedModule LoadedModule::load(const std::filesystem::path& file, std::function
   if (!std::filesystem::exists(file, error)) fail(file, "there is no such file");
   if (!std::filesystem::is_regular_file(file, error)) fail(file, "it is no file");
 
+  // The loader's words are looked into below, so they are to be its own and not a translation.
+  const platform::CLocaleScope ownWords;
   // An absolute path, so that the loader doesn't search its own folders for a bare name.
   guard->library.reset(dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL));
   if (!guard->library) fail(file, explained(lastLoaderWord(), file));

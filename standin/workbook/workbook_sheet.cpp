@@ -14,6 +14,7 @@
 #include <xlsxwriter.h>
 
 #include "framework/exceptions.h"
+#include "platform/posix/c_locale.h"
 #include "platform/posix/posix_platform.h"
 #include "workbook/detail/cell_text.h"
 #include "workbook/detail/row_log.h"
@@ -208,6 +209,8 @@ void WorkbookSheet::finish(const host::CString& path) {
   if (!state_) throw AutomationException("workbook: not started");
   std::unique_ptr<State> state = std::move(state_);
 
+  // The library prints numbers by the thread's locale, and a workbook knows only the point.
+  const platform::CLocaleScope pointAsDecimalSign;
   FileOnTheWay file(platform::toUtf8(path));
   // The library's temporary files lie in the same folder: a disk that is too full for them is too full for the archive,
   // whose writing is checked.

@@ -20,10 +20,13 @@
 
 #include "generator/text_output.h"
 #include "generator/valley_road.h"
+#include "support/xml_number.h"
 
 /// The committed example, read here by its elements alone: no reader and no geometry of ours stands between.
 namespace lvx::generator {
 namespace {
+
+using test::numberIn;
 
 std::string committedText() {
   std::ifstream file(LVX_SOURCE_DIR "/examples/valley-road.xml", std::ios::binary);
@@ -134,7 +137,7 @@ TEST_F(ExampleDrawing, HasASiteOfTwoAlignmentsWithClothoidsAndOneOutside) {
   EXPECT_EQ(all("/LandXML/Alignments[@name='Valley road upgrade']/Alignment").size(), 2U);
   EXPECT_EQ(all("/LandXML/Alignments[@name='Valley road upgrade']/Alignment[CoordGeom/Spiral]").size(), 2U);
   EXPECT_EQ(all("/LandXML/Alignments[not(@name)]/Alignment").size(), 1U);
-  EXPECT_EQ(one("//Alignment[@name='Valley road']").attribute("staStart").as_double(), 1000.0);
+  EXPECT_EQ(numberIn(one("//Alignment[@name='Valley road']").attribute("staStart")), 1000.0);
 }
 
 TEST_F(ExampleDrawing, AlignmentsRunOnWithoutGapsAndCorners) {
@@ -156,7 +159,7 @@ TEST_F(ExampleDrawing, ElementsEndWhereTheirOwnNumbersLeadThem) {
   for (const auto& found : all("//CoordGeom/*")) {
     const pugi::xml_node element = found.node();
     const std::string_view kind = element.name();
-    const double length = element.attribute("length").as_double();
+    const double length = numberIn(element.attribute("length"));
     const Joint start = startOf(element);
     const Place end = placeIn(element, "End");
     if (kind == "Line") {
@@ -185,9 +188,8 @@ TEST_F(ExampleDrawing, ElementsEndWhereTheirOwnNumbersLeadThem) {
 TEST_F(ExampleDrawing, GivenLengthsAreTheSumsOfTheElements) {
   for (const auto& found : all("//Alignment")) {
     double sum = 0.0;
-    for (const auto& element : found.node().child("CoordGeom").children())
-      sum += element.attribute("length").as_double();
-    EXPECT_NEAR(sum, found.node().attribute("length").as_double(), 1e-5);
+    for (const auto& element : found.node().child("CoordGeom").children()) sum += numberIn(element.attribute("length"));
+    EXPECT_NEAR(sum, numberIn(found.node().attribute("length")), 1e-5);
   }
 }
 
@@ -206,11 +208,11 @@ TEST_F(ExampleDrawing, VerticalCurvesOfEachKindFitBetweenTheirNeighbours) {
       const std::string_view kind = node.name();
       if (kind == "Feature") continue;
       const std::vector<double> values = numbers(node.text().get());
-      Point point{values.at(0), values.at(1), 0.0, 0.0, node.attribute("radius").as_double()};
-      if (kind == "ParaCurve") point.lengthIn = point.lengthOut = 0.5 * node.attribute("length").as_double();
+      Point point{values.at(0), values.at(1), 0.0, 0.0, numberIn(node.attribute("radius"))};
+      if (kind == "ParaCurve") point.lengthIn = point.lengthOut = 0.5 * numberIn(node.attribute("length"));
       if (kind == "UnsymParaCurve") {
-        point.lengthIn = node.attribute("lengthIn").as_double();
-        point.lengthOut = node.attribute("lengthOut").as_double();
+        point.lengthIn = numberIn(node.attribute("lengthIn"));
+        point.lengthOut = numberIn(node.attribute("lengthOut"));
       }
       points.push_back(point);
     }
@@ -443,7 +445,7 @@ std::vector<Section> pavedSections(const pugi::xml_document& document) {
   std::vector<Section> sections;
   for (const auto& found : document.select_nodes("//CrossSect[DesignCrossSectSurf]")) {
     int paved = 0;
-    Section section{found.node().attribute("sta").as_double(), {}};
+    Section section{numberIn(found.node().attribute("sta")), {}};
     for (const auto& part : found.node().children("DesignCrossSectSurf")) {
       if (!hasCode(part.attribute("name").value(), {"Pave", "Belag"})) continue;
       ++paved;
@@ -478,7 +480,7 @@ TEST_F(ExampleDrawing, RegionsAskForTheSectionsThatTheFileHolds) {
     const std::string path = "//CrossSects[@name='" + propertyOf(found.node(), "crossSects") + "']";
     std::vector<double> held;
     for (const auto& section : one(path.c_str()).children("CrossSect")) {
-      held.push_back(section.attribute("sta").as_double());
+      held.push_back(numberIn(section.attribute("sta")));
     }
     EXPECT_EQ(stations, held);
   }
@@ -494,9 +496,9 @@ TEST_F(ExampleDrawing, EverySampleLineAndElementOfTheRoadHasASection) {
   };
   const pugi::xml_node road = one("//Alignment[@name='Valley road']");
   for (const auto& line : road.select_nodes("CrossSects/CrossSect[Feature/@code='lvx_sampleLine']")) {
-    EXPECT_TRUE(isThere(line.node().attribute("sta").as_double())) << line.node().attribute("name").value();
+    EXPECT_TRUE(isThere(numberIn(line.node().attribute("sta")))) << line.node().attribute("name").value();
   }
-  double station = road.attribute("staStart").as_double();
+  double station = numberIn(road.attribute("staStart"));
   EXPECT_TRUE(isThere(station));
   for (const auto& element : road.child("CoordGeom").children()) {
     // The lengths as the coordinates give them, not as they are printed.
@@ -508,7 +510,7 @@ TEST_F(ExampleDrawing, EverySampleLineAndElementOfTheRoadHasASection) {
       const Place center = placeIn(element, "Center");
       station += distance(start, center) * turnBetween(direction(center, start), direction(center, end));
     } else {
-      station += element.attribute("length").as_double();
+      station += numberIn(element.attribute("length"));
     }
     EXPECT_TRUE(isThere(station)) << station;
   }

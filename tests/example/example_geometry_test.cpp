@@ -17,10 +17,13 @@
 #include "civil/element.h"
 #include "civil/profile.h"
 #include "civil/tin_surface.h"
+#include "support/xml_number.h"
 
 /// The example against the civil geometry: two independent computations of the same roads have to agree.
 namespace lvx {
 namespace {
+
+using test::numberIn;
 
 std::vector<double> numbers(std::string_view text) {
   std::vector<double> values;
@@ -74,9 +77,9 @@ civil::Profile designOf(const pugi::xml_node& profile) {
     if (kind == "ParaCurve") point.kind = civil::VerticalCurveKind::Parabola;
     if (kind == "UnsymParaCurve") point.kind = civil::VerticalCurveKind::UnsymmetricParabola;
     if (kind == "CircCurve") point.kind = civil::VerticalCurveKind::Circle;
-    point.length = node.attribute(kind == "UnsymParaCurve" ? "lengthIn" : "length").as_double();
-    point.lengthOut = node.attribute("lengthOut").as_double();
-    point.radius = node.attribute("radius").as_double();
+    point.length = numberIn(node.attribute(kind == "UnsymParaCurve" ? "lengthIn" : "length"));
+    point.lengthOut = numberIn(node.attribute("lengthOut"));
+    point.radius = numberIn(node.attribute("radius"));
     points.push_back(point);
   }
   return civil::Profile::design(std::move(points));
@@ -98,7 +101,7 @@ TEST_F(ExampleGeometry, ElementsEndAtTheGivenPointsAndMeetTheNextOnesDirection) 
       const double turn = elements[i + 1].direction - elements[i].endPose().direction;
       EXPECT_LT(std::abs(std::remainder(turn, civil::kTwoPi)), 1e-6) << i;
     }
-    EXPECT_NEAR(alignment.length(), node.node().attribute("length").as_double(), 1e-5);
+    EXPECT_NEAR(alignment.length(), numberIn(node.node().attribute("length")), 1e-5);
   }
 }
 

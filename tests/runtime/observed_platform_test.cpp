@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <system_error>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -66,20 +67,20 @@ TEST_F(ObservedPlatformTest, AFullDiskIsAFailureWithItsReason) {
   file.reset();
   ASSERT_EQ(journal_.events().size(), 1U);
   EXPECT_EQ(journal_.events()[0].fate, FileFate::Failed);
-  EXPECT_EQ(journal_.events()[0].reason, "No space left on device");
+  EXPECT_EQ(journal_.events()[0].reason, std::make_error_code(std::errc::no_space_on_device).message());
 }
 
 TEST_F(ObservedPlatformTest, AMissingFolderIsAFailureWithItsReason) {
   EXPECT_FALSE(platform_.openFile(wide("nowhere/road.txt"), "wb"));
   ASSERT_EQ(journal_.events().size(), 1U);
   EXPECT_EQ(journal_.events()[0].fate, FileFate::Failed);
-  EXPECT_EQ(journal_.events()[0].reason, "No such file or directory");
+  EXPECT_EQ(journal_.events()[0].reason, std::make_error_code(std::errc::no_such_file_or_directory).message());
 }
 
 TEST_F(ObservedPlatformTest, AFolderUnderTheNameIsAFailure) {
   std::filesystem::create_directory(folder_ / "road.txt");
   EXPECT_FALSE(platform_.openFile(wide("road.txt"), "wb"));
-  EXPECT_EQ(journal_.events().at(0).reason, "Is a directory");
+  EXPECT_EQ(journal_.events().at(0).reason, std::make_error_code(std::errc::is_a_directory).message());
 }
 
 TEST_F(ObservedPlatformTest, AFileThatMayNotBeWrittenIsntReplaced) {
