@@ -110,7 +110,7 @@ int run(int rounds) {
     direct.push_back(seconds([&] { reportDirectly(host, stem); }));
     const std::string text = bytesOf(stem + ".txt");
     const std::string page = bytesOf(stem + ".html");
-    frontEnd.steps().expect("CMyDialog1", answers(stem));
+    frontEnd.steps().expect("CMyDialog1", {answers(stem)});
     through.push_back(seconds([&] { same = runner.run(L"lvx_Report_Que").exception == nullptr && same; }));
     same = same && !text.empty() && text == bytesOf(stem + ".txt") && page == bytesOf(stem + ".html");
   }

@@ -1,5 +1,6 @@
 #include "cli/command_line_front_end.h"
 
+#include <iterator>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -63,19 +64,21 @@ bool isYes(const std::string& answer) {
 }  // namespace
 
 void StepDialogs::expect(std::string dialogName, std::vector<std::vector<DialogStep>> openings) {
-  dialogName_ = std::move(dialogName);
-  openings_ = std::move(openings);
-  opened_ = 0;
+  openings_[std::move(dialogName)] = {std::make_move_iterator(openings.begin()),
+                                      std::make_move_iterator(openings.end())};
 }
 
 int StepDialogs::runModal(dialogs::DialogBehaviour& dialog, void* /*parent*/) {
   DialogState state(dialog);
-  if (dialog.dialogTemplate().name == dialogName_ && opened_ < openings_.size()) {
-    for (const DialogStep& step : openings_[opened_++]) {
+  const std::string name(dialog.dialogTemplate().name);
+  if (const auto expected = openings_.find(name); expected != openings_.end() && !expected->second.empty()) {
+    const std::vector<DialogStep> steps = std::move(expected->second.front());
+    expected->second.pop_front();
+    for (const DialogStep& step : steps) {
       if (state.closedWith()) break;
       if (const Refusal refusal = take(state, step); refusal != Refusal::None)
-        throw std::logic_error("dialog " + dialogName_ + ": control " + std::to_string(step.control) + " " +
-                               words(refusal) + (step.text.empty() ? "" : ": '" + toUtf8(step.text) + "'"));
+        throw std::logic_error("dialog " + name + ": control " + std::to_string(step.control) + " " + words(refusal) +
+                               (step.text.empty() ? "" : ": '" + toUtf8(step.text) + "'"));
     }
   }
   if (!state.closedWith()) state.userCloses();

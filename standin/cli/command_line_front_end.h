@@ -1,6 +1,8 @@
 #pragma once
 
+#include <deque>
 #include <filesystem>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,17 +23,15 @@ struct DialogStep {
   host::CString text;
 };
 
-/// Answers dialogs of one name by fixed steps, others for each opening; what the steps leave open, any further opening
-/// and every other dialog is cancelled. A step that the dialog refuses throws std::logic_error.
+/// Answers dialogs by fixed steps, others for each opening of one name; what the steps leave open, any further opening and
+/// every other dialog is cancelled. A step that the dialog refuses throws std::logic_error.
 class StepDialogs final : public dialogs::DialogRunner {
  public:
   void expect(std::string dialogName, std::vector<std::vector<DialogStep>> openings);
   int runModal(dialogs::DialogBehaviour& dialog, void* parent) override;
 
  private:
-  std::string dialogName_;
-  std::vector<std::vector<DialogStep>> openings_;
-  std::size_t opened_ = 0;
+  std::map<std::string, std::deque<std::vector<DialogStep>>, std::less<>> openings_;
 };
 
 /// The command line in place of a user: questions are answered by the options or, on a terminal, by the person there;

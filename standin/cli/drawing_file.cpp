@@ -7,6 +7,7 @@
 #include "cli/interruption.h"
 #include "cli/terminal.h"
 #include "landxml/reader.h"
+#include "landxml/writer.h"
 #include "runtime/open_drawing.h"
 
 namespace lvx::cli {
@@ -25,6 +26,21 @@ civil::Drawing loadDrawing(const std::string& path, ProgressMode progress) {
     throw Failure(kBadDrawing, error.what());
   } catch (const std::bad_alloc&) {
     throw Failure(kBadDrawing, "landxml: not enough memory for this drawing (" + path + ")");
+  }
+}
+
+void saveDrawing(civil::Drawing& drawing, const std::string& target, ProgressMode progress) {
+  ProgressLine line(progress, "saving " + target);
+  landxml::SaveOptions options;
+  options.progress = [&line](const landxml::Progress& state) {
+    line.update(state.bytesDone, state.bytesTotal);
+    return !isInterrupted();
+  };
+  try {
+    landxml::saveDrawing(drawing, drawing.path, target, options);
+  } catch (const landxml::SaveError& error) {
+    if (isInterrupted()) throw runtime::Interrupted();
+    throw Failure(kBadDrawing, error.what());
   }
 }
 

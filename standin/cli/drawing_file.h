@@ -11,6 +11,10 @@ namespace lvx::cli {
 /// the user stopped it.
 [[nodiscard]] civil::Drawing loadDrawing(const std::string& path, ProgressMode progress);
 
+/// Saves a drawing, which was read from its own path, with progress. Throws Failure (kBadDrawing) where it can't be saved
+/// and runtime::Interrupted where the user stopped it; what stood under `target` then still does.
+void saveDrawing(civil::Drawing& drawing, const std::string& target, ProgressMode progress);
+
 /// "road.xml:118: warning: …", the line left out where there is none.
 [[nodiscard]] std::string diagnosticText(const civil::Drawing& drawing, const civil::Diagnostic& diagnostic);
 

@@ -16,7 +16,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::array<std::string_view, 2> kCommands{"projection", "points"};
+constexpr std::array<std::string_view, 3> kCommands{"projection", "points", "gls"};
 
 /// Reads one line and keeps the place of the job file for messages.
 class JobReader {
@@ -112,7 +112,7 @@ std::vector<Job> parseJobs(std::string_view text, const std::string& name, const
     const Json json = reader.objectOf(content);
     Job job{line, {}, {reader.required(json, "command")}};
     if (std::find(kCommands.begin(), kCommands.end(), job.arguments[0]) == kCommands.end())
-      reader.fail("\"" + job.arguments[0] + "\" is no report command; there is projection, points");
+      reader.fail("\"" + job.arguments[0] + "\" is no report command; there is projection, points, gls");
     const std::string drawing = reader.required(json, "drawing");
     const std::string stem = reader.required(json, "out");
     job.label = job.arguments[0];

@@ -5,6 +5,7 @@
 
 #include "cli/batch_command.h"
 #include "cli/failure.h"
+#include "cli/gls_command.h"
 #include "cli/info_command.h"
 #include "cli/interruption.h"
 #include "cli/options.h"
@@ -172,11 +173,38 @@ void addPlay(CLI::App& app, PlayOptions& options) {
       "  lvxhost play examples/valley-road.xml examples/scripts/plain-run.json\n");
 }
 
+void addGls(CLI::App& app, GlsOptions& options) {
+  app.add_option("DRAWING", options.drawing, "LandXML file")->required();
+  app.add_option("--alignment", options.alignment, "Name of the alignment")->required()->type_name("NAME");
+  app.add_option("--site", options.site,
+                 "Its site; \"\" for the alignments outside any site (default: where the name is)")
+      ->type_name("NAME");
+  app.add_option("--profile", options.profile, "Profile of the alignment")->required()->type_name("NAME");
+  app.add_option("--group", options.group, "Sample line group whose stations get rows")->required()->type_name("NAME");
+  app.add_option("--out", options.stem, "Path of the report files without extension; .txt, .xls and .html are added")
+      ->required()
+      ->type_name("STEM");
+  auto* add = app.add_flag("--add-sections", options.addSections,
+                           "Add a section to every corridor region at each station of the report and rebuild");
+  app.add_option("--save", options.saveTo, "Save the drawing with its added sections; may be DRAWING itself")
+      ->type_name("FILE")
+      ->needs(add);
+  app.footer(
+      "Examples:\n"
+      "  lvxhost gls examples/valley-road.xml --alignment 'Valley road' --profile 'Valley road design' \\\n"
+      "      --group 'Cross sections 20 m' --out out/valley-road-gls\n"
+      "      one table: stations, vertical design, cross-falls, widths, edges, horizontal elements\n"
+      "  lvxhost gls examples/valley-road.xml --alignment 'Mill lane' --profile 'Mill lane design' \\\n"
+      "      --group 'Mill lane 25 m' --out mill --add-sections --save mill.xml\n"
+      "      the same after adding corridor sections, and the drawing with them in another file\n");
+}
+
 int run(int argc, char** argv) {
   CommonOptions common;
   InfoOptions info;
   ProjectionOptions projection;
   PointsOptions points;
+  GlsOptions gls;
   BatchOptions batch;
   PlayOptions play;
 
@@ -199,6 +227,10 @@ int run(int argc, char** argv) {
       app.add_subcommand("points", "Write the points report: points with station and offset against an alignment");
   addPoints(*pointsCommand, points);
   addCommonOptions(*pointsCommand, common);
+  CLI::App* glsCommand =
+      app.add_subcommand("gls", "Write the GLS report: an alignment with its profile and corridors in one table");
+  addGls(*glsCommand, gls);
+  addCommonOptions(*glsCommand, common);
   CLI::App* batchCommand = app.add_subcommand("batch", "Write many reports from a file of jobs");
   addBatch(*batchCommand, batch);
   addCommonOptions(*batchCommand, common);
@@ -216,12 +248,14 @@ int run(int argc, char** argv) {
   if (common.overwrite && common.keep) throw Failure(kUsage, "--overwrite and --keep exclude each other");
   projection.siteGiven = projectionCommand->count("--site") > 0;
   points.siteGiven = pointsCommand->count("--site") > 0;
+  gls.siteGiven = glsCommand->count("--site") > 0;
   points.pointsGiven = pointsCommand->count("--points") > 0;
 
   ExitCode code = kDone;
   if (infoCommand->parsed()) code = runInfo(common, info);
   if (projectionCommand->parsed()) code = runProjection(common, projection);
   if (pointsCommand->parsed()) code = runPoints(common, points);
+  if (glsCommand->parsed()) code = runGls(common, gls);
   if (batchCommand->parsed()) code = runBatch(common, batch);
   if (playCommand->parsed()) code = runPlay(common, play);
   finishOutput();

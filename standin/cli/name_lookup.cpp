@@ -122,6 +122,13 @@ const civil::SampleLineGroup& findGroup(const civil::AlignmentObject& alignment,
           namesOf(alignment.sampleLineGroups), name, "the alignment has none");
 }
 
+const civil::ProfileObject& findProfile(const civil::AlignmentObject& alignment, const std::string& name) {
+  for (const civil::ProfileObject& profile : alignment.profiles)
+    if (profile.name == name) return profile;
+  unknown("no profile '" + name + "' on alignment '" + alignment.name + "'", namesOf(alignment.profiles), name,
+          "the alignment has none");
+}
+
 const civil::SurfaceObject& findSurface(const civil::Drawing& drawing, const std::string& name) {
   for (const civil::SurfaceObject& surface : drawing.surfaces)
     if (surface.name == name) return surface;

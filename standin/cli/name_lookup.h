@@ -30,6 +30,7 @@ struct FoundAlignment {
 
 /// The first of that name; throws Failure (kUnknownName) that lists what there is.
 [[nodiscard]] const civil::SampleLineGroup& findGroup(const civil::AlignmentObject& alignment, const std::string& name);
+[[nodiscard]] const civil::ProfileObject& findProfile(const civil::AlignmentObject& alignment, const std::string& name);
 [[nodiscard]] const civil::SurfaceObject& findSurface(const civil::Drawing& drawing, const std::string& name);
 
 [[nodiscard]] const civil::PointGroup& findPointGroup(const civil::Drawing& drawing, const std::string& name);

@@ -63,6 +63,19 @@ struct PointsOptions {
   std::string stem;
 };
 
+struct GlsOptions {
+  std::string drawing;
+  std::string alignment;
+  std::string site;
+  bool siteGiven = false;
+  std::string profile;
+  std::string group;
+  std::string stem;
+  bool addSections = false;
+  /// Where the drawing with its added sections goes; empty: they stay in memory.
+  std::string saveTo;
+};
+
 struct BatchOptions {
   std::string jobs;
   /// Reports at a time; 0: as many as the machine has processors.

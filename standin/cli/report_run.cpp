@@ -153,6 +153,11 @@ ExitCode runReport(const CommonOptions& common, const ReportRun& run, const Repo
     say("the command ended by an exception: " + endedBy);
     return kException;
   }
+  if (!run.saveTo.empty()) {
+    host->openDrawing()->save(
+        [&](civil::Drawing& changed) { saveDrawing(changed, run.saveTo, common.progressMode()); });
+    if (!common.quiet) print(run.saveTo + "  " + std::to_string(std::filesystem::file_size(run.saveTo)) + " bytes\n");
+  }
   return complete ? kDone : kNotWritten;
 }
 

@@ -22,6 +22,8 @@ struct ReportRun {
   std::string drawing;
   /// As the user gave it.
   std::string stem;
+  /// Where the drawing goes once the command ended by itself; empty: it isn't saved.
+  std::string saveTo = {};
 };
 
 /// Tells the front end what to do in the command's dialogs, given the open drawing. `closing` are the steps with which the

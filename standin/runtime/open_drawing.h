@@ -116,6 +116,12 @@ class OpenDrawing {
   [[nodiscard]] bool isChanged() const { return changeCount() != savedChanges_; }
   /// To be called when the drawing has been saved.
   void setSaved() { savedChanges_ = changeCount(); }
+  /// Lets `write` save the drawing, which it may note in it; what it throws leaves the drawing changed.
+  template <class Write>
+  void save(Write write) {
+    write(drawing_);
+    setSaved();
+  }
 
   /// Asked at the start of a rebuild that has something to do; may be empty.
   StartProgress startProgress;

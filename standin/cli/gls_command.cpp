@@ -1,0 +1,66 @@
+#include "cli/gls_command.h"
+
+#include "cli/name_lookup.h"
+#include "cli/report_run.h"
+#include "cli/terminal.h"
+#include "platform/posix/posix_platform.h"
+
+namespace lvx::cli {
+
+using platform::fromUtf8;
+
+namespace {
+
+// The dialogs that the command opens, and their controls beside those of all reports.
+constexpr const char* kDialog = "CMyDialog3";
+constexpr int kProfiles = 112;
+constexpr int kGroups = 262;
+constexpr const char* kQuestion = "CMyDialog4";
+constexpr int kYes = 1;
+constexpr int kNo = 2;
+
+/// What the report can be made of but will show little of.
+void tellGaps(const civil::Drawing& drawing, const civil::AlignmentObject& alignment,
+              const civil::ProfileObject& profile) {
+  if (alignment.geometry.isEmpty())
+    say("alignment '" + alignment.name + "' has no elements: the report has its head alone");
+  if (profile.profile.points().size() < 2)
+    say("profile '" + profile.name + "' has fewer than two points: the report has no vertical design");
+  for (const civil::Corridor& corridor : drawing.corridors) {
+    if (corridor.baselines.empty()) say("corridor '" + corridor.name + "' has no baselines and is passed over");
+    for (const civil::Baseline& baseline : corridor.baselines)
+      if (baseline.profile == nullptr)
+        say("corridor '" + corridor.name + "', baseline '" + baseline.name +
+            "': no profile, so its heights count from 0");
+  }
+}
+
+std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const GlsOptions& options, bool quiet,
+                                 const std::vector<DialogStep>& closing) {
+  using Kind = DialogStep::Kind;
+  const FoundAlignment found = findAlignment(drawing, options.alignment, options.siteGiven ? &options.site : nullptr);
+  const civil::ProfileObject& profile = findProfile(*found.alignment, options.profile);
+  const civil::SampleLineGroup& group = findGroup(*found.alignment, options.group);
+  if (!quiet) tellGaps(drawing, *found.alignment, profile);
+
+  // The profile comes after the alignment: choosing that one puts a corridor's name in the profile's place.
+  std::vector<DialogStep> steps = alignmentSteps(drawing, found);
+  steps.push_back({Kind::SelectRow, kProfiles, rowOf(found.alignment->profiles, &profile), fromUtf8(profile.name)});
+  steps.push_back({Kind::SelectRow, kGroups, rowOf(found.alignment->sampleLineGroups, &group), fromUtf8(group.name)});
+  steps.insert(steps.end(), closing.begin(), closing.end());
+  return steps;
+}
+
+}  // namespace
+
+ExitCode runGls(const CommonOptions& common, const GlsOptions& options) {
+  return runReport(
+      common, {L"lvx_Report_GLS", options.drawing, options.stem, options.saveTo},
+      [&](const runtime::OpenDrawing& drawing, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
+        frontEnd.steps().expect(kDialog, {stepsFor(drawing.drawing(), options, common.quiet, closing)});
+        frontEnd.steps().expect(kQuestion, {{{DialogStep::Kind::Click, options.addSections ? kYes : kNo, 0, {}}}});
+        return std::string();
+      });
+}
+
+}  // namespace lvx::cli

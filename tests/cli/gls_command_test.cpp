@@ -1,0 +1,102 @@
+// lvxhost gls, end to end on the example.
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/run_program.h"
+
+namespace lvx {
+namespace {
+
+using test::fileBytes;
+using test::RunResult;
+using testing::HasSubstr;
+using testing::Not;
+
+const char* const kExample = LVX_SOURCE_DIR "/examples/valley-road.xml";
+
+class GlsCommandTest : public testing::Test {
+ protected:
+  [[nodiscard]] RunResult run(std::vector<std::string> arguments) const {
+    test::RunRequest request;
+    request.program = LVX_BINARY_DIR "/bin/lvxhost";
+    request.arguments = std::move(arguments);
+    request.environment = {{"SOURCE_DATE_EPOCH", "0"}};
+    request.folder = folder_.path();
+    return test::runProgram(request);
+  }
+  [[nodiscard]] RunResult report(const std::string& drawing, std::vector<std::string> more = {}) const {
+    std::vector<std::string> arguments{"gls",         drawing,
+                                       "--alignment", "Valley road",
+                                       "--profile",   "Valley road design",
+                                       "--group",     "Cross sections 20 m",
+                                       "--out",       "road"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return run(std::move(arguments));
+  }
+
+  test::TemporaryFolder folder_;
+};
+
+TEST_F(GlsCommandTest, WritesTheThreeFormsWithTheRoadsCrossFallsAtEveryStation) {
+  const RunResult result = report(kExample);
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  const std::string text = fileBytes(folder_ / "road.txt");
+  EXPECT_THAT(text, HasSubstr("1+000.000"));
+  EXPECT_THAT(text, HasSubstr("-2.5"));
+  EXPECT_THAT(text, Not(HasSubstr("n/a"))) << "the corridor of the example has a section at each of them";
+  EXPECT_THAT(fileBytes(folder_ / "road.html"), HasSubstr("</Body></HTML>"));
+  EXPECT_GT(std::filesystem::file_size(folder_ / "road.xls"), 1000U);
+}
+
+TEST_F(GlsCommandTest, LeavesTheDrawingAloneUnlessSectionsAreWanted) {
+  std::filesystem::copy_file(kExample, folder_ / "own.xml");
+  EXPECT_EQ(report("own.xml").exitCode, 0);
+  EXPECT_EQ(report("own.xml", {"--add-sections", "--overwrite"}).exitCode, 0) << "added sections stay in memory";
+  EXPECT_EQ(fileBytes(folder_ / "own.xml"), fileBytes(kExample));
+  EXPECT_EQ(report("own.xml", {"--save", "other.xml", "--overwrite"}).exitCode, 2) << "there is nothing to save";
+}
+
+TEST_F(GlsCommandTest, SavesTheDrawingWithItsAddedSectionsBesideOrOverItself) {
+  std::filesystem::copy_file(kExample, folder_ / "own.xml");
+  const RunResult beside = report("own.xml", {"--add-sections", "--save", "other.xml"});
+  EXPECT_EQ(beside.exitCode, 0) << beside.errors;
+  EXPECT_THAT(beside.output, HasSubstr("other.xml  "));
+  const std::string other = fileBytes(folder_ / "other.xml");
+  EXPECT_NE(other, fileBytes(kExample));
+  EXPECT_THAT(run({"info", "other.xml"}).errors, Not(HasSubstr("error")));
+
+  EXPECT_EQ(report("own.xml", {"--add-sections", "--save", "own.xml", "--overwrite"}).exitCode, 0);
+  EXPECT_EQ(fileBytes(folder_ / "own.xml"), other);
+  EXPECT_EQ(report("own.xml", {"--add-sections", "--save", "own.xml", "--overwrite"}).exitCode, 0);
+  EXPECT_EQ(fileBytes(folder_ / "own.xml"), other) << "every station has its section already";
+}
+
+TEST_F(GlsCommandTest, TellsADrawingThatCannotBeSaved) {
+  const RunResult result = report(kExample, {"--add-sections", "--save", "no-such-folder/other.xml"});
+  EXPECT_EQ(result.exitCode, 3);
+  EXPECT_THAT(result.errors, HasSubstr("no-such-folder/other.xml"));
+  EXPECT_TRUE(std::filesystem::exists(folder_ / "road.txt")) << "the report stands all the same";
+}
+
+TEST_F(GlsCommandTest, OffersTheProfilesOfTheAlignmentForAWrongName) {
+  const RunResult result = run({"gls", kExample, "--alignment", "Valley road", "--profile", "Valley road desing",
+                                "--group", "Cross sections 20 m", "--out", "road"});
+  EXPECT_EQ(result.exitCode, 4);
+  EXPECT_THAT(result.errors, HasSubstr("no profile 'Valley road desing' on alignment 'Valley road'"));
+  EXPECT_THAT(result.errors, HasSubstr("'Valley road design', 'Valley road ground'"));
+}
+
+TEST_F(GlsCommandTest, ReportsAnAlignmentWithoutACorridorBesideAnotherOnesCorridor) {
+  const RunResult result = run({"gls", kExample, "--alignment", "Mill lane", "--profile", "Mill lane design", "--group",
+                                "Mill lane 25 m", "--out", "mill", "--forms", "txt"});
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_THAT(fileBytes(folder_ / "mill.txt"), HasSubstr("n/a"));
+}
+
+}  // namespace
+}  // namespace lvx
