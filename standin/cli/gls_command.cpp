@@ -19,13 +19,13 @@ constexpr const char* kQuestion = "CMyDialog4";
 constexpr int kYes = 1;
 constexpr int kNo = 2;
 
-/// What the report can be made of but will show little of.
+/// What the command will end at without a word of its own, or show little of.
 void tellGaps(const civil::Drawing& drawing, const civil::AlignmentObject& alignment,
               const civil::ProfileObject& profile) {
   if (alignment.geometry.isEmpty())
-    say("alignment '" + alignment.name + "' has no elements: the report has its head alone");
+    say("alignment '" + alignment.name + "' has no elements, and the report needs them");
   if (profile.profile.points().size() < 2)
-    say("profile '" + profile.name + "' has fewer than two points: the report has no vertical design");
+    say("profile '" + profile.name + "' has fewer than two points, and the report needs two");
   for (const civil::Corridor& corridor : drawing.corridors) {
     if (corridor.baselines.empty()) say("corridor '" + corridor.name + "' has no baselines and is passed over");
     for (const civil::Baseline& baseline : corridor.baselines)

@@ -91,6 +91,45 @@ TEST_F(GlsCommandTest, OffersTheProfilesOfTheAlignmentForAWrongName) {
   EXPECT_THAT(result.errors, HasSubstr("'Valley road design', 'Valley road ground'"));
 }
 
+/// A drawing of one alignment 'A' with a sample line group 'g' and what the test puts into it.
+std::string smallDrawing(const std::string& geometry, const std::string& profile, const std::string& roadways = {}) {
+  return R"(<?xml version="1.0"?>
+<LandXML xmlns="http://www.landxml.org/schema/LandXML-1.2" version="1.2">
+<Units><Metric linearUnit="meter" areaUnit="squareMeter" volumeUnit="cubicMeter" temperatureUnit="celsius" pressureUnit="HPA"/></Units>
+<FeatureDictionary name="lvx" version="1"/>
+<Alignments name="S"><Alignment name="A" length="100" staStart="0">)" +
+         geometry + "<Profile><ProfAlign name=\"P\">" + profile +
+         R"(</ProfAlign></Profile><CrossSects name="g"><CrossSect sta="10" name="L10"><CrossSectSurf name="x">
+<PntList2D>-5 0 5 0</PntList2D></CrossSectSurf></CrossSect></CrossSects></Alignment></Alignments>)" +
+         roadways + "</LandXML>";
+}
+
+TEST_F(GlsCommandTest, SaysWhatADrawingLacksForTheReport) {
+  const std::string line = "<CoordGeom><Line><Start>0 0</Start><End>0 100</End></Line></CoordGeom>";
+  const std::string points = "<PVI>0 10</PVI><PVI>100 12</PVI>";
+  const std::string empty =
+      R"(<Roadways><Roadway name="R" alignmentRefs="A"><Feature code="lvx_corridor" source="lvx"/></Roadway></Roadways>)";
+  struct Row {
+    std::string drawing;
+    int exitCode;
+    const char* words;
+  };
+  const Row rows[] = {
+      {smallDrawing(line, "<PVI>0 10</PVI>"), 70, "profile 'P' has fewer than two points, and the report needs two"},
+      {smallDrawing("", points), 70, "alignment 'A' has no elements, and the report needs them"},
+      {smallDrawing(line, points, empty), 0, "corridor 'R' has no baselines and is passed over"},
+      {smallDrawing(line, points), 0, ""},
+  };
+  for (const Row& row : rows) {
+    std::ofstream(folder_ / "small.xml") << row.drawing;
+    const RunResult result = run(
+        {"gls", "small.xml", "--alignment", "A", "--profile", "P", "--group", "g", "--out", "small", "--overwrite"});
+    EXPECT_EQ(result.exitCode, row.exitCode) << row.words;
+    EXPECT_THAT(result.errors, HasSubstr(row.words));
+    EXPECT_EQ(fileBytes(folder_ / "small.xml"), row.drawing);
+  }
+}
+
 TEST_F(GlsCommandTest, ReportsAnAlignmentWithoutACorridorBesideAnotherOnesCorridor) {
   const RunResult result = run({"gls", kExample, "--alignment", "Mill lane", "--profile", "Mill lane design", "--group",
                                 "Mill lane 25 m", "--out", "mill", "--forms", "txt"});
