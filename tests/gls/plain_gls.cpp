@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "gls/alignment_elements.h"
+#include "platform/posix/c_locale.h"
 #include "projection/sample_line_collector.h"
 #include "services/message_catalogue.h"
 
@@ -22,6 +23,7 @@ CString message(std::uint32_t id) { return services::getMessage(services::kMessa
 
 CString number(const char* format, double value) {
   char buffer[400];
+  const platform::CLocaleScope pointAsDecimalSign;
   std::snprintf(buffer, sizeof buffer, format, value);
   const std::string narrow = buffer;
   return {narrow.begin(), narrow.end()};

@@ -1,6 +1,8 @@
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <random>
@@ -23,6 +25,9 @@
 
 namespace lvx::landxml {
 namespace {
+
+/// The system's own words for an error, in the language of the run.
+std::string words(int error) { return std::strerror(error); }
 
 using namespace testing;
 using ::testing::HasSubstr;
@@ -106,7 +111,7 @@ TEST_F(SafeSaving, RefusesWhenTheFileIsGone) {
   civil::Drawing drawing = changed();
   std::filesystem::remove(source_);
   EXPECT_EQ(saveError(drawing, source_, source_),
-            "landxml: can't read the drawing's file: No such file or directory (" + source_ + ")");
+            "landxml: can't read the drawing's file: " + words(ENOENT) + " (" + source_ + ")");
   EXPECT_FALSE(std::filesystem::exists(source_));
 }
 
@@ -183,11 +188,11 @@ TEST_F(SafeSaving, RefusesATargetThatIsNoFile) {
             "landxml: can't write the drawing: its target is not a regular file (" + sub + ")");
   EXPECT_THAT(saveError(drawing, source_, "/dev/null"), HasSubstr("not a regular file (/dev/null)"));
   const std::string nowhere = folder_.file("no/road.xml");
-  EXPECT_EQ(
-      saveError(drawing, source_, nowhere),
-      "landxml: can't write the drawing: its folder takes no new file: No such file or directory (" + nowhere + ")");
+  EXPECT_EQ(saveError(drawing, source_, nowhere),
+            "landxml: can't write the drawing: its folder takes no new file: " + words(ENOENT) + " (" + nowhere + ")");
   const std::string under = source_ + "/road.xml";
-  EXPECT_EQ(saveError(drawing, source_, under), "landxml: can't write the drawing: Not a directory (" + under + ")");
+  EXPECT_EQ(saveError(drawing, source_, under),
+            "landxml: can't write the drawing: " + words(ENOTDIR) + " (" + under + ")");
   EXPECT_EQ(saveError(drawing, sub, source_), "landxml: the drawing's file is not a regular file (" + sub + ")");
 }
 
@@ -203,7 +208,7 @@ TEST_F(SafeSaving, KeepsTheOldFileWhereThereIsNoSpace) {
       const rlimit limit{text.size() / 2, text.size() / 2};
       setrlimit(RLIMIT_FSIZE, &limit);
     });
-    EXPECT_EQ(error, "landxml: can't write the drawing: File too large (" + source_ + ")");
+    EXPECT_EQ(error, "landxml: can't write the drawing: " + words(EFBIG) + " (" + source_ + ")");
     EXPECT_EQ(bytesOf(source_), text);
     EXPECT_EQ(folder_.temporaryFiles(), 0U);
   }
@@ -219,11 +224,11 @@ TEST_F(SafeSaving, KeepsTheOldFileInAFolderThatTakesNone) {
     if (isRoot && setuid(65534) != 0) _exit(2);
   };
   EXPECT_EQ(errorInTrouble(drawing, source_, source_, asOther),
-            "landxml: can't write the drawing: its folder takes no new file: Permission denied (" + source_ + ")");
+            "landxml: can't write the drawing: its folder takes no new file: " + words(EACCES) + " (" + source_ + ")");
   ASSERT_EQ(chmod(folder_.path().c_str(), 0777), 0);
   ASSERT_EQ(chmod(source_.c_str(), 0444), 0);
   EXPECT_EQ(errorInTrouble(drawing, source_, source_, asOther),
-            "landxml: can't write the drawing: Permission denied (" + source_ + ")");
+            "landxml: can't write the drawing: " + words(EACCES) + " (" + source_ + ")");
   EXPECT_EQ(bytesOf(source_), ownCorridor());
 }
 

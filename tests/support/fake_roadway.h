@@ -11,6 +11,7 @@
 
 #include "host/roadway_connection.h"
 #include "host/roadway_model.h"
+#include "services/formatted_text.h"
 #include "support/fake_host.h"
 #include "support/fake_model.h"
 
@@ -99,7 +100,7 @@ class FakeRegion : public host::QmtBaselineRegion {
     return std::make_shared<Set>(stations);
   }
   void addStation(double station, const CString& label) override {
-    log_.push_back(L"add " + std::to_wstring(station) + L" " + label);
+    log_.push_back(L"add " + services::fixedText(station, 6) + L" " + label);
     asked.push_back(station);
   }
   void rebuild() {
