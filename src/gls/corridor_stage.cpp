@@ -167,7 +167,7 @@ class CorridorReader {
       auto baselineRecord = std::make_unique<tbaseline>();
       tbaseline& kept = *baselineRecord;
       record.baselines.add(baselineRecord.get());
-      baselineRecord.release();
+      static_cast<void>(baselineRecord.release());
       readBaseline(corridor, *baseline, kept);
       return true;
     });

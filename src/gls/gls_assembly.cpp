@@ -153,7 +153,8 @@ void addHorizontalElements(const host::Ref<host::QmtAlignment>& alignment, tglsR
     before = element;
   }
 
-  // Without any element this is where the report ends.
+  // Without any element this is where the report ends, as at any index outside a list.
+  if (before == nullptr) throw framework::InvalidArgumentException();
   const tglsHorElem& last = *report.horElems[report.horElems.size() - 1];
   addRow(report, last.end, names.endAfter(*before));
 }

@@ -54,7 +54,7 @@ void StationRows::finish() {
   report_.rows.setSize(static_cast<ArrayIndex>(rows_.size()));
   ArrayIndex index = 0;
   for (tglsRow* row : rows_) report_.rows.setAt(index++, row);
-  for (auto& row : added_) row.release();
+  for (auto& row : added_) static_cast<void>(row.release());
   added_.clear();
 }
 

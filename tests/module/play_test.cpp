@@ -1,7 +1,6 @@
 // The example scripts through the real program: every list, selection, box and prompt of each transcript is golden.
 #include <filesystem>
 #include <fstream>
-#include <regex>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,8 +16,18 @@ using testing::Not;
 
 /// A transcript without the size of workbooks, which is up to the compression library.
 std::string withoutWorkbookSizes(const std::string& transcript) {
-  static const std::regex kSize(R"re((\.xls","bytes":)[1-9][0-9]*)re");
-  return std::regex_replace(transcript, kSize, "$1\"some\"");
+  const std::string mark = ".xls\",\"bytes\":";
+  std::string text;
+  std::size_t from = 0;
+  for (std::size_t at = transcript.find(mark); at != std::string::npos; at = transcript.find(mark, from)) {
+    const std::size_t number = at + mark.size();
+    const std::size_t end = transcript.find_first_not_of("0123456789", number);
+    // A workbook that was only tried for writing has no bytes yet; that stays.
+    const bool empty = transcript.compare(number, end - number, "0") == 0;
+    text += transcript.substr(from, number - from) + (empty ? "0" : "\"some\"");
+    from = end;
+  }
+  return text + transcript.substr(from);
 }
 
 testing::AssertionResult matchesTranscript(const test::RunResult& result, const std::string& golden) {

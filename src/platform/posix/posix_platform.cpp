@@ -40,7 +40,7 @@ CodePage readCodePage(const std::string& name) {
     throw std::invalid_argument("code page '" + name + "' is unknown");
   const char* unicode = std::endian::native == std::endian::little ? "UTF-32LE" : "UTF-32BE";
   iconv_t opened = iconv_open(unicode, name.c_str());
-  if (std::bit_cast<std::intptr_t>(opened) == -1) throw std::invalid_argument("code page '" + name + "' is unknown");
+  if (opened == reinterpret_cast<iconv_t>(-1)) throw std::invalid_argument("code page '" + name + "' is unknown");
   const std::unique_ptr<void, IconvCloser> converter(opened);
 
   CodePage page;
