@@ -69,11 +69,11 @@ Vec2 clothoidPoint(double curvature, double rate, double distance) {
   const double endCurvature = curvature + rate * distance;
   const double turn = std::max(std::abs(curvature), std::abs(endCurvature)) * std::abs(distance);
   if (!std::isfinite(turn) || !std::isfinite(rate)) return {};
-  const double panels = std::clamp(std::ceil(0.5 * turn / kTurnOfHalfPanel), 1.0, kMostPanels);
+  const auto panels = static_cast<int>(std::clamp(std::ceil(0.5 * turn / kTurnOfHalfPanel), 1.0, kMostPanels));
   const double half = 0.5 * distance / panels;
   const double b = rate * half * half;
   Vec2 point;
-  for (double panel = 0.0; panel < panels; ++panel) {
+  for (int panel = 0; panel < panels; ++panel) {
     const double middle = (2.0 * panel + 1.0) * half;
     const double a = (curvature + rate * middle) * half;
     Complex before = 0.0;

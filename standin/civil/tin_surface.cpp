@@ -287,7 +287,9 @@ bool SegmentSampler::beginFurther() {
   constexpr double kShortestStep = 1e-12;  // a segment so long that doubles can't count such steps is gathered
   const double step = mesh_.grid.cellSize() * std::sqrt(perSquare_);
   if (!(step > kShortestStep)) return false;
-  for (double along = begin + step; along < end; along += step) {
+  const auto at = [begin, step](std::int64_t count) { return begin + static_cast<double>(count) * step; };
+  for (std::int64_t count = 1; at(count) < end; ++count) {
+    const double along = at(count);
     const Vec2 p = a_ + along * d_;
     if (mesh_.grid.triangleNear(p) < 0) continue;
     const std::int32_t there = locate(mesh_, p);

@@ -680,8 +680,9 @@ inline const char* readId(const char* at, std::int64_t& id) {
   const char* const first = at;
   std::int64_t value = 0;
   while (*at >= '0' && *at <= '9') {
+    if (at - first == 18) return nullptr;
     value = value * 10 + (*at - '0');
-    if (++at - first > 18) return nullptr;
+    ++at;
   }
   id = value;
   return at == first ? nullptr : at;
