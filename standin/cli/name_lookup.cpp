@@ -45,6 +45,7 @@ const civil::Site& findSite(const civil::Drawing& drawing, const std::string& na
     if (site->name == name) return *site;
   if (name.empty()) throw Failure(kUnknownName, "every alignment of the drawing stands in a site");
   std::vector<std::string> names;
+  names.reserve(rows.size());
   for (const civil::Site* site : rows) names.push_back(site->name);
   unknown("no site '" + name + "' with alignments", std::move(names), name, "no site has an alignment");
 }

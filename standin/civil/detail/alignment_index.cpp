@@ -74,7 +74,8 @@ void AlignmentIndex::addElement(const Element& element, double station) {
       count = std::max(std::ceil(sharpest * (to - from) / kTurnOfPiece), 1.0);
       while (rate != 0.0 && !ClothoidSeries::isAccurate(sharpest, rate, 0.5 * (to - from) / count)) ++count;
     }
-    for (double k = 0.0; k < count; ++k) {
+    for (std::int64_t piece = 0; static_cast<double>(piece) < count; ++piece) {
+      const auto k = static_cast<double>(piece);
       const double next = k + 1.0 < count ? from + (to - from) * (k + 1.0) / count : to;
       addPiece(element, station, from + (to - from) * k / count, next, at);
     }

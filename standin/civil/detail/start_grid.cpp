@@ -53,7 +53,7 @@ StartGrid::StartGrid(std::span<const Vec3> points, std::span<const Triangle> tri
       const Link link = links[i];
       if (link == kNoLink) continue;
       const Link there = link >= 0 ? link : ~link;
-      Link& back = links[static_cast<std::size_t>(3 * (there >> 2) + (there & 3))];
+      Link& back = links[3 * static_cast<std::size_t>(there >> 2) + static_cast<std::size_t>(there & 3)];
       if (back >= 0) back = ~back;
     }
   }

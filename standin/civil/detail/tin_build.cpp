@@ -114,7 +114,9 @@ Links linkTriangles(std::size_t pointCount, std::span<const Triangle> triangles)
   Links result{std::vector<Link>(3 * triangles.size()), 0};
   std::vector<Link>& links = result.links;
   std::vector<Link> chains(pointCount, kNoLink);
-  const auto slot = [](Link link) { return static_cast<std::size_t>(3 * (link >> 2) + (link & 3)); };
+  const auto slot = [](Link link) {
+    return 3 * static_cast<std::size_t>(link >> 2) + static_cast<std::size_t>(link & 3);
+  };
   for (std::size_t t = 0; t < triangles.size(); ++t) {
     const Triangle& triangle = triangles[t];
     const std::array<std::int32_t, 3> lower{std::min(triangle.b, triangle.c), std::min(triangle.c, triangle.a),

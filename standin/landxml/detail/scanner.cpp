@@ -426,7 +426,7 @@ class Scanner {
 
   // Streaming.
   enum class Step { Done, NeedMore, Odd };
-  void stream(std::string name, bool points);
+  void stream(const std::string& name, bool points);
   Step fastPoint(const char*& at);
   Step fastFace(const char*& at);
   Step fastClose(const char*& at) const;
@@ -795,7 +795,7 @@ Scanner::Step Scanner::fastFace(const char*& at) {
   return Step::Done;
 }
 
-void Scanner::stream(std::string name, bool points) {
+void Scanner::stream(const std::string& name, bool points) {
   const auto colon = name.find(':');
   childName_ = (colon == std::string::npos ? std::string() : name.substr(0, colon + 1)) + (points ? "P" : "F");
   const std::size_t size = childName_.size();
