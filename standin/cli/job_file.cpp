@@ -27,7 +27,7 @@ class JobReader {
     Json job;
     try {
       job = Json::parse(text);
-    } catch (const Json::parse_error& error) {
+    } catch (const Json::exception& error) {
       fail("no JSON object: " + std::string(error.what()));
     }
     if (!job.is_object()) fail("no JSON object");

@@ -189,7 +189,7 @@ std::vector<ScriptAction> parseScript(std::string_view json, const std::string& 
   Json script;
   try {
     script = Json::parse(json);
-  } catch (const Json::parse_error& error) {
+  } catch (const Json::exception& error) {
     throw ScriptError("script: " + name + ": it isn't JSON: " + error.what());
   }
   if (!script.is_array()) throw ScriptError("script: " + name + ": it isn't a JSON array of actions");

@@ -72,6 +72,7 @@ TEST(JobFile, NamesTheLineThatIsNoJob) {
   const std::vector<Row> table{
       {"{", "jobs.jsonl:2: no JSON object"},
       {"[]", "jobs.jsonl:2: no JSON object"},
+      {R"({"command": "gls", "drawing": "x", "out": 1e999})", "jobs.jsonl:2: no JSON object"},
       {R"({"drawing": "b.xml", "out": "b"})", "jobs.jsonl:2: a job needs a text \"command\""},
       {R"({"command": "info", "drawing": "b.xml", "out": "b"})", "jobs.jsonl:2: \"info\" is no report command"},
       {R"({"command": "points", "out": "b"})", "a job needs a text \"drawing\""},

@@ -49,6 +49,7 @@ TEST(Script, SaysWhatIsWrongAndWhere) {
   const Row rows[] = {
       {"", "script: s.json: it isn't JSON"},
       {"[{\"click\": 1}", "script: s.json: it isn't JSON"},
+      {"[{\"click\": 1e999}]", "script: s.json: it isn't JSON"},
       {"{\"click\": 1}", "it isn't a JSON array of actions"},
       {"[{\"click\": 1}, 5]", "action 2 isn't an object"},
       {"[{}]", "action 1 is none of command, select"},
