@@ -15,10 +15,10 @@
 
 #include "cli/child_process.h"
 #include "cli/failure.h"
-#include "cli/installation.h"
 #include "cli/interruption.h"
 #include "cli/job_file.h"
 #include "cli/terminal.h"
+#include "runtime/installation.h"
 #include "runtime/open_drawing.h"
 
 namespace lvx::cli {
@@ -36,7 +36,7 @@ std::string readFile(const std::string& path) {
 class Workers {
  public:
   Workers(const std::vector<Job>& jobs, std::size_t count)
-      : jobs_(jobs), program_(programFile()), results_(jobs.size()), children_(count) {
+      : jobs_(jobs), program_(runtime::programFile()), results_(jobs.size()), children_(count) {
     for (ChildProcess& child : children_) threads_.emplace_back([this, &child] { work(child); });
   }
   Workers(const Workers&) = delete;

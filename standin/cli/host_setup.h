@@ -3,9 +3,13 @@
 #include <memory>
 
 #include "cli/options.h"
+#include "runtime/host_choices.h"
 #include "runtime/standin_host.h"
 
 namespace lvx::cli {
+
+/// What the options say of the host.
+[[nodiscard]] runtime::HostChoices hostChoices(const CommonOptions& options);
 
 /// The host that the options and SOURCE_DATE_EPOCH ask for. Throws Failure (kUsage) for an unknown code page, a message
 /// file that isn't there and an epoch that is no number of seconds.

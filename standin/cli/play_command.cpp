@@ -8,7 +8,6 @@
 #include "cli/drawing_file.h"
 #include "cli/failure.h"
 #include "cli/host_setup.h"
-#include "cli/installation.h"
 #include "cli/script_front_end.h"
 #include "cli/terminal.h"
 #include "platform/posix/posix_platform.h"
@@ -85,7 +84,7 @@ ExitCode runPlay(const CommonOptions& common, const PlayOptions& options) {
   frontEnd.setDrawing(&host->openDrawing()->drawing());
   bool clean = true;
   try {
-    const auto module = host->loadModule(common.module.empty() ? moduleFile() : std::filesystem::path(common.module));
+    const auto module = host->loadModule(runtime::chosenModule(hostChoices(common)));
     clean = play(*host, frontEnd, transcript, options.checks);
   } catch (const runtime::ModuleError& error) {
     throw Failure(kNotWritten, error.what());

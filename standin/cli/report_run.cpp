@@ -10,7 +10,6 @@
 #include "cli/drawing_file.h"
 #include "cli/failure.h"
 #include "cli/host_setup.h"
-#include "cli/installation.h"
 #include "cli/name_lookup.h"
 #include "cli/terminal.h"
 #include "runtime/module_loader.h"
@@ -85,7 +84,7 @@ void runCommand(runtime::StandinHost& host, const wchar_t* name) {
 /// The words of the exception that ended the command; empty where it ended by itself.
 std::string runModuleCommand(runtime::StandinHost& host, const CommonOptions& common, const wchar_t* name) {
   try {
-    const auto module = host.loadModule(common.module.empty() ? moduleFile() : std::filesystem::path(common.module));
+    const auto module = host.loadModule(runtime::chosenModule(hostChoices(common)));
     try {
       runCommand(host, name);
     } catch (const runtime::Interrupted&) {
@@ -126,7 +125,7 @@ std::vector<DialogStep> alignmentSteps(const civil::Drawing& drawing, const Foun
 
 ExitCode runReport(const CommonOptions& common, const ReportRun& run, const ReportPlan& plan) {
   const std::string stem = dialogStem(run.stem);
-  CommandLineFrontEnd frontEnd(common.overwriteMode(), helpFolder(common.language));
+  CommandLineFrontEnd frontEnd(common.overwriteMode(), runtime::helpFolder(common.language));
   const auto host = makeHost(frontEnd, common);
   civil::Drawing drawing = loadDrawing(run.drawing, common.progressMode());
   if (!common.quiet) tellDiagnostics(drawing);

@@ -1,0 +1,57 @@
+#include "runtime/host_choices.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <optional>
+#include <stdexcept>
+#include <string_view>
+#include <system_error>
+
+namespace lvx::runtime {
+
+namespace {
+
+/// The moment that every header shows, for reports that can be reproduced byte for byte.
+std::optional<std::int64_t> fixedMoment() {
+  const char* const given = std::getenv("SOURCE_DATE_EPOCH");
+  if (given == nullptr) return std::nullopt;
+  const std::string_view text(given);
+  std::int64_t seconds = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
+  if (error != std::errc() || end != text.data() + text.size() || seconds < 0)
+    throw std::invalid_argument("SOURCE_DATE_EPOCH is '" + std::string(text) +
+                                "', which is no number of seconds since 1970-01-01 00:00 UTC");
+  return seconds;
+}
+
+constexpr const wchar_t* kMessageFile = L"LVX_MIRELREPORT.txt";
+
+std::string folderOf(const std::filesystem::path& file) {
+  return file.has_parent_path() ? file.parent_path().string() : ".";
+}
+
+}  // namespace
+
+std::filesystem::path chosenModule(const HostChoices& choices) {
+  return choices.module.empty() ? moduleFile(choices.bin) : std::filesystem::path(choices.module);
+}
+
+HostOptions hostOptions(const HostChoices& choices) {
+  HostOptions options;
+  options.platform.fixedMoment = fixedMoment();
+  options.platform.release = platform::fromUtf8(choices.release);
+  options.platform.messageCodePage = choices.messageCodePage;
+  options.platform.reportCodePage = choices.reportCodePage;
+  if (!choices.messages.empty()) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(choices.messages, error))
+      throw std::invalid_argument("--messages: there is no file '" + choices.messages + "'");
+    options.files[kMessageFile] = choices.messages;
+    options.supportPaths.push_back(folderOf(choices.messages));
+  }
+  options.supportPaths.push_back(messageFolder(choices.language, choices.bin).string());
+  options.supportPaths.push_back(folderOf(chosenModule(choices)));
+  return options;
+}
+
+}  // namespace lvx::runtime

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "runtime/installation.h"
+#include "runtime/standin_host.h"
+
+namespace lvx::runtime {
+
+/// What a user chooses of a host, whatever the front end.
+struct HostChoices {
+  std::string language = "en";
+  /// Message file in place of the language's own; empty: that one.
+  std::string messages;
+  /// Module in place of the program's own; empty: that one.
+  std::string module;
+  /// Host release that report headers show; empty for none.
+  std::string release = "R24.3";
+  std::string reportCodePage;
+  std::string messageCodePage = "WINDOWS-1252";
+  /// Folder that the program's files are looked for from.
+  std::filesystem::path bin = programFolder();
+};
+
+/// The module that `choices` ask for.
+[[nodiscard]] std::filesystem::path chosenModule(const HostChoices& choices);
+
+/// The host's options for `choices`, with the moment of SOURCE_DATE_EPOCH where the environment sets one. Throws
+/// std::invalid_argument for a message file that isn't there and an epoch that is no number of seconds; an unknown code
+/// page is told by the host itself.
+[[nodiscard]] HostOptions hostOptions(const HostChoices& choices);
+
+}  // namespace lvx::runtime

@@ -1,0 +1,50 @@
+// Tests of windows: they run on a thread of their own beside the windows' event loop, on a display without a screen.
+#include <QApplication>
+#include <clocale>
+#include <cstdlib>
+#include <string_view>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "support/run_program.h"
+#include "virtual_display.h"
+
+namespace {
+
+bool onlyLists(int count, char** arguments) {
+  for (int index = 1; index < count; ++index)
+    if (std::string_view(arguments[index]) == "--gtest_list_tests") return true;
+  return false;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const bool lists = onlyLists(argc, argv);
+  testing::InitGoogleTest(&argc, argv);
+  if (lists) return RUN_ALL_TESTS();
+
+  const lvx::test::VirtualDisplay display;
+  // No setting of the machine's user plays a part, and none is changed.
+  const lvx::test::TemporaryFolder home;
+  for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR", "HOME"})
+    setenv(variable, home.path().c_str(), 1);
+  setenv("QT_QPA_PLATFORM", "xcb", 1);
+  for (const char* variable : {"QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME", "DBUS_SESSION_BUS_ADDRESS"})
+    unsetenv(variable);
+
+  const QApplication application(argc, argv);
+  // As the program itself: Qt takes the environment's locale, numbers stay as they are.
+  std::setlocale(LC_NUMERIC, "C");
+  QApplication::setQuitOnLastWindowClosed(false);
+  int result = 1;
+  std::thread tests([&result] {
+    result = RUN_ALL_TESTS();
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(), [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
+  });
+  QApplication::exec();
+  tests.join();
+  return result;
+}
