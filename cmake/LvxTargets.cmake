@@ -101,11 +101,17 @@ function(lvx_test name)
                        PROPERTIES LABELS "${arg_LABELS}" TIMEOUT ${arg_TIMEOUT})
 endfunction()
 
+# Each benchmark prints the compiler and the flags that it was built with.
 function(lvx_bench name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
   if(LVX_BUILD_BENCH)
     add_executable(bench_${name} ${arg_SOURCES})
     target_link_libraries(bench_${name} PRIVATE lvx_flags ${arg_LINK})
+    string(TOUPPER "${CMAKE_BUILD_TYPE}" build_type)
+    target_compile_definitions(bench_${name} PRIVATE
+      LVX_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+      LVX_COMPILER="${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}"
+      LVX_FLAGS="${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${build_type}} -ffp-contract=off")
   endif()
 endfunction()
 

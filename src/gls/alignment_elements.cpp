@@ -1,6 +1,7 @@
 #include "gls/alignment_elements.h"
 
 #include "host/collections.h"
+#include "host/site_tree.h"
 
 namespace lvx::gls {
 
@@ -46,7 +47,7 @@ tverticalElement* curveAt(const tvert& point) {
 std::int32_t findAlignment(const Ref<host::QmtDocument>& document, const Ref<host::QmtDatabase>& database,
                            const CString& siteName, const CString& alignmentName, Ref<QmtAlignment>& alignment) {
   Ref<QmtAlignment> found;
-  if (meansNoSite(siteName)) {
+  if (host::meansNoSite(siteName)) {
     if (document) found = host::firstNamed(document->sitelessAlignments(), alignmentName);
   } else if (database) {
     found = foundInSites(*database, siteName, alignmentName);

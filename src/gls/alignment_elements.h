@@ -29,10 +29,6 @@ struct tverticalElement {
 
 using VerticalElementList = framework::CTypedPtrArray<framework::CPtrArray, tverticalElement*>;
 
-/// True where a site's name means the alignments outside any site: it is empty, or begins with the star of the dialog's
-/// row for them.
-[[nodiscard]] inline bool meansNoSite(const CString& siteName) { return siteName.empty() || siteName.front() == L'*'; }
-
 /// Finds the first alignment of exactly that name: outside any site, or in a site of exactly that name. Of several sites
 /// of one name the first that has the alignment gives it. 1 when found; otherwise 0 and `alignment` as it was.
 std::int32_t findAlignment(const host::Ref<host::QmtDocument>& document, const host::Ref<host::QmtDatabase>& database,

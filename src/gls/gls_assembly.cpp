@@ -11,6 +11,7 @@
 #include "gls/corridor_stage.h"
 #include "gls/detail/station_search.h"
 #include "gls/station_rows.h"
+#include "host/site_tree.h"
 #include "projection/sample_line_collector.h"
 #include "services/formatted_text.h"
 #include "services/message_catalogue.h"
@@ -431,7 +432,8 @@ void collectGlsRows(host::Host& host, const host::Ref<host::QmtDocument>& docume
   labelSampleLines(document, database, siteName, alignmentName, groupName, rows);
   OwnedList<tvert> points;
   double unread = 0.0;
-  pvsa_lvx_getvelem(meansNoSite(siteName) ? CString() : siteName, alignmentName, profileName, unread, points.get());
+  pvsa_lvx_getvelem(host::meansNoSite(siteName) ? CString() : siteName, alignmentName, profileName, unread,
+                    points.get());
   addVerticalElements(points.get(), report);
   labelVerticalCurves(points.get(), rows);
   rows.finish();

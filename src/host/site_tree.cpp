@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "host/collections.h"
 #include "host/host.h"
 #include "host/run_time.h"
 
@@ -137,6 +138,15 @@ void namePickedAlignment(const SiteTree& sites, const AlignmentList& alignments,
         alignmentText = alignments[position]->name;
         return;
       }
+}
+
+bool meansNoSite(const CString& siteName) { return siteName.empty() || siteName.front() == L'*'; }
+
+Ref<QmtAlignment> alignmentNamed(const Ref<QmtDocument>& document, const Ref<QmtDatabase>& database,
+                                 const CString& siteName, const CString& alignmentName) {
+  if (meansNoSite(siteName)) return document ? firstNamed(document->sitelessAlignments(), alignmentName) : nullptr;
+  const auto site = database ? firstNamed(database->sites(), siteName) : nullptr;
+  return site ? firstNamed(site->alignments(), alignmentName) : nullptr;
 }
 
 CString handleText(Host& host, VnDbObjectId id) {

@@ -78,6 +78,15 @@ void removeSitesWithoutAlignments(SiteTree& sites);
 void namePickedAlignment(const SiteTree& sites, const AlignmentList& alignments, const CString& handle,
                          CString& siteText, CString& alignmentText);
 
+/// True where a site's name means the alignments outside any site: it is empty, or begins with the star of the dialogs'
+/// row for them.
+[[nodiscard]] bool meansNoSite(const CString& siteName);
+
+/// The first alignment of exactly that name in the first site of exactly that name, or among those outside any site;
+/// empty where there is none.
+[[nodiscard]] Ref<QmtAlignment> alignmentNamed(const Ref<QmtDocument>& document, const Ref<QmtDatabase>& database,
+                                               const CString& siteName, const CString& alignmentName);
+
 /// Handle text of a drawing object, without opening it; empty for none.
 [[nodiscard]] CString handleText(Host& host, VnDbObjectId id);
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/collections.h"
+#include "host/site_tree.h"
 #include "points/point_groups.h"
 #include "services/message_catalogue.h"
 
@@ -19,16 +20,9 @@ using services::kMessageSet;
 /// The words that the dialog's site list shows for the alignments outside any site.
 constexpr std::uint32_t kNoSiteMessage = 109;
 
-bool meansNoSite(const CString& siteText) {
-  return siteText.empty() || siteText.front() == L'*' || siteText == getMessage(kMessageSet, kNoSiteMessage);
-}
-
-Ref<host::QmtAlignment> findAlignment(const Ref<host::QmtDocument>& document, const Ref<host::QmtDatabase>& database,
-                                      const CString& siteText, const CString& alignmentText) {
-  if (meansNoSite(siteText))
-    return document ? host::firstNamed(document->sitelessAlignments(), alignmentText) : nullptr;
-  const auto site = database ? host::firstNamed(database->sites(), siteText) : nullptr;
-  return site ? host::firstNamed(site->alignments(), alignmentText) : nullptr;
+/// The text that the dialog handed over is that of its list, where the row for no site has words of its own.
+CString siteNameOf(const CString& siteText) {
+  return siteText == getMessage(kMessageSet, kNoSiteMessage) ? CString() : siteText;
 }
 
 /// The numbers of a group's points; none where the drawing has no such group, or hands out something else than a plain
@@ -64,7 +58,8 @@ std::unique_ptr<tpoint> rowOf(std::int32_t number, const Ref<host::QmtPointList>
 void collectPoints(const Ref<host::QmtDocument>& document, const Ref<host::QmtDatabase>& database,
                    const CString& siteText, const CString& alignmentText, const CString& groupText,
                    const PickedNumbers& pickedNumbers, PointList& rows) {
-  const Ref<host::QmtAlignment> alignment = findAlignment(document, database, siteText, alignmentText);
+  const Ref<host::QmtAlignment> alignment =
+      host::alignmentNamed(document, database, siteNameOf(siteText), alignmentText);
   if (!alignment || !document) return;
 
   const Ref<host::QmtPointGroupList> groups = document->pointGroups();

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/collections.h"
+#include "host/site_tree.h"
 #include "projection/detail/host_triples.h"
 
 namespace lvx::projection {
@@ -21,17 +22,6 @@ constexpr double kTwoPi = 6.283185307179586;
 constexpr double kCentreTolerance = 0.0001;
 /// Drawing units: two sample lines this near to each other are one.
 constexpr double kStationTolerance = 0.000001;
-
-bool meansNoSite(const CString& siteName) { return siteName.empty() || siteName.front() == L'*'; }
-
-host::Ref<host::QmtAlignment> findAlignment(const host::Ref<host::QmtDocument>& document,
-                                            const host::Ref<host::QmtDatabase>& database, const CString& siteName,
-                                            const CString& alignmentName) {
-  if (meansNoSite(siteName))
-    return document ? host::firstNamed(document->sitelessAlignments(), alignmentName) : nullptr;
-  const auto site = database ? host::firstNamed(database->sites(), siteName) : nullptr;
-  return site ? host::firstNamed(site->alignments(), alignmentName) : nullptr;
-}
 
 double directionFromAzimuth(double azimuth) {
   double direction = kHalfPi - azimuth;
@@ -180,7 +170,7 @@ void collectSampleLines(const host::Ref<host::QmtDocument>& document, const host
                         const CString& siteName, const CString& alignmentName, const GroupFilter& groups,
                         SampleLineList& list) {
   framework::destroyAll(list);
-  const auto alignment = findAlignment(document, database, siteName, alignmentName);
+  const auto alignment = host::alignmentNamed(document, database, siteName, alignmentName);
   if (!alignment) return;
 
   RecordBuilder builder(*alignment);
