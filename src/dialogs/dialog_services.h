@@ -27,6 +27,8 @@ inline constexpr int kIdLabelSite = 264;
 inline constexpr int kIdLabelAlignment = 265;
 inline constexpr int kIdSites = 261;
 inline constexpr int kIdAlignments = 263;
+/// Not in the points dialog.
+inline constexpr int kIdSampleLineGroups = 262;
 inline constexpr int kIdCheckAscii = 274;
 inline constexpr int kIdCheckExcel = 275;
 inline constexpr int kIdCheckThird = 276;

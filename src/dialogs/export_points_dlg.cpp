@@ -1,10 +1,9 @@
 #include "dialogs/export_points_dlg.h"
 
 #include <array>
+#include <utility>
 
-#include "dialogs/dialog_services.h"
 #include "host/companion.h"
-#include "host/host.h"
 #include "services/formatted_text.h"
 #include "services/message_catalogue.h"
 
@@ -47,131 +46,64 @@ constexpr std::array<ControlTemplate, 24> kControls{{
 
 constexpr DialogTemplate kTemplate{"CExportPointsDlg", L"*Export Points", 283, 214, kControls};
 
-constexpr std::array<Caption, 8> kCaptions{{{kIdCancel, 4},
-                                            {kIdHelp, 5},
-                                            {kIdGroupSelection, 202},
-                                            {kIdLabelSite, 103},
-                                            {kIdLabelAlignment, 104},
-                                            {103, 203},
-                                            {104, 221},
-                                            {kIdGroupOutput, 108}}};
+constexpr std::array<Caption, 3> kCaptions{{{kIdGroupSelection, 202}, {103, 203}, {104, 221}}};
 
-constexpr std::array<PictureOn, 4> kSmallPictures{
-    {{270, kPictureSite}, {271, kPictureAlignment}, {273, kPicturePointGroup}, {278, kPicturePoint}}};
+constexpr std::array<PictureOn, 2> kSmallPictures{{{273, kPicturePointGroup}, {278, kPicturePoint}}};
 
-constexpr std::array<PictureOn, 3> kButtonPictures{
-    {{kIdPickAlignment, kPicturePick}, {kIdPickSecond, kPicturePick}, {kIdOutputFileBox, kPictureSave}}};
+constexpr ReportDialogParts kParts{.dialogTemplate = &kTemplate,
+                                   .title = 201,
+                                   .captions = kCaptions,
+                                   .smallPictures = kSmallPictures,
+                                   .helpPage = kHelpPoints};
 
 constexpr std::uint32_t kOnePoint = 224;
 constexpr std::uint32_t kPoints = 225;
 
-/// Text of a list's selected row; empty where none is.
-CString selectedText(const DialogWindow& window, int list) {
-  const int row = window.selection(list);
-  return row == DialogWindow::kNone ? CString() : window.rowText(list, row);
-}
-
 }  // namespace
+
+CExportPointsDlg::CExportPointsDlg(host::Host& host) : ReportDialog(host, kParts) {}
 
 CExportPointsDlg::~CExportPointsDlg() {
   if (!loaded) return;
   pvsa_lvx_relsites(sites);
   host::releaseAllAlignments(alignments);
   points::releasePointGroups(pointGroups);
-  database.reset();
-  document.reset();
-  pvsa_lvx_releaseQmtObject();
+  releaseModel();
 }
 
-const DialogTemplate& CExportPointsDlg::dialogTemplate() const { return kTemplate; }
-
 void CExportPointsDlg::attach() {
-  host::Ref<host::QmtDocument> newDocument;
-  host::Ref<host::QmtDatabase> newDatabase;
-  const bool reached = pvsa_lvx_getQmtObject(newDocument, newDatabase) > 0;
+  std::optional<Model> model = reachModel();
   loaded = true;  // also where it failed: this dialog doesn't try again. From here on the destructor gives all back.
-  if (reached) {
-    document = std::move(newDocument);
-    database = std::move(newDatabase);
-    pvsa_lvx_getsites(sites);
-    host::loadAllAlignments(host_, document, database, alignments);
-    points::loadPointGroups(document, database, pointGroups);
-  }
-  host::removeSitesWithoutAlignments(sites);
+  if (!model) return;
+  take(std::move(*model));
+  points::loadPointGroups(document, database, pointGroups);
 }
 
 void CExportPointsDlg::onOpening(DialogWindow& window) {
   if (!loaded) attach();
-
-  window.setTitle(getMessage(kMessageSet, 201));
-  setCaptions(window, kCaptions);
-  window.setText(kIdOutputStem, outputStem);
-  window.setTip(kIdOutputStem, outputStem);
-  setPictures(host_, window, kSmallPictures, kButtonPictures);
-  for (const int list : {kIdSites, kIdAlignments, kIdPointGroups}) window.emptyList(list);
+  showLook(window);
 
   fillSites(window);
   fillAlignments(window);
   fillPointGroups(window);
 
-  // A selection whose name has gone falls back to the first row here, and its text changes with it. The row of the
-  // alignments outside any site always does: it shows a message's text, which is no site's name.
-  struct Choice {
-    int list;
-    std::int32_t index;
-    CString& text;
-  };
-  for (const Choice& choice :
-       {Choice{kIdSites, siteIndex, siteText}, Choice{kIdAlignments, alignmentIndex, alignmentText},
-        Choice{kIdPointGroups, groupIndex, groupText}}) {
-    if (choice.index < 0) continue;
-    choice.text = window.rowText(choice.list, choice.index);
-    window.select(choice.list, choice.index);
-  }
+  choose(window, kIdSites, siteIndex, siteText);
+  choose(window, kIdAlignments, alignmentIndex, alignmentText);
+  choose(window, kIdPointGroups, groupIndex, groupText);
 
   // Points picked by hand win at each opening. What was selected before them is read anew on OK.
   const framework::ArrayIndex pickedRow = pointGroups.size() - 1;
   if (pointGroups[pickedRow]->count > 0) window.select(kIdPointGroups, static_cast<int>(pickedRow));
   showCount(window, selectedCount(window) == 1 ? kOnePoint : kPoints);
 
-  if (isComplete()) window.enable(kIdOk, true);
+  enableOkIfComplete(window);
   setFormChecks(window);
-}
-
-void CExportPointsDlg::fillSites(DialogWindow& window) {
-  siteIndex = 0;
-  for (framework::ArrayIndex i = 0; i < sites.size(); ++i) {
-    const host::tsite& site = *sites[i];
-    const auto row = static_cast<std::int32_t>(i);
-    window.insertRow(kIdSites, row, site.name.empty() ? getMessage(kMessageSet, 109) : site.name);
-    if (site.name == siteText) siteIndex = row;
-  }
-  if (sites.isEmpty()) siteIndex = -1;
-}
-
-void CExportPointsDlg::fillAlignments(DialogWindow& window) {
-  alignmentIndex = 0;
-  if (siteIndex >= 0) {
-    const auto& children = sites[siteIndex]->alignments;
-    for (framework::ArrayIndex i = 0; i < children.size(); ++i) {
-      const auto row = static_cast<std::int32_t>(i);
-      window.insertRow(kIdAlignments, row, children[i]->name);
-      if (children[i]->name == alignmentText) alignmentIndex = row;
-    }
-  }
-  if (window.rowCount(kIdAlignments) == 0) alignmentIndex = -1;
 }
 
 void CExportPointsDlg::fillPointGroups(DialogWindow& window) {
   // The former choice is forgotten, so only a group without a name moves the start away from the first row.
   groupText.clear();
-  groupIndex = 0;
-  for (framework::ArrayIndex i = 0; i < pointGroups.size(); ++i) {
-    const auto row = static_cast<std::int32_t>(i);
-    window.insertRow(kIdPointGroups, row, pointGroups[i]->name);
-    if (pointGroups[i]->name == groupText) groupIndex = row;
-  }
-  if (pointGroups.isEmpty()) groupIndex = -1;
+  groupIndex = insertNames(window, kIdPointGroups, pointGroups, groupText);
 }
 
 std::int32_t CExportPointsDlg::selectedCount(const DialogWindow& window) const {
@@ -183,70 +115,22 @@ void CExportPointsDlg::showCount(DialogWindow& window, std::uint32_t words) cons
                                     L"%ld %s", {std::int64_t{selectedCount(window)}, getMessage(kMessageSet, words)}));
 }
 
-void CExportPointsDlg::onClick(DialogWindow& window, int id) {
-  switch (id) {
-    case kIdPickAlignment:
-    case kIdPickSecond:
-    case kIdCancel:
-      window.end(id);
-      break;
-    case kIdOutputFileBox:
-      if (runOutputFileBox(host_, window)) outputStem = window.text(kIdOutputStem);
-      break;
-    case kIdHelp:
-      showHelp(host_, CString(kHelpPoints));
-      break;
-    case kIdOk:
-      takeOver(window);
-      break;
-    default:
-      break;
-  }
-}
-
 void CExportPointsDlg::onSelectionChanged(DialogWindow& window, int id) {
-  // The list of alignments is read on OK alone.
-  if (id == kIdSites)
-    siteChanged(window);
-  else if (id == kIdPointGroups)
+  if (id == kIdSites) {
+    if (window.selection(kIdSites) != DialogWindow::kNone) changeSite(window);
+  } else if (id == kIdPointGroups) {
     showCount(window, kPoints);  // in the plural even for one point, unlike at the opening: users know the text so
-}
-
-void CExportPointsDlg::onTextChanged(DialogWindow& window, int id) {
-  if (id == kIdOutputStem) stemChanged(window);
-}
-
-void CExportPointsDlg::siteChanged(DialogWindow& window) {
-  const int row = window.selection(kIdSites);
-  if (row == DialogWindow::kNone) return;
-  siteIndex = row;
-  window.emptyList(kIdAlignments);
-  alignmentText.clear();
-  int rows = 0;
-  for (const host::tsiteAlignment* alignment : sites[siteIndex]->alignments)
-    window.insertRow(kIdAlignments, rows++, alignment->name);
-  alignmentIndex = rows == 0 ? -1 : 0;
-
-  siteText = window.rowText(kIdSites, siteIndex);
-  if (alignmentIndex >= 0) {
-    alignmentText = window.rowText(kIdAlignments, alignmentIndex);
-    window.select(kIdAlignments, alignmentIndex);
   }
 }
 
-void CExportPointsDlg::stemChanged(DialogWindow& window) {
-  outputStem = window.text(kIdOutputStem);
-  window.enable(kIdOk, isComplete());
-}
+void CExportPointsDlg::stemChanged(DialogWindow& window) { window.enable(kIdOk, isComplete()); }
 
-void CExportPointsDlg::takeOver(DialogWindow& window) {
+void CExportPointsDlg::takeTextsOver(const DialogWindow& window) {
   siteText = selectedText(window, kIdSites);
   alignmentText = selectedText(window, kIdAlignments);
   groupText = selectedText(window, kIdPointGroups);
-  checkAscii = window.isTicked(kIdCheckAscii) ? 1 : 0;
-  checkExcel = window.isTicked(kIdCheckExcel) ? 1 : 0;
-  checkThird = window.isTicked(kIdCheckThird) ? 1 : 0;
-  window.end(kIdOk);
 }
+
+bool CExportPointsDlg::isComplete() const { return groupIndex >= 0 && !outputStem.empty(); }
 
 }  // namespace lvx::dialogs

@@ -1,16 +1,12 @@
 #include "dialogs/my_dialog1.h"
 
 #include <array>
+#include <utility>
 
-#include "dialogs/dialog_services.h"
 #include "host/companion.h"
-#include "host/host.h"
-#include "services/message_catalogue.h"
+#include "host/model.h"
 
 namespace lvx::dialogs {
-
-using services::getMessage;
-using services::kMessageSet;
 
 namespace {
 
@@ -46,113 +42,52 @@ constexpr std::array<ControlTemplate, 24> kControls{{
 
 constexpr DialogTemplate kTemplate{"CMyDialog1", L"*Profiles projection", 283, 214, kControls};
 
-constexpr std::array<Caption, 8> kCaptions{{{kIdCancel, 4},
-                                            {kIdHelp, 5},
-                                            {kIdGroupSelection, 102},
-                                            {kIdLabelSite, 103},
-                                            {kIdLabelAlignment, 104},
-                                            {266, 105},
-                                            {267, 107},
-                                            {kIdGroupOutput, 108}}};
+constexpr std::array<Caption, 3> kCaptions{{{kIdGroupSelection, 102}, {266, 105}, {267, 107}}};
 
-constexpr std::array<PictureOn, 4> kSmallPictures{
-    {{270, kPictureSite}, {271, kPictureAlignment}, {101, kPictureSampleLineGroup}, {273, kPictureSurface}}};
+constexpr std::array<PictureOn, 2> kSmallPictures{{{101, kPictureSampleLineGroup}, {273, kPictureSurface}}};
 
-constexpr std::array<PictureOn, 3> kButtonPictures{
-    {{kIdPickAlignment, kPicturePick}, {kIdPickSecond, kPicturePick}, {kIdOutputFileBox, kPictureSave}}};
+constexpr ReportDialogParts kParts{.dialogTemplate = &kTemplate,
+                                   .title = 101,
+                                   .captions = kCaptions,
+                                   .smallPictures = kSmallPictures,
+                                   .helpPage = kHelpProjection};
 
 }  // namespace
+
+CMyDialog1::CMyDialog1(host::Host& host) : ReportDialog(host, kParts) {}
 
 CMyDialog1::~CMyDialog1() {
   if (loaded == 0) return;
   surfaces.reset();
   host::releaseAllAlignments(alignments);
   pvsa_lvx_relsites(sites);
-  database.reset();
-  document.reset();
-  pvsa_lvx_releaseQmtObject();
+  releaseModel();
 }
 
-const DialogTemplate& CMyDialog1::dialogTemplate() const { return kTemplate; }
-
 void CMyDialog1::attach() {
-  host::Ref<host::QmtDocument> newDocument;
-  host::Ref<host::QmtDatabase> newDatabase;
-  if (pvsa_lvx_getQmtObject(newDocument, newDatabase) < 1) return;
-  document = std::move(newDocument);
-  database = std::move(newDatabase);
+  std::optional<Model> model = reachModel();
+  if (!model) return;
   loaded = 1;  // from here on the destructor gives everything back
-  pvsa_lvx_getsites(sites);
-  host::loadAllAlignments(host_, document, database, alignments);
+  take(std::move(*model));
   surfaces = document->surfaces();
-  host::removeSitesWithoutAlignments(sites);
 }
 
 void CMyDialog1::onOpening(DialogWindow& window) {
   if (loaded == 0) attach();
-
-  window.setTitle(getMessage(kMessageSet, 101));
-  setCaptions(window, kCaptions);
-  window.setText(kIdOutputStem, outputStem);
-  window.setTip(kIdOutputStem, outputStem);
-  setPictures(host_, window, kSmallPictures, kButtonPictures);
-  for (const int list : {kIdSites, kIdAlignments, kIdGroups, kIdSurfaces}) window.emptyList(list);
+  showLook(window);
 
   fillSites(window);
   fillAlignments(window);
-
-  groupIndex = siteIndex < 0 || alignmentIndex < 0 ? -1 : 0;
-  if (groupIndex == 0) {
-    if (const host::talignment2* alignment = selectedInOverallList()) {
-      insertGroups(window, *alignment);
-      if (alignment->children.isEmpty()) groupIndex = -1;
-      for (framework::ArrayIndex i = 0; i < alignment->children.size(); ++i)
-        if (alignment->children[i]->name == groupText) groupIndex = static_cast<std::int32_t>(i);
-    }
-  }
+  fillSampleLineGroups(window);
   if (surfaces) fillSurfaces(window);
 
-  // A selection whose name has gone falls back to the first row here, and its text changes with it. The row of the
-  // alignments outside any site always does: it shows a message's text, which is no site's name.
-  struct Choice {
-    int list;
-    std::int32_t index;
-    CString& text;
-  };
-  for (const Choice& choice :
-       {Choice{kIdSites, siteIndex, siteText}, Choice{kIdAlignments, alignmentIndex, alignmentText},
-        Choice{kIdGroups, groupIndex, groupText}, Choice{kIdSurfaces, surfaceIndex, surfaceText}}) {
-    if (choice.index < 0) continue;
-    choice.text = window.rowText(choice.list, choice.index);
-    window.select(choice.list, choice.index);
-  }
+  choose(window, kIdSites, siteIndex, siteText);
+  choose(window, kIdAlignments, alignmentIndex, alignmentText);
+  choose(window, kIdSampleLineGroups, groupIndex, groupText);
+  choose(window, kIdSurfaces, surfaceIndex, surfaceText);
 
   enableOkIfComplete(window);
   setFormChecks(window);
-}
-
-void CMyDialog1::fillSites(DialogWindow& window) {
-  siteIndex = 0;
-  for (framework::ArrayIndex i = 0; i < sites.size(); ++i) {
-    const host::tsite& site = *sites[i];
-    const auto row = static_cast<std::int32_t>(i);
-    window.insertRow(kIdSites, row, site.name.empty() ? getMessage(kMessageSet, 109) : site.name);
-    if (site.name == siteText) siteIndex = row;
-  }
-  if (sites.isEmpty()) siteIndex = alignmentIndex = -1;
-}
-
-void CMyDialog1::fillAlignments(DialogWindow& window) {
-  alignmentIndex = 0;
-  if (siteIndex >= 0) {
-    const auto& children = sites[siteIndex]->alignments;
-    for (framework::ArrayIndex i = 0; i < children.size(); ++i) {
-      const auto row = static_cast<std::int32_t>(i);
-      window.insertRow(kIdAlignments, row, children[i]->name);
-      if (children[i]->name == alignmentText) alignmentIndex = row;
-    }
-  }
-  if (window.rowCount(kIdAlignments) == 0) alignmentIndex = -1;
 }
 
 void CMyDialog1::fillSurfaces(DialogWindow& window) {
@@ -167,39 +102,6 @@ void CMyDialog1::fillSurfaces(DialogWindow& window) {
   if (count == 0) surfaceIndex = -1;
 }
 
-host::talignment2* CMyDialog1::selectedInOverallList() const {
-  const CString& handle = sites[siteIndex]->alignments[alignmentIndex]->handle;
-  for (host::talignment2* alignment : alignments)
-    if (alignment->handle == handle) return alignment;
-  return nullptr;
-}
-
-void CMyDialog1::insertGroups(DialogWindow& window, const host::talignment2& alignment) {
-  int row = 0;
-  for (const host::tslgroup* group : alignment.children) window.insertRow(kIdGroups, row++, group->name);
-}
-
-void CMyDialog1::onClick(DialogWindow& window, int id) {
-  switch (id) {
-    case kIdPickAlignment:
-    case kIdPickSecond:
-    case kIdCancel:
-      window.end(id);
-      break;
-    case kIdOutputFileBox:
-      if (runOutputFileBox(host_, window)) outputStem = window.text(kIdOutputStem);
-      break;
-    case kIdHelp:
-      showHelp(host_, CString(kHelpProjection));
-      break;
-    case kIdOk:
-      takeOver(window);
-      break;
-    default:
-      break;
-  }
-}
-
 void CMyDialog1::onSelectionChanged(DialogWindow& window, int id) {
   if (window.selection(id) == DialogWindow::kNone) return;
   switch (id) {
@@ -209,90 +111,38 @@ void CMyDialog1::onSelectionChanged(DialogWindow& window, int id) {
     case kIdAlignments:
       alignmentChanged(window);
       break;
-    case kIdGroups:
-      groupChanged(window);
+    case kIdSampleLineGroups:
+      takeRow(window, id, groupIndex, groupText);
+      enableOkIfComplete(window);
       break;
     case kIdSurfaces:
-      surfaceChanged(window);
+      takeRow(window, id, surfaceIndex, surfaceText);
+      enableOkIfComplete(window);
       break;
     default:
       break;
   }
 }
 
-void CMyDialog1::onTextChanged(DialogWindow& window, int id) {
-  if (id == kIdOutputStem) stemChanged(window);
-}
-
 void CMyDialog1::siteChanged(DialogWindow& window) {
-  siteIndex = window.selection(kIdSites);
-  window.emptyList(kIdAlignments);
-  alignmentIndex = 0;
-  alignmentText.clear();
-  window.emptyList(kIdGroups);
-  groupIndex = 0;
-  groupText.clear();
-
-  int row = 0;
-  for (const host::tsiteAlignment* alignment : sites[siteIndex]->alignments)
-    window.insertRow(kIdAlignments, row++, alignment->name);
-  if (row == 0) alignmentIndex = -1;
-  if (alignmentIndex >= 0)
-    if (const host::talignment2* alignment = selectedInOverallList()) insertGroups(window, *alignment);
-  if (window.rowCount(kIdGroups) == 0) groupIndex = -1;
-
-  siteText = window.rowText(kIdSites, siteIndex);
-  if (alignmentIndex >= 0) {
-    alignmentText = window.rowText(kIdAlignments, alignmentIndex);
-    window.select(kIdAlignments, alignmentIndex);
-  }
-  if (groupIndex >= 0) {
-    groupText = window.rowText(kIdGroups, groupIndex);
-    window.select(kIdGroups, groupIndex);
-    enableOkIfComplete(window);
-  }
+  changeSite(window);
+  if (listSampleLineGroups(window)) groupIndex = 0;
+  choose(window, kIdSampleLineGroups, groupIndex, groupText);
+  enableOkIfComplete(window);
 }
 
 void CMyDialog1::alignmentChanged(DialogWindow& window) {
-  alignmentIndex = window.selection(kIdAlignments);
-  window.emptyList(kIdGroups);
+  takeRow(window, kIdAlignments, alignmentIndex, alignmentText);
   // Unlike a change of site this selects no group: the user has to choose one. OK stays as it was.
-  groupIndex = -1;
-  groupText.clear();
-  if (const host::talignment2* alignment = selectedInOverallList()) insertGroups(window, *alignment);
-  alignmentText = window.rowText(kIdAlignments, alignmentIndex);
+  listSampleLineGroups(window);
 }
 
-void CMyDialog1::groupChanged(DialogWindow& window) {
-  groupIndex = window.selection(kIdGroups);
-  groupText = window.rowText(kIdGroups, groupIndex);
-  enableOkIfComplete(window);
-}
+void CMyDialog1::stemChanged(DialogWindow& window) { window.enable(kIdOk, isComplete()); }
 
-void CMyDialog1::surfaceChanged(DialogWindow& window) {
-  surfaceIndex = window.selection(kIdSurfaces);
-  surfaceText = window.rowText(kIdSurfaces, surfaceIndex);
-  enableOkIfComplete(window);
-}
-
-void CMyDialog1::stemChanged(DialogWindow& window) {
-  outputStem = window.text(kIdOutputStem);
-  window.enable(kIdOk, isComplete());
-}
-
-void CMyDialog1::takeOver(DialogWindow& window) {
-  const int row = window.selection(kIdAlignments);
-  reportAlignmentText = row == DialogWindow::kNone ? CString() : window.rowText(kIdAlignments, row);
-  checkAscii = window.isTicked(kIdCheckAscii) ? 1 : 0;
-  checkExcel = window.isTicked(kIdCheckExcel) ? 1 : 0;
-  checkThird = window.isTicked(kIdCheckThird) ? 1 : 0;
-  window.end(kIdOk);
+void CMyDialog1::takeTextsOver(const DialogWindow& window) {
+  reportAlignmentText = selectedText(window, kIdAlignments);
 }
 
 bool CMyDialog1::isComplete() const { return groupIndex >= 0 && surfaceIndex >= 0 && !outputStem.empty(); }
-
-void CMyDialog1::enableOkIfComplete(DialogWindow& window) const {
-  if (isComplete()) window.enable(kIdOk, true);
-}
 
 }  // namespace lvx::dialogs

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "dialogs/dialog_services.h"
 #include "dialogs/export_points_dlg.h"
+#include "dialogs/report_command.h"
 #include "host/host.h"
 #include "host/picking.h"
 #include "points/point_collector.h"
@@ -21,9 +21,6 @@ using services::getMessage;
 using services::kMessageSet;
 
 namespace {
-
-constexpr int kClosedByMark = 3;
-constexpr std::int16_t kTicked = 1;
 
 /// The command's selection set: made empty, filled and freed by every pick, freed for good at the end.
 class SelectionSet {
@@ -58,14 +55,6 @@ class ClassFilter {
   host::FilterList* list_;
 };
 
-void pickAlignment(host::Host& host, CExportPointsDlg& dialog) {
-  host::pickEntity(host, {host::kClassAlignment, getMessage(kMessageSet, 110), getMessage(kMessageSet, 111)},
-                   [&dialog](const CString& handle) {
-                     host::namePickedAlignment(dialog.sites, dialog.alignments, handle, dialog.siteText,
-                                               dialog.alignmentText);
-                   });
-}
-
 /// Replaces `pickedNumbers` by the numbers of the points that the user selects, and tells the dialog's last row how many
 /// they are. Giving the selection up leaves none. False where the host can't identify something that it delivered: the
 /// command ends then.
@@ -94,66 +83,27 @@ bool pickPoints(host::Host& host, CExportPointsDlg& dialog, SelectionSet& select
   return true;
 }
 
-/// True where the output stem names a folder that is there.
-bool hasFolder(host::Host& host, const CString& stem) {
-  const services::StemFolder folder = services::folderOfStem(host, stem);
-  // Only a stem without any folder gets a word; a folder that is missing just brings the dialog back.
-  if (folder == services::StemFolder::None)
-    host.userInterface().messageBox(getMessage(kMessageSet, 229), host::BoxButtons::Ok, host::BoxIcon::Warning);
-  return folder == services::StemFolder::Exists;
-}
-
-/// False where the command ends without a report.
-bool runDialog(host::Host& host, CExportPointsDlg& dialog, SelectionSet& selection, PickedNumbers& pickedNumbers) {
-  for (;;) {
-    switch (host.dialogs().runModal(dialog, host.runTime().vnsw_mainWnd())) {
-      case dialogs::kIdOk:
-        if (hasFolder(host, dialog.outputStem)) return true;
-        break;
-      case dialogs::kIdCancel:
-      case kClosedByMark:
-        return false;
-      case dialogs::kIdPickAlignment:
-        pickAlignment(host, dialog);
-        break;
-      case dialogs::kIdPickSecond:
-        if (!pickPoints(host, dialog, selection, pickedNumbers)) return false;
-        break;
-      default:
-        break;
-    }
-  }
-}
-
-void writeReports(host::Host& host, const CExportPointsDlg& dialog, const PointList& rows) {
-  if (dialog.checkAscii == kTicked) {
-    const CString name = dialog.outputStem + L".txt";
-    if (services::mayWriteReport(host, name)) writePointsAscii(name, rows);
-  }
-  if (dialog.checkExcel == kTicked) {
-    const CString name = dialog.outputStem + L".xls";
-    if (services::mayWriteWorkbook(host, name)) writePointsExcel(name, rows);
-  }
-  if (dialog.checkThird == kTicked) {
-    const CString name = dialog.outputStem + L".html";
-    if (services::mayWriteReport(host, name)) writePointsHtml(name, rows);
-  }
-}
-
 }  // namespace
 
 void runPointsReport(host::Host& host) {
   CExportPointsDlg dialog(host);
   SelectionSet selection(host.runTime());
   PickedNumbers pickedNumbers;
-  if (!runDialog(host, dialog, selection, pickedNumbers)) return;
+  const auto pick = [&] { return pickPoints(host, dialog, selection, pickedNumbers); };
+  // An output path without its folder brings the dialog back.
+  do {
+    if (!dialogs::runUntilOk(host, dialog, pick)) return;
+  } while (!services::mayWriteUnderStem(host, dialog.outputStem));
 
   framework::OwnedList<tpoint> rows;
   collectPoints(dialog.document, dialog.database, dialog.siteText, dialog.alignmentText, dialog.groupText,
                 pickedNumbers, rows.get());
   sortPointsByStation(rows.get());
   if (rows.get().isEmpty()) return;  // no file at all, and no question about those that stand
-  writeReports(host, dialog, rows.get());
+  dialogs::writeTickedForms(host, dialog,
+                            {.ascii = [&](const CString& name) { writePointsAscii(name, rows.get()); },
+                             .excel = [&](const CString& name) { writePointsExcel(name, rows.get()); },
+                             .html = [&](const CString& name) { writePointsHtml(name, rows.get()); }});
 }
 
 }  // namespace lvx::points

@@ -36,4 +36,11 @@ StemFolder folderOfStem(host::Host& host, const CString& stem) {
   return host.platform().exists(folder) ? StemFolder::Exists : StemFolder::Missing;
 }
 
+bool mayWriteUnderStem(host::Host& host, const CString& stem) {
+  const StemFolder folder = folderOfStem(host, stem);
+  if (folder == StemFolder::None)
+    host.userInterface().messageBox(getMessage(kMessageSet, 229), BoxButtons::Ok, BoxIcon::Warning);
+  return folder == StemFolder::Exists;
+}
+
 }  // namespace lvx::services

@@ -22,4 +22,8 @@ using framework::CString;
 enum class StemFolder { Exists, Missing, None };
 [[nodiscard]] StemFolder folderOfStem(host::Host& host, const CString& stem);
 
+/// True where an output stem has a folder and that is there. A stem without any gets a word; a folder that is missing
+/// gets none: users' scripts rely on a command never stopping there.
+[[nodiscard]] bool mayWriteUnderStem(host::Host& host, const CString& stem);
+
 }  // namespace lvx::services

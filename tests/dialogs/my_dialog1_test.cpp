@@ -89,7 +89,7 @@ class ProjectionDialogTest : public testing::Test {
   std::list<OpenableObject> objects_;
 };
 
-constexpr int kGroups = CMyDialog1::kIdGroups;
+constexpr int kGroups = kIdSampleLineGroups;
 constexpr int kSurfaces = CMyDialog1::kIdSurfaces;
 
 TEST_F(ProjectionDialogTest, OpensOnTheFirstOfEverythingWithAllFormsTickedAndOkDisabled) {

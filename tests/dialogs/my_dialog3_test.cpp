@@ -48,7 +48,7 @@ std::wstring rows(const DialogState& state, int id) {
   return text;
 }
 
-constexpr int kGroups = CMyDialog3::kIdGroups;
+constexpr int kGroups = kIdSampleLineGroups;
 constexpr int kProfiles = CMyDialog3::kIdProfiles;
 constexpr int kCorridors = CMyDialog3::kIdCorridors;
 

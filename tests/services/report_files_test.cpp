@@ -17,7 +17,7 @@ using host::BoxIcon;
 class ReportFilesTest : public testing::Test {
  protected:
   ReportFilesTest() {
-    host_.useMessageBytes("227 exists, overwrite?\r\n228 is in use\r\n");
+    host_.useMessageBytes("227 exists, overwrite?\r\n228 is in use\r\n229 no folder\r\n");
     name_ = host_.folder() + L"report.xls";
   }
 
@@ -92,6 +92,15 @@ TEST_F(ReportFilesTest, FindsTheFolderOfAStemAtItsLastMark) {
       {L"/road", StemFolder::Exists},
   };
   for (const Row& row : rows) EXPECT_EQ(folderOfStem(host_, row.stem), row.expected) << platform::toUtf8(row.stem);
+}
+
+TEST_F(ReportFilesTest, TellsOnlyThatAStemHasNoFolderNotThatItsFolderIsMissing) {
+  EXPECT_TRUE(mayWriteUnderStem(host_, host_.folder() + L"road"));
+  EXPECT_FALSE(mayWriteUnderStem(host_, host_.folder() + L"nothing/road"));
+  EXPECT_TRUE(host_.users().boxes.empty());
+  EXPECT_FALSE(mayWriteUnderStem(host_, L"road"));
+  EXPECT_EQ(host_.users().boxes,
+            (std::vector<test::FakeUserInterface::Box>{{L"no folder", BoxButtons::Ok, BoxIcon::Warning}}));
 }
 
 }  // namespace

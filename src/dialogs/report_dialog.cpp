@@ -1,0 +1,158 @@
+#include "dialogs/report_dialog.h"
+
+#include <array>
+#include <utility>
+
+#include "host/companion.h"
+#include "host/host.h"
+#include "services/message_catalogue.h"
+
+namespace lvx::dialogs {
+
+using services::getMessage;
+using services::kMessageSet;
+
+namespace {
+
+/// The word for the alignments outside any site.
+constexpr std::uint32_t kNoSite = 109;
+
+constexpr std::array<Caption, 5> kCaptions{
+    {{kIdCancel, 4}, {kIdHelp, 5}, {kIdLabelSite, 103}, {kIdLabelAlignment, 104}, {kIdGroupOutput, 108}}};
+
+constexpr std::array<PictureOn, 2> kSmallPictures{{{270, kPictureSite}, {271, kPictureAlignment}}};
+
+}  // namespace
+
+// ---------------------------------------------------------------- attaching and going
+
+std::optional<ReportDialog::Model> ReportDialog::reachModel() {
+  Model model;
+  if (pvsa_lvx_getQmtObject(model.document, model.database) < 1) return std::nullopt;
+  return model;
+}
+
+void ReportDialog::take(Model model) {
+  document = std::move(model.document);
+  database = std::move(model.database);
+  pvsa_lvx_getsites(sites);
+  host::loadAllAlignments(host_, document, database, alignments);
+  host::removeSitesWithoutAlignments(sites);
+}
+
+void ReportDialog::releaseModel() {
+  database.reset();
+  document.reset();
+  pvsa_lvx_releaseQmtObject();
+}
+
+// ---------------------------------------------------------------- steps of an opening
+
+void ReportDialog::showLook(DialogWindow& window) {
+  window.setTitle(getMessage(kMessageSet, parts_.title));
+  setCaptions(window, kCaptions);
+  setCaptions(window, parts_.captions);
+  window.setText(kIdOutputStem, outputStem);
+  window.setTip(kIdOutputStem, outputStem);
+  const std::array<PictureOn, 3> buttons{
+      {{kIdPickAlignment, kPicturePick}, {parts_.secondPick, kPicturePick}, {kIdOutputFileBox, kPictureSave}}};
+  setPictures(host_, window, kSmallPictures, buttons);
+  setPictures(host_, window, parts_.smallPictures, parts_.plainPictures);
+  for (const ControlTemplate& control : dialogTemplate().controls)
+    if (control.kind == ControlKind::DropDownList) window.emptyList(control.id);
+}
+
+void ReportDialog::fillSites(DialogWindow& window) {
+  siteIndex = sites.isEmpty() ? -1 : 0;
+  for (framework::ArrayIndex i = 0; i < sites.size(); ++i) {
+    const host::tsite& site = *sites[i];
+    const auto row = static_cast<std::int32_t>(i);
+    window.insertRow(kIdSites, row, site.name.empty() ? getMessage(kMessageSet, kNoSite) : site.name);
+    if (site.name == siteText) siteIndex = row;
+  }
+}
+
+void ReportDialog::fillAlignments(DialogWindow& window) {
+  alignmentIndex = siteIndex < 0 ? -1 : insertNames(window, kIdAlignments, sites[siteIndex]->alignments, alignmentText);
+}
+
+void ReportDialog::fillSampleLineGroups(DialogWindow& window) {
+  groupIndex = -1;
+  if (alignmentIndex < 0) return;
+  const host::talignment2* alignment = selectedInOverallList();
+  groupIndex = alignment == nullptr ? 0 : insertNames(window, kIdSampleLineGroups, alignment->children, groupText);
+}
+
+void ReportDialog::choose(DialogWindow& window, int list, std::int32_t index, CString& text) {
+  if (index < 0) return;
+  text = window.rowText(list, index);
+  window.select(list, index);
+}
+
+void ReportDialog::enableOkIfComplete(DialogWindow& window) const {
+  if (isComplete()) window.enable(kIdOk, true);
+}
+
+// ---------------------------------------------------------------- what the user does
+
+void ReportDialog::onClick(DialogWindow& window, int id) {
+  if (id == kIdPickAlignment || id == parts_.secondPick || id == kIdCancel) {
+    window.end(id);
+  } else if (id == kIdOutputFileBox) {
+    if (runOutputFileBox(host_, window)) outputStem = window.text(kIdOutputStem);
+  } else if (id == kIdHelp) {
+    showHelp(host_, CString(parts_.helpPage));
+  } else if (id == kIdOk) {
+    takeTextsOver(window);
+    checkAscii = window.isTicked(kIdCheckAscii) ? 1 : 0;
+    checkExcel = window.isTicked(kIdCheckExcel) ? 1 : 0;
+    checkThird = window.isTicked(kIdCheckThird) ? 1 : 0;
+    window.end(kIdOk);
+  }
+}
+
+void ReportDialog::onTextChanged(DialogWindow& window, int id) {
+  if (id != kIdOutputStem) return;
+  outputStem = window.text(kIdOutputStem);
+  stemChanged(window);
+}
+
+void ReportDialog::takeRow(const DialogWindow& window, int list, std::int32_t& index, CString& text) {
+  index = window.selection(list);
+  text = window.rowText(list, index);
+}
+
+CString ReportDialog::selectedText(const DialogWindow& window, int list) {
+  const int row = window.selection(list);
+  return row == DialogWindow::kNone ? CString() : window.rowText(list, row);
+}
+
+void ReportDialog::changeSite(DialogWindow& window) {
+  takeRow(window, kIdSites, siteIndex, siteText);
+  window.emptyList(kIdAlignments);
+  alignmentText.clear();
+  alignmentIndex = insertNames(window, kIdAlignments, sites[siteIndex]->alignments);
+  choose(window, kIdAlignments, alignmentIndex, alignmentText);
+}
+
+bool ReportDialog::listSampleLineGroups(DialogWindow& window) {
+  window.emptyList(kIdSampleLineGroups);
+  groupIndex = -1;
+  groupText.clear();
+  if (alignmentIndex < 0) return false;
+  const host::talignment2* alignment = selectedInOverallList();
+  return alignment != nullptr && insertNames(window, kIdSampleLineGroups, alignment->children) >= 0;
+}
+
+const host::tsiteAlignment& ReportDialog::selectedInTree() const {
+  return *sites[siteIndex]->alignments[alignmentIndex];
+}
+
+const host::talignment2* ReportDialog::selectedInOverallList() const {
+  const CString& handle = selectedInTree().handle;
+  for (const host::talignment2* alignment : alignments)
+    if (alignment->handle == handle) return alignment;
+  return nullptr;
+}
+
+}  // namespace lvx::dialogs
