@@ -1,90 +1,51 @@
 #include "dialogs/export_points_dlg.h"
 
-#include <memory>
-
 #include <gtest/gtest.h>
 
 #include "dialogs/dialog_services.h"
 #include "framework/exceptions.h"
 #include "host/run_time.h"
-#include "runtime/dialog_state.h"
-#include "support/fake_companion.h"
-#include "support/fake_host.h"
-#include "support/fake_model.h"
+#include "support/report_drawing.h"
 
 namespace lvx::dialogs {
 namespace {
 
 using runtime::DialogState;
 using runtime::Refusal;
+using test::rows;
 
 constexpr int kGroups = CExportPointsDlg::kIdPointGroups;
 constexpr int kCount = CExportPointsDlg::kIdPointCount;
 
-/// Lists as short text: rows between bars, the selected one in brackets.
-std::wstring rows(const DialogState& state, int id) {
-  const DialogState::Control& list = *state.find(id);
-  std::wstring text;
-  for (int row = 0; row < static_cast<int>(list.rows.size()); ++row) {
-    if (row > 0) text += L"|";
-    text += row == list.row ? L"[" + list.rows[row] + L"]" : list.rows[row];
-  }
-  return text;
-}
-
-class PointsDialogTest : public testing::Test {
+class PointsDialogTest : public testing::Test, public test::ReportDrawing {
  protected:
   PointsDialogTest() {
-    host_.useMessageBytes(
+    host.useMessageBytes(
         "1 All|*.*||\r\n4 Cancel it\r\n5 Help it\r\n103 Site\r\n104 Axis\r\n108 Output\r\n109 *none*\r\n114 text\r\n"
         "115 sheet\r\n116 page\r\n201 Title\r\n202 Selection\r\n203 Groups\r\n221 Selected\r\n224 point\r\n"
         "225 points\r\n226 picked\r\n");
-    companion_.document = drawing_.document;
-    companion_.database = drawing_.database;
-    companion_.fillSites = [this](host::SiteTree& sites) { fillTree(sites); };
-  }
-
-  host::Ref<test::FakeAlignment> alignment(const host::Ref<test::FakeSite>& site, const CString& name) {
-    const auto made = drawing_.addAlignment(site, name);
-    made->handleText = L"A" + std::to_wstring(made->id.value);
-    return made;
-  }
-
-  void fillTree(host::SiteTree& sites) {
-    const auto add = [&sites](const CString& name, test::FakeAlignments& alignments) {
-      host::tsite* site = test::newSite(name, {});
-      for (const auto& item : alignments.items)
-        site->alignments.add(test::newSiteAlignment(item->nameText, item->handleText));
-      sites.add(site);
-    };
-    add(L"", *drawing_.document->alignments);
-    for (const auto& site : drawing_.database->siteList->items) add(site->nameText, *site->alignmentList);
   }
 
   /// Site "S" with axes "A" and "B", site "T" with "C"; groups of two points, of one and of none.
   void useUsualDrawing() {
-    const auto site = drawing_.addSite(L"S");
-    alignment(site, L"A");
-    alignment(site, L"B");
-    alignment(drawing_.addSite(L"T"), L"C");
-    drawing_.addPointGroup(L"two", {1, 2});
-    drawing_.addPointGroup(L"one", {7});
-    drawing_.addPointGroup(L"none", {});
+    const auto site = drawing.addSite(L"S");
+    addAlignment(site, L"A");
+    addAlignment(site, L"B");
+    addAlignment(drawing.addSite(L"T"), L"C");
+    drawing.addPointGroup(L"two", {1, 2});
+    drawing.addPointGroup(L"one", {7});
+    drawing.addPointGroup(L"none", {});
   }
 
   /// What the command does after a pick of points.
   static void setPicked(CExportPointsDlg& dialog, std::int32_t count) {
     dialog.pointGroups[dialog.pointGroups.size() - 1]->count = count;
   }
-
-  test::FakeHost host_;
-  test::FakeCompanion companion_;
-  test::FakeDrawing drawing_;
 };
 
 TEST_F(PointsDialogTest, OpensOnTheFirstOfEverythingWithAllFormsTickedAndOkDisabled) {
   useUsualDrawing();
-  CExportPointsDlg dialog(host_);
+  CExportPointsDlg dialog(host);
   const DialogState state(dialog);
   EXPECT_EQ(rows(state, kIdSites), L"[S]|T");
   EXPECT_EQ(rows(state, kIdAlignments), L"[A]|B");
@@ -96,7 +57,7 @@ TEST_F(PointsDialogTest, OpensOnTheFirstOfEverythingWithAllFormsTickedAndOkDisab
 
 TEST_F(PointsDialogTest, TakesEveryCaptionFromTheMessages) {
   useUsualDrawing();
-  CExportPointsDlg dialog(host_);
+  CExportPointsDlg dialog(host);
   const DialogState state(dialog);
   EXPECT_EQ(state.title(), L"Title");
   struct Row {
@@ -121,7 +82,7 @@ TEST_F(PointsDialogTest, TakesEveryCaptionFromTheMessages) {
 
 TEST_F(PointsDialogTest, HasEveryPictureOnItsControl) {
   useUsualDrawing();
-  CExportPointsDlg dialog(host_);
+  CExportPointsDlg dialog(host);
   const DialogState state(dialog);
   EXPECT_EQ(state.find(270)->picture, kPictureSite);
   EXPECT_EQ(state.find(271)->picture, kPictureAlignment);
@@ -132,44 +93,27 @@ TEST_F(PointsDialogTest, HasEveryPictureOnItsControl) {
   EXPECT_EQ(state.find(kIdOutputFileBox)->picture, kPictureSave);
 }
 
-TEST_F(PointsDialogTest, LaysItsControlsOutInsideItsWindow) {
-  CExportPointsDlg dialog(host_);
+TEST_F(PointsDialogTest, HasItsControlsAndItsSize) {
+  const CExportPointsDlg dialog(host);
   const DialogTemplate& made = dialog.dialogTemplate();
   EXPECT_EQ(made.controls.size(), 24U);
   EXPECT_EQ(made.width, 283);
   EXPECT_EQ(made.height, 214);
   EXPECT_EQ(made.title, L"*Export Points");
-  for (const ControlTemplate& control : made.controls) {
-    SCOPED_TRACE(control.id);
-    EXPECT_GE(control.rectangle.x, 0);
-    EXPECT_LE(control.rectangle.x + control.rectangle.width, made.width);
-    EXPECT_LE(control.rectangle.y + control.rectangle.height, made.height);
-    EXPECT_EQ(made.find(control.id), &control) << "an id stands once";
-  }
 }
 
 // ---------------------------------------------------------------- lists
 
-TEST_F(PointsDialogTest, NeverShowsASiteWithoutAlignments) {
-  drawing_.addSite(L"empty");
-  useUsualDrawing();
-  drawing_.addSite(L"also empty");
-  drawing_.addSite(L"and another");
-  CExportPointsDlg dialog(host_);
-  const DialogState state(dialog);
-  EXPECT_EQ(rows(state, kIdSites), L"[S]|T");
-}
-
 TEST_F(PointsDialogTest, OpensOnTheRowWithoutASiteWhereverItStands) {
   useUsualDrawing();
-  alignment(nullptr, L"Loose");
-  companion_.fillSites = [this](host::SiteTree& sites) {
-    fillTree(sites);
+  addAlignment(nullptr, L"Loose");
+  companion.fillSites = [this](host::SiteTree& sites) {
+    fillSiteTree(sites);
     host::tsite* first = sites[0];
     sites.removeAt(0);
     sites.add(first);
   };
-  CExportPointsDlg dialog(host_);
+  CExportPointsDlg dialog(host);
   {
     DialogState state(dialog);
     EXPECT_EQ(rows(state, kIdSites), L"S|T|[*none*]") << "its empty name is the still empty selection";
@@ -184,7 +128,7 @@ TEST_F(PointsDialogTest, OpensOnTheRowWithoutASiteWhereverItStands) {
 
 TEST_F(PointsDialogTest, SelectsTheFirstAlignmentAfterAChangeOfSite) {
   useUsualDrawing();
-  CExportPointsDlg dialog(host_);
+  CExportPointsDlg dialog(host);
   DialogState state(dialog);
   state.userSelects(kIdAlignments, L"B");
   EXPECT_EQ(dialog.alignmentText, L"A") << "the list of alignments is read on OK alone";
@@ -195,25 +139,10 @@ TEST_F(PointsDialogTest, SelectsTheFirstAlignmentAfterAChangeOfSite) {
   EXPECT_EQ(dialog.siteIndex, 1);
 }
 
-TEST_F(PointsDialogTest, EmptiesTheAlignmentTextWhereTheNewSiteHasNoAlignmentLeft) {
-  useUsualDrawing();
-  CExportPointsDlg dialog(host_);
-  DialogState state(dialog);
-  for (host::tsiteAlignment* record : dialog.sites[1]->alignments) {
-    framework::destroyAll(record->children);
-    delete record;
-  }
-  dialog.sites[1]->alignments.removeAll();
-  state.userSelects(kIdSites, L"T");
-  EXPECT_EQ(dialog.alignmentText, L"");
-  EXPECT_EQ(dialog.alignmentIndex, -1);
-  EXPECT_EQ(rows(state, kIdAlignments), L"");
-}
-
 TEST_F(PointsDialogTest, LetsOnlyAGroupWithoutANameMoveTheStartFromTheFirstRow) {
   useUsualDrawing();
-  drawing_.addPointGroup(L"", {1, 2, 3});
-  CExportPointsDlg dialog(host_);
+  drawing.addPointGroup(L"", {1, 2, 3});
+  CExportPointsDlg dialog(host);
   const DialogState state(dialog);
   EXPECT_EQ(rows(state, kGroups), L"two|one|none|[]|picked");
   EXPECT_EQ(state.text(kCount), L"3 points");
@@ -222,8 +151,8 @@ TEST_F(PointsDialogTest, LetsOnlyAGroupWithoutANameMoveTheStartFromTheFirstRow) 
 // ---------------------------------------------------------------- the count
 
 TEST_F(PointsDialogTest, CountsOnePointInTheSingularAtAnOpeningAndInThePluralOnceChosenAgain) {
-  drawing_.addPointGroup(L"one", {7});
-  CExportPointsDlg dialog(host_);
+  drawing.addPointGroup(L"one", {7});
+  CExportPointsDlg dialog(host);
   DialogState state(dialog);
   EXPECT_EQ(state.text(kCount), L"1 point");
   EXPECT_EQ(state.userSelects(kGroups, L"one"), Refusal::None);
@@ -232,7 +161,7 @@ TEST_F(PointsDialogTest, CountsOnePointInTheSingularAtAnOpeningAndInThePluralOnc
 
 TEST_F(PointsDialogTest, CountsTheChosenGroupAndTouchesNothingElse) {
   useUsualDrawing();
-  CExportPointsDlg dialog(host_);
+  CExportPointsDlg dialog(host);
   DialogState state(dialog);
   state.userSelects(kGroups, L"none");
   EXPECT_EQ(state.text(kCount), L"0 points");
@@ -243,7 +172,7 @@ TEST_F(PointsDialogTest, CountsTheChosenGroupAndTouchesNothingElse) {
 
 TEST_F(PointsDialogTest, RaisesTheInvalidArgumentExceptionForASelectionOutsideTheList) {
   useUsualDrawing();
-  CExportPointsDlg dialog(host_);
+  CExportPointsDlg dialog(host);
   DialogState state(dialog);
   state.select(kGroups, DialogWindow::kNone);
   EXPECT_THROW(dialog.onSelectionChanged(state, kGroups), framework::InvalidArgumentException);
@@ -253,7 +182,7 @@ TEST_F(PointsDialogTest, RaisesTheInvalidArgumentExceptionForASelectionOutsideTh
 
 TEST_F(PointsDialogTest, LetsPointsPickedByHandWinAtEachOpening) {
   useUsualDrawing();
-  CExportPointsDlg dialog(host_);
+  CExportPointsDlg dialog(host);
   {
     DialogState state(dialog);
     state.userSelects(kGroups, L"one");
@@ -280,7 +209,7 @@ TEST_F(PointsDialogTest, LetsPointsPickedByHandWinAtEachOpening) {
 
 TEST_F(PointsDialogTest, OpensAtTheFirstRowAgainAfterACancelledPick) {
   useUsualDrawing();
-  CExportPointsDlg dialog(host_);
+  CExportPointsDlg dialog(host);
   {
     DialogState state(dialog);
     state.userSelects(kGroups, L"one");
@@ -292,8 +221,8 @@ TEST_F(PointsDialogTest, OpensAtTheFirstRowAgainAfterACancelledPick) {
 }
 
 TEST_F(PointsDialogTest, SelectsItsLastRowForPickedPointsWhateverAGroupIsCalled) {
-  drawing_.addPointGroup(L"picked", {1});
-  CExportPointsDlg dialog(host_);
+  drawing.addPointGroup(L"picked", {1});
+  CExportPointsDlg dialog(host);
   { const DialogState state(dialog); }
   setPicked(dialog, 2);
   const DialogState again(dialog);
@@ -305,7 +234,7 @@ TEST_F(PointsDialogTest, SelectsItsLastRowForPickedPointsWhateverAGroupIsCalled)
 
 TEST_F(PointsDialogTest, EnablesOkWithTheFirstCharacterOfAStemAndDisablesItWithTheLast) {
   useUsualDrawing();
-  CExportPointsDlg dialog(host_);
+  CExportPointsDlg dialog(host);
   DialogState state(dialog);
   state.userSelects(kIdSites, L"T");
   state.userSelects(kGroups, L"one");
@@ -319,7 +248,7 @@ TEST_F(PointsDialogTest, EnablesOkWithTheFirstCharacterOfAStemAndDisablesItWithT
 
 TEST_F(PointsDialogTest, ReadsTheListsAndTicksOnOk) {
   useUsualDrawing();
-  CExportPointsDlg dialog(host_);
+  CExportPointsDlg dialog(host);
   DialogState state(dialog);
   state.userTypes(kIdOutputStem, L"/r/x");
   state.userSelects(kIdAlignments, L"B");
@@ -337,7 +266,7 @@ TEST_F(PointsDialogTest, ReadsTheListsAndTicksOnOk) {
 }
 
 TEST_F(PointsDialogTest, ReadsEmptyTextsFromListsWithoutRows) {
-  CExportPointsDlg dialog(host_);
+  CExportPointsDlg dialog(host);
   DialogState state(dialog);
   EXPECT_EQ(rows(state, kIdSites), L"");
   EXPECT_EQ(rows(state, kIdAlignments), L"");
@@ -353,7 +282,7 @@ TEST_F(PointsDialogTest, ReadsEmptyTextsFromListsWithoutRows) {
 TEST_F(PointsDialogTest, ReadsNothingFromTheControlsOnAPickOrOnCancel) {
   useUsualDrawing();
   for (const int button : {kIdPickAlignment, kIdPickSecond, kIdCancel}) {
-    CExportPointsDlg dialog(host_);
+    CExportPointsDlg dialog(host);
     {
       DialogState state(dialog);
       state.userSelects(kIdAlignments, L"B");
@@ -371,7 +300,7 @@ TEST_F(PointsDialogTest, ReadsNothingFromTheControlsOnAPickOrOnCancel) {
 
 TEST_F(PointsDialogTest, KeepsSiteAlignmentAndStemButNoTicksBetweenOpenings) {
   useUsualDrawing();
-  CExportPointsDlg dialog(host_);
+  CExportPointsDlg dialog(host);
   {
     DialogState state(dialog);
     state.userSelects(kIdSites, L"T");
@@ -394,83 +323,19 @@ TEST_F(PointsDialogTest, KeepsSiteAlignmentAndStemButNoTicksBetweenOpenings) {
   const DialogState picked(dialog);
   EXPECT_EQ(rows(picked, kIdSites), L"[S]|T");
   EXPECT_EQ(rows(picked, kIdAlignments), L"A|[B]");
-  EXPECT_EQ(companion_.attachments, 1);
+  EXPECT_EQ(companion.attachments, 1);
 }
 
 TEST_F(PointsDialogTest, TriesToReachTheModelOnce) {
   useUsualDrawing();
-  companion_.document = nullptr;
-  CExportPointsDlg dialog(host_);
+  companion.document = nullptr;
+  CExportPointsDlg dialog(host);
   EXPECT_THROW(const DialogState state(dialog), framework::InvalidArgumentException);
   EXPECT_TRUE(dialog.loaded);
-  companion_.document = drawing_.document;
+  companion.document = drawing.document;
   EXPECT_THROW(const DialogState again(dialog), framework::InvalidArgumentException);
-  EXPECT_EQ(companion_.attachments, 1);
-  EXPECT_TRUE(host_.users().boxes.empty());
-}
-
-TEST_F(PointsDialogTest, GivesEverythingBackWhenItGoes) {
-  useUsualDrawing();
-  const auto references = drawing_.document.use_count();
-  {
-    CExportPointsDlg dialog(host_);
-    const DialogState state(dialog);
-    EXPECT_GT(drawing_.document.use_count(), references);
-  }
-  EXPECT_EQ(drawing_.document.use_count(), references);
-  EXPECT_EQ(companion_.treesFreed, 1);
-  EXPECT_EQ(companion_.releases, 1);
-}
-
-TEST_F(PointsDialogTest, GivesNothingBackWhereItNeverOpened) {
-  { const CExportPointsDlg dialog(host_); }
-  EXPECT_EQ(companion_.treesFreed, 0);
-  EXPECT_EQ(companion_.releases, 0);
-}
-
-// ---------------------------------------------------------------- file box and help
-
-TEST_F(PointsDialogTest, PutsTheStemOfTheChosenFileIntoTheBoxAndTheWholePathIntoTheTip) {
-  useUsualDrawing();
-  struct Row {
-    const wchar_t* chosen;
-    const wchar_t* stem;
-  };
-  const std::vector<Row> table{{L"/r/x.html", L"/r/x"}, {L"/r/x.txt.html", L"/r/x.txt"}, {L"/r/x.html.txt", L"/r/x"},
-                               {L"/r/x.xls", L"/r/x"},  {L"/r/x.TXT", L"/r/x.TXT"},      {L"/r/x.csv", L"/r/x.csv"}};
-  EXPECT_EQ(table.size(), 6U);
-  for (const Row& row : table) {
-    CExportPointsDlg dialog(host_);
-    DialogState state(dialog);
-    host_.users().paths = {row.chosen};
-    EXPECT_EQ(state.userClicks(kIdOutputFileBox), Refusal::None);
-    EXPECT_EQ(state.text(kIdOutputStem), row.stem);
-    EXPECT_EQ(dialog.outputStem, row.stem);
-    EXPECT_EQ(state.find(kIdOutputStem)->tip, row.chosen);
-    EXPECT_TRUE(state.isEnabled(kIdOk));
-  }
-  EXPECT_EQ(host_.users().fileBoxes.front(), (test::FakeUserInterface::FileBox{L"All|*.*||", 8196}));
-}
-
-TEST_F(PointsDialogTest, ChangesNothingWhenTheFileBoxIsCancelled) {
-  useUsualDrawing();
-  CExportPointsDlg dialog(host_);
-  DialogState state(dialog);
-  state.userTypes(kIdOutputStem, L"/r/x");
-  host_.users().paths = {std::nullopt};
-  state.userClicks(kIdOutputFileBox);
-  EXPECT_EQ(state.text(kIdOutputStem), L"/r/x");
-  EXPECT_EQ(state.find(kIdOutputStem)->tip, L"");
-}
-
-TEST_F(PointsDialogTest, ShowsItsHelpPageAndStaysOpen) {
-  useUsualDrawing();
-  CExportPointsDlg dialog(host_);
-  DialogState state(dialog);
-  state.userClicks(kIdHelp);
-  EXPECT_EQ(host_.users().helpTopics,
-            std::vector<CString>{L"Vantor Lorvix Extension.chm::/project-resources/LVX_015_002.html"});
-  EXPECT_FALSE(state.closedWith());
+  EXPECT_EQ(companion.attachments, 1);
+  EXPECT_TRUE(host.users().boxes.empty());
 }
 
 }  // namespace

@@ -1,43 +1,12 @@
 #include "command_drawing.h"
 
-#include <algorithm>
-#include <memory>
 #include <utility>
 
-#include <gtest/gtest.h>
-
-#include "dialogs/dialog_services.h"
 #include "host/picking.h"
 
 namespace lvx::gls {
 
-int GlsUser::runModal(dialogs::DialogBehaviour& dialog, void*) {
-  if (dialog.dialogTemplate().name == "CMyDialog4") {
-    ++questions;
-    return answer;
-  }
-  DialogState state(dialog);
-  if (openings < steps.size())
-    steps[openings](state);
-  else
-    state.userCloses();
-  ++openings;
-  return state.closedWith().value_or(dialogs::kIdCancel);
-}
-
-test::PickingRunTime& CommandDrawing::installPicking(test::FakeHost& fake) {
-  auto made = std::make_unique<test::PickingRunTime>();
-  test::PickingRunTime& installed = *made;
-  fake.replaceRunTime(std::move(made));
-  return installed;
-}
-
-CommandDrawing::CommandDrawing(const platform::PosixSettings& settings)
-    : host(settings), run(installPicking(host)), roadway(host) {
-  host.setDialogRunner(&user);
-  companion.document = drawing.document;
-  companion.database = drawing.database;
-  companion.fillSites = [this](host::SiteTree& sites) { fillTree(sites); };
+CommandDrawing::CommandDrawing(const platform::PosixSettings& settings) : ReportDrawing(settings), roadway(host) {
   companion.fillElements = [this](const host::Ref<host::QmtAlignment>& alignment, double& start,
                                   host::RecordList<host::taxel>& list) {
     if (!alignment) return;
@@ -60,54 +29,15 @@ CommandDrawing::CommandDrawing(const platform::PosixSettings& settings)
   };
 }
 
-void CommandDrawing::fillTree(host::SiteTree& sites) const {
-  const auto add = [&](const CString& name, test::FakeAlignments& alignments) {
-    host::tsite* site = test::newSite(name, {});
-    for (const auto& item : alignments.items) {
-      host::tsiteAlignment* record = test::newSiteAlignment(item->nameText, item->handleText);
-      for (const Profile& profile : axes_.at(item->handleText).profiles) {
-        auto* made = new host::tprofile;
-        made->name = profile.name;
-        made->handle = handleText(profile.handle);
-        record->children.add(made);
-      }
-      site->alignments.add(record);
-    }
-    sites.add(site);
-  };
-  add(L"", *drawing.document->alignments);
-  for (const auto& site : drawing.database->siteList->items) add(site->nameText, *site->alignmentList);
-}
-
 host::Ref<test::FakeAlignment> CommandDrawing::addAlignment(const host::Ref<test::FakeSite>& site, const CString& name,
                                                             Axis axis) {
-  const auto made = drawing.addAlignment(site, name);
-  made->id.value = axis.handle;
-  made->handleText = handleText(axis.handle);
-  run.addObject(host::kClassAlignment, axis.handle);
-  for (const Profile& profile : axis.profiles)
-    if (profile.handle != 0) run.addObject(host::kClassProfile, profile.handle);
+  const auto made = ReportDrawing::addAlignment(site, name, axis.handle);
+  for (const Profile& profile : axis.profiles) {
+    made->profiles.push_back({profile.name, handleText(profile.handle)});
+    if (profile.handle != 0) runTime.addObject(host::kClassProfile, profile.handle);
+  }
   axes_[made->handleText] = std::move(axis);
   return made;
-}
-
-GlsUser::Step CommandDrawing::okWith(CString stem, std::initializer_list<int> forms) {
-  return [forms = std::vector<int>(forms), stem = std::move(stem)](DialogState& state) {
-    state.userTypes(dialogs::kIdOutputStem, stem);
-    for (const int form : {dialogs::kIdCheckAscii, dialogs::kIdCheckExcel, dialogs::kIdCheckThird})
-      state.userTicks(form, std::find(forms.begin(), forms.end(), form) != forms.end());
-    EXPECT_EQ(state.userClicks(dialogs::kIdOk), runtime::Refusal::None);
-  };
-}
-
-GlsUser::Step CommandDrawing::click(int id) {
-  return [id](DialogState& state) { EXPECT_EQ(state.userClicks(id), runtime::Refusal::None); };
-}
-
-CString CommandDrawing::handleText(std::uint64_t handle) {
-  wchar_t buffer[32];
-  host::VnDbHandle(handle).getIntoAsciiBuffer(buffer);
-  return buffer;
 }
 
 }  // namespace lvx::gls

@@ -117,7 +117,7 @@ TEST_P(GlsDrawingGolden, ReportIsRightToTheByteInAllForms) {
   // The reports show the path that was asked for: a short name keeps the golden files free of this machine's.
   std::filesystem::current_path(platform::toUtf8(drawing.host.folder()));
   drawing.user.steps = {
-      CommandDrawing::okWith(L"./report", {dialogs::kIdCheckAscii, dialogs::kIdCheckExcel, dialogs::kIdCheckThird})};
+      drawing.okWith({dialogs::kIdCheckAscii, dialogs::kIdCheckExcel, dialogs::kIdCheckThird}, L"./report")};
   runGlsReport(drawing.host);
   EXPECT_TRUE(test::matchesGolden(test::readBytes("report.txt"), golden.file("expected.txt")));
   EXPECT_TRUE(test::matchesGolden(test::readBytes("report.html"), golden.file("expected.html")));

@@ -1,8 +1,6 @@
 #include "gls/gls_command.h"
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,6 +20,7 @@ namespace {
 
 using dialogs::CMyDialog3;
 using host::BoxAnswer;
+using runtime::DialogState;
 using testing::HasSubstr;
 using Boxes = std::vector<test::FakeUserInterface::Box>;
 using Kind = test::PickingRunTime::Kind;
@@ -62,34 +61,26 @@ std::vector<host::tvert> profile(double grade) {
 }
 
 /// Site "S" holds the axes "A" (profiles p1 and p2) and "B" (q), each with one group of one sample line.
-class GlsCommandTest : public testing::Test {
+class GlsCommandTest : public testing::Test, public CommandDrawing {
  protected:
-  GlsCommandTest() {
-    host().useMessageBytes(
+  GlsCommandTest() : CommandDrawing({.fixedMoment = 0}) {
+    host.useMessageBytes(
         "109 *none*\r\n110 pick axis\r\n111 no axis\r\n112 pick profile\r\n227 overwrite?\r\n228 in use\r\n"
         "229 no folder\r\n324 Rise\r\n325 Fall\r\n331 BC\r\n332 EC\r\n333 BVC\r\n334 PVI\r\n335 EVC\r\n342 no "
         "profile\r\n"
         "346 n/a\r\n");
-    stem_ = host().folder() + L"road";
-    site_ = drawing_.drawing.addSite(L"S");
+    site_ = drawing.addSite(L"S");
     axis(site_, L"A", kAxisA, {{L"p1", kProfileP1, profile(0.02)}, {L"p2", kProfileP2, profile(0.04)}});
     axis(site_, L"B", kAxisB, {{L"q", kProfileQ, profile(0.06)}});
   }
 
   host::Ref<test::FakeAlignment> axis(const host::Ref<test::FakeSite>& site, const CString& name, std::uint64_t handle,
                                       std::vector<CommandDrawing::Profile> profiles) {
-    const auto made = drawing_.addAlignment(site, name, {handle, 0.0, elements(), std::move(profiles)});
+    const auto made = addAlignment(site, name, {handle, 0.0, elements(), std::move(profiles)});
     made->addGroup(L"g")->addLine(name + L"-1", 30.0);
     return made;
   }
 
-  [[nodiscard]] test::FakeHost& host() { return drawing_.host; }
-  [[nodiscard]] test::PickingRunTime& run() { return drawing_.run; }
-  [[nodiscard]] GlsUser& user() { return drawing_.user; }
-  [[nodiscard]] GlsUser::Step okWith(std::initializer_list<int> forms) const {
-    return CommandDrawing::okWith(stem_, forms);
-  }
-  static GlsUser::Step click(int id) { return CommandDrawing::click(id); }
   /// The selected rows of site, alignment and profile.
   static CString shown(const DialogState& state) {
     CString text;
@@ -98,90 +89,77 @@ class GlsCommandTest : public testing::Test {
     return text;
   }
 
-  [[nodiscard]] std::string fileText(const CString& ending) const {
-    std::ifstream file(platform::toUtf8(stem_ + ending), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-  [[nodiscard]] bool stands(const CString& ending) const {
-    return std::filesystem::exists(platform::toUtf8(stem_ + ending));
-  }
-  void write(const CString& ending, const std::string& text) const {
-    std::ofstream(platform::toUtf8(stem_ + ending), std::ios::binary) << text;
-  }
-
-  CommandDrawing drawing_{{.fixedMoment = 0}};
   host::Ref<test::FakeSite> site_;
-  CString stem_;
 };
 
 // ---------------------------------------------------------------- the way through
 
 TEST_F(GlsCommandTest, WritesTheTickedFormsAndGivesEverythingBack) {
-  const auto references = drawing_.drawing.document.use_count();
-  user().steps = {okWith({kAscii, kHtml})};
-  runGlsReport(host());
+  const auto references = drawing.document.use_count();
+  user.steps = {okWith({kAscii, kHtml})};
+  runGlsReport(host);
   EXPECT_THAT(fileText(L".txt"), HasSubstr("| A-1  |  0+030.000|         |"));
   EXPECT_THAT(fileText(L".txt"), HasSubstr("| PVI1 |  0+075.000|         |"));
   EXPECT_THAT(fileText(L".html"), HasSubstr("<td align=\"center\">PVI1</td><td align=\"right\">0+075.000</td>"));
   EXPECT_FALSE(stands(L".xls"));
-  EXPECT_EQ(user().questions, 1);
-  EXPECT_EQ(drawing_.drawing.document.use_count(), references);
-  EXPECT_EQ(drawing_.companion.releases, 1);
-  EXPECT_EQ(drawing_.companion.treesFreed, 1);
+  EXPECT_EQ(user.questions, 1);
+  EXPECT_EQ(drawing.document.use_count(), references);
+  EXPECT_EQ(companion.releases, 1);
+  EXPECT_EQ(companion.treesFreed, 1);
 }
 
 TEST_F(GlsCommandTest, LeavesNoFileAndAddsNoSectionAfterCancel) {
-  drawing_.roadway.addCorridor(L"Road")->addBaseline()->addRegion({0.0});
-  user().answer = dialogs::kIdOk;
-  user().steps = {click(dialogs::kIdCancel)};
-  runGlsReport(host());
+  roadway.addCorridor(L"Road")->addBaseline()->addRegion({0.0});
+  user.answer = dialogs::kIdOk;
+  user.steps = {click(dialogs::kIdCancel)};
+  runGlsReport(host);
   for (const CString ending : {L".txt", L".xls", L".html"}) EXPECT_FALSE(stands(ending));
-  EXPECT_EQ(user().openings, 1U);
-  EXPECT_EQ(user().questions, 0);
-  EXPECT_TRUE(drawing_.roadway.log.empty());
-  EXPECT_EQ(drawing_.companion.releases, 1);
+  EXPECT_EQ(user.openings, 1U);
+  EXPECT_EQ(user.questions, 0);
+  EXPECT_TRUE(roadway.log.empty());
+  EXPECT_EQ(companion.releases, 1);
 }
 
 TEST_F(GlsCommandTest, AddsSectionsAtTheUsersWordAlsoWhereNoFormIsTicked) {
-  const auto baseline = drawing_.roadway.addCorridor(L"Road")->addBaseline();
+  const auto baseline = roadway.addCorridor(L"Road")->addBaseline();
   baseline->alignmentObject = site_->alignmentList->items[0];
   baseline->addRegion({30.0});
-  user().answer = dialogs::kIdOk;
-  user().steps = {okWith({})};
-  runGlsReport(host());
+  user.answer = dialogs::kIdOk;
+  user.steps = {okWith({})};
+  runGlsReport(host);
   for (const CString ending : {L".txt", L".xls", L".html"}) EXPECT_FALSE(stands(ending));
-  EXPECT_TRUE(host().users().boxes.empty());
-  EXPECT_EQ(drawing_.roadway.log, (test::RoadwayLog{L"add 55.000000 BVC1", L"add 75.000000 PVI1", L"add 95.000000 EVC1",
-                                                    L"add 100.000000 BC1", L"add 150.000000 EC1", L"rebuild Road"}));
+  EXPECT_TRUE(host.users().boxes.empty());
+  EXPECT_EQ(roadway.log, (test::RoadwayLog{L"add 55.000000 BVC1", L"add 75.000000 PVI1", L"add 95.000000 EVC1",
+                                           L"add 100.000000 BC1", L"add 150.000000 EC1", L"rebuild Road"}));
 }
 
 TEST_F(GlsCommandTest, ShowsWhatTheCorridorsSay) {
-  const auto baseline = drawing_.roadway.addCorridor(L"Road")->addBaseline();
+  const auto baseline = roadway.addCorridor(L"Road")->addBaseline();
   baseline->alignmentObject = site_->alignmentList->items[0];
   baseline->addRegion({30.0});
   baseline->addRoad(30.0, {{-4.0, 9.9}, {0.0, 10.0}, {4.0, 9.8}});
-  user().steps = {okWith({kAscii})};
-  runGlsReport(host());
+  user.steps = {okWith({kAscii})};
+  runGlsReport(host);
   EXPECT_THAT(fileText(L".txt"), HasSubstr("|  -2.5|  -5.0|  4.00|  4.00|  -0.100|  -0.200|   9.900|   9.800|"));
   EXPECT_THAT(fileText(L".txt"), HasSubstr("|   n/a|"));
 }
 
 TEST_F(GlsCommandTest, AsksForTheProfileOfTheCorridorsNameAfterAChangeOfAlignment) {
-  drawing_.roadway.addCorridor(L"Road")->addBaseline()->alignmentObject = site_->alignmentList->items[0];
-  user().steps = {[this](DialogState& state) {
+  roadway.addCorridor(L"Road")->addBaseline()->alignmentObject = site_->alignmentList->items[0];
+  user.steps = {[this](DialogState& state) {
     state.userSelects(dialogs::kIdAlignments, L"B");
     okWith({kAscii})(state);
   }};
-  EXPECT_THROW(runGlsReport(host()), framework::InvalidArgumentException);
+  EXPECT_THROW(runGlsReport(host), framework::InvalidArgumentException);
   EXPECT_FALSE(stands(L".txt"));
 
-  user().openings = 0;
-  user().steps = {[this](DialogState& state) {
+  user.openings = 0;
+  user.steps = {[this](DialogState& state) {
     state.userSelects(dialogs::kIdAlignments, L"B");
     state.userSelects(CMyDialog3::kIdProfiles, L"q");
     okWith({kAscii})(state);
   }};
-  runGlsReport(host());
+  runGlsReport(host);
   EXPECT_THAT(fileText(L".txt"), HasSubstr("Rise 6.00%"));
 }
 
@@ -189,163 +167,163 @@ TEST_F(GlsCommandTest, AsksForTheProfileOfTheCorridorsNameAfterAChangeOfAlignmen
 
 TEST_F(GlsCommandTest, ReturnsToTheDialogWithTheFormerSelectionAfterEscape) {
   for (const int pick : {dialogs::kIdPickAlignment, CMyDialog3::kIdPickProfile}) {
-    user().openings = 0;
-    user().steps = {[pick](DialogState& state) {
-                      state.userSelects(CMyDialog3::kIdProfiles, L"p2");
-                      state.userClicks(pick);
-                    },
-                    [](DialogState& state) {
-                      EXPECT_EQ(shown(state), L"S A p2");
-                      state.userCloses();
-                    }};
-    run().picks = {{Kind::Escape, 0}};
-    runGlsReport(host());
-    EXPECT_EQ(user().openings, 2U);
+    user.openings = 0;
+    user.steps = {[pick](DialogState& state) {
+                    state.userSelects(CMyDialog3::kIdProfiles, L"p2");
+                    state.userClicks(pick);
+                  },
+                  [](DialogState& state) {
+                    EXPECT_EQ(shown(state), L"S A p2");
+                    state.userCloses();
+                  }};
+    runTime.picks = {{Kind::Escape, 0}};
+    runGlsReport(host);
+    EXPECT_EQ(user.openings, 2U);
   }
-  EXPECT_EQ(run().prompts, (std::vector<CString>{L"pick axis", L"pick profile"}));
+  EXPECT_EQ(runTime.prompts, (std::vector<CString>{L"pick axis", L"pick profile"}));
 }
 
 TEST_F(GlsCommandTest, SelectsThePickedAlignment) {
-  user().steps = {click(dialogs::kIdPickAlignment), [](DialogState& state) {
-                    EXPECT_EQ(shown(state), L"S B q");
-                    state.userCloses();
-                  }};
-  run().picks = {{Kind::Object, kAxisB}};
-  runGlsReport(host());
-  EXPECT_EQ(run().manager.locks, 1);
-  EXPECT_EQ(run().manager.unlocks, 1);
+  user.steps = {click(dialogs::kIdPickAlignment), [](DialogState& state) {
+                  EXPECT_EQ(shown(state), L"S B q");
+                  state.userCloses();
+                }};
+  runTime.picks = {{Kind::Object, kAxisB}};
+  runGlsReport(host);
+  EXPECT_EQ(runTime.manager.locks, 1);
+  EXPECT_EQ(runTime.manager.unlocks, 1);
 }
 
 TEST_F(GlsCommandTest, LooksAPickedAlignmentsPositionUpInTheOtherList) {
   // The overall list: A, B, C, D. Site T holds D at position 1, which is where B stands in the overall list.
-  const auto other = drawing_.drawing.addSite(L"T");
+  const auto other = drawing.addSite(L"T");
   axis(other, L"C", 0xC, {{L"r", 0x54, profile(0.01)}});
   axis(other, L"D", 0xD, {{L"s", 0x55, profile(0.01)}});
-  user().steps = {click(dialogs::kIdPickAlignment), [](DialogState& state) {
-                    EXPECT_EQ(shown(state), L"T C r") << "T has no B, so its first alignment stands in";
-                    state.userCloses();
-                  }};
-  run().picks = {{Kind::Object, 0xD}};
-  runGlsReport(host());
+  user.steps = {click(dialogs::kIdPickAlignment), [](DialogState& state) {
+                  EXPECT_EQ(shown(state), L"T C r") << "T has no B, so its first alignment stands in";
+                  state.userCloses();
+                }};
+  runTime.picks = {{Kind::Object, 0xD}};
+  runGlsReport(host);
 }
 
 TEST_F(GlsCommandTest, SelectsThePickedProfileWithItsSiteAndAlignment) {
-  const auto other = drawing_.drawing.addSite(L"T");
+  const auto other = drawing.addSite(L"T");
   axis(other, L"C", 0xC, {{L"r", 0x54, profile(0.01)}});
   axis(other, L"D", 0xD, {{L"s1", 0x55, profile(0.01)}, {L"s2", 0x56, profile(0.02)}});
-  user().steps = {click(CMyDialog3::kIdPickProfile), [](DialogState& state) {
-                    EXPECT_EQ(shown(state), L"T D s2");
-                    state.userCloses();
-                  }};
-  run().picks = {{Kind::Object, 0x56}};
-  runGlsReport(host());
+  user.steps = {click(CMyDialog3::kIdPickProfile), [](DialogState& state) {
+                  EXPECT_EQ(shown(state), L"T D s2");
+                  state.userCloses();
+                }};
+  runTime.picks = {{Kind::Object, 0x56}};
+  runGlsReport(host);
 }
 
 TEST_F(GlsCommandTest, TakesObjectsThatNoListHoldsForPicksThatSelectNothing) {
-  run().addObject(host::kClassAlignment, 0xEE);
-  run().addObject(host::kClassProfile, 0xEF);
-  user().steps = {click(dialogs::kIdPickAlignment), click(CMyDialog3::kIdPickProfile), [](DialogState& state) {
-                    EXPECT_EQ(shown(state), L"S A p1");
-                    state.userCloses();
-                  }};
-  run().picks = {{Kind::Object, 0xEE}, {Kind::Object, 0xEF}};
-  runGlsReport(host());
-  EXPECT_EQ(run().prompts.size(), 2U);
+  runTime.addObject(host::kClassAlignment, 0xEE);
+  runTime.addObject(host::kClassProfile, 0xEF);
+  user.steps = {click(dialogs::kIdPickAlignment), click(CMyDialog3::kIdPickProfile), [](DialogState& state) {
+                  EXPECT_EQ(shown(state), L"S A p1");
+                  state.userCloses();
+                }};
+  runTime.picks = {{Kind::Object, 0xEE}, {Kind::Object, 0xEF}};
+  runGlsReport(host);
+  EXPECT_EQ(runTime.prompts.size(), 2U);
 }
 
 TEST_F(GlsCommandTest, PromptsAgainAfterAPickOfTheWrongClassWithoutReturningToTheDialog) {
-  user().steps = {click(dialogs::kIdPickAlignment), click(CMyDialog3::kIdPickProfile)};
-  run().picks = {{Kind::Object, kProfileP1}, {Kind::Unopenable, kAxisA}, {Kind::Escape, 0},
-                 {Kind::Object, kAxisA},     {Kind::Unidentified, 0},    {Kind::Escape, 0}};
-  runGlsReport(host());
-  EXPECT_EQ(host().users().boxes, (Boxes{{L"no axis", host::BoxButtons::Ok, host::BoxIcon::Stop},
-                                         {L"no profile", host::BoxButtons::Ok, host::BoxIcon::Stop}}));
-  EXPECT_EQ(run().prompts, (std::vector<CString>{L"pick axis", L"pick axis", L"pick axis", L"pick profile",
-                                                 L"pick profile", L"pick profile"}));
-  EXPECT_EQ(user().openings, 3U);
-  EXPECT_EQ(run().openObjects(), 0);
+  user.steps = {click(dialogs::kIdPickAlignment), click(CMyDialog3::kIdPickProfile)};
+  runTime.picks = {{Kind::Object, kProfileP1}, {Kind::Unopenable, kAxisA}, {Kind::Escape, 0},
+                   {Kind::Object, kAxisA},     {Kind::Unidentified, 0},    {Kind::Escape, 0}};
+  runGlsReport(host);
+  EXPECT_EQ(host.users().boxes, (Boxes{{L"no axis", host::BoxButtons::Ok, host::BoxIcon::Stop},
+                                       {L"no profile", host::BoxButtons::Ok, host::BoxIcon::Stop}}));
+  EXPECT_EQ(runTime.prompts, (std::vector<CString>{L"pick axis", L"pick axis", L"pick axis", L"pick profile",
+                                                   L"pick profile", L"pick profile"}));
+  EXPECT_EQ(user.openings, 3U);
+  EXPECT_EQ(runTime.openObjects(), 0);
 }
 
 TEST_F(GlsCommandTest, OpensTheDialogAgainAfterAnyOtherCodeAndEndsWithTheCloseMarks) {
-  user().steps = {[](DialogState& state) { state.end(77); }, [](DialogState& state) { state.end(3); }};
-  runGlsReport(host());
-  EXPECT_EQ(user().openings, 2U);
-  EXPECT_EQ(user().questions, 0);
+  user.steps = {[](DialogState& state) { state.end(77); }, [](DialogState& state) { state.end(3); }};
+  runGlsReport(host);
+  EXPECT_EQ(user.openings, 2U);
+  EXPECT_EQ(user.questions, 0);
 }
 
 // ---------------------------------------------------------------- the files
 
 TEST_F(GlsCommandTest, TellsThatAStemHasNoFolder) {
-  user().steps = {CommandDrawing::okWith(L"road", {kAscii})};
-  runGlsReport(host());
-  EXPECT_EQ(host().users().boxes, (Boxes{{L"no folder", host::BoxButtons::Ok, host::BoxIcon::Warning}}));
-  EXPECT_EQ(user().openings, 1U);
-  EXPECT_EQ(user().questions, 0);
+  user.steps = {okWith({kAscii}, L"road")};
+  runGlsReport(host);
+  EXPECT_EQ(host.users().boxes, (Boxes{{L"no folder", host::BoxButtons::Ok, host::BoxIcon::Warning}}));
+  EXPECT_EQ(user.openings, 1U);
+  EXPECT_EQ(user.questions, 0);
 }
 
 TEST_F(GlsCommandTest, TellsTheSameOfAStemThatWasEmptiedWithOkStillEnabled) {
-  user().steps = {[](DialogState& state) {
+  user.steps = {[](DialogState& state) {
     state.userTypes(dialogs::kIdOutputStem, L"/r/x");
     state.userTypes(dialogs::kIdOutputStem, L"");
     state.userClicks(dialogs::kIdOk);
   }};
-  runGlsReport(host());
-  EXPECT_EQ(host().users().boxes, (Boxes{{L"no folder", host::BoxButtons::Ok, host::BoxIcon::Warning}}));
+  runGlsReport(host);
+  EXPECT_EQ(host.users().boxes, (Boxes{{L"no folder", host::BoxButtons::Ok, host::BoxIcon::Warning}}));
 }
 
 TEST_F(GlsCommandTest, EndsWithoutAWordBeforeAnyComputingWhereTheFolderIsMissing) {
-  user().steps = {CommandDrawing::okWith(host().folder() + L"missing/road", {kAscii, kExcel, kHtml})};
-  runGlsReport(host());
-  EXPECT_TRUE(host().users().boxes.empty());
-  EXPECT_EQ(user().questions, 0);
+  user.steps = {okWith({kAscii, kExcel, kHtml}, host.folder() + L"missing/road")};
+  runGlsReport(host);
+  EXPECT_TRUE(host.users().boxes.empty());
+  EXPECT_EQ(user.questions, 0);
 }
 
 TEST_F(GlsCommandTest, GoesOnToTheNextFormsWhereOneIsNotToBeOverwritten) {
   write(L".txt", "old");
-  user().steps = {okWith({kAscii, kHtml})};
-  host().users().answers = {BoxAnswer::No};
-  runGlsReport(host());
+  user.steps = {okWith({kAscii, kHtml})};
+  host.users().answers = {BoxAnswer::No};
+  runGlsReport(host);
   EXPECT_EQ(fileText(L".txt"), "old");
   EXPECT_TRUE(stands(L".html"));
-  EXPECT_EQ(host().users().boxes,
-            (Boxes{{stem_ + L".txt overwrite?", host::BoxButtons::YesNo, host::BoxIcon::Question}}));
+  EXPECT_EQ(host.users().boxes,
+            (Boxes{{stem() + L".txt overwrite?", host::BoxButtons::YesNo, host::BoxIcon::Question}}));
 }
 
 TEST_F(GlsCommandTest, RemovesAnExistingWorkbookBeforeItsWriterRuns) {
   write(L".xls", "old");
   bool stoodAtStart = true;
   const auto record = std::make_shared<test::SheetRecord>();
-  host().setSheetFactory([&] {
+  host.setSheetFactory([&] {
     stoodAtStart = stands(L".xls");
     return std::make_unique<test::RecordingSheet>(record);
   });
-  user().steps = {okWith({kExcel})};
-  host().users().answers = {BoxAnswer::Yes};
-  runGlsReport(host());
+  user.steps = {okWith({kExcel})};
+  host.users().answers = {BoxAnswer::Yes};
+  runGlsReport(host);
   EXPECT_FALSE(stoodAtStart);
-  EXPECT_EQ(record->finishedAs, stem_ + L".xls");
+  EXPECT_EQ(record->finishedAs, stem() + L".xls");
 }
 
 TEST_F(GlsCommandTest, SkipsAWorkbookThatIsHeldOpenAndGoesOnToThePage) {
-  std::filesystem::create_directory(platform::toUtf8(stem_ + L".xls"));
-  user().steps = {okWith({kExcel, kHtml})};
-  host().users().answers = {BoxAnswer::Yes, BoxAnswer::Retry, BoxAnswer::Cancel};
-  runGlsReport(host());
-  EXPECT_EQ(host().users().boxes.size(), 3U);
-  EXPECT_EQ(host().users().boxes.back().text, stem_ + L".xls in use");
+  std::filesystem::create_directory(platform::toUtf8(stem() + L".xls"));
+  user.steps = {okWith({kExcel, kHtml})};
+  host.users().answers = {BoxAnswer::Yes, BoxAnswer::Retry, BoxAnswer::Cancel};
+  runGlsReport(host);
+  EXPECT_EQ(host.users().boxes.size(), 3U);
+  EXPECT_EQ(host.users().boxes.back().text, stem() + L".xls in use");
   EXPECT_TRUE(stands(L".html"));
 }
 
 TEST_F(GlsCommandTest, GivesEverythingBackWhenAnExceptionEndsIt) {
   axis(site_, L"bare", 0xC, {{L"p", 0x60, {}}});
-  const auto references = drawing_.drawing.document.use_count();
-  user().steps = {[this](DialogState& state) {
+  const auto references = drawing.document.use_count();
+  user.steps = {[this](DialogState& state) {
     state.userSelects(dialogs::kIdAlignments, L"bare");
     okWith({kAscii})(state);
   }};
-  EXPECT_THROW(runGlsReport(host()), framework::InvalidArgumentException);
-  EXPECT_EQ(drawing_.drawing.document.use_count(), references);
-  EXPECT_EQ(drawing_.companion.releases, 1);
+  EXPECT_THROW(runGlsReport(host), framework::InvalidArgumentException);
+  EXPECT_EQ(drawing.document.use_count(), references);
+  EXPECT_EQ(companion.releases, 1);
   EXPECT_FALSE(stands(L".txt"));
 }
 

@@ -122,6 +122,12 @@ class FakeAlignment : public host::QmtAlignment {
   CString descriptionText;
   CString handleText;
   host::VnDbObjectId id;
+  /// The model has no operation for them: they reach the module in the companion library's site tree.
+  struct Profile {
+    CString name;
+    CString handle;
+  };
+  std::vector<Profile> profiles;
   Ref<Groups> groups = std::make_shared<Groups>();
   std::function<host::PointLocation(double station, double offset, double tolerance)> locate;
   std::function<host::StationOffset(double x, double y)> project;
