@@ -107,7 +107,7 @@ Profile Profile::ground(std::vector<std::vector<VerticalPoint>> polylines) {
   double reached = -std::numeric_limits<double>::infinity();
   for (const auto& line : polylines) {
     if (!profile.points_.empty()) {
-      if (line.front().station > reached) ++profile.gapCount_;
+      if (line.front().station > reached) profile.gaps_.push_back({reached, line.front().station});
       if (line.front().station < reached) {
         profile.warnings_.push_back("ground lines overlap at " + numberText(line.front().station));
       }
@@ -291,6 +291,39 @@ std::optional<double> Profile::elevationAt(double station) const {
   const VerticalPoint& before = points_[next - 1];
   return before.elevation +
          (next == points_.size() ? gradeIn(next - 1) : gradeOut(next - 1)) * (station - before.station);
+}
+
+double Profile::Piece::gradeAt(double station) const {
+  const double d = station - originStation;
+  if (circleRadius == 0.0) return grade + 2.0 * bend * d;
+  const double run = d + circleRadius * circleSine;  // from the centre, along the stations
+  const double root = std::sqrt(std::max(circleRadius * circleRadius - run * run, 0.0));
+  return std::copysign(1.0, circleRadius) * run / root;
+}
+
+std::optional<double> Profile::gradeAt(double station) const {
+  if (points_.empty() || std::isnan(station)) return std::nullopt;
+  const auto piece = std::upper_bound(pieces_.begin(), pieces_.end(), station,
+                                      [](double s, const Piece& p) { return s < p.endStation; });
+  if (piece != pieces_.end() && piece->startStation <= station) return piece->gradeAt(station);
+  const auto after = std::upper_bound(points_.begin(), points_.end(), station,
+                                      [](double s, const VerticalPoint& p) { return s < p.station; });
+  const auto next = static_cast<std::size_t>(after - points_.begin());
+  if (next == 0) return gradeOut(0);
+  return next == points_.size() ? gradeIn(next - 1) : gradeOut(next - 1);
+}
+
+std::vector<VerticalCurve> Profile::curves() const {
+  std::vector<VerticalCurve> curves;
+  for (std::size_t i = 0; i < points_.size(); ++i) {
+    const VerticalPoint& point = points_[i];
+    if (point.kind == VerticalCurveKind::None) continue;
+    const double in = gradeIn(i);
+    const double out = gradeOut(i);
+    const Reach reach = reachOf(point, in, out);
+    curves.push_back({i, point.station - reach.before, point.station + reach.after, in, out});
+  }
+  return curves;
 }
 
 std::vector<VerticalRecord> Profile::records() const {

@@ -36,6 +36,23 @@ struct VerticalRecord {
   double gradeOut = 0.0;
 };
 
+/// A vertical curve as the profile draws it.
+struct VerticalCurve {
+  /// Index of its point of intersection.
+  std::size_t point = 0;
+  /// Where it leaves the tangent before it and meets the one behind it, also where another curve answers there.
+  double startStation = 0.0;
+  double endStation = 0.0;
+  double gradeIn = 0.0;
+  double gradeOut = 0.0;
+};
+
+/// A stretch of stations without ground.
+struct ProfileGap {
+  double startStation = 0.0;
+  double endStation = 0.0;
+};
+
 /// A vertical alignment over the stations of a horizontal one: tangents between intersection points, rounded off by
 /// parabolas and circles; or ground as a polyline with gaps. Elevations and stations in drawing units, grades as
 /// ratios.
@@ -62,7 +79,11 @@ class Profile {
   [[nodiscard]] double startStation() const;
   [[nodiscard]] double endStation() const;
   /// Number of gaps between the polylines of a ground profile.
-  [[nodiscard]] std::size_t gapCount() const { return gapCount_; }
+  [[nodiscard]] std::size_t gapCount() const { return gaps_.size(); }
+  /// The gaps themselves, ascending.
+  [[nodiscard]] std::span<const ProfileGap> gaps() const { return gaps_; }
+  /// The curves of a design profile, ascending by point.
+  [[nodiscard]] std::vector<VerticalCurve> curves() const;
   /// What is odd about the given points, one sentence each ("circular curve at 120: radius 0").
   [[nodiscard]] const std::vector<std::string>& warnings() const { return warnings_; }
 
@@ -70,6 +91,8 @@ class Profile {
   /// across it. Of two points at one station the later answers there. Empty for a profile without points and for a
   /// station that is no number; one point gives its elevation everywhere. O(log n).
   [[nodiscard]] std::optional<double> elevationAt(double station) const;
+  /// The grade there, by the same rules; where it jumps, that behind the station. Empty where elevationAt is.
+  [[nodiscard]] std::optional<double> gradeAt(double station) const;
 
   /// The intersection points for the companion library, ascending: an unsymmetric parabola as two symmetric ones
   /// (exact), a circle as the parabola of the same radius with half length R |grade change| / 2, a parabola between
@@ -92,6 +115,7 @@ class Profile {
     double circleSine = 0.0;
     double circleCosine = 1.0;
     [[nodiscard]] double elevationAt(double station) const;
+    [[nodiscard]] double gradeAt(double station) const;
   };
 
   void findGrades();
@@ -106,7 +130,7 @@ class Profile {
   std::vector<std::optional<double>> gradesOut_;
   std::vector<Piece> pieces_;
   std::vector<std::string> warnings_;
-  std::size_t gapCount_ = 0;
+  std::vector<ProfileGap> gaps_;
   bool ground_ = false;
 };
 

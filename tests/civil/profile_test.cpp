@@ -287,6 +287,47 @@ TEST(GroundProfile, TakesItsListsInAnyOrder) {
   EXPECT_THAT(groundProfile("0 1; 50 2 | 40 3; 60 4").warnings(), ElementsAre(HasSubstr("ground lines overlap at 40")));
 }
 
+TEST(GroundProfile, TellsWhereItsGapsAre) {
+  const Profile profile = groundProfile("200 9; 260 8 | 100 50; 180 51 | 260 8; 300 8 | 400 1; 410 1");
+  const auto gaps = profile.gaps();
+  ASSERT_EQ(gaps.size(), 2u);
+  EXPECT_EQ(gaps[0].startStation, 180);
+  EXPECT_EQ(gaps[0].endStation, 200);
+  EXPECT_EQ(gaps[1].startStation, 300);
+  EXPECT_EQ(gaps[1].endStation, 400);
+  EXPECT_TRUE(designProfile("0 1; 2 3").gaps().empty());
+}
+
+TEST(Profile, HasTheGradeThatItsElevationsRiseBy) {
+  const Profile profile = designProfile(
+      "0 100; 200 104 parabola 100; 400 98 unsymmetric 60 90; 600 100 circle 3000; 800 96 circle 900; 900 99");
+  constexpr double kStep = 1e-3;
+  for (double station = -20.5; station < 930.0; station += 7.0) {
+    const double rise = (*profile.elevationAt(station + kStep) - *profile.elevationAt(station - kStep)) / (2 * kStep);
+    EXPECT_NEAR(*profile.gradeAt(station), rise, 1e-7) << station;
+  }
+  EXPECT_NEAR(*designProfile("0 0; 10 1; 20 -1").gradeAt(10), -0.2, 1e-12) << "behind the station";
+  EXPECT_EQ(designProfile("5 1").gradeAt(7), 0.0);
+  EXPECT_FALSE(Profile().gradeAt(0));
+  EXPECT_FALSE(profile.gradeAt(kNaN));
+  EXPECT_NEAR(*groundProfile("0 0; 10 1 | 20 3; 30 3").gradeAt(15), 0.2, 1e-12);
+}
+
+TEST(DesignProfile, TellsWhereItsCurvesAre) {
+  const Profile profile = designProfile("0 100; 200 104 parabola 100; 400 98 unsymmetric 60 90; 500 99; 800 96");
+  const auto curves = profile.curves();
+  ASSERT_EQ(curves.size(), 2u);
+  EXPECT_EQ(curves[0].point, 1u);
+  EXPECT_NEAR(curves[0].startStation, 150, 1e-12);
+  EXPECT_NEAR(curves[0].endStation, 250, 1e-12);
+  EXPECT_NEAR(curves[0].gradeIn, 0.02, 1e-12);
+  EXPECT_NEAR(curves[0].gradeOut, -0.03, 1e-12);
+  EXPECT_EQ(curves[1].point, 2u);
+  EXPECT_NEAR(curves[1].startStation, 340, 1e-12);
+  EXPECT_NEAR(curves[1].endStation, 490, 1e-12);
+  EXPECT_TRUE(Profile().curves().empty());
+}
+
 TEST(GroundProfile, StandsUprightAtAWall) {
   const Profile profile = groundProfile("0 10; 20 10; 20 14; 40 14");
   EXPECT_NEAR(*profile.elevationAt(19.999), 10, 1e-12);
