@@ -1,0 +1,224 @@
+#include "view/section_model.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <utility>
+
+#include "civil/corridor.h"
+#include "view/detail/ground_walk.h"
+
+namespace lvx::view {
+
+using civil::Vec2;
+
+namespace {
+
+struct Found {
+  const civil::AlignmentObject* alignment = nullptr;
+  const civil::SampleLineGroup* group = nullptr;
+  const civil::SampleLine* line = nullptr;
+};
+
+bool findIn(const civil::Site& site, civil::Handle handle, Found& found) {
+  for (const auto& alignment : site.alignments)
+    for (const civil::SampleLineGroup& group : alignment->sampleLineGroups)
+      for (const civil::SampleLine& line : group.lines)
+        if (line.handle == handle) {
+          found = {alignment.get(), &group, &line};
+          return true;
+        }
+  return false;
+}
+
+std::optional<Found> find(const civil::Drawing& drawing, civil::Handle handle) {
+  Found found;
+  if (handle == 0) return std::nullopt;
+  if (findIn(drawing.siteless, handle, found)) return found;
+  for (const civil::Site& site : drawing.sites)
+    if (findIn(site, handle, found)) return found;
+  return std::nullopt;
+}
+
+/// A vertex of the sample line with its offset.
+struct Vertex {
+  Vec2 place;
+  double offset = 0.0;
+};
+
+/// The two sides of a sample line, each from the alignment outward.
+struct Sides {
+  std::vector<Vertex> left;
+  std::vector<Vertex> right;
+};
+
+// The projection report sorts a side's vertices by offset, later ones of equal offset first, and puts the alignment's
+// own point where no vertex lies on it; a side of one vertex always gets it.
+Sides sidesOf(const civil::Alignment& axis, const civil::SampleLine& line) {
+  constexpr double kCentreTolerance = 0.0001;
+  Sides sides;
+  for (const Vec2 vertex : line.vertices) {
+    const auto measured = axis.stationOffset(vertex);
+    if (!measured) continue;
+    (measured->offset < 0.0 ? sides.left : sides.right).push_back({vertex, measured->offset});
+  }
+  const auto byOffset = [](const Vertex& a, const Vertex& b) { return a.offset < b.offset; };
+  for (std::vector<Vertex>* side : {&sides.left, &sides.right}) {
+    std::reverse(side->begin(), side->end());
+    std::stable_sort(side->begin(), side->end(), byOffset);
+  }
+  std::reverse(sides.left.begin(), sides.left.end());
+  if (const auto centre = axis.poseAt(line.station)) {
+    const Vertex middle{centre->point, 0.0};
+    const auto isOff = [](const std::vector<Vertex>& side) {
+      return side.size() < 2 || std::abs(side.front().offset) > kCentreTolerance;
+    };
+    if (isOff(sides.left)) sides.left.insert(sides.left.begin(), middle);
+    if (isOff(sides.right)) sides.right.insert(sides.right.begin(), middle);
+  } else if (!sides.left.empty() && !sides.right.empty()) {
+    // A line beside the alignment's stations has no point on it: its sides meet by their leg across.
+    sides.right.insert(sides.right.begin(), sides.left.front());
+  }
+  return sides;
+}
+
+void append(Line& line, Vec2 place) {
+  if (line.empty() || length(place - line.back()) > civil::kSamePoint) line.push_back(place);
+}
+
+/// One side of the ground, outward.
+Lines outward(const detail::GroundWalk& walk, const std::vector<Vertex>& side, double sign) {
+  Lines lines;
+  for (const detail::GroundWalk::Piece& piece : walk.pieces()) {
+    Line& line = lines.emplace_back();
+    for (const detail::GroundWalk::Sample& sample : piece) {
+      const Vertex& inner = side[sample.leg];
+      const double dx = sample.place.x - inner.place.x;
+      const double dy = sample.place.y - inner.place.y;
+      append(line, {inner.offset + sign * std::sqrt(dx * dx + dy * dy), sample.place.z});
+    }
+  }
+  return lines;
+}
+
+Lines groundOf(const civil::TinSurface& surface, const Sides& sides) {
+  const auto walk = [&](const std::vector<Vertex>& side) {
+    detail::GroundWalk ground(surface);
+    for (std::size_t i = 1; i < side.size(); ++i) ground.add(side[i - 1].place, side[i].place);
+    return ground;
+  };
+  const detail::GroundWalk left = walk(sides.left);
+  const detail::GroundWalk right = walk(sides.right);
+  Lines lines = outward(left, sides.left, -1.0);
+  std::reverse(lines.begin(), lines.end());
+  for (Line& line : lines) std::reverse(line.begin(), line.end());
+  Lines rest = outward(right, sides.right, 1.0);
+  auto next = rest.begin();
+  if (!lines.empty() && !rest.empty() && left.startsOnGround() && right.startsOnGround()) {
+    for (const Vec2 place : rest.front()) append(lines.back(), place);
+    ++next;
+  }
+  lines.insert(lines.end(), std::make_move_iterator(next), std::make_move_iterator(rest.end()));
+  return lines;
+}
+
+SectionCorridor pictureOf(const civil::Corridor& corridor, const civil::Baseline& baseline,
+                          const civil::CorridorSection& section, double station) {
+  SectionCorridor picture;
+  picture.corridor = corridor.handle;
+  picture.name = corridor.name;
+  picture.baseline = baseline.name;
+  picture.label = section.label;
+  picture.isComputed = section.origin == civil::SectionOrigin::Computed;
+  if (baseline.profile != nullptr)
+    picture.profileElevation = baseline.profile->profile.elevationAt(station).value_or(0.0);
+  for (const civil::SectionPart& part : section.parts) {
+    SectionShape& shape = picture.parts.emplace_back();
+    shape.codes = part.codes;
+    for (const civil::SectionPoint& point : part.points)
+      shape.points.push_back({{point.offset, picture.profileElevation + point.elevation}, point.codes});
+  }
+  return picture;
+}
+
+}  // namespace
+
+Lines SectionCorridor::lines() const {
+  Lines lines;
+  for (const SectionShape& part : parts) {
+    Line& line = lines.emplace_back();
+    for (const SectionPlace& point : part.points) line.push_back(point.place);
+  }
+  return lines;
+}
+
+civil::Box SectionModel::box() const {
+  civil::Box box;
+  for (const SectionGround& ground : grounds) extend(box, ground.lines);
+  for (const SectionCorridor& corridor : corridors) extend(box, corridor.lines());
+  return box;
+}
+
+std::optional<SectionVertex> SectionModel::nearest(
+    Vec2 place, Vec2 reach, const std::function<bool(SectionVertex::Owner, std::size_t)>& isShown) const {
+  using Owner = SectionVertex::Owner;
+  std::optional<SectionVertex> best;
+  const auto consider = [&](Owner owner, std::size_t index, const Lines& lines) {
+    const auto near = nearestPoint(lines, place, reach);
+    if (!near || (best && best->distance <= near->distance)) return false;
+    best = SectionVertex{owner, index, near->place, {}, near->distance};
+    return true;
+  };
+  for (std::size_t i = 0; i < corridors.size(); ++i) {
+    if (isShown && !isShown(Owner::Corridor, i)) continue;
+    for (const SectionShape& part : corridors[i].parts) {
+      for (const SectionPlace& point : part.points) {
+        if (!consider(Owner::Corridor, i, {{point.place}})) continue;
+        best->codes = point.codes;
+        best->codes.insert(best->codes.end(), part.codes.begin(), part.codes.end());
+      }
+    }
+  }
+  for (std::size_t i = 0; i < grounds.size(); ++i)
+    if (!isShown || isShown(Owner::Ground, i)) consider(Owner::Ground, i, grounds[i].lines);
+  return best;
+}
+
+std::optional<SectionModel> sectionOf(const civil::Drawing& drawing, civil::Handle sampleLine) {
+  const auto found = find(drawing, sampleLine);
+  if (!found) return std::nullopt;
+  SectionModel model;
+  model.sampleLine = sampleLine;
+  model.name = found->line->name;
+  model.groupName = found->group->name;
+  model.alignment = found->alignment->handle;
+  model.alignmentName = found->alignment->name;
+  model.station = found->line->station;
+
+  const Sides sides = sidesOf(found->alignment->geometry, *found->line);
+  if (!sides.left.empty()) model.leastOffset = sides.left.back().offset;
+  if (!sides.right.empty()) model.greatestOffset = sides.right.back().offset;
+  for (const civil::SurfaceObject& surface : drawing.surfaces)
+    model.grounds.push_back({surface.handle, surface.name, groundOf(surface.surface, sides)});
+
+  for (const civil::Corridor& corridor : drawing.corridors) {
+    for (const civil::Baseline& baseline : corridor.baselines) {
+      if (baseline.alignment != found->alignment) continue;
+      if (const auto* section = civil::sectionAt(baseline, model.station))
+        model.corridors.push_back(pictureOf(corridor, baseline, *section, model.station));
+    }
+  }
+  return model;
+}
+
+std::vector<SampleLineEntry> sampleLinesBeside(const civil::Drawing& drawing, civil::Handle sampleLine) {
+  std::vector<SampleLineEntry> entries;
+  const auto found = find(drawing, sampleLine);
+  if (!found) return entries;
+  for (const civil::SampleLine& line : found->group->lines) entries.push_back({line.handle, line.name, line.station});
+  std::stable_sort(entries.begin(), entries.end(),
+                   [](const SampleLineEntry& a, const SampleLineEntry& b) { return a.station < b.station; });
+  return entries;
+}
+
+}  // namespace lvx::view

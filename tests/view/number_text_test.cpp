@@ -1,0 +1,44 @@
+#include "view/number_text.h"
+
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "platform/posix/posix_platform.h"
+#include "services/station_text.h"
+
+namespace lvx::view {
+namespace {
+
+TEST(NumberText, NeverHasAMinusBeforeZero) {
+  EXPECT_EQ(fixedText(-0.0004), "0.000");
+  EXPECT_EQ(fixedText(-0.0006), "-0.001");
+  EXPECT_EQ(fixedText(12.5, 0), "12");
+  EXPECT_EQ(fixedText(std::numeric_limits<double>::quiet_NaN()), "-");
+}
+
+TEST(NumberText, DropsZerosBehindThePointOnly) {
+  EXPECT_EQ(shortText(300.0), "300");
+  EXPECT_EQ(shortText(87.5), "87.5");
+  EXPECT_EQ(shortText(100.0, 0), "100");
+  EXPECT_EQ(shortText(0.0), "0");
+}
+
+TEST(StationText, IsThatOfTheReports) {
+  std::size_t rows = 0;
+  for (const double station :
+       {0.0, 1.5, 999.9994, 999.9996, 1000.0, 1234.5678, 1'234'567.891, -0.0004, -0.5, -1234.5, -999.9996}) {
+    EXPECT_EQ(stationText(station), platform::toUtf8(services::stationText(station))) << station;
+    ++rows;
+  }
+  EXPECT_EQ(rows, 11U);
+}
+
+TEST(StationText, HasAsManyDecimalsAsItsAxisNeeds) {
+  EXPECT_EQ(stationText(1200.0, 0), "1+200");
+  EXPECT_EQ(stationText(20.25, 1), "0+020.2");
+  EXPECT_EQ(stationText(999.6, 0), "1+000");
+}
+
+}  // namespace
+}  // namespace lvx::view
