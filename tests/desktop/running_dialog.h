@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QApplication>
+#include <QTimer>
+#include <QWidget>
+#include <atomic>
+#include <exception>
+#include <string>
+
+#include "desktop/dialog_runner.h"
+#include "desktop/qt_text.h"
+#include "desktop_user.h"
+#include "dialogs/dialog_window.h"
+
+namespace lvx::test {
+
+/// A dialog that runs on the thread of the windows, as a command runs it, while the test works it as its user. Whoever
+/// destroys it before the dialog is closed gives it up.
+///
+///     RunningDialog running(runner, behaviour);
+///     user.click(running.control(126));
+///     EXPECT_EQ(running.code(user), 126);
+class RunningDialog {
+ public:
+  RunningDialog(desktop::QtDialogRunner& runner, dialogs::DialogBehaviour& behaviour, QWidget* parent = nullptr)
+      : name_(behaviour.dialogTemplate().name) {
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(),
+        [this, &runner, &behaviour, parent] {
+          try {
+            code_ = runner.runModal(behaviour, parent);
+          } catch (...) {
+            failure_ = std::current_exception();
+          }
+          isOver_ = true;
+        },
+        Qt::QueuedConnection);
+  }
+  RunningDialog(const RunningDialog&) = delete;
+  RunningDialog& operator=(const RunningDialog&) = delete;
+  ~RunningDialog() {
+    if (isOver_) return;
+    onGui([] { desktop::QtDialogRunner::closeAll(); });
+    while (!isOver_) onGui([] {});
+    onGui([] { desktop::QtDialogRunner::reopen(); });
+  }
+
+  /// The window, once it has the keyboard; null when it doesn't come or is over already.
+  QWidget* window(const DesktopUser& user) {
+    QWidget* found = nullptr;
+    user.waitFor([&] {
+      QWidget* const active = QApplication::activeWindow();
+      if (active != nullptr && active->isVisible() && active->objectName().toStdString() == name_) found = active;
+      return found != nullptr || isOver_;
+    });
+    window_ = found;
+    return found;
+  }
+  /// A control of the window, which must have come.
+  template <class Widget = QWidget>
+  [[nodiscard]] Widget* control(int id) const {
+    return onGui([&] { return window_->findChild<Widget*>(QStringLiteral("control%1").arg(id)); });
+  }
+  [[nodiscard]] bool isOver() const { return isOver_; }
+  /// The code with which it closed; a number that no dialog has when it doesn't close in time.
+  int code(const DesktopUser& user) {
+    if (!user.waitFor([this] { return isOver_.load(); })) return kStillOpen;
+    if (failure_) std::rethrow_exception(failure_);
+    return code_;
+  }
+
+  static constexpr int kStillOpen = -1000;
+
+ private:
+  std::string name_;
+  QWidget* window_ = nullptr;
+  int code_ = kStillOpen;
+  std::exception_ptr failure_;
+  std::atomic<bool> isOver_ = false;
+};
+
+}  // namespace lvx::test
