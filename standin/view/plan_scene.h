@@ -1,0 +1,144 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "civil/drawing.h"
+#include "view/alignment_shape.h"
+#include "view/box_tree.h"
+#include "view/plan_shapes.h"
+#include "view/surface_tiles.h"
+
+namespace lvx::view {
+
+/// What lies under the mouse.
+struct Hit {
+  civil::Handle handle = 0;
+  civil::ObjectKind kind = civil::ObjectKind::Alignment;
+  std::string name;
+  bool operator==(const Hit&) const = default;
+};
+
+/// What an object is called: the name, of a point its number where it has none.
+struct Description {
+  civil::ObjectKind kind = civil::ObjectKind::Alignment;
+  std::string name;
+  bool operator==(const Description&) const = default;
+};
+
+// ---------------------------------------------------------------- what is drawn
+
+struct AlignmentShape {
+  const civil::AlignmentObject* object = nullptr;
+  civil::Box box;  ///< empty for one without length
+};
+
+struct SampleLineShape {
+  const civil::SampleLine* line = nullptr;
+  civil::Handle group = 0;
+  civil::Box box;
+};
+
+struct SurfaceShape {
+  const civil::SurfaceObject* object = nullptr;
+  civil::Box box;
+  /// The ground lies on the left of its border; holes have one too.
+  LineSet border;
+  std::unique_ptr<SurfaceTiles> tiles;
+};
+
+struct CorridorShape {
+  const civil::Corridor* object = nullptr;
+  civil::Box box;
+  /// Through the outermost points of the sections on each side, region by region.
+  LineSet edges;
+  LineSet baselines;
+};
+
+struct VisiblePoints {
+  /// In drawing order.
+  std::vector<const civil::Point*> points;
+  /// How many lie in the box; more than `points` where only some of them are given.
+  std::size_t count = 0;
+};
+
+/// What is drawn of a drawing in plan, where its objects lie and what they are called. Built once, which takes a while
+/// for large surfaces and may happen in a worker thread. It holds pointers into the drawing, which must live longer and
+/// keep its lists; only corridors may change. Queries may run in several threads at once, but none beside
+/// refreshCorridors().
+///
+///     PlanScene scene(drawing);
+///     for (const AlignmentShape& shape : scene.alignments())
+///       draw(polylines(shape.object->geometry, port.visible(), 0.25 / port.scale()));
+///     if (const auto hit = scene.hit(mouse, 6 / port.scale(), {})) highlight(hit->handle);
+class PlanScene {
+ public:
+  /// Told the part that is done, now and then; false gives up: the constructor throws Cancelled.
+  using Progress = std::function<bool(double done)>;
+
+  explicit PlanScene(const civil::Drawing& drawing, const Progress& progress = {});
+  PlanScene(const PlanScene&) = delete;
+  PlanScene& operator=(const PlanScene&) = delete;
+  ~PlanScene();
+
+  [[nodiscard]] const civil::Drawing& drawing() const { return drawing_; }
+  /// After a rebuild: takes the corridors' sections over again.
+  void refreshCorridors();
+
+  // All in drawing order.
+  [[nodiscard]] std::span<const AlignmentShape> alignments() const { return alignments_; }
+  [[nodiscard]] std::span<const SampleLineShape> sampleLines() const { return sampleLines_; }
+  [[nodiscard]] std::span<const SurfaceShape> surfaces() const { return surfaces_; }
+  [[nodiscard]] std::span<const CorridorShape> corridors() const { return corridors_; }
+  /// At most `limit` of the points in the box. Of too many the same ones are given again while the view moves and its
+  /// scale stays, spread as all of them are.
+  [[nodiscard]] VisiblePoints visiblePoints(const civil::Box& box, std::size_t limit) const;
+
+  /// Around everything that is drawn; empty for a drawing without.
+  [[nodiscard]] const civil::Box& box() const { return box_; }
+  /// Where an object lies: a site where its alignments do, a profile where its alignment does, a group where its
+  /// members do. Empty for one that has no place and for no object.
+  [[nodiscard]] std::optional<civil::Box> boxOf(civil::Handle handle) const;
+  [[nodiscard]] std::optional<Description> describe(civil::Handle handle) const;
+
+  /// The nearest object within `radius` drawing units: a point before a line (alignment, sample line, edge of a
+  /// corridor, border of a surface, in this order at equal distances) before a surface with ground there; of surfaces
+  /// the last in the drawing. Alignments are measured exactly, within their stations. Sites, profiles and groups aren't
+  /// drawn and never hit.
+  [[nodiscard]] std::optional<Hit> hit(civil::Vec2 place, double radius, KindSet kinds = {}) const;
+
+  /// What lies wholly in the box, with `crossing` also what has a part in it; alignments and their sample lines first,
+  /// then surfaces, points, corridors, each in drawing order.
+  [[nodiscard]] std::vector<civil::Handle> inside(const civil::Box& box, bool crossing, KindSet kinds = {}) const;
+
+  /// Memory beside the drawing's own.
+  [[nodiscard]] std::size_t bytes() const;
+
+ private:
+  struct Named;
+  void addAlignments(const civil::Site& site);
+  void addPoints(const Progress& progress);
+  void measure();
+  [[nodiscard]] const Named* find(civil::Handle handle) const;
+  [[nodiscard]] const civil::Point* findPoint(civil::Handle handle) const;
+  [[nodiscard]] const civil::Point* nearestPoint(civil::Vec2 place, double radius) const;
+
+  const civil::Drawing& drawing_;
+  std::vector<AlignmentShape> alignments_;
+  std::vector<SampleLineShape> sampleLines_;
+  std::vector<SurfaceShape> surfaces_;
+  std::vector<CorridorShape> corridors_;
+  std::vector<std::uint32_t> pointOrder_;  // along a curve, runs of them in the order in which they are left out
+  BoxTree pointRuns_;
+  bool hasAscendingPoints_ = true;             // so that their handles can be searched where they are
+  std::vector<std::uint32_t> pointsByHandle_;  // otherwise
+  std::vector<Named> named_;                   // all objects but points, by handle
+  civil::Box box_;
+};
+
+}  // namespace lvx::view

@@ -1,0 +1,172 @@
+#pragma once
+
+#include <atomic>
+#include <compare>
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+#include "civil/tin_surface.h"
+#include "view/box_tree.h"
+
+/// The picture of a surface in square tiles, as maps on a screen have them: each scale is a power of two, and a tile
+/// that was drawn once is shown again until memory runs short.
+///
+///     SurfaceTiles tiles(ground);
+///     const int level = SurfaceTiles::levelFor(scale);            // pixels a drawing unit
+///     const TileRange range = tiles.tilesIn(visible, level);      // those that show
+///     const auto tile = tiles.render({level, range.left, range.top}, look);
+///     tiles.boxOf({level, range.left, range.top});                // where it belongs in the drawing
+namespace lvx::view {
+
+enum class SurfaceStyle : std::uint8_t { Relief, Heights };
+
+struct SurfaceLook {
+  SurfaceStyle style = SurfaceStyle::Relief;
+  /// Edges of the triangles, where these are large enough to be seen.
+  bool hasTriangles = true;
+  bool isDark = false;
+  auto operator<=>(const SurfaceLook&) const = default;
+};
+
+/// 256 by 256 pixels, row by row from the top, 0xAARRGGBB with the colour multiplied by alpha.
+struct Tile {
+  static constexpr int kSize = 256;
+  /// Nothing where no ground shows in the tile.
+  std::vector<std::uint32_t> pixels;
+  [[nodiscard]] bool isEmpty() const { return pixels.empty(); }
+  [[nodiscard]] std::size_t bytes() const { return sizeof(Tile) + pixels.capacity() * sizeof(std::uint32_t); }
+};
+
+/// Which tile: at 2^level pixels a drawing unit, counted to the right and down from the surface's upper left corner.
+struct TileAddress {
+  int level = 0;
+  std::int64_t column = 0;
+  std::int64_t row = 0;
+  auto operator<=>(const TileAddress&) const = default;
+};
+
+/// From `left` to `right` and from `top` to `bottom`, both included; none where right < left.
+struct TileRange {
+  std::int64_t left = 0;
+  std::int64_t top = 0;
+  std::int64_t right = -1;
+  std::int64_t bottom = -1;
+  [[nodiscard]] bool isEmpty() const { return right < left || bottom < top; }
+};
+
+/// A rectangle of pixels at any scale, `left` and `top` counted from the surface's upper left corner.
+struct PixelArea {
+  double scale = 1.0;
+  std::int64_t left = 0;
+  std::int64_t top = 0;
+  int width = 0;
+  int height = 0;
+};
+
+/// Set from another thread to end a rendering early.
+using CancelFlag = std::atomic<bool>;
+
+/// Draws the tiles of one surface, which must live longer and stay where it is. A pixel shows the triangle that holds
+/// its centre, a centre on an edge that on its right or below, so that tiles fit without seam or overlap; triangles
+/// smaller than a pixel are averaged into it. All functions may run in several threads at once.
+class SurfaceTiles {
+ public:
+  static constexpr int kLeastLevel = -30;
+  static constexpr int kMostLevel = 18;
+
+  /// O(triangles), a sixth of a byte a triangle. `progress` is told the part that is done; false throws Cancelled.
+  explicit SurfaceTiles(const civil::TinSurface& surface, const std::function<bool(double)>& progress = {});
+
+  /// The level to show at `scale` pixels a drawing unit: no coarser than asked for, less than twice as fine.
+  [[nodiscard]] static int levelFor(double scale);
+  [[nodiscard]] static double scaleOf(int level);
+
+  [[nodiscard]] const civil::TinSurface& surface() const { return *surface_; }
+  /// The drawing's place of pixel 0, 0 at every scale.
+  [[nodiscard]] civil::Vec2 origin() const { return origin_; }
+  [[nodiscard]] TileRange tilesIn(const civil::Box& visible, int level) const;
+  [[nodiscard]] civil::Box boxOf(const TileAddress& address) const;
+  /// Elevations between which height colours run: nearly all of the ground, without its few outliers.
+  [[nodiscard]] double lowElevation() const { return low_; }
+  [[nodiscard]] double highElevation() const { return high_; }
+
+  /// Null if `cancel` was set before the tile was done.
+  [[nodiscard]] std::shared_ptr<const Tile> render(const TileAddress& address, const SurfaceLook& look,
+                                                   const CancelFlag* cancel = nullptr) const;
+  /// The same for any rectangle at any scale, into width * height pixels. False if cancelled.
+  bool render(const PixelArea& area, const SurfaceLook& look, std::uint32_t* pixels,
+              const CancelFlag* cancel = nullptr) const;
+
+  [[nodiscard]] std::size_t bytes() const;
+
+ private:
+  const civil::TinSurface* surface_;
+  std::size_t groundCount_ = 0;
+  civil::Vec2 origin_;
+  double extent_ = 0.0;  // from the origin to the farthest coordinate
+  double low_ = 0.0;
+  double high_ = 0.0;
+  BoxTree blocks_;
+};
+
+/// The colour of an elevation's part of the range (0 lowest, 1 highest) on level ground, for a legend: 0xffRRGGBB.
+[[nodiscard]] std::uint32_t heightColour(double part, bool isDark);
+
+// ---------------------------------------------------------------- cache
+
+struct TileKey {
+  std::uint32_t surface = 0;  ///< number of the surface in its scene
+  TileAddress address;
+  SurfaceLook look;
+  bool operator==(const TileKey&) const = default;
+};
+
+/// A tile that is coarser than wanted, and the square of it that stands for the wanted one.
+struct CoarserTile {
+  std::shared_ptr<const Tile> tile;
+  double left = 0.0;  ///< pixels
+  double top = 0.0;
+  double size = 0.0;
+};
+
+/// The tiles drawn last, up to a number of bytes. Safe for threads: one draws while another shows.
+class TileCache {
+ public:
+  static constexpr std::size_t kDefaultLimit = std::size_t{32} << 20;
+
+  explicit TileCache(std::size_t byteLimit = kDefaultLimit) : limit_(byteLimit) {}
+
+  /// Null where it isn't held. Finding counts as use.
+  [[nodiscard]] std::shared_ptr<const Tile> find(const TileKey& key);
+  /// The tile of the nearest coarser level that covers this one, up to `levels` above; it counts as used.
+  [[nodiscard]] std::optional<CoarserTile> findCoarser(const TileKey& key, int levels = 6);
+  /// Tiles used longest ago go first; the new one stays even if it is too large alone. Null is passed over.
+  void insert(const TileKey& key, std::shared_ptr<const Tile> tile);
+  void clear();
+  [[nodiscard]] std::size_t bytes() const;
+  [[nodiscard]] std::size_t count() const;
+
+ private:
+  struct Hash {
+    std::size_t operator()(const TileKey& key) const;
+  };
+  struct Entry {
+    TileKey key;
+    std::shared_ptr<const Tile> tile;
+  };
+  std::shared_ptr<const Tile> findLocked(const TileKey& key);
+
+  mutable std::mutex mutex_;
+  std::size_t limit_;
+  std::size_t bytes_ = 0;
+  std::list<Entry> entries_;  // the latest used first
+  std::unordered_map<TileKey, std::list<Entry>::iterator, Hash> places_;
+};
+
+}  // namespace lvx::view
