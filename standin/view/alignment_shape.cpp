@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <utility>
+
+#include "view/number_text.h"
 
 namespace lvx::view {
 
@@ -77,7 +78,7 @@ double strayOf(const Element& element, Part part) {
 }
 
 /// Appends the points after the part's start, to its end.
-void addCurve(const Element& element, Part part, double tolerance, int halvings, Polyline& line) {
+void addCurve(const Element& element, Part part, double tolerance, int halvings, Line& line) {
   const double span = part.to - part.from;
   const double curvature = std::max(std::abs(element.curvatureAt(part.from)), std::abs(element.curvatureAt(part.to)));
   // A chord over more than a third of a circle says nothing about the arc, however coarse the tolerance.
@@ -90,7 +91,7 @@ void addCurve(const Element& element, Part part, double tolerance, int halvings,
   line.push_back(element.poseAt(part.to).point);
 }
 
-void addPart(const Element& element, Part part, double tolerance, Polyline& line) {
+void addPart(const Element& element, Part part, double tolerance, Line& line) {
   if (element.kind == ElementKind::Line) {
     line.push_back(element.poseAt(part.to).point);
   } else if (element.kind == ElementKind::Arc) {
@@ -126,25 +127,6 @@ TickSteps tickSteps(double scale) {
   const double minor = leastStep(kLeastTickPixels, major);
   const auto isWhole = [&](double unit) { return std::fmod(major, unit) == 0.0; };
   return {minor / 1000.0, major / 1000.0, isWhole(1000.0) ? 0 : isWhole(100.0) ? 1 : isWhole(10.0) ? 2 : 3};
-}
-
-std::string stationLabel(double station, int decimals) {
-  const int shown = std::clamp(decimals, 0, 3);
-  constexpr std::array<long long, 4> kParts{1, 10, 100, 1000};
-  const long long parts = kParts[static_cast<std::size_t>(shown)];
-  if (!(std::abs(station) < 1e12)) return "?";
-  const long long rounded = std::llround(station * static_cast<double>(parts));
-  const long long size = std::abs(rounded);
-  const char* sign = rounded < 0 ? "-" : "";
-  const char separator = rounded < 0 ? '-' : '+';
-  const long long metres = size / parts;
-  std::array<char, 64> text{};
-  if (shown == 0)
-    std::snprintf(text.data(), text.size(), "%s%lld%c%03lld", sign, metres / 1000, separator, metres % 1000);
-  else
-    std::snprintf(text.data(), text.size(), "%s%lld%c%03lld.%0*lld", sign, metres / 1000, separator, metres % 1000,
-                  shown, size % parts);
-  return text.data();
 }
 
 Box boxAround(const Alignment& alignment) {
@@ -187,9 +169,8 @@ Box boxAround(const Alignment& alignment) {
   return box;
 }
 
-std::vector<Polyline> polylines(const Alignment& alignment, const Box& visible, double tolerance, double from,
-                                double to) {
-  std::vector<Polyline> result;
+Lines polylines(const Alignment& alignment, const Box& visible, double tolerance, double from, double to) {
+  Lines result;
   if (visible.isEmpty() || !(tolerance > 0.0)) return result;
   bool isOpen = false;  // whether the last line goes on to the end of the element before
   for (std::size_t i = 0; i < alignment.elements().size(); ++i) {
@@ -211,7 +192,7 @@ std::vector<Polyline> polylines(const Alignment& alignment, const Box& visible, 
   return result;
 }
 
-std::vector<Polyline> polylines(const Alignment& alignment, const Box& visible, double tolerance) {
+Lines polylines(const Alignment& alignment, const Box& visible, double tolerance) {
   return polylines(alignment, visible, tolerance, alignment.startStation(), alignment.endStation());
 }
 
@@ -238,7 +219,7 @@ std::vector<Tick> ticks(const Alignment& alignment, const Box& visible, double s
         if (!holds(reach, pose.point)) continue;
         const bool isMajor = std::fmod(number, perMajor) == 0.0;
         result.push_back({station, pose.point, pose.direction, isMajor,
-                          isMajor ? stationLabel(station, steps.decimals) : std::string()});
+                          isMajor ? stationText(station, steps.decimals) : std::string()});
       }
     }
   }

@@ -16,7 +16,7 @@ struct Tick {
   /// Of travel, counter-clockwise from east; the mark stands square to it.
   double direction = 0.0;
   bool isMajor = false;
-  /// "1+020" at major marks; empty at minor ones.
+  /// "1+020" at major marks, as stationText() has it; empty at minor ones.
   std::string text;
 };
 
@@ -32,10 +32,6 @@ struct TickSteps {
 /// Minor marks at least 8 pixels apart, labels at least 70, down to a thousandth. `scale`: pixels a drawing unit.
 [[nodiscard]] TickSteps tickSteps(double scale);
 
-/// "1+020", with decimals "1+020.5"; below zero both separators are minus signs as in the reports: "-1-020". From 0 to 3
-/// decimals.
-[[nodiscard]] std::string stationLabel(double station, int decimals);
-
 /// The smallest box around the alignment; empty where it has no element with a length.
 [[nodiscard]] civil::Box boxAround(const civil::Alignment& alignment);
 
@@ -43,10 +39,9 @@ struct TickSteps {
 /// stations `from` and `to`. Lines have their ends only. What lies outside is cut off near the box, so that no vertex
 /// is farther from it than about its diagonal. Gaps between elements stay gaps. Without a positive tolerance, and for
 /// an empty box, nothing.
-[[nodiscard]] std::vector<Polyline> polylines(const civil::Alignment& alignment, const civil::Box& visible,
-                                              double tolerance, double from, double to);
-[[nodiscard]] std::vector<Polyline> polylines(const civil::Alignment& alignment, const civil::Box& visible,
-                                              double tolerance);
+[[nodiscard]] Lines polylines(const civil::Alignment& alignment, const civil::Box& visible, double tolerance,
+                              double from, double to);
+[[nodiscard]] Lines polylines(const civil::Alignment& alignment, const civil::Box& visible, double tolerance);
 
 /// The marks of what may be seen, ascending by station. `scale`: pixels a drawing unit.
 [[nodiscard]] std::vector<Tick> ticks(const civil::Alignment& alignment, const civil::Box& visible, double scale);

@@ -64,11 +64,11 @@ void addCorridorLines(const civil::Baseline& baseline, CorridorShape& shape) {
   const civil::Alignment& alignment = baseline.alignment->geometry;
   const Box everywhere = grown(boxAround(alignment), 1.0);
   for (const civil::Region& region : baseline.regions) {
-    for (const Polyline& line :
+    for (const Line& line :
          polylines(alignment, everywhere, kBaselineTolerance, region.startStation, region.endStation))
       shape.baselines.add(line);
-    Polyline left;
-    Polyline right;
+    Line left;
+    Line right;
     for (const civil::CorridorSection& section : region.sections) {
       double least = std::numeric_limits<double>::infinity();
       double most = -least;
@@ -116,7 +116,7 @@ double distanceOf(const SampleLine& line, Vec2 place) {
 bool touches(const civil::Alignment& alignment, const Box& box) {
   const double size = std::max(box.maxX - box.minX, box.maxY - box.minY);
   if (!(size > 0.0)) return false;
-  for (const Polyline& line : polylines(alignment, box, 1e-4 * size))
+  for (const Line& line : polylines(alignment, box, 1e-4 * size))
     for (std::size_t i = 1; i < line.size(); ++i)
       if (meets(box, line[i - 1], line[i])) return true;
   return false;
@@ -214,7 +214,8 @@ void PlanScene::addPoints(const Progress& progress) {
 
   // Along a curve that fills the plane, so that runs of points have small boxes wherever the points lie close.
   Box box;
-  for (const Point& point : points) extend(box, placeOf(point));
+  for (const Point& point : points)
+    if (isFinite(placeOf(point))) extend(box, placeOf(point));
   const double size = std::max(box.maxX - box.minX, box.maxY - box.minY);
   const double perUnit = size > 0.0 && std::isfinite(size) ? 4294967295.0 / size : 0.0;
   struct Row {
@@ -322,7 +323,7 @@ const Point* PlanScene::findPoint(Handle handle) const {
 std::optional<Box> PlanScene::boxOf(Handle handle) const {
   Box box;
   if (const Point* point = findPoint(handle)) {
-    extend(box, placeOf(*point));
+    if (isFinite(placeOf(*point))) extend(box, placeOf(*point));
   } else if (const Named* named = find(handle)) {
     switch (named->kind) {
       case ObjectKind::Site:
@@ -347,7 +348,7 @@ std::optional<Box> PlanScene::boxOf(Handle handle) const {
         const auto& numbers = static_cast<const civil::PointGroup*>(named->object)->numbers;
         const std::unordered_set<std::int32_t> members(numbers.begin(), numbers.end());
         for (const Point& member : drawing_.points)
-          if (members.contains(member.number)) extend(box, placeOf(member));
+          if (members.contains(member.number) && isFinite(placeOf(member))) extend(box, placeOf(member));
         break;
       }
       case ObjectKind::Corridor:

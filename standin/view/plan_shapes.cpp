@@ -18,14 +18,6 @@ constexpr std::size_t kPiece = 64;
 
 }  // namespace
 
-void extend(Box& box, Vec2 point) {
-  if (!isFinite(point)) return;
-  box.minX = std::min(box.minX, point.x);
-  box.minY = std::min(box.minY, point.y);
-  box.maxX = std::max(box.maxX, point.x);
-  box.maxY = std::max(box.maxY, point.y);
-}
-
 void extend(Box& box, const Box& other) {
   if (other.isEmpty()) return;
   extend(box, Vec2{other.minX, other.minY});
@@ -34,7 +26,8 @@ void extend(Box& box, const Box& other) {
 
 Box boxAround(std::span<const Vec2> points) {
   Box box;
-  for (const Vec2 point : points) extend(box, point);
+  for (const Vec2 point : points)
+    if (isFinite(point)) extend(box, point);
   return box;
 }
 
@@ -98,15 +91,15 @@ void LineSet::add(std::span<const Vec2> vertices) {
 
 std::size_t LineSet::bytes() const { return vertices_.capacity() * sizeof(Vec2) + pieces_.capacity() * sizeof(Piece); }
 
-std::vector<Polyline> LineSet::lines(const Box& visible, double tolerance) const {
-  std::vector<Polyline> result;
+Lines LineSet::lines(const Box& visible, double tolerance) const {
+  Lines result;
   const double least = tolerance > 0.0 ? tolerance * tolerance : 0.0;
   std::size_t next = std::numeric_limits<std::size_t>::max();  // where the line that is being made would go on
   for (const Piece& piece : pieces_) {
     if (!meet(piece.box, visible)) continue;
     const bool continues = piece.first == next;
     if (!continues) result.push_back({vertices_[piece.first]});
-    Polyline& line = result.back();
+    Line& line = result.back();
     const std::size_t last = piece.first + piece.count - 1;
     for (std::size_t i = piece.first + 1; i <= last; ++i) {
       const Vec2 step = vertices_[i] - line.back();

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "civil/drawing.h"
+#include "view/lines.h"
 
 /// The small parts that the plan is made of.
 namespace lvx::view {
@@ -17,8 +18,6 @@ class Cancelled : public std::runtime_error {
  public:
   Cancelled() : std::runtime_error("view: cancelled") {}
 };
-
-using Polyline = std::vector<civil::Vec2>;
 
 /// Kinds of objects that may be picked; an empty set stands for all of them.
 class KindSet {
@@ -37,9 +36,8 @@ class KindSet {
 
 // ---------------------------------------------------------------- boxes
 
-/// Makes the box hold the point too; a point that isn't finite changes nothing.
-void extend(civil::Box& box, civil::Vec2 point);
 void extend(civil::Box& box, const civil::Box& other);
+/// Points that aren't finite have no place.
 [[nodiscard]] civil::Box boxAround(std::span<const civil::Vec2> points);
 [[nodiscard]] civil::Box grown(const civil::Box& box, double by);
 /// Borders count as within.
@@ -54,7 +52,7 @@ void extend(civil::Box& box, const civil::Box& other);
 
 // ---------------------------------------------------------------- lines
 
-/// Polylines that are drawn and searched often: kept in one row and found by the boxes of their pieces.
+/// Lines that are drawn and searched often: kept in one row and found by the boxes of their pieces.
 class LineSet {
  public:
   /// Points that aren't finite are left out; a line of one point is a place that can be found but not seen.
@@ -67,7 +65,7 @@ class LineSet {
 
   /// What a window that shows `visible` needs: the pieces of the lines that may be seen, pieces that follow one another
   /// joined, without vertices that lie within `tolerance` of the one drawn before.
-  [[nodiscard]] std::vector<Polyline> lines(const civil::Box& visible, double tolerance) const;
+  [[nodiscard]] Lines lines(const civil::Box& visible, double tolerance) const;
   /// To the nearest line; infinite beyond `radius`.
   [[nodiscard]] double distance(civil::Vec2 point, double radius) const;
   /// Whether a line has a point in the box.

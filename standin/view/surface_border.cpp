@@ -114,7 +114,7 @@ LineSet surfaceBorder(const civil::TinSurface& surface, const std::function<bool
     const Vec3& p = surface.points()[static_cast<std::size_t>(number)];
     return Vec2{p.x, p.y};
   };
-  Polyline line;
+  Line line;
   for (std::size_t start = 0; start < edges.size(); ++start) {
     if (isDone[start]) continue;
     line = {place(edges[start].from)};

@@ -390,7 +390,7 @@ TEST(SurfaceBorder, RunsAroundTheGroundAndItsHoles) {
   const auto lines = border.lines(surface.box(), 0.0);
   ASSERT_EQ(lines.size(), 2U);
   double area = 0.0;
-  for (const Polyline& line : lines) {
+  for (const Line& line : lines) {
     EXPECT_EQ(line.front(), line.back());
     for (std::size_t i = 1; i < line.size(); ++i) area += 0.5 * cross(line[i - 1] - line[0], line[i] - line[0]);
   }
@@ -423,7 +423,7 @@ TEST(SurfaceBorder, HasEachEdgeOfOneTriangleOnce) {
     i = static_cast<std::size_t>(end);
   }
   std::size_t drawn = 0;
-  for (const Polyline& line : surfaceBorder(surface).lines(surface.box(), 0.0)) drawn += line.size() - 1;
+  for (const Line& line : surfaceBorder(surface).lines(surface.box(), 0.0)) drawn += line.size() - 1;
   EXPECT_EQ(drawn, single);
 }
 
