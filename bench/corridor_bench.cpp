@@ -16,10 +16,10 @@
 #include <string>
 #include <vector>
 
-#include <sys/resource.h>
 #include <time.h>
 
 #include "civil/corridor.h"
+#include "measuring.h"
 
 using namespace lvx::civil;
 
@@ -174,12 +174,6 @@ void check() {
   std::fprintf(stderr, "%zu computed sections agree with a plain search within %.1e\n", times.computed, worst);
 }
 
-double peakMegabytes() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return static_cast<double>(usage.ru_maxrss) / 1024.0;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) try {
@@ -215,7 +209,7 @@ int main(int argc, char** argv) try {
       "%.3f, \"sum_offset\": %.12g, \"rss_mb\": %.1f}\n",
       once.corridors, once.baselines, once.regions, once.sections, once.rows, first.added, first.computed, first.found,
       first.total(), first.add, first.rebuild, first.read, static_cast<double>(first.computed) / first.total(),
-      second.total(), second.total() / first.total(), first.offsets, peakMegabytes());
+      second.total(), second.total() / first.total(), first.offsets, lvx::bench::peakMegabytes());
   return 0;
 } catch (const std::exception& e) {
   std::fprintf(stderr, "bench_corridor: %s\n", e.what());

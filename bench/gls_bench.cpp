@@ -8,22 +8,20 @@
 // vertical curves, and 20 corridors of 5 baselines with 10,000 sections each. Small cases are compared with the plain
 // rules first; exits with 1 where they differ.
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <fstream>
 #include <functional>
 #include <limits>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <malloc.h>
 
 #include "gls/corridor_stage.h"
 #include "gls_case.h"
+#include "measuring.h"
 #include "plain_gls.h"
 
 namespace {
@@ -234,24 +232,7 @@ void measure(const Job& job, const std::vector<int>& percents, int rounds) {
   std::printf("  %s\n", growth.c_str());
 }
 
-std::string processor() {
-  std::ifstream info("/proc/cpuinfo");
-  for (std::string line; std::getline(info, line);)
-    if (line.starts_with("model name")) return line.substr(line.find(':') + 2);
-  return "unknown";
-}
-
-int valueOf(std::string_view argument, std::string_view name, int otherwise) {
-  if (!argument.starts_with(name)) return otherwise;
-  int value = 0;
-  const char* end = argument.data() + argument.size();
-  const auto [rest, error] = std::from_chars(argument.data() + name.size(), end, value);
-  if (error != std::errc() || rest != end || value < 1) {
-    std::fprintf(stderr, "usage: bench_gls [percent=100] [rounds=3]\n");
-    std::exit(2);
-  }
-  return value;
-}
+constexpr const char* kUsage = "bench_gls [percent=100] [rounds=3]";
 
 }  // namespace
 
@@ -259,11 +240,11 @@ int main(int argc, char** argv) {
   int percent = 100;
   int rounds = 3;
   for (int i = 1; i < argc; ++i) {
-    percent = valueOf(argv[i], "percent=", percent);
-    rounds = valueOf(argv[i], "rounds=", rounds);
+    percent = lvx::bench::valueOf(argv[i], "percent=", percent, kUsage);
+    rounds = lvx::bench::valueOf(argv[i], "rounds=", rounds, kUsage);
   }
   const std::vector<int> percents{std::max(1, percent / 4), std::max(1, percent / 2), percent};
-  std::printf("compiler %s\nflags %s\nprocessor %s\n\n", LVX_COMPILER, LVX_FLAGS, processor().c_str());
+  lvx::bench::printMachine();
   keepMemory();
   requireAgreement();
   std::printf("%-46s", "milliseconds, best of rounds; percent of size:");

@@ -12,18 +12,11 @@
 #include <string>
 #include <vector>
 
-#include <sys/resource.h>
-
 #include "landxml/detail/scanner.h"
 #include "landxml/reader.h"
+#include "measuring.h"
 
 namespace {
-
-double megabytesAtPeak() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return static_cast<double>(usage.ru_maxrss) / 1024.0;
-}
 
 class Stopwatch {
  public:
@@ -69,7 +62,7 @@ void extract(const std::string& path, double megabytes) {
       "\"points\":%zu,\"faces\":%zu,\"sum_north\":%.17g,\"sum_east\":%.17g,\"sum_z\":%.17g,\"sum_id\":%lld,"
       "\"sum_corner\":%lld,\"hidden\":%zu,\"rss_mb\":%.6g}\n",
       path.c_str(), megabytes, seconds, megabytes / seconds, points, faces, north, east, elevation,
-      static_cast<long long>(ids), static_cast<long long>(corners), hidden, megabytesAtPeak());
+      static_cast<long long>(ids), static_cast<long long>(corners), hidden, lvx::bench::peakMegabytes());
 }
 
 void load(const std::string& path, double megabytes) {
@@ -81,8 +74,8 @@ void load(const std::string& path, double megabytes) {
   std::printf(
       "{\"peer\":\"lvx\",\"task\":\"load\",\"data\":\"%s\",\"mb\":%.6g,\"seconds\":%.6g,\"mb_per_s\":%.6g,"
       "\"surfaces\":%zu,\"faces\":%zu,\"rss_mb\":%.6g,\"rss_to_file\":%.4g}\n",
-      path.c_str(), megabytes, seconds, megabytes / seconds, drawing.surfaces.size(), triangles, megabytesAtPeak(),
-      megabytesAtPeak() * 1.048576 / megabytes);
+      path.c_str(), megabytes, seconds, megabytes / seconds, drawing.surfaces.size(), triangles,
+      lvx::bench::peakMegabytes(), lvx::bench::peakMegabytes() * 1.048576 / megabytes);
 }
 
 }  // namespace

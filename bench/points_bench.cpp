@@ -8,7 +8,6 @@
 // offset by the geometry alone, a sort of numbers, text and page by the C library, the workbook by the workbook library.
 // What the bare parts write is compared with the report's files first; exits with 1 where they differ.
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -27,6 +26,7 @@
 #include <unistd.h>
 #include <xlsxwriter.h>
 
+#include "measuring.h"
 #include "points/point_collector.h"
 #include "points/point_sort.h"
 #include "points/points_ascii.h"
@@ -281,22 +281,6 @@ class Bench {
   lvx::runtime::StandinHost host_;
 };
 
-int valueOf(std::string_view argument, std::string_view name, int otherwise) {
-  if (!argument.starts_with(name)) return otherwise;
-  int value = 0;
-  const char* end = argument.data() + argument.size();
-  const auto [rest, error] = std::from_chars(argument.data() + name.size(), end, value);
-  if (error != std::errc() || rest != end || value < 1) fail("usage: bench_points [points=1000000] [rounds=1]");
-  return value;
-}
-
-std::string processor() {
-  std::ifstream info("/proc/cpuinfo");
-  for (std::string line; std::getline(info, line);)
-    if (line.starts_with("model name")) return line.substr(line.find(':') + 2);
-  return "unknown";
-}
-
 /// The best of some rounds, step by step.
 Steps best(int rounds, const std::function<Steps()>& run) {
   Steps least = run();
@@ -308,16 +292,18 @@ Steps best(int rounds, const std::function<Steps()>& run) {
   return least;
 }
 
+constexpr const char* kUsage = "bench_points [points=1000000] [rounds=1]";
+
 }  // namespace
 
 int main(int argc, char** argv) {
   int points = 1000000;
   int rounds = 1;
   for (int i = 1; i < argc; ++i) {
-    points = valueOf(argv[i], "points=", points);
-    rounds = valueOf(argv[i], "rounds=", rounds);
+    points = lvx::bench::valueOf(argv[i], "points=", points, kUsage);
+    rounds = lvx::bench::valueOf(argv[i], "rounds=", rounds, kUsage);
   }
-  std::printf("compiler %s\nflags %s\nprocessor %s\n\n", LVX_COMPILER, LVX_FLAGS, processor().c_str());
+  lvx::bench::printMachine();
 
   std::string folder = (std::filesystem::temp_directory_path() / "lvx-bench-XXXXXX").string();
   if (mkdtemp(folder.data()) == nullptr) fail("no folder for the files");

@@ -5,19 +5,17 @@
 //
 // Orders are checked before they are timed; exits with 1 where one is wrong.
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <functional>
 #include <memory>
 #include <random>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "measuring.h"
 #include "projection/projection_ascii.h"
 #include "projection/projection_computation.h"
 #include "projection/projection_excel.h"
@@ -191,24 +189,7 @@ class Bench {
   OwnedList<tsl> records_;
 };
 
-std::string processor() {
-  std::ifstream info("/proc/cpuinfo");
-  for (std::string line; std::getline(info, line);)
-    if (line.starts_with("model name")) return line.substr(line.find(':') + 2);
-  return "unknown";
-}
-
-int valueOf(std::string_view argument, std::string_view name, int otherwise) {
-  if (!argument.starts_with(name)) return otherwise;
-  int value = 0;
-  const char* end = argument.data() + argument.size();
-  const auto [rest, error] = std::from_chars(argument.data() + name.size(), end, value);
-  if (error != std::errc() || rest != end || value < 1) {
-    std::fprintf(stderr, "usage: bench_projection [largest=100000] [rounds=3]\n");
-    std::exit(2);
-  }
-  return value;
-}
+constexpr const char* kUsage = "bench_projection [largest=100000] [rounds=3]";
 
 }  // namespace
 
@@ -216,11 +197,11 @@ int main(int argc, char** argv) {
   int largest = 100000;
   int rounds = 3;
   for (int i = 1; i < argc; ++i) {
-    largest = valueOf(argv[i], "largest=", largest);
-    rounds = valueOf(argv[i], "rounds=", rounds);
+    largest = lvx::bench::valueOf(argv[i], "largest=", largest, kUsage);
+    rounds = lvx::bench::valueOf(argv[i], "rounds=", rounds, kUsage);
   }
   const std::vector<int> sizes{std::max(100, largest / 10), std::max(100, largest / 3), std::max(100, largest)};
-  std::printf("compiler %s\nflags %s\nprocessor %s\n\n", LVX_COMPILER, LVX_FLAGS, processor().c_str());
+  lvx::bench::printMachine();
   std::printf("%-44s", "nanoseconds per item, best of rounds; items:");
   for (const int size : sizes) std::printf(" %9d", size);
   std::printf("   growth\n");

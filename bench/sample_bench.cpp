@@ -24,9 +24,8 @@
 #include <string>
 #include <vector>
 
-#include <sys/resource.h>
-
 #include "civil/tin_surface.h"
+#include "measuring.h"
 
 namespace {
 
@@ -253,8 +252,7 @@ int main(int argc, char** argv) try {
   const auto buildStart = std::chrono::steady_clock::now();
   const TinSurface surface(std::move(job.points), std::move(job.triangles));
   const double buildSeconds = secondsSince(buildStart);
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
+  const double peak = lvx::bench::peakMegabytes();
   checkByScan(job, surface);
 
   std::vector<double> times;
@@ -279,7 +277,7 @@ int main(int argc, char** argv) try {
   std::printf("\"samples_per_s\": %.12g, \"samples\": %zu, \"sum_z\": %.12g, \"sum_d\": %.12g, \"counts_hash\": %llu, ",
               static_cast<double>(sum.count) / seconds, sum.count, sum.elevation, sum.distance,
               static_cast<unsigned long long>(sum.hash >> 12));
-  std::printf("\"rss_mb\": %.12g}\n", static_cast<double>(usage.ru_maxrss) / 1024.0);
+  std::printf("\"rss_mb\": %.12g}\n", peak);
   return EXIT_SUCCESS;
 } catch (const std::exception& error) {
   std::fprintf(stderr, "bench_sample: %s\n", error.what());

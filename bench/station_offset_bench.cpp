@@ -20,9 +20,8 @@
 #include <string>
 #include <vector>
 
-#include <sys/resource.h>
-
 #include "civil/alignment.h"
+#include "measuring.h"
 
 using namespace lvx::civil;
 
@@ -129,12 +128,6 @@ void check(const Alignment& axis, std::span<const Vec2> probes) {
   std::fprintf(stderr, "%zu probes agree with a plain search within %.1e\n", probes.size(), worst);
 }
 
-double peakMegabytes() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return static_cast<double>(usage.ru_maxrss) / 1024.0;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) try {
@@ -185,7 +178,7 @@ int main(int argc, char** argv) try {
       "%.12g, "
       "\"rss_mb\": %.1f}\n",
       data.empty() ? "own" : data.c_str(), axis.elements().size(), probes.size(), seconds, times.front(),
-      static_cast<double>(probes.size()) / seconds, stations, offsets, peakMegabytes());
+      static_cast<double>(probes.size()) / seconds, stations, offsets, lvx::bench::peakMegabytes());
   return 0;
 } catch (const std::exception& e) {
   std::fprintf(stderr, "bench_station_offset: %s\n", e.what());

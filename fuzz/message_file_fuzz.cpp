@@ -1,10 +1,8 @@
 // Any bytes as a message file: the catalogue reads them, and what it holds keeps its own rules.
-#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <string>
-#include <utility>
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -12,6 +10,7 @@
 #include "services/message_catalogue.h"
 #include "support/fake_host.h"
 #include "support/message_file.h"
+#include "support/rescanned_escapes.h"
 
 namespace {
 
@@ -33,31 +32,6 @@ class MemoryFile {
  private:
   int descriptor_;
 };
-
-/// The escapes by their rule: the first of the list that occurs anywhere, then all over again.
-CString replaceByRescanning(CString text) {
-  static constexpr std::array<std::pair<const wchar_t*, wchar_t>, 11> kList{{{L"\\a", L'\a'},
-                                                                             {L"\\b", L'\b'},
-                                                                             {L"\\f", L'\f'},
-                                                                             {L"\\n", L'\n'},
-                                                                             {L"\\r", L'\r'},
-                                                                             {L"\\t", L'\t'},
-                                                                             {L"\\v", L'\v'},
-                                                                             {L"\\'", L'\''},
-                                                                             {L"\\\"", L'"'},
-                                                                             {L"\\\\", L'\\'},
-                                                                             {L"\\?", L'?'}}};
-  for (std::size_t i = 0; i < kList.size();) {
-    const std::size_t place = text.find(kList[i].first);
-    if (place == CString::npos) {
-      ++i;
-      continue;
-    }
-    text.replace(place, 2, 1, kList[i].second);
-    i = 0;
-  }
-  return text;
-}
 
 }  // namespace
 
@@ -82,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   if (size <= 200) {
     const CString text = host.platform().widenAnsi({reinterpret_cast<const char*>(data), size});
-    if (lvx::services::replaceEscapes(text) != replaceByRescanning(text)) std::abort();
+    if (lvx::services::replaceEscapes(text) != lvx::test::replaceEscapesByRescanning(text)) std::abort();
   }
   static_cast<void>(lvx::test::messageFileComplaints({reinterpret_cast<const char*>(data), size}));
   return 0;

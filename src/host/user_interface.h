@@ -14,6 +14,19 @@ enum class BoxIcon : std::uint8_t { None, Stop, Question, Warning };
 /// The values are the codes with which a dialog closes.
 enum class BoxAnswer : std::uint8_t { Ok = 1, Cancel = 2, Retry = 4, Yes = 6, No = 7 };
 
+/// True where a box with these buttons can be answered so.
+[[nodiscard]] constexpr bool offers(BoxButtons buttons, BoxAnswer answer) {
+  switch (buttons) {
+    case BoxButtons::Ok:
+      return answer == BoxAnswer::Ok;
+    case BoxButtons::YesNo:
+      return answer == BoxAnswer::Yes || answer == BoxAnswer::No;
+    case BoxButtons::RetryCancel:
+      return answer == BoxAnswer::Retry || answer == BoxAnswer::Cancel;
+  }
+  return false;
+}
+
 // Flags of the file box.
 inline constexpr std::uint32_t kHideReadOnly = 4;
 inline constexpr std::uint32_t kPromptCreate = 8192;

@@ -18,18 +18,6 @@ namespace {
 /// 0x00BBGGRR of a light grey scheme; a script has no colours to look at.
 constexpr std::uint32_t kFaceColour = 0x00F0F0F0;
 
-bool offers(host::BoxButtons buttons, host::BoxAnswer answer) {
-  switch (buttons) {
-    case host::BoxButtons::Ok:
-      return answer == host::BoxAnswer::Ok;
-    case host::BoxButtons::YesNo:
-      return answer == host::BoxAnswer::Yes || answer == host::BoxAnswer::No;
-    case host::BoxButtons::RetryCancel:
-      return answer == host::BoxAnswer::Retry || answer == host::BoxAnswer::Cancel;
-  }
-  return false;
-}
-
 const char* wordFor(Refusal refusal) {
   switch (refusal) {
     case Refusal::NoSuchControl:
@@ -159,7 +147,7 @@ host::BoxAnswer ScriptFrontEnd::messageBox(const host::CString& text, host::BoxB
   transcript_.box(text, buttons, icon);
   const std::string waiter = "the message box \"" + toUtf8(text) + "\" waits";
   const ScriptAction action = take(waiter);
-  if (action.kind != Kind::Answer || !offers(buttons, action.answer)) mismatch(action, waiter);
+  if (action.kind != Kind::Answer || !host::offers(buttons, action.answer)) mismatch(action, waiter);
   return action.answer;
 }
 

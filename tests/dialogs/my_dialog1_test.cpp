@@ -4,7 +4,6 @@
 
 #include "dialogs/dialog_services.h"
 #include "framework/exceptions.h"
-#include "host/run_time.h"
 #include "support/report_drawing.h"
 
 namespace lvx::dialogs {

@@ -10,7 +10,6 @@
 #include "bits_window.h"
 #include "dialogs/dialog_services.h"
 #include "framework/exceptions.h"
-#include "host/run_time.h"
 #include "support/fake_roadway.h"
 #include "support/report_drawing.h"
 

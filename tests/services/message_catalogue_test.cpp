@@ -1,6 +1,5 @@
 #include "services/message_catalogue.h"
 
-#include <array>
 #include <string>
 #include <utility>
 #include <vector>
@@ -8,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "support/fake_host.h"
+#include "support/rescanned_escapes.h"
 
 namespace lvx::services {
 namespace {
@@ -183,33 +183,6 @@ TEST(MessageEscapes, EveryOneOfTheList) {
   for (const Row& row : rows) EXPECT_EQ(replaceEscapes(row.text), row.expected) << testing::PrintToString(row.text);
 }
 
-/// The rule as message files know it: the first sequence of the list that occurs anywhere, its leftmost place, then all
-/// over again.
-CString replaceEscapesByRescanning(CString text) {
-  static constexpr std::array<std::pair<const wchar_t*, wchar_t>, 11> kList{{{L"\\a", L'\a'},
-                                                                             {L"\\b", L'\b'},
-                                                                             {L"\\f", L'\f'},
-                                                                             {L"\\n", L'\n'},
-                                                                             {L"\\r", L'\r'},
-                                                                             {L"\\t", L'\t'},
-                                                                             {L"\\v", L'\v'},
-                                                                             {L"\\'", L'\''},
-                                                                             {L"\\\"", L'"'},
-                                                                             {L"\\\\", L'\\'},
-                                                                             {L"\\?", L'?'}}};
-  for (bool found = true; found;) {
-    found = false;
-    for (const auto& [sequence, replacement] : kList) {
-      const std::size_t place = text.find(sequence);
-      if (place == CString::npos) continue;
-      text.replace(place, 2, 1, replacement);
-      found = true;
-      break;
-    }
-  }
-  return text;
-}
-
 TEST(MessageEscapes, AgreeWithTheRescanningSearchOnEveryShortText) {
   constexpr std::wstring_view kLetters = L"\\na'\"?x";
   std::size_t count = 0;
@@ -217,7 +190,7 @@ TEST(MessageEscapes, AgreeWithTheRescanningSearchOnEveryShortText) {
   for (int length = 0; length < 7; ++length) {
     std::vector<CString> longer;
     for (const CString& text : texts) {
-      ASSERT_EQ(replaceEscapes(text), replaceEscapesByRescanning(text)) << testing::PrintToString(text);
+      ASSERT_EQ(replaceEscapes(text), test::replaceEscapesByRescanning(text)) << testing::PrintToString(text);
       ++count;
       for (const wchar_t letter : kLetters) longer.push_back(text + letter);
     }

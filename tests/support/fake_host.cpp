@@ -26,18 +26,6 @@ class AbsentSheet final : public host::Sheet {
   static void fail() { throw framework::AutomationException("a sheet that was never started"); }
 };
 
-bool offers(host::BoxButtons buttons, host::BoxAnswer answer) {
-  switch (buttons) {
-    case host::BoxButtons::Ok:
-      return answer == host::BoxAnswer::Ok;
-    case host::BoxButtons::YesNo:
-      return answer == host::BoxAnswer::Yes || answer == host::BoxAnswer::No;
-    case host::BoxButtons::RetryCancel:
-      return answer == host::BoxAnswer::Retry || answer == host::BoxAnswer::Cancel;
-  }
-  return false;
-}
-
 }  // namespace
 
 host::VnRxObject* FakeDictionary::at(const CString& name) {
@@ -114,7 +102,7 @@ host::BoxAnswer FakeUserInterface::messageBox(const CString& text, host::BoxButt
   if (answers.empty()) throw std::logic_error("no answer for the box: " + platform::toUtf8(text));
   const host::BoxAnswer answer = answers.front();
   answers.pop_front();
-  if (!offers(buttons, answer)) throw std::logic_error("no such button on the box: " + platform::toUtf8(text));
+  if (!host::offers(buttons, answer)) throw std::logic_error("no such button on the box: " + platform::toUtf8(text));
   return answer;
 }
 
