@@ -68,6 +68,10 @@ struct Chart {
   QString unit;
   /// Millimetres of paper for a drawing unit at 1:1.
   double unitMillimetres = 1000.0;
+  /// While the enlargement of heights is automatic: as far as it goes where there is room, and how far where the lines would
+  /// look flat otherwise.
+  double usualEnlargement = 10.0;
+  double mostEnlargement = 100.0;
   /// Always within the picture, beside the series: how far a sample line reaches. Only x is read.
   civil::Box reach;
   std::vector<ChartSeries> series;

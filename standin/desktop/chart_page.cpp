@@ -47,20 +47,20 @@ QString scaleNumber(double scale) { return toQt(view::fixedText(scale, scale == 
 
 }  // namespace
 
-ChartPage::ChartPage(const Chart& chart, const QFont& font, double exaggeration, double most)
+ChartPage::ChartPage(const Chart& chart, const QFont& font, double exaggeration)
     : chart_(chart), painter_(chart, ChartLook::printed(), textFont(font)) {
   // The larger sheet is for what the smaller one shows too small to read off.
   const double worth = chart.measure == ChartMeasure::Offset ? 250.0 : 1000.0;
   layOut(kA4);
-  chooseScale(exaggeration, most);
+  chooseScale(exaggeration);
   const double onSmall = scale_;
   if (onSmall > 0.0 && onSmall <= worth) return;
   layOut(kA3);
-  chooseScale(exaggeration, most);
+  chooseScale(exaggeration);
   isA3_ = scale_ > 0.0 && scale_ < onSmall;
   if (isA3_) return;
   layOut(kA4);
-  chooseScale(exaggeration, most);
+  chooseScale(exaggeration);
 }
 
 double ChartPage::legendHeight() const {
@@ -88,31 +88,27 @@ void ChartPage::layOut(QSizeF millimetres) {
       QFontMetricsF(titleFont(painter_.font())).height() + QFontMetricsF(painter_.font()).height() + 2.5 * kGap;
   const double legend = legendHeight();
   legend_ = QRectF(frame_.left() + kGap, frame_.top() + head + kGap / 2, frame_.width() - 2 * kGap, legend);
-  area_ = QRectF(frame_.left() + kGap, legend_.bottom() + kGap / 2, frame_.width() - 2 * kGap,
-                 frame_.bottom() - legend_.bottom() - 1.5 * kGap);
+  area_ = QRectF(frame_.left() + kGap / 2, legend_.bottom() + kGap / 2, frame_.width() - kGap,
+                 frame_.bottom() - legend_.bottom() - kGap);
 }
 
-void ChartPage::chooseScale(double exaggeration, double most) {
+void ChartPage::chooseScale(double exaggeration) {
   scale_ = 0.0;
   exaggeration_ = exaggeration > 0.0 ? exaggeration : 1.0;
   const civil::Box box = chart_.box();
   if (box.isEmpty()) return;
   const QRect plot = painter_.plotArea(area_);
   const double paper = chart_.unitMillimetres * kUnitsPerMillimetre;  // units of paper for one of the drawing at 1:1
-  const bool hasTexts = std::any_of(chart_.series.begin(), chart_.series.end(), [](const ChartSeries& series) {
-    return series.isShown && (!series.marks.empty() || !series.notes.empty());
-  });
-  const double across = (box.maxX - box.minX) * paper / (plot.width() * 0.97);
-  const double up = (box.maxY - box.minY) * paper / (plot.height() * (hasTexts ? 0.62 : 0.86));
+  const double across = (box.maxX - box.minX) * paper / (plot.width() * 0.99);
+  const double up = (box.maxY - box.minY) * paper;
+  const double room = plot.height() * painter_.heightShare();
   const auto fitting = [&](double least) {
     for (const double scale : kScales)
       if (scale >= least) return scale;
     return 0.0;
   };
-  scale_ = fitting(std::max(across, up * exaggeration_));
-  if (scale_ == 0.0 || exaggeration > 0.0) return;
-  for (const double factor : {2.0, 5.0, 10.0})
-    if (factor <= most && up * factor <= scale_) exaggeration_ = factor;
+  scale_ = fitting(std::max(across, up * exaggeration_ / room));
+  if (scale_ > 0.0 && !(exaggeration > 0.0)) exaggeration_ = painter_.enlargement(up / scale_, room);
 }
 
 QString ChartPage::scaleText() const {

@@ -18,8 +18,8 @@ class ChartPage {
   Q_DECLARE_TR_FUNCTIONS(ChartPage)
 
  public:
-  /// An `exaggeration` of 0 takes the largest usual one up to `most` that has room. The chart must live as long as this.
-  ChartPage(const Chart& chart, const QFont& font, double exaggeration, double most);
+  /// An `exaggeration` of 0 takes the one of ChartPainter::enlargement. The chart must live as long as this.
+  ChartPage(const Chart& chart, const QFont& font, double exaggeration);
 
   /// In millimetres, across.
   [[nodiscard]] QSizeF size() const { return size_; }
@@ -33,7 +33,7 @@ class ChartPage {
 
  private:
   void layOut(QSizeF millimetres);
-  void chooseScale(double exaggeration, double most);
+  void chooseScale(double exaggeration);
   [[nodiscard]] double legendHeight() const;
 
   const Chart& chart_;

@@ -7,6 +7,7 @@
 #include <QPen>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 #include "desktop/qt_text.h"
@@ -45,7 +46,8 @@ std::vector<double> multiples(double step, double from, double to) {
   const double last = std::floor(to / step);
   // A window shows some dozen; more only where rounding has the better of it.
   if (!(last - first < 1000.0)) return places;
-  for (double number = first; number <= last; ++number) places.push_back(number * step);
+  const int count = static_cast<int>(last - first) + 1;
+  for (int i = 0; i < count; ++i) places.push_back((first + i) * step);
   return places;
 }
 
@@ -105,11 +107,87 @@ class PathMaker {
   int count_ = 0;
 };
 
-bool overlapsAny(const std::vector<QRectF>& taken, const QRectF& area) {
-  return std::any_of(taken.begin(), taken.end(), [&](const QRectF& other) { return other.intersects(area); });
-}
+/// Between which heights a series runs in each column of a plot, so that texts can keep clear of it at a small price.
+class SeriesColumns {
+ public:
+  explicit SeriesColumns(const QRect& plot) : plot_(plot), columns_(static_cast<std::size_t>(plot.width()) + 1) {}
+  /// Counted from the plot's corner.
+  void add(Vec2 from, Vec2 to) {
+    const Vec2 left = from.x <= to.x ? from : to;
+    const Vec2 right = from.x <= to.x ? to : from;
+    const double rise = right.x > left.x ? (right.y - left.y) / (right.x - left.x) : 0.0;
+    const int last = columnOf(right.x);
+    for (int column = columnOf(left.x); column <= last; ++column) {
+      Range& range = columns_[static_cast<std::size_t>(column)];
+      range.add(left.y + (std::clamp<double>(column, left.x, right.x) - left.x) * rise);
+      range.add(right.y - (right.x - std::clamp<double>(column + 1, left.x, right.x)) * rise);
+    }
+  }
+  [[nodiscard]] bool crosses(const QRectF& area) const {
+    const QRectF inside = area.translated(-plot_.topLeft());
+    const int last = columnOf(inside.right());
+    for (int column = columnOf(inside.left()); column <= last; ++column) {
+      const Range& range = columns_[static_cast<std::size_t>(column)];
+      if (range.top <= inside.bottom() && range.bottom >= inside.top()) return true;
+    }
+    return false;
+  }
+
+ private:
+  struct Range {
+    double top = std::numeric_limits<double>::infinity();
+    double bottom = -std::numeric_limits<double>::infinity();
+    void add(double y) {
+      top = std::min(top, y);
+      bottom = std::max(bottom, y);
+    }
+  };
+  [[nodiscard]] int columnOf(double x) const {
+    return static_cast<int>(std::clamp(x, 0.0, static_cast<double>(plot_.width())));
+  }
+
+  QRect plot_;
+  std::vector<Range> columns_;
+};
 
 }  // namespace
+
+/// Where texts may still stand in a plot.
+class ChartPainter::TextRoom {
+ public:
+  TextRoom(const Chart& chart, const QRect& plot, const view::Viewport& port)
+      : plot_(plot), port_(port), inside_(QRectF(plot).adjusted(3.0, 3.0, -3.0, -3.0)) {
+    for (const ChartSeries& series : chart.series) {
+      if (!series.isShown) continue;
+      SeriesColumns& columns = series_.emplace_back(plot);
+      for (const view::Line& line : view::clipped(series.lines, visible()))
+        for (std::size_t i = 1; i < line.size(); ++i) columns.add(port.toPixels(line[i - 1]), port.toPixels(line[i]));
+    }
+  }
+  [[nodiscard]] QPointF toPoint(Vec2 place) const {
+    const Vec2 pixel = port_.toPixels(place);
+    return plot_.topLeft() + QPointF(pixel.x, pixel.y);
+  }
+  [[nodiscard]] Box visible() const { return port_.visible(); }
+  [[nodiscard]] bool isVisible(Vec2 place) const { return QRectF(plot_).contains(toPoint(place)); }
+  /// Inside the plot and no text there.
+  [[nodiscard]] bool isFree(const QRectF& area) const {
+    return inside_.contains(area) &&
+           std::none_of(taken_.begin(), taken_.end(), [&](const QRectF& other) { return other.intersects(area); });
+  }
+  [[nodiscard]] bool crossesLine(const QRectF& area) const {
+    return std::any_of(series_.begin(), series_.end(),
+                       [&](const SeriesColumns& columns) { return columns.crosses(area); });
+  }
+  void take(const QRectF& area) { taken_.push_back(area); }
+
+ private:
+  QRect plot_;
+  view::Viewport port_;
+  QRectF inside_;
+  std::vector<SeriesColumns> series_;
+  std::vector<QRectF> taken_;
+};
 
 // ---------------------------------------------------------------- look
 
@@ -159,7 +237,7 @@ QRect ChartPainter::plotArea(const QRectF& area) const {
   const double line = metrics.height();
   const bool hasTitles = area.height() >= kLeastHeightForTitle;
   // Room for heights of four digits and two decimals, so that the plot doesn't move while one zooms.
-  const double left = metrics.horizontalAdvance(QStringLiteral("-8888.88")) + 2 * kRoom + (hasTitles ? line : 0.0);
+  const double left = metrics.horizontalAdvance(QStringLiteral("8888.88")) + 2 * kRoom + (hasTitles ? line : 0.0);
   double bottom = line + kRoom + (hasTitles ? line + 2.0 : 0.0);
   if (hasBand() && area.height() >= kLeastHeightForBand) bottom += kBandHeight;
   const double right = 3 * kRoom;
@@ -179,21 +257,30 @@ view::Viewport ChartPainter::viewportFor(const QRectF& area, double exaggeration
   if (box.isEmpty()) return port;
   const double across = std::max(box.maxX - box.minX, 1e-3);
   const double up = std::max(box.maxY - box.minY, 1e-3);
-  // Texts stand above and below the lines of a profile.
-  const bool hasTexts = std::any_of(chart_.series.begin(), chart_.series.end(), [](const ChartSeries& series) {
-    return series.isShown && (!series.marks.empty() || !series.notes.empty());
-  });
   const double width = plot.width() * 0.95;
-  const double height = plot.height() * (hasTexts ? 0.62 : 0.84);
-  if (!(exaggeration > 0.0)) {
-    double fitting = 1.0;
-    for (const double factor : {2.0, 5.0, 10.0, 20.0, 50.0, 100.0})
-      if (up * factor * width / across <= height) fitting = factor;
-    port.setExaggeration(fitting);
-  }
+  const double height = plot.height() * heightShare();
+  if (!(exaggeration > 0.0)) port.setExaggeration(enlargement(up * width / across, height));
   port.setScale(std::min(width / across, height / (up * port.exaggeration())));
   port.setCentre({(box.minX + box.maxX) / 2, (box.minY + box.maxY) / 2});
   return port;
+}
+
+double ChartPainter::heightShare() const {
+  const bool hasTexts = std::any_of(chart_.series.begin(), chart_.series.end(), [](const ChartSeries& series) {
+    return series.isShown && (!series.marks.empty() || !series.notes.empty());
+  });
+  return hasTexts ? 0.62 : 0.84;
+}
+
+double ChartPainter::enlargement(double up, double room) const {
+  constexpr double kFlat = 0.1;
+  double fitting = 1.0;
+  for (const double factor : {2.0, 5.0, 10.0, 20.0, 50.0, 100.0}) {
+    if (factor > chart_.mostEnlargement || up * factor > room) break;
+    if (factor > chart_.usualEnlargement && up * fitting >= kFlat * room) break;
+    fitting = factor;
+  }
+  return fitting;
 }
 
 QString ChartPainter::xText(double x, int decimals) const {
@@ -487,107 +574,102 @@ void ChartPainter::paintSeries(QPainter& painter, const QRect& plot, const view:
   }
 }
 
-// Texts stand where they cover neither each other nor a line; one that has no such place isn't written until there is
-// room, after zooming in.
+// Texts stand where they cover neither each other nor a line; a point's text that has no such place isn't written until
+// there is room, after zooming in.
 void ChartPainter::paintTexts(QPainter& painter, const QRect& plot, const view::Viewport& port) const {
   QFont small = font_;
   small.setPixelSize(std::max(font_.pixelSize() - 1, 8));
-  const QFontMetricsF metrics(small);
   painter.save();
   painter.setFont(small);
-  const Box visible = port.visible();
-  const QRectF inside = QRectF(plot).adjusted(3.0, 3.0, -3.0, -3.0);
-  const auto toPoint = [&](Vec2 place) {
-    const Vec2 pixel = port.toPixels(place);
-    return QPointF(plot.left() + pixel.x, plot.top() + pixel.y);
-  };
-  const auto crossesLine = [&](const QRectF& area) {
-    const Vec2 lower = port.toDrawing({area.left() - plot.left(), area.bottom() - plot.top()});
-    const Vec2 upper = port.toDrawing({area.right() - plot.left(), area.top() - plot.top()});
-    const Box box{lower.x, lower.y, upper.x, upper.y};
-    return std::any_of(chart_.series.begin(), chart_.series.end(), [&](const ChartSeries& series) {
-      return series.isShown && !view::clipped(series.lines, box).empty();
-    });
-  };
-  std::vector<QRectF> taken;
-
+  TextRoom room(chart_, plot, port);
   for (const ChartSeries& series : chart_.series) {
     if (!series.isShown) continue;
-    for (const ChartMark& mark : series.marks) {
-      if (mark.text.isEmpty() || mark.place.x < visible.minX || mark.place.x > visible.maxX ||
-          mark.place.y < visible.minY || mark.place.y > visible.maxY)
-        continue;
-      const QPointF foot = toPoint(mark.place);
-      double width = 0.0;
-      for (const QString& line : mark.text) width = std::max(width, metrics.horizontalAdvance(line));
-      const double height = metrics.height() * static_cast<double>(mark.text.size());
-      std::optional<QRectF> place;
-      for (const bool above : {mark.isTextAbove, !mark.isTextAbove}) {
-        for (const double distance : {14.0, 26.0, 44.0, 70.0, 100.0}) {
-          for (const double aside : {0.0, -0.5, 0.5}) {
-            const double top = above ? foot.y() - distance - height : foot.y() + distance;
-            const QRectF area(foot.x() - width / 2 + aside * width - 3.0, top - 1.0, width + 6.0, height + 2.0);
-            if (place || !inside.contains(area) || overlapsAny(taken, area) || crossesLine(area)) continue;
-            place = area;
-          }
-        }
-      }
-      if (!place) continue;
-      taken.push_back(*place);
-      painter.setPen(QPen(look_.faintInk, 0.8));
-      const bool above = place->center().y() < foot.y();
-      painter.drawLine(QPointF(foot.x(), foot.y() + (above ? -kMarkRadius : kMarkRadius)),
-                       QPointF(std::clamp(foot.x(), place->left() + 2.0, place->right() - 2.0),
-                               above ? place->bottom() : place->top()));
-      painter.setPen(look_.ink);
-      double base = place->top() + 1.0 + metrics.ascent();
-      for (const QString& line : mark.text) {
-        painter.drawText(QPointF(place->center().x() - metrics.horizontalAdvance(line) / 2, base), line);
-        base += metrics.height();
-      }
-    }
+    for (const ChartMark& mark : series.marks)
+      if (!mark.text.isEmpty() && room.isVisible(mark.place)) paintMarkText(painter, mark, room);
   }
-
   for (const ChartSeries& series : chart_.series) {
     if (!series.isShown) continue;
-    for (const ChartNote& note : series.notes) {
-      const view::Lines part = view::clipped({{note.start, note.end}}, visible);
-      if (part.empty() || part.front().size() < 2) continue;
-      const QPointF from = toPoint(part.front().front());
-      const QPointF to = toPoint(part.front().back());
-      const double run = std::hypot(to.x() - from.x(), to.y() - from.y());
-      const double width = metrics.horizontalAdvance(note.text);
-      if (width + 2 * kRoom > run) continue;
-      const double angle = std::atan2(to.y() - from.y(), to.x() - from.x());
-      const double half = width / 2;
-      const auto write = [&] {
-        for (const double share : {0.5, 0.35, 0.65, 0.2, 0.8}) {
-          if (std::min(share, 1.0 - share) * run < half + 2.0) continue;
-          for (const bool above : {true, false}) {
-            const QPointF middle = from + share * (to - from);
-            const double away = above ? -4.0 : 4.0 + metrics.ascent();
-            // The middle of the text, off the line.
-            const double aside = above ? away - metrics.ascent() / 2 : away - metrics.ascent() / 2 + 1.0;
-            const QPointF centre = middle + QPointF(-std::sin(angle) * aside, std::cos(angle) * aside);
-            const double boxWidth = std::abs(width * std::cos(angle)) + std::abs(metrics.height() * std::sin(angle));
-            const double boxHeight = std::abs(width * std::sin(angle)) + std::abs(metrics.height() * std::cos(angle));
-            const QRectF area(centre.x() - boxWidth / 2, centre.y() - boxHeight / 2, boxWidth, boxHeight);
-            if (!inside.contains(area) || overlapsAny(taken, area)) continue;
-            taken.push_back(area);
-            painter.save();
-            painter.translate(middle);
-            painter.rotate(angle * 180.0 / civil::kPi);
-            painter.setPen(look_.colourOf(series.pen));
-            painter.drawText(QPointF(-half, away), note.text);
-            painter.restore();
-            return;
-          }
-        }
-      };
-      write();
-    }
+    painter.setPen(look_.colourOf(series.pen));
+    for (const ChartNote& note : series.notes) paintNote(painter, note, room);
   }
   painter.restore();
+}
+
+void ChartPainter::paintMarkText(QPainter& painter, const ChartMark& mark, TextRoom& room) const {
+  const QFontMetricsF metrics(painter.font());
+  const QPointF foot = room.toPoint(mark.place);
+  double width = 0.0;
+  for (const QString& line : mark.text) width = std::max(width, metrics.horizontalAdvance(line));
+  const double height = metrics.height() * static_cast<double>(mark.text.size());
+  const auto findPlace = [&]() -> std::optional<QRectF> {
+    for (const bool above : {mark.isTextAbove, !mark.isTextAbove}) {
+      for (const double distance : {14.0, 26.0, 44.0, 70.0, 100.0}) {
+        for (const double aside : {0.0, -0.5, 0.5}) {
+          const double top = above ? foot.y() - distance - height : foot.y() + distance;
+          const QRectF area(foot.x() - width / 2 + aside * width - 3.0, top - 1.0, width + 6.0, height + 2.0);
+          if (room.isFree(area) && !room.crossesLine(area)) return area;
+        }
+      }
+    }
+    return {};
+  };
+  const auto place = findPlace();
+  if (!place) return;
+  room.take(*place);
+  painter.setPen(QPen(look_.faintInk, 0.8));
+  const bool above = place->center().y() < foot.y();
+  painter.drawLine(QPointF(foot.x(), foot.y() + (above ? -kMarkRadius : kMarkRadius)),
+                   QPointF(foot.x(), above ? place->bottom() : place->top()));
+  painter.setPen(look_.ink);
+  double base = place->top() + 1.0 + metrics.ascent();
+  for (const QString& line : mark.text) {
+    painter.drawText(QPointF(place->center().x() - metrics.horizontalAdvance(line) / 2, base), line);
+    base += metrics.height();
+  }
+}
+
+void ChartPainter::paintNote(QPainter& painter, const ChartNote& note, TextRoom& room) const {
+  const QFontMetricsF metrics(painter.font());
+  const view::Lines part = view::clipped({{note.start, note.end}}, room.visible());
+  if (part.empty() || part.front().size() < 2) return;
+  const QPointF from = room.toPoint(part.front().front());
+  const QPointF to = room.toPoint(part.front().back());
+  const double run = std::hypot(to.x() - from.x(), to.y() - from.y());
+  const double width = metrics.horizontalAdvance(note.text);
+  const double angle = std::atan2(to.y() - from.y(), to.x() - from.x());
+  const QPointF along(std::cos(angle), std::sin(angle));
+  const QPointF across(-std::sin(angle), std::cos(angle));
+  const double size = metrics.ascent();
+  constexpr double kOff = 4.0;
+  const auto crossesLine = [&](QPointF centre) {
+    // In pieces, since the line below is as slanted as the text.
+    const double half = size / 2 - 1.0;
+    for (double at = -width / 2 + half; at <= width / 2; at += half) {
+      const QPointF piece = centre + at * along;
+      if (room.crossesLine(QRectF(piece - QPointF(half, half), QSizeF(2 * half, 2 * half)))) return true;
+    }
+    return false;
+  };
+  for (const bool mayCross : {false, true}) {
+    for (const double share : {0.5, 0.35, 0.65, 0.2, 0.8}) {
+      if (std::min(share, 1.0 - share) * run < width / 2 + 2.0) continue;
+      for (const bool above : {true, false}) {
+        const double away = above ? -kOff : kOff + size;  // of the text's foot from the line
+        const QPointF centre = from + share * (to - from) + (away - size / 2) * across;
+        const double boxWidth = width * std::abs(along.x()) + size * std::abs(along.y());
+        const double boxHeight = width * std::abs(along.y()) + size * std::abs(along.x());
+        const QRectF area(centre - QPointF(boxWidth / 2, boxHeight / 2), QSizeF(boxWidth, boxHeight));
+        if (!room.isFree(area) || (!mayCross && crossesLine(centre))) continue;
+        room.take(area);
+        painter.save();
+        painter.translate(from + share * (to - from));
+        painter.rotate(angle * 180.0 / civil::kPi);
+        painter.drawText(QPointF(-width / 2, away), note.text);
+        painter.restore();
+        return;
+      }
+    }
+  }
 }
 
 void ChartPainter::paintSample(QPainter& painter, const QRectF& area, const ChartPen& pen) const {

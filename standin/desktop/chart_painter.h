@@ -44,9 +44,12 @@ class ChartPainter {
 
   /// Where the lines are drawn within `area`; the axes and the band stand around it. Whole units.
   [[nodiscard]] QRect plotArea(const QRectF& area) const;
-  /// The viewport that shows everything in the plot area. An `exaggeration` of 0 takes the largest usual one with which
-  /// all still has room across.
+  /// The viewport that shows everything in the plot area. An `exaggeration` of 0 takes the one of `enlargement`.
   [[nodiscard]] view::Viewport viewportFor(const QRectF& area, double exaggeration) const;
+  /// How many times to enlarge heights automatically: those of the lines are `up` high without, and have `room`.
+  [[nodiscard]] double enlargement(double up, double room) const;
+  /// The part of the plot's height that the lines may take, which leaves room for their texts.
+  [[nodiscard]] double heightShare() const;
   void paint(QPainter& painter, const QRectF& area, const view::Viewport& port, int highlighted = -1) const;
   /// One line of the legend: a piece of the line as it is drawn, in the middle of `area`.
   void paintSample(QPainter& painter, const QRectF& area, const ChartPen& pen) const;
@@ -77,6 +80,9 @@ class ChartPainter {
   void paintBand(QPainter& painter, const QRect& plot, const view::Viewport& port) const;
   void paintSeries(QPainter& painter, const QRect& plot, const view::Viewport& port, const ChartSeries& series,
                    bool isHighlighted) const;
+  class TextRoom;
+  void paintMarkText(QPainter& painter, const ChartMark& mark, TextRoom& room) const;
+  void paintNote(QPainter& painter, const ChartNote& note, TextRoom& room) const;
   void paintTexts(QPainter& painter, const QRect& plot, const view::Viewport& port) const;
   void paintTag(QPainter& painter, const QRectF& tag, const QString& text) const;
   [[nodiscard]] QPen penOf(const ChartPen& pen) const;

@@ -550,7 +550,7 @@ QImage ChartView::picture() const {
 void ChartView::copyPicture() const { QApplication::clipboard()->setImage(picture()); }
 
 QByteArray ChartView::svgPage() const {
-  const ChartPage page(chart_, font(), canvas_->chosenExaggeration(), mostOnPaper());
+  const ChartPage page(chart_, font(), canvas_->chosenExaggeration());
   QByteArray bytes;
   QBuffer buffer(&bytes);
   QSvgGenerator generator;
@@ -571,7 +571,7 @@ QByteArray ChartView::svgPage() const {
 }
 
 QByteArray ChartView::pdfPage() const {
-  const ChartPage page(chart_, font(), canvas_->chosenExaggeration(), mostOnPaper());
+  const ChartPage page(chart_, font(), canvas_->chosenExaggeration());
   QByteArray bytes;
   QBuffer buffer(&bytes);
   buffer.open(QIODevice::WriteOnly);

@@ -84,8 +84,6 @@ class ChartView : public QWidget {
   virtual void seriesWanted(int index);
   /// "station-1020", without an ending; what an export is called at first.
   [[nodiscard]] virtual QString exportName() const = 0;
-  /// Heights are enlarged no further than this on paper while the choice is automatic.
-  [[nodiscard]] virtual double mostOnPaper() const { return 10.0; }
 
   /// A line whose look says that it is meant, by its index; -1 for none.
   void setHighlighted(int index);

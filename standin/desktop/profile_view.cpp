@@ -18,12 +18,12 @@ constexpr Qt::PenStyle kStyles[] = {Qt::SolidLine, Qt::DashLine, Qt::DashDotLine
 
 ChartPen designPen(std::size_t index) {
   constexpr int kColours[] = {1, 2, 7};
-  return {kColours[index % std::size(kColours)], kStyles[index % std::size(kStyles)], 2.4};
+  return {kColours[index % std::size(kColours)], kStyles[index % std::size(kStyles)], 2.6};
 }
 
 ChartPen groundPen(std::size_t index) {
   constexpr int kColours[] = {0, 3, 4, 5, 6};
-  return {kColours[index % std::size(kColours)], kStyles[index % std::size(kStyles)], 1.4};
+  return {kColours[index % std::size(kColours)], kStyles[index % std::size(kStyles)], 1.3};
 }
 
 QString gradeText(double grade) {

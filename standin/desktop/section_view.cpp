@@ -23,12 +23,12 @@ constexpr Qt::PenStyle kStyles[] = {Qt::SolidLine, Qt::DashLine, Qt::DotLine, Qt
 /// Corridors are thick, ground is thin; the next of a kind has another pattern.
 ChartPen corridorPen(std::size_t index) {
   constexpr int kColours[] = {1, 2, 7};
-  return {kColours[index % std::size(kColours)], kStyles[index % std::size(kStyles)], 2.4};
+  return {kColours[index % std::size(kColours)], kStyles[index % std::size(kStyles)], 2.6};
 }
 
 ChartPen groundPen(std::size_t index) {
   constexpr int kColours[] = {0, 3, 4, 5, 6};
-  return {kColours[index % std::size(kColours)], kStyles[index % std::size(kStyles)], 1.4};
+  return {kColours[index % std::size(kColours)], kStyles[index % std::size(kStyles)], 1.3};
 }
 
 QString joined(const std::vector<std::string>& codes) {
@@ -108,6 +108,9 @@ void SectionView::show(const civil::Drawing& drawing, civil::Handle sampleLine) 
   chart.fileName = QFileInfo(toQt(drawing.path)).fileName();
   chart.measure = ChartMeasure::Offset;
   chart.unit = unit;
+  // Slopes of a cross section are looked at; much enlarged they mislead.
+  chart.usualEnlargement = 5.0;
+  chart.mostEnlargement = 5.0;
   chart.unitMillimetres = unitMillimetres(drawing.linearUnit);
   chart.xTitle = tr("Offset [%1]").arg(unit);
   chart.yTitle = tr("Elevation [%1]").arg(unit);

@@ -31,8 +31,6 @@ class SectionView final : public ChartView {
   [[nodiscard]] QString readout(civil::Vec2 place) const override;
   [[nodiscard]] std::optional<Snap> snap(civil::Vec2 place, civil::Vec2 reach) const override;
   [[nodiscard]] QString exportName() const override;
-  /// Slopes of a cross section are looked at; much enlarged they mislead.
-  [[nodiscard]] double mostOnPaper() const override { return 5.0; }
 
  private:
   void go(int steps);

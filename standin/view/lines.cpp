@@ -33,6 +33,8 @@ bool cut(double start, double step, double least, double most, double& from, dou
   return from <= to;
 }
 
+bool isFinite(Vec2 p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+
 bool isInside(const Box& box, Vec2 p) {
   return p.x >= box.minX && p.x <= box.maxX && p.y >= box.minY && p.y <= box.maxY;
 }
@@ -40,6 +42,7 @@ bool isInside(const Box& box, Vec2 p) {
 }  // namespace
 
 void extend(Box& box, Vec2 place) {
+  if (!isFinite(place)) return;
   box.minX = std::min(box.minX, place.x);
   box.maxX = std::max(box.maxX, place.x);
   box.minY = std::min(box.minY, place.y);
@@ -102,7 +105,8 @@ Lines clipped(const Lines& lines, const Box& box) {
       const Vec2 step = line[i] - start;
       double from = 0.0;
       double to = 1.0;
-      if (!cut(start.x, step.x, box.minX, box.maxX, from, to) || !cut(start.y, step.y, box.minY, box.maxY, from, to)) {
+      if (!isFinite(start) || !isFinite(step) || !cut(start.x, step.x, box.minX, box.maxX, from, to) ||
+          !cut(start.y, step.y, box.minY, box.maxY, from, to)) {
         isOpen = false;
         continue;
       }

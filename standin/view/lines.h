@@ -14,6 +14,7 @@ namespace lvx::view {
 using Line = std::vector<civil::Vec2>;
 using Lines = std::vector<Line>;
 
+/// A place that isn't finite changes nothing.
 void extend(civil::Box& box, civil::Vec2 place);
 void extend(civil::Box& box, const Lines& lines);
 
@@ -30,7 +31,8 @@ struct NearPoint {
 /// The elevation at `x` on the straight between its neighbours, of the first line that has one. Empty in a gap.
 [[nodiscard]] std::optional<double> elevationAt(const Lines& lines, double x);
 
-/// The part within `box`, cut at its sides; lines that leave it and come back are in pieces.
+/// The part within `box`, cut at its sides; lines that leave it and come back are in pieces. Points that aren't finite are
+/// gaps.
 [[nodiscard]] Lines clipped(const Lines& lines, const civil::Box& box);
 
 }  // namespace lvx::view

@@ -1,5 +1,7 @@
 #include "view/lines.h"
 
+#include <limits>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -47,6 +49,14 @@ TEST(Lines, AreCutAtABoxAndGoOnWhereTheyComeBack) {
   EXPECT_THAT(clipped(lines, {0, 0, 10, 10}),
               ElementsAre(ElementsAre(Vec2{0, 5}, Vec2{5, 5}, Vec2{5, 10}), ElementsAre(Vec2{8, 10}, Vec2{8, 5})));
   EXPECT_THAT(clipped(lines, {20, 20, 30, 30}), IsEmpty());
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double infinity = std::numeric_limits<double>::infinity();
+  EXPECT_THAT(clipped({{{1, 1}, {2, 1}, {3, nan}, {4, 1}, {infinity, 1}, {5, 1}, {6, 1}}}, {0, 0, 10, 10}),
+              ElementsAre(ElementsAre(Vec2{1, 1}, Vec2{2, 1}), ElementsAre(Vec2{5, 1}, Vec2{6, 1})));
+  civil::Box box;
+  extend(box, Vec2{nan, 1});
+  extend(box, Vec2{1, infinity});
+  EXPECT_TRUE(box.isEmpty());
   EXPECT_THAT(clipped({{{3, 3}}, {{30, 3}}}, {0, 0, 10, 10}), ElementsAre(ElementsAre(Vec2{3, 3})));
 }
 
