@@ -41,6 +41,8 @@ constexpr int kUnitsAcross = 4;
 constexpr int kUnitsDown = 8;
 /// Pixels between a group's title and the line on both sides of it.
 constexpr int kTitleGap = 3;
+/// How much of the text's colour a group's frame has.
+constexpr float kFrameStrength = 0.28F;
 
 /// Without the marks of access keys.
 QString plainCaption(const QString& caption) {
@@ -97,15 +99,15 @@ class GroupFrame final : public QGroupBox {
  protected:
   void paintEvent(QPaintEvent*) override {
     QPainter painter(this);
-    QStyleOptionFrame frame;
-    frame.initFrom(this);
-    frame.lineWidth = 1;
     const QFontMetrics metrics(font());
-    frame.rect.setTop(metrics.height() / 2);
     const QRect text(titleInset(), 0, metrics.size(Qt::TextShowMnemonic, title()).width(), metrics.height());
     painter.save();
     if (!title().isEmpty()) painter.setClipRegion(QRegion(rect()) - text.adjusted(-kTitleGap, 0, kTitleGap, 0));
-    style()->drawPrimitive(QStyle::PE_FrameGroupBox, &frame, &painter, this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QColor line = palette().color(QPalette::WindowText);
+    line.setAlphaF(kFrameStrength);
+    painter.setPen(line);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5 + metrics.height() / 2, -0.5, -0.5), 2, 2);
     painter.restore();
     style()->drawItemText(&painter, text, Qt::AlignLeft | Qt::AlignTop | Qt::TextShowMnemonic, palette(), isEnabled(),
                           title(), QPalette::WindowText);
@@ -302,9 +304,7 @@ int TemplateDialog::runModal() {
     nameControls();
     focusFirst();
     exec();
-    // The application was told to quit below the dialog's feet.
-    if (!isOver()) reject();
-    if (!isOver()) closedWith_ = dialogs::kIdCancel;
+    cancelForGood();  // unless it is over: the application was told to quit while the dialog stood open
   }
   if (failure_) std::rethrow_exception(failure_);
   return closedWith_.value_or(dialogs::kIdCancel);
@@ -312,6 +312,13 @@ int TemplateDialog::runModal() {
 
 template <class Event>
 void TemplateDialog::dispatch(Event event) {
+  runEvent(event);
+  if (areModalWindowsRefused() && runningEvents_ == 0) cancelForGood();
+  closeWhenOver();
+}
+
+template <class Event>
+void TemplateDialog::runEvent(Event event) {
   ++runningEvents_;
   try {
     event();
@@ -319,18 +326,12 @@ void TemplateDialog::dispatch(Event event) {
     if (!failure_) failure_ = std::current_exception();
   }
   --runningEvents_;
-  if (areModalWindowsRefused() && runningEvents_ == 0 && !isOver()) {
-    // The program ends: whatever this dialog waits for, the answer is Cancel.
-    ++runningEvents_;
-    try {
-      behaviour_.onClick(*this, dialogs::kIdCancel);
-    } catch (...) {
-      failure_ = std::current_exception();
-    }
-    --runningEvents_;
-    if (!isOver()) closedWith_ = dialogs::kIdCancel;
-  }
-  closeWhenOver();
+}
+
+void TemplateDialog::cancelForGood() {
+  if (isOver()) return;
+  runEvent([this] { behaviour_.onClick(*this, dialogs::kIdCancel); });
+  if (!isOver()) closedWith_ = dialogs::kIdCancel;
 }
 
 void TemplateDialog::closeWhenOver() {
@@ -345,7 +346,11 @@ void TemplateDialog::end(int code) {
 void TemplateDialog::reject() {
   // Within an event the dialog waits for its answer and hears of the program's end when that has come.
   if (runningEvents_ > 0 || isOver()) return;
-  dispatch([this] { behaviour_.onClick(*this, dialogs::kIdCancel); });
+  if (areModalWindowsRefused())
+    cancelForGood();
+  else
+    runEvent([this] { behaviour_.onClick(*this, dialogs::kIdCancel); });
+  closeWhenOver();
 }
 
 void TemplateDialog::focusFirst() {

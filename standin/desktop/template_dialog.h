@@ -106,9 +106,14 @@ class TemplateDialog final : public QDialog, public dialogs::DialogWindow {
   void nameControls();
   [[nodiscard]] QString tipFor(const Control& control) const;
 
-  /// Runs an event of the behaviour; afterwards, where the dialog is over, the window closes.
+  /// Answers an event of the user's; afterwards, where the dialog is over, the window closes.
   template <class Event>
   void dispatch(Event event);
+  /// Keeps what the event raises for runModal().
+  template <class Event>
+  void runEvent(Event event);
+  /// Cancel, and the end whatever the behaviour makes of it.
+  void cancelForGood();
   void closeWhenOver();
   [[nodiscard]] bool isOver() const { return closedWith_.has_value() || failure_ != nullptr; }
 

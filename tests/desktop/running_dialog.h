@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QApplication>
-#include <QTimer>
+#include <QThread>
 #include <QWidget>
 #include <atomic>
 #include <exception>
@@ -56,10 +56,11 @@ class RunningDialog {
     window_ = found;
     return found;
   }
-  /// A control of the window, which must have come.
+  /// A control of the window, which must have come; on either thread.
   template <class Widget = QWidget>
   [[nodiscard]] Widget* control(int id) const {
-    return onGui([&] { return window_->findChild<Widget*>(QStringLiteral("control%1").arg(id)); });
+    const auto found = [&] { return window_->findChild<Widget*>(QStringLiteral("control%1").arg(id)); };
+    return QThread::currentThread() == QCoreApplication::instance()->thread() ? found() : onGui(found);
   }
   [[nodiscard]] bool isOver() const { return isOver_; }
   /// The code with which it closed; a number that no dialog has when it doesn't close in time.
