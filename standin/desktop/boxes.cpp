@@ -109,6 +109,7 @@ host::BoxAnswer showMessageBox(QWidget* parent, const QString& text, host::BoxBu
       break;
   }
   box.exec();
+  returnToOwner(owner);
   const QAbstractButton* clicked = box.clickedButton();
   if (clicked != nullptr && clicked == box.button(QMessageBox::Yes)) return host::BoxAnswer::Yes;
   if (clicked != nullptr && clicked == box.button(QMessageBox::Retry)) return host::BoxAnswer::Retry;
@@ -146,7 +147,9 @@ std::optional<QString> askSavePath(QWidget* parent, const QString& filter, std::
   box.setFileMode(QFileDialog::AnyFile);
   if (const QStringList filters = nameFilters(filter); !filters.isEmpty()) box.setNameFilters(filters);
   box.setDirectory(folder().isEmpty() || !QFileInfo(folder()).isDir() ? QDir::homePath() : folder());
-  if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
+  const bool accepted = box.exec() == QDialog::Accepted;
+  returnToOwner(owner);
+  if (!accepted || box.selectedFiles().isEmpty()) return std::nullopt;
   const QString chosen = box.selectedFiles().front();
   folder() = QFileInfo(chosen).absolutePath();
   return QDir::toNativeSeparators(chosen);

@@ -38,7 +38,10 @@ int QtDialogRunner::runModal(dialogs::DialogBehaviour& dialog, void* parent) {
   else if (below != nullptr)
     window.move(onScreen(middleOver(*below->window(), window), window));
   // The place is taken when the window closes, also where an exception closed it.
-  QObject::connect(&window, &QDialog::finished, &window, [this, &window, &name] { places_[name] = window.pos(); });
+  QObject::connect(&window, &QDialog::finished, &window, [this, &window, &name, below] {
+    places_[name] = window.pos();
+    returnToOwner(below);
+  });
   return window.runModal();
 }
 

@@ -36,4 +36,8 @@ QWidget* modalParent(QWidget* wanted) {
   return open != nullptr ? open : wanted;
 }
 
+void returnToOwner(QWidget* owner) {
+  if (owner != nullptr && owner->window()->isVisible() && !refused) owner->activateWindow();
+}
+
 }  // namespace lvx::desktop

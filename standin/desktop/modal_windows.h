@@ -17,5 +17,8 @@ void allowModalWindows();
 
 /// What a modal window has to stand over: the one that is open already, else `wanted`, else nothing.
 [[nodiscard]] QWidget* modalParent(QWidget* wanted);
+/// Gives `owner` the keyboard back once a modal window over it has closed. Window managers do it too, but lose their way
+/// when two close at once.
+void returnToOwner(QWidget* owner);
 
 }  // namespace lvx::desktop

@@ -14,6 +14,12 @@
 
 namespace lvx::test {
 
+/// Looks at windows from either thread: within waitFor() a test is on theirs already.
+template <class Work>
+auto look(Work work) -> decltype(work()) {
+  return QThread::currentThread() == QCoreApplication::instance()->thread() ? work() : onGui(work);
+}
+
 /// A dialog that runs on the thread of the windows, as a command runs it, while the test works it as its user. Whoever
 /// destroys it before the dialog is closed gives it up.
 ///
@@ -59,8 +65,7 @@ class RunningDialog {
   /// A control of the window, which must have come; on either thread.
   template <class Widget = QWidget>
   [[nodiscard]] Widget* control(int id) const {
-    const auto found = [&] { return window_->findChild<Widget*>(QStringLiteral("control%1").arg(id)); };
-    return QThread::currentThread() == QCoreApplication::instance()->thread() ? found() : onGui(found);
+    return look([&] { return window_->findChild<Widget*>(QStringLiteral("control%1").arg(id)); });
   }
   [[nodiscard]] bool isOver() const { return isOver_; }
   /// The code with which it closed; a number that no dialog has when it doesn't close in time.
