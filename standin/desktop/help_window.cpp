@@ -39,22 +39,21 @@ QString readText(const fs::path& file) {
   return source.open(QIODevice::ReadOnly) ? QString::fromUtf8(source.readAll()) : QString();
 }
 
-/// Looks of the pages by the colours of the window: the pages' own are made for paper.
+/// Looks of the pages by the colours of the window.
 QString pageStyle(const QPalette& palette) {
   const bool dark = palette.color(QPalette::Base).lightness() < 128;
   return QStringLiteral(
-             "body { margin: 12px; color: %1; }"
-             "h1, h2, h3 { color: %2; } h2 { margin-top: 18px; }"
-             "a { color: %3; }"
+             "h1, h2, h3 { color: %1; } h2 { margin-top: 18px; }"
+             "a { color: %2; }"
              "p, li { line-height: 130%; }"
-             "table { border-collapse: collapse; border-color: %4; margin-top: 6px; margin-bottom: 6px; }"
-             "th { background-color: %5; text-align: left; vertical-align: top; padding: 4px; }"
-             "td { vertical-align: top; padding: 4px; }"
-             "pre { font-family: monospace; font-size: x-small; background-color: %6; white-space: pre; }"
+             "table { border-collapse: collapse; border: 1px solid %3; margin-top: 6px; margin-bottom: 6px; }"
+             "th { background-color: %4; text-align: left; vertical-align: top; padding: 4px; border: 1px solid %3; }"
+             "td { vertical-align: top; padding: 4px; border: 1px solid %3; }"
+             "pre { font-family: monospace; font-size: x-small; background-color: %5; white-space: pre; }"
              "code { font-family: monospace; }"
-             ".navigation { color: %7; }"
-             ".mind { background-color: %8; }")
-      .arg(palette.color(QPalette::Text).name(), dark ? QStringLiteral("#8ab8e6") : QStringLiteral("#1f4e79"),
+             ".navigation { color: %6; }"
+             ".mind { background-color: %7; }")
+      .arg(dark ? QStringLiteral("#8ab8e6") : QStringLiteral("#1f4e79"),
            dark ? QStringLiteral("#7db4f0") : QStringLiteral("#0a58b0"),
            dark ? QStringLiteral("#5a5f66") : QStringLiteral("#b4bcc4"),
            dark ? QStringLiteral("#33414f") : QStringLiteral("#e4ecf4"),
@@ -68,11 +67,13 @@ QString pageStyle(const QPalette& palette) {
 /// Shows pages of one folder tree and reads nothing else.
 class HelpBrowser final : public QTextBrowser {
  public:
-  HelpBrowser(QString root, QWidget* parent) : QTextBrowser(parent), root_(std::move(root)) {}
+  HelpBrowser(QString root, QWidget* parent) : QTextBrowser(parent), root_(std::move(root)) {
+    document()->setDefaultStyleSheet(pageStyle(palette()));
+  }
 
   QVariant loadResource(int type, const QUrl& name) override {
     const QUrl whole = source().resolved(name);
-    if (type == QTextDocument::StyleSheetResource) return pageStyle(palette());
+    if (type == QTextDocument::StyleSheetResource) return {};  // the pages' own is for paper
     if (!isInside(whole)) return {};
     return QTextBrowser::loadResource(type, whole);
   }
@@ -81,6 +82,18 @@ class HelpBrowser final : public QTextBrowser {
     if (!url.isLocalFile()) return false;
     const QString file = QFileInfo(url.toLocalFile()).canonicalFilePath();
     return !root_.isEmpty() && file.startsWith(root_ + u'/');
+  }
+
+ protected:
+  void changeEvent(QEvent* event) override {
+    QTextBrowser::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange) return;
+    document()->setDefaultStyleSheet(pageStyle(palette()));
+    if (source().isEmpty()) return;
+    // The page takes its colours when it is read.
+    const int place = verticalScrollBar()->value();
+    reload();
+    verticalScrollBar()->setValue(place);
   }
 
  private:
@@ -95,6 +108,7 @@ HelpWindow::HelpWindow(fs::path helpFolder) : folder_(std::move(helpFolder)) {
   contents_ = new QListWidget;
   contents_->setObjectName(QStringLiteral("helpContents"));
   contents_->setAccessibleName(tr("Contents"));
+  contents_->setSpacing(2);
   notice_ = new QLabel;
   notice_->setObjectName(QStringLiteral("helpNotice"));
   notice_->setTextFormat(Qt::PlainText);
@@ -122,13 +136,13 @@ HelpWindow::HelpWindow(fs::path helpFolder) : folder_(std::move(helpFolder)) {
   split->addWidget(page);
   split->setStretchFactor(0, 0);
   split->setStretchFactor(1, 1);
-  split->setSizes({220, 680});
+  split->setSizes({220, 780});
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
   makeTools();
   layout->addWidget(split, 1);
-  resize(900, 700);
+  resize(1000, 740);
 
   connect(browser_, &QTextBrowser::anchorClicked, this, &HelpWindow::followLink);
   connect(browser_, &QTextBrowser::sourceChanged, this, &HelpWindow::pageChanged);
@@ -275,6 +289,7 @@ void HelpWindow::comeToFront() {
   show();
   raise();
   activateWindow();
+  browser_->setFocus(Qt::OtherFocusReason);  // keys scroll the page
 }
 
 void HelpWindow::open(const QUrl& page) {
@@ -330,15 +345,6 @@ void HelpWindow::find(bool backwards) {
   if (browser_->find(wanted, flags)) return;
   browser_->setTextCursor(before);
   findResult_->setText(tr("Not found"));
-}
-
-void HelpWindow::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
-  if (event->type() != QEvent::PaletteChange || browser_ == nullptr || browser_->source().isEmpty()) return;
-  // The page takes its colours when it is read.
-  const int place = browser_->verticalScrollBar()->value();
-  browser_->reload();
-  browser_->verticalScrollBar()->setValue(place);
 }
 
 void HelpWindow::keyPressEvent(QKeyEvent* event) {

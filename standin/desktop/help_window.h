@@ -33,7 +33,6 @@ class HelpWindow final : public QWidget {
   void showContents();
 
  protected:
-  void changeEvent(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 
  private:

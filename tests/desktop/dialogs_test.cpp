@@ -30,37 +30,11 @@
 #include "dialogs/picture.h"
 #include "report_dialogs.h"
 #include "running_dialog.h"
+#include "scheme_palettes.h"
 #include "support/run_program.h"
 
 namespace lvx::test {
 namespace {
-
-QPalette darkPalette() {
-  QPalette palette;
-  const QColor window(0x35, 0x37, 0x3a), base(0x25, 0x27, 0x2a), text(0xe6, 0xe6, 0xe6);
-  palette.setColor(QPalette::Window, window);
-  palette.setColor(QPalette::WindowText, text);
-  palette.setColor(QPalette::Base, base);
-  palette.setColor(QPalette::AlternateBase, window);
-  palette.setColor(QPalette::ToolTipBase, base);
-  palette.setColor(QPalette::ToolTipText, text);
-  palette.setColor(QPalette::Text, text);
-  palette.setColor(QPalette::Button, QColor(0x43, 0x46, 0x4a));
-  palette.setColor(QPalette::ButtonText, text);
-  palette.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xb5));
-  palette.setColor(QPalette::HighlightedText, Qt::white);
-  palette.setColor(QPalette::PlaceholderText, QColor(0x9a, 0x9a, 0x9a));
-  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-    palette.setColor(QPalette::Disabled, role, QColor(0x85, 0x87, 0x8a));
-  return palette;
-}
-
-void useScheme(bool dark) {
-  onGui([&] {
-    QApplication::setStyle(QStringLiteral("fusion"));
-    QApplication::setPalette(dark ? darkPalette() : QPalette());
-  });
-}
 
 /// The four dialogs over one drawing.
 struct Dialogs {
