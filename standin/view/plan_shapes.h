@@ -26,6 +26,7 @@ class KindSet {
   constexpr KindSet(std::initializer_list<civil::ObjectKind> kinds) {
     for (const civil::ObjectKind kind : kinds) bits_ |= bitOf(kind);
   }
+  constexpr void add(civil::ObjectKind kind) { bits_ |= bitOf(kind); }
   [[nodiscard]] constexpr bool has(civil::ObjectKind kind) const { return bits_ == 0 || (bits_ & bitOf(kind)) != 0; }
   bool operator==(const KindSet&) const = default;
 

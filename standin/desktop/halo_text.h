@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QCache>
+#include <QColor>
+#include <QFont>
+#include <QHash>
+#include <QImage>
+#include <QPointF>
+#include <QSizeF>
+#include <QString>
+
+class QPainter;
+
+namespace lvx::desktop {
+
+/// Small texts with a halo in the colour of the ground, so that they can be read over lines and shading. Each is drawn
+/// once and kept as an image: hundreds of labels in a moving plan cost little more than copying them.
+class HaloText {
+ public:
+  struct Style {
+    QFont font;
+    QColor colour;
+    QColor halo;
+  };
+
+  /// Without the halo, in logical pixels.
+  [[nodiscard]] QSizeF sizeOf(const QString& text, const QFont& font);
+  /// Centred on `centre`, turned clockwise by `degrees`, on whole pixels of the device.
+  void draw(QPainter& painter, QPointF centre, const QString& text, const Style& style, double degrees = 0.0);
+  void clear();
+
+ private:
+  static constexpr int kMostKilobytes = 24'576;
+
+  [[nodiscard]] static QImage render(const QString& text, const Style& style, double degrees, double pixelRatio);
+
+  QHash<QString, QSizeF> sizes_;
+  QCache<QString, QImage> images_{kMostKilobytes};
+};
+
+}  // namespace lvx::desktop
