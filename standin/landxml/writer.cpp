@@ -34,8 +34,8 @@ class SourceBytes : public ByteSource {
 
 }  // namespace
 
-void saveDrawing(civil::Drawing& drawing, const std::string& sourcePath, const std::string& targetPath,
-                 const SaveOptions& options) {
+civil::FileMark saveDrawing(civil::Drawing& drawing, const std::string& sourcePath, const std::string& targetPath,
+                            const SaveOptions& options) {
   const SourceFile source(sourcePath);
   const auto report = [&](std::uint64_t bytesDone) {
     if (options.progress && !options.progress({bytesDone, 2 * source.size()})) failSaving("cancelled", targetPath);
@@ -67,13 +67,14 @@ void saveDrawing(civil::Drawing& drawing, const std::string& sourcePath, const s
   writeChanges(drawing, stored, trace, editor, targetPath);
 
   const bool isOwnFile = SafeFile::leadsTo(targetPath, source.identity());
-  if (editor.isUnchanged() && isOwnFile) return;
+  if (editor.isUnchanged() && isOwnFile) return read;
   SafeFile target(targetPath);
   ContentHash copied;
   editor.write(target, copied, [&](std::uint64_t done) { report(source.size() + done); });
   if (copied.mark() != read) failSaving(changed, sourcePath);
   target.replace();
   if (isOwnFile && drawing.file.isKnown) drawing.file = target.mark();
+  return target.mark();
 }
 
 }  // namespace lvx::landxml

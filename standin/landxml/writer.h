@@ -39,8 +39,10 @@ struct SaveOptions {
 /// bytes a character other than UTF-8 (and the drawing was changed); the target is no regular file, is read-only or can't
 /// be written; cancelled. The drawing takes note of its new file when source and target are one.
 ///
+/// Gives what the target holds now, for a drawing that goes on living there.
+///
 /// Memory beside the drawing: the source without the points and faces of its surfaces, as a tree.
-void saveDrawing(civil::Drawing& drawing, const std::string& sourcePath, const std::string& targetPath,
-                 const SaveOptions& options = {});
+civil::FileMark saveDrawing(civil::Drawing& drawing, const std::string& sourcePath, const std::string& targetPath,
+                            const SaveOptions& options = {});
 
 }  // namespace lvx::landxml

@@ -29,8 +29,13 @@ StandinHost::~StandinHost() {
 
 void StandinHost::open(civil::Drawing drawing) {
   close();
-  const host::CString fileName = platform::fromUtf8(drawing.path);
-  drawing_ = std::make_shared<OpenDrawing>(std::move(drawing));
+  open(std::make_shared<OpenDrawing>(std::move(drawing)));
+}
+
+void StandinHost::open(OpenDrawingRef drawing) {
+  close();
+  const host::CString fileName = platform::fromUtf8(drawing->drawing().path);
+  drawing_ = std::move(drawing);
   drawing_->isInterrupted = options_.isInterrupted;
   drawing_->startProgress = options_.startProgress;
   activeDrawing_->drawing = drawing_;

@@ -51,6 +51,8 @@ class StandinHost final : public host::Host, public CompanionAccess {
 
   /// Opens a drawing as the current document; one that was open is closed first.
   void open(civil::Drawing drawing);
+  /// The same for one whose look-ups were built elsewhere, in a thread that reads drawings.
+  void open(OpenDrawingRef drawing);
   void close();
   /// Loads a module into this host and tells it of the open drawing. It must go before the host does. Throws ModuleError.
   [[nodiscard]] LoadedModule loadModule(const std::filesystem::path& file);
