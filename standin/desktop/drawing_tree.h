@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QAbstractItemModel>
+#include <QWidget>
+#include <memory>
+#include <vector>
+
+#include "civil/drawing.h"
+
+class QLineEdit;
+class QTreeView;
+
+namespace lvx::desktop {
+
+/// The drawing's objects as a tree: sites, alignments with their profiles and sample line groups, the alignments without a
+/// site, surfaces, point groups, corridors with their baselines. Rows come into being when somebody looks at them, so a
+/// group of 10,000 lines costs nothing until it is opened. Points into the drawing.
+class DrawingTreeModel : public QAbstractItemModel {
+  Q_OBJECT
+ public:
+  /// The object; whether something that the filter found stands below.
+  enum Role { HandleRole = Qt::UserRole, LeadsOnRole };
+
+  explicit DrawingTreeModel(QObject* parent = nullptr);
+  ~DrawingTreeModel() override;
+
+  /// Null: nothing.
+  void setDrawing(const civil::Drawing* drawing);
+  /// Leaves the objects whose name contains `text` in any case, with what they stand in; empty: all.
+  void setFilter(const QString& text);
+  /// How many objects the filter leaves, up to what is shown.
+  [[nodiscard]] std::size_t found() const { return found_; }
+  /// The row of an object; invalid where it isn't in the tree.
+  [[nodiscard]] QModelIndex indexOf(civil::Handle handle) const;
+
+  [[nodiscard]] QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
+  [[nodiscard]] QModelIndex parent(const QModelIndex& index) const override;
+  [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] bool hasChildren(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+
+ private:
+  struct Node;
+  [[nodiscard]] Node* nodeOf(const QModelIndex& index) const;
+  void expand(Node& node) const;
+  bool keepMatches(Node& node, const QString& text);
+  void rebuild();
+
+  const civil::Drawing* drawing_ = nullptr;
+  QString filter_;
+  std::size_t found_ = 0;
+  std::unique_ptr<Node> root_;
+};
+
+/// The tree with its find box.
+class DrawingTree : public QWidget {
+  Q_OBJECT
+ public:
+  explicit DrawingTree(QWidget* parent = nullptr);
+
+  void setDrawing(const civil::Drawing* drawing);
+  /// Shows where an object stands, without telling that it was selected.
+  void reveal(civil::Handle handle);
+  void focusFind();
+
+ Q_SIGNALS:
+  /// The user moved to a row, by mouse or keyboard; 0 for one that isn't an object.
+  void selected(quint64 handle);
+  /// The user clicked a row, selected already or not.
+  void clicked(quint64 handle);
+  /// Double click, or Enter.
+  void activated(quint64 handle);
+
+ protected:
+  bool eventFilter(QObject* target, QEvent* event) override;
+
+ private:
+  void filter(const QString& text);
+
+  QLineEdit* find_;
+  QTreeView* view_;
+  DrawingTreeModel* model_;
+  bool revealing_ = false;
+};
+
+}  // namespace lvx::desktop

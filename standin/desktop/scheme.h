@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+#include <cstdint>
+#include <optional>
+
+/// Light and dark: one drawn style with two palettes, the same on every desktop.
+namespace lvx::desktop {
+
+enum class Scheme : std::uint8_t { System, Light, Dark };
+
+/// Puts the style and the palette of `scheme` on the application; windows that stand follow at once. System: what the
+/// user's desktop shows.
+void applyScheme(Scheme scheme);
+/// Whether the application is dark now, whatever the reason.
+[[nodiscard]] bool isDark();
+
+/// "system", "light", "dark", as options and settings name them.
+[[nodiscard]] QString schemeName(Scheme scheme);
+[[nodiscard]] std::optional<Scheme> schemeOf(const QString& name);
+
+}  // namespace lvx::desktop
