@@ -1,0 +1,180 @@
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QLocale>
+#include <QTimer>
+#include <chrono>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+#include "desktop/desktop_options.h"
+#include "desktop/main_window.h"
+#include "desktop/qt_text.h"
+
+namespace lvx::desktop {
+namespace {
+
+constexpr int kDone = 0;
+constexpr int kNoDisplay = 1;
+constexpr int kUsage = 2;
+
+void say(const QString& sentence) { std::fprintf(stderr, "lvxhost-desktop: %s\n", sentence.toUtf8().constData()); }
+
+/// Ends the program with a sentence and an exit code.
+class Failure : public std::runtime_error {
+ public:
+  explicit Failure(const QString& sentence) : std::runtime_error(toUtf8(sentence)) {}
+};
+
+struct Started {
+  DesktopOptions options;
+  /// Help or version was asked for; its text.
+  QString answer;
+};
+
+Started parse(const QStringList& arguments) {
+  QCommandLineParser parser;
+  parser.setApplicationDescription(QStringLiteral(
+      "lvxhost-desktop opens LandXML drawings in windows, shows them, and runs the road reports on them.\n\n"
+      "Example:\n"
+      "  lvxhost-desktop examples/valley-road.xml\n"
+      "      Reports > Profile projection, choose the alignment, its lines and the surface, name the\n"
+      "      output file, OK; the console lists what was written. F1 explains each report."));
+  const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help."));
+  const QCommandLineOption version(QStringLiteral("version"), QStringLiteral("Show the version."));
+  const QCommandLineOption language(
+      QStringLiteral("lang"),
+      QStringLiteral("Language of dialogs, reports and help: en or de (default: the system's)."),
+      QStringLiteral("LANGUAGE"));
+  const QCommandLineOption scheme(QStringLiteral("scheme"),
+                                  QStringLiteral("Colours: system, light or dark (default: as last chosen)."),
+                                  QStringLiteral("SCHEME"));
+  const QCommandLineOption messages(QStringLiteral("messages"),
+                                    QStringLiteral("Message file to use in place of the language's own."),
+                                    QStringLiteral("FILE"));
+  const QCommandLineOption module(QStringLiteral("module"),
+                                  QStringLiteral("Report module to load in place of the program's own."),
+                                  QStringLiteral("FILE"));
+  const QCommandLineOption release(
+      QStringLiteral("release"),
+      QStringLiteral("Host release that report headers show; empty for none (default: R24.3)."), QStringLiteral("TEXT"),
+      QStringLiteral("R24.3"));
+  const QCommandLineOption reportCodePage(
+      QStringLiteral("report-code-page"),
+      QStringLiteral("Single-byte code page of text and HTML reports, by its iconv name (default: U+0000 to U+00FF as "
+                     "bytes)."),
+      QStringLiteral("NAME"));
+  const QCommandLineOption messageCodePage(
+      QStringLiteral("message-code-page"),
+      QStringLiteral("Code page of message files, by its iconv name (default: WINDOWS-1252)."), QStringLiteral("NAME"),
+      QStringLiteral("WINDOWS-1252"));
+  parser.addOptions({help, version, language, scheme, messages, module, release, reportCodePage, messageCodePage});
+  parser.addPositionalArgument(QStringLiteral("DRAWING"), QStringLiteral("LandXML file to open."),
+                               QStringLiteral("[DRAWING]"));
+  if (!parser.parse(arguments)) throw Failure(parser.errorText() + QStringLiteral(" See --help."));
+
+  Started started;
+  if (parser.isSet(help)) started.answer = parser.helpText();
+  if (parser.isSet(version)) started.answer = QStringLiteral("lvxhost-desktop %1\n").arg(QLatin1String(LVX_VERSION));
+  DesktopOptions& options = started.options;
+  const QStringList drawings = parser.positionalArguments();
+  if (drawings.size() > 1)
+    throw Failure(QStringLiteral("one drawing can be opened, and %1 are named: %2. See --help.")
+                      .arg(drawings.size())
+                      .arg(drawings.join(QStringLiteral(", "))));
+  if (!drawings.isEmpty()) options.drawing = drawings.front();
+  if (parser.isSet(language)) {
+    options.choices.language = toUtf8(parser.value(language));
+    if (options.choices.language != "en" && options.choices.language != "de")
+      throw Failure(QStringLiteral("--lang is '%1'; there is en and de.").arg(parser.value(language)));
+  } else {
+    options.choices.language = QLocale::system().language() == QLocale::German ? "de" : "en";
+  }
+  if (parser.isSet(scheme)) {
+    options.scheme = schemeOf(parser.value(scheme));
+    if (!options.scheme)
+      throw Failure(QStringLiteral("--scheme is '%1'; there is system, light and dark.").arg(parser.value(scheme)));
+  }
+  options.choices.messages = toUtf8(parser.value(messages));
+  options.choices.module = toUtf8(parser.value(module));
+  options.choices.release = toUtf8(parser.value(release));
+  options.choices.reportCodePage = toUtf8(parser.value(reportCodePage));
+  options.choices.messageCodePage = toUtf8(parser.value(messageCodePage));
+  return started;
+}
+
+constexpr const char* kNoDisplayWords =
+    "there is no display to show windows on. Start it in a graphical session, or name one in DISPLAY; lvxhost makes "
+    "the "
+    "same reports without windows.";
+
+/// Qt ends a program that finds no display by an abort; its user gets a sentence in place of that.
+void onMessageWhileStarting(QtMsgType type, const QMessageLogContext&, const QString& text) {
+  if (type != QtFatalMsg) return;
+  say(QString::fromLatin1(kNoDisplayWords));
+  std::fprintf(stderr, "(%s)\n", text.simplified().toUtf8().constData());
+  std::fflush(stderr);
+  std::_Exit(kNoDisplay);
+}
+
+bool isSet(const char* variable) {
+  const char* const value = std::getenv(variable);
+  return value != nullptr && *value != '\0';
+}
+
+QStringList wordsOf(int argc, char** argv) {
+  QStringList words;
+  for (int index = 0; index < argc; ++index) words << QString::fromLocal8Bit(argv[index]);
+  return words;
+}
+
+int run(int argc, char** argv) {
+  const auto start = std::chrono::steady_clock::now();
+  Started started;
+  try {
+    started = parse(wordsOf(argc, argv));
+  } catch (const Failure& failure) {
+    say(QString::fromUtf8(failure.what()));
+    return kUsage;
+  }
+  if (!started.answer.isEmpty()) {
+    std::fputs(started.answer.toUtf8().constData(), stdout);
+    return std::fflush(stdout) == 0 ? kDone : kUsage;
+  }
+  if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("QT_QPA_PLATFORM")) {
+    say(QString::fromLatin1(kNoDisplayWords));
+    return kNoDisplay;
+  }
+
+  const QtMessageHandler former = qInstallMessageHandler(onMessageWhileStarting);
+  int qtArguments = 1;  // its own options are ours to name
+  QApplication application(qtArguments, argv);
+  qInstallMessageHandler(former);
+  // Qt takes the environment's locale; numbers stay as they are.
+  std::setlocale(LC_NUMERIC, "C");
+  QApplication::setApplicationName(QStringLiteral("lvxhost-desktop"));
+  QApplication::setApplicationVersion(QStringLiteral(LVX_VERSION));
+  QGuiApplication::setDesktopFileName(QStringLiteral("lvxhost-desktop"));
+  try {
+    MainWindow window(started.options);
+    if (isSet("LVXHOST_DESKTOP_TRACE_START"))
+      QObject::connect(&window, &MainWindow::drawingShown, &window, [start] {
+        const auto passed = std::chrono::steady_clock::now() - start;
+        std::fprintf(stderr, "lvxhost-desktop: the drawing is on the screen after %lld ms\n",
+                     static_cast<long long>(std::chrono::duration_cast<std::chrono::milliseconds>(passed).count()));
+      });
+    window.show();
+    return QApplication::exec();
+  } catch (const std::invalid_argument& error) {
+    say(QString::fromUtf8(error.what()));
+    return kUsage;
+  }
+}
+
+}  // namespace
+}  // namespace lvx::desktop
+
+int main(int argc, char** argv) { return lvx::desktop::run(argc, argv); }
