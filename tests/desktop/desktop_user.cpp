@@ -146,10 +146,15 @@ QWidget* DesktopUser::waitForActiveWindow(const QString& title, std::chrono::mil
 }
 
 void DesktopUser::settle() const {
+  // To the server and from there to the windows, whose answer (a popup that closes) is at the server before the next
+  // event is: a click must not meet a window that is on its way out. Reading a pixel is a question to the server on the
+  // windows' own connection.
+  const auto askServer = [] { QApplication::primaryScreen()->grabWindow(0, 0, 0, 1, 1); };
   XSync(devices_->display, False);
   std::this_thread::sleep_for(kPause);
+  onGui(askServer);
   onGui([] {});
-  onGui([] {});
+  onGui(askServer);
 }
 
 void DesktopUser::moveToGlobal(QPoint device) {

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QPointer>
 #include <QPushButton>
 #include <QStyle>
 #include <QToolTip>
@@ -148,13 +149,14 @@ struct Action {
   std::function<void(DesktopUser&, RunningDialog&)> done;
 };
 
-/// Opens a list by the mouse and chooses a row by the mouse.
+/// Opens a list by the mouse and chooses a row by the mouse, which may close the dialog.
 void chooseRow(DesktopUser& user, QComboBox* list, int row) {
+  const auto watched = onGui([&] { return QPointer<QComboBox>(list); });
   user.click(list);
   ASSERT_TRUE(user.waitFor([&] { return list->view()->isVisible(); }));
   const QPoint place = onGui([&] { return list->view()->visualRect(list->model()->index(row, 0)).center(); });
   user.click(onGui([&] { return list->view()->viewport(); }), place);
-  ASSERT_TRUE(user.waitFor([&] { return !list->view()->isVisible(); }));
+  ASSERT_TRUE(user.waitFor([&] { return !watched || !watched->view()->isVisible(); }));
 }
 
 std::vector<Action> actions() {
