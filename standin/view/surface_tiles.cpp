@@ -197,9 +197,11 @@ class Raster {
   /// A triangle smaller than a pixel takes part in the colour of that which holds its middle, whether it holds the
   /// pixel's centre or not: from afar a surface is the mean of its triangles and not a choice of them.
   void average(const std::array<Corner, 3>& corners, std::int64_t area, const Face& face) {
-    const std::int64_t x = (corners[0].x + corners[1].x + corners[2].x) / 3;
-    const std::int64_t y = (corners[0].y + corners[1].y + corners[2].y) / 3;
-    if (x < 0 || y < 0 || x >= kSub * width_ || y >= kSub * height_) return;
+    const std::int64_t sumX = corners[0].x + corners[1].x + corners[2].x;
+    const std::int64_t sumY = corners[0].y + corners[1].y + corners[2].y;
+    if (sumX < 0 || sumY < 0 || sumX >= 3 * kSub * width_ || sumY >= 3 * kSub * height_) return;
+    const std::int64_t x = sumX / 3;
+    const std::int64_t y = sumY / 3;
     const auto weight = static_cast<std::uint32_t>(std::max<std::int64_t>(area, 0) >> 7) + 1;
     gather(at(x >> kSubBits, y >> kSubBits), face.light, face.meanHeight, weight);
   }

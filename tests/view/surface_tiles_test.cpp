@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <random>
 #include <string>
 #include <thread>
 #include <utility>
@@ -12,6 +13,7 @@
 
 #include "civil/tin_surface.h"
 #include "gtest/gtest.h"
+#include "support/random_numbers.h"
 #include "view/surface_border.h"
 
 namespace lvx::view {
@@ -127,34 +129,64 @@ TEST(SurfaceTiles, GivesACentreOnAnEdgeToTheTriangleOnItsRightOrBelow) {
       EXPECT_EQ(has(x, y), x <= 1 && y <= 1) << x << ' ' << y;  // left and upper sides belong to it, the others don't
 }
 
+/// Each tile of the surface against the same pixels of one picture of all of them.
+void expectNoSeams(const TinSurface& surface, int level, const SurfaceLook& look) {
+  const SurfaceTiles tiles(surface);
+  const TileRange range = tiles.tilesIn(surface.box(), level);
+  const PixelArea whole{SurfaceTiles::scaleOf(level), range.left * kSize, range.top * kSize,
+                        static_cast<int>(range.right - range.left + 1) * kSize,
+                        static_cast<int>(range.bottom - range.top + 1) * kSize};
+  const auto picture = rendered(tiles, whole, look);
+  int ground = 0;
+  for (std::int64_t row = range.top; row <= range.bottom; ++row)
+    for (std::int64_t column = range.left; column <= range.right; ++column) {
+      const auto tile = tiles.render({level, column, row}, look);
+      ASSERT_TRUE(tile);
+      for (int y = 0; y < kSize; ++y)
+        for (int x = 0; x < kSize; ++x) {
+          const std::uint32_t expected = pixelAt(picture, whole, static_cast<int>(column - range.left) * kSize + x,
+                                                 static_cast<int>(row - range.top) * kSize + y);
+          const std::uint32_t pixel = tile->isEmpty() ? 0 : tile->pixels[static_cast<std::size_t>(y * kSize + x)];
+          if (pixel != expected) FAIL() << level << ": " << column << ' ' << row << ", " << x << ' ' << y;
+          ground += pixel != 0 ? 1 : 0;
+        }
+    }
+  EXPECT_GT(ground, 0);
+}
+
 TEST(SurfaceTiles, FitWithoutSeamIntoOneLargePicture) {
   const TinSurface surface =
       gridSurface(60, 40, 5, {2'600'000, 1'200'000}, [](int c, int r) { return c % 13 == 7 && r > 9; });
-  const SurfaceTiles tiles(surface);
   for (const int level : {-4, -2, 0, 1, 3})
-    for (const SurfaceStyle style : {SurfaceStyle::Relief, SurfaceStyle::Heights}) {
-      const SurfaceLook look{style, true, false};
-      const TileRange range = tiles.tilesIn(surface.box(), level);
-      const PixelArea whole{SurfaceTiles::scaleOf(level), range.left * kSize, range.top * kSize,
-                            static_cast<int>(range.right - range.left + 1) * kSize,
-                            static_cast<int>(range.bottom - range.top + 1) * kSize};
-      const auto picture = rendered(tiles, whole, look);
-      int ground = 0;
-      for (std::int64_t row = range.top; row <= range.bottom; ++row)
-        for (std::int64_t column = range.left; column <= range.right; ++column) {
-          const auto tile = tiles.render({level, column, row}, look);
-          ASSERT_TRUE(tile);
-          for (int y = 0; y < kSize; ++y)
-            for (int x = 0; x < kSize; ++x) {
-              const std::uint32_t expected = pixelAt(picture, whole, static_cast<int>(column - range.left) * kSize + x,
-                                                     static_cast<int>(row - range.top) * kSize + y);
-              const std::uint32_t pixel = tile->isEmpty() ? 0 : tile->pixels[static_cast<std::size_t>(y * kSize + x)];
-              ASSERT_EQ(pixel, expected) << level << ' ' << column << ' ' << row << ' ' << x << ' ' << y;
-              ground += pixel != 0 ? 1 : 0;
-            }
-        }
-      EXPECT_GT(ground, 0);
+    for (const SurfaceStyle style : {SurfaceStyle::Relief, SurfaceStyle::Heights})
+      expectNoSeams(surface, level, {style, true, false});
+}
+
+TEST(SurfaceTiles, FitWithoutSeamWhereTrianglesAreSmallerThanAPixel) {
+  auto random = test::seededByTestName();
+  std::uniform_real_distribution<double> any(-0.1, 0.1);
+  // A strip along the seam between the first two columns of tiles, across that of their rows.
+  constexpr int kColumns = 40;
+  constexpr int kRows = 1200;
+  constexpr double kCell = 0.25;
+  std::vector<Vec3> points;
+  std::vector<Triangle> triangles;
+  for (int r = 0; r <= kRows; ++r)
+    for (int c = 0; c <= kColumns; ++c)
+      points.push_back({kSize + kCell * (c - kColumns / 2) + any(random), kCell * r + any(random), 4 * any(random)});
+  for (int r = 0; r < kRows; ++r)
+    for (int c = 0; c < kColumns; ++c) {
+      const int a = r * (kColumns + 1) + c;
+      triangles.push_back({a, a + 1, a + kColumns + 2});
+      triangles.push_back({a, a + kColumns + 2, a + kColumns + 1});
     }
+  const auto corner = static_cast<std::int32_t>(points.size());
+  points.insert(points.end(), {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}});  // from where tiles are counted
+  triangles.push_back({corner, corner + 1, corner + 2});
+  const TinSurface surface(std::move(points), std::move(triangles));
+  ASSERT_EQ(SurfaceTiles(surface).origin().x, 0.0);
+  for (const SurfaceStyle style : {SurfaceStyle::Relief, SurfaceStyle::Heights})
+    expectNoSeams(surface, 0, {style, true, true});
 }
 
 TEST(SurfaceTiles, LeaveNoGapInGroundOfTrianglesSmallerThanAPixel) {
