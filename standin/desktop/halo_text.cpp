@@ -77,14 +77,7 @@ QImage HaloText::render(const QString& text, const Style& style, double degrees,
   outline.addText(baseline, style.font, text);
   painter.setPen(QPen(style.halo, kHaloWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
   painter.drawPath(outline);
-  if (degrees == 0.0) {
-    // Upright text as the rest of the desktop draws it, hinted.
-    painter.setFont(style.font);
-    painter.setPen(style.colour);
-    painter.drawText(baseline, text);
-  } else {
-    painter.fillPath(outline, style.colour);
-  }
+  painter.fillPath(outline, style.colour);
   return image;
 }
 

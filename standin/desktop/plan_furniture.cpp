@@ -23,6 +23,13 @@ QString stepText(double value, double step) {
   return QString::number(value, 'f', decimals);
 }
 
+/// As outlines, like the labels beside it: drawn as text, a font's letters would come out a little otherwise from then on.
+void drawOutlines(QPainter& painter, QPointF baseline, const QFont& font, const QString& text, const QColor& colour) {
+  QPainterPath outlines;
+  outlines.addText(baseline, font, text);
+  painter.fillPath(outlines, colour);
+}
+
 QColor veil(const PlanColours& colours) {
   QColor fill = colours.ground;
   fill.setAlpha(205);
@@ -75,7 +82,6 @@ std::vector<QRectF> PlanFurniture::places() const {
 void PlanFurniture::paint(QPainter& painter, const PlanColours& colours) const {
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setFont(font_);
   paintNorthArrow(painter, colours);
   paintScaleBar(painter, colours);
   if (heights_ != nullptr) paintLegend(painter, colours);
@@ -95,10 +101,10 @@ void PlanFurniture::paintNorthArrow(QPainter& painter, const PlanColours& colour
   painter.drawPolygon(QPolygonF({top, top + QPointF(8, 27), notch}));
   QFont bold = font_;
   bold.setBold(true);
-  painter.setFont(bold);
   //: North, above the arrow of a plan.
-  painter.drawText(QRectF(arrow_.left(), arrow_.top() + 2, arrow_.width(), 16), Qt::AlignCenter, tr("N"));
-  painter.setFont(font_);
+  const QString north = tr("N");
+  const double across = QFontMetricsF(bold).horizontalAdvance(north);
+  drawOutlines(painter, QPointF(arrow_.center().x() - across / 2, arrow_.top() + 15.0), bold, north, colours.text);
 }
 
 void PlanFurniture::paintScaleBar(QPainter& painter, const PlanColours& colours) const {
@@ -114,11 +120,11 @@ void PlanFurniture::paintScaleBar(QPainter& painter, const PlanColours& colours)
     painter.drawRect(QRectF(left + barPixels_ * field / 4, y, barPixels_ / 4, 5.0));
   }
   const double base = y - 5.0;
-  painter.drawText(QPointF(left - 1, base), QStringLiteral("0"));
+  drawOutlines(painter, QPointF(left - 1, base), font_, QStringLiteral("0"), colours.text);
   const QString end = stepText(barLength_, barLength_) + QLatin1Char(' ') + unit_;
   const QFontMetricsF metrics(font_);
-  painter.drawText(QPointF(left + barPixels_ - metrics.horizontalAdvance(stepText(barLength_, barLength_)) / 2, base),
-                   end);
+  const double half = metrics.horizontalAdvance(stepText(barLength_, barLength_)) / 2;
+  drawOutlines(painter, QPointF(left + barPixels_ - half, base), font_, end, colours.text);
 }
 
 void PlanFurniture::paintLegend(QPainter& painter, const PlanColours& colours) const {
@@ -126,9 +132,8 @@ void PlanFurniture::paintLegend(QPainter& painter, const PlanColours& colours) c
   painter.setPen(Qt::NoPen);
   painter.setBrush(veil(colours));
   painter.drawRoundedRect(legend_, 6, 6);
-  painter.setPen(colours.text);
-  painter.drawText(QPointF(legend_.left() + kPadding, legend_.top() + kPadding + metrics.ascent()),
-                   tr("Height") + QLatin1Char(' ') + unit_);
+  drawOutlines(painter, QPointF(legend_.left() + kPadding, legend_.top() + kPadding + metrics.ascent()), font_,
+               tr("Height") + QLatin1Char(' ') + unit_, colours.text);
   const QRectF ramp(legend_.left() + kPadding, legend_.top() + kPadding + 1.6 * metrics.height(), kRampWidth,
                     legend_.height() - 2 * kPadding - 1.6 * metrics.height());
   const double range = heights_->most - heights_->least;
@@ -146,7 +151,8 @@ void PlanFurniture::paintLegend(QPainter& painter, const PlanColours& colours) c
   const auto mark = [&](double height, double step) {
     const double y = ramp.bottom() - (range > 0.0 ? (height - heights_->least) / range : 0.5) * ramp.height();
     painter.drawLine(QPointF(ramp.right(), y), QPointF(ramp.right() + 4.0, y));
-    painter.drawText(QPointF(ramp.right() + 8.0, y + metrics.capHeight() / 2), stepText(height, step));
+    drawOutlines(painter, QPointF(ramp.right() + 8.0, y + metrics.capHeight() / 2), font_, stepText(height, step),
+                 colours.text);
   };
   if (range <= 0.0) {
     mark(heights_->least, 0.1);

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <numbers>
 #include <optional>
+#include <unordered_set>
 
 #include "desktop/plan_furniture.h"
 #include "desktop/qt_text.h"
@@ -29,9 +30,16 @@ namespace {
 
 /// Lines may be off by this much.
 constexpr double kLineTolerance = 0.2;
+/// Borders are ragged and long: more than this nobody sees of them.
+constexpr double kBorderTolerance = 0.6;
 /// Points that are drawn at most, and up to how many they have numbers.
 constexpr std::size_t kMostPoints = 8'000;
 constexpr std::size_t kMostPointLabels = 3'000;
+/// Points share cells of this size where there is no room for crosses and numbers: so many to a cell and they become
+/// dots, so many and they are crosses again; between them they stay as they were, so that nothing flickers.
+constexpr double kCrowdCell = 18.0;
+constexpr double kCrowdBegins = 1.7;
+constexpr double kCrowdEnds = 1.4;
 /// A selection larger than this is looked up among the points that show, not one by one.
 constexpr std::size_t kManySelected = 2'000;
 /// Tiles are enlarged by a sixth at most, which nobody sees, rather than drawn at up to four times the pixels.
@@ -46,9 +54,10 @@ QPointF point(Vec2 place) { return {place.x, place.y}; }
 
 double degreesOf(QPointF direction) {
   double degrees = std::atan2(direction.y(), direction.x()) * 180.0 / std::numbers::pi;
-  // Readable from below or from the right, as texts of plans are.
-  if (degrees >= 90.0 - 1e-6) degrees -= 180.0;
-  if (degrees < -90.0 - 1e-6) degrees += 180.0;
+  // Readable from below or from the right, as texts of plans are; a row of nearly upright ones doesn't turn about midway.
+  constexpr double kUpright = 75.0;
+  if (degrees >= kUpright) degrees -= 180.0;
+  if (degrees < kUpright - 180.0) degrees += 180.0;
   return degrees;
 }
 
@@ -56,6 +65,8 @@ QFont labelFont(const QFont& base, double factor, bool bold = false) {
   QFont font = base;
   font.setPixelSize(std::max(8, static_cast<int>(std::lround(QFontInfo(base).pixelSize() * factor))));
   font.setBold(bold);
+  // Turned letters can't be fitted to pixels; and fitted ones would be as wide as whoever asked first happened to see.
+  font.setHintingPreference(QFont::PreferNoHinting);
   return font;
 }
 
@@ -299,7 +310,7 @@ void PlanPainter::paintLines(QPainter& painter, const Frame& frame) {
   if (frame.look.border) {
     painter.setPen(roundPen(colours.border, 1.4));
     for (const view::SurfaceShape& shape : frame.scene.surfaces())
-      drawLines(painter, viewport, shape.border.lines(visible, tolerance));
+      drawLines(painter, viewport, shape.border.lines(visible, kBorderTolerance / viewport.scale()));
   }
   if (frame.look.corridors) {
     for (const view::CorridorShape& shape : frame.scene.corridors()) {
@@ -311,14 +322,18 @@ void PlanPainter::paintLines(QPainter& painter, const Frame& frame) {
     }
   }
   if (frame.look.sampleLines) {
-    painter.setPen(roundPen(colours.sampleLine, 1.1));
-    QPolygonF pixels;
+    QList<QLineF> pixels;
     for (const view::SampleLineShape& shape : frame.scene.sampleLines()) {
       if (!view::meet(shape.box, visible)) continue;
-      pixels.clear();
-      for (const Vec2 vertex : shape.line->vertices) pixels.push_back(point(viewport.toPixels(vertex)));
-      painter.drawPolyline(pixels);
+      const std::vector<Vec2>& vertices = shape.line->vertices;
+      for (std::size_t index = 1; index < vertices.size(); ++index)
+        pixels.push_back(
+            QLineF(point(viewport.toPixels(vertices[index - 1])), point(viewport.toPixels(vertices[index]))));
     }
+    painter.setPen(QPen(withAlpha(colours.ground, 110), 2.8, Qt::SolidLine, Qt::FlatCap));
+    painter.drawLines(pixels);
+    painter.setPen(QPen(colours.sampleLine, 1.1, Qt::SolidLine, Qt::FlatCap));
+    painter.drawLines(pixels);
   }
   if (!frame.look.alignments) return;
   for (const view::AlignmentShape& shape : frame.scene.alignments()) {
@@ -348,12 +363,14 @@ void PlanPainter::paintPoints(QPainter& painter, const Frame& frame) {
   if (!frame.look.points) return;
   const PlanColours& colours = planColours(frame.look.dark);
   points_ = frame.scene.visiblePoints(seen(frame.viewport), kMostPoints);
-  const bool crowded = points_.count > kMostPointLabels;
+  judgeCrowd(frame.viewport);
   const Stamp stamp(12.0, painter.device()->devicePixelRatioF(), [&](QPainter& mark) {
-    if (crowded) {
+    if (isCrowded_) {
       mark.setPen(Qt::NoPen);
+      mark.setBrush(withAlpha(colours.ground, 200));
+      mark.drawEllipse(QPointF(), 2.2, 2.2);
       mark.setBrush(colours.point);
-      mark.drawEllipse(QPointF(), 1.2, 1.2);
+      mark.drawEllipse(QPointF(), 1.3, 1.3);
       return;
     }
     for (const auto& [colour, width] :
@@ -365,6 +382,21 @@ void PlanPainter::paintPoints(QPainter& painter, const Frame& frame) {
   });
   for (const civil::Point* const shown : points_.points)
     stamp.at(painter, point(frame.viewport.toPixels({shown->position.x, shown->position.y})));
+}
+
+void PlanPainter::judgeCrowd(const Viewport& viewport) {
+  if (points_.points.empty()) return;
+  std::unordered_set<std::int64_t> cells;
+  for (const civil::Point* const one : points_.points) {
+    const Vec2 pixel = viewport.toPixels({one->position.x, one->position.y});
+    cells.insert(static_cast<std::int64_t>(std::floor(pixel.x / kCrowdCell)) * 100'000 +
+                 static_cast<std::int64_t>(std::floor(pixel.y / kCrowdCell)));
+  }
+  const double share = static_cast<double>(points_.points.size()) / static_cast<double>(cells.size());
+  if (points_.count > kMostPointLabels || share > kCrowdBegins)
+    isCrowded_ = true;
+  else if (share < kCrowdEnds)
+    isCrowded_ = false;
 }
 
 // ---------------------------------------------------------------- highlights
@@ -382,12 +414,10 @@ void PlanPainter::paintSelected(QPainter& painter, const Frame& frame) {
     mark.setBrush(withAlpha(colour, 90));
     mark.drawEllipse(QPointF(), 3.4, 3.4);
   });
-  const view::VisiblePoints shown =
-      frame.look.points ? std::move(points_) : frame.scene.visiblePoints(seen(frame.viewport), kMostPoints);
-  for (const civil::Point* const one : shown.points)
+  if (!frame.look.points) points_ = frame.scene.visiblePoints(seen(frame.viewport), kMostPoints);
+  for (const civil::Point* const one : points_.points)
     if (frame.selected->has(one->handle))
       stamp.at(painter, point(frame.viewport.toPixels({one->position.x, one->position.y})));
-  if (frame.look.points) points_ = shown;
 }
 
 void PlanPainter::paintHover(QPainter& painter, const Frame& frame, Handle handle) {
@@ -448,7 +478,7 @@ void PlanPainter::paintLabels(QPainter& painter, const Frame& frame, LabelPlacer
     for (const view::AlignmentShape& shape : frame.scene.alignments())
       if (view::meet(shape.box, frame.viewport.visible())) labelAlignment(painter, frame, shape, placer);
   if (frame.look.sampleLines) labelSampleLines(painter, frame, placer);
-  if (frame.look.points && points_.count <= kMostPointLabels) labelPoints(painter, frame, placer);
+  if (frame.look.points && !isCrowded_) labelPoints(painter, frame, placer);
 }
 
 void PlanPainter::labelAlignment(QPainter& painter, const Frame& frame, const view::AlignmentShape& shape,

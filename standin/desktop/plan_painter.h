@@ -65,6 +65,7 @@ class PlanPainter {
   void paintLines(QPainter& painter, const Frame& frame);
   void paintSelected(QPainter& painter, const Frame& frame);
   void paintPoints(QPainter& painter, const Frame& frame);
+  void judgeCrowd(const view::Viewport& viewport);
   void paintLabels(QPainter& painter, const Frame& frame, LabelPlacer& placer);
   void labelAlignment(QPainter& painter, const Frame& frame, const view::AlignmentShape& shape, LabelPlacer& placer);
   void labelSampleLines(QPainter& painter, const Frame& frame, LabelPlacer& placer);
@@ -76,7 +77,9 @@ class PlanPainter {
   /// Where the objects of the scene stand in its lists; points aren't among them.
   std::unordered_map<civil::Handle, Place> places_;
   const view::PlanScene* known_ = nullptr;
+  /// Those of this frame.
   view::VisiblePoints points_;
+  bool isCrowded_ = false;
 };
 
 }  // namespace lvx::desktop

@@ -75,6 +75,27 @@ bool isManaged(const std::string& display) {
   return count == 1;
 }
 
+/// Whether a window that opens now gets the keyboard. A manager says that it is there before it looks after new windows:
+/// one that opens meanwhile is taken for an old one, which never gets it.
+bool givesFocus(const std::string& display) {
+  Display* const connection = XOpenDisplay(display.c_str());
+  if (connection == nullptr) return false;
+  const Window window = XCreateSimpleWindow(connection, DefaultRootWindow(connection), 0, 0, 50, 50, 0, 0, 0);
+  XMapWindow(connection, window);
+  bool hasFocus = false;
+  for (int tries = 0; tries < 100 && !hasFocus; ++tries) {
+    XSync(connection, False);
+    Window focused = None;
+    int revert = 0;
+    XGetInputFocus(connection, &focused, &revert);
+    hasFocus = focused == window;
+    if (!hasFocus) usleep(10'000);
+  }
+  XDestroyWindow(connection, window);
+  XCloseDisplay(connection);
+  return hasFocus;
+}
+
 }  // namespace
 
 VirtualDisplay::VirtualDisplay(const std::string& size) {
@@ -94,7 +115,9 @@ VirtualDisplay::VirtualDisplay(const std::string& size) {
   setenv("DISPLAY", name_.c_str(), 1);
   manager_ = start({"openbox", "--sm-disable", "--config-file", LVX_SOURCE_DIR "/tests/desktop/openbox.xml"});
   for (int tries = 0; tries < 1000 && !isManaged(name_); ++tries) usleep(10'000);
-  if (!isManaged(name_)) {
+  bool isReady = false;
+  for (int tries = 0; tries < 20 && !isReady && isManaged(name_); ++tries) isReady = givesFocus(name_);
+  if (!isReady) {
     stop(manager_);
     stop(server_);
     throw std::runtime_error("openbox didn't start; is the package openbox there?");
