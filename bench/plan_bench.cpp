@@ -4,17 +4,16 @@
 //   bench_plan triangles=200000 points=100000 pictures=FOLDER
 //
 // Tiles are checked against one large picture before anything is timed. `pictures` keeps the frames as PPM files. Prints
-// a table for each size.
+// a table for each size; all times are processor time of one thread.
 
 #include <algorithm>
-#include <charconv>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <ctime>
 #include <fstream>
 #include <memory>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -22,6 +21,7 @@
 
 #include "generator/scaled_drawing.h"
 #include "landxml/reader.h"
+#include "measuring.h"
 #include "view/plan_scene.h"
 #include "view/viewport.h"
 
@@ -29,32 +29,66 @@ namespace {
 
 using lvx::civil::Box;
 using lvx::civil::Drawing;
+using lvx::civil::TinSurface;
+using lvx::civil::Triangle;
 using lvx::civil::Vec2;
+using lvx::civil::Vec3;
 using namespace lvx::view;
-using Clock = std::chrono::steady_clock;
 
-double millisecondsSince(Clock::time_point start) {
-  return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+/// Processor time: one thread draws, and other programs on the machine shouldn't count.
+class Clock {
+ public:
+  [[nodiscard]] double milliseconds() const {
+    return 1000.0 * static_cast<double>(std::clock() - start_) / CLOCKS_PER_SEC;
+  }
+
+ private:
+  std::clock_t start_ = std::clock();
+};
+
+/// Hills that fill a window: points on a jittered grid of 3 metres.
+TinSurface hills(std::size_t triangles) {
+  std::mt19937_64 random(5);
+  const auto noise = [&] { return static_cast<double>(random() >> 11) * 0x1p-53 - 0.5; };
+  constexpr double kCell = 3.0;
+  const auto rows = static_cast<std::size_t>(std::sqrt(static_cast<double>(triangles) / 2.0 / 1.6));
+  const std::size_t columns = triangles / 2 / std::max<std::size_t>(rows, 1);
+  std::vector<Vec3> points;
+  std::vector<Triangle> faces;
+  for (std::size_t r = 0; r <= rows; ++r)
+    for (std::size_t c = 0; c <= columns; ++c) {
+      const double x = kCell * (static_cast<double>(c) + 0.7 * noise());
+      const double y = kCell * (static_cast<double>(r) + 0.7 * noise());
+      const double height = 60 * std::sin(x / 610) * std::cos(y / 430) + 12 * std::sin(x / 130 + y / 170) +
+                            3 * std::sin(x / 31) * std::sin(y / 27) + 0.2 * noise();
+      points.push_back({2'600'000 + x, 1'200'000 + y, 430 + height});
+    }
+  for (std::size_t r = 0; r < rows; ++r)
+    for (std::size_t c = 0; c < columns; ++c) {
+      const auto a = static_cast<std::int32_t>(r * (columns + 1) + c);
+      const auto d = static_cast<std::int32_t>(a + static_cast<std::int32_t>(columns) + 1);
+      faces.push_back({a, a + 1, d + 1});
+      faces.push_back({a, d + 1, d});
+    }
+  return {std::move(points), std::move(faces)};
 }
 
-std::string processorName() {
-  std::ifstream in("/proc/cpuinfo");
-  for (std::string line; std::getline(in, line);)
-    if (line.rfind("model name", 0) == 0) return line.substr(std::min(line.find(':') + 2, line.size()));
-  return "unknown processor";
-}
-
-Drawing drawingOf(std::uint64_t triangles, std::uint32_t points) {
+/// A road with all that lies along it, and the hills as its last surface.
+Drawing drawingOf(std::size_t triangles, std::uint32_t points) {
   lvx::generator::TextOutput text;
   lvx::generator::DrawingSize size;
-  size.triangles = triangles;
   size.points = points;
   size.elements = 300;
   size.sampleLines = 700;
   size.corridorSections = 1000;
   writeScaledDrawing(text, size);
-  return lvx::landxml::readDrawingText(text.text(), "bench");
+  Drawing drawing = lvx::landxml::readDrawingText(text.text(), "bench");
+  drawing.surfaces.push_back({~lvx::civil::Handle{}, "Hills", "", hills(triangles)});
+  return drawing;
 }
+
+/// As the window does it: tiles are enlarged by a sixth at most.
+int levelOf(const Viewport& port) { return SurfaceTiles::levelFor(0.84 * port.scale()); }
 
 /// A window's worth of tiles, drawn one after the other as the render thread of a window does.
 struct Frame {
@@ -71,24 +105,24 @@ struct Drawn {
 
 Drawn drawTiles(const SurfaceTiles& tiles, const Frame& frame, const SurfaceLook& look, TileCache* cache) {
   Drawn drawn;
-  const int level = SurfaceTiles::levelFor(frame.port.scale());
+  const int level = levelOf(frame.port);
   const TileRange range = tiles.tilesIn(frame.port.visible(), level);
-  const auto start = Clock::now();
+  const Clock start;
   for (std::int64_t row = range.top; row <= range.bottom; ++row)
     for (std::int64_t column = range.left; column <= range.right; ++column) {
-      const auto tileStart = Clock::now();
+      const Clock tileStart;
       const TileAddress address{level, column, row};
       const auto tile = tiles.render(address, look);
       if (cache) cache->insert({0, address, look}, tile);
-      drawn.slowest = std::max(drawn.slowest, millisecondsSince(tileStart));
+      drawn.slowest = std::max(drawn.slowest, tileStart.milliseconds());
       ++drawn.tiles;
     }
-  drawn.milliseconds = millisecondsSince(start);
+  drawn.milliseconds = start.milliseconds();
   return drawn;
 }
 
 void checkTiles(const SurfaceTiles& tiles, const Frame& frame, const SurfaceLook& look) {
-  const int level = SurfaceTiles::levelFor(frame.port.scale());
+  const int level = levelOf(frame.port);
   const TileRange range = tiles.tilesIn(frame.port.visible(), level);
   const PixelArea area{SurfaceTiles::scaleOf(level), range.left * Tile::kSize, range.top * Tile::kSize,
                        static_cast<int>(range.right - range.left + 1) * Tile::kSize,
@@ -127,18 +161,19 @@ void keepPicture(const SurfaceTiles& tiles, const Frame& frame, const SurfaceLoo
   if (!out.flush()) throw std::runtime_error("can't write " + path);
 }
 
-void measure(std::uint64_t triangles, std::uint32_t points, const std::string& pictures) {
+void measure(std::size_t triangles, std::uint32_t points, const std::string& pictures) {
   const Drawing drawing = drawingOf(triangles, points);
-  const auto start = Clock::now();
+  const Clock start;
   const PlanScene scene(drawing);
-  const double built = millisecondsSince(start);
-  const SurfaceTiles& tiles = *scene.surfaces()[0].tiles;
-  const std::size_t count = drawing.surfaces[0].surface.counts().triangles;
+  const double built = start.milliseconds();
+  const SurfaceShape& shown = scene.surfaces().back();
+  const SurfaceTiles& tiles = *shown.tiles;
+  const std::size_t count = drawing.surfaces.back().surface.counts().triangles;
   std::printf("\n%zu triangles, %zu points: scene in %.0f ms, %.2f MB (%.2f bytes a triangle for the surface)\n", count,
               drawing.points.size(), built, static_cast<double>(scene.bytes()) / 1e6,
-              static_cast<double>(tiles.bytes() + scene.surfaces()[0].border.bytes()) / static_cast<double>(count));
+              static_cast<double>(tiles.bytes() + shown.border.bytes()) / static_cast<double>(count));
 
-  const Box box = drawing.surfaces[0].surface.box();
+  const Box box = shown.box;
   const Vec2 middle{0.5 * (box.minX + box.maxX), 0.5 * (box.minY + box.maxY)};
   std::printf("%-22s %10s %6s %10s %10s %10s %10s\n", "1600x1000 window", "px/unit", "tiles", "frame ms", "tile ms",
               "slowest", "ms, dark h.");
@@ -175,19 +210,20 @@ void measure(std::uint64_t triangles, std::uint32_t points, const std::string& p
   // What a moving window asks for without drawing: cached tiles, lines, ticks, points, the object under the mouse.
   TileCache cache;
   drawTiles(tiles, frame, {}, &cache);
-  const auto lookUp = Clock::now();
+  const Clock lookUp;
   std::size_t found = 0;
   constexpr int kFrames = 100;
-  const int level = SurfaceTiles::levelFor(frame.port.scale());
+  const int level = levelOf(frame.port);
   for (int i = 0; i < kFrames; ++i) {
     const TileRange range = tiles.tilesIn(frame.port.visible(), level);
     for (std::int64_t row = range.top; row <= range.bottom; ++row)
       for (std::int64_t column = range.left; column <= range.right; ++column)
         found += cache.find({0, {level, column, row}, {}}) ? 1U : 0U;
   }
-  const double found1 = millisecondsSince(lookUp) / kFrames;
+  const double found1 = lookUp.milliseconds() / kFrames;
+  frame.port.show(scene.surfaces()[0].box);
   const double tolerance = 0.25 / frame.port.scale();
-  const auto lines = Clock::now();
+  const Clock lines;
   std::size_t vertices = 0;
   for (int i = 0; i < kFrames; ++i) {
     const Box visible = frame.port.visible();
@@ -200,50 +236,43 @@ void measure(std::uint64_t triangles, std::uint32_t points, const std::string& p
       vertices += ticks(shape.object->geometry, visible, frame.port.scale()).size();
     }
   }
-  const double lines1 = millisecondsSince(lines) / kFrames;
-  const auto chosen = Clock::now();
-  std::size_t shown = 0;
-  for (int i = 0; i < kFrames; ++i) shown += scene.visiblePoints(frame.port.visible(), 3000).points.size();
-  const double points1 = millisecondsSince(chosen) / kFrames;
-  const auto hits = Clock::now();
+  const double lines1 = lines.milliseconds() / kFrames;
+  const Clock chosen;
+  std::size_t given = 0;
+  for (int i = 0; i < kFrames; ++i) given += scene.visiblePoints(frame.port.visible(), 3000).points.size();
+  const double points1 = chosen.milliseconds() / kFrames;
+  const Clock hits;
   std::size_t hit = 0;
   for (int i = 0; i < kFrames; ++i)
     hit += scene.hit(frame.port.toDrawing({i * 16.0, 500.0 + i % 7 * 20.0}), 6 / frame.port.scale()) ? 1U : 0U;
-  const double hits1 = millisecondsSince(hits) / kFrames;
+  const double hits1 = hits.milliseconds() / kFrames;
   std::printf(
-      "whole view, per frame: %zu cached tiles %.3f ms, lines and ticks %.3f ms (%zu vertices), %zu of %zu points "
+      "whole view of the road, per frame: %zu cached tiles %.3f ms, lines and ticks %.3f ms (%zu vertices), %zu of %zu "
+      "points "
       "%.3f ms, a hit %.3f ms (%zu of %d)\n",
-      found / kFrames, found1, lines1, vertices / kFrames, shown / kFrames, drawing.points.size(), points1, hits1, hit,
+      found / kFrames, found1, lines1, vertices / kFrames, given / kFrames, drawing.points.size(), points1, hits1, hit,
       kFrames);
-}
-
-std::uint64_t number(std::string_view text) {
-  std::uint64_t value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size())
-    throw std::invalid_argument("no number: " + std::string(text));
-  return value;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) try {
-  std::vector<std::uint64_t> sizes{1'000'000, 5'000'000};
-  std::uint32_t points = 1'000'000;
+  constexpr const char* kUsage = "bench_plan [triangles=N] [points=N] [pictures=FOLDER]";
+  constexpr std::string_view kPictures = "pictures=";
+  int triangles = 0;
+  int points = 1'000'000;
   std::string pictures;
   for (int i = 1; i < argc; ++i) {
     const std::string_view argument = argv[i];
-    const std::size_t sign = argument.find('=');
-    const std::string_view key = argument.substr(0, sign);
-    if (sign == std::string_view::npos || (key != "triangles" && key != "points" && key != "pictures"))
-      throw std::invalid_argument("triangles=, points= or pictures= is wanted, not " + std::string(argument));
-    const std::string_view value = argument.substr(sign + 1);
-    if (key == "triangles") sizes = {number(value)};
-    if (key == "points") points = static_cast<std::uint32_t>(number(value));
-    if (key == "pictures") pictures = value;
+    triangles = lvx::bench::valueOf(argument, "triangles=", triangles, kUsage);
+    points = lvx::bench::valueOf(argument, "points=", points, kUsage);
+    if (argument.starts_with(kPictures)) pictures = argument.substr(kPictures.size());
   }
-  std::printf("%s, %s\n%s\n", LVX_COMPILER, LVX_FLAGS, processorName().c_str());
-  for (const std::uint64_t size : sizes) measure(size, points, pictures);
+  lvx::bench::printMachine();
+  for (const int size : {1'000'000, 5'000'000})
+    if (triangles == 0 || size == 1'000'000)
+      measure(static_cast<std::size_t>(triangles == 0 ? size : triangles), static_cast<std::uint32_t>(points),
+              pictures);
   return EXIT_SUCCESS;
 } catch (const std::exception& error) {
   std::fprintf(stderr, "bench_plan: %s\n", error.what());

@@ -35,6 +35,18 @@ constexpr double kEdgesFull = 16.0;
 /// Weight of a triangle as large as a pixel.
 constexpr std::uint32_t kWhole = 1024;
 
+// By value: these become single instructions, where a list of three becomes branches that nothing can predict.
+template <class T>
+T least(T a, T b, T c) {
+  const T ab = a < b ? a : b;
+  return ab < c ? ab : c;
+}
+template <class T>
+T most(T a, T b, T c) {
+  const T ab = a > b ? a : b;
+  return ab > c ? ab : c;
+}
+
 // ---------------------------------------------------------------- colours
 
 struct Colour {
@@ -157,10 +169,10 @@ class Raster {
         pixels_(static_cast<std::size_t>(area.width) * static_cast<std::size_t>(area.height)) {}
 
   void add(const Face& face) {
-    const double leftmost = std::min({face.x[0], face.x[1], face.x[2]});
-    const double rightmost = std::max({face.x[0], face.x[1], face.x[2]});
-    const double topmost = std::min({face.y[0], face.y[1], face.y[2]});
-    const double lowest = std::max({face.y[0], face.y[1], face.y[2]});
+    const double leftmost = least(face.x[0], face.x[1], face.x[2]);
+    const double rightmost = most(face.x[0], face.x[1], face.x[2]);
+    const double topmost = least(face.y[0], face.y[1], face.y[2]);
+    const double lowest = most(face.y[0], face.y[1], face.y[2]);
     const auto edge = static_cast<double>(kSub);
     if (rightmost < 0.0 || lowest < 0.0 || leftmost > edge * width_ || topmost > edge * height_) return;
     if (leftmost < -kFarthest || topmost < -kFarthest || rightmost > kFarthest || lowest > kFarthest) {
@@ -181,14 +193,17 @@ class Raster {
     const Palette palette(look);
     bool hasAny = false;
     for (const Gathered& pixel : pixels_) {
-      if (pixel.hasGround != 0 && pixel.weight != 0) {
-        hasAny = true;
-        const std::uint32_t half = pixel.weight / 2;
-        *out++ = palette.colour(std::min(255U, (pixel.light + half) / pixel.weight),
-                                std::min(255U, (pixel.height + half) / pixel.weight), pixel.line);
-      } else {
+      if (pixel.hasGround == 0 || pixel.weight == 0) {
         *out++ = 0;
+        continue;
       }
+      hasAny = true;
+      // One triangle alone has most pixels, and division is what takes the time here.
+      const bool isAlone = pixel.weight == kWhole;
+      const std::uint32_t half = pixel.weight / 2;
+      const std::uint32_t light = isAlone ? pixel.light / kWhole : (pixel.light + half) / pixel.weight;
+      const std::uint32_t height = isAlone ? pixel.height / kWhole : (pixel.height + half) / pixel.weight;
+      *out++ = palette.colour(std::min(255U, light), std::min(255U, height), pixel.line);
     }
     return hasAny;
   }
@@ -218,8 +233,10 @@ class Raster {
 
   /// All pixels whose centre the triangle holds.
   void fill(const std::array<Corner, 3>& c, std::int64_t area, const Face& face) {
-    const auto [minX, maxX] = std::minmax({c[0].x, c[1].x, c[2].x});
-    const auto [minY, maxY] = std::minmax({c[0].y, c[1].y, c[2].y});
+    const std::int64_t minX = least(c[0].x, c[1].x, c[2].x);
+    const std::int64_t maxX = most(c[0].x, c[1].x, c[2].x);
+    const std::int64_t minY = least(c[0].y, c[1].y, c[2].y);
+    const std::int64_t maxY = most(c[0].y, c[1].y, c[2].y);
     const std::int64_t left = std::max<std::int64_t>((minX + kHalf - 1) >> kSubBits, 0);
     const std::int64_t right = std::min<std::int64_t>((maxX - kHalf) >> kSubBits, width_ - 1);
     const std::int64_t top = std::max<std::int64_t>((minY + kHalf - 1) >> kSubBits, 0);
@@ -242,7 +259,45 @@ class Raster {
       right1[i] = -dy * kSub;
       down1[i] = dx * kSub;
     }
+    // Nothing that changes from pixel to pixel.
+    const bool isPlain =
+        area < 2 * kSub * kSub ||
+        (!hasHeights_ && (!hasEdges_ || static_cast<double>(area) <= kEdgesFrom * kEdgesFrom * kSub * kSub));
+    if (isPlain) {
+      visitRows(value, right1, down1, left, right, top, bottom,
+                [&](std::int64_t from, std::int64_t to, std::int64_t y) {
+                  Gathered* pixel = &at(from, y);
+                  for (std::int64_t x = from; x <= to; ++x, ++pixel) {
+                    gather(*pixel, face.light, face.meanHeight, kWhole);
+                    pixel->hasGround = 1;
+                  }
+                });
+      return;
+    }
     const Paint paint(*this, face, area);
+    visitRows(value, right1, down1, left, right, top, bottom,
+              [&](std::int64_t from, std::int64_t to, std::int64_t y) { paint.row(from, to, y); });
+  }
+
+  /// Calls `row(from, to, y)` for the pixels of each row where no edge's value is negative.
+  template <class Row>
+  static void visitRows(std::array<std::int64_t, 3> value, const std::array<std::int64_t, 3>& right1,
+                        const std::array<std::int64_t, 3>& down1, std::int64_t left, std::int64_t right,
+                        std::int64_t top, std::int64_t bottom, Row row) {
+    constexpr std::int64_t kNarrow = 8;
+    if (right - left < kNarrow) {
+      for (std::int64_t y = top; y <= bottom; ++y) {
+        auto [a, b, c] = value;
+        const auto step = [&] { a += right1[0], b += right1[1], c += right1[2]; };
+        std::int64_t from = left;
+        for (; from <= right && (a | b | c) < 0; ++from) step();
+        std::int64_t end = from;
+        for (; end <= right && (a | b | c) >= 0; ++end) step();
+        if (from < end) row(from, end - 1, y);
+        for (std::size_t i = 0; i < 3; ++i) value[i] += down1[i];
+      }
+      return;
+    }
     for (std::int64_t y = top; y <= bottom; ++y) {
       std::int64_t from = 0;
       std::int64_t to = right - left;
@@ -256,7 +311,7 @@ class Raster {
         }
         value[i] += down1[i];
       }
-      if (from <= to) paint.row(left + from, left + to, y);
+      if (from <= to) row(left + from, left + to, y);
     }
   }
 
@@ -264,12 +319,9 @@ class Raster {
   class Paint {
    public:
     Paint(Raster& raster, const Face& face, std::int64_t area) : raster_(raster), face_(face) {
-      isPlain_ = area < 2 * kSub * kSub;
       const double size = std::sqrt(static_cast<double>(area)) / static_cast<double>(kSub);
-      if (isPlain_) return;
       hasHeights_ = raster.hasHeights_;
       if (raster.hasEdges_) ink_ = std::clamp((size - kEdgesFrom) / (kEdgesFull - kEdgesFrom), 0.0, 1.0);
-      if (!hasHeights_ && ink_ <= 0.0) return;
       const auto& [x, y, height, light, mean] = face;
       const double twice = (x[1] - x[0]) * (y[2] - y[0]) - (y[1] - y[0]) * (x[2] - x[0]);
       const double rise1 = height[1] - height[0];
@@ -281,7 +333,7 @@ class Raster {
       for (std::size_t i = 0; i < 3; ++i) {
         const double dx = x[(i + 1) % 3] - x[i];
         const double dy = y[(i + 1) % 3] - y[i];
-        const double perLength = 1.0 / (std::hypot(dx, dy) * static_cast<double>(kSub));
+        const double perLength = 1.0 / (std::sqrt(dx * dx + dy * dy) * static_cast<double>(kSub));
         alongX_[i] = dx * perLength;
         alongY_[i] = dy * perLength;
       }
@@ -313,7 +365,6 @@ class Raster {
    private:
     Raster& raster_;
     const Face& face_;
-    bool isPlain_ = true;
     bool hasHeights_ = false;
     double ink_ = 0.0;
     double heightX_ = 0.0;
@@ -362,21 +413,22 @@ class Raster {
   std::vector<Gathered> pixels_;
 };
 
-/// From the north-west, halfway up.
+/// From the north-west, halfway up. Differences in doubles, the rest is finer than 255 steps of light in floats too.
 std::uint32_t lightOf(const Vec3& a, const Vec3& b, const Vec3& c) {
-  const double ux = b.x - a.x;
-  const double uy = b.y - a.y;
-  const double uz = kSteeper * (b.z - a.z);
-  const double vx = c.x - a.x;
-  const double vy = c.y - a.y;
-  const double vz = kSteeper * (c.z - a.z);
-  const double nx = uy * vz - uz * vy;
-  const double ny = uz * vx - ux * vz;
-  const double nz = ux * vy - uy * vx;
-  const double square = nx * nx + ny * ny + nz * nz;
-  if (!(square > 0.0) || !std::isfinite(square)) return static_cast<std::uint32_t>(255.0 * kLevelLight);
-  const double light = (0.5 * (ny - nx) + kLevelLight * nz) / std::sqrt(square);
-  return static_cast<std::uint32_t>(255.0 * std::clamp(light, 0.0, 1.0) + 0.5);
+  const auto ux = static_cast<float>(b.x - a.x);
+  const auto uy = static_cast<float>(b.y - a.y);
+  const auto uz = static_cast<float>(kSteeper * (b.z - a.z));
+  const auto vx = static_cast<float>(c.x - a.x);
+  const auto vy = static_cast<float>(c.y - a.y);
+  const auto vz = static_cast<float>(kSteeper * (c.z - a.z));
+  const float nx = uy * vz - uz * vy;
+  const float ny = uz * vx - ux * vz;
+  const float nz = ux * vy - uy * vx;
+  const float square = nx * nx + ny * ny + nz * nz;
+  // Beyond any map, floats end; such ground is as good as level.
+  if (!(square > 0.0F) || !std::isfinite(square)) return static_cast<std::uint32_t>(255.0 * kLevelLight);
+  const float light = (0.5F * (ny - nx) + static_cast<float>(kLevelLight) * nz) / std::sqrt(square);
+  return static_cast<std::uint32_t>(255.0F * (light > 0.0F ? light : 0.0F) + 0.5F);
 }
 
 std::int64_t clampedTile(double number) {
@@ -463,14 +515,21 @@ std::shared_ptr<const Tile> SurfaceTiles::render(const TileAddress& address, con
                        Tile::kSize};
   if (!meet(boxOf(address), surface_->box())) return tile;
   tile->pixels.resize(std::size_t{Tile::kSize} * Tile::kSize);
-  if (!render(area, look, tile->pixels.data(), cancel)) return nullptr;
-  if (std::all_of(tile->pixels.begin(), tile->pixels.end(), [](std::uint32_t pixel) { return pixel == 0; }))
-    tile->pixels = {};
+  bool hasGround = false;
+  if (!render(area, look, tile->pixels.data(), hasGround, cancel)) return nullptr;
+  if (!hasGround) tile->pixels = {};
   return tile;
 }
 
 bool SurfaceTiles::render(const PixelArea& area, const SurfaceLook& look, std::uint32_t* pixels,
                           const CancelFlag* cancel) const {
+  bool hasGround = false;
+  return render(area, look, pixels, hasGround, cancel);
+}
+
+bool SurfaceTiles::render(const PixelArea& area, const SurfaceLook& look, std::uint32_t* pixels, bool& hasGround,
+                          const CancelFlag* cancel) const {
+  hasGround = false;
   if (area.width <= 0 || area.height <= 0) return true;
   if (!(area.scale > 0.0) || groundCount_ == 0) {
     std::fill_n(pixels, static_cast<std::size_t>(area.width) * static_cast<std::size_t>(area.height), 0U);
@@ -494,6 +553,9 @@ bool SurfaceTiles::render(const PixelArea& area, const SurfaceLook& look, std::u
     return (isExact ? static_cast<double>(static_cast<std::int64_t>(distance + 0.5)) : distance) - top;
   };
 
+  const bool hasHeights = look.style == SurfaceStyle::Heights;
+  const auto height = [&](double z) { return std::clamp((z - low_) * perHeight, 0.0, 255.0); };
+
   const double pixel = 1.0 / area.scale;
   const Box visible{origin_.x + (static_cast<double>(area.left) - 1.0) * pixel,
                     origin_.y - (static_cast<double>(area.top) + area.height + 1.0) * pixel,
@@ -508,22 +570,20 @@ bool SurfaceTiles::render(const PixelArea& area, const SurfaceLook& look, std::u
       const Vec3& a = points[static_cast<std::size_t>(triangles[i].a)];
       const Vec3& b = points[static_cast<std::size_t>(triangles[i].c)];
       const Vec3& c = points[static_cast<std::size_t>(triangles[i].b)];
-      if (std::max({a.x, b.x, c.x}) < visible.minX || std::min({a.x, b.x, c.x}) > visible.maxX ||
-          std::max({a.y, b.y, c.y}) < visible.minY || std::min({a.y, b.y, c.y}) > visible.maxY)
+      if (most(a.x, b.x, c.x) < visible.minX || least(a.x, b.x, c.x) > visible.maxX ||
+          most(a.y, b.y, c.y) < visible.minY || least(a.y, b.y, c.y) > visible.maxY)
         continue;
-      const auto height = [&](double z) { return std::clamp((z - low_) * perHeight, 0.0, 255.0); };
-      Face face{{across(a.x), across(b.x), across(c.x)},
-                {down(a.y), down(b.y), down(c.y)},
-                {height(a.z), height(b.z), height(c.z)},
-                lightOf(a, c, b),
-                0};
-      face.meanHeight = static_cast<std::uint32_t>((face.height[0] + face.height[1] + face.height[2]) / 3.0 + 0.5);
+      Face face{{across(a.x), across(b.x), across(c.x)}, {down(a.y), down(b.y), down(c.y)}, {}, lightOf(a, c, b), 0};
+      if (hasHeights) {
+        face.height = {height(a.z), height(b.z), height(c.z)};
+        face.meanHeight = static_cast<std::uint32_t>((face.height[0] + face.height[1] + face.height[2]) / 3.0 + 0.5);
+      }
       raster.add(face);
     }
     return true;
   });
   if (isCancelled) return false;
-  raster.finish(look, pixels);
+  hasGround = raster.finish(look, pixels);
   return true;
 }
 

@@ -106,6 +106,9 @@ class SurfaceTiles {
   [[nodiscard]] std::size_t bytes() const;
 
  private:
+  bool render(const PixelArea& area, const SurfaceLook& look, std::uint32_t* pixels, bool& hasGround,
+              const CancelFlag* cancel) const;
+
   const civil::TinSurface* surface_;
   std::size_t groundCount_ = 0;
   civil::Vec2 origin_;
