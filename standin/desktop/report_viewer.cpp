@@ -4,8 +4,10 @@
 #include <QDesktopServices>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QShortcut>
 #include <QTextBrowser>
+#include <QTextOption>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <memory>
@@ -44,6 +46,13 @@ QString openElsewhere(const QString& path) {
       .arg(path);
 }
 
+/// Reports write characters by their numbers without the semicolon behind them. Browsers take that; the rich-text view
+/// shows it as it stands.
+QString withClosedCharacters(QString page) {
+  static const QRegularExpression open(QStringLiteral("&#(\\d+)(?![\\d;])"));
+  return page.replace(open, QStringLiteral("&#\\1;"));
+}
+
 QString openPage(const QString& path, const Decode& decode, QWidget* over) {
   QFile file(path);
   if (!file.open(QIODevice::ReadOnly)) return ReportViewer::tr("%1 can't be read: %2").arg(path, file.errorString());
@@ -56,12 +65,14 @@ QString openPage(const QString& path, const Decode& decode, QWidget* over) {
   page->setObjectName(QStringLiteral("page"));
   page->setOpenLinks(false);
   page->setFrameShape(QFrame::NoFrame);
-  page->setHtml(decode(file.readAll()));
+  // A table that is wider than the window scrolls; broken numbers can't be read.
+  page->setWordWrapMode(QTextOption::WordWrap);
+  page->setHtml(withClosedCharacters(decode(file.readAll())));
   auto* const layout = new QVBoxLayout(window);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(page);
   QObject::connect(new QShortcut(QKeySequence(Qt::Key_Escape), window), &QShortcut::activated, window, &QWidget::close);
-  constexpr QSize kUsualSize(900, 640);
+  constexpr QSize kUsualSize(1280, 760);
   window->resize(kUsualSize);
   window->show();
   return {};
