@@ -12,6 +12,10 @@
 namespace lvx::test {
 namespace {
 
+// Lists of the dialogs. The second site is the main road's, the second profile its design.
+constexpr int kSites = 261;
+constexpr int kProfiles = 112;
+
 class Pictures : public testing::Test {
  protected:
   Pictures() {
@@ -59,21 +63,30 @@ class Pictures : public testing::Test {
     program.user.click(onGui([&] { return history->viewport(); }), place);
   }
 
-  /// Runs a command, fills its dialog and takes the page that it wrote.
-  void report(ProgramWindow& program, const char* command, const char* dialogName, const std::string& name,
-              const std::string& dialogPicture) {
+  /// Runs a command, chooses the next row in some lists of its dialog, and takes the page that it wrote.
+  void report(ProgramWindow& program, const char* command, const char* dialogName, const std::vector<int>& nextRows,
+              const std::string& name, QSize pageSize, const std::string& dialogPicture = {}) {
     program.enter(command);
     QWidget* const dialog = program.waitForNamed(dialogName);
     ASSERT_NE(dialog, nullptr) << command;
+    for (const int list : nextRows) {
+      program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(list)); }));
+      program.user.key(Qt::Key_Down);
+      program.user.key(Qt::Key_Return);
+    }
     QWidget* const stem = onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control100")); });
     program.user.click(stem);
     program.user.type((stem_ / name).string());
+    auto* const ok = onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control1")); });
+    ASSERT_TRUE(program.user.waitFor([&] { return ok->isEnabled(); }));
     if (!dialogPicture.empty()) take(dialog, dialogPicture);
     program.user.key(Qt::Key_Return);
     answerQuestion(program, name);
     ASSERT_TRUE(program.waitUntilSaid((name + ".html").c_str())) << program.said();
     clickLink(program, QString::fromStdString(name + ".html"), QStringLiteral("Open"));
     QWidget* const page = program.waitForNamed("pageWindow");
+    onGui([&] { page->resize(pageSize); });
+    ASSERT_TRUE(program.user.waitFor([&] { return page->size() == pageSize; }));
     take(page, name);
     onGui([&] { page->close(); });
     ASSERT_TRUE(program.user.waitFor([&] {
@@ -105,16 +118,18 @@ class Pictures : public testing::Test {
 TEST_F(Pictures, ShowTheDesktopItsDialogAndEachReport) {
   ProgramWindow program;
   onGui([&] { program.window->resize(1400, 880); });
-  report(program, "lvx_Report_Points", "CExportPointsDlg", "points", "");
-  report(program, "lvx_Report_GLS", "CMyDialog3", "gls", "");
-  report(program, "lvx_Report_Que", "CMyDialog1", "projection", "dialog");
+  report(program, "lvx_Report_Points", "CExportPointsDlg", {kSites}, "points", {760, 380});
+  report(program, "lvx_Report_GLS", "CMyDialog3", {kSites, kProfiles}, "gls", {1280, 620});
+  report(program, "lvx_Report_Que", "CMyDialog1", {kSites}, "projection", {420, 480}, "dialog");
   // The plan with the section of a sample line beside it.
   auto* const find = program.part<QLineEdit>("treeFind");
   program.user.click(find);
   program.user.type("1+300");
-  program.user.key(Qt::Key_Down);
   auto* const section = program.part<desktop::SectionView>("section");
-  EXPECT_TRUE(program.user.waitFor([&] { return section->sampleLine() != 0 && section->isVisible(); }));
+  const auto isShown = [&] { return section->sampleLine() != 0 && section->isVisible(); };
+  constexpr int kMostRows = 12;
+  for (int row = 0; row < kMostRows && !onGui(isShown); ++row) program.user.key(Qt::Key_Down);
+  EXPECT_TRUE(program.user.waitFor(isShown));
   program.user.click(find);
   program.user.key(Qt::Key_A, Qt::ControlModifier);
   program.user.key(Qt::Key_Delete);
