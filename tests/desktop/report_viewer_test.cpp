@@ -15,14 +15,11 @@ namespace {
 TEST(ReportViewer, ShowsAPageAsABrowserDoes) {
   const DesktopUser user;
   const TemporaryFolder folder;
-  std::ofstream(folder / "page.html")
-      << "<html><body>Rise 0.90&#37<br />R&#38;D<table border=\"1\"><tr>"
-      << [] {
-           std::string cells;
-           for (int column = 0; column < 40; ++column) cells += "<td>2+000.000</td>";
-           return cells;
-         }()
-      << "</tr></table></body></html>";
+  std::ofstream(folder / "page.html") << "<html><body>Rise 0.90&#37<br />R&#38;D<table border=\"1\"><tr>" << [] {
+    std::string cells;
+    for (int column = 0; column < 40; ++column) cells += "<td>2+000.000</td>";
+    return cells;
+  }() << "</tr></table></body></html>";
   const QString failure =
       onGui([&] { return desktop::openReport(QString::fromStdString((folder / "page.html").string()), {}, nullptr); });
   EXPECT_EQ(failure.toStdString(), "");
