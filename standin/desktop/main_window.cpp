@@ -250,8 +250,10 @@ void MainWindow::buildDocks() {
     if (handle != 0 && frontEnd_->isPicking()) plan_->offerPick(handle);
   });
   connect(tree_, &DrawingTree::activated, this, [this](quint64 handle) {
-    // While a pick runs the click has offered the object already.
-    if (!frontEnd_->isPicking()) zoomTo(handle);
+    if (frontEnd_->isPicking())
+      plan_->offerPick(handle);
+    else
+      zoomTo(handle);
   });
   connect(profile_, &ProfileView::profileClicked, this, [this](quint64 handle) {
     if (frontEnd_->isPicking())
@@ -643,6 +645,7 @@ void MainWindow::tellFailure(const LoadFailure& failure) {
   QMessageBox box(QMessageBox::Critical, tr("The drawing can't be opened"),
                   tr("%1 can't be opened.").arg(QFileInfo(failure.path).fileName()), QMessageBox::Ok, this);
   box.setObjectName(QStringLiteral("openFailed"));
+  box.setEscapeButton(QMessageBox::Ok);
   const QString kept = session_->drawing() ? tr("The drawing that was open stays open.") : QString();
   box.setInformativeText(QStringList{failure.reason, failure.advice, kept}
                              .filter(QRegularExpression(QStringLiteral(".")))
@@ -1050,7 +1053,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     return;
   }
   if (QWidget* const open = QApplication::activeModalWidget()) {
-    if (open->objectName() == QLatin1String(kSaveQuestion)) {
+    if (askChanges_ && open->objectName() == QLatin1String(kSaveQuestion)) {
       // The question that closing asks is there already.
       event->ignore();
       return;

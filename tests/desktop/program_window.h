@@ -81,12 +81,12 @@ class ProgramWindow {
     user.type(text);
     user.key(Qt::Key_Return);
   }
-  /// A visible window of that name, such as a message box.
+  /// The window of that name, such as a message box, once it has the keyboard.
   [[nodiscard]] QWidget* waitForNamed(const char* name) const {
     QWidget* found = nullptr;
     user.waitFor([&] {
       for (QWidget* top : QApplication::topLevelWidgets())
-        if (top->isVisible() && top->objectName() == QLatin1String(name)) found = top;
+        if (top->isActiveWindow() && top->objectName() == QLatin1String(name)) found = top;
       return found != nullptr;
     });
     return found;

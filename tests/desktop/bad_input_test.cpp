@@ -1,0 +1,277 @@
+// Drawings that can't be read, change or vanish; places that can't be written: told in words, and nothing is lost.
+#include <QFile>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QTextBlock>
+#include <fstream>
+
+#include "program_window.h"
+#include "runtime/standin_host.h"
+
+namespace lvx::test {
+namespace {
+
+void write(const std::filesystem::path& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+/// What the box about a drawing that can't be opened says; closes it.
+std::string openFailure(ProgramWindow& program, const std::string& path) {
+  program.enter("open " + path);
+  QWidget* const box = program.waitForNamed("openFailed");
+  if (box == nullptr) return "no box";
+  const std::string words = onGui([&] {
+    const auto* const message = qobject_cast<QMessageBox*>(box);
+    return (message->text() + QStringLiteral("\n") + message->informativeText()).toStdString();
+  });
+  program.user.key(Qt::Key_Escape);
+  EXPECT_TRUE(program.user.waitFor([] { return QApplication::activeModalWidget() == nullptr; }));
+  return words;
+}
+
+struct BadDrawing {
+  const char* name;
+  const char* says;
+  const char* advises;
+};
+
+TEST(BadDrawing, IsToldWithWhatToDoAndTheFormerOneStaysOpen) {
+  ProgramWindow program;
+  const auto former = onGui([&] { return program.window->session().drawing().get(); });
+  write(program.folder / "text.xml", "no drawing at all\n");
+  const std::string example = fileBytes(kExample.toStdString());
+  write(program.folder / "cut.xml", example.substr(0, example.size() / 2));
+  write(program.folder / "other.xml", "<?xml version=\"1.0\"?>\n<gpx/>\n");
+  write(program.folder / "empty.xml", "");
+  std::filesystem::create_directory(program.folder / "folder.xml");
+  const std::vector<BadDrawing> cases{{"missing.xml", "missing.xml can't be opened", "Check the name"},
+                                      {"text.xml", "text.xml:1", "Look at that line"},
+                                      {"cut.xml", "cut.xml:", "exported again"},
+                                      {"other.xml", "other.xml:2", "Look at that line"},
+                                      {"empty.xml", "empty.xml can't be opened", "xport"},
+                                      {"folder.xml", "folder.xml can't be opened", "in that folder"}};
+  for (const BadDrawing& bad : cases) {
+    const std::string words = openFailure(program, (program.folder / bad.name).string());
+    EXPECT_NE(words.find(bad.says), std::string::npos) << bad.name << ": " << words;
+    EXPECT_NE(words.find(bad.advises), std::string::npos) << bad.name << ": " << words;
+    EXPECT_NE(words.find("stays open"), std::string::npos) << bad.name << ": " << words;
+    EXPECT_EQ(onGui([&] { return program.window->session().drawing().get(); }), former) << bad.name;
+    EXPECT_TRUE(program.isEnabled("lvx_Report_Que")) << bad.name;
+  }
+}
+
+TEST(BadDrawing, IsShownAtTheLineThatIsWrong) {
+  ProgramWindow program{QString()};
+  write(program.folder / "broken.xml", "<?xml version=\"1.0\"?>\n<LandXML version=\"1.2\">\n<Units>\n</Wrong>\n");
+  program.enter("open " + (program.folder / "broken.xml").string());
+  QWidget* const box = program.waitForNamed("openFailed");
+  ASSERT_NE(box, nullptr);
+  QPushButton* const show = program.button(box, "Show the line");
+  ASSERT_NE(show, nullptr);
+  program.user.click(show);
+  QWidget* const text = program.waitForNamed("textWindow");
+  ASSERT_NE(text, nullptr);
+  EXPECT_EQ(
+      onGui([&] { return text->findChild<QPlainTextEdit*>(QStringLiteral("text"))->textCursor().block().text(); }),
+      QStringLiteral("</Wrong>"));
+}
+
+TEST(BadDrawing, OnTheCommandLineLeavesAnEmptyWindowThatWorks) {
+  ProgramWindow program{QString()};
+  EXPECT_NE(openFailure(program, "/nowhere/road.xml").find("Check the name"), std::string::npos);
+  program.enter("open " + kExample.toStdString());
+  EXPECT_TRUE(program.user.waitFor([&] { return program.isOpen(); }));
+}
+
+// ---------------------------------------------------------------- files that change while they are open
+
+struct Notice {
+  explicit Notice(ProgramWindow& program)
+      : bar(program.part("noticeBar")),
+        text(program.part<QLabel>("noticeText")),
+        first(program.part<QPushButton>("noticeFirst")),
+        second(program.part<QPushButton>("noticeSecond")) {}
+  QWidget* bar;
+  QLabel* text;
+  QPushButton* first;
+  QPushButton* second;
+};
+
+TEST(ChangingDrawing, ThatAnotherProgramChangesIsToldAndCanBeReadAgain) {
+  const TemporaryFolder folder;
+  const QString drawing = copyOfExample(folder);
+  ProgramWindow program(drawing);
+  const Notice notice(program);
+  std::string text = fileBytes(drawing.toStdString());
+  text.replace(text.find("\"Mill lane\""), 11, "\"Mill road\"");
+  write(drawing.toStdString(), text);
+  ASSERT_TRUE(program.user.waitFor([&] { return notice.bar->isVisible(); }));
+  EXPECT_TRUE(onGui([&] { return notice.text->text(); }).contains(QStringLiteral("was changed by another program")));
+  const auto former = onGui([&] { return program.window->session().drawing().get(); });
+  program.user.click(notice.first);
+  ASSERT_TRUE(program.user.waitFor([&] { return program.window->session().drawing().get() != former; }));
+  EXPECT_FALSE(onGui([&] { return notice.bar->isVisible(); }));
+  EXPECT_EQ(onGui([&] { return program.window->session().drawing()->drawing().sites.front().alignments.back()->name; }),
+            "Mill road");
+}
+
+TEST(ChangingDrawing, CanBeKeptAndIsToldAgainAtTheNextChange) {
+  const TemporaryFolder folder;
+  const QString drawing = copyOfExample(folder);
+  ProgramWindow program(drawing);
+  const Notice notice(program);
+  write(drawing.toStdString(), fileBytes(kExample.toStdString()) + "\n");
+  ASSERT_TRUE(program.user.waitFor([&] { return notice.bar->isVisible(); }));
+  program.user.click(notice.second);
+  EXPECT_FALSE(onGui([&] { return notice.bar->isVisible(); }));
+  EXPECT_TRUE(onGui([&] { return program.isOpen(); }));
+  write(drawing.toStdString(), fileBytes(kExample.toStdString()) + "\n\n");
+  EXPECT_TRUE(program.user.waitFor([&] { return notice.bar->isVisible(); }));
+}
+
+TEST(ChangingDrawing, ThatVanishesStaysOpenAndCanBeSavedElsewhere) {
+  const TemporaryFolder folder;
+  const QString drawing = copyOfExample(folder);
+  ProgramWindow program(drawing);
+  const Notice notice(program);
+  std::filesystem::remove(drawing.toStdString());
+  ASSERT_TRUE(program.user.waitFor([&] { return notice.bar->isVisible(); }));
+  EXPECT_TRUE(onGui([&] { return notice.text->text(); }).contains(QStringLiteral("isn't there any more")));
+  const std::filesystem::path elsewhere = folder / "rescued.xml";
+  program.enter("saveas " + elsewhere.string());
+  ASSERT_TRUE(program.waitUntilSaid("rescued.xml is saved"));
+  EXPECT_TRUE(fileBytes(elsewhere) == fileBytes(kExample.toStdString()));
+  EXPECT_TRUE(onGui([&] { return program.window->windowTitle(); }).startsWith(QStringLiteral("rescued.xml")));
+}
+
+TEST(ChangingDrawing, ThatWasReplacedIsSavedElsewhereAsItWasOpened) {
+  const TemporaryFolder folder;
+  const QString drawing = copyOfExample(folder);
+  ProgramWindow program(drawing);
+  const Notice notice(program);
+  write(folder / "new.xml", "<LandXML version=\"1.2\"/>\n");
+  std::filesystem::rename(folder / "new.xml", drawing.toStdString());
+  ASSERT_TRUE(program.user.waitFor([&] { return notice.bar->isVisible(); }));
+  program.enter("saveas " + (folder / "rescued.xml").string());
+  ASSERT_TRUE(program.waitUntilSaid("rescued.xml is saved"));
+  EXPECT_TRUE(fileBytes(folder / "rescued.xml") == fileBytes(kExample.toStdString()));
+  EXPECT_EQ(fileBytes(drawing.toStdString()), "<LandXML version=\"1.2\"/>\n") << "another program's work";
+}
+
+// ---------------------------------------------------------------- places that can't be written
+
+/// What the box about a drawing that can't be saved says; closes it.
+std::string saveFailure(ProgramWindow& program, const std::string& target) {
+  program.enter("saveas " + target);
+  QWidget* const box = program.waitForNamed("saveFailed");
+  if (box == nullptr) return "no box";
+  const std::string words = onGui([&] {
+    const auto* const message = qobject_cast<QMessageBox*>(box);
+    return (message->text() + QStringLiteral("\n") + message->informativeText()).toStdString();
+  });
+  program.user.key(Qt::Key_Escape);
+  EXPECT_TRUE(program.user.waitFor([] { return QApplication::activeModalWidget() == nullptr; }));
+  return words;
+}
+
+TEST(Saving, WhereNothingCanBeWrittenIsToldWithWhatToDoAndLeavesTheDrawingOpen) {
+  ProgramWindow program;
+  std::filesystem::create_directory(program.folder / "folder.xml");
+  write(program.folder / "file", "text");
+  const std::vector<std::string> targets{(program.folder / "folder.xml").string(),
+                                         (program.folder / "file/road.xml").string(),
+                                         (program.folder / "missing/road.xml").string(), "/proc/road.xml", "/dev/full"};
+  for (const std::string& target : targets) {
+    const std::string words = saveFailure(program, target);
+    EXPECT_NE(words.find("can't be saved"), std::string::npos) << target << ": " << words;
+    EXPECT_NE(words.find("another name"), std::string::npos) << target << ": " << words;
+    EXPECT_TRUE(onGui([&] { return program.isOpen(); })) << target;
+    EXPECT_TRUE(onGui([&] { return program.window->windowTitle(); }).startsWith(QStringLiteral("valley-road.xml")));
+  }
+  EXPECT_EQ(fileBytes(program.folder / "file"), "text");
+  for (const auto& entry : std::filesystem::directory_iterator(program.folder.path()))
+    EXPECT_EQ(entry.path().filename().string().find(".lvx"), std::string::npos) << entry.path();
+}
+
+TEST(Saving, OffersAnotherPlaceRightAway) {
+  ProgramWindow program;
+  program.enter("saveas /proc/road.xml");
+  QWidget* const box = program.waitForNamed("saveFailed");
+  ASSERT_NE(box, nullptr);
+  program.user.click(program.button(box, "Save as…"));
+  ASSERT_TRUE(program.user.waitFor([&] {
+    const QWidget* const open = QApplication::activeModalWidget();
+    return open != nullptr && open != box && open->isActiveWindow() &&
+           open->windowTitle() == QStringLiteral("Save the drawing as");
+  }));
+  program.user.key(Qt::Key_Escape);
+  EXPECT_TRUE(program.user.waitFor([] { return QApplication::activeModalWidget() == nullptr; }));
+}
+
+TEST(Saving, UnderTheNameOfTheExampleGivesItsBytes) {
+  ProgramWindow program;
+  program.enter("saveas " + (program.folder / "copy.xml").string());
+  ASSERT_TRUE(program.waitUntilSaid("copy.xml is saved"));
+  EXPECT_TRUE(fileBytes(program.folder / "copy.xml") == fileBytes(kExample.toStdString()));
+}
+
+// ---------------------------------------------------------------- reports
+
+/// Fills the points dialog and presses OK.
+void writePoints(ProgramWindow& program, const std::string& stem) {
+  program.enter("lvx_Report_Points");
+  QWidget* const dialog = program.waitForNamed("CExportPointsDlg");
+  ASSERT_NE(dialog, nullptr);
+  const auto pick = [&](int control, int downs) {
+    program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(control)); }));
+    ASSERT_TRUE(program.user.waitFor([] { return QApplication::activePopupWidget() != nullptr; }));
+    program.user.key(Qt::Key_Home);
+    for (int step = 0; step < downs; ++step) program.user.key(Qt::Key_Down);
+    program.user.key(Qt::Key_Return);
+    ASSERT_TRUE(program.user.waitFor([] { return QApplication::activePopupWidget() == nullptr; }));
+  };
+  pick(261, 1);
+  pick(263, 0);
+  pick(102, 0);
+  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control100")); }));
+  program.user.type(stem);
+  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control1")); }));
+}
+
+TEST(Report, ThatCantWriteAFileSaysWhichAndWhyAndWhatToDo) {
+  ProgramWindow program;
+  // A folder stands where the text form belongs; the command asks whether to replace it.
+  std::filesystem::create_directory(program.folder / "points.txt");
+  writePoints(program, (program.folder / "points").string());
+  QWidget* question = nullptr;
+  ASSERT_TRUE(program.user.waitFor([&] {
+    question = QApplication::activeModalWidget();
+    return qobject_cast<QMessageBox*>(question) != nullptr && question->isActiveWindow();
+  }));
+  program.user.key(Qt::Key_Y, Qt::AltModifier);
+  QWidget* const box = program.waitForNamed("notWritten");
+  ASSERT_NE(box, nullptr);
+  const std::string words = onGui([&] { return qobject_cast<QMessageBox*>(box)->informativeText().toStdString(); });
+  EXPECT_NE(words.find("points.txt: Is a directory"), std::string::npos) << words;
+  EXPECT_NE(words.find("choose a folder"), std::string::npos) << words;
+  program.user.key(Qt::Key_Return);
+  EXPECT_TRUE(program.waitUntilSaid("points.html"));
+  EXPECT_TRUE(std::filesystem::is_regular_file(program.folder / "points.html"));
+}
+
+TEST(Report, IntoAFolderThatIsntThereBringsTheDialogBackWithItsText) {
+  ProgramWindow program;
+  const std::string stem = (program.folder / "missing/points").string();
+  writePoints(program, stem);
+  QWidget* dialog = nullptr;
+  ASSERT_TRUE(program.user.waitFor([&] {
+    dialog = QApplication::activeModalWidget();
+    return dialog != nullptr && dialog->isActiveWindow() && dialog->objectName() == QStringLiteral("CExportPointsDlg");
+  }));
+  EXPECT_FALSE(std::filesystem::exists(program.folder / "missing"));
+  program.user.key(Qt::Key_Escape);
+  EXPECT_TRUE(program.waitUntilSaid("Points ended and wrote nothing"));
+}
+
+}  // namespace
+}  // namespace lvx::test

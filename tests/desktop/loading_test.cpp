@@ -1,0 +1,127 @@
+// Drawings are read beside the window, which lives meanwhile.
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QTreeView>
+#include <thread>
+
+#include "desktop/plan_view.h"
+#include "foreign_windows.h"
+#include "large_drawing.h"
+#include "program_window.h"
+
+namespace lvx::test {
+namespace {
+
+std::string nameOfOpen(const ProgramWindow& program) {
+  return onGui([&] {
+    const auto& drawing = program.window->session().drawing();
+    return drawing ? std::filesystem::path(drawing->drawing().path).filename().string() : std::string();
+  });
+}
+
+class Loading : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    folder = new TemporaryFolder;
+    writeLargeDrawing(*folder / "large.xml");
+  }
+  static void TearDownTestSuite() {
+    delete folder;
+    folder = nullptr;
+  }
+  static std::string large() { return (*folder / "large.xml").string(); }
+
+  static TemporaryFolder* folder;
+};
+TemporaryFolder* Loading::folder = nullptr;
+
+TEST_F(Loading, ShowsHowFarItIsAndTakesTheTreesFindBoxMeanwhile) {
+  ProgramWindow program;
+  program.enter("open " + large());
+  auto* const strip = program.part("progressStrip");
+  auto* const text = program.part<QLabel>("progressText");
+  ASSERT_TRUE(program.user.waitFor([&] { return strip->isVisible(); }));
+  ASSERT_TRUE(program.user.waitFor([&] { return text->text().contains(QStringLiteral(" MB")); }));
+  EXPECT_FALSE(program.isEnabled("open"));
+  EXPECT_FALSE(program.isEnabled("lvx_Report_Que"));
+  // The drawing that was open is still there to be looked at.
+  auto* const find = program.part<QLineEdit>("treeFind");
+  program.user.click(find);
+  program.user.type("mill");
+  EXPECT_EQ(onGui([&] { return find->text(); }), QStringLiteral("mill"));
+  ASSERT_TRUE(program.user.waitFor([&] { return !strip->isVisible(); }, std::chrono::seconds(120)));
+  EXPECT_EQ(nameOfOpen(program), "large.xml");
+  EXPECT_TRUE(program.isEnabled("lvx_Report_Que"));
+  EXPECT_EQ(onGui([&] { return find->text(); }), QString());
+}
+
+TEST_F(Loading, TheWindowAnswersAtOnceAllTheWhile) {
+  ProgramWindow program;
+  program.enter("open " + large());
+  auto* const strip = program.part("progressStrip");
+  ASSERT_TRUE(program.user.waitFor([&] { return strip->isVisible(); }));
+  std::chrono::steady_clock::duration longest{};
+  while (onGui([&] { return strip->isVisible(); })) {
+    const auto start = std::chrono::steady_clock::now();
+    onGui([] {});
+    longest = std::max(longest, std::chrono::steady_clock::now() - start);
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  EXPECT_EQ(nameOfOpen(program), "large.xml");
+  // Generous, for a machine that does other things as well; reading itself takes seconds here.
+  EXPECT_LT(longest, std::chrono::milliseconds(1500));
+}
+
+TEST_F(Loading, ItsButtonCancelsAndTheFormerDrawingStays) {
+  ProgramWindow program;
+  const auto before = onGui([&] { return program.window->session().drawing().get(); });
+  program.enter("open " + large());
+  auto* const strip = program.part("progressStrip");
+  ASSERT_TRUE(program.user.waitFor([&] { return strip->isVisible(); }));
+  program.user.click(program.part("progressCancel"));
+  ASSERT_TRUE(program.waitUntilSaid("was cancelled"));
+  EXPECT_FALSE(onGui([&] { return strip->isVisible(); }));
+  EXPECT_EQ(onGui([&] { return program.window->session().drawing().get(); }), before);
+  EXPECT_TRUE(program.isEnabled("lvx_Report_Que"));
+}
+
+TEST_F(Loading, EscapeCancelsToo) {
+  ProgramWindow program;
+  program.enter("open " + large());
+  ASSERT_TRUE(program.user.waitFor([&, strip = program.window->findChild<QWidget*>(QStringLiteral("progressStrip"))] {
+    return strip->isVisible();
+  }));
+  program.user.key(Qt::Key_Escape);
+  EXPECT_TRUE(program.waitUntilSaid("was cancelled"));
+  EXPECT_EQ(nameOfOpen(program), "valley-road.xml");
+}
+
+TEST_F(Loading, ANewDrawingTakesThePlaceOfEverythingOfTheFormer) {
+  ProgramWindow program;
+  const std::weak_ptr<runtime::OpenDrawing> former = onGui([&] { return program.window->session().drawing(); });
+  program.enter("open " + large());
+  ASSERT_TRUE(program.user.waitFor([&] { return program.window->windowTitle().contains(QStringLiteral("large.xml")); },
+                                   std::chrono::seconds(120)));
+  EXPECT_TRUE(former.expired()) << "somebody still holds the former drawing";
+  auto* const tree = program.part<QTreeView>("treeView");
+  EXPECT_EQ(onGui([&] { return tree->model()->index(0, 0).data().toString(); }), QStringLiteral("Sites (1)"));
+  EXPECT_EQ(
+      onGui([&] {
+        return program.window->findChild<QLabel*>(QStringLiteral("station"))->text().section(QLatin1Char(':'), 0, 0);
+      }),
+      QStringLiteral("Road"));
+}
+
+TEST_F(Loading, AnEmptyWindowStaysAnEmptyWindowWhenItsFirstDrawingIsCancelled) {
+  ProgramWindow program{QString()};
+  program.enter("open " + large());
+  program.user.key(Qt::Key_Escape);
+  EXPECT_TRUE(program.waitUntilSaid("was cancelled"));
+  EXPECT_FALSE(onGui([&] { return program.isOpen(); }));
+  EXPECT_FALSE(program.isEnabled("lvx_Report_Que"));
+  program.enter("open " + kExample.toStdString());
+  EXPECT_TRUE(program.user.waitFor([&] { return program.isOpen(); }));
+}
+
+}  // namespace
+}  // namespace lvx::test
