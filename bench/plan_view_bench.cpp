@@ -151,12 +151,13 @@ class Bench {
     }
     worker_.makeRoom(result.wantedBytes + result.wantedBytes / 4);
     worker_.want(std::move(result.wanted));
-    return result.isSharp;
+    isUnfinished_ = result.isUnfinished;
+    return result.isSharp && !result.isUnfinished;
   }
 
   void waitForTile() {
     std::unique_lock lock(mutex_);
-    arrived_.wait(lock, [this] { return tiles_ != seen_; });
+    arrived_.wait(lock, [this] { return isUnfinished_ || tiles_ != seen_; });
   }
 
   void requireSame(const view::Viewport& port) {
@@ -191,6 +192,7 @@ class Bench {
   std::condition_variable arrived_;
   std::size_t tiles_ = 0;
   std::size_t seen_ = 0;
+  bool isUnfinished_ = false;
   desktop::TileWorker worker_;
   PlanPainter painter_;
   desktop::PlanLook look_;

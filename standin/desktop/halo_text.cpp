@@ -40,6 +40,11 @@ void HaloText::draw(QPainter& painter, QPointF centre, const QString& text, cons
   const QImage* image = images_.object(key);
   QImage fresh;
   if (image == nullptr) {
+    if (fresh_ <= 0) {
+      fresh_ = -1;
+      return;
+    }
+    --fresh_;
     fresh = render(text, style, angle, ratio);
     image = &fresh;
   }

@@ -25,6 +25,11 @@ class HaloText {
 
   /// Without the halo, in logical pixels.
   [[nodiscard]] QSizeF sizeOf(const QString& text, const QFont& font);
+  /// How many texts that it hasn't drawn before it may draw until this is called again; the others wait for another
+  /// frame.
+  void allowFresh(int count) { fresh_ = count; }
+  /// Whether one had to wait since then.
+  [[nodiscard]] bool isWaiting() const { return fresh_ < 0; }
   /// Centred on `centre`, turned clockwise by `degrees`, on whole pixels of the device.
   void draw(QPainter& painter, QPointF centre, const QString& text, const Style& style, double degrees = 0.0);
   void clear();
@@ -34,6 +39,7 @@ class HaloText {
 
   [[nodiscard]] static QImage render(const QString& text, const Style& style, double degrees, double pixelRatio);
 
+  int fresh_ = 0;
   QHash<QString, QSizeF> sizes_;
   QCache<QString, QImage> images_{kMostKilobytes};
 };

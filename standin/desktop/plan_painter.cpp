@@ -8,6 +8,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <optional>
 #include <unordered_set>
@@ -15,6 +16,7 @@
 #include "desktop/plan_furniture.h"
 #include "desktop/qt_text.h"
 #include "view/alignment_shape.h"
+#include "view/lines.h"
 
 namespace lvx::desktop {
 
@@ -44,9 +46,13 @@ constexpr double kCrowdEnds = 1.4;
 constexpr std::size_t kManySelected = 2'000;
 /// Tiles are enlarged by a sixth at most, which nobody sees, rather than drawn at up to four times the pixels.
 constexpr double kTileSlack = 0.84;
+/// Seen from farther away, roads lie too near one another for halos around their edges.
+constexpr double kLeastHaloScale = 0.5;
 constexpr double kMinorTick = 4.0;
 constexpr double kMajorTick = 8.0;
 constexpr double kLeastNamedLine = 36.0;
+/// New labels a frame, about ten milliseconds.
+constexpr int kFreshLabels = 60;
 /// Pixels between repetitions of an alignment's name.
 constexpr double kNameDistance = 600.0;
 
@@ -82,8 +88,13 @@ void drawLines(QPainter& painter, const Viewport& viewport, const view::Lines& l
 
 Box seen(const Viewport& viewport) { return view::grown(viewport.visible(), 24.0 / viewport.scale()); }
 
+/// What shows of lines that are kept in pieces, whose rest may lie far outside, where the painter would stroke it in vain.
+view::Lines shown(const view::LineSet& lines, const Box& visible, double tolerance) {
+  return view::clipped(lines.lines(visible, tolerance), visible);
+}
+
 QPen roundPen(const QColor& colour, double width) {
-  return {colour, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin};
+  return {colour, width, Qt::SolidLine, Qt::RoundCap, width > 3.0 ? Qt::RoundJoin : Qt::BevelJoin};
 }
 
 QColor withAlpha(QColor colour, int alpha) {
@@ -180,10 +191,12 @@ PlanPainter::Result PlanPainter::paint(QPainter& painter, const Frame& frame, vi
   }
   const PlanFurniture furniture(area, frame.viewport.scale(), unitSign(frame.scene.drawing().linearUnit),
                                 heights ? &*heights : nullptr, labelFont(frame.font, 0.85));
+  text_.allowFresh(tiles == Tiles::AllNow ? std::numeric_limits<int>::max() : kFreshLabels);
   LabelPlacer placer(area);
   for (const QRectF& place : furniture.places()) placer.reserve(place);
   paintLabels(painter, frame, placer);
   furniture.paint(painter, colours);
+  result.isUnfinished = text_.isWaiting();
   return result;
 }
 
@@ -310,13 +323,15 @@ void PlanPainter::paintLines(QPainter& painter, const Frame& frame) {
   if (frame.look.border) {
     painter.setPen(roundPen(colours.border, 1.4));
     for (const view::SurfaceShape& shape : frame.scene.surfaces())
-      drawLines(painter, viewport, shape.border.lines(visible, kBorderTolerance / viewport.scale()));
+      drawLines(painter, viewport, shown(shape.border, visible, kBorderTolerance / viewport.scale()));
   }
   if (frame.look.corridors) {
     for (const view::CorridorShape& shape : frame.scene.corridors()) {
-      const view::Lines edges = shape.edges.lines(visible, tolerance);
-      painter.setPen(roundPen(withAlpha(colours.ground, 150), 3.4));
-      drawLines(painter, viewport, edges);
+      const view::Lines edges = shown(shape.edges, visible, 2 * tolerance);
+      if (viewport.scale() > kLeastHaloScale) {
+        painter.setPen(roundPen(withAlpha(colours.ground, 150), 3.4));
+        drawLines(painter, viewport, edges);
+      }
       painter.setPen(roundPen(colours.corridor, 1.6));
       drawLines(painter, viewport, edges);
     }
@@ -330,9 +345,7 @@ void PlanPainter::paintLines(QPainter& painter, const Frame& frame) {
         pixels.push_back(
             QLineF(point(viewport.toPixels(vertices[index - 1])), point(viewport.toPixels(vertices[index]))));
     }
-    painter.setPen(QPen(withAlpha(colours.ground, 110), 2.8, Qt::SolidLine, Qt::FlatCap));
-    painter.drawLines(pixels);
-    painter.setPen(QPen(colours.sampleLine, 1.1, Qt::SolidLine, Qt::FlatCap));
+    painter.setPen(QPen(colours.sampleLine, 1.0, Qt::SolidLine, Qt::FlatCap));
     painter.drawLines(pixels);
   }
   if (!frame.look.alignments) return;
@@ -380,8 +393,8 @@ void PlanPainter::paintPoints(QPainter& painter, const Frame& frame) {
       mark.drawLine(QLineF(-3, 3, 3, -3));
     }
   });
-  for (const civil::Point* const shown : points_.points)
-    stamp.at(painter, point(frame.viewport.toPixels({shown->position.x, shown->position.y})));
+  for (const civil::Point* const one : points_.points)
+    stamp.at(painter, point(frame.viewport.toPixels({one->position.x, one->position.y})));
 }
 
 void PlanPainter::judgeCrowd(const Viewport& viewport) {
@@ -461,10 +474,10 @@ void PlanPainter::paintObject(QPainter& painter, const Frame& frame, Handle hand
         draw({frame.scene.sampleLines()[index].line->vertices});
       break;
     case ObjectKind::Surface:
-      draw(frame.scene.surfaces()[index].border.lines(visible, tolerance));
+      draw(shown(frame.scene.surfaces()[index].border, visible, kBorderTolerance / viewport.scale()));
       break;
     case ObjectKind::Corridor:
-      draw(frame.scene.corridors()[index].edges.lines(visible, tolerance));
+      draw(shown(frame.scene.corridors()[index].edges, visible, tolerance));
       break;
     default:
       break;

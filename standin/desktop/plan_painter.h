@@ -34,8 +34,8 @@ class PlanPainter {
     QFont font;
   };
   enum class Tiles : std::uint8_t {
-    AsThere,  ///< takes coarser or finer tiles where one isn't there; never waits
-    AllNow,   ///< draws what isn't there
+    AsThere,  ///< takes coarser or finer tiles where one isn't there, and some new labels a frame; never waits
+    AllNow,   ///< draws all that isn't there
   };
   struct Result {
     /// Tiles that this frame and the next ones want, the most wanted first.
@@ -43,6 +43,8 @@ class PlanPainter {
     std::size_t wantedBytes = 0;
     /// Whether all tiles that show were there.
     bool isSharp = true;
+    /// Whether labels wait for the next frame, since drawing too many new ones would hold this one up.
+    bool isUnfinished = false;
   };
 
   /// The plan with its ground colour, selection, labels and furniture over the whole of the frame's viewport.

@@ -559,8 +559,9 @@ void PlanView::paintBase() {
   base_.setDevicePixelRatio(ratio);
   QPainter painter(&base_);
   PlanPainter::Result result = painter_.paint(painter, frame(), tiles_.cache(), PlanPainter::Tiles::AsThere);
-  isSharp_ = result.isSharp;
+  isSharp_ = result.isSharp && !result.isUnfinished;
   isBaseCurrent_ = true;
+  if (result.isUnfinished) QTimer::singleShot(0, this, &PlanView::invalidate);
   tiles_.makeRoom(result.wantedBytes + result.wantedBytes / 4);
   tiles_.want(std::move(result.wanted));
 }

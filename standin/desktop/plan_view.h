@@ -73,7 +73,7 @@ class PlanView : public QWidget {
   [[nodiscard]] std::optional<view::Hit> hovered() const { return hovered_; }
   /// What stands beside the pointer; empty where nothing does.
   [[nodiscard]] QStringList pointerBox() const;
-  /// Whether the shading on the screen is the final one.
+  /// Whether what is on the screen is final, shading and labels.
   [[nodiscard]] bool isSharp() const { return isSharp_; }
 
  Q_SIGNALS:

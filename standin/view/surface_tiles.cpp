@@ -82,9 +82,9 @@ Colour rampColour(double part, bool isDark) {
       {{38, 86, 104}, {58, 122, 112}, {112, 152, 98}, {176, 174, 104}, {222, 196, 142}, {248, 234, 212}}};
   const double place = std::clamp(part, 0.0, 1.0) * (kStops.size() - 1);
   const auto below = std::min(static_cast<std::size_t>(place), kStops.size() - 2);
-  Colour colour = mixed(kStops[below], kStops[below + 1], place - static_cast<double>(below));
-  if (isDark) colour = {0.62 * colour.red, 0.62 * colour.green, 0.62 * colour.blue};
-  return colour;
+  const Colour colour = mixed(kStops[below], kStops[below + 1], place - static_cast<double>(below));
+  // Lines and labels are drawn over it, dark ones on paper and light ones on a dark screen.
+  return isDark ? mixed({0.0, 0.0, 0.0}, colour, 0.62) : mixed(colour, {255.0, 255.0, 255.0}, 0.35);
 }
 
 /// How bright a colour of the ramp is under the light, in 256ths.
