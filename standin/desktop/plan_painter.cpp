@@ -172,8 +172,11 @@ PlanPainter::Result PlanPainter::paint(QPainter& painter, const Frame& frame, vi
   Result result;
   if (frame.look.surface != SurfaceLook::None) paintTiles(painter, frame, cache, tiles, result);
   painter.setRenderHint(QPainter::Antialiasing);
+  preparePoints(frame);
+  // Dots by the thousand would hide the roads; crosses are few and belong on top.
+  if (isCrowded_) paintPoints(painter, frame);
   paintLines(painter, frame);
-  paintPoints(painter, frame);
+  if (!isCrowded_) paintPoints(painter, frame);
   if (frame.selected != nullptr && frame.selected->size() > 0) paintSelected(painter, frame);
 
   std::optional<PlanFurniture::Heights> heights;
@@ -201,12 +204,21 @@ PlanPainter::Result PlanPainter::paint(QPainter& painter, const Frame& frame, vi
 }
 
 void PlanPainter::paintEmpty(QPainter& painter, const QRectF& area, const PlanLook& look, const QFont& font,
-                             const QString& text) {
+                             const QString& title, const QString& text) {
+  constexpr double kLarge = 1.35;
   const PlanColours& colours = planColours(look.dark);
   painter.fillRect(area, colours.ground);
+  QFont large = font;
+  large.setPointSizeF(QFontInfo(font).pointSizeF() * kLarge);
+  const double half = QFontMetricsF(large).height();
+  painter.setFont(large);
+  painter.setPen(colours.text);
+  painter.drawText(QRectF(area.left(), area.center().y() - 2 * half, area.width(), 2 * half),
+                   Qt::AlignCenter | Qt::TextWordWrap, title);
   painter.setFont(font);
   painter.setPen(colours.quietText);
-  painter.drawText(area.adjusted(24, 24, -24, -24), Qt::AlignCenter | Qt::TextWordWrap, text);
+  painter.drawText(QRectF(area.left(), area.center().y(), area.width(), 2 * half),
+                   Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, text);
 }
 
 // ---------------------------------------------------------------- ground
@@ -371,12 +383,18 @@ void PlanPainter::paintLines(QPainter& painter, const Frame& frame) {
   }
 }
 
-void PlanPainter::paintPoints(QPainter& painter, const Frame& frame) {
+void PlanPainter::preparePoints(const Frame& frame) {
   points_ = {};
-  if (!frame.look.points) return;
-  const PlanColours& colours = planColours(frame.look.dark);
+  if (!frame.look.points) {
+    isCrowded_ = false;
+    return;
+  }
   points_ = frame.scene.visiblePoints(seen(frame.viewport), kMostPoints);
   judgeCrowd(frame.viewport);
+}
+
+void PlanPainter::paintPoints(QPainter& painter, const Frame& frame) {
+  const PlanColours& colours = planColours(frame.look.dark);
   const Stamp stamp(12.0, painter.device()->devicePixelRatioF(), [&](QPainter& mark) {
     if (isCrowded_) {
       mark.setPen(Qt::NoPen);

@@ -51,9 +51,11 @@ class PlanPainter {
   Result paint(QPainter& painter, const Frame& frame, view::TileCache& cache, Tiles tiles);
   /// One object over a painted frame, as under the mouse.
   void paintHover(QPainter& painter, const Frame& frame, civil::Handle handle);
+  /// Whether points are mere dots in the last frame, for want of room.
+  [[nodiscard]] bool isCrowded() const { return isCrowded_; }
   /// For a view without scene, or with one in which nothing can be drawn.
   static void paintEmpty(QPainter& painter, const QRectF& area, const PlanLook& look, const QFont& font,
-                         const QString& text);
+                         const QString& title, const QString& text);
   /// Another scene, other corridors or another font: forgets what was kept.
   void clear();
 
@@ -66,6 +68,7 @@ class PlanPainter {
   void paintTiles(QPainter& painter, const Frame& frame, view::TileCache& cache, Tiles tiles, Result& result);
   void paintLines(QPainter& painter, const Frame& frame);
   void paintSelected(QPainter& painter, const Frame& frame);
+  void preparePoints(const Frame& frame);
   void paintPoints(QPainter& painter, const Frame& frame);
   void judgeCrowd(const view::Viewport& viewport);
   void paintLabels(QPainter& painter, const Frame& frame, LabelPlacer& placer);

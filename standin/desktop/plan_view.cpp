@@ -272,7 +272,17 @@ std::optional<view::KindSet> PlanView::kinds() const {
 std::optional<view::Hit> PlanView::hitAt(QPointF place) const {
   const std::optional<view::KindSet> wanted = kinds();
   if (!scene_ || !wanted) return std::nullopt;
-  return scene_->hit(viewport_.toDrawing(vec(place)), kPickRadius / viewport_.scale(), *wanted);
+  const Vec2 at = viewport_.toDrawing(vec(place));
+  const double radius = kPickRadius / viewport_.scale();
+  // From far away points are dots without names, everywhere along a road: there a line is what is meant.
+  if (painter_.isCrowded() && mode_ != Mode::Select) {
+    view::KindSet lines;
+    for (const ObjectKind kind : {ObjectKind::Alignment, ObjectKind::SampleLine, ObjectKind::Corridor})
+      if (wanted->has(kind)) lines.add(kind);
+    if (lines != view::KindSet())
+      if (std::optional<view::Hit> line = scene_->hit(at, radius, lines)) return line;
+  }
+  return scene_->hit(at, radius, *wanted);
 }
 
 void PlanView::hover(QPointF place) {
@@ -570,9 +580,9 @@ void PlanView::paintEvent(QPaintEvent* event) {
   QWidget::paintEvent(event);
   QPainter painter(this);
   if (!scene_ || scene_->box().isEmpty()) {
-    PlanPainter::paintEmpty(painter, QRectF(rect()), look_, font(),
-                            scene_ ? tr("There is nothing to draw in this drawing.")
-                                   : tr("No drawing is open.\nOpen a LandXML file, or drop one here."));
+    PlanPainter::paintEmpty(painter, QRectF(rect()), look_, font(), scene_ ? tr("Nothing to show") : tr("No drawing"),
+                            scene_ ? tr("This drawing has no surface, alignment, point or corridor.")
+                                   : tr("Open a LandXML file, or drop one here."));
     isSharp_ = true;
   } else {
     if (!isBaseCurrent_) paintBase();
@@ -599,16 +609,22 @@ QStringList PlanView::pointerBox() const {
   QStringList lines;
   if (mode_ != Mode::None && !prompt().isEmpty()) lines << prompt();
   if (mode_ == Mode::Select) {
-    const int count = static_cast<int>(selection_.size());
-    lines << tr("%n selected", nullptr, count);
+    lines << tr("%1 selected").arg(selection_.size());
   }
   if (hovered_) {
     const QString name = toQt(hovered_->name);
     const QString kind = ObjectNames::kind(hovered_->kind);
     lines << (name.isEmpty() ? kind : kind + QStringLiteral("  ") + name);
   }
-  if (!hint_.isEmpty()) lines << hint_;
+  if (const QString hint = pointerHint(); !hint.isEmpty()) lines << hint;
   return lines;
+}
+
+QString PlanView::pointerHint() const {
+  if (!hint_.isEmpty() || mode_ != Mode::Select) return hint_;
+  if (corner_) return mouse_ && mouse_->x() < cornerPixel().x() ? tr("Inside and touched") : tr("Wholly inside");
+  if (isRemoving_) return tr("A adds again, Enter ends");
+  return selection_.size() == 0 ? tr("Click or drag a window, Enter ends") : tr("R or Shift removes, Enter ends");
 }
 
 void PlanView::paintPointerBox(QPainter& painter) const {
@@ -644,10 +660,11 @@ void PlanView::paintPointerBox(QPainter& painter) const {
   painter.setPen(QPen(colours.boxFrame, 1.0));
   painter.setBrush(colours.boxFill);
   painter.drawRoundedRect(box, 5, 5);
+  const bool hasHint = !pointerHint().isEmpty();
   double baseline = box.top() + kPadding + metrics.ascent();
   for (const QString& text : lines) {
     const bool isFirst = hasPrompt && &text == &lines.first();
-    const bool isHint = !hint_.isEmpty() && &text == &lines.last();
+    const bool isHint = hasHint && &text == &lines.last();
     painter.setFont(isFirst ? bold : font());
     painter.setPen(isHint ? colours.quietText : colours.text);
     painter.drawText(QPointF(box.left() + kPadding, baseline),

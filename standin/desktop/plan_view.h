@@ -126,6 +126,8 @@ class PlanView : public QWidget {
   void take(std::span<const civil::Handle> handles, bool remove);
   void endRectangle(QPointF place, Qt::KeyboardModifiers modifiers);
   [[nodiscard]] QPointF cornerPixel() const;
+  /// The last line beside the pointer: what could be done now.
+  [[nodiscard]] QString pointerHint() const;
 
   void panBy(QPointF pixels);
   void zoomAt(QPointF place, double factor);

@@ -414,8 +414,10 @@ std::optional<Hit> PlanScene::hit(Vec2 place, double radius, KindSet kinds) cons
   if (kinds.has(ObjectKind::Corridor))
     for (const CorridorShape& shape : corridors_)
       if (meet(shape.box, near))
-        offer(std::min(shape.edges.distance(place, radius), shape.baselines.distance(place, radius)),
-              shape.object->handle, ObjectKind::Corridor, shape.object->name);
+        // A baseline kept as a line may lie that much nearer than the alignment that it follows.
+        offer(
+            std::min(shape.edges.distance(place, radius), shape.baselines.distance(place, radius) + kBaselineTolerance),
+            shape.object->handle, ObjectKind::Corridor, shape.object->name);
   if (kinds.has(ObjectKind::Surface)) {
     for (const SurfaceShape& shape : surfaces_)
       if (meet(shape.box, near))

@@ -311,6 +311,27 @@ TEST_F(PlanViewTest, HitsNothingThatIsNotShown) {
   EXPECT_THAT(plan.clicked, ElementsAre(0U));
 }
 
+TEST_F(PlanViewTest, MeansTheLineWherePointsAreDotsAlongIt) {
+  onGui([&] {
+    plan.view->setScene(nullptr);
+    for (int number = 0; number < 2000; ++number) {
+      civil::Point point;
+      point.handle = 0x1000 + static_cast<Handle>(number);
+      point.number = 100 + number;
+      point.position = {0.1 * number, 0.5, 100.0};
+      plan.model.points.push_back(std::move(point));
+    }
+    plan.view->setScene(std::make_shared<view::PlanScene>(plan.model));
+  });
+  ASSERT_TRUE(user.waitFor([&] { return plan.view->isSharp(); }));
+  user.click(plan.view, plan.at(120, 0));
+  ASSERT_TRUE(user.waitFor([&] { return !plan.clicked.empty(); }));
+  EXPECT_THAT(plan.clicked, ElementsAre(kRoad));
+  plan.select();
+  user.click(plan.view, plan.at(120, 0.5));
+  ASSERT_TRUE(counts(1)) << "who selects points means them";
+}
+
 // ---------------------------------------------------------------- picking one object
 
 TEST_F(PlanViewTest, PicksAnObjectOfEveryClass) {

@@ -238,6 +238,17 @@ TEST(PlanScene, ShowsARebuiltCorridorAfterRefreshing) {
   EXPECT_EQ(nameAt(scene, {41, 250}, 1), "Road");
 }
 
+TEST(PlanScene, HitsAnAlignmentBeforeTheCorridorOnItInCurvesToo) {
+  Drawing made = drawing();
+  const AlignmentObject* const branch = made.sites[0].alignments[1].get();
+  made.corridors[0].baselines = {{"Base", branch, nullptr, {civil::test::regionFrom("0..150 | 0 Pave(-6 0 4)")}}};
+  const PlanScene scene(made);
+  for (double station = 0.5; station < 150.0; station += 0.5) {
+    const auto place = branch->geometry.pointLocation(station, station > 75.0 ? 0.4 : -0.4);
+    EXPECT_EQ(nameAt(scene, place->point, 1), "Branch") << station;
+  }
+}
+
 TEST(PlanScene, StandsCorridorsWithoutPlace) {
   Drawing made = drawing();
   civil::Corridor& corridor = made.corridors[0];
