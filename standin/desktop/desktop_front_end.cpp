@@ -62,6 +62,7 @@ void DesktopFrontEnd::askAgain() {
 
 int DesktopFrontEnd::runModal(dialogs::DialogBehaviour& dialog, void* parent) {
   const LongWork::Question question(work_);
+  if (!givenUp_) Q_EMIT dialogOpening();
   return dialogs_.runModal(dialog, parent);
 }
 

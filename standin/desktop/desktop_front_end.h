@@ -56,6 +56,8 @@ class DesktopFrontEnd final : public QObject, public runtime::FrontEnd, private 
 
  Q_SIGNALS:
   void printed(const QString& text);
+  /// A dialog of the running command is about to open.
+  void dialogOpening();
 
  private:
   int runModal(dialogs::DialogBehaviour& dialog, void* parent) override;

@@ -136,6 +136,9 @@ MainWindow::MainWindow(const DesktopOptions& options)
   buildStatusLine();
 
   connect(frontEnd_.get(), &DesktopFrontEnd::printed, console_, &ConsoleView::print);
+  connect(frontEnd_.get(), &DesktopFrontEnd::dialogOpening, this, [this] {
+    if (const QString folder = session_->takeMissingFolder(); !folder.isEmpty()) tellMissingFolder(folder);
+  });
   connect(session_.get(), &Session::commandStarted, this, &MainWindow::updateState);
   connect(progress_, &ProgressStrip::cancelled, loader_.get(), &DrawingLoader::cancel);
   stopLoading_ = new QShortcut(QKeySequence(Qt::Key_Escape), this);
@@ -1017,6 +1020,7 @@ void MainWindow::tellReport(const CommandReport& report) {
     console_->print(tr("%1 ended and wrote nothing.").arg(title));
   if (session_->drawing() && session_->drawing()->isChanged())
     console_->print(tr("The drawing has new sections that aren't saved yet."));
+  if (!closing_ && !report.missingFolder.isEmpty()) tellMissingFolder(report.missingFolder);
   if (!closing_ && !failed.isEmpty() && !report.interrupted) {
     QMessageBox box(QMessageBox::Warning, tr("Not everything was written"),
                     tr("%1 could not write %n file(s).", nullptr, static_cast<int>(failed.size())).arg(title),
@@ -1027,6 +1031,15 @@ void MainWindow::tellReport(const CommandReport& report) {
                               "stood under these names is as it was."));
     box.exec();
   }
+}
+
+void MainWindow::tellMissingFolder(const QString& folder) {
+  console_->printError(tr("There is no folder %1, and nothing was written.").arg(folder));
+  QMessageBox box(QMessageBox::Warning, tr("Nothing was written"), tr("There is no folder %1.").arg(folder),
+                  QMessageBox::Ok, this);
+  box.setObjectName(QStringLiteral("notWritten"));
+  box.setInformativeText(tr("Make it, or choose another place for the output file."));
+  box.exec();
 }
 
 void MainWindow::activateLink(const QUrl& url) {

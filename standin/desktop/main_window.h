@@ -113,6 +113,8 @@ class MainWindow : public QMainWindow {
   void enter(const QString& text);
   void runCommand(const QString& name);
   void tellReport(const CommandReport& report);
+  /// The command says nothing of it.
+  void tellMissingFolder(const QString& folder);
   /// The user asked to close the window while something ran.
   void closeIfWanted();
   void activateLink(const QUrl& url);

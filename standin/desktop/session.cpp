@@ -71,10 +71,17 @@ QString Session::commandOf(const QString& typed) const {
   return {};
 }
 
+QString Session::takeMissingFolder() {
+  QString folder = toQt(host_->journal().missing());
+  host_->journal().forgetMissing();
+  return folder;
+}
+
 CommandReport Session::run(const QString& name) {
   CommandReport report;
   report.name = name;
   const std::size_t before = host_->journal().events().size();
+  host_->journal().forgetMissing();
   running_ = name;
   Q_EMIT commandStarted(name);
   {
@@ -94,6 +101,8 @@ CommandReport Session::run(const QString& name) {
     }
   }
   report.files = outcomes(host_->journal().events(), before);
+  const QString missing = takeMissingFolder();
+  if (report.files.empty() && !report.interrupted && report.exception.isEmpty()) report.missingFolder = missing;
   running_.clear();
   Q_EMIT commandEnded(report);
   return report;

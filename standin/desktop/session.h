@@ -28,6 +28,8 @@ struct CommandReport {
   QString exception;
   /// What became of files, the last word on each, in the order of their first mention.
   std::vector<runtime::FileEvent> files;
+  /// The output's folder, where it isn't there and the command ended over that; else empty.
+  QString missingFolder;
 };
 
 /// The host behind the windows, with its module and the drawing that is open. Commands run in the windows' own thread and
@@ -55,6 +57,8 @@ class Session : public QObject {
   /// The running command; empty where none runs.
   [[nodiscard]] const QString& running() const { return running_; }
   [[nodiscard]] bool isRunning() const { return !running_.isEmpty(); }
+  /// The folder that the running command has looked for in vain, before it asks its user again; told once.
+  [[nodiscard]] QString takeMissingFolder();
   /// Runs a command to its end. Not while one runs.
   CommandReport run(const QString& name);
 

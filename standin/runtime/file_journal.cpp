@@ -5,8 +5,16 @@
 namespace lvx::runtime {
 
 void FileJournal::add(FileEvent event) {
+  missing_.clear();
   events_.push_back(std::move(event));
   if (listener) listener(events_.back());
+}
+
+void FileJournal::lookedFor(const std::string& path, bool found) {
+  if (found)
+    missing_.clear();
+  else
+    missing_ = path;
 }
 
 const FileEvent* FileJournal::last(const std::string& path) const {

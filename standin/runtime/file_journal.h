@@ -30,11 +30,19 @@ class FileJournal {
   /// The last event of that path, or null.
   [[nodiscard]] const FileEvent* last(const std::string& path) const;
 
+  /// Modules look whether the folder of their output is there, and do nothing, without a word, where it isn't. Who wants
+  /// to tell their user asks for the path that was looked for last, and not found, since the last event; empty where
+  /// there is none.
+  [[nodiscard]] const std::string& missing() const { return missing_; }
+  void lookedFor(const std::string& path, bool found);
+  void forgetMissing() { missing_.clear(); }
+
   /// Told of every event as it happens.
   std::function<void(const FileEvent&)> listener;
 
  private:
   std::vector<FileEvent> events_;
+  std::string missing_;
 };
 
 }  // namespace lvx::runtime

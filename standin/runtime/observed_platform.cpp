@@ -138,6 +138,12 @@ FileHandle ObservedPlatform::openFile(const CString& path, const char* mode) {
   return FileHandle(stream);
 }
 
+bool ObservedPlatform::exists(const CString& path) {
+  const bool found = inner_.exists(path);
+  journal_.lookedFor(platform::toUtf8(path), found);
+  return found;
+}
+
 bool ObservedPlatform::removeFile(const CString& path) {
   const bool removed = inner_.removeFile(path);
   const int error = errno;

@@ -21,7 +21,7 @@ class ObservedPlatform final : public platform::Platform {
   ObservedPlatform(platform::Platform& inner, FileJournal& journal, std::function<bool()> isInterrupted = {});
 
   [[nodiscard]] platform::FileHandle openFile(const platform::CString& path, const char* mode) override;
-  [[nodiscard]] bool exists(const platform::CString& path) override { return inner_.exists(path); }
+  [[nodiscard]] bool exists(const platform::CString& path) override;
   bool removeFile(const platform::CString& path) override;
   [[nodiscard]] std::size_t lastFolderMark(const platform::CString& path) const override {
     return inner_.lastFolderMark(path);

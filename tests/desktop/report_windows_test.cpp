@@ -417,7 +417,7 @@ TEST(ProjectionWindows, TellWhyNothingIsWrittenIntoAFolderThatIsntThere) {
   user.press(kOk);
   user.answer(user.expectBox("notWritten", QMessageBox::Warning, folder.string()), "OK");
   ASSERT_TRUE(user.waitForEnd());
-  EXPECT_TRUE(user.program.waitUntilSaid("no-such-folder"));
+  EXPECT_TRUE(user.program.waitUntilSaid(("There is no folder " + folder.string()).c_str()));
   EXPECT_TRUE(namesIn(user.program.folder.path()).empty());
 
   // Without any folder the report itself asks for one.

@@ -46,6 +46,17 @@ TEST_F(ObservedPlatformTest, PutsAFileInPlaceWhenItIsClosed) {
   EXPECT_EQ(fileCount(), 1U);
 }
 
+TEST_F(ObservedPlatformTest, RemembersWhatWasLookedForInVainUntilSomethingElseHappens) {
+  EXPECT_EQ(journal_.missing(), "");
+  EXPECT_FALSE(platform_.exists(wide("nowhere")));
+  EXPECT_EQ(journal_.missing(), (folder_ / "nowhere").string());
+  EXPECT_TRUE(platform_.exists(folder_.path().wstring()));
+  EXPECT_EQ(journal_.missing(), "");
+  EXPECT_FALSE(platform_.exists(wide("road.txt")));
+  platform_.openFile(wide("road.txt"), "wb").reset();
+  EXPECT_EQ(journal_.missing(), "") << "it was made";
+}
+
 TEST_F(ObservedPlatformTest, KeepsTheFormerFileUntilThen) {
   put("road.txt", "former");
   ::chmod((folder_ / "road.txt").c_str(), 0640);
