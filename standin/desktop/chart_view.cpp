@@ -323,7 +323,7 @@ ChartView::ChartView(QWidget* parent) : QWidget(parent) {
   bold.setBold(true);
   title_->setFont(bold);
   row->addWidget(title_, 1);
-  auto* heightsLabel = new QLabel(tr("&Heights:"));
+  auto* heightsLabel = new QLabel(tr("Heights:"));
   heights_ = new QComboBox;
   heights_->setObjectName(QStringLiteral("exaggeration"));
   heights_->setToolTip(tr("How many times larger heights are drawn than widths"));

@@ -117,7 +117,9 @@ QString link(const char* what, const QString& path, const QString& words) {
 // ---------------------------------------------------------------- the window's parts
 
 MainWindow::MainWindow(const DesktopOptions& options)
-    : options_(options), settings_(std::make_unique<QSettings>(settingsPlace(options), QSettings::IniFormat)) {
+    : options_(options),
+      language_(options.choices.language),
+      settings_(std::make_unique<QSettings>(settingsPlace(options), QSettings::IniFormat)) {
   setObjectName(QStringLiteral("mainWindow"));
   setAcceptDrops(true);
   setDockNestingEnabled(true);
@@ -364,7 +366,7 @@ void MainWindow::buildActions() {
   QMenu* const surfaceMenu = viewMenu_->addMenu(icon(QStringLiteral("surface_look")), tr("S&urface"));
   surfaceMenu->setObjectName(QStringLiteral("surfaceMenu"));
   buildLook(*layerMenu_, *surfaceMenu);
-  QMenu* const schemeMenu = viewMenu_->addMenu(tr("&Scheme"));
+  QMenu* const schemeMenu = viewMenu_->addMenu(tr("Sc&heme"));
   schemeMenu->setObjectName(QStringLiteral("schemeMenu"));
   schemes_ = new QActionGroup(this);
   const std::pair<Scheme, QString> schemes[] = {
@@ -509,7 +511,8 @@ void MainWindow::buildStatusLine() {
   station_->setObjectName(QStringLiteral("station"));
   // As wide as they get, so that nothing jumps while the mouse moves.
   const QFontMetrics metrics(coordinates_->font());
-  coordinates_->setMinimumWidth(metrics.horizontalAdvance(QStringLiteral("E 00000000.000   N 00000000.000")));
+  coordinates_->setMinimumWidth(
+      metrics.horizontalAdvance(placeText(QStringLiteral("00000000.000"), QStringLiteral("00000000.000"))));
   coordinates_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   statusBar()->addPermanentWidget(progress_);
   statusBar()->addPermanentWidget(station_);
@@ -911,10 +914,14 @@ void MainWindow::useAlignment(const civil::AlignmentObject* alignment) {
                         .arg(name, toQt(view::stationText(foot->station)), toQt(view::fixedText(foot->offset)), side));
 }
 
+QString MainWindow::placeText(const QString& east, const QString& north) {
+  //: Easting and northing of a place, as their letters.
+  return tr("E %1   N %2").arg(east, north);
+}
+
 void MainWindow::showMouse(QPointF place) {
   mouse_ = place;
-  coordinates_->setText(
-      QStringLiteral("E %1   N %2").arg(toQt(view::fixedText(place.x())), toQt(view::fixedText(place.y()))));
+  coordinates_->setText(placeText(toQt(view::fixedText(place.x())), toQt(view::fixedText(place.y()))));
   useAlignment(alignment_);
 }
 

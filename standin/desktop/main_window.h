@@ -8,6 +8,7 @@
 
 #include "desktop/desktop_options.h"
 #include "desktop/drawing_loader.h"
+#include "desktop/language.h"
 #include "desktop/plan_look.h"
 #include "desktop/session.h"
 
@@ -104,6 +105,7 @@ class MainWindow : public QMainWindow {
   void zoomTo(civil::Handle handle);
   /// What is drawn for an object that has no place of its own: a group's lines, a profile's alignment.
   [[nodiscard]] std::vector<civil::Handle> shownFor(civil::Handle handle) const;
+  [[nodiscard]] static QString placeText(const QString& east, const QString& north);
   void showMouse(QPointF place);
   void useAlignment(const civil::AlignmentObject* alignment);
   [[nodiscard]] const civil::AlignmentObject* alignmentOf(civil::Handle handle) const;
@@ -121,6 +123,8 @@ class MainWindow : public QMainWindow {
   [[nodiscard]] QString titleOf(const QString& command) const;
 
   DesktopOptions options_;
+  /// Before whatever has words.
+  Language language_;
   std::unique_ptr<QSettings> settings_;
 
   ProgressStrip* progress_ = nullptr;

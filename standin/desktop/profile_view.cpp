@@ -175,7 +175,9 @@ QString ProfileView::exportName() const {
   // What no file name may hold on one system or another.
   for (QChar& letter : name)
     if (QStringLiteral("/\\:*?\"<>|").contains(letter)) letter = QLatin1Char('-');
-  return name.isEmpty() ? QStringLiteral("profile") : QStringLiteral("profile-") + name;
+  //: Name that a profile's file is given first.
+  const QString kind = tr("profile");
+  return name.isEmpty() ? kind : kind + QLatin1Char('-') + name;
 }
 
 }  // namespace lvx::desktop

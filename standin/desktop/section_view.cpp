@@ -203,8 +203,9 @@ std::optional<ChartView::Snap> SectionView::snap(Vec2 place, Vec2 reach) const {
 }
 
 QString SectionView::exportName() const {
-  if (!model_) return QStringLiteral("section");
-  return QStringLiteral("section-") + toQt(view::stationText(model_->station));
+  //: Name that a cross section's file is given first.
+  const QString kind = tr("section");
+  return model_ ? kind + QLatin1Char('-') + toQt(view::stationText(model_->station)) : kind;
 }
 
 }  // namespace lvx::desktop

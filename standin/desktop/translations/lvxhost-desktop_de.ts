@@ -1,0 +1,1111 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE">
+<context>
+    <name>ChartPage</name>
+    <message>
+        <source>Scale 1:%1</source>
+        <translation>Maßstab 1:%1</translation>
+    </message>
+    <message>
+        <source>Scale 1:%1, heights 1:%2</source>
+        <translation>Maßstab 1:%1, Höhen 1:%2</translation>
+    </message>
+</context>
+<context>
+    <name>ObjectNames</name>
+    <message>
+        <source>Site</source>
+        <translation>Gebiet</translation>
+    </message>
+    <message>
+        <source>Alignment</source>
+        <translation>Achse</translation>
+    </message>
+    <message>
+        <source>Profile</source>
+        <translation>Längsschnitt</translation>
+    </message>
+    <message>
+        <source>Sample line group</source>
+        <translation>Querprofilgruppe</translation>
+    </message>
+    <message>
+        <source>Sample line</source>
+        <translation>Querprofil</translation>
+    </message>
+    <message>
+        <source>Surface</source>
+        <translation>DGM</translation>
+    </message>
+    <message>
+        <source>Point</source>
+        <translation>Punkt</translation>
+    </message>
+    <message>
+        <source>Point group</source>
+        <translation>Punktgruppe</translation>
+    </message>
+    <message>
+        <source>Corridor</source>
+        <translation>Straßenkörper</translation>
+    </message>
+</context>
+<context>
+    <name>PlanFurniture</name>
+    <message>
+        <source>N</source>
+        <extracomment>North, above the arrow of a plan.</extracomment>
+        <translation>N</translation>
+    </message>
+    <message>
+        <source>Height</source>
+        <translation>Höhe</translation>
+    </message>
+</context>
+<context>
+    <name>SaveBox</name>
+    <message>
+        <source>%1
+This file doesn&apos;t exist. Create it?</source>
+        <translation>%1
+Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::ChartView</name>
+    <message>
+        <source>How many times larger heights are drawn than widths</source>
+        <translation>Wievielmal größer als Breiten Höhen gezeichnet werden</translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation>Automatisch</translation>
+    </message>
+    <message>
+        <source>%1 ×</source>
+        <translation>%1 ×</translation>
+    </message>
+    <message>
+        <source>Fit</source>
+        <translation>Einpassen</translation>
+    </message>
+    <message>
+        <source>Show everything (Home)</source>
+        <translation>Alles zeigen (Pos1)</translation>
+    </message>
+    <message>
+        <source>Export…</source>
+        <translation>Exportieren…</translation>
+    </message>
+    <message>
+        <source>Write the chart to an SVG or PDF file</source>
+        <translation>Das Bild in eine SVG- oder PDF-Datei schreiben</translation>
+    </message>
+    <message>
+        <source>&amp;Show everything</source>
+        <translation>&amp;Alles zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Copy as picture</source>
+        <translation>Als &amp;Bild kopieren</translation>
+    </message>
+    <message>
+        <source>&amp;Export…</source>
+        <translation>&amp;Exportieren…</translation>
+    </message>
+    <message>
+        <source>There is nothing to export.</source>
+        <translation>Es gibt nichts zu exportieren.</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be written: its name must end in .svg or .pdf.</source>
+        <translation>%1 kann nicht geschrieben werden: Der Name muss auf .svg oder .pdf enden.</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be written: %2.</source>
+        <translation>%1 kann nicht geschrieben werden: %2.</translation>
+    </message>
+    <message>
+        <source>PDF document (*.pdf)</source>
+        <translation>PDF-Dokument (*.pdf)</translation>
+    </message>
+    <message>
+        <source>SVG drawing (*.svg)</source>
+        <translation>SVG-Zeichnung (*.svg)</translation>
+    </message>
+    <message>
+        <source>Export the chart</source>
+        <translation>Bild exportieren</translation>
+    </message>
+    <message>
+        <source>Heights:</source>
+        <translation>Überhöhung:</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::ConsoleView</name>
+    <message>
+        <source>Messages</source>
+        <translation>Meldungen</translation>
+    </message>
+    <message>
+        <source>a command, such as lvx_Report_Points, ZOOM or HELP</source>
+        <translation>ein Befehl, etwa lvx_Report_Points, ZOOM oder HELP</translation>
+    </message>
+    <message>
+        <source>Command line</source>
+        <translation>Befehlszeile</translation>
+    </message>
+    <message>
+        <source>Command:</source>
+        <translation>Befehl:</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::DesktopFrontEnd</name>
+    <message>
+        <source>There is no help page for %1.</source>
+        <translation>Zu %1 gibt es keine Hilfeseite.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::DiagnosticsModel</name>
+    <message>
+        <source>Note</source>
+        <translation>Hinweis</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>Warnung</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>Severity</source>
+        <translation>Stufe</translation>
+    </message>
+    <message>
+        <source>Place</source>
+        <translation>Stelle</translation>
+    </message>
+    <message>
+        <source>What was found</source>
+        <translation>Befund</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::DiagnosticsView</name>
+    <message>
+        <source>All</source>
+        <translation>Alle</translation>
+    </message>
+    <message>
+        <source>Warnings and errors</source>
+        <translation>Warnungen und Fehler</translation>
+    </message>
+    <message>
+        <source>Errors</source>
+        <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>Least severity</source>
+        <translation>Niedrigste Stufe</translation>
+    </message>
+    <message>
+        <source>Words to look for</source>
+        <translation>Suchwörter</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>Copy the chosen rows, or all that show where none is chosen</source>
+        <translation>Die gewählten Zeilen kopieren; ist keine gewählt, alle gezeigten</translation>
+    </message>
+    <message>
+        <source>Diagnostics</source>
+        <translation>Diagnose</translation>
+    </message>
+    <message>
+        <source>Diagnostics (%1)</source>
+        <translation>Diagnose (%1)</translation>
+    </message>
+    <message>
+        <source>No drawing is open.</source>
+        <translation>Es ist keine Zeichnung geöffnet.</translation>
+    </message>
+    <message>
+        <source>The reader found nothing odd in the drawing.</source>
+        <translation>Beim Lesen der Zeichnung ist nichts aufgefallen.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::DrawingLoader</name>
+    <message>
+        <source>Check the name, and whether the folder or drive is there. A drawing that was moved can be found with Open.</source>
+        <translation>Prüfen Sie den Namen und ob der Ordner oder das Laufwerk da ist. Eine verschobene Zeichnung lässt sich mit Öffnen suchen.</translation>
+    </message>
+    <message>
+        <source>Choose a LandXML file in that folder instead.</source>
+        <translation>Wählen Sie stattdessen eine LandXML-Datei in diesem Ordner.</translation>
+    </message>
+    <message>
+        <source>Choose a LandXML file instead.</source>
+        <translation>Wählen Sie stattdessen eine LandXML-Datei.</translation>
+    </message>
+    <message>
+        <source>Ask for the right to read the file, or open a copy of it.</source>
+        <translation>Lassen Sie sich das Recht geben, die Datei zu lesen, oder öffnen Sie eine Kopie.</translation>
+    </message>
+    <message>
+        <source>Look at that line of the file; a file that was cut off has to be copied or exported again by the program that made it.</source>
+        <translation>Sehen Sie sich diese Zeile der Datei an. Eine abgeschnittene Datei muss neu kopiert oder von dem Programm, das sie erzeugt hat, neu exportiert werden.</translation>
+    </message>
+    <message>
+        <source>Export the drawing again as LandXML from the program that made it.</source>
+        <translation>Exportieren Sie die Zeichnung in dem Programm, das sie erzeugt hat, noch einmal als LandXML.</translation>
+    </message>
+    <message>
+        <source>Reading</source>
+        <translation>Lesen</translation>
+    </message>
+    <message>
+        <source>Preparing the view</source>
+        <translation>Ansicht vorbereiten</translation>
+    </message>
+    <message>
+        <source>There is not enough memory for this drawing.</source>
+        <translation>Für diese Zeichnung reicht der Speicher nicht.</translation>
+    </message>
+    <message>
+        <source>Close other programs, or split the drawing.</source>
+        <translation>Schließen Sie andere Programme, oder teilen Sie die Zeichnung.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::DrawingTree</name>
+    <message>
+        <source>Find an object by its name</source>
+        <translation>Objekt nach Namen suchen</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::DrawingTreeModel</name>
+    <message>
+        <source>(without a name)</source>
+        <translation>(ohne Namen)</translation>
+    </message>
+    <message>
+        <source>Profiles</source>
+        <translation>Längsschnitte</translation>
+    </message>
+    <message>
+        <source>Ground</source>
+        <translation>Gelände</translation>
+    </message>
+    <message>
+        <source>Design</source>
+        <translation>Gradiente</translation>
+    </message>
+    <message>
+        <source>Sample line groups</source>
+        <translation>Querprofilgruppen</translation>
+    </message>
+    <message>
+        <source>Sites</source>
+        <translation>Gebiete</translation>
+    </message>
+    <message>
+        <source>Alignments without a site</source>
+        <translation>Achsen ohne Gebiet</translation>
+    </message>
+    <message>
+        <source>Surfaces</source>
+        <translation>DGM</translation>
+    </message>
+    <message>
+        <source>%1 triangles</source>
+        <translation>%1 Dreiecke</translation>
+    </message>
+    <message>
+        <source>%1 points, %2 triangles, elevations %3 to %4</source>
+        <translation>%1 Punkte, %2 Dreiecke, Höhen %3 bis %4</translation>
+    </message>
+    <message>
+        <source>Point groups</source>
+        <translation>Punktgruppen</translation>
+    </message>
+    <message>
+        <source>%1 points in the drawing</source>
+        <translation>%1 Punkte in der Zeichnung</translation>
+    </message>
+    <message>
+        <source>Corridors</source>
+        <translation>Straßenkörper</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n region(s)</source>
+        <translation>
+            <numerusform>%n Abschnitt</numerusform>
+            <numerusform>%n Abschnitte</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::HelpWindow</name>
+    <message>
+        <source>Help</source>
+        <translation>Hilfe</translation>
+    </message>
+    <message>
+        <source>Contents</source>
+        <translation>Inhalt</translation>
+    </message>
+    <message>
+        <source>&amp;Back</source>
+        <translation>&amp;Zurück</translation>
+    </message>
+    <message>
+        <source>&amp;Forward</source>
+        <translation>&amp;Vorwärts</translation>
+    </message>
+    <message>
+        <source>&amp;Contents</source>
+        <translation>&amp;Inhalt</translation>
+    </message>
+    <message>
+        <source>Smaller text</source>
+        <translation>Kleinere Schrift</translation>
+    </message>
+    <message>
+        <source>Larger text</source>
+        <translation>Größere Schrift</translation>
+    </message>
+    <message>
+        <source>Find in page</source>
+        <translation>Auf der Seite suchen</translation>
+    </message>
+    <message>
+        <source>The help has no page for “%1”. These are the pages that it has.</source>
+        <translation>Die Hilfe hat keine Seite zu „%1“. Dies sind ihre Seiten.</translation>
+    </message>
+    <message>
+        <source>The help pages aren&apos;t there: “%1” holds none.</source>
+        <translation>Die Hilfeseiten fehlen: In „%1“ liegen keine.</translation>
+    </message>
+    <message>
+        <source>The page “%1” isn&apos;t there.</source>
+        <translation>Die Seite „%1“ gibt es nicht.</translation>
+    </message>
+    <message>
+        <source>Help: %1</source>
+        <translation>Hilfe: %1</translation>
+    </message>
+    <message>
+        <source>Not found</source>
+        <translation>Nicht gefunden</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::MainWindow</name>
+    <message>
+        <source>Profile &amp;projection…</source>
+        <translation>&amp;Querprofilprojektion…</translation>
+    </message>
+    <message>
+        <source>The ground across an alignment at its sample lines</source>
+        <translation>Das Gelände quer zur Achse an ihren Querprofilen</translation>
+    </message>
+    <message>
+        <source>P&amp;oints…</source>
+        <translation>&amp;Punktliste…</translation>
+    </message>
+    <message>
+        <source>Points with station and offset against an alignment</source>
+        <translation>Punkte mit Station und Abstand zu einer Achse</translation>
+    </message>
+    <message>
+        <source>&amp;GLS…</source>
+        <translation>&amp;GLS-Bericht…</translation>
+    </message>
+    <message>
+        <source>An alignment with its profile and corridors in one table</source>
+        <translation>Eine Achse mit Gradiente und Straßenkörpern in einer Tabelle</translation>
+    </message>
+    <message>
+        <source>%1 %2: %3 of %4</source>
+        <translation>%2: %1, %3 von %4</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>Opening %1 was cancelled.</source>
+        <translation>Das Öffnen von %1 wurde abgebrochen.</translation>
+    </message>
+    <message>
+        <source>%1 was changed by another program.</source>
+        <translation>%1 wurde von einem anderen Programm geändert.</translation>
+    </message>
+    <message>
+        <source>Reload</source>
+        <translation>Neu laden</translation>
+    </message>
+    <message>
+        <source>Keep</source>
+        <translation>Behalten</translation>
+    </message>
+    <message>
+        <source>%1 isn&apos;t there any more. The drawing stays open; Save as writes it to a new place.</source>
+        <translation>%1 gibt es nicht mehr. Die Zeichnung bleibt geöffnet; Speichern unter schreibt sie an einen neuen Ort.</translation>
+    </message>
+    <message>
+        <source>There are no reports: %1. Drawings can be looked at all the same.</source>
+        <translation>Es gibt keine Berichte: %1. Ansehen lassen sich Zeichnungen trotzdem.</translation>
+    </message>
+    <message>
+        <source>Drawing</source>
+        <translation>Zeichnung</translation>
+    </message>
+    <message>
+        <source>Console</source>
+        <translation>Konsole</translation>
+    </message>
+    <message>
+        <source>Profile</source>
+        <translation>Längsschnitt</translation>
+    </message>
+    <message>
+        <source>Diagnostics</source>
+        <translation>Diagnose</translation>
+    </message>
+    <message>
+        <source>Cross section</source>
+        <translation>Querprofil</translation>
+    </message>
+    <message>
+        <source>&amp;Open…</source>
+        <translation>Ö&amp;ffnen…</translation>
+    </message>
+    <message>
+        <source>Open a LandXML drawing</source>
+        <translation>Eine LandXML-Zeichnung öffnen</translation>
+    </message>
+    <message>
+        <source>&amp;Reload</source>
+        <translation>&amp;Neu laden</translation>
+    </message>
+    <message>
+        <source>Read the open drawing&apos;s file again</source>
+        <translation>Die Datei der geöffneten Zeichnung noch einmal lesen</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Speichern</translation>
+    </message>
+    <message>
+        <source>Save the drawing with its added sections</source>
+        <translation>Die Zeichnung mit den hinzugefügten Querschnitten speichern</translation>
+    </message>
+    <message>
+        <source>Save &amp;as…</source>
+        <translation>Speichern &amp;unter…</translation>
+    </message>
+    <message>
+        <source>Save the drawing in another file</source>
+        <translation>Die Zeichnung in einer anderen Datei speichern</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>Close the program</source>
+        <translation>Das Programm schließen</translation>
+    </message>
+    <message>
+        <source>Zoom to &amp;all</source>
+        <translation>Zoom auf &amp;alles</translation>
+    </message>
+    <message>
+        <source>Show the whole drawing</source>
+        <translation>Die ganze Zeichnung zeigen</translation>
+    </message>
+    <message>
+        <source>Zoom to &amp;selection</source>
+        <translation>Zoom auf A&amp;uswahl</translation>
+    </message>
+    <message>
+        <source>Show the selected object as large as it goes</source>
+        <translation>Das gewählte Objekt so groß wie möglich zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Find object</source>
+        <translation>Objekt &amp;suchen</translation>
+    </message>
+    <message>
+        <source>Find an object of the drawing by its name</source>
+        <translation>Ein Objekt der Zeichnung nach seinem Namen suchen</translation>
+    </message>
+    <message>
+        <source>&amp;Command line</source>
+        <translation>&amp;Befehlszeile</translation>
+    </message>
+    <message>
+        <source>Type a command by its name</source>
+        <translation>Einen Befehl mit seinem Namen eingeben</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>Open re&amp;cent</source>
+        <translation>&amp;Zuletzt geöffnet</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <source>&amp;Layers</source>
+        <translation>&amp;Ebenen</translation>
+    </message>
+    <message>
+        <source>S&amp;urface</source>
+        <translation>&amp;DGM</translation>
+    </message>
+    <message>
+        <source>Sc&amp;heme</source>
+        <translation>&amp;Farbschema</translation>
+    </message>
+    <message>
+        <source>As the &amp;system</source>
+        <translation>Wie das &amp;System</translation>
+    </message>
+    <message>
+        <source>&amp;Light</source>
+        <translation>&amp;Hell</translation>
+    </message>
+    <message>
+        <source>&amp;Dark</source>
+        <translation>&amp;Dunkel</translation>
+    </message>
+    <message>
+        <source>&amp;Panels</source>
+        <translation>Be&amp;reiche</translation>
+    </message>
+    <message>
+        <source>&amp;Reports</source>
+        <translation>&amp;Berichte</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>&amp;Contents</source>
+        <translation>&amp;Inhalt</translation>
+    </message>
+    <message>
+        <source>How the reports are made</source>
+        <translation>Wie die Berichte entstehen</translation>
+    </message>
+    <message>
+        <source>&amp;About</source>
+        <translation>Ü&amp;ber</translation>
+    </message>
+    <message>
+        <source>About this program</source>
+        <translation>Über dieses Programm</translation>
+    </message>
+    <message>
+        <source>About lvxhost-desktop</source>
+        <translation>Über lvxhost-desktop</translation>
+    </message>
+    <message>
+        <source>&lt;h3&gt;lvxhost-desktop %1&lt;/h3&gt;&lt;p&gt;Opens LandXML drawings and runs the road reports on them.&lt;/p&gt;&lt;p&gt;Module: %2&lt;/p&gt;</source>
+        <translation>&lt;h3&gt;lvxhost-desktop %1&lt;/h3&gt;&lt;p&gt;Öffnet LandXML-Zeichnungen und erstellt daraus die Berichte für den Straßenentwurf.&lt;/p&gt;&lt;p&gt;Modul: %2&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <source>Tools</source>
+        <translation>Werkzeuge</translation>
+    </message>
+    <message>
+        <source>&lt;b&gt;Layers&lt;/b&gt;&lt;br&gt;What is drawn</source>
+        <translation>&lt;b&gt;Ebenen&lt;/b&gt;&lt;br&gt;Was gezeichnet wird</translation>
+    </message>
+    <message>
+        <source>&lt;b&gt;Surface&lt;/b&gt;&lt;br&gt;How the ground is drawn</source>
+        <translation>&lt;b&gt;DGM&lt;/b&gt;&lt;br&gt;Wie das Gelände gezeichnet wird</translation>
+    </message>
+    <message>
+        <source>&amp;Alignments</source>
+        <translation>&amp;Achsen</translation>
+    </message>
+    <message>
+        <source>S&amp;tations</source>
+        <translation>&amp;Stationen</translation>
+    </message>
+    <message>
+        <source>Sample &amp;lines</source>
+        <translation>&amp;Querprofile</translation>
+    </message>
+    <message>
+        <source>&amp;Points</source>
+        <translation>&amp;Punkte</translation>
+    </message>
+    <message>
+        <source>&amp;Corridors</source>
+        <translation>Straßen&amp;körper</translation>
+    </message>
+    <message>
+        <source>&amp;Relief</source>
+        <translation>&amp;Relief</translation>
+    </message>
+    <message>
+        <source>&amp;Heights</source>
+        <translation>&amp;Höhenfarben</translation>
+    </message>
+    <message>
+        <source>&amp;Nothing</source>
+        <translation>&amp;Nichts</translation>
+    </message>
+    <message>
+        <source>&amp;Triangles when near</source>
+        <translation>&amp;Dreiecke aus der Nähe</translation>
+    </message>
+    <message>
+        <source>&amp;Border</source>
+        <translation>&amp;Umring</translation>
+    </message>
+    <message>
+        <source>A command of the module</source>
+        <translation>Ein Befehl des Moduls</translation>
+    </message>
+    <message>
+        <source>%1 (%2)</source>
+        <translation>%1 (%2)</translation>
+    </message>
+    <message>
+        <source>%1[*] – lvxhost-desktop</source>
+        <translation>%1[*] – lvxhost-desktop</translation>
+    </message>
+    <message>
+        <source>Open a drawing</source>
+        <translation>Zeichnung öffnen</translation>
+    </message>
+    <message>
+        <source>LandXML drawings (*.xml *.landxml);;All files (*)</source>
+        <translation>LandXML-Zeichnungen (*.xml *.landxml);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Reading %1</source>
+        <translation>%1 wird gelesen</translation>
+    </message>
+    <message>
+        <source>%1 is open.</source>
+        <translation>%1 ist geöffnet.</translation>
+    </message>
+    <message numerus="yes">
+        <source>The reader found %n odd thing(s) in it; see Diagnostics.</source>
+        <translation>
+            <numerusform>Beim Lesen ist %n Stelle aufgefallen, siehe Diagnose.</numerusform>
+            <numerusform>Beim Lesen sind %n Stellen aufgefallen, siehe Diagnose.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be opened: %2</source>
+        <translation>%1 kann nicht geöffnet werden: %2</translation>
+    </message>
+    <message>
+        <source>The drawing can&apos;t be opened</source>
+        <translation>Die Zeichnung kann nicht geöffnet werden</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be opened.</source>
+        <translation>%1 kann nicht geöffnet werden.</translation>
+    </message>
+    <message>
+        <source>The drawing that was open stays open.</source>
+        <translation>Die bisher geöffnete Zeichnung bleibt geöffnet.</translation>
+    </message>
+    <message>
+        <source>&amp;Show the line</source>
+        <translation>&amp;Zeile zeigen</translation>
+    </message>
+    <message>
+        <source>Save the drawing?</source>
+        <translation>Zeichnung speichern?</translation>
+    </message>
+    <message>
+        <source>%1 has sections that aren&apos;t saved.</source>
+        <translation>%1 enthält Querschnitte, die nicht gespeichert sind.</translation>
+    </message>
+    <message>
+        <source>Without saving, the sections that the GLS report added are lost.</source>
+        <translation>Ohne Speichern gehen die Querschnitte verloren, die der GLS-Bericht hinzugefügt hat.</translation>
+    </message>
+    <message>
+        <source>&amp;Don&apos;t save</source>
+        <translation>&amp;Nicht speichern</translation>
+    </message>
+    <message>
+        <source>Save the drawing as</source>
+        <translation>Zeichnung speichern unter</translation>
+    </message>
+    <message>
+        <source>LandXML drawings (*.xml);;All files (*)</source>
+        <translation>LandXML-Zeichnungen (*.xml);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>The file was changed by another program since it was opened, and saving would undo that.</source>
+        <translation>Die Datei wurde seit dem Öffnen von einem anderen Programm geändert, und Speichern würde das rückgängig machen.</translation>
+    </message>
+    <message>
+        <source>Saving %1</source>
+        <translation>%1 wird gespeichert</translation>
+    </message>
+    <message>
+        <source>Saving %1 was cancelled; the drawing isn&apos;t saved.</source>
+        <translation>Das Speichern von %1 wurde abgebrochen; die Zeichnung ist nicht gespeichert.</translation>
+    </message>
+    <message>
+        <source>%1 is saved, %2.</source>
+        <translation>%1 ist gespeichert, %2.</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be saved: %2</source>
+        <translation>%1 kann nicht gespeichert werden: %2</translation>
+    </message>
+    <message>
+        <source>The drawing can&apos;t be saved</source>
+        <translation>Die Zeichnung kann nicht gespeichert werden</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be saved.</source>
+        <translation>%1 kann nicht gespeichert werden.</translation>
+    </message>
+    <message>
+        <source>The drawing stays open with its changes, and nothing was written. Save it under another name or in another folder, or make room and try again.</source>
+        <translation>Die Zeichnung bleibt mit ihren Änderungen geöffnet, und es wurde nichts geschrieben. Speichern Sie sie unter einem anderen Namen oder in einem anderen Ordner, oder schaffen Sie Platz und versuchen Sie es noch einmal.</translation>
+    </message>
+    <message>
+        <source>%1 isn&apos;t there any more</source>
+        <translation>%1 gibt es nicht mehr</translation>
+    </message>
+    <message>
+        <source>No drawing was opened yet</source>
+        <translation>Noch keine Zeichnung geöffnet</translation>
+    </message>
+    <message>
+        <source>&amp;Remove those that are gone</source>
+        <translation>&amp;Fehlende entfernen</translation>
+    </message>
+    <message>
+        <source>left</source>
+        <translation>links</translation>
+    </message>
+    <message>
+        <source>right</source>
+        <translation>rechts</translation>
+    </message>
+    <message>
+        <source>on the axis</source>
+        <translation>auf der Achse</translation>
+    </message>
+    <message>
+        <source>%1:  station %2   offset %3 %4</source>
+        <translation>%1:  Station %2   Abstand %3 %4</translation>
+    </message>
+    <message>
+        <source>E %1   N %2</source>
+        <extracomment>Easting and northing of a place, as their letters.</extracomment>
+        <translation>R %1   H %2</translation>
+    </message>
+    <message>
+        <source>%1 waits for a pick in the drawing or in the tree; Escape ends it.</source>
+        <translation>%1 wartet auf eine Auswahl in der Zeichnung oder im Baum; Esc bricht sie ab.</translation>
+    </message>
+    <message>
+        <source>Something else is running; wait for its end or press Escape.</source>
+        <translation>Es läuft noch etwas anderes; warten Sie, bis es fertig ist, oder drücken Sie Esc.</translation>
+    </message>
+    <message>
+        <source>No drawing is open. OPEN opens one.</source>
+        <translation>Es ist keine Zeichnung geöffnet. OPEN öffnet eine.</translation>
+    </message>
+    <message>
+        <source>There is no command &apos;%1&apos;. There is %2.</source>
+        <translation>Den Befehl „%1“ gibt es nicht. Es gibt %2.</translation>
+    </message>
+    <message>
+        <source>%1 bytes</source>
+        <translation>%1 Byte</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Show in folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>%1 was not written: %2</source>
+        <translation>%1 wurde nicht geschrieben: %2</translation>
+    </message>
+    <message>
+        <source>%1 was removed.</source>
+        <translation>%1 wurde entfernt.</translation>
+    </message>
+    <message>
+        <source>%1 was cancelled; no unfinished file was left.</source>
+        <translation>%1 wurde abgebrochen; es ist keine unfertige Datei zurückgeblieben.</translation>
+    </message>
+    <message>
+        <source>%1 ended by an exception: %2</source>
+        <translation>%1 endete mit einer Ausnahme: %2</translation>
+    </message>
+    <message>
+        <source>%1 ended and wrote nothing.</source>
+        <translation>%1 ist beendet und hat nichts geschrieben.</translation>
+    </message>
+    <message>
+        <source>The drawing has new sections that aren&apos;t saved yet.</source>
+        <translation>Die Zeichnung hat neue Querschnitte, die noch nicht gespeichert sind.</translation>
+    </message>
+    <message>
+        <source>Not everything was written</source>
+        <translation>Nicht alles wurde geschrieben</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 could not write %n file(s).</source>
+        <translation>
+            <numerusform>%1 konnte %n Datei nicht schreiben.</numerusform>
+            <numerusform>%1 konnte %n Dateien nicht schreiben.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Run the report again and choose a folder that you may write to and that has room. What stood under these names is as it was.</source>
+        <translation>Starten Sie den Bericht noch einmal, und wählen Sie einen Ordner, in den Sie schreiben dürfen und der Platz hat. Was unter diesen Namen stand, ist unverändert.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::PlanView</name>
+    <message>
+        <source>Plan</source>
+        <translation>Lageplan</translation>
+    </message>
+    <message>
+        <source>Nothing here. Esc ends.</source>
+        <translation>Hier ist nichts. Esc beendet.</translation>
+    </message>
+    <message>
+        <source>There is nothing to draw in this drawing.</source>
+        <translation>In dieser Zeichnung gibt es nichts zu zeichnen.</translation>
+    </message>
+    <message>
+        <source>No drawing is open.
+Open a LandXML file, or drop one here.</source>
+        <translation>Es ist keine Zeichnung geöffnet.
+Öffnen Sie eine LandXML-Datei, oder ziehen Sie eine hierher.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n selected</source>
+        <translation>
+            <numerusform>%n gewählt</numerusform>
+            <numerusform>%n gewählt</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::ProfileView</name>
+    <message>
+        <source>Select an alignment to see its profiles.</source>
+        <translation>Wählen Sie eine Achse, um ihre Längsschnitte zu sehen.</translation>
+    </message>
+    <message>
+        <source>Profile of %1</source>
+        <translation>Längsschnitt von %1</translation>
+    </message>
+    <message>
+        <source>Station %1 to %2</source>
+        <translation>Station %1 bis %2</translation>
+    </message>
+    <message>
+        <source>Station [%1]</source>
+        <translation>Station [%1]</translation>
+    </message>
+    <message>
+        <source>Elevation [%1]</source>
+        <translation>Höhe [%1]</translation>
+    </message>
+    <message>
+        <source>L=%1 + %2</source>
+        <translation>L=%1 + %2</translation>
+    </message>
+    <message>
+        <source>L=%1</source>
+        <translation>L=%1</translation>
+    </message>
+    <message>
+        <source>R=%1</source>
+        <translation>H=%1</translation>
+    </message>
+    <message>
+        <source>Surface %1</source>
+        <translation>DGM %1</translation>
+    </message>
+    <message>
+        <source>Alignment %1 has no profiles.</source>
+        <translation>Die Achse %1 hat keine Längsschnitte.</translation>
+    </message>
+    <message>
+        <source>Nothing of alignment %1 is shown.</source>
+        <translation>Von der Achse %1 ist nichts eingeblendet.</translation>
+    </message>
+    <message>
+        <source>Station %1</source>
+        <translation>Station %1</translation>
+    </message>
+    <message>
+        <source>Elevation %1</source>
+        <translation>Höhe %1</translation>
+    </message>
+    <message>
+        <source>profile</source>
+        <extracomment>Name that a profile&apos;s file is given first.</extracomment>
+        <translation>Längsschnitt</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::ProgressStrip</name>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>End this work (Escape)</source>
+        <translation>Diese Arbeit abbrechen (Esc)</translation>
+    </message>
+    <message>
+        <source>%1 bytes</source>
+        <translation>%1 Byte</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::ReportViewer</name>
+    <message>
+        <source>This system has no program for %1. Install one (LibreOffice Calc for workbooks, a browser for pages), or take the file elsewhere.</source>
+        <translation>Dieses System hat kein Programm für %1. Installieren Sie eines (LibreOffice Calc für Mappen, einen Browser für Seiten), oder öffnen Sie die Datei anderswo.</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be read: %2</source>
+        <translation>%1 kann nicht gelesen werden: %2</translation>
+    </message>
+    <message>
+        <source>%1 isn&apos;t there any more. Run the report again.</source>
+        <translation>%1 gibt es nicht mehr. Starten Sie den Bericht noch einmal.</translation>
+    </message>
+    <message>
+        <source>The folder %1 isn&apos;t there any more.</source>
+        <translation>Den Ordner %1 gibt es nicht mehr.</translation>
+    </message>
+    <message>
+        <source>This system has no file manager. The file is in %1.</source>
+        <translation>Dieses System hat keinen Dateimanager. Die Datei liegt in %1.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::SectionView</name>
+    <message>
+        <source>Previous sample line (Page up)</source>
+        <translation>Voriges Querprofil (Bild auf)</translation>
+    </message>
+    <message>
+        <source>Next sample line (Page down)</source>
+        <translation>Nächstes Querprofil (Bild ab)</translation>
+    </message>
+    <message>
+        <source>Sample lines of the group</source>
+        <translation>Querprofile der Gruppe</translation>
+    </message>
+    <message>
+        <source>Select a sample line to see its cross section.</source>
+        <translation>Wählen Sie ein Querprofil, um seinen Schnitt zu sehen.</translation>
+    </message>
+    <message>
+        <source>Cross section at %1, %2</source>
+        <translation>Querprofil bei %1, %2</translation>
+    </message>
+    <message>
+        <source>Sample line %1, %2</source>
+        <translation>Querprofil %1, %2</translation>
+    </message>
+    <message>
+        <source>Offset [%1]</source>
+        <translation>Abstand [%1]</translation>
+    </message>
+    <message>
+        <source>Elevation [%1]</source>
+        <translation>Höhe [%1]</translation>
+    </message>
+    <message>
+        <source>The drawing has no surface, and no corridor has a section here.</source>
+        <translation>Die Zeichnung hat kein DGM, und kein Straßenkörper hat hier einen Querschnitt.</translation>
+    </message>
+    <message>
+        <source>Sample line %1 lies off every surface that is shown, and no corridor that is shown has a section at %2.</source>
+        <translation>Das Querprofil %1 liegt außerhalb aller eingeblendeten DGM, und kein eingeblendeter Straßenkörper hat bei %2 einen Querschnitt.</translation>
+    </message>
+    <message>
+        <source>Offset %1</source>
+        <translation>Abstand %1</translation>
+    </message>
+    <message>
+        <source>Elevation %1</source>
+        <translation>Höhe %1</translation>
+    </message>
+    <message>
+        <source>section</source>
+        <extracomment>Name that a cross section&apos;s file is given first.</extracomment>
+        <translation>Querprofil</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::Session</name>
+    <message>
+        <source>something that has no words</source>
+        <translation>etwas, das keinen Text mitbringt</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::TextWindow</name>
+    <message>
+        <source>&amp;Earlier lines</source>
+        <translation>&amp;Frühere Zeilen</translation>
+    </message>
+    <message>
+        <source>&amp;Later lines</source>
+        <translation>&amp;Spätere Zeilen</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be read: %2</source>
+        <translation>%1 kann nicht gelesen werden: %2</translation>
+    </message>
+    <message>
+        <source>%1, lines %2 to %3</source>
+        <translation>%1, Zeilen %2 bis %3</translation>
+    </message>
+    <message>
+        <source>%1, line %2</source>
+        <translation>%1, Zeile %2</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,41 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en_US">
+<context>
+    <name>lvx::desktop::DrawingTreeModel</name>
+    <message numerus="yes">
+        <source>%n region(s)</source>
+        <translation>
+            <numerusform>%n region</numerusform>
+            <numerusform>%n regions</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::MainWindow</name>
+    <message numerus="yes">
+        <source>The reader found %n odd thing(s) in it; see Diagnostics.</source>
+        <translation>
+            <numerusform>The reader found %n odd thing in it; see Diagnostics.</numerusform>
+            <numerusform>The reader found %n odd things in it; see Diagnostics.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 could not write %n file(s).</source>
+        <translation>
+            <numerusform>%1 could not write %n file.</numerusform>
+            <numerusform>%1 could not write %n files.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::PlanView</name>
+    <message numerus="yes">
+        <source>%n selected</source>
+        <translation>
+            <numerusform>%n selected</numerusform>
+            <numerusform>%n selected</numerusform>
+        </translation>
+    </message>
+</context>
+</TS>
