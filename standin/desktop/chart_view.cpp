@@ -303,6 +303,21 @@ class ChartCanvas final : public QWidget {
   int highlighted_ = -1;
 };
 
+namespace {
+
+/// Ends in "…" where its text has no room.
+class TitleLabel final : public QLabel {
+ protected:
+  void paintEvent(QPaintEvent* /*event*/) override {
+    QPainter painter(this);
+    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
+    style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment()), palette(), isEnabled(), shown,
+                          foregroundRole());
+  }
+};
+
+}  // namespace
+
 // ---------------------------------------------------------------- view
 
 ChartView::ChartView(QWidget* parent) : QWidget(parent) {
@@ -315,7 +330,7 @@ ChartView::ChartView(QWidget* parent) : QWidget(parent) {
   controls_ = new QHBoxLayout;
   controls_->setSpacing(2);
   row->addLayout(controls_);
-  title_ = new QLabel;
+  title_ = new TitleLabel;
   title_->setObjectName(QStringLiteral("title"));
   title_->setTextFormat(Qt::PlainText);
   title_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);

@@ -33,7 +33,7 @@ ConsoleView::ConsoleView(QWidget* parent)
   history_->setAccessibleName(tr("Messages"));
   prompt_->setObjectName(QStringLiteral("consolePrompt"));
   edit_->setObjectName(QStringLiteral("consoleEdit"));
-  edit_->setPlaceholderText(tr("a command, such as lvx_Report_Points, ZOOM or HELP"));
+  edit_->setPlaceholderText(tr("such as ZOOM or HELP"));
   edit_->setAccessibleName(tr("Command line"));
   edit_->installEventFilter(this);
   completer_->setModel(commands_);

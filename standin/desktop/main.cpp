@@ -51,7 +51,7 @@ Started parse(const QStringList& arguments) {
   const QCommandLineOption version(QStringLiteral("version"), QStringLiteral("Show the version."));
   const QCommandLineOption language(
       QStringLiteral("lang"),
-      QStringLiteral("Language of dialogs, reports and help: en or de (default: the system's)."),
+      QStringLiteral("Language of windows, reports and help: en or de (default: the system's)."),
       QStringLiteral("LANGUAGE"));
   const QCommandLineOption scheme(QStringLiteral("scheme"),
                                   QStringLiteral("Colours: system, light or dark (default: as last chosen)."),

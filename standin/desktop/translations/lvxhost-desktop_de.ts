@@ -88,7 +88,7 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     </message>
     <message>
         <source>Fit</source>
-        <translation>Einpassen</translation>
+        <translation>Alles</translation>
     </message>
     <message>
         <source>Show everything (Home)</source>
@@ -96,7 +96,7 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     </message>
     <message>
         <source>Export…</source>
-        <translation>Exportieren…</translation>
+        <translation>Export…</translation>
     </message>
     <message>
         <source>Write the chart to an SVG or PDF file</source>
@@ -150,16 +150,16 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <translation>Meldungen</translation>
     </message>
     <message>
-        <source>a command, such as lvx_Report_Points, ZOOM or HELP</source>
-        <translation>ein Befehl, etwa lvx_Report_Points, ZOOM oder HELP</translation>
-    </message>
-    <message>
         <source>Command line</source>
         <translation>Befehlszeile</translation>
     </message>
     <message>
         <source>Command:</source>
         <translation>Befehl:</translation>
+    </message>
+    <message>
+        <source>such as ZOOM or HELP</source>
+        <translation>etwa ZOOM oder HELP</translation>
     </message>
 </context>
 <context>
@@ -204,7 +204,7 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     </message>
     <message>
         <source>Warnings and errors</source>
-        <translation>Warnungen und Fehler</translation>
+        <translation>Ab Warnung</translation>
     </message>
     <message>
         <source>Errors</source>
@@ -907,21 +907,44 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <translation>Hier ist nichts. Esc beendet.</translation>
     </message>
     <message>
-        <source>There is nothing to draw in this drawing.</source>
-        <translation>In dieser Zeichnung gibt es nichts zu zeichnen.</translation>
+        <source>Nothing to show</source>
+        <translation>Nichts zu zeigen</translation>
     </message>
     <message>
-        <source>No drawing is open.
-Open a LandXML file, or drop one here.</source>
-        <translation>Es ist keine Zeichnung geöffnet.
-Öffnen Sie eine LandXML-Datei, oder ziehen Sie eine hierher.</translation>
+        <source>No drawing</source>
+        <translation>Keine Zeichnung</translation>
     </message>
-    <message numerus="yes">
-        <source>%n selected</source>
-        <translation>
-            <numerusform>%n gewählt</numerusform>
-            <numerusform>%n gewählt</numerusform>
-        </translation>
+    <message>
+        <source>This drawing has no surface, alignment, point or corridor.</source>
+        <translation>Diese Zeichnung hat weder DGM noch Achse, Punkt oder Straßenkörper.</translation>
+    </message>
+    <message>
+        <source>Open a LandXML file, or drop one here.</source>
+        <translation>Öffnen Sie eine LandXML-Datei, oder ziehen Sie eine hierher.</translation>
+    </message>
+    <message>
+        <source>%1 selected</source>
+        <translation>%1 gewählt</translation>
+    </message>
+    <message>
+        <source>Inside and touched</source>
+        <translation>Innen und berührt</translation>
+    </message>
+    <message>
+        <source>Wholly inside</source>
+        <translation>Ganz innen</translation>
+    </message>
+    <message>
+        <source>A adds again, Enter ends</source>
+        <translation>A fügt wieder hinzu, Enter beendet</translation>
+    </message>
+    <message>
+        <source>Click or drag a window, Enter ends</source>
+        <translation>Klicken oder Fenster aufziehen, Enter beendet</translation>
+    </message>
+    <message>
+        <source>R or Shift removes, Enter ends</source>
+        <translation>R oder Umschalt entfernt, Enter beendet</translation>
     </message>
 </context>
 <context>
@@ -932,7 +955,7 @@ Open a LandXML file, or drop one here.</source>
     </message>
     <message>
         <source>Profile of %1</source>
-        <translation>Längsschnitt von %1</translation>
+        <translation>Längsschnitt %1</translation>
     </message>
     <message>
         <source>Station %1 to %2</source>

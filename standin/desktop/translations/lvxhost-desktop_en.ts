@@ -28,14 +28,4 @@
         </translation>
     </message>
 </context>
-<context>
-    <name>lvx::desktop::PlanView</name>
-    <message numerus="yes">
-        <source>%n selected</source>
-        <translation>
-            <numerusform>%n selected</numerusform>
-            <numerusform>%n selected</numerusform>
-        </translation>
-    </message>
-</context>
 </TS>
