@@ -895,6 +895,22 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <source>Run the report again and choose a folder that you may write to and that has room. What stood under these names is as it was.</source>
         <translation>Starten Sie den Bericht noch einmal, und wählen Sie einen Ordner, in den Sie schreiben dürfen und der Platz hat. Was unter diesen Namen stand, ist unverändert.</translation>
     </message>
+    <message>
+        <source>There is no folder %1, and nothing was written.</source>
+        <translation>Den Ordner %1 gibt es nicht, und es wurde nichts geschrieben.</translation>
+    </message>
+    <message>
+        <source>Nothing was written</source>
+        <translation>Nichts wurde geschrieben</translation>
+    </message>
+    <message>
+        <source>There is no folder %1.</source>
+        <translation>Den Ordner %1 gibt es nicht.</translation>
+    </message>
+    <message>
+        <source>Make it, or choose another place for the output file.</source>
+        <translation>Legen Sie ihn an, oder wählen Sie einen anderen Ort für die Ausgabedatei.</translation>
+    </message>
 </context>
 <context>
     <name>lvx::desktop::PlanView</name>
