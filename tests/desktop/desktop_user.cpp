@@ -20,6 +20,7 @@ namespace lvx::test {
 namespace {
 
 constexpr std::chrono::milliseconds kPause{10};
+constexpr std::chrono::seconds kMostPatience{20};
 
 /// A widget's place in pixels of the screen.
 QPoint devicePlace(QWidget* widget, QPoint place) {
@@ -97,13 +98,45 @@ unsigned buttonNumber(Qt::MouseButton button) {
 
 struct DesktopUser::Devices {
   Display* display = nullptr;
+  /// Never shown: the manager is asked about it.
+  Window question = None;
+  Atom ask = None;
+  Atom answer = None;
+
+  void open() {
+    display = XOpenDisplay(nullptr);
+    if (display == nullptr) throw std::runtime_error("the test's user finds no display");
+    question = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 1, 1, 0, 0, 0);
+    XSelectInput(display, question, PropertyChangeMask);
+    ask = XInternAtom(display, "_NET_REQUEST_FRAME_EXTENTS", False);
+    answer = XInternAtom(display, "_NET_FRAME_EXTENTS", False);
+  }
+
+  /// Asks the window manager something and waits for its answer: it has then dealt with all that happened before.
+  void waitForManager() const {
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = question;
+    event.xclient.message_type = ask;
+    event.xclient.format = 32;
+    XSendEvent(display, DefaultRootWindow(display), False, SubstructureRedirectMask | SubstructureNotifyMask, &event);
+    XSync(display, False);
+    const auto end = std::chrono::steady_clock::now() + kMostPatience;
+    while (std::chrono::steady_clock::now() < end) {
+      while (XCheckWindowEvent(display, question, PropertyChangeMask, &event) == True)
+        if (event.xproperty.atom == answer && event.xproperty.state == PropertyNewValue) return;
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    throw std::runtime_error("the window manager doesn't answer");
+  }
 };
 
 DesktopUser::DesktopUser() : devices_(new Devices) {
-  devices_->display = XOpenDisplay(nullptr);
-  if (devices_->display == nullptr) {
+  try {
+    devices_->open();
+  } catch (...) {
     delete devices_;
-    throw std::runtime_error("the test's user finds no display");
+    throw;
   }
 }
 
@@ -151,10 +184,14 @@ void DesktopUser::settle() const {
   // windows' own connection.
   const auto askServer = [] { QApplication::primaryScreen()->grabWindow(0, 0, 0, 1, 1); };
   XSync(devices_->display, False);
+  // A click comes to the manager first, which passes it on when it gets to it; keys don't wait for that.
+  devices_->waitForManager();
   std::this_thread::sleep_for(kPause);
   onGui(askServer);
   onGui([] {});
   onGui(askServer);
+  // What the windows did about it, such as going away, may move the keyboard.
+  devices_->waitForManager();
 }
 
 void DesktopUser::moveToGlobal(QPoint device) {

@@ -6,8 +6,14 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace lvx::test {
 namespace {
@@ -61,6 +67,38 @@ TEST(DesktopUser, WorksAModalDialogThatAnEventOpened) {
   ASSERT_NE(user.waitForActiveWindow(QStringLiteral("Question")), nullptr);
   user.key(Qt::Key_Escape);
   EXPECT_TRUE(user.waitFor([&] { return window.code == QDialog::Rejected; }));
+}
+
+/// The window manager that this program started.
+pid_t manager() {
+  for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+    std::string name;
+    std::string state;
+    pid_t id = 0;
+    pid_t parent = 0;
+    std::ifstream stat(entry.path() / "stat");
+    if (stat >> id >> name >> state >> parent && parent == getpid() && name == "(openbox)") return id;
+  }
+  return -1;
+}
+
+TEST(DesktopUser, ClicksBeforeItTypesHoweverSlowTheWindowManagerIs) {
+  DesktopUser user;
+  Window window;
+  ASSERT_NE(user.waitForActiveWindow(QStringLiteral("Window")), nullptr);
+  user.click(window.second);
+  const pid_t id = manager();
+  ASSERT_GT(id, 0);
+  ASSERT_EQ(kill(id, SIGSTOP), 0);
+  std::thread waking([id] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(400));
+    kill(id, SIGCONT);
+  });
+  user.click(window.first);
+  user.type("road");
+  waking.join();
+  EXPECT_TRUE(user.waitFor([&] { return window.first->text() == QStringLiteral("road"); }));
+  EXPECT_EQ(onGui([&] { return window.second->text().toStdString(); }), "");
 }
 
 }  // namespace
