@@ -33,7 +33,6 @@ ConsoleView::ConsoleView(QWidget* parent)
   history_->setAccessibleName(tr("Messages"));
   prompt_->setObjectName(QStringLiteral("consolePrompt"));
   edit_->setObjectName(QStringLiteral("consoleEdit"));
-  edit_->setPlaceholderText(tr("such as ZOOM or HELP"));
   edit_->setAccessibleName(tr("Command line"));
   edit_->installEventFilter(this);
   completer_->setModel(commands_);
@@ -92,6 +91,8 @@ void ConsoleView::setPrompt(const QString& prompt) {
   QFont font = prompt_->font();
   font.setBold(!prompt.isEmpty());
   prompt_->setFont(font);
+  edit_->setPlaceholderText(prompt.isEmpty() ? tr("such as ZOOM or HELP")
+                                             : tr("click in the drawing or in the tree; Escape gives up"));
 }
 
 void ConsoleView::setCommands(const QStringList& commands) { commands_->setStringList(commands); }

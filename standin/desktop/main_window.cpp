@@ -173,6 +173,7 @@ MainWindow::MainWindow(const DesktopOptions& options)
 
   fillReports();
   restoreSettings();
+  plan_->setFocus();
   updateState();
   if (!session_->moduleProblem().isEmpty())
     console_->printError(
@@ -492,7 +493,13 @@ void MainWindow::fillReports() {
         addAction(command, known == nullptr ? QStringLiteral("report") : QString::fromLatin1(known->icon),
                   known == nullptr ? command : tr(known->title), tr("%1 (%2)").arg(tip, command), keys);
     connect(
-        action, &QAction::triggered, this, [this, command] { runCommand(command); }, Qt::QueuedConnection);
+        action, &QAction::triggered, this,
+        [this, command] {
+          if (isBusy()) return;
+          console_->print(QStringLiteral("> ") + command);
+          runCommand(command);
+        },
+        Qt::QueuedConnection);
     reportMenu_->addAction(action);
     tools->addAction(action);
     reports_.push_back(action);
@@ -534,7 +541,9 @@ void MainWindow::restoreSettings() {
     constexpr int kBottomHeight = 270;
     resizeDocks({tree}, {kTreeWidth}, Qt::Horizontal);
     resizeDocks({consoleDock_, profileDock_}, {kBottomHeight, kBottomHeight}, Qt::Vertical);
-    resizeDocks({consoleDock_, profileDock_}, {1, 1}, Qt::Horizontal);
+    constexpr int kConsoleWidth = 480;
+    resizeDocks({consoleDock_, profileDock_}, {kConsoleWidth, kUsualSize.width() - kTreeWidth - kConsoleWidth},
+                Qt::Horizontal);
   }
 }
 
@@ -935,7 +944,8 @@ QString MainWindow::titleOf(const QString& command) const {
 }
 
 void MainWindow::enter(const QString& text) {
-  console_->print(QStringLiteral("> ") + text);
+  const QString command = session_->commandOf(text);
+  console_->print(QStringLiteral("> ") + (command.isEmpty() ? text : command));
   if (isBusy()) {
     console_->print(
         frontEnd_->isPicking()
@@ -945,7 +955,7 @@ void MainWindow::enter(const QString& text) {
   }
   const QString word = text.section(QLatin1Char(' '), 0, 0).toUpper();
   const QString rest = text.section(QLatin1Char(' '), 1).trimmed();
-  if (const QString command = session_->commandOf(text); !command.isEmpty()) {
+  if (!command.isEmpty()) {
     runCommand(command);
   } else if (word == QStringLiteral("OPEN")) {
     if (rest.isEmpty())
@@ -980,7 +990,6 @@ void MainWindow::runCommand(const QString& name) {
     console_->printError(tr("No drawing is open. OPEN opens one."));
     return;
   }
-  console_->print(name);
   const CommandReport report = session_->run(name);
   if (scene_) {
     scene_->refreshCorridors();
@@ -1114,9 +1123,15 @@ void MainWindow::changeEvent(QEvent* event) {
 
 bool MainWindow::eventFilter(QObject* target, QEvent* event) {
   if (target == plan_ && awaitsPaint_ && event->type() == QEvent::Paint) {
-    awaitsPaint_ = false;
+    // Behind the paint, which tells whether the picture was the final one.
     QMetaObject::invokeMethod(
-        this, [this] { Q_EMIT drawingShown(); }, Qt::QueuedConnection);
+        this,
+        [this] {
+          if (!awaitsPaint_ || !plan_->isSharp()) return;
+          awaitsPaint_ = false;
+          Q_EMIT drawingShown();
+        },
+        Qt::QueuedConnection);
   }
   return QMainWindow::eventFilter(target, event);
 }

@@ -57,7 +57,7 @@ class MainWindow : public QMainWindow {
   void leaveNow();
 
  Q_SIGNALS:
-  /// The drawing is open and its picture stands on the screen for the first time.
+  /// The drawing is open, and its picture stands on the screen as sharp as it gets.
   void drawingShown();
 
  protected:

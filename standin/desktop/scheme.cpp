@@ -1,9 +1,13 @@
 #include "desktop/scheme.h"
 
 #include <QApplication>
+#include <QPainter>
 #include <QPalette>
-#include <QStyle>
+#include <QProxyStyle>
 #include <QStyleFactory>
+#include <QStyleOption>
+#include <algorithm>
+#include <memory>
 
 namespace lvx::desktop {
 
@@ -19,7 +23,7 @@ constexpr Colours kLight{0xfff2f3f5, 0xff1c212b, 0xffffffff, 0xfff6f7f9, 0xffe8e
                          0xffb8bdc7, 0xff9aa0ac, 0xff5c6370, 0xff1f5fae, 0xffffffff, 0xff1a5aa8,
                          0xff6a3d9a, 0xff6b7280, 0xff8b919c, 0xfffffbe6, 0xff1c212b};
 constexpr Colours kDark{0xff25282e, 0xffe3e6eb, 0xff1a1d21, 0xff20242a, 0xff343840, 0xff3d424b,
-                        0xff4a505b, 0xff15171a, 0xff0c0d0f, 0xff2f6cc4, 0xffffffff, 0xff82b4ff,
+                        0xff69717f, 0xff15171a, 0xff0c0d0f, 0xff2f6cc4, 0xffffffff, 0xff82b4ff,
                         0xffc3a3f5, 0xff8d95a3, 0xff767d8a, 0xff3a3f48, 0xffe3e6eb};
 
 QPalette paletteOf(const Colours& colours) {
@@ -51,6 +55,43 @@ QPalette paletteOf(const Colours& colours) {
   return palette;
 }
 
+/// The drawn style takes the outlines of boxes and fields from the window's colour, darkened: on a dark window nobody sees
+/// them. There they are drawn once more in a colour that shows.
+class OutlinedStyle final : public QProxyStyle {
+ public:
+  OutlinedStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
+
+  void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    if (!isDark()) return;
+    QRectF box = option->rect;
+    constexpr double kRound = 2.0;
+    switch (element) {
+      case PE_IndicatorCheckBox:
+      case PE_IndicatorItemViewItemCheck: {
+        // As the style itself: the largest square, in the middle.
+        const double side = std::min(box.width(), box.height());
+        box = QRectF(box.center().x() - side / 2, box.center().y() - side / 2, side, side);
+        break;
+      }
+      case PE_FrameLineEdit:
+        break;
+      default:
+        return;
+    }
+    const bool isFocused = element == PE_FrameLineEdit && option->state.testFlag(State_HasFocus);
+    const QPalette::ColorGroup group = option->state.testFlag(State_Enabled) ? QPalette::Active : QPalette::Disabled;
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setBrush(Qt::NoBrush);
+    painter->setPen(option->palette.color(group, isFocused ? QPalette::Highlight : QPalette::Mid));
+    constexpr double kHalf = 0.5;
+    painter->drawRoundedRect(box.adjusted(kHalf, kHalf, -kHalf, -kHalf), kRound, kRound);
+    painter->restore();
+  }
+};
+
 constexpr int kMiddleLightness = 128;
 
 bool isDarkPalette(const QPalette& palette) { return palette.color(QPalette::Window).lightness() < kMiddleLightness; }
@@ -58,8 +99,8 @@ bool isDarkPalette(const QPalette& palette) { return palette.color(QPalette::Win
 }  // namespace
 
 void applyScheme(Scheme scheme) {
-  if (QApplication::style()->name() != QStringLiteral("fusion"))
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+  if (dynamic_cast<const OutlinedStyle*>(QApplication::style()) == nullptr)
+    QApplication::setStyle(std::make_unique<OutlinedStyle>().release());  // the application owns it
   bool dark = scheme == Scheme::Dark;
   if (scheme == Scheme::System) {
     QApplication::setPalette(QPalette());  // back to what the desktop says

@@ -101,7 +101,8 @@ TEST_F(Loading, ANewDrawingTakesThePlaceOfEverythingOfTheFormer) {
   const std::weak_ptr<runtime::OpenDrawing> former = onGui([&] { return program.window->session().drawing(); });
   program.enter("open " + large());
   ASSERT_TRUE(program.user.waitFor([&] { return program.window->windowTitle().contains(QStringLiteral("large.xml")); },
-                                   std::chrono::seconds(120)));
+                                   std::chrono::seconds(120)))
+      << program.said();
   EXPECT_TRUE(former.expired()) << "somebody still holds the former drawing";
   auto* const tree = program.part<QTreeView>("treeView");
   EXPECT_EQ(onGui([&] { return tree->model()->index(0, 0).data().toString(); }), QStringLiteral("Sites (1)"));

@@ -77,8 +77,12 @@ class ProgramWindow {
   }
   /// Types a command and presses Enter.
   void enter(const std::string& text) {
-    user.click(part("consoleEdit"));
+    auto* const edit = part<QLineEdit>("consoleEdit");
+    user.click(edit);
+    EXPECT_TRUE(user.waitFor([&] { return edit->hasFocus(); }));
     user.type(text);
+    EXPECT_TRUE(user.waitFor([&] { return edit->text().toStdString() == text; }))
+        << onGui([&] { return edit->text().toStdString(); });
     user.key(Qt::Key_Return);
   }
   /// The window of that name, such as a message box, once it has the keyboard.
