@@ -161,6 +161,10 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <source>such as ZOOM or HELP</source>
         <translation>etwa ZOOM oder HELP</translation>
     </message>
+    <message>
+        <source>click in the drawing or in the tree; Escape gives up</source>
+        <translation>in der Zeichnung oder im Baum anklicken; Escape gibt auf</translation>
+    </message>
 </context>
 <context>
     <name>lvx::desktop::DesktopFrontEnd</name>
