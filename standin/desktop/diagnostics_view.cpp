@@ -146,6 +146,10 @@ DiagnosticsView::DiagnosticsView(QWidget* parent)
   severity_->setAccessibleName(tr("Least severity"));
   filter_->setPlaceholderText(tr("Words to look for"));
   filter_->setClearButtonEnabled(true);
+  // The hint stays whole in a narrow panel, beside its frame and the mark that clears it.
+  constexpr int kLettersBeside = 4;
+  filter_->setMinimumWidth(
+      filter_->fontMetrics().horizontalAdvance(filter_->placeholderText() + QString(kLettersBeside, QLatin1Char('M'))));
   proxy_->setSourceModel(model_);
   table_->setModel(proxy_);
   table_->setSelectionBehavior(QAbstractItemView::SelectRows);

@@ -139,7 +139,8 @@ MainWindow::MainWindow(const DesktopOptions& options)
 
   connect(frontEnd_.get(), &DesktopFrontEnd::printed, console_, &ConsoleView::print);
   connect(frontEnd_.get(), &DesktopFrontEnd::dialogOpening, this, [this] {
-    if (const QString folder = session_->takeMissingFolder(); !folder.isEmpty()) tellMissingFolder(folder);
+    // The dialog comes back at once, as in the CAD program; beside it stands why.
+    if (const QString folder = session_->takeMissingFolder(); !folder.isEmpty()) printMissingFolder(folder);
   });
   connect(session_.get(), &Session::commandStarted, this, &MainWindow::updateState);
   connect(progress_, &ProgressStrip::cancelled, loader_.get(), &DrawingLoader::cancel);
@@ -1049,8 +1050,12 @@ void MainWindow::tellReport(const CommandReport& report) {
   }
 }
 
-void MainWindow::tellMissingFolder(const QString& folder) {
+void MainWindow::printMissingFolder(const QString& folder) {
   console_->printError(tr("There is no folder %1, and nothing was written.").arg(folder));
+}
+
+void MainWindow::tellMissingFolder(const QString& folder) {
+  printMissingFolder(folder);
   QMessageBox box(QMessageBox::Warning, tr("Nothing was written"), tr("There is no folder %1.").arg(folder),
                   QMessageBox::Ok, this);
   box.setObjectName(QStringLiteral("notWritten"));

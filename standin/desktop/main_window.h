@@ -116,6 +116,7 @@ class MainWindow : public QMainWindow {
   void runCommand(const QString& name);
   void tellReport(const CommandReport& report);
   /// The command says nothing of it.
+  void printMissingFolder(const QString& folder);
   void tellMissingFolder(const QString& folder);
   /// The user asked to close the window while something ran.
   void closeIfWanted();

@@ -269,6 +269,7 @@ TEST(Report, IntoAFolderThatIsntThereBringsTheDialogBackWithItsText) {
     return dialog != nullptr && dialog->isActiveWindow() && dialog->objectName() == QStringLiteral("CExportPointsDlg");
   }));
   EXPECT_FALSE(std::filesystem::exists(program.folder / "missing"));
+  EXPECT_TRUE(program.waitUntilSaid("There is no folder"));
   program.user.key(Qt::Key_Escape);
   EXPECT_TRUE(program.waitUntilSaid("Points ended and wrote nothing"));
 }

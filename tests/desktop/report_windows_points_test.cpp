@@ -220,10 +220,9 @@ TEST_F(PointsWindows, ComeBackFromAFolderThatIsntThere) {
   user.choose(kPointGroups, "Trees");
   user.typeStem(user.program.folder / "nowhere" / "trees");
   user.press(kOk);
-  user.answer(user.expectBox("notWritten", QMessageBox::Warning, (user.program.folder / "nowhere").string()), "OK");
+  ASSERT_TRUE(user.program.waitUntilSaid(("There is no folder " + (user.program.folder / "nowhere").string()).c_str()));
   user.expectDialog();
   EXPECT_EQ(user.textOf(kStem), (user.program.folder / "nowhere" / "trees").string());
-  EXPECT_TRUE(user.program.waitUntilSaid("nowhere"));
   user.choose(kPointGroups, "Trees");
   user.typeStem(user.stem());
   user.press(kOk);
