@@ -3,6 +3,7 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QTextBlock>
+#include <cerrno>
 #include <fstream>
 
 #include "program_window.h"
@@ -252,7 +253,7 @@ TEST(Report, ThatCantWriteAFileSaysWhichAndWhyAndWhatToDo) {
   QWidget* const box = program.waitForNamed("notWritten");
   ASSERT_NE(box, nullptr);
   const std::string words = onGui([&] { return qobject_cast<QMessageBox*>(box)->informativeText().toStdString(); });
-  EXPECT_NE(words.find("points.txt: Is a directory"), std::string::npos) << words;
+  EXPECT_NE(words.find("points.txt: " + systemWords(EISDIR)), std::string::npos) << words;
   EXPECT_NE(words.find("choose a folder"), std::string::npos) << words;
   program.user.key(Qt::Key_Return);
   EXPECT_TRUE(program.waitUntilSaid("points.html"));

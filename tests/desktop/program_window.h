@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 
 #include <gtest/gtest.h>
 
@@ -108,6 +109,9 @@ class ProgramWindow {
   DesktopUser user;
   desktop::MainWindow* window = nullptr;
 };
+
+/// The system's own words for an error, which follow the user's language.
+inline std::string systemWords(int error) { return std::generic_category().message(error); }
 
 /// A copy of the example that a test may change.
 inline QString copyOfExample(const TemporaryFolder& folder, const std::string& name = "road.xml") {

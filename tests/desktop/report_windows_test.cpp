@@ -8,6 +8,7 @@
 #include <QToolBar>
 #include <QUrl>
 #include <algorithm>
+#include <cerrno>
 
 #include "desktop/boxes.h"
 #include "desktop/plan_view.h"
@@ -453,7 +454,7 @@ TEST(ProjectionWindows, TellThatAPlaceIsFullAndLeaveNothingHalfWritten) {
   user.typeStem(stem);
   user.press(kOk);
   user.answer(user.expectBox("messageBox", QMessageBox::Question, "already exists"), "Yes");
-  user.answer(user.expectBox("notWritten", QMessageBox::Warning, "No space left on device"), "OK");
+  user.answer(user.expectBox("notWritten", QMessageBox::Warning, systemWords(ENOSPC)), "OK");
   ASSERT_TRUE(user.waitForEnd());
   EXPECT_EQ(namesIn(user.program.folder.path()), (std::vector<std::string>{"report.html", "report.txt", "report.xls"}));
   EXPECT_TRUE(std::filesystem::is_symlink(stem.string() + ".txt"));
@@ -469,7 +470,7 @@ TEST(ProjectionWindows, KeepTheFileThatANewOneCouldNotReplace) {
   user.typeStem(stem);
   user.press(kOk);
   user.answer(user.expectBox("messageBox", QMessageBox::Question, "report.html already exists"), "Yes");
-  user.answer(user.expectBox("notWritten", QMessageBox::Warning, "Is a directory"), "OK");
+  user.answer(user.expectBox("notWritten", QMessageBox::Warning, systemWords(EISDIR)), "OK");
   ASSERT_TRUE(user.waitForEnd());
   EXPECT_TRUE(std::filesystem::is_directory(stem.string() + ".html"));
   std::filesystem::remove(stem.string() + ".html");

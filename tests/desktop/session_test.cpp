@@ -7,10 +7,12 @@
 #include <QThread>
 #include <QVBoxLayout>
 #include <atomic>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <stdexcept>
+#include <system_error>
 
 #include <gtest/gtest.h>
 
@@ -119,7 +121,7 @@ TEST(Session, TellsWhyAFileWasNotWritten) {
   const CommandReport report = host.run("lvx_Report_Points");
   ASSERT_EQ(report.files.size(), 2U);
   EXPECT_EQ(report.files[0].fate, runtime::FileFate::Failed);
-  EXPECT_EQ(report.files[0].reason, "Is a directory");
+  EXPECT_EQ(report.files[0].reason, std::generic_category().message(EISDIR));
   EXPECT_EQ(report.files[1].fate, runtime::FileFate::Written);
 }
 
