@@ -34,6 +34,8 @@ int main(int argc, char** argv) {
   for (const char* variable : {"QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME", "DBUS_SESSION_BUS_ADDRESS"})
     unsetenv(variable);
 
+  // Reports of all programs show one moment. Set here, before there are other threads, which may look at the environment.
+  setenv("SOURCE_DATE_EPOCH", "1772438400", 1);
   const QApplication application(argc, argv);
   // As the program itself: Qt takes the environment's locale, numbers stay as they are.
   std::setlocale(LC_NUMERIC, "C");

@@ -19,7 +19,6 @@ constexpr int kProfiles = 112;
 class Pictures : public testing::Test {
  protected:
   Pictures() {
-    setenv("SOURCE_DATE_EPOCH", "1795305600", 1);  // 2026-11-21 08:00 UTC, whenever they are made
     const char* const named = std::getenv("LVX_PICTURES");
     folder_ = named == nullptr ? (moment_ / "pictures") : std::filesystem::path(named);
     std::filesystem::create_directories(folder_);

@@ -62,8 +62,6 @@ std::vector<civil::Vec2> placesOf(const civil::Drawing& drawing, civil::Handle h
 
 }  // namespace
 
-ReportUser::Moment::Moment() { setenv("SOURCE_DATE_EPOCH", "1772438400", 1); }
-
 ReportUser::ReportUser(const QString& drawing, const desktop::DesktopOptions& options) : program(drawing, options) {}
 
 // ---------------------------------------------------------------- commands and their dialogs

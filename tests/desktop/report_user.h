@@ -45,11 +45,6 @@ using Forms = std::map<std::string, std::string>;
 ///     user.press(kOk);
 ///     user.expectAsTheLineWrites(stem, {"projection", …});
 class ReportUser {
-  struct Moment {
-    Moment();
-  };
-  Moment moment_;
-
  public:
   explicit ReportUser(const QString& drawing = kExample, const desktop::DesktopOptions& options = {});
 
