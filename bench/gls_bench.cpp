@@ -20,9 +20,9 @@
 #include <malloc.h>
 
 #include "gls/corridor_stage.h"
-#include "gls_case.h"
 #include "measuring.h"
-#include "plain_gls.h"
+#include "plain_gls/gls_case.h"
+#include "plain_gls/plain_gls.h"
 
 namespace {
 
@@ -109,7 +109,7 @@ void require(bool holds, const char* what) {
 }
 
 void requireAgreement() {
-  for (const int answer : {lvx::dialogs::kIdCancel, lvx::dialogs::kIdOk}) {
+  for (const int answer : {lvx::host::kIdCancel, lvx::host::kIdOk}) {
     std::string texts[2];
     for (const bool plain : {false, true}) {
       const auto made = makeCase({300, 60, 15, 2, 2, 200});
@@ -165,7 +165,7 @@ class Bench {
                Size size = partOf(kFull, percent);
                size.corridors = size.baselines = 1;
                makeCaseOf(size);
-               made_->user.code = lvx::dialogs::kIdOk;
+               made_->user.code = lvx::host::kIdOk;
                report_ = rowsAt(size.sections, kStretch / 2.0);
              },
              [this] { readCorridors(); }, [this](int) { requireRoad(); }}};

@@ -22,8 +22,8 @@
 
 #include <sys/resource.h>
 
-#include "desktop/plan_painter.h"
-#include "desktop/tile_worker.h"
+#include "desktop/plan/plan_painter.h"
+#include "desktop/plan/tile_worker.h"
 #include "generator/scaled_drawing.h"
 #include "landxml/reader.h"
 #include "view/plan_scene.h"

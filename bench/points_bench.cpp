@@ -56,7 +56,7 @@ class NobodyThere final : public lvx::runtime::FrontEnd {
   std::optional<CString> saveFileBox(const CString&, std::uint32_t) override { return std::nullopt; }
   void showHelp(const CString&) override {}
   std::uint32_t buttonFaceColour() override { return 0; }
-  lvx::dialogs::DialogRunner& dialogs() override { fail("no dialog is expected"); }
+  lvx::host::DialogRunner& dialogs() override { fail("no dialog is expected"); }
   void* mainWindow() override { return nullptr; }
   void console(const CString& text) override { std::fputs(lvx::platform::toUtf8(text).c_str(), stderr); }
   std::optional<lvx::civil::Handle> pickEntity(const CString&) override { return std::nullopt; }

@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "doubles/fake_host.h"
+#include "doubles/fake_model.h"
 #include "measuring.h"
 #include "projection/projection_ascii.h"
 #include "projection/projection_computation.h"
@@ -22,8 +24,6 @@
 #include "projection/projection_html.h"
 #include "projection/projection_xml.h"
 #include "projection/sample_line_collector.h"
-#include "support/fake_host.h"
-#include "support/fake_model.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #   lvx_library(framework FOLDER src/framework SOURCES a.cpp PUBLIC dep PRIVATE dep)
 #
 # makes the static library lvx_framework (alias lvx::framework) whose headers are included as "framework/a.h" - and only
-# by targets that link it, since each library brings an include directory that holds its own folder and no other. A
-# wrong include therefore fails to build.
+# by targets that link it, since each library brings an include directory that holds its own folder and no other, and of
+# that folder all but its detail/. A wrong include therefore fails to build, and so does a second target on a folder.
 
 include_guard(GLOBAL)
 
@@ -39,32 +39,100 @@ if(LVX_COVERAGE)
   target_link_options(lvx_flags INTERFACE --coverage)
 endif()
 
-# Makes `folder` reachable as "<last path component>/…" through an include directory of its own.
-function(_lvx_expose target folder visibility)
-  get_filename_component(part "${folder}" NAME)
-  set(root "${PROJECT_BINARY_DIR}/include/${target}")
-  file(MAKE_DIRECTORY "${root}")
-  if(NOT EXISTS "${root}/${part}")
-    file(CREATE_LINK "${PROJECT_SOURCE_DIR}/${folder}" "${root}/${part}" SYMBOLIC)
-  endif()
-  target_include_directories(${target} ${visibility} "${root}")
+# Where a folder's headers are included from: its path below the first level of the tree ("standin/desktop/plan" is
+# included as "desktop/plan/…").
+function(_lvx_include_path folder result)
+  string(FIND "${folder}" "/" slash)
+  math(EXPR first "${slash} + 1")
+  string(SUBSTRING "${folder}" ${first} -1 path)
+  set(${result} "${path}" PARENT_SCOPE)
 endfunction()
 
+# Two include directories for a folder, each of which holds this folder and no other: one that shows all of it, for its
+# own sources, and one without its detail/, for everybody else. Gives their paths.
+function(_lvx_include_roots target folder inside outside)
+  _lvx_include_path("${folder}" path)
+  set(own "${PROJECT_BINARY_DIR}/include/${target}/inside")
+  get_filename_component(parent "${own}/${path}" DIRECTORY)
+  file(MAKE_DIRECTORY "${parent}")
+  if(NOT EXISTS "${own}/${path}")
+    file(CREATE_LINK "${PROJECT_SOURCE_DIR}/${folder}" "${own}/${path}" SYMBOLIC)
+  endif()
+
+  set(shown "${PROJECT_BINARY_DIR}/include/${target}/outside")
+  file(MAKE_DIRECTORY "${shown}/${path}")
+  # A header, or a folder that is neither detail nor a target of its own.
+  file(GLOB entries CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/${folder}/*.h" "${PROJECT_SOURCE_DIR}/${folder}/*/*.h")
+  set(names)
+  foreach(entry IN LISTS entries)
+    file(RELATIVE_PATH entry "${PROJECT_SOURCE_DIR}/${folder}" "${entry}")
+    string(REGEX REPLACE "/.*" "" name "${entry}")
+    if(NOT name STREQUAL "detail" AND NOT EXISTS "${PROJECT_SOURCE_DIR}/${folder}/${name}/CMakeLists.txt")
+      list(APPEND names "${name}")
+    endif()
+  endforeach()
+  list(REMOVE_DUPLICATES names)
+  foreach(name IN LISTS names)
+    if(NOT EXISTS "${shown}/${path}/${name}")
+      file(CREATE_LINK "${PROJECT_SOURCE_DIR}/${folder}/${name}" "${shown}/${path}/${name}" SYMBOLIC)
+    endif()
+  endforeach()
+  file(GLOB links RELATIVE "${shown}/${path}" "${shown}/${path}/*")
+  foreach(name IN LISTS links)
+    if(NOT name IN_LIST names)
+      file(REMOVE "${shown}/${path}/${name}")
+    endif()
+  endforeach()
+  set(${inside} "${own}" PARENT_SCOPE)
+  set(${outside} "${shown}" PARENT_SCOPE)
+endfunction()
+
+# The static library lvx_NAME of a folder. INCLUDE names further folders that its own sources may include (pictures).
 function(lvx_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER" "SOURCES;PUBLIC;PRIVATE")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER" "SOURCES;PUBLIC;PRIVATE;INCLUDE")
   set(target lvx_${name})
+  get_property(taken GLOBAL PROPERTY "LVX_FOLDER_${arg_FOLDER}")
+  if(taken)
+    message(FATAL_ERROR "${arg_FOLDER} is the target ${taken} already: one folder is one target, so ${target} needs another")
+  endif()
+  set_property(GLOBAL PROPERTY "LVX_FOLDER_${arg_FOLDER}" ${target})
+
+  _lvx_include_roots(${target} "${arg_FOLDER}" inside outside)
   if(arg_SOURCES)
     add_library(${target} STATIC ${arg_SOURCES})
-    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
-    _lvx_expose(${target} "${arg_FOLDER}" PUBLIC)
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON LVX_INSIDE "${inside}")
+    target_include_directories(${target} PRIVATE "${inside}" INTERFACE "${outside}")
     target_link_libraries(${target} PUBLIC ${arg_PUBLIC} PRIVATE lvx_flags ${arg_PRIVATE})
+    foreach(folder IN LISTS arg_INCLUDE)
+      _lvx_include_folder(${target} "${folder}")
+    endforeach()
   else()
     add_library(${target} INTERFACE)
-    _lvx_expose(${target} "${arg_FOLDER}" INTERFACE)
+    set_target_properties(${target} PROPERTIES LVX_INSIDE "${inside}")
+    target_include_directories(${target} INTERFACE "${outside}")
     target_link_libraries(${target} INTERFACE ${arg_PUBLIC})
     target_compile_features(${target} INTERFACE cxx_std_20)
   endif()
   add_library(lvx::${name} ALIAS ${target})
+endfunction()
+
+# Lets a target include a folder of data as "<last path component>/…".
+function(_lvx_include_folder target folder)
+  get_filename_component(name "${folder}" NAME)
+  set(root "${PROJECT_BINARY_DIR}/include/${target}/data")
+  file(MAKE_DIRECTORY "${root}")
+  if(NOT EXISTS "${root}/${name}")
+    file(CREATE_LINK "${PROJECT_SOURCE_DIR}/${folder}" "${root}/${name}" SYMBOLIC)
+  endif()
+  target_include_directories(${target} PRIVATE "${root}")
+endfunction()
+
+# Lets a test or benchmark look into a library's detail/.
+function(_lvx_look_inside target)
+  foreach(library IN LISTS ARGN)
+    get_target_property(inside lvx_${library} LVX_INSIDE)
+    target_include_directories(${target} BEFORE PRIVATE "${inside}")
+  endforeach()
 endfunction()
 
 function(lvx_executable name)
@@ -82,8 +150,9 @@ function(lvx_qt_library name)
 endfunction()
 
 # One test program per area; each of its tests becomes a test of CTest's. LABELS lets ./lvx pick (unit, golden, e2e).
+# INSIDE names libraries whose detail/ it tests.
 function(lvx_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "LABELS;TIMEOUT" "SOURCES;LINK;DEFINITIONS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "LABELS;TIMEOUT" "SOURCES;LINK;INSIDE;DEFINITIONS")
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 300)
   endif()
@@ -95,6 +164,7 @@ function(lvx_test name)
   list(TRANSFORM arg_SOURCES PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/" OUTPUT_VARIABLE registered)
   set_property(GLOBAL APPEND PROPERTY LVX_TEST_SOURCES ${registered})
   target_link_libraries(${target} PRIVATE lvx_flags lvx::test_support ${arg_LINK} GTest::gmock)
+  _lvx_look_inside(${target} ${arg_INSIDE})
   target_compile_definitions(${target} PRIVATE LVX_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
                                                LVX_BINARY_DIR="${PROJECT_BINARY_DIR}" ${arg_DEFINITIONS})
   gtest_discover_tests(${target} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
@@ -103,16 +173,15 @@ endfunction()
 
 # Each benchmark prints the compiler and the flags that it was built with.
 function(lvx_bench name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
-  if(LVX_BUILD_BENCH)
-    add_executable(bench_${name} ${arg_SOURCES})
-    target_link_libraries(bench_${name} PRIVATE lvx_flags ${arg_LINK})
-    string(TOUPPER "${CMAKE_BUILD_TYPE}" build_type)
-    target_compile_definitions(bench_${name} PRIVATE
-      LVX_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
-      LVX_COMPILER="${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}"
-      LVX_FLAGS="${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${build_type}} -ffp-contract=off")
-  endif()
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK;INSIDE")
+  add_executable(bench_${name} ${arg_SOURCES})
+  target_link_libraries(bench_${name} PRIVATE lvx_flags ${arg_LINK})
+  _lvx_look_inside(bench_${name} ${arg_INSIDE})
+  string(TOUPPER "${CMAKE_BUILD_TYPE}" build_type)
+  target_compile_definitions(bench_${name} PRIVATE
+    LVX_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+    LVX_COMPILER="${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}"
+    LVX_FLAGS="${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${build_type}} -ffp-contract=off")
 endfunction()
 
 # A fuzz target is one file with LLVMFuzzerTestOneInput. With clang it is a libFuzzer program; with any compiler it is

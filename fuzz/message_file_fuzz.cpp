@@ -7,10 +7,10 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include "doubles/fake_host.h"
+#include "doubles/message_file.h"
 #include "services/message_catalogue.h"
-#include "support/fake_host.h"
-#include "support/message_file.h"
-#include "support/rescanned_escapes.h"
+#include "doubles/rescanned_escapes.h"
 
 namespace {
 

@@ -2,13 +2,13 @@
 #include <cstdint>
 #include <string_view>
 
-#include "cli/script.h"
+#include "script/script.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
-    for (const auto& action : lvx::cli::parseScript({reinterpret_cast<const char*>(data), size}, "script.json"))
-      (void)lvx::cli::describe(action);
-  } catch (const lvx::cli::ScriptError&) {
+    for (const auto& action : lvx::script::parseScript({reinterpret_cast<const char*>(data), size}, "script.json"))
+      (void)lvx::script::describe(action);
+  } catch (const lvx::script::ScriptError&) {
     // What a reader of scripts is told.
   }
   return 0;

@@ -4,9 +4,8 @@
 #include <span>
 #include <string_view>
 
-#include "dialogs/dialog_window.h"
 #include "dialogs/picture.h"
-#include "framework/text.h"
+#include "host/dialog_window.h"
 
 namespace lvx::host {
 class Host;
@@ -15,6 +14,16 @@ class Host;
 /// What the report dialogs share: captions from the catalogue, pictures, the output file box with its tip, the three
 /// form check boxes, help.
 namespace lvx::dialogs {
+
+using host::ControlKind;
+using host::ControlTemplate;
+using host::CString;
+using host::DialogBehaviour;
+using host::DialogTemplate;
+using host::DialogWindow;
+using host::kIdCancel;
+using host::kIdHelp;
+using host::kIdOk;
 
 // Controls that all report dialogs have.
 inline constexpr int kIdOutputStem = 100;

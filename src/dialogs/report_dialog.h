@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "dialogs/dialog_services.h"
-#include "dialogs/dialog_window.h"
+#include "host/dialog_window.h"
 #include "host/site_tree.h"
 
 namespace lvx::dialogs {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "dialogs/my_dialog4.h"
+#include "gls/add_sections_dialog.h"
 #include "gls/detail/station_search.h"
 #include "host/collections.h"
 #include "host/host.h"
@@ -224,8 +224,8 @@ class CorridorReader {
 };
 
 bool userWantsSections(host::Host& host) {
-  dialogs::CMyDialog4 question(host);
-  return host.dialogs().runModal(question, host.runTime().vnsw_mainWnd()) == dialogs::kIdOk;
+  gls::CMyDialog4 question(host);
+  return host.dialogs().runModal(question, host.runTime().vnsw_mainWnd()) == host::kIdOk;
 }
 
 }  // namespace

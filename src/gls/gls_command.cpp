@@ -1,9 +1,9 @@
 #include "gls/gls_command.h"
 
-#include "dialogs/my_dialog3.h"
 #include "dialogs/report_command.h"
 #include "gls/gls_ascii.h"
 #include "gls/gls_assembly.h"
+#include "gls/gls_dialog.h"
 #include "gls/gls_excel.h"
 #include "gls/gls_html.h"
 #include "host/host.h"
@@ -13,7 +13,7 @@
 
 namespace lvx::gls {
 
-using dialogs::CMyDialog3;
+using gls::CMyDialog3;
 using services::getMessage;
 using services::kMessageSet;
 

@@ -11,11 +11,10 @@
 namespace lvx::platform {
 class Platform;
 }
-namespace lvx::dialogs {
-class DialogRunner;
-}
 
 namespace lvx::host {
+
+class DialogRunner;
 
 /// What the automation look-up of a running application gives: whether it worked at all, and the object.
 struct ActiveApplication {
@@ -34,7 +33,7 @@ class Host {
 
   [[nodiscard]] virtual RunTime& runTime() = 0;
   [[nodiscard]] virtual UserInterface& userInterface() = 0;
-  [[nodiscard]] virtual dialogs::DialogRunner& dialogs() = 0;
+  [[nodiscard]] virtual DialogRunner& dialogs() = 0;
   [[nodiscard]] virtual platform::Platform& platform() = 0;
   [[nodiscard]] virtual framework::ModuleState& moduleState() = 0;
   /// A new sheet, not started yet; never empty.

@@ -2,13 +2,13 @@
 
 #include <memory>
 
-#include "dialogs/export_points_dlg.h"
 #include "dialogs/report_command.h"
 #include "host/host.h"
 #include "host/picking.h"
 #include "points/point_collector.h"
 #include "points/point_sort.h"
 #include "points/points_ascii.h"
+#include "points/points_dialog.h"
 #include "points/points_excel.h"
 #include "points/points_html.h"
 #include "services/message_catalogue.h"
@@ -16,7 +16,7 @@
 
 namespace lvx::points {
 
-using dialogs::CExportPointsDlg;
+using points::CExportPointsDlg;
 using services::getMessage;
 using services::kMessageSet;
 

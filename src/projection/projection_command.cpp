@@ -1,11 +1,11 @@
 #include "projection/projection_command.h"
 
-#include "dialogs/my_dialog1.h"
 #include "dialogs/report_command.h"
 #include "host/host.h"
 #include "host/picking.h"
 #include "projection/projection_ascii.h"
 #include "projection/projection_computation.h"
+#include "projection/projection_dialog.h"
 #include "projection/projection_excel.h"
 #include "projection/projection_html.h"
 #include "projection/sample_line_collector.h"
@@ -14,8 +14,8 @@
 
 namespace lvx::projection {
 
-using dialogs::CMyDialog1;
 using framework::CString;
+using projection::CMyDialog1;
 using services::getMessage;
 using services::kMessageSet;
 

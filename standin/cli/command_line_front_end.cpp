@@ -7,8 +7,8 @@
 
 #include "cli/terminal.h"
 #include "platform/posix/posix_platform.h"
-#include "runtime/dialog_state.h"
 #include "runtime/help_topics.h"
+#include "windowless/dialog_state.h"
 
 namespace lvx::cli {
 
@@ -16,8 +16,8 @@ using host::BoxAnswer;
 using host::BoxButtons;
 using host::CString;
 using platform::toUtf8;
-using runtime::DialogState;
-using runtime::Refusal;
+using windowless::DialogState;
+using windowless::Refusal;
 
 namespace {
 
@@ -68,7 +68,7 @@ void StepDialogs::expect(std::string dialogName, std::vector<std::vector<DialogS
                                       std::make_move_iterator(openings.end())};
 }
 
-int StepDialogs::runModal(dialogs::DialogBehaviour& dialog, void* /*parent*/) {
+int StepDialogs::runModal(host::DialogBehaviour& dialog, void* /*parent*/) {
   DialogState state(dialog);
   const std::string name(dialog.dialogTemplate().name);
   if (const auto expected = openings_.find(name); expected != openings_.end() && !expected->second.empty()) {
@@ -82,7 +82,7 @@ int StepDialogs::runModal(dialogs::DialogBehaviour& dialog, void* /*parent*/) {
     }
   }
   if (!state.closedWith()) state.userCloses();
-  return state.closedWith().value_or(dialogs::kIdCancel);
+  return state.closedWith().value_or(host::kIdCancel);
 }
 
 BoxAnswer CommandLineFrontEnd::messageBox(const CString& text, BoxButtons buttons, host::BoxIcon /*icon*/) {

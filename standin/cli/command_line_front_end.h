@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "cli/options.h"
-#include "dialogs/dialog_window.h"
+#include "host/dialog_window.h"
 #include "runtime/front_end.h"
 
 namespace lvx::cli {
@@ -25,10 +25,10 @@ struct DialogStep {
 
 /// Answers dialogs by fixed steps, others for each opening of one name; what the steps leave open, any further opening and
 /// every other dialog is cancelled. A step that the dialog refuses throws std::logic_error.
-class StepDialogs final : public dialogs::DialogRunner {
+class StepDialogs final : public host::DialogRunner {
  public:
   void expect(std::string dialogName, std::vector<std::vector<DialogStep>> openings);
-  int runModal(dialogs::DialogBehaviour& dialog, void* parent) override;
+  int runModal(host::DialogBehaviour& dialog, void* parent) override;
 
  private:
   std::map<std::string, std::deque<std::vector<DialogStep>>, std::less<>> openings_;
@@ -55,7 +55,7 @@ class CommandLineFrontEnd final : public runtime::FrontEnd {
   /// Names the page's file, or the topic where there is no such page.
   void showHelp(const host::CString& topic) override;
   [[nodiscard]] std::uint32_t buttonFaceColour() override;
-  [[nodiscard]] dialogs::DialogRunner& dialogs() override { return dialogs_; }
+  [[nodiscard]] host::DialogRunner& dialogs() override { return dialogs_; }
   [[nodiscard]] void* mainWindow() override { return nullptr; }
   void console(const host::CString& text) override;
   [[nodiscard]] std::optional<civil::Handle> pickEntity(const host::CString& prompt) override;

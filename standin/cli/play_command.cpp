@@ -8,22 +8,22 @@
 #include "cli/drawing_file.h"
 #include "cli/failure.h"
 #include "cli/host_setup.h"
-#include "cli/script_front_end.h"
 #include "cli/terminal.h"
 #include "platform/posix/posix_platform.h"
 #include "runtime/command_runner.h"
+#include "script/script_front_end.h"
 
 namespace lvx::cli {
 
 namespace {
 
-std::vector<ScriptAction> readScript(const std::string& path) {
+std::vector<script::ScriptAction> readScript(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(file), {}};
   if (!file.is_open() || file.bad()) throw Failure(kUsage, "script: can't read '" + path + "'");
   try {
-    return parseScript(text, path);
-  } catch (const ScriptError& error) {
+    return script::parseScript(text, path);
+  } catch (const script::ScriptError& error) {
     throw Failure(kUsage, error.what());
   }
 }
@@ -32,7 +32,7 @@ std::vector<ScriptAction> readScript(const std::string& path) {
 std::string wordsFor(const std::exception_ptr& exception) {
   try {
     std::rethrow_exception(exception);
-  } catch (const ScriptMismatch&) {
+  } catch (const script::ScriptMismatch&) {
     throw;
   } catch (const runtime::Interrupted&) {
     throw;
@@ -44,12 +44,12 @@ std::string wordsFor(const std::exception_ptr& exception) {
 }
 
 /// Plays the whole script; true where every command ended by itself and did nothing wrong.
-bool play(runtime::StandinHost& host, ScriptFrontEnd& frontEnd, Transcript& transcript, bool checks) {
+bool play(runtime::StandinHost& host, script::ScriptFrontEnd& frontEnd, script::Transcript& transcript, bool checks) {
   bool clean = true;
   runtime::CommandRunner runner(host, checks);
   while (const auto command = frontEnd.nextCommand()) {
     const runtime::CommandOutcome outcome = runner.run(platform::fromUtf8(*command));
-    if (!outcome.found) throw ScriptMismatch("script: the module has no command '" + *command + "'");
+    if (!outcome.found) throw script::ScriptMismatch("script: the module has no command '" + *command + "'");
     if (outcome.exception) {
       transcript.exception(wordsFor(outcome.exception));
       clean = false;
@@ -68,9 +68,9 @@ bool play(runtime::StandinHost& host, ScriptFrontEnd& frontEnd, Transcript& tran
 }  // namespace
 
 ExitCode runPlay(const CommonOptions& common, const PlayOptions& options) {
-  std::vector<ScriptAction> actions = readScript(options.script);
-  Transcript transcript(print);
-  ScriptFrontEnd frontEnd(std::move(actions), transcript);
+  std::vector<script::ScriptAction> actions = readScript(options.script);
+  script::Transcript transcript(print);
+  script::ScriptFrontEnd frontEnd(std::move(actions), transcript);
   const auto host = makeHost(frontEnd, common);
   civil::Drawing drawing = loadDrawing(options.drawing, common.progressMode());
   if (!common.quiet) tellDiagnostics(drawing);
@@ -88,7 +88,7 @@ ExitCode runPlay(const CommonOptions& common, const PlayOptions& options) {
     clean = play(*host, frontEnd, transcript, options.checks);
   } catch (const runtime::ModuleError& error) {
     throw Failure(kNotWritten, error.what());
-  } catch (const ScriptMismatch& error) {
+  } catch (const script::ScriptMismatch& error) {
     throw Failure(kScriptMismatch, error.what());
   }
   if (!clean) return kException;

@@ -37,7 +37,7 @@ std::vector<DialogStep> closingSteps(const CommonOptions& common, const std::str
   std::vector<DialogStep> steps{{Kind::Type, kStem, 0, fromUtf8(stem)}};
   for (const Form& form : kForms)
     steps.push_back({common.writes(form.name) ? Kind::Tick : Kind::Untick, form.checkBox, 0, {}});
-  steps.push_back({Kind::Click, dialogs::kIdOk, 0, {}});
+  steps.push_back({Kind::Click, host::kIdOk, 0, {}});
   return steps;
 }
 

@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "civil/drawing.h"
+#include "companion/companion_access.h"
 #include "host/run_time.h"
 #include "platform/posix/posix_platform.h"
-#include "runtime/companion_access.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ constexpr std::int32_t kNothing = 0;
 enum ElementType : std::int32_t { kLine = 0, kArc = 1, kTighteningClothoid = 2, kRelaxingClothoid = 3 };
 
 const Drawing* openDrawing() {
-  lvx::runtime::CompanionAccess* access = lvxCompanionAccess();
+  lvx::companion::CompanionAccess* access = lvxCompanionAccess();
   return access == nullptr ? nullptr : access->drawing();
 }
 
@@ -136,12 +136,12 @@ const AlignmentObject* findAlignment(const Drawing& drawing, const std::string& 
 
 std::int32_t pvsa_lvx_getQmtObject(lvx::host::Ref<lvx::host::QmtDocument>& document,
                                    lvx::host::Ref<lvx::host::QmtDatabase>& database) {
-  lvx::runtime::CompanionAccess* access = lvxCompanionAccess();
+  lvx::companion::CompanionAccess* access = lvxCompanionAccess();
   return access != nullptr && access->connect(document, database) ? kDone : kNothing;
 }
 
 std::int32_t pvsa_lvx_releaseQmtObject() {
-  lvx::runtime::CompanionAccess* access = lvxCompanionAccess();
+  lvx::companion::CompanionAccess* access = lvxCompanionAccess();
   if (access == nullptr) return kNothing;
   access->disconnect();
   return kDone;
@@ -162,7 +162,7 @@ std::int32_t pvsa_lvx_relsites(lvx::host::SiteTree& sites) {
 
 std::int32_t pvsa_lvx_gethelemp(const lvx::host::Ref<lvx::host::QmtAlignment>& alignment, double& startStation,
                                 lvx::host::RecordList<taxel>& elements, lvx::framework::tpt3list& points) {
-  lvx::runtime::CompanionAccess* access = lvxCompanionAccess();
+  lvx::companion::CompanionAccess* access = lvxCompanionAccess();
   const AlignmentObject* object = access == nullptr ? nullptr : access->alignmentBehind(alignment.get());
   if (object == nullptr) return kNothing;
   startStation = object->geometry.startStation();

@@ -14,9 +14,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "desktop/desktop_options.h"
-#include "desktop/main_window.h"
-#include "desktop/qt_text.h"
+#include "desktop/common/qt_text.h"
+#include "desktop/shell/desktop_options.h"
+#include "desktop/shell/main_window.h"
 
 namespace lvx::desktop {
 namespace {

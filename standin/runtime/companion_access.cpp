@@ -1,8 +1,8 @@
-#include "runtime/companion_access.h"
+#include "companion/companion_access.h"
 
 #include <utility>
 
-namespace lvx::runtime {
+namespace lvx::companion {
 
 namespace {
 CompanionAccess* currentAccess = nullptr;
@@ -10,8 +10,8 @@ CompanionAccess* currentAccess = nullptr;
 
 CompanionAccess* setCompanionAccess(CompanionAccess* access) noexcept { return std::exchange(currentAccess, access); }
 
-}  // namespace lvx::runtime
+}  // namespace lvx::companion
 
-extern "C" __attribute__((visibility("default"))) lvx::runtime::CompanionAccess* lvxCompanionAccess() {
-  return lvx::runtime::currentAccess;
+extern "C" __attribute__((visibility("default"))) lvx::companion::CompanionAccess* lvxCompanionAccess() {
+  return lvx::companion::currentAccess;
 }

@@ -6,7 +6,7 @@
 #include "civil/drawing.h"
 #include "host/user_interface.h"
 
-namespace lvx::dialogs {
+namespace lvx::host {
 class DialogRunner;
 }
 
@@ -16,7 +16,7 @@ namespace lvx::runtime {
 class FrontEnd : public host::UserInterface {
  public:
   /// Runs a module's dialogs.
-  [[nodiscard]] virtual dialogs::DialogRunner& dialogs() = 0;
+  [[nodiscard]] virtual host::DialogRunner& dialogs() = 0;
   /// The host's main window for dialogs to stand over; only the front end itself understands it.
   [[nodiscard]] virtual void* mainWindow() = 0;
   /// Prints on the command line.

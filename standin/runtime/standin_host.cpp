@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "runtime/host_accessor.h"
+#include "accessor/host_accessor.h"
 #include "runtime/model_objects.h"
 #include "workbook/workbook_sheet.h"
 
@@ -17,14 +17,14 @@ StandinHost::StandinHost(FrontEnd& frontEnd, HostOptions options)
       runTime_(frontEnd, documents_, registry_) {
   runTime_.setSupportPaths(options_.supportPaths);
   for (const auto& [name, path] : options_.files) runTime_.setFile(name, path);
-  formerHost_ = setCurrentHost(this);
-  formerAccess_ = setCompanionAccess(this);
+  formerHost_ = accessor::setCurrentHost(this);
+  formerAccess_ = companion::setCompanionAccess(this);
 }
 
 StandinHost::~StandinHost() {
   close();
-  setCompanionAccess(formerAccess_);
-  setCurrentHost(formerHost_);
+  companion::setCompanionAccess(formerAccess_);
+  accessor::setCurrentHost(formerHost_);
 }
 
 void StandinHost::open(civil::Drawing drawing) {

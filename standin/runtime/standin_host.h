@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "companion/companion_access.h"
 #include "host/host.h"
 #include "platform/posix/posix_platform.h"
-#include "runtime/companion_access.h"
 #include "runtime/file_journal.h"
 #include "runtime/front_end.h"
 #include "runtime/host_services.h"
@@ -43,7 +43,7 @@ struct HostOptions {
 ///     …                                   // commands run
 ///     host.close();
 ///     host.journal().events();            // what was written, and what couldn't be
-class StandinHost final : public host::Host, public CompanionAccess {
+class StandinHost final : public host::Host, public companion::CompanionAccess {
  public:
   /// Throws std::invalid_argument where a code page of `options` is unknown.
   explicit StandinHost(FrontEnd& frontEnd, HostOptions options = {});
@@ -71,7 +71,7 @@ class StandinHost final : public host::Host, public CompanionAccess {
   // ---- for the module
   [[nodiscard]] host::RunTime& runTime() override { return runTime_; }
   [[nodiscard]] host::UserInterface& userInterface() override { return frontEnd_; }
-  [[nodiscard]] dialogs::DialogRunner& dialogs() override { return frontEnd_.dialogs(); }
+  [[nodiscard]] host::DialogRunner& dialogs() override { return frontEnd_.dialogs(); }
   [[nodiscard]] platform::Platform& platform() override { return observedPlatform_; }
   [[nodiscard]] framework::ModuleState& moduleState() override { return moduleState_; }
   [[nodiscard]] std::unique_ptr<host::Sheet> createSheet() override;
@@ -99,7 +99,7 @@ class StandinHost final : public host::Host, public CompanionAccess {
   std::shared_ptr<ActiveDrawing> activeDrawing_ = std::make_shared<ActiveDrawing>();
   bool connected_ = false;
   host::Host* formerHost_ = nullptr;
-  CompanionAccess* formerAccess_ = nullptr;
+  companion::CompanionAccess* formerAccess_ = nullptr;
 };
 
 }  // namespace lvx::runtime

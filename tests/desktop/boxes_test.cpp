@@ -1,4 +1,4 @@
-#include "desktop/boxes.h"
+#include "desktop/dialogs/boxes.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -17,8 +17,8 @@
 
 #include <gtest/gtest.h>
 
-#include "desktop/dialog_runner.h"
-#include "desktop_user.h"
+#include "desktop/dialogs/dialog_runner.h"
+#include "desktop_user/desktop_user.h"
 #include "running_dialog.h"
 #include "support/run_program.h"
 

@@ -1,5 +1,5 @@
 // Section and profile views as a person works them: wheel, drag, keys, legend, clicks and exports.
-#include "desktop/chart_view.h"
+#include "desktop/charts/chart_view.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -23,9 +23,9 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include "desktop/desktop_user.h"
-#include "desktop/profile_view.h"
-#include "desktop/section_view.h"
+#include "desktop/charts/profile_view.h"
+#include "desktop/charts/section_view.h"
+#include "desktop_user/desktop_user.h"
 #include "landxml/reader.h"
 #include "support/run_program.h"
 

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "foreign_windows.h"
+#include "desktop_user/foreign_windows.h"
 #include "large_drawing.h"
 #include "program_window.h"
 #include "runtime/standin_host.h"

@@ -9,8 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include "desktop/console_view.h"
-#include "desktop_user.h"
+#include "desktop/panels/console_view.h"
+#include "desktop_user/desktop_user.h"
 
 namespace lvx::test {
 namespace {

@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "desktop_user/virtual_display.h"
 #include "support/run_program.h"
-#include "virtual_display.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The test's own user: what it does must reach windows the way a person's doing does.
-#include "desktop/desktop_user.h"
+#include "desktop_user/desktop_user.h"
 
 #include <QApplication>
 #include <QDialog>

@@ -16,10 +16,10 @@
 
 #include <gtest/gtest.h>
 
-#include "desktop/diagnostics_view.h"
-#include "desktop/file_lines.h"
-#include "desktop/text_window.h"
-#include "desktop_user.h"
+#include "desktop/panels/diagnostics_view.h"
+#include "desktop/panels/file_lines.h"
+#include "desktop/panels/text_window.h"
+#include "desktop_user/desktop_user.h"
 #include "support/run_program.h"
 
 namespace lvx::test {

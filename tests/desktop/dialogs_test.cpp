@@ -21,13 +21,13 @@
 
 #include <gtest/gtest.h>
 
-#include "desktop/template_dialog.h"
+#include "desktop/dialogs/template_dialog.h"
 #include "dialogs/dialog_services.h"
-#include "dialogs/export_points_dlg.h"
-#include "dialogs/my_dialog1.h"
-#include "dialogs/my_dialog3.h"
-#include "dialogs/my_dialog4.h"
 #include "dialogs/picture.h"
+#include "gls/add_sections_dialog.h"
+#include "gls/gls_dialog.h"
+#include "points/points_dialog.h"
+#include "projection/projection_dialog.h"
 #include "report_dialogs.h"
 #include "running_dialog.h"
 #include "scheme_palettes.h"
@@ -42,14 +42,14 @@ struct Dialogs {
     host.fake.useMessages(language);
     host.user.language = language;
   }
-  [[nodiscard]] std::vector<dialogs::DialogBehaviour*> all() { return {&projection, &points, &gls, &question}; }
+  [[nodiscard]] std::vector<host::DialogBehaviour*> all() { return {&projection, &points, &gls, &question}; }
 
   WindowedHost host;
   ReportDrawing drawing{host};
-  dialogs::CMyDialog1 projection{host};
-  dialogs::CExportPointsDlg points{host};
-  dialogs::CMyDialog3 gls{host};
-  dialogs::CMyDialog4 question{host};
+  projection::CMyDialog1 projection{host};
+  points::CExportPointsDlg points{host};
+  gls::CMyDialog3 gls{host};
+  gls::CMyDialog4 question{host};
 };
 
 // ---------------------------------------------------------------- as a person sees them
@@ -68,19 +68,19 @@ struct Room {
   QSize taken;
 };
 
-Room roomOf(const QWidget* widget, dialogs::ControlKind kind, const CString& text) {
+Room roomOf(const QWidget* widget, host::ControlKind kind, const CString& text) {
   const QFontMetrics metrics(widget->font());
   const QString caption = desktop::toQt(text);
   const QSize taken = metrics.size(Qt::TextShowMnemonic, caption);
   QStyleOptionButton option;
   option.initFrom(widget);
   switch (kind) {
-    case dialogs::ControlKind::CheckBox:
+    case host::ControlKind::CheckBox:
       return {widget->style()->subElementRect(QStyle::SE_CheckBoxContents, &option, widget).size(), taken};
-    case dialogs::ControlKind::PushButton:
-    case dialogs::ControlKind::DefaultButton:
+    case host::ControlKind::PushButton:
+    case host::ControlKind::DefaultButton:
       return {widget->style()->subElementRect(QStyle::SE_PushButtonContents, &option, widget).size(), taken};
-    case dialogs::ControlKind::Label:
+    case host::ControlKind::Label:
       if (widget->height() < 2 * metrics.height()) return {widget->size(), taken};
       return {widget->size(),
               metrics.boundingRect(widget->rect(), Qt::TextWordWrap | Qt::TextShowMnemonic, caption).size()};
@@ -97,8 +97,8 @@ TEST(ReportDialogs, StandAtTheirDialogUnitsWithNoTextCutInAnyLanguageAndScheme) 
     useScheme(dark);
     for (const std::string language : {"en", "de"}) {
       Dialogs dialogs(language);
-      for (dialogs::DialogBehaviour* dialog : dialogs.all()) {
-        const dialogs::DialogTemplate& made = dialog->dialogTemplate();
+      for (host::DialogBehaviour* dialog : dialogs.all()) {
+        const host::DialogTemplate& made = dialog->dialogTemplate();
         SCOPED_TRACE(std::string(made.name) + ' ' + language);
         RunningDialog running(runner, *dialog);
         QWidget* const window = running.window(user);
@@ -113,20 +113,20 @@ TEST(ReportDialogs, StandAtTheirDialogUnitsWithNoTextCutInAnyLanguageAndScheme) 
           const double down = std::ceil(metrics.height()) / 8;
           EXPECT_EQ(window->size(), QSize(qRound(made.width * across), qRound(made.height * down)));
           EXPECT_EQ(window->minimumSize(), window->maximumSize());
-          for (const dialogs::ControlTemplate& control : made.controls) {
+          for (const host::ControlTemplate& control : made.controls) {
             SCOPED_TRACE(control.id);
             const auto* widget = window->findChild<QWidget*>(QStringLiteral("control%1").arg(control.id));
             ASSERT_NE(widget, nullptr);
             const int height =
-                control.kind == dialogs::ControlKind::DropDownList ? 13 : control.rectangle.height;  // closed
+                control.kind == host::ControlKind::DropDownList ? 13 : control.rectangle.height;  // closed
             const QRect expected(QPoint(qRound(control.rectangle.x * across), qRound(control.rectangle.y * down)),
                                  QPoint(qRound((control.rectangle.x + control.rectangle.width) * across) - 1,
                                         qRound((control.rectangle.y + height) * down) - 1));
             EXPECT_EQ(widget->geometry(), expected);
-            if (control.kind == dialogs::ControlKind::Picture || control.kind == dialogs::ControlKind::PictureButton ||
-                control.kind == dialogs::ControlKind::DropDownList || control.kind == dialogs::ControlKind::EditBox)
+            if (control.kind == host::ControlKind::Picture || control.kind == host::ControlKind::PictureButton ||
+                control.kind == host::ControlKind::DropDownList || control.kind == host::ControlKind::EditBox)
               continue;
-            const auto* as = dynamic_cast<const dialogs::DialogWindow*>(window);
+            const auto* as = dynamic_cast<const host::DialogWindow*>(window);
             const Room room = roomOf(widget, control.kind, as->text(control.id));
             EXPECT_LE(room.taken.width(), room.given.width());
             EXPECT_LE(room.taken.height(), widget->height());
@@ -134,7 +134,7 @@ TEST(ReportDialogs, StandAtTheirDialogUnitsWithNoTextCutInAnyLanguageAndScheme) 
           }
         });
         user.key(Qt::Key_Escape);
-        EXPECT_EQ(running.code(user), dialogs::kIdCancel);
+        EXPECT_EQ(running.code(user), host::kIdCancel);
       }
     }
   }
@@ -144,22 +144,22 @@ TEST(ReportDialogs, StandAtTheirDialogUnitsWithNoTextCutInAnyLanguageAndScheme) 
 
 // ---------------------------------------------------------------- worked by mouse and keyboard
 
-using dialogs::CExportPointsDlg;
-using dialogs::CMyDialog1;
-using dialogs::CMyDialog3;
-using dialogs::CMyDialog4;
 using dialogs::kIdAlignments;
-using dialogs::kIdCancel;
 using dialogs::kIdCheckAscii;
 using dialogs::kIdCheckExcel;
 using dialogs::kIdCheckThird;
-using dialogs::kIdHelp;
-using dialogs::kIdOk;
 using dialogs::kIdOutputFileBox;
 using dialogs::kIdOutputStem;
 using dialogs::kIdPickAlignment;
 using dialogs::kIdPickSecond;
 using dialogs::kIdSites;
+using gls::CMyDialog3;
+using gls::CMyDialog4;
+using host::kIdCancel;
+using host::kIdHelp;
+using host::kIdOk;
+using points::CExportPointsDlg;
+using projection::CMyDialog1;
 
 class ReportDialogTest : public testing::Test {
  protected:
@@ -179,7 +179,7 @@ class ReportDialogTest : public testing::Test {
     });
   }
 
-  void open(dialogs::DialogBehaviour& dialog) {
+  void open(host::DialogBehaviour& dialog) {
     running_.reset();
     running_ = std::make_unique<RunningDialog>(runner_, dialog, main_);
     window_ = running_->window(user_);
@@ -242,11 +242,11 @@ class ReportDialogTest : public testing::Test {
     return order;
   }
   /// The controls of a template that take the focus, but for a disabled OK.
-  [[nodiscard]] static std::vector<int> focusOrder(const dialogs::DialogTemplate& made) {
+  [[nodiscard]] static std::vector<int> focusOrder(const host::DialogTemplate& made) {
     std::vector<int> order;
-    for (const dialogs::ControlTemplate& each : made.controls)
-      if (each.startsEnabled && each.kind != dialogs::ControlKind::Label &&
-          each.kind != dialogs::ControlKind::Picture && each.kind != dialogs::ControlKind::GroupBox)
+    for (const host::ControlTemplate& each : made.controls)
+      if (each.startsEnabled && each.kind != host::ControlKind::Label && each.kind != host::ControlKind::Picture &&
+          each.kind != host::ControlKind::GroupBox)
         order.push_back(each.id);
     return order;
   }
@@ -259,7 +259,7 @@ class ReportDialogTest : public testing::Test {
     return look([&] { return running_->control<QLineEdit>(kIdOutputStem)->text().toStdString(); });
   }
   /// What every report dialog does alike.
-  void expectCommonHabits(dialogs::DialogBehaviour& dialog, const char* page);
+  void expectCommonHabits(host::DialogBehaviour& dialog, const char* page);
 
   Dialogs dialogs_{"en"};
   desktop::QtDialogRunner runner_;
@@ -269,7 +269,7 @@ class ReportDialogTest : public testing::Test {
   QWidget* window_ = nullptr;
 };
 
-void ReportDialogTest::expectCommonHabits(dialogs::DialogBehaviour& dialog, const char* page) {
+void ReportDialogTest::expectCommonHabits(host::DialogBehaviour& dialog, const char* page) {
   // Tab order, forms by access key and by mouse.
   open(dialog);
   EXPECT_EQ(tabOrder(), focusOrder(dialog.dialogTemplate()));

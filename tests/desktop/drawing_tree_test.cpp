@@ -1,5 +1,5 @@
 // The tree of the drawing's objects with its find box.
-#include "desktop/drawing_tree.h"
+#include "desktop/panels/drawing_tree.h"
 
 #include <QLineEdit>
 #include <QTreeView>
@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "desktop_user.h"
+#include "desktop_user/desktop_user.h"
 
 namespace lvx::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "desktop/help_window.h"
+#include "desktop/panels/help_window.h"
 
 #include <QAction>
 #include <QDesktopServices>
@@ -19,7 +19,7 @@
 
 #include <gtest/gtest.h>
 
-#include "desktop_user.h"
+#include "desktop_user/desktop_user.h"
 #include "scheme_palettes.h"
 #include "support/run_program.h"
 

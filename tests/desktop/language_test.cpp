@@ -1,5 +1,5 @@
 // The windows' words: whether every one is translated, whether the translations fit their places, and which of them show.
-#include "desktop/language.h"
+#include "desktop/common/language.h"
 
 #include <QAbstractButton>
 #include <QComboBox>

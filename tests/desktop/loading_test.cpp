@@ -4,8 +4,8 @@
 #include <QTreeView>
 #include <thread>
 
-#include "desktop/plan_view.h"
-#include "foreign_windows.h"
+#include "desktop/plan/plan_view.h"
+#include "desktop_user/foreign_windows.h"
 #include "large_drawing.h"
 #include "program_window.h"
 

@@ -10,9 +10,9 @@
 #include <cstdlib>
 #include <map>
 
-#include "desktop/plan_view.h"
-#include "desktop/profile_view.h"
-#include "desktop/section_view.h"
+#include "desktop/charts/profile_view.h"
+#include "desktop/charts/section_view.h"
+#include "desktop/plan/plan_view.h"
 #include "program_window.h"
 #include "runtime/standin_host.h"
 

@@ -6,7 +6,7 @@
 #include <QTextCursor>
 #include <cstdlib>
 
-#include "desktop/section_view.h"
+#include "desktop/charts/section_view.h"
 #include "program_window.h"
 
 namespace lvx::test {

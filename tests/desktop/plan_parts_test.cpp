@@ -11,12 +11,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "desktop/desktop_user.h"
-#include "desktop/label_placer.h"
-#include "desktop/plan_furniture.h"
-#include "desktop/plan_painter.h"
-#include "desktop/plan_selection.h"
-#include "desktop/tile_worker.h"
+#include "desktop/plan/label_placer.h"
+#include "desktop/plan/plan_furniture.h"
+#include "desktop/plan/plan_painter.h"
+#include "desktop/plan/plan_selection.h"
+#include "desktop/plan/tile_worker.h"
+#include "desktop_user/desktop_user.h"
 #include "landxml/reader.h"
 
 namespace lvx::test {

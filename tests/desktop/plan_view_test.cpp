@@ -1,5 +1,5 @@
 // The plan under a user's mouse and keyboard.
-#include "desktop/plan_view.h"
+#include "desktop/plan/plan_view.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -13,7 +13,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "desktop/desktop_user.h"
+#include "desktop_user/desktop_user.h"
 
 namespace lvx::test {
 namespace {

@@ -17,8 +17,8 @@
 
 #include <gtest/gtest.h>
 
-#include "desktop/main_window.h"
-#include "desktop_user.h"
+#include "desktop/shell/main_window.h"
+#include "desktop_user/desktop_user.h"
 #include "support/run_program.h"
 
 namespace lvx::test {

@@ -8,16 +8,16 @@
 #include <string>
 #include <vector>
 
-#include "desktop/boxes.h"
-#include "desktop/help_window.h"
-#include "desktop/qt_text.h"
-#include "desktop/template_dialog.h"
-#include "desktop_user.h"
+#include "desktop/common/qt_text.h"
+#include "desktop/dialogs/boxes.h"
+#include "desktop/dialogs/template_dialog.h"
+#include "desktop/panels/help_window.h"
+#include "desktop_user/desktop_user.h"
+#include "doubles/fake_host.h"
+#include "doubles/fake_model.h"
+#include "doubles/fake_roadway.h"
+#include "fake_companion/fake_companion.h"
 #include "host/run_time.h"
-#include "support/fake_companion.h"
-#include "support/fake_host.h"
-#include "support/fake_model.h"
-#include "support/fake_roadway.h"
 
 /// The module's own dialogs over a small drawing, with a user whose boxes are windows.
 namespace lvx::test {
@@ -55,7 +55,7 @@ class WindowedHost final : public host::Host {
   [[nodiscard]] host::UserInterface& userInterface() override { return user; }
   [[nodiscard]] platform::Platform& platform() override { return fake.platform(); }
   [[nodiscard]] std::unique_ptr<host::Sheet> createSheet() override { return fake.createSheet(); }
-  [[nodiscard]] dialogs::DialogRunner& dialogs() override { return fake.dialogs(); }
+  [[nodiscard]] host::DialogRunner& dialogs() override { return fake.dialogs(); }
   [[nodiscard]] framework::ModuleState& moduleState() override { return fake.moduleState(); }
   [[nodiscard]] host::ActiveApplication activeApplication(const CString& programId) override {
     return fake.activeApplication(programId);

@@ -10,8 +10,8 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "desktop/plan_view.h"
-#include "desktop/qt_text.h"
+#include "desktop/common/qt_text.h"
+#include "desktop/plan/plan_view.h"
 #include "runtime/open_drawing.h"
 #include "view/number_text.h"
 

@@ -1,4 +1,4 @@
-#include "desktop/report_viewer.h"
+#include "desktop/panels/report_viewer.h"
 
 #include <QScrollBar>
 #include <QTextBrowser>
@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "desktop_user.h"
+#include "desktop_user/desktop_user.h"
 #include "support/run_program.h"
 
 namespace lvx::test {

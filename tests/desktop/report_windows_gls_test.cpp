@@ -2,8 +2,8 @@
 #include <QMessageBox>
 #include <cmath>
 
-#include "desktop/plan_view.h"
-#include "desktop/profile_view.h"
+#include "desktop/charts/profile_view.h"
+#include "desktop/plan/plan_view.h"
 #include "report_user.h"
 
 namespace lvx::test {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "desktop/plan_view.h"
+#include "desktop/plan/plan_view.h"
 #include "report_user.h"
 
 namespace lvx::test {

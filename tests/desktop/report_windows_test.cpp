@@ -10,8 +10,8 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "desktop/boxes.h"
-#include "desktop/plan_view.h"
+#include "desktop/dialogs/boxes.h"
+#include "desktop/plan/plan_view.h"
 #include "report_user.h"
 
 namespace lvx::test {

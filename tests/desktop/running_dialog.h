@@ -7,10 +7,10 @@
 #include <exception>
 #include <string>
 
-#include "desktop/dialog_runner.h"
-#include "desktop/qt_text.h"
-#include "desktop_user.h"
-#include "dialogs/dialog_window.h"
+#include "desktop/common/qt_text.h"
+#include "desktop/dialogs/dialog_runner.h"
+#include "desktop_user/desktop_user.h"
+#include "host/dialog_window.h"
 
 namespace lvx::test {
 
@@ -28,7 +28,7 @@ auto look(Work work) -> decltype(work()) {
 ///     EXPECT_EQ(running.code(user), 126);
 class RunningDialog {
  public:
-  RunningDialog(desktop::QtDialogRunner& runner, dialogs::DialogBehaviour& behaviour, QWidget* parent = nullptr)
+  RunningDialog(desktop::QtDialogRunner& runner, host::DialogBehaviour& behaviour, QWidget* parent = nullptr)
       : name_(behaviour.dialogTemplate().name) {
     QMetaObject::invokeMethod(
         QCoreApplication::instance(),

@@ -3,7 +3,7 @@
 #include <QApplication>
 #include <QPalette>
 
-#include "desktop_user.h"
+#include "desktop_user/desktop_user.h"
 
 namespace lvx::test {
 

@@ -1,5 +1,5 @@
 // Commands of the module over an open drawing, without the window around them.
-#include "desktop/session.h"
+#include "desktop/shell/session.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -17,9 +17,9 @@
 #include <gtest/gtest.h>
 
 #include "cli/command_line_front_end.h"
-#include "desktop/long_work.h"
-#include "desktop/progress_strip.h"
-#include "desktop_user.h"
+#include "desktop/panels/progress_strip.h"
+#include "desktop/shell/long_work.h"
+#include "desktop_user/desktop_user.h"
 #include "landxml/reader.h"
 #include "support/run_program.h"
 

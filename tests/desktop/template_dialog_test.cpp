@@ -1,4 +1,4 @@
-#include "desktop/template_dialog.h"
+#include "desktop/dialogs/template_dialog.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -22,17 +22,17 @@
 #include "dialogs/picture.h"
 #include "framework/exceptions.h"
 #include "running_dialog.h"
-#include "runtime/dialog_state.h"
+#include "windowless/dialog_state.h"
 
 namespace lvx::test {
 namespace {
 
 using desktop::QtDialogRunner;
-using dialogs::ControlKind;
-using dialogs::ControlTemplate;
-using dialogs::DialogTemplate;
-using dialogs::DialogWindow;
 using framework::CString;
+using host::ControlKind;
+using host::ControlTemplate;
+using host::DialogTemplate;
+using host::DialogWindow;
 
 // Every kind of control; the group is listed behind most of its controls.
 constexpr std::array<ControlTemplate, 13> kControls{{
@@ -53,12 +53,12 @@ constexpr std::array<ControlTemplate, 13> kControls{{
 constexpr DialogTemplate kTemplate{"Sample", L"Sample", 182, 140, kControls};
 
 /// Logs every event with what the window then holds, and does what the test says.
-class Recorder final : public dialogs::DialogBehaviour {
+class Recorder final : public host::DialogBehaviour {
  public:
   std::vector<std::string> log;
   std::function<void(DialogWindow&)> opening = [](DialogWindow&) {};
   std::function<void(DialogWindow&, int)> click = [](DialogWindow& window, int id) {
-    if (id == dialogs::kIdOk || id == dialogs::kIdCancel) window.end(id);
+    if (id == host::kIdOk || id == host::kIdCancel) window.end(id);
   };
   std::function<void(DialogWindow&, int)> selectionChanged = [](DialogWindow&, int) {};
   std::function<void(DialogWindow&, int)> textChanged = [](DialogWindow&, int) {};
@@ -145,7 +145,7 @@ void behave(Recorder& recorder) {
 /// One thing that a user does, without and with a window.
 struct Action {
   const char* name;
-  std::function<void(runtime::DialogState&)> told;
+  std::function<void(windowless::DialogState&)> told;
   std::function<void(DesktopUser&, RunningDialog&)> done;
 };
 
@@ -160,7 +160,7 @@ void chooseRow(DesktopUser& user, QComboBox* list, int row) {
 }
 
 std::vector<Action> actions() {
-  using runtime::DialogState;
+  using windowless::DialogState;
   return {
       {"types a character", [](DialogState& state) { state.userTypes(21, L"xy"); },
        [](DesktopUser& user, RunningDialog& dialog) {
@@ -174,7 +174,7 @@ std::vector<Action> actions() {
          user.key(Qt::Key_Delete);
        }},
       {"presses OK, which is disabled",
-       [](DialogState& state) { EXPECT_EQ(state.userClicks(1), runtime::Refusal::Disabled); },
+       [](DialogState& state) { EXPECT_EQ(state.userClicks(1), windowless::Refusal::Disabled); },
        [](DesktopUser& user, RunningDialog& dialog) { user.click(dialog.control(1)); }},
       {"selects a row", [](DialogState& state) { state.userSelects(32, 2); },
        [](DesktopUser& user, RunningDialog& dialog) { chooseRow(user, dialog.control<QComboBox>(32), 2); }},
@@ -205,7 +205,7 @@ TEST(TemplateDialog, KeepsTheRulesOfADialogWithoutAWindow) {
 
   DesktopUser user;
   QtDialogRunner runner;
-  runtime::DialogState state(without);
+  windowless::DialogState state(without);
   RunningDialog dialog(runner, with);
   ASSERT_NE(dialog.window(user), nullptr);
   for (const Action& action : actions()) {
@@ -309,7 +309,7 @@ TEST(TemplateDialog, PressesTheDefaultButtonOnEnterUnlessItIsDisabledOrAnotherBu
   EXPECT_TRUE(onGui([&] { return recorder.log.back().starts_with("click 60"); }));
   user.key(Qt::Key_R, Qt::AltModifier);
   user.key(Qt::Key_Return);
-  EXPECT_EQ(dialog.code(user), dialogs::kIdOk);
+  EXPECT_EQ(dialog.code(user), host::kIdOk);
 }
 
 TEST(TemplateDialog, TellsOfEveryCharacterTypedAndEveryRowReachedByArrows) {
@@ -350,7 +350,7 @@ TEST(TemplateDialog, HearsOfItsCloseMarkAndOfEscapeAsCancelAndMayStay) {
   Recorder recorder;
   int cancels = 0;
   recorder.click = [&](DialogWindow& window, int id) {
-    if (id == dialogs::kIdCancel && ++cancels == 3) window.end(77);
+    if (id == host::kIdCancel && ++cancels == 3) window.end(77);
   };
   RunningDialog dialog(runner, recorder);
   QWidget* const window = dialog.window(user);
@@ -488,7 +488,7 @@ TEST(DialogRunner, OpensADialogOverItsParentAndThenWhereItWasClosed) {
     EXPECT_TRUE(user.waitFor([&] { return window->pos() != before; }));
     moved = onGui([&] { return window->pos(); });
     user.key(Qt::Key_Escape);
-    EXPECT_EQ(dialog.code(user), dialogs::kIdCancel);
+    EXPECT_EQ(dialog.code(user), host::kIdCancel);
   }
   {
     RunningDialog dialog(runner, recorder, main);
@@ -497,7 +497,7 @@ TEST(DialogRunner, OpensADialogOverItsParentAndThenWhereItWasClosed) {
     EXPECT_TRUE(user.waitFor([&] { return (window->pos() - moved).manhattanLength() <= 2; }))
         << onGui([&] { return window->pos().x(); }) << " for " << moved.x();
     user.key(Qt::Key_Escape);
-    EXPECT_EQ(dialog.code(user), dialogs::kIdCancel);
+    EXPECT_EQ(dialog.code(user), host::kIdCancel);
   }
   onGui([&] { delete main; });
 }
@@ -525,9 +525,9 @@ TEST(DialogRunner, GivesUpEverythingThatStandsOpenAndOpensNothingMore) {
   user.click(dialog.control(60));
   ASSERT_NE(user.waitForActiveWindow(QStringLiteral("Question")), nullptr);
   onGui([] { QtDialogRunner::closeAll(); });
-  EXPECT_EQ(dialog.code(user), dialogs::kIdCancel);
-  EXPECT_EQ(innerCode, dialogs::kIdCancel);
-  EXPECT_EQ(lateCode, dialogs::kIdCancel);
+  EXPECT_EQ(dialog.code(user), host::kIdCancel);
+  EXPECT_EQ(innerCode, host::kIdCancel);
+  EXPECT_EQ(lateCode, host::kIdCancel);
   EXPECT_EQ(inner.log.size(), 2U) << "opened, then cancelled";
   EXPECT_EQ(late.log.size(), 2U);
   EXPECT_EQ(late.log.front(), "opening");
@@ -539,7 +539,7 @@ TEST(DialogRunner, GivesUpEverythingThatStandsOpenAndOpensNothingMore) {
   RunningDialog shown(runner, again);
   EXPECT_NE(shown.window(user), nullptr);
   user.key(Qt::Key_Escape);
-  EXPECT_EQ(shown.code(user), dialogs::kIdCancel);
+  EXPECT_EQ(shown.code(user), host::kIdCancel);
 }
 
 // ---------------------------------------------------------------- controls
@@ -679,8 +679,8 @@ TEST(TemplateDialog, NamesListsAndPictureButtonsForScreenReadersByTheirRow) {
 // ---------------------------------------------------------------- pictures
 
 /// Red, with a white pixel in the upper left corner and one of the dialog's colour beside it.
-dialogs::PictureBits picture(QColor face) {
-  dialogs::PictureBits bits;
+host::PictureBits picture(QColor face) {
+  host::PictureBits bits;
   bits.name = "TEST";
   const auto set = [&](std::size_t pixel, int red, int green, int blue) {
     bits.bytes[4 * pixel] = static_cast<std::uint8_t>(blue);

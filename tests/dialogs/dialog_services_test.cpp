@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "bits_window.h"
-#include "runtime/dialog_state.h"
-#include "support/fake_host.h"
+#include "doubles/fake_host.h"
+#include "support/bits_window.h"
+#include "windowless/dialog_state.h"
 
 namespace lvx::dialogs {
 namespace {
@@ -77,7 +77,7 @@ TEST(DialogPictures, ShowTheDarkFaceBehindSmallPicturesAndLeavePickPicturesUncha
   test::FakeHost host;
   host.users().faceColour = 0x00302010;  // blue 30, green 20, red 10
   PictureWindow dialog(host);
-  BitsWindow window;
+  host::BitsWindow window;
   dialog.onOpening(window);
   const PictureBits& site = window.pictures.at(1);
   EXPECT_EQ(site.bytes[0], 0x30);

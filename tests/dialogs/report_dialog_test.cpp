@@ -8,18 +8,22 @@
 
 #include <gtest/gtest.h>
 
-#include "dialogs/export_points_dlg.h"
-#include "dialogs/my_dialog1.h"
-#include "dialogs/my_dialog3.h"
-#include "support/fake_roadway.h"
-#include "support/report_drawing.h"
+#include "doubles/fake_roadway.h"
+#include "gls/gls_dialog.h"
+#include "points/points_dialog.h"
+#include "projection/projection_dialog.h"
+#include "report_drawing/report_drawing.h"
 
 namespace lvx::dialogs {
+
+using gls::CMyDialog3;
+using points::CExportPointsDlg;
+using projection::CMyDialog1;
 namespace {
 
-using runtime::DialogState;
-using runtime::Refusal;
 using test::rows;
+using windowless::DialogState;
+using windowless::Refusal;
 
 constexpr std::initializer_list<int> kForms{kIdCheckAscii, kIdCheckExcel, kIdCheckThird};
 

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/fake_host.h"
+#include "doubles/fake_host.h"
 
 namespace lvx::frame {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "doubles/fake_host.h"
 #include "framework/exceptions.h"
-#include "support/fake_host.h"
 
 namespace lvx::frame {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "gls_case.h"
-#include "support/fake_model.h"
+#include "doubles/fake_model.h"
+#include "plain_gls/gls_case.h"
 
 namespace lvx::gls {
 namespace {

@@ -3,9 +3,9 @@
 #include <map>
 #include <vector>
 
+#include "doubles/fake_roadway.h"
 #include "host/companion.h"
-#include "support/fake_roadway.h"
-#include "support/report_drawing.h"
+#include "report_drawing/report_drawing.h"
 
 namespace lvx::gls {
 

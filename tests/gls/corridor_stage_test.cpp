@@ -5,9 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "dialogs/dialog_window.h"
 #include "framework/exceptions.h"
-#include "gls_case.h"
+#include "host/dialog_window.h"
+#include "plain_gls/gls_case.h"
 
 namespace lvx::gls {
 namespace {
@@ -27,7 +27,7 @@ class CorridorStage : public testing::Test {
     report_.rows[report_.rows.size() - 1]->station = station;
     report_.rows[report_.rows.size() - 1]->name = name;
   }
-  void read(int answer = dialogs::kIdCancel) {
+  void read(int answer = host::kIdCancel) {
     made_.user.code = answer;
     readCorridorData(made_.host, corridors_, report_);
   }
@@ -373,7 +373,7 @@ TEST_F(CorridorStage, AddsASectionAtEveryRowThatHasNoneAndRebuilds) {
     return made_.roadway.addCorridor(L"spare")->addBaseline()->addRoad(station, {{-4.0, 9.9}, {0.0, 10.0}, {4.0, 9.9}});
   };
   made_.roadway.log.clear();
-  read(dialogs::kIdOk);
+  read(host::kIdOk);
   EXPECT_THAT(made_.roadway.log, ElementsAre(L"add 150.000000 SL1", L"add 200.000000 BC1", L"rebuild Road"));
   const framework::tpt3list& stations = corridors_[0]->baselines[0]->stations;
   ASSERT_EQ(stations.count(), 4);
@@ -390,7 +390,7 @@ TEST_F(CorridorStage, RebuildsTheCorridorOnceForEachOfItsRegionsAlsoWhereNothing
   first->addRegion({100.0});
   corridor->addBaseline()->addRegion({100.0});
   made_.roadway.addCorridor(L"Empty")->addBaseline();
-  read(dialogs::kIdOk);
+  read(host::kIdOk);
   EXPECT_THAT(made_.roadway.log, ElementsAre(L"rebuild Road", L"rebuild Road", L"rebuild Road"));
 }
 
@@ -399,21 +399,21 @@ TEST_F(CorridorStage, AddsEveryRowToARegionOfNoStationsWhateverItsRange) {
   addRow(100.0, L"b");
   const auto made = baseline();
   made->addRegion({});
-  read(dialogs::kIdOk);
+  read(host::kIdOk);
   EXPECT_THAT(made_.roadway.log, ElementsAre(L"add -5.000000 a", L"add 100.000000 b", L"rebuild Road"));
 }
 
 TEST_F(CorridorStage, TakesAFailedReadingOfTheStationsForARegionOfNone) {
   addRow(100.0, L"a");
   baseline()->addRegion({})->stations = HostArray<double>::none();
-  read(dialogs::kIdOk);
+  read(host::kIdOk);
   EXPECT_THAT(made_.roadway.log, ElementsAre(L"add 100.000000 a", L"rebuild Road"));
 }
 
 TEST_F(CorridorStage, AddsNothingToStationsOfAnotherShapeAndReadsNone) {
   addRow(100.0, L"a");
   baseline()->addRegion({})->stations = HostArray<double>{2, 0, {1.0, 2.0}};
-  read(dialogs::kIdOk);
+  read(host::kIdOk);
   EXPECT_THAT(made_.roadway.log, ElementsAre(L"rebuild Road"));
   EXPECT_EQ(corridors_[0]->baselines[0]->stations.count(), 0);
 }
@@ -422,7 +422,7 @@ TEST_F(CorridorStage, AddsTwoRowsOfOneStationBoth) {
   addRow(100.0, L"a");
   addRow(100.0, L"b");
   baseline()->addRegion({50.0});
-  read(dialogs::kIdOk);
+  read(host::kIdOk);
   EXPECT_THAT(made_.roadway.log, ElementsAre(L"add 100.000000 a", L"add 100.000000 b", L"rebuild Road"));
 }
 
@@ -430,7 +430,7 @@ TEST_F(CorridorStage, AddsASectionNextToOneAMillionthAway) {
   addRow(100.0, L"a");
   addRow(200.0, L"b");
   baseline()->addRegion({100.0000011, kNaN, 199.9999991});
-  read(dialogs::kIdOk);
+  read(host::kIdOk);
   EXPECT_THAT(made_.roadway.log, ElementsAre(L"add 100.000000 a", L"rebuild Road"));
 }
 

@@ -7,11 +7,11 @@
 
 #include "command_drawing.h"
 #include "dialogs/dialog_services.h"
+#include "doubles/recording_sheet.h"
 #include "gls/gls_command.h"
 #include "golden_case.h"
 #include "support/cell_log.h"
 #include "support/golden.h"
-#include "support/recording_sheet.h"
 
 namespace lvx::gls {
 namespace {

@@ -6,11 +6,11 @@
 
 #include <gtest/gtest.h>
 
-#include "dialogs/dialog_window.h"
 #include "framework/exceptions.h"
 #include "gls/corridor_stage.h"
-#include "gls_case.h"
-#include "plain_gls.h"
+#include "host/dialog_window.h"
+#include "plain_gls/gls_case.h"
+#include "plain_gls/plain_gls.h"
 #include "support/random_numbers.h"
 
 /// The module against the plain rules, over random alignments, profiles, sample lines and corridors: orderly ones and
@@ -34,7 +34,7 @@ class RandomCase {
       made.addSampleLine((below(8) == 0 ? L"PV" : L"S") + std::to_wstring(i), station());
     points(made);
     corridors(made);
-    made.user.code = below(2) == 0 ? dialogs::kIdOk : dialogs::kIdCancel;
+    made.user.code = below(2) == 0 ? host::kIdOk : host::kIdCancel;
   }
 
   /// Few values, so that much falls together.

@@ -6,9 +6,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "dialogs/dialog_window.h"
 #include "framework/exceptions.h"
-#include "gls_case.h"
+#include "host/dialog_window.h"
+#include "plain_gls/gls_case.h"
 
 namespace lvx::gls {
 namespace {
@@ -550,7 +550,7 @@ TEST_F(Assembly, AsksForSectionsUnderTheNamesOfTheStationRowsBeforeTheDistanceRo
   useStraightProfile();
   addSampleLine(L"SL", 100.0);
   roadway.addCorridor(L"Road")->addBaseline()->addRegion({50.0});
-  user.code = dialogs::kIdOk;
+  user.code = host::kIdOk;
   collect();
   EXPECT_THAT(roadway.log, ElementsAre(L"add 0.000000 BC1", L"add 100.000000 EC1, SL", L"rebuild Road"));
 }

@@ -10,18 +10,18 @@
 
 #include "command_drawing.h"
 #include "dialogs/dialog_services.h"
-#include "dialogs/my_dialog3.h"
+#include "doubles/recording_sheet.h"
 #include "framework/exceptions.h"
+#include "gls/gls_dialog.h"
 #include "host/picking.h"
-#include "support/recording_sheet.h"
 
 namespace lvx::gls {
 namespace {
 
-using dialogs::CMyDialog3;
+using gls::CMyDialog3;
 using host::BoxAnswer;
-using runtime::DialogState;
 using testing::HasSubstr;
+using windowless::DialogState;
 using Boxes = std::vector<test::FakeUserInterface::Box>;
 using Kind = test::PickingRunTime::Kind;
 
@@ -110,8 +110,8 @@ TEST_F(GlsCommandTest, WritesTheTickedFormsAndGivesEverythingBack) {
 
 TEST_F(GlsCommandTest, LeavesNoFileAndAddsNoSectionAfterCancel) {
   roadway.addCorridor(L"Road")->addBaseline()->addRegion({0.0});
-  user.answer = dialogs::kIdOk;
-  user.steps = {click(dialogs::kIdCancel)};
+  user.answer = host::kIdOk;
+  user.steps = {click(host::kIdCancel)};
   runGlsReport(host);
   for (const CString ending : {L".txt", L".xls", L".html"}) EXPECT_FALSE(stands(ending));
   EXPECT_EQ(user.openings, 1U);
@@ -124,7 +124,7 @@ TEST_F(GlsCommandTest, AddsSectionsAtTheUsersWordAlsoWhereNoFormIsTicked) {
   const auto baseline = roadway.addCorridor(L"Road")->addBaseline();
   baseline->alignmentObject = site_->alignmentList->items[0];
   baseline->addRegion({30.0});
-  user.answer = dialogs::kIdOk;
+  user.answer = host::kIdOk;
   user.steps = {okWith({})};
   runGlsReport(host);
   for (const CString ending : {L".txt", L".xls", L".html"}) EXPECT_FALSE(stands(ending));
@@ -265,7 +265,7 @@ TEST_F(GlsCommandTest, TellsTheSameOfAStemThatWasEmptiedWithOkStillEnabled) {
   user.steps = {[](DialogState& state) {
     state.userTypes(dialogs::kIdOutputStem, L"/r/x");
     state.userTypes(dialogs::kIdOutputStem, L"");
-    state.userClicks(dialogs::kIdOk);
+    state.userClicks(host::kIdOk);
   }};
   runGlsReport(host);
   EXPECT_EQ(host.users().boxes, (Boxes{{L"no folder", host::BoxButtons::Ok, host::BoxIcon::Warning}}));

@@ -4,8 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "doubles/fake_host.h"
 #include "gls/gls_records.h"
-#include "support/fake_host.h"
 
 namespace lvx::gls {
 

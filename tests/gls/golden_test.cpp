@@ -7,12 +7,12 @@
 
 #include <gtest/gtest.h>
 
+#include "doubles/fake_host.h"
 #include "gls/gls_ascii.h"
 #include "gls/gls_excel.h"
 #include "gls/gls_html.h"
 #include "golden_case.h"
 #include "support/cell_log.h"
-#include "support/fake_host.h"
 
 namespace lvx::gls {
 namespace {

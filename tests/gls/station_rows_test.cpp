@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "gls_case.h"
-#include "plain_gls.h"
+#include "plain_gls/gls_case.h"
+#include "plain_gls/plain_gls.h"
 #include "support/random_numbers.h"
 
 namespace lvx::gls {

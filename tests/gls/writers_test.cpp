@@ -9,13 +9,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "doubles/fake_host.h"
+#include "doubles/recording_sheet.h"
 #include "framework/exceptions.h"
 #include "gls/gls_ascii.h"
 #include "gls/gls_excel.h"
 #include "gls/gls_html.h"
-#include "support/fake_host.h"
 #include "support/golden.h"
-#include "support/recording_sheet.h"
 
 namespace lvx::gls {
 namespace {

@@ -11,14 +11,14 @@
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
 
-#include "dialogs/my_dialog1.h"
-#include "dialogs/my_dialog4.h"
+#include "doubles/fake_host.h"
+#include "fake_companion/fake_companion.h"
+#include "gls/add_sections_dialog.h"
 #include "platform/posix/posix_platform.h"
-#include "runtime/dialog_state.h"
+#include "projection/projection_dialog.h"
 #include "services/message_catalogue.h"
-#include "support/fake_companion.h"
-#include "support/fake_host.h"
 #include "support/run_program.h"
+#include "windowless/dialog_state.h"
 
 namespace lvx {
 namespace {
@@ -264,11 +264,11 @@ TEST(HelpPages, SayWhatDialogsAndReportsSay) {
 }
 
 /// The page holds the caption of every control: in a cell of its own or, of a question, line by line in its text.
-void expectCaptions(dialogs::DialogBehaviour& dialog, const Page& page) {
-  using dialogs::ControlKind;
-  const runtime::DialogState state(dialog);
+void expectCaptions(host::DialogBehaviour& dialog, const Page& page) {
+  using host::ControlKind;
+  const windowless::DialogState state(dialog);
   std::size_t captions = 0;
-  for (const dialogs::ControlTemplate& control : dialog.dialogTemplate().controls) {
+  for (const host::ControlTemplate& control : dialog.dialogTemplate().controls) {
     switch (control.kind) {
       case ControlKind::PushButton:
       case ControlKind::DefaultButton:
@@ -284,7 +284,7 @@ void expectCaptions(dialogs::DialogBehaviour& dialog, const Page& page) {
       std::erase(line, '&');
       if (collapsed(line).empty()) continue;
       ++captions;
-      if (control.id == dialogs::CMyDialog4::kIdStatic)
+      if (control.id == gls::CMyDialog4::kIdStatic)
         EXPECT_THAT(page.text, HasSubstr(collapsed(line)));
       else
         EXPECT_THAT(page.cells, Contains(collapsed(line))) << control.id;
@@ -300,9 +300,9 @@ TEST(HelpPages, NameEveryControlOfTheirDialogs) {
     test::FakeHost host;
     host.useMessages(language);
     test::FakeCompanion companion;
-    dialogs::CMyDialog1 projection(host);
+    projection::CMyDialog1 projection(host);
     expectCaptions(projection, Page(kHelp / language / "project-resources/LVX_015_001.html"));
-    dialogs::CMyDialog4 question(host);
+    gls::CMyDialog4 question(host);
     expectCaptions(question, Page(kHelp / language / "project-resources/LVX_015_003.html"));
   }
 }

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/fake_picking.h"
+#include "doubles/fake_picking.h"
 
 namespace lvx::host {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "doubles/fake_host.h"
 #include "host/roadway_model.h"
-#include "support/fake_host.h"
 
 namespace lvx::host {
 namespace {

@@ -9,8 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/fake_host.h"
-#include "support/fake_model.h"
+#include "doubles/fake_host.h"
+#include "doubles/fake_model.h"
 
 namespace lvx::host {
 namespace {

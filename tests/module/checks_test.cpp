@@ -147,7 +147,7 @@ TEST(ModuleChecks, AreContentWhenTheScriptEndsInTheMiddleOfADialog) {
   test::ModuleHost process(R"([{"command": "lvx_Report_Que"}, {"select": 261, "row": 0}])");
   const runtime::LoadedModule module = process.host.loadModule(test::kModuleFile);
   EXPECT_THAT(process.playAll(), IsEmpty()) << "what the front end raises unwinds the module like any exception";
-  EXPECT_THROW(std::rethrow_exception(process.lastException), cli::ScriptMismatch);
+  EXPECT_THROW(std::rethrow_exception(process.lastException), script::ScriptMismatch);
 }
 
 }  // namespace

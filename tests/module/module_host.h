@@ -3,11 +3,11 @@
 #include <string>
 #include <vector>
 
-#include "cli/script_front_end.h"
 #include "landxml/reader.h"
 #include "runtime/command_runner.h"
 #include "runtime/module_loader.h"
 #include "runtime/standin_host.h"
+#include "script/script_front_end.h"
 
 namespace lvx::test {
 
@@ -30,7 +30,7 @@ class ModuleHost {
  public:
   explicit ModuleHost(const std::string& script = "[]", bool checks = true)
       : transcript_([this](std::string_view line) { lines.emplace_back(line); }),
-        frontEnd_(cli::parseScript(script, "script"), transcript_),
+        frontEnd_(script::parseScript(script, "script"), transcript_),
         host(frontEnd_, options()),
         runner(host, checks) {
     host.open(landxml::readDrawingText(kSmallDrawing, "small.xml"));
@@ -60,8 +60,8 @@ class ModuleHost {
     return options;
   }
 
-  cli::Transcript transcript_;
-  cli::ScriptFrontEnd frontEnd_;
+  script::Transcript transcript_;
+  script::ScriptFrontEnd frontEnd_;
 
  public:
   runtime::StandinHost host;

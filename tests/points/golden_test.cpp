@@ -8,11 +8,11 @@
 #include <gtest/gtest.h>
 
 #include "case_maker.h"
+#include "doubles/fake_host.h"
 #include "points/points_ascii.h"
 #include "points/points_excel.h"
 #include "points/points_html.h"
 #include "support/cell_log.h"
-#include "support/fake_host.h"
 
 namespace lvx::points {
 namespace {

@@ -5,9 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include "doubles/fake_host.h"
+#include "doubles/fake_model.h"
 #include "points/point_groups.h"
-#include "support/fake_host.h"
-#include "support/fake_model.h"
 
 namespace lvx::points {
 namespace {

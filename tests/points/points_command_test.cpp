@@ -5,18 +5,18 @@
 #include <gtest/gtest.h>
 
 #include "dialogs/dialog_services.h"
-#include "dialogs/export_points_dlg.h"
+#include "doubles/recording_sheet.h"
 #include "framework/exceptions.h"
 #include "host/picking.h"
-#include "support/recording_sheet.h"
-#include "support/report_drawing.h"
+#include "points/points_dialog.h"
+#include "report_drawing/report_drawing.h"
 
 namespace lvx::points {
 namespace {
 
-using dialogs::CExportPointsDlg;
 using host::BoxAnswer;
-using runtime::DialogState;
+using points::CExportPointsDlg;
+using windowless::DialogState;
 using Kind = test::PickingRunTime::Kind;
 using Boxes = std::vector<test::FakeUserInterface::Box>;
 
@@ -94,7 +94,7 @@ TEST_F(PointsCommandTest, WritesTheTickedFormsInOrderOfStation) {
 }
 
 TEST_F(PointsCommandTest, LeavesNoFileAfterCancel) {
-  user.steps = {click(dialogs::kIdCancel)};
+  user.steps = {click(host::kIdCancel)};
   run();
   EXPECT_EQ(user.openings, 1U);
   for (const CString ending : {L".txt", L".xls", L".html"}) EXPECT_FALSE(stands(ending));

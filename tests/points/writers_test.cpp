@@ -7,14 +7,14 @@
 
 #include <gtest/gtest.h>
 
+#include "doubles/fake_host.h"
+#include "doubles/recording_sheet.h"
 #include "framework/exceptions.h"
 #include "points/points_ascii.h"
 #include "points/points_columns.h"
 #include "points/points_excel.h"
 #include "points/points_html.h"
-#include "support/fake_host.h"
 #include "support/golden.h"
-#include "support/recording_sheet.h"
 
 namespace lvx::points {
 namespace {

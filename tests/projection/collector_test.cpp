@@ -8,9 +8,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "doubles/fake_model.h"
 #include "framework/exceptions.h"
 #include "projection/sample_line_collector.h"
-#include "support/fake_model.h"
 #include "support/random_numbers.h"
 
 namespace lvx::projection {

@@ -8,12 +8,12 @@
 #include <gtest/gtest.h>
 
 #include "case_maker.h"
+#include "doubles/fake_host.h"
 #include "projection/projection_ascii.h"
 #include "projection/projection_excel.h"
 #include "projection/projection_html.h"
 #include "projection/projection_xml.h"
 #include "support/cell_log.h"
-#include "support/fake_host.h"
 
 namespace lvx::projection {
 namespace {

@@ -5,18 +5,18 @@
 #include <gtest/gtest.h>
 
 #include "dialogs/dialog_services.h"
-#include "dialogs/my_dialog1.h"
 #include "framework/exceptions.h"
 #include "host/picking.h"
-#include "support/report_drawing.h"
+#include "projection/projection_dialog.h"
+#include "report_drawing/report_drawing.h"
 
 namespace lvx::projection {
 namespace {
 
-using dialogs::CMyDialog1;
 using framework::CString;
 using host::BoxAnswer;
-using runtime::DialogState;
+using projection::CMyDialog1;
+using windowless::DialogState;
 using Kind = test::PickingRunTime::Kind;
 
 class ProjectionCommandTest : public testing::Test, public test::ReportDrawing {
@@ -62,7 +62,7 @@ TEST_F(ProjectionCommandTest, WritesTheTickedFormsAndGivesEverythingBack) {
 }
 
 TEST_F(ProjectionCommandTest, LeavesNoFileAndNoRecordAfterCancel) {
-  user.steps = {click(dialogs::kIdCancel)};
+  user.steps = {click(host::kIdCancel)};
   runProjectionReport(host);
   EXPECT_FALSE(stands(L".txt"));
   EXPECT_EQ(user.openings, 1U);

@@ -12,6 +12,9 @@
 #include <gtest/gtest.h>
 
 #include "case_maker.h"
+#include "doubles/fake_host.h"
+#include "doubles/fake_model.h"
+#include "doubles/recording_sheet.h"
 #include "framework/exceptions.h"
 #include "projection/projection_ascii.h"
 #include "projection/projection_computation.h"
@@ -19,10 +22,7 @@
 #include "projection/projection_html.h"
 #include "projection/projection_xml.h"
 #include "projection/sample_line_collector.h"
-#include "support/fake_host.h"
-#include "support/fake_model.h"
 #include "support/golden.h"
-#include "support/recording_sheet.h"
 
 namespace lvx::projection {
 namespace {

@@ -78,7 +78,7 @@ class TestFrontEnd final : public runtime::FrontEnd {
   std::optional<host::CString> saveFileBox(const host::CString&, std::uint32_t) override { return std::nullopt; }
   void showHelp(const host::CString&) override {}
   std::uint32_t buttonFaceColour() override { return 0; }
-  dialogs::DialogRunner& dialogs() override { throw std::logic_error("no dialog was expected"); }
+  host::DialogRunner& dialogs() override { throw std::logic_error("no dialog was expected"); }
   void* mainWindow() override { return this; }
   void console(const host::CString& text) override { consoleText += text; }
   std::optional<civil::Handle> pickEntity(const host::CString&) override { return picked; }

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "support/fake_host.h"
-#include "support/rescanned_escapes.h"
+#include "doubles/fake_host.h"
+#include "doubles/rescanned_escapes.h"
 
 namespace lvx::services {
 namespace {

@@ -1,4 +1,4 @@
-#include "support/message_file.h"
+#include "doubles/message_file.h"
 
 #include <filesystem>
 #include <fstream>
@@ -9,8 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "doubles/fake_host.h"
 #include "services/message_catalogue.h"
-#include "support/fake_host.h"
 
 namespace lvx::test {
 namespace {

@@ -9,8 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include "doubles/fake_host.h"
 #include "services/narrow_write.h"
-#include "support/fake_host.h"
 
 namespace lvx::services {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "doubles/recording_sheet.h"
 #include "platform/posix/posix_platform.h"
-#include "support/recording_sheet.h"
 
 namespace lvx::test {
 

@@ -1,0 +1,152 @@
+#include "points/points_dialog.h"
+
+#include <array>
+#include <utility>
+
+#include "host/companion.h"
+#include "services/formatted_text.h"
+#include "services/message_catalogue.h"
+
+namespace lvx::points {
+
+using dialogs::Caption;
+using dialogs::kHelpPoints;
+using dialogs::kIdAlignments;
+using dialogs::kIdGroupSelection;
+using dialogs::kIdSites;
+using dialogs::kPicturePoint;
+using dialogs::kPicturePointGroup;
+using dialogs::PictureOn;
+using dialogs::ReportDialog;
+using dialogs::ReportDialogParts;
+using dialogs::setFormChecks;
+using host::ControlKind;
+using host::ControlTemplate;
+using host::DialogTemplate;
+using host::DialogWindow;
+using host::kIdOk;
+using services::getMessage;
+using services::kMessageSet;
+
+namespace {
+
+using enum ControlKind;
+
+// In tab order.
+constexpr std::array<ControlTemplate, 24> kControls{{
+    {1, DefaultButton, L"OK", {114, 193, 50, 14}, false},
+    {2, PushButton, L"Cancel", {170, 193, 50, 14}},
+    {9, PushButton, L"Help", {226, 193, 50, 14}},
+    {228, GroupBox, L"*Selection (Site && Axis && Profiles)", {6, 3, 270, 88}},
+    {264, Label, L"*Site:", {12, 16, 108, 8}},
+    {265, Label, L"*Alignment:", {12, 34, 108, 8}},
+    {103, Label, L"*Point groups:", {12, 52, 108, 8}},
+    {104, Label, L"*Selected points:", {12, 71, 108, 8}},
+    {270, Picture, L"", {126, 16, 15, 13}},
+    {271, Picture, L"", {126, 34, 15, 13}},
+    {273, Picture, L"", {126, 52, 15, 13}},
+    {278, Picture, L"", {126, 70, 15, 13}},
+    {261, DropDownList, L"", {144, 15, 108, 78}},
+    {263, DropDownList, L"", {144, 33, 108, 78}},
+    {102, DropDownList, L"", {144, 51, 108, 78}},
+    {105, Label, L"* Points selected", {144, 71, 108, 8}},
+    {126, PictureButton, L"*", {257, 32, 15, 14}},
+    {232, PictureButton, L"*", {257, 50, 15, 14}},
+    {230, GroupBox, L"*Output file", {7, 95, 269, 91}},
+    {274, CheckBox, L"*Export to ASCII", {36, 112, 108, 10}},
+    {275, CheckBox, L"*Export to Excel", {36, 126, 108, 10}},
+    {276, CheckBox, L"*Export to Xml", {36, 140, 108, 10}},
+    {233, PictureButton, L"*", {14, 159, 15, 14}},
+    {100, EditBox, L"", {35, 160, 217, 13}},
+}};
+
+constexpr DialogTemplate kTemplate{"CExportPointsDlg", L"*Export Points", 283, 214, kControls};
+
+constexpr std::array<Caption, 3> kCaptions{{{kIdGroupSelection, 202}, {103, 203}, {104, 221}}};
+
+constexpr std::array<PictureOn, 2> kSmallPictures{{{273, kPicturePointGroup}, {278, kPicturePoint}}};
+
+constexpr ReportDialogParts kParts{.dialogTemplate = &kTemplate,
+                                   .title = 201,
+                                   .captions = kCaptions,
+                                   .smallPictures = kSmallPictures,
+                                   .helpPage = kHelpPoints};
+
+constexpr std::uint32_t kOnePoint = 224;
+constexpr std::uint32_t kPoints = 225;
+
+}  // namespace
+
+CExportPointsDlg::CExportPointsDlg(host::Host& host) : ReportDialog(host, kParts) {}
+
+CExportPointsDlg::~CExportPointsDlg() {
+  if (!loaded) return;
+  pvsa_lvx_relsites(sites);
+  host::releaseAllAlignments(alignments);
+  points::releasePointGroups(pointGroups);
+  releaseModel();
+}
+
+void CExportPointsDlg::attach() {
+  std::optional<Model> model = reachModel();
+  loaded = true;  // also where it failed: this dialog doesn't try again. From here on the destructor gives all back.
+  if (!model) return;
+  take(std::move(*model));
+  points::loadPointGroups(document, database, pointGroups);
+}
+
+void CExportPointsDlg::onOpening(DialogWindow& window) {
+  if (!loaded) attach();
+  showLook(window);
+
+  fillSites(window);
+  fillAlignments(window);
+  fillPointGroups(window);
+
+  choose(window, kIdSites, siteIndex, siteText);
+  choose(window, kIdAlignments, alignmentIndex, alignmentText);
+  choose(window, kIdPointGroups, groupIndex, groupText);
+
+  // Points picked by hand win at each opening. What was selected before them is read anew on OK.
+  const framework::ArrayIndex pickedRow = pointGroups.size() - 1;
+  if (pointGroups[pickedRow]->count > 0) window.select(kIdPointGroups, static_cast<int>(pickedRow));
+  showCount(window, selectedCount(window) == 1 ? kOnePoint : kPoints);
+
+  enableOkIfComplete(window);
+  setFormChecks(window);
+}
+
+void CExportPointsDlg::fillPointGroups(DialogWindow& window) {
+  // The former choice is forgotten, so only a group without a name moves the start away from the first row.
+  groupText.clear();
+  groupIndex = insertNames(window, kIdPointGroups, pointGroups, groupText);
+}
+
+std::int32_t CExportPointsDlg::selectedCount(const DialogWindow& window) const {
+  return pointGroups[window.selection(kIdPointGroups)]->count;
+}
+
+void CExportPointsDlg::showCount(DialogWindow& window, std::uint32_t words) const {
+  window.setText(kIdPointCount, services::formatText(
+                                    L"%ld %s", {std::int64_t{selectedCount(window)}, getMessage(kMessageSet, words)}));
+}
+
+void CExportPointsDlg::onSelectionChanged(DialogWindow& window, int id) {
+  if (id == kIdSites) {
+    if (window.selection(kIdSites) != DialogWindow::kNone) changeSite(window);
+  } else if (id == kIdPointGroups) {
+    showCount(window, kPoints);  // in the plural even for one point, unlike at the opening: users know the text so
+  }
+}
+
+void CExportPointsDlg::stemChanged(DialogWindow& window) { window.enable(kIdOk, isComplete()); }
+
+void CExportPointsDlg::takeTextsOver(const DialogWindow& window) {
+  siteText = selectedText(window, kIdSites);
+  alignmentText = selectedText(window, kIdAlignments);
+  groupText = selectedText(window, kIdPointGroups);
+}
+
+bool CExportPointsDlg::isComplete() const { return groupIndex >= 0 && !outputStem.empty(); }
+
+}  // namespace lvx::points

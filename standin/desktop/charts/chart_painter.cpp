@@ -1,0 +1,757 @@
+#include "desktop/charts/chart_painter.h"
+
+#include <QFontInfo>
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPen>
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "desktop/common/qt_text.h"
+#include "view/number_text.h"
+
+namespace lvx::desktop {
+
+using civil::Box;
+using civil::Vec2;
+
+namespace {
+
+// Units of 1/96 inch.
+constexpr double kRoom = 6.0;
+constexpr double kBandHeight = 50.0;
+constexpr double kLeastHeightForBand = 190.0;
+constexpr double kLeastHeightForTitle = 130.0;
+constexpr double kMarkRadius = 3.0;
+/// Dots on points stand at least this far apart on average.
+constexpr double kDotDistance = 9.0;
+
+/// The least of 1, 2, 5 times a power of ten that isn't below `least`.
+double niceStep(double least) {
+  if (!(least > 0.0) || !std::isfinite(least)) return 1.0;
+  const double power = std::pow(10.0, std::floor(std::log10(least)));
+  for (const double factor : {1.0, 2.0, 5.0})
+    if (factor * power >= least * (1.0 - 1e-9)) return factor * power;
+  return 10.0 * power;
+}
+
+int decimalsOf(double step) { return std::clamp(static_cast<int>(std::ceil(-std::log10(step) - 1e-6)), 0, 6); }
+
+std::vector<double> multiples(double step, double from, double to) {
+  std::vector<double> places;
+  const double first = std::ceil(from / step);
+  const double last = std::floor(to / step);
+  // A window shows some dozen; more only where rounding has the better of it.
+  if (!(last - first < 1000.0)) return places;
+  const int count = static_cast<int>(last - first) + 1;
+  for (int i = 0; i < count; ++i) places.push_back((first + i) * step);
+  return places;
+}
+
+/// Many points on one column of dots are drawn as first, lowest, highest and last: the same picture at the price of the
+/// columns.
+class PathMaker {
+ public:
+  explicit PathMaker(QPainterPath& path) : path_(path) {}
+  void add(QPointF point) {
+    if (isEmpty_) {
+      path_.moveTo(point);
+      isEmpty_ = false;
+      startColumn(point);
+      return;
+    }
+    if (std::abs(point.x() - columnX_) < kColumn) {
+      if (point.y() < top_.y()) top_ = point;
+      if (point.y() > bottom_.y()) bottom_ = point;
+      last_ = point;
+      ++count_;
+      return;
+    }
+    finishColumn();
+    path_.lineTo(point);
+    startColumn(point);
+  }
+  void finish() {
+    finishColumn();
+    isEmpty_ = true;
+  }
+
+ private:
+  static constexpr double kColumn = 0.25;
+  void startColumn(QPointF point) {
+    columnX_ = point.x();
+    top_ = bottom_ = last_ = point;
+    count_ = 0;
+  }
+  void finishColumn() {
+    if (count_ == 0) return;
+    if (count_ > 2) {
+      path_.lineTo(top_);
+      path_.lineTo(bottom_);
+    } else if (count_ == 2) {
+      path_.lineTo(last_ == bottom_ ? top_ : bottom_);
+    }
+    path_.lineTo(last_);
+    count_ = 0;
+  }
+
+  QPainterPath& path_;
+  bool isEmpty_ = true;
+  double columnX_ = 0.0;
+  QPointF top_;
+  QPointF bottom_;
+  QPointF last_;
+  int count_ = 0;
+};
+
+/// Between which heights a series runs in each column of a plot, so that texts can keep clear of it at a small price.
+class SeriesColumns {
+ public:
+  explicit SeriesColumns(const QRect& plot) : plot_(plot), columns_(static_cast<std::size_t>(plot.width()) + 1) {}
+  /// Counted from the plot's corner.
+  void add(Vec2 from, Vec2 to) {
+    const Vec2 left = from.x <= to.x ? from : to;
+    const Vec2 right = from.x <= to.x ? to : from;
+    const double rise = right.x > left.x ? (right.y - left.y) / (right.x - left.x) : 0.0;
+    const int last = columnOf(right.x);
+    for (int column = columnOf(left.x); column <= last; ++column) {
+      Range& range = columns_[static_cast<std::size_t>(column)];
+      range.add(left.y + (std::clamp<double>(column, left.x, right.x) - left.x) * rise);
+      range.add(right.y - (right.x - std::clamp<double>(column + 1, left.x, right.x)) * rise);
+    }
+  }
+  [[nodiscard]] bool crosses(const QRectF& area) const {
+    const QRectF inside = area.translated(-plot_.topLeft());
+    const int last = columnOf(inside.right());
+    for (int column = columnOf(inside.left()); column <= last; ++column) {
+      const Range& range = columns_[static_cast<std::size_t>(column)];
+      if (range.top <= inside.bottom() && range.bottom >= inside.top()) return true;
+    }
+    return false;
+  }
+
+ private:
+  struct Range {
+    double top = std::numeric_limits<double>::infinity();
+    double bottom = -std::numeric_limits<double>::infinity();
+    void add(double y) {
+      top = std::min(top, y);
+      bottom = std::max(bottom, y);
+    }
+  };
+  [[nodiscard]] int columnOf(double x) const {
+    return static_cast<int>(std::clamp(x, 0.0, static_cast<double>(plot_.width())));
+  }
+
+  QRect plot_;
+  std::vector<Range> columns_;
+};
+
+}  // namespace
+
+/// Where texts may still stand in a plot.
+class ChartPainter::TextRoom {
+ public:
+  TextRoom(const Chart& chart, const QRect& plot, const view::Viewport& port)
+      : plot_(plot), port_(port), inside_(QRectF(plot).adjusted(3.0, 3.0, -3.0, -3.0)) {
+    for (const ChartSeries& series : chart.series) {
+      if (!series.isShown) continue;
+      SeriesColumns& columns = series_.emplace_back(plot);
+      for (const view::Line& line : view::clipped(series.lines, visible()))
+        for (std::size_t i = 1; i < line.size(); ++i) columns.add(port.toPixels(line[i - 1]), port.toPixels(line[i]));
+    }
+  }
+  [[nodiscard]] QPointF toPoint(Vec2 place) const {
+    const Vec2 pixel = port_.toPixels(place);
+    return plot_.topLeft() + QPointF(pixel.x, pixel.y);
+  }
+  [[nodiscard]] Box visible() const { return port_.visible(); }
+  [[nodiscard]] bool isVisible(Vec2 place) const { return QRectF(plot_).contains(toPoint(place)); }
+  /// Inside the plot and no text there.
+  [[nodiscard]] bool isFree(const QRectF& area) const {
+    return inside_.contains(area) &&
+           std::none_of(taken_.begin(), taken_.end(), [&](const QRectF& other) { return other.intersects(area); });
+  }
+  [[nodiscard]] bool crossesLine(const QRectF& area) const {
+    return std::any_of(series_.begin(), series_.end(),
+                       [&](const SeriesColumns& columns) { return columns.crosses(area); });
+  }
+  void take(const QRectF& area) { taken_.push_back(area); }
+
+ private:
+  QRect plot_;
+  view::Viewport port_;
+  QRectF inside_;
+  std::vector<SeriesColumns> series_;
+  std::vector<QRectF> taken_;
+};
+
+// ---------------------------------------------------------------- look
+
+ChartLook ChartLook::printed() {
+  return {QColor(Qt::white),
+          QColor(20, 20, 20),
+          QColor(90, 90, 90),
+          QColor(196, 196, 196),
+          QColor(232, 232, 232),
+          QColor(20, 20, 20),
+          {QColor(0x7a, 0x4a, 0x1d), QColor(0xc2, 0x1a, 0x1a), QColor(0x0b, 0x57, 0xa4), QColor(0x2b, 0x7a, 0x2b),
+           QColor(0x6a, 0x3d, 0x9a), QColor(0x00, 0x6f, 0x72), QColor(0xa8, 0x54, 0x00), QColor(0xa3, 0x00, 0x6b)}};
+}
+
+ChartLook ChartLook::ofWindow(const QPalette& palette) {
+  constexpr int kHalf = 128;
+  if (palette.color(QPalette::Base).lightness() >= kHalf) {
+    ChartLook look = printed();
+    look.paper = palette.color(QPalette::Base);
+    look.highlight = palette.color(QPalette::Highlight);
+    return look;
+  }
+  return {palette.color(QPalette::Base),
+          QColor(226, 226, 226),
+          QColor(160, 160, 160),
+          QColor(78, 78, 78),
+          QColor(54, 54, 54),
+          palette.color(QPalette::Highlight).lighter(130),
+          {QColor(0xd9, 0xa0, 0x66), QColor(0xff, 0x6b, 0x6b), QColor(0x6d, 0xb3, 0xff), QColor(0x7d, 0xdc, 0x7d),
+           QColor(0xc5, 0xa3, 0xff), QColor(0x4f, 0xd5, 0xd5), QColor(0xff, 0xb4, 0x54), QColor(0xff, 0x8a, 0xd1)}};
+}
+
+QColor ChartLook::colourOf(const ChartPen& pen) const {
+  if (palette.empty()) return ink;
+  return palette[static_cast<std::size_t>(std::max(pen.colour, 0)) % palette.size()];
+}
+
+// ---------------------------------------------------------------- layout
+
+ChartPainter::ChartPainter(const Chart& chart, ChartLook look, const QFont& font)
+    : chart_(chart), look_(std::move(look)), font_(font) {
+  if (font_.pixelSize() <= 0) font_.setPixelSize(std::max(QFontInfo(font).pixelSize(), 8));
+}
+
+QRect ChartPainter::plotArea(const QRectF& area) const {
+  const QFontMetricsF metrics(font_);
+  const double line = metrics.height();
+  const bool hasTitles = area.height() >= kLeastHeightForTitle;
+  // Room for heights of four digits and two decimals, so that the plot doesn't move while one zooms.
+  const double left = metrics.horizontalAdvance(QStringLiteral("8888.88")) + 2 * kRoom + (hasTitles ? line : 0.0);
+  double bottom = line + kRoom + (hasTitles ? line + 2.0 : 0.0);
+  if (hasBand() && area.height() >= kLeastHeightForBand) bottom += kBandHeight;
+  const double right = 3 * kRoom;
+  const double top = line / 2 + kRoom;
+  const int x = static_cast<int>(std::ceil(area.left() + left));
+  const int y = static_cast<int>(std::ceil(area.top() + top));
+  const int width = static_cast<int>(area.right() - right) - x;
+  const int height = static_cast<int>(area.bottom() - bottom) - y;
+  return {x, y, std::max(width, 1), std::max(height, 1)};
+}
+
+view::Viewport ChartPainter::viewportFor(const QRectF& area, double exaggeration) const {
+  const QRect plot = plotArea(area);
+  view::Viewport port(plot.width(), plot.height());
+  if (exaggeration > 0.0) port.setExaggeration(exaggeration);
+  const Box box = chart_.box();
+  if (box.isEmpty()) return port;
+  const double across = std::max(box.maxX - box.minX, 1e-3);
+  const double up = std::max(box.maxY - box.minY, 1e-3);
+  const double width = plot.width() * 0.95;
+  const double height = plot.height() * heightShare();
+  if (!(exaggeration > 0.0)) port.setExaggeration(enlargement(up * width / across, height));
+  port.setScale(std::min(width / across, height / (up * port.exaggeration())));
+  port.setCentre({(box.minX + box.maxX) / 2, (box.minY + box.maxY) / 2});
+  return port;
+}
+
+double ChartPainter::heightShare() const {
+  const bool hasTexts = std::any_of(chart_.series.begin(), chart_.series.end(), [](const ChartSeries& series) {
+    return series.isShown && (!series.marks.empty() || !series.notes.empty());
+  });
+  return hasTexts ? 0.62 : 0.84;
+}
+
+double ChartPainter::enlargement(double up, double room) const {
+  constexpr double kFlat = 0.1;
+  double fitting = 1.0;
+  for (const double factor : {2.0, 5.0, 10.0, 20.0, 50.0, 100.0}) {
+    if (factor > chart_.mostEnlargement || up * factor > room) break;
+    if (factor > chart_.usualEnlargement && up * fitting >= kFlat * room) break;
+    fitting = factor;
+  }
+  return fitting;
+}
+
+QString ChartPainter::xText(double x, int decimals) const {
+  return toQt(chart_.measure == ChartMeasure::Station ? view::stationText(x, decimals) : view::fixedText(x, decimals));
+}
+
+ChartPainter::Ticks ChartPainter::xTicks(const view::Viewport& port) const {
+  const QFontMetricsF metrics(font_);
+  const Box visible = port.visible();
+  Ticks ticks;
+  double least = 48.0 / port.scale();
+  for (int tries = 0; tries < 12; ++tries) {
+    ticks.step = niceStep(least);
+    ticks.decimals = decimalsOf(ticks.step);
+    const double widest = std::max(metrics.horizontalAdvance(xText(visible.minX, ticks.decimals)),
+                                   metrics.horizontalAdvance(xText(visible.maxX, ticks.decimals)));
+    if (ticks.step * port.scale() >= widest + 3 * kRoom) break;
+    least = ticks.step * 1.01;
+  }
+  ticks.places = multiples(ticks.step, visible.minX, visible.maxX);
+  ticks.between = multiples(ticks.step / 5.0, visible.minX, visible.maxX);
+  return ticks;
+}
+
+ChartPainter::Ticks ChartPainter::yTicks(const view::Viewport& port) const {
+  const Box visible = port.visible();
+  const double scale = port.scale() * port.exaggeration();
+  Ticks ticks;
+  ticks.step = niceStep(2.2 * QFontMetricsF(font_).height() / scale);
+  ticks.decimals = decimalsOf(ticks.step);
+  ticks.places = multiples(ticks.step, visible.minY, visible.maxY);
+  ticks.between = multiples(ticks.step / 5.0, visible.minY, visible.maxY);
+  return ticks;
+}
+
+QPen ChartPainter::penOf(const ChartPen& pen) const {
+  QPen result(look_.colourOf(pen), pen.width);
+  result.setJoinStyle(Qt::RoundJoin);
+  result.setCapStyle(pen.style == Qt::SolidLine ? Qt::RoundCap : Qt::FlatCap);
+  // Patterns count in widths: a thin line's would be too fine to tell.
+  const double unit = std::max(pen.width, 1.0);
+  switch (pen.style) {
+    case Qt::DashLine:
+      result.setDashPattern({8.0 / unit, 4.0 / unit});
+      break;
+    case Qt::DotLine:
+      result.setDashPattern({2.0 / unit, 3.0 / unit});
+      break;
+    case Qt::DashDotLine:
+      result.setDashPattern({9.0 / unit, 3.0 / unit, 2.0 / unit, 3.0 / unit});
+      break;
+    default:
+      break;
+  }
+  return result;
+}
+
+// ---------------------------------------------------------------- painting
+
+void ChartPainter::paint(QPainter& painter, const QRectF& area, const view::Viewport& port, int highlighted) const {
+  const QRect plot = plotArea(area);
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setFont(font_);
+  paintGrid(painter, plot, port);
+  if (hasBand() && area.height() >= kLeastHeightForBand) paintBand(painter, plot, port);
+  paintAxes(painter, area, plot, port);
+  // The first of the legend lies on top.
+  const int count = static_cast<int>(chart_.series.size());
+  for (int index = count; index-- > 0;) {
+    const ChartSeries& series = chart_.series[static_cast<std::size_t>(index)];
+    if (series.isShown && index != highlighted) paintSeries(painter, plot, port, series, false);
+  }
+  if (highlighted >= 0 && highlighted < count && chart_.series[static_cast<std::size_t>(highlighted)].isShown)
+    paintSeries(painter, plot, port, chart_.series[static_cast<std::size_t>(highlighted)], true);
+  paintTexts(painter, plot, port);
+  painter.restore();
+}
+
+void ChartPainter::paintGrid(QPainter& painter, const QRect& plot, const view::Viewport& port) const {
+  constexpr double kLeastFine = 7.0;
+  const Ticks across = xTicks(port);
+  const Ticks up = yTicks(port);
+  const auto vertical = [&](double x) {
+    const double at = plot.left() + port.toPixels({x, 0.0}).x;
+    painter.drawLine(QPointF(at, plot.top()), QPointF(at, plot.bottom()));
+  };
+  const auto horizontal = [&](double y) {
+    const double at = plot.top() + port.toPixels({0.0, y}).y;
+    painter.drawLine(QPointF(plot.left(), at), QPointF(plot.right(), at));
+  };
+  painter.setPen(QPen(look_.fineGrid, 0.6));
+  if (across.step / 5.0 * port.scale() >= kLeastFine)
+    for (const double x : across.between) vertical(x);
+  if (up.step / 5.0 * port.scale() * port.exaggeration() >= kLeastFine)
+    for (const double y : up.between) horizontal(y);
+  painter.setPen(QPen(look_.grid, 0.8));
+  for (const double x : across.places) vertical(x);
+  for (const double y : up.places) horizontal(y);
+  const Box visible = port.visible();
+  if (chart_.measure == ChartMeasure::Offset && visible.minX < 0.0 && visible.maxX > 0.0) {
+    QPen axis(look_.faintInk, 1.0);
+    axis.setDashPattern({12.0, 3.0, 2.0, 3.0});
+    painter.setPen(axis);
+    vertical(0.0);
+  }
+}
+
+void ChartPainter::paintAxes(QPainter& painter, const QRectF& area, const QRect& plot,
+                             const view::Viewport& port) const {
+  const QFontMetricsF metrics(font_);
+  const bool band = hasBand() && area.height() >= kLeastHeightForBand;
+  const double line = metrics.height();
+  painter.setPen(QPen(look_.ink, 1.0));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawRect(plot);
+
+  const double under = plot.bottom() + (band ? kBandHeight : 0.0);
+  const Ticks across = xTicks(port);
+  for (const double x : across.places) {
+    const double at = plot.left() + port.toPixels({x, 0.0}).x;
+    painter.setPen(QPen(look_.ink, 1.0));
+    painter.drawLine(QPointF(at, under), QPointF(at, under + 4.0));
+    const QString text = xText(x, across.decimals);
+    const double width = metrics.horizontalAdvance(text);
+    // Labels at the ends would run into the other axis or off the picture.
+    if (at - width / 2 < area.left() || at + width / 2 > area.right()) continue;
+    painter.drawText(QPointF(at - width / 2, under + kRoom + metrics.ascent()), text);
+  }
+  const Ticks up = yTicks(port);
+  double widest = 0.0;
+  for (const double y : up.places) {
+    const double at = plot.top() + port.toPixels({0.0, y}).y;
+    painter.setPen(QPen(look_.ink, 1.0));
+    painter.drawLine(QPointF(plot.left() - 4.0, at), QPointF(plot.left(), at));
+    const QString text = toQt(view::fixedText(y, up.decimals));
+    const double width = metrics.horizontalAdvance(text);
+    widest = std::max(widest, width);
+    painter.drawText(QPointF(plot.left() - kRoom - width, at + metrics.capHeight() / 2), text);
+  }
+  if (area.height() < kLeastHeightForTitle) return;
+  painter.setPen(look_.faintInk);
+  const double xWidth = metrics.horizontalAdvance(chart_.xTitle);
+  painter.drawText(QPointF(plot.center().x() - xWidth / 2, under + kRoom + line + metrics.ascent() + 1.0),
+                   chart_.xTitle);
+  const double yWidth = metrics.horizontalAdvance(chart_.yTitle);
+  if (yWidth <= plot.height() && plot.left() - kRoom - widest - line > area.left()) {
+    painter.save();
+    painter.translate(area.left() + metrics.ascent() + 2.0, plot.center().y() + yWidth / 2);
+    painter.rotate(-90.0);
+    painter.drawText(QPointF(0.0, 0.0), chart_.yTitle);
+    painter.restore();
+  }
+}
+
+// The usual curvature picture: straight in the middle, turns to the right above it, to the left below, clothoids aslant.
+void ChartPainter::paintBand(QPainter& painter, const QRect& plot, const view::Viewport& port) const {
+  QFont small = font_;
+  small.setPixelSize(std::max(font_.pixelSize() - 1, 8));
+  const QFontMetricsF metrics(small);
+  painter.save();
+  painter.setFont(small);
+  const QRectF band(plot.left(), plot.top() + plot.height(), plot.width(), kBandHeight);
+  const double middle = band.center().y();
+  const double most = kBandHeight / 2 - 5.0;
+  double sharpest = 0.0;
+  for (const view::AxisElement& element : chart_.elements)
+    sharpest = std::max({sharpest, std::abs(element.startCurvature), std::abs(element.endCurvature)});
+  // Gentle curves still show that they turn.
+  const auto level = [&](double curvature) {
+    if (curvature == 0.0 || sharpest == 0.0) return middle;
+    return middle + std::copysign(most * (0.45 + 0.55 * std::abs(curvature) / sharpest), curvature);
+  };
+  const Box visible = port.visible();
+  const auto at = [&](double station) { return plot.left() + port.toPixels({station, 0.0}).x; };
+
+  painter.setPen(QPen(look_.grid, 0.8));
+  painter.drawLine(QPointF(band.left(), middle), QPointF(band.right(), middle));
+  for (const view::AxisElement& element : chart_.elements) {
+    if (element.endStation < visible.minX || element.startStation > visible.maxX) continue;
+    const double start = std::clamp(element.startStation, visible.minX, visible.maxX);
+    const double end = std::clamp(element.endStation, visible.minX, visible.maxX);
+    const double from = at(start);
+    const double to = at(end);
+    const auto heightAt = [&](double station) {
+      const double part = element.length() > 0.0 ? (station - element.startStation) / element.length() : 0.0;
+      const double first = level(element.startCurvature);
+      return first + (level(element.endCurvature) - first) * part;
+    };
+    painter.setPen(QPen(look_.grid, 0.8));
+    if (start == element.startStation) painter.drawLine(QPointF(from, band.top()), QPointF(from, band.bottom()));
+    if (end == element.endStation) painter.drawLine(QPointF(to, band.top()), QPointF(to, band.bottom()));
+    painter.setPen(QPen(look_.ink, 1.6));
+    painter.drawLine(QPointF(from, heightAt(start)), QPointF(to, heightAt(end)));
+
+    QString size;
+    switch (element.kind) {
+      case civil::ElementKind::Line:
+        break;
+      case civil::ElementKind::Arc:
+        size = QStringLiteral("R=") + toQt(view::shortText(1.0 / std::abs(element.startCurvature)));
+        break;
+      case civil::ElementKind::Clothoid:
+        size = QStringLiteral("A=") + toQt(view::shortText(element.parameter()));
+        break;
+    }
+    const QString length = QStringLiteral("L=") + toQt(view::shortText(element.length()));
+    // In the half that the picture of the turn leaves free.
+    const double turn = element.startCurvature + element.endCurvature;
+    const double base = turn > 0.0 ? middle - 5.0 : middle + metrics.ascent() + 3.0;
+    const QStringList texts =
+        size.isEmpty() ? QStringList{length} : QStringList{size + QStringLiteral("  ") + length, size};
+    for (const QString& text : texts) {
+      const double width = metrics.horizontalAdvance(text);
+      if (width + kRoom > to - from) continue;
+      painter.setPen(look_.ink);
+      painter.drawText(QPointF((from + to - width) / 2, base), text);
+      break;
+    }
+  }
+  painter.setPen(QPen(look_.ink, 1.0));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawRect(band);
+  painter.restore();
+}
+
+void ChartPainter::paintSeries(QPainter& painter, const QRect& plot, const view::Viewport& port,
+                               const ChartSeries& series, bool isHighlighted) const {
+  const Box visible = port.visible();
+  const auto toPoint = [&](Vec2 place) {
+    const Vec2 pixel = port.toPixels(place);
+    return QPointF(plot.left() + pixel.x, plot.top() + pixel.y);
+  };
+  const view::Lines lines = view::clipped(series.lines, visible);
+  QPainterPath path;
+  QPainterPath dots;
+  dots.setFillRule(Qt::WindingFill);  // dots that overlap stay full
+  PathMaker maker(path);
+  std::size_t points = 0;
+  for (const view::Line& line : lines) {
+    if (line.size() == 1) dots.addEllipse(toPoint(line.front()), series.pen.width, series.pen.width);
+    for (const Vec2 place : line) maker.add(toPoint(place));
+    maker.finish();
+    points += line.size();
+  }
+  QPen pen = penOf(series.pen);
+  painter.setBrush(Qt::NoBrush);
+  if (isHighlighted) {
+    QColor glow = look_.highlight;
+    glow.setAlpha(90);
+    painter.setPen(QPen(glow, series.pen.width + 7.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPath(path);
+    pen.setWidthF(series.pen.width + 0.8);
+  }
+  painter.setPen(pen);
+  painter.drawPath(path);
+
+  if (series.hasDots && static_cast<double>(points) * kDotDistance <= plot.width()) {
+    for (const view::Line& line : lines)
+      for (const Vec2 place : line)
+        if (line.size() > 1) dots.addEllipse(toPoint(place), series.pen.width + 0.4, series.pen.width + 0.4);
+  }
+  if (!dots.isEmpty()) {
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(look_.colourOf(series.pen));
+    painter.drawPath(dots);
+  }
+
+  // Tangents under the curves, and a ring at each intersection.
+  const auto isVisible = [&](Vec2 p) {
+    return p.x >= visible.minX && p.x <= visible.maxX && p.y >= visible.minY && p.y <= visible.maxY;
+  };
+  for (const ChartMark& mark : series.marks) {
+    painter.setBrush(Qt::NoBrush);
+    if (mark.curveStart.x < mark.curveEnd.x) {
+      painter.setPen(QPen(look_.faintInk, 0.8, Qt::DashLine));
+      const view::Lines tangents = view::clipped({{mark.curveStart, mark.place, mark.curveEnd}}, visible);
+      for (const view::Line& line : tangents)
+        for (std::size_t i = 1; i < line.size(); ++i) painter.drawLine(toPoint(line[i - 1]), toPoint(line[i]));
+      painter.setPen(QPen(look_.colourOf(series.pen), 1.2));
+      for (const Vec2 end : {mark.curveStart, mark.curveEnd}) {
+        if (!isVisible(end)) continue;
+        const QPointF at = toPoint(end);
+        painter.drawLine(at - QPointF(0.0, 4.0), at + QPointF(0.0, 4.0));
+      }
+    }
+    if (!isVisible(mark.place)) continue;
+    painter.setPen(QPen(look_.colourOf(series.pen), 1.2));
+    painter.setBrush(look_.paper);
+    painter.drawEllipse(toPoint(mark.place), kMarkRadius, kMarkRadius);
+  }
+}
+
+// Texts stand where they cover neither each other nor a line; a point's text that has no such place isn't written until
+// there is room, after zooming in.
+void ChartPainter::paintTexts(QPainter& painter, const QRect& plot, const view::Viewport& port) const {
+  QFont small = font_;
+  small.setPixelSize(std::max(font_.pixelSize() - 1, 8));
+  painter.save();
+  painter.setFont(small);
+  TextRoom room(chart_, plot, port);
+  for (const ChartSeries& series : chart_.series) {
+    if (!series.isShown) continue;
+    for (const ChartMark& mark : series.marks)
+      if (!mark.text.isEmpty() && room.isVisible(mark.place)) paintMarkText(painter, mark, room);
+  }
+  for (const ChartSeries& series : chart_.series) {
+    if (!series.isShown) continue;
+    painter.setPen(look_.colourOf(series.pen));
+    for (const ChartNote& note : series.notes) paintNote(painter, note, room);
+  }
+  painter.restore();
+}
+
+void ChartPainter::paintMarkText(QPainter& painter, const ChartMark& mark, TextRoom& room) const {
+  const QFontMetricsF metrics(painter.font());
+  const QPointF foot = room.toPoint(mark.place);
+  double width = 0.0;
+  for (const QString& line : mark.text) width = std::max(width, metrics.horizontalAdvance(line));
+  const double height = metrics.height() * static_cast<double>(mark.text.size());
+  const auto findPlace = [&]() -> std::optional<QRectF> {
+    for (const bool above : {mark.isTextAbove, !mark.isTextAbove}) {
+      for (const double distance : {14.0, 26.0, 44.0, 70.0, 100.0}) {
+        for (const double aside : {0.0, -0.5, 0.5}) {
+          const double top = above ? foot.y() - distance - height : foot.y() + distance;
+          const QRectF area(foot.x() - width / 2 + aside * width - 3.0, top - 1.0, width + 6.0, height + 2.0);
+          if (room.isFree(area) && !room.crossesLine(area)) return area;
+        }
+      }
+    }
+    return {};
+  };
+  const auto place = findPlace();
+  if (!place) return;
+  room.take(*place);
+  painter.setPen(QPen(look_.faintInk, 0.8));
+  const bool above = place->center().y() < foot.y();
+  painter.drawLine(QPointF(foot.x(), foot.y() + (above ? -kMarkRadius : kMarkRadius)),
+                   QPointF(foot.x(), above ? place->bottom() : place->top()));
+  painter.setPen(look_.ink);
+  double base = place->top() + 1.0 + metrics.ascent();
+  for (const QString& line : mark.text) {
+    painter.drawText(QPointF(place->center().x() - metrics.horizontalAdvance(line) / 2, base), line);
+    base += metrics.height();
+  }
+}
+
+void ChartPainter::paintNote(QPainter& painter, const ChartNote& note, TextRoom& room) const {
+  const QFontMetricsF metrics(painter.font());
+  const view::Lines part = view::clipped({{note.start, note.end}}, room.visible());
+  if (part.empty() || part.front().size() < 2) return;
+  const QPointF from = room.toPoint(part.front().front());
+  const QPointF to = room.toPoint(part.front().back());
+  const double run = std::hypot(to.x() - from.x(), to.y() - from.y());
+  const double width = metrics.horizontalAdvance(note.text);
+  const double angle = std::atan2(to.y() - from.y(), to.x() - from.x());
+  const QPointF along(std::cos(angle), std::sin(angle));
+  const QPointF across(-std::sin(angle), std::cos(angle));
+  const double size = metrics.ascent();
+  constexpr double kOff = 4.0;
+  const auto crossesLine = [&](QPointF centre) {
+    // In pieces, since the line below is as slanted as the text.
+    const double half = size / 2 - 1.0;
+    for (double at = -width / 2 + half; at <= width / 2; at += half) {
+      const QPointF piece = centre + at * along;
+      if (room.crossesLine(QRectF(piece - QPointF(half, half), QSizeF(2 * half, 2 * half)))) return true;
+    }
+    return false;
+  };
+  for (const bool mayCross : {false, true}) {
+    for (const double share : {0.5, 0.35, 0.65, 0.2, 0.8}) {
+      if (std::min(share, 1.0 - share) * run < width / 2 + 2.0) continue;
+      for (const bool above : {true, false}) {
+        const double away = above ? -kOff : kOff + size;  // of the text's foot from the line
+        const QPointF centre = from + share * (to - from) + (away - size / 2) * across;
+        const double boxWidth = width * std::abs(along.x()) + size * std::abs(along.y());
+        const double boxHeight = width * std::abs(along.y()) + size * std::abs(along.x());
+        const QRectF area(centre - QPointF(boxWidth / 2, boxHeight / 2), QSizeF(boxWidth, boxHeight));
+        if (!room.isFree(area) || (!mayCross && crossesLine(centre))) continue;
+        room.take(area);
+        painter.save();
+        painter.translate(from + share * (to - from));
+        painter.rotate(angle * 180.0 / civil::kPi);
+        painter.drawText(QPointF(-width / 2, away), note.text);
+        painter.restore();
+        return;
+      }
+    }
+  }
+}
+
+void ChartPainter::paintSample(QPainter& painter, const QRectF& area, const ChartPen& pen) const {
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(penOf(pen));
+  painter.drawLine(QPointF(area.left() + 1.0, area.center().y()), QPointF(area.right() - 1.0, area.center().y()));
+  painter.restore();
+}
+
+void ChartPainter::paintTag(QPainter& painter, const QRectF& tag, const QString& text) const {
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(look_.ink);
+  painter.drawRoundedRect(tag, 2.0, 2.0);
+  painter.setPen(look_.paper);
+  painter.drawText(tag, Qt::AlignCenter, text);
+}
+
+void ChartPainter::paintCross(QPainter& painter, const QRectF& area, const view::Viewport& port, Vec2 place) const {
+  const QRect plot = plotArea(area);
+  const QFontMetricsF metrics(font_);
+  const Vec2 pixel = port.toPixels(place);
+  const QPointF at(plot.left() + pixel.x, plot.top() + pixel.y);
+  painter.save();
+  painter.setFont(font_);
+  painter.setPen(QPen(look_.faintInk, 1.0, Qt::DotLine));
+  painter.drawLine(QPointF(at.x(), plot.top()), QPointF(at.x(), plot.bottom()));
+  painter.drawLine(QPointF(plot.left(), at.y()), QPointF(plot.right(), at.y()));
+  painter.setRenderHint(QPainter::Antialiasing);
+  const bool band = hasBand() && area.height() >= kLeastHeightForBand;
+  const QString x = xText(place.x, 3);
+  const double width = metrics.horizontalAdvance(x) + 2 * kRoom;
+  const double left = std::clamp(at.x() - width / 2, area.left(), std::max(area.left(), area.right() - width));
+  paintTag(painter, {left, plot.bottom() + (band ? kBandHeight : 0.0) + 4.0, width, metrics.height() + 2.0}, x);
+  const QString y = toQt(view::fixedText(place.y, 3));
+  const double yWidth = metrics.horizontalAdvance(y) + kRoom;
+  paintTag(painter, {plot.left() - yWidth - 2.0, at.y() - metrics.height() / 2 - 1.0, yWidth, metrics.height() + 2.0},
+           y);
+  painter.restore();
+}
+
+void ChartPainter::paintMark(QPainter& painter, const QRectF& area, const view::Viewport& port, double x) const {
+  const QRect plot = plotArea(area);
+  const double at = port.toPixels({x, 0.0}).x;
+  if (!(at >= 0.0 && at <= plot.width())) return;
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(look_.highlight, 1.6));
+  painter.drawLine(QPointF(plot.left() + at, plot.top()), QPointF(plot.left() + at, plot.bottom()));
+  painter.restore();
+}
+
+void ChartPainter::paintSnap(QPainter& painter, const QRectF& area, const view::Viewport& port, Vec2 place,
+                             const QString& text) const {
+  const QRect plot = plotArea(area);
+  const QFontMetricsF metrics(font_);
+  const Vec2 pixel = port.toPixels(place);
+  const QPointF at(plot.left() + pixel.x, plot.top() + pixel.y);
+  painter.save();
+  painter.setFont(font_);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(look_.highlight, 2.0));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawEllipse(at, 5.0, 5.0);
+  const QStringList lines = text.split(QLatin1Char('\n'));
+  double width = 0.0;
+  for (const QString& line : lines) width = std::max(width, metrics.horizontalAdvance(line));
+  QRectF box(0.0, 0.0, width + 2 * kRoom, metrics.height() * static_cast<double>(lines.size()) + kRoom);
+  box.moveBottomLeft(at + QPointF(10.0, -10.0));
+  if (box.right() > plot.right()) box.moveRight(at.x() - 10.0);
+  if (box.top() < plot.top()) box.moveTop(at.y() + 12.0);
+  if (box.left() < plot.left()) box.moveLeft(plot.left());
+  painter.setPen(QPen(look_.faintInk, 1.0));
+  painter.setBrush(look_.paper);
+  painter.drawRoundedRect(box, 3.0, 3.0);
+  painter.setPen(look_.ink);
+  double base = box.top() + kRoom / 2 + metrics.ascent();
+  for (const QString& line : lines) {
+    painter.drawText(QPointF(box.left() + kRoom, base), line);
+    base += metrics.height();
+  }
+  painter.restore();
+}
+
+}  // namespace lvx::desktop

@@ -1,0 +1,72 @@
+#include "desktop/common/icons.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QHash>
+#include <QIconEngine>
+#include <QPainter>
+#include <QPalette>
+#include <QPixmap>
+#include <QPixmapCache>
+#include <QSvgRenderer>
+#include <utility>
+
+// Qt names the resources outside any namespace. They lie in a static library, so the linker needs to be asked for them.
+static void initIcons() { Q_INIT_RESOURCE(desktop_icons); }
+
+namespace lvx::desktop {
+
+namespace {
+
+class SvgEngine final : public QIconEngine {
+ public:
+  SvgEngine(QString name, QByteArray text) : name_(std::move(name)), text_(std::move(text)) {}
+
+  void paint(QPainter* painter, const QRect& area, QIcon::Mode mode, QIcon::State state) override {
+    const double ratio = painter->device()->devicePixelRatioF();
+    painter->drawPixmap(area, scaledPixmap(area.size() * ratio, mode, state, ratio));
+  }
+  QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+    return scaledPixmap(size, mode, state, 1.0);
+  }
+  QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State /*state*/, qreal /*scale*/) override {
+    QPalette::ColorGroup group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
+    QPalette::ColorRole role = mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::ButtonText;
+    const QByteArray colour = QApplication::palette().color(group, role).name().toLatin1();
+    const QString key = QStringLiteral("lvx-icon %1 %2 %3 %4x%5")
+                            .arg(name_, QString::fromLatin1(colour))
+                            .arg(static_cast<int>(mode))
+                            .arg(size.width())
+                            .arg(size.height());
+    QPixmap drawn;
+    if (QPixmapCache::find(key, &drawn)) return drawn;
+    drawn = QPixmap(size);
+    drawn.fill(Qt::transparent);
+    QSvgRenderer renderer(QByteArray(text_).replace("currentColor", colour));
+    QPainter painter(&drawn);
+    constexpr double kFaint = 0.45;
+    if (mode == QIcon::Disabled) painter.setOpacity(kFaint);
+    renderer.render(&painter);
+    painter.end();
+    QPixmapCache::insert(key, drawn);
+    return drawn;
+  }
+  [[nodiscard]] QIconEngine* clone() const override { return new SvgEngine(*this); }
+
+ private:
+  QString name_;
+  QByteArray text_;
+};
+
+}  // namespace
+
+QIcon icon(const QString& name) {
+  static QHash<QString, QIcon> known;
+  if (const auto found = known.constFind(name); found != known.constEnd()) return *found;
+  initIcons();
+  QFile file(QStringLiteral(":/desktop/%1.svg").arg(name));
+  if (!file.open(QIODevice::ReadOnly)) qFatal("icon '%s' isn't built in", qUtf8Printable(name));
+  return *known.insert(name, QIcon(new SvgEngine(name, file.readAll())));
+}
+
+}  // namespace lvx::desktop

@@ -1,0 +1,402 @@
+#include "desktop/panels/drawing_tree.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QTreeView>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+#include "desktop/common/icons.h"
+#include "desktop/common/qt_text.h"
+
+namespace lvx::desktop {
+
+struct DrawingTreeModel::Node {
+  Node* parent = nullptr;
+  int row = 0;
+  civil::Handle handle = 0;
+  QString text;
+  QString count;  ///< in brackets behind the text
+  const char* icon = nullptr;
+  QString tip;
+  bool isHeading = false;
+  bool leadsOn = false;  ///< what the filter found stands below
+  /// Makes the children when they are looked at; empty: there are none.
+  std::function<void(Node&)> makeChildren;
+  bool made = false;
+  std::vector<std::unique_ptr<Node>> children;
+
+  Node& add(civil::Handle childHandle, QString childText, const char* childIcon) {
+    auto child = std::make_unique<Node>();
+    child->parent = this;
+    child->row = static_cast<int>(children.size());
+    child->handle = childHandle;
+    child->text = std::move(childText);
+    child->icon = childIcon;
+    return *children.emplace_back(std::move(child));
+  }
+};
+
+namespace {
+
+/// "12,345" would be a decimal comma to half of the readers, so a narrow space parts the thousands.
+QString grouped(std::size_t count) {
+  QString text = QString::number(count);
+  for (qsizetype at = text.size() - 3; at > 0; at -= 3) text.insert(at, QChar(0x202F));
+  return text;
+}
+
+template <class Objects>
+QString countOf(const Objects& objects) {
+  return grouped(objects.size());
+}
+
+QString nameOf(const std::string& name) { return name.empty() ? DrawingTreeModel::tr("(without a name)") : toQt(name); }
+
+}  // namespace
+
+DrawingTreeModel::DrawingTreeModel(QObject* parent) : QAbstractItemModel(parent), root_(std::make_unique<Node>()) {
+  root_->made = true;
+}
+
+DrawingTreeModel::~DrawingTreeModel() = default;
+
+void DrawingTreeModel::setDrawing(const civil::Drawing* drawing) {
+  beginResetModel();
+  drawing_ = drawing;
+  rebuild();
+  endResetModel();
+}
+
+void DrawingTreeModel::setFilter(const QString& text) {
+  if (filter_ == text) return;
+  beginResetModel();
+  filter_ = text;
+  rebuild();
+  endResetModel();
+}
+
+void DrawingTreeModel::rebuild() {
+  using civil::AlignmentObject;
+  root_ = std::make_unique<Node>();
+  root_->made = true;
+  found_ = 0;
+  if (drawing_ == nullptr) return;
+
+  const auto addAlignment = [](Node& into, const AlignmentObject& alignment) {
+    Node& node = into.add(alignment.handle, nameOf(alignment.name), "alignment");
+    node.tip = toQt(alignment.description);
+    if (alignment.profiles.empty() && alignment.sampleLineGroups.empty()) return;
+    node.makeChildren = [&alignment](Node& self) {
+      if (!alignment.profiles.empty()) {
+        Node& profiles = self.add(0, tr("Profiles"), "profile");
+        profiles.count = countOf(alignment.profiles);
+        profiles.isHeading = true;
+        profiles.makeChildren = [&alignment](Node& heading) {
+          for (const civil::ProfileObject& profile : alignment.profiles) {
+            Node& row = heading.add(profile.handle, nameOf(profile.name), "profile");
+            row.tip = profile.profile.isGround() ? tr("Ground") : tr("Design");
+          }
+        };
+      }
+      if (!alignment.sampleLineGroups.empty()) {
+        Node& groups = self.add(0, tr("Sample line groups"), "sample_line_group");
+        groups.count = countOf(alignment.sampleLineGroups);
+        groups.isHeading = true;
+        groups.makeChildren = [&alignment](Node& heading) {
+          for (const civil::SampleLineGroup& group : alignment.sampleLineGroups) {
+            Node& row = heading.add(group.handle, nameOf(group.name), "sample_line_group");
+            row.count = countOf(group.lines);
+            row.tip = toQt(group.description);
+            if (group.lines.empty()) continue;
+            row.makeChildren = [&group](Node& lines) {
+              for (const civil::SampleLine& line : group.lines)
+                lines.add(line.handle, nameOf(line.name), "sample_line");
+            };
+          }
+        };
+      }
+    };
+  };
+
+  Node& sites = root_->add(0, tr("Sites"), "site");
+  sites.isHeading = true;
+  sites.count = countOf(drawing_->sites);
+  if (!drawing_->sites.empty()) {
+    sites.makeChildren = [this, addAlignment](Node& heading) {
+      for (const civil::Site& site : drawing_->sites) {
+        Node& row = heading.add(site.handle, nameOf(site.name), "site");
+        row.count = countOf(site.alignments);
+        row.tip = toQt(site.description);
+        if (site.alignments.empty()) continue;
+        row.makeChildren = [&site, addAlignment](Node& self) {
+          for (const auto& alignment : site.alignments) addAlignment(self, *alignment);
+        };
+      }
+    };
+  }
+  if (!drawing_->siteless.alignments.empty()) {
+    Node& siteless = root_->add(0, tr("Alignments without a site"), "alignment");
+    siteless.isHeading = true;
+    siteless.count = countOf(drawing_->siteless.alignments);
+    siteless.makeChildren = [this, addAlignment](Node& heading) {
+      for (const auto& alignment : drawing_->siteless.alignments) addAlignment(heading, *alignment);
+    };
+  }
+  Node& surfaces = root_->add(0, tr("Surfaces"), "surface");
+  surfaces.isHeading = true;
+  surfaces.count = countOf(drawing_->surfaces);
+  if (!drawing_->surfaces.empty()) {
+    surfaces.makeChildren = [this](Node& heading) {
+      for (const civil::SurfaceObject& surface : drawing_->surfaces) {
+        Node& row = heading.add(surface.handle, nameOf(surface.name), "surface");
+        const civil::TinSurface::Counts counts = surface.surface.counts();
+        row.count = tr("%1 triangles").arg(grouped(counts.triangles));
+        row.tip = tr("%1 points, %2 triangles, elevations %3 to %4")
+                      .arg(grouped(counts.points), grouped(counts.triangles),
+                           QString::number(surface.surface.minElevation(), 'f', 3),
+                           QString::number(surface.surface.maxElevation(), 'f', 3));
+      }
+    };
+  }
+  Node& groups = root_->add(0, tr("Point groups"), "point_group");
+  groups.isHeading = true;
+  groups.count = countOf(drawing_->pointGroups);
+  groups.tip = tr("%1 points in the drawing").arg(countOf(drawing_->points));
+  if (!drawing_->pointGroups.empty()) {
+    groups.makeChildren = [this](Node& heading) {
+      for (const civil::PointGroup& group : drawing_->pointGroups) {
+        Node& row = heading.add(group.handle, nameOf(group.name), "point_group");
+        row.count = countOf(group.numbers);
+        row.tip = toQt(group.description);
+      }
+    };
+  }
+  Node& corridors = root_->add(0, tr("Corridors"), "corridor");
+  corridors.isHeading = true;
+  corridors.count = countOf(drawing_->corridors);
+  if (!drawing_->corridors.empty()) {
+    corridors.makeChildren = [this](Node& heading) {
+      for (const civil::Corridor& corridor : drawing_->corridors) {
+        Node& row = heading.add(corridor.handle, nameOf(corridor.name), "corridor");
+        row.count = countOf(corridor.baselines);
+        row.tip = toQt(corridor.description);
+        if (corridor.baselines.empty()) continue;
+        row.makeChildren = [&corridor](Node& self) {
+          for (const civil::Baseline& baseline : corridor.baselines) {
+            // A baseline is no object of the drawing; it is found by its alignment.
+            Node& line = self.add(baseline.alignment == nullptr ? 0 : baseline.alignment->handle, nameOf(baseline.name),
+                                  "alignment");
+            line.count = tr("%n region(s)", nullptr, static_cast<int>(baseline.regions.size()));
+          }
+        };
+      }
+    };
+  }
+  if (!filter_.isEmpty()) keepMatches(*root_, filter_);
+}
+
+bool DrawingTreeModel::keepMatches(Node& node, const QString& text) {
+  expand(node);
+  std::erase_if(node.children, [&](std::unique_ptr<Node>& child) {
+    const bool matches = !child->isHeading && child->text.contains(text, Qt::CaseInsensitive);
+    if (matches) ++found_;
+    child->leadsOn = keepMatches(*child, text);
+    if (child->leadsOn) return false;
+    // An object that is all that was found in its branch can still be opened.
+    if (matches) {
+      child->children.clear();
+      child->made = false;
+    }
+    return !matches;
+  });
+  for (std::size_t row = 0; row < node.children.size(); ++row) node.children[row]->row = static_cast<int>(row);
+  return !node.children.empty();
+}
+
+void DrawingTreeModel::expand(Node& node) const {
+  if (std::exchange(node.made, true)) return;
+  if (node.makeChildren) node.makeChildren(node);
+}
+
+DrawingTreeModel::Node* DrawingTreeModel::nodeOf(const QModelIndex& index) const {
+  return index.isValid() ? static_cast<Node*>(index.internalPointer()) : root_.get();
+}
+
+QModelIndex DrawingTreeModel::index(int row, int column, const QModelIndex& parent) const {
+  Node* const node = nodeOf(parent);
+  expand(*node);
+  if (column != 0 || row < 0 || row >= static_cast<int>(node->children.size())) return {};
+  return createIndex(row, column, node->children[static_cast<std::size_t>(row)].get());
+}
+
+QModelIndex DrawingTreeModel::parent(const QModelIndex& index) const {
+  if (!index.isValid()) return {};
+  Node* const parent = nodeOf(index)->parent;
+  return parent == nullptr || parent == root_.get() ? QModelIndex() : createIndex(parent->row, 0, parent);
+}
+
+int DrawingTreeModel::rowCount(const QModelIndex& parent) const {
+  Node* const node = nodeOf(parent);
+  expand(*node);
+  return static_cast<int>(node->children.size());
+}
+
+int DrawingTreeModel::columnCount(const QModelIndex& /*parent*/) const { return 1; }
+
+bool DrawingTreeModel::hasChildren(const QModelIndex& parent) const {
+  const Node* const node = nodeOf(parent);
+  return node->made ? !node->children.empty() : static_cast<bool>(node->makeChildren);
+}
+
+QVariant DrawingTreeModel::data(const QModelIndex& index, int role) const {
+  if (!index.isValid()) return {};
+  const Node* const node = nodeOf(index);
+  switch (role) {
+    case Qt::DisplayRole:
+      return node->count.isEmpty() ? node->text : QStringLiteral("%1 (%2)").arg(node->text, node->count);
+    case Qt::DecorationRole:
+      return icon(QString::fromLatin1(node->icon));
+    case Qt::ToolTipRole:
+      return node->tip.isEmpty() ? QVariant() : QVariant(node->tip);
+    case HandleRole:
+      return QVariant::fromValue<quint64>(node->handle);
+    case LeadsOnRole:
+      return node->leadsOn;
+    default:
+      return {};
+  }
+}
+
+QModelIndex DrawingTreeModel::indexOf(civil::Handle handle) const {
+  if (handle == 0) return {};
+  const std::function<const Node*(Node&)> search = [&](Node& node) -> const Node* {
+    expand(node);
+    for (const auto& child : node.children)
+      if (child->handle == handle) return child.get();
+    for (const auto& child : node.children)
+      if (const Node* found = search(*child)) return found;
+    return nullptr;
+  };
+  const Node* const found = search(*root_);
+  return found == nullptr ? QModelIndex() : createIndex(found->row, 0, found);
+}
+
+// ---------------------------------------------------------------- the widget
+
+DrawingTree::DrawingTree(QWidget* parent)
+    : QWidget(parent), find_(new QLineEdit), view_(new QTreeView), model_(new DrawingTreeModel(this)) {
+  setObjectName(QStringLiteral("drawingTree"));
+  find_->setObjectName(QStringLiteral("treeFind"));
+  find_->setPlaceholderText(tr("Find an object by its name"));
+  find_->setClearButtonEnabled(true);
+  find_->addAction(icon(QStringLiteral("find")), QLineEdit::LeadingPosition);
+  find_->installEventFilter(this);
+  view_->setObjectName(QStringLiteral("treeView"));
+  view_->setModel(model_);
+  view_->setHeaderHidden(true);
+  view_->setUniformRowHeights(true);
+  view_->setFrameShape(QFrame::NoFrame);
+  view_->setExpandsOnDoubleClick(false);  // a double click zooms; the arrow and the keys open
+  view_->installEventFilter(this);
+  auto* const layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  constexpr int kGap = 4;
+  layout->setSpacing(kGap);
+  layout->addWidget(find_);
+  layout->addWidget(view_, 1);
+
+  connect(find_, &QLineEdit::textChanged, this, &DrawingTree::filter);
+  connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
+    if (!revealing_) Q_EMIT selected(current.data(DrawingTreeModel::HandleRole).toULongLong());
+  });
+  connect(view_, &QTreeView::clicked, this,
+          [this](const QModelIndex& index) { Q_EMIT clicked(index.data(DrawingTreeModel::HandleRole).toULongLong()); });
+  connect(view_, &QTreeView::doubleClicked, this, [this](const QModelIndex& index) {
+    const quint64 handle = index.data(DrawingTreeModel::HandleRole).toULongLong();
+    if (handle == 0)
+      view_->setExpanded(index, !view_->isExpanded(index));
+    else
+      Q_EMIT activated(handle);
+  });
+}
+
+void DrawingTree::setDrawing(const civil::Drawing* drawing) {
+  const bool blocked = find_->blockSignals(true);
+  find_->clear();
+  find_->blockSignals(blocked);
+  revealing_ = true;
+  model_->setFilter({});
+  model_->setDrawing(drawing);
+  revealing_ = false;
+  if (drawing == nullptr) return;
+  // What is looked for first: the roads with their profiles and lines.
+  constexpr int kFewRows = 30;
+  for (int row = 0; row < model_->rowCount(); ++row) {
+    const QModelIndex heading = model_->index(row, 0);
+    if (model_->hasChildren(heading) && model_->rowCount(heading) <= kFewRows) view_->expand(heading);
+  }
+  const QModelIndex sites = model_->index(0, 0);
+  if (model_->rowCount(sites) == 1) view_->expand(model_->index(0, 0, sites));
+}
+
+void DrawingTree::filter(const QString& text) {
+  revealing_ = true;
+  model_->setFilter(text.trimmed());
+  constexpr std::size_t kMostOpened = 2000;
+  if (!text.trimmed().isEmpty() && model_->found() <= kMostOpened) {
+    const std::function<void(const QModelIndex&)> open = [&](const QModelIndex& parent) {
+      for (int row = 0; row < model_->rowCount(parent); ++row) {
+        const QModelIndex index = model_->index(row, 0, parent);
+        if (!index.data(DrawingTreeModel::LeadsOnRole).toBool()) continue;
+        view_->expand(index);
+        open(index);
+      }
+    };
+    open({});
+  }
+  revealing_ = false;
+}
+
+void DrawingTree::reveal(civil::Handle handle) {
+  revealing_ = true;
+  const QModelIndex index = model_->indexOf(handle);
+  if (index.isValid()) {
+    view_->setCurrentIndex(index);
+    view_->scrollTo(index);
+  } else {
+    view_->clearSelection();
+    view_->setCurrentIndex({});
+  }
+  revealing_ = false;
+}
+
+void DrawingTree::focusFind() {
+  find_->setFocus(Qt::ShortcutFocusReason);
+  find_->selectAll();
+}
+
+bool DrawingTree::eventFilter(QObject* target, QEvent* event) {
+  if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(target, event);
+  const int key = static_cast<QKeyEvent*>(event)->key();
+  if (target == find_ && key == Qt::Key_Down) {
+    view_->setFocus(Qt::TabFocusReason);
+    if (!view_->currentIndex().isValid()) view_->setCurrentIndex(model_->index(0, 0));
+    return true;
+  }
+  if (target == find_ && key == Qt::Key_Escape && !find_->text().isEmpty()) {
+    find_->clear();
+    return true;
+  }
+  if (target == view_ && (key == Qt::Key_Return || key == Qt::Key_Enter)) {
+    const quint64 handle = view_->currentIndex().data(DrawingTreeModel::HandleRole).toULongLong();
+    if (handle != 0) Q_EMIT activated(handle);
+    return true;
+  }
+  return QWidget::eventFilter(target, event);
+}
+
+}  // namespace lvx::desktop

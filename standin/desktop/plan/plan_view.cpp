@@ -1,0 +1,677 @@
+#include "desktop/plan/plan_view.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QFontMetricsF>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QStyleHints>
+#include <QWheelEvent>
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <utility>
+
+#include "desktop/common/qt_text.h"
+#include "desktop/plan/object_names.h"
+#include "desktop/plan/plan_colours.h"
+
+namespace lvx::desktop {
+
+using civil::Box;
+using civil::Handle;
+using civil::ObjectKind;
+using civil::Vec2;
+
+namespace {
+
+/// How near the mouse must be to a thing, as far as the pick box reaches.
+constexpr double kPickRadius = 6.0;
+constexpr double kZoomStep = 1.25;
+constexpr double kWheelClick = 120.0;
+/// Of the window, for an arrow key.
+constexpr double kKeyPan = 1.0 / 8.0;
+constexpr std::chrono::milliseconds kHintTime{2500};
+
+Vec2 vec(QPointF point) { return {point.x(), point.y()}; }
+QPointF point(Vec2 place) { return {place.x, place.y}; }
+
+Box boxOf(Vec2 one, Vec2 other) {
+  return {std::min(one.x, other.x), std::min(one.y, other.y), std::max(one.x, other.x), std::max(one.y, other.y)};
+}
+
+bool isDragDistance(QPointF from, QPointF to) {
+  return (to - from).manhattanLength() >= QGuiApplication::styleHints()->startDragDistance();
+}
+
+/// A cross with the box in which things are picked.
+QCursor pickCursor(double pixelRatio) {
+  constexpr int kSize = 41;
+  constexpr double kMiddle = kSize / 2.0;
+  QImage image(QSize(kSize, kSize) * pixelRatio, QImage::Format_ARGB32_Premultiplied);
+  image.setDevicePixelRatio(pixelRatio);
+  image.fill(Qt::transparent);
+  QPainter painter(&image);
+  for (const auto& [colour, width] : {std::pair(QColor(Qt::white), 3.0), std::pair(QColor(Qt::black), 1.0)}) {
+    painter.setPen(QPen(colour, width));
+    for (const double side : {-1.0, 1.0}) {
+      painter.drawLine(QPointF(kMiddle + side * kPickRadius, kMiddle), QPointF(kMiddle + side * 18.0, kMiddle));
+      painter.drawLine(QPointF(kMiddle, kMiddle + side * kPickRadius), QPointF(kMiddle, kMiddle + side * 18.0));
+    }
+    painter.drawRect(QRectF(kMiddle - kPickRadius, kMiddle - kPickRadius, 2 * kPickRadius, 2 * kPickRadius));
+  }
+  painter.end();
+  return QCursor(QPixmap::fromImage(image), kSize / 2, kSize / 2);
+}
+
+}  // namespace
+
+PlanView::PlanView(QWidget* parent)
+    : QWidget(parent), tiles_([this] {
+        // On the worker's thread.
+        QMetaObject::invokeMethod(this, &PlanView::tileArrived, Qt::QueuedConnection);
+      }) {
+  setObjectName(QStringLiteral("planView"));
+  setMouseTracking(true);
+  setFocusPolicy(Qt::StrongFocus);
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  setMinimumSize(200, 150);
+  setAccessibleName(tr("Plan"));
+  hintTime_.setSingleShot(true);
+  connect(&hintTime_, &QTimer::timeout, this, [this] {
+    hint_.clear();
+    update();
+  });
+  tileTime_.setSingleShot(true);
+  connect(&tileTime_, &QTimer::timeout, this, &PlanView::invalidate);
+}
+
+PlanView::~PlanView() { tiles_.setScene(nullptr); }
+
+// ---------------------------------------------------------------- what shows
+
+void PlanView::setScene(std::shared_ptr<view::PlanScene> scene) {
+  cancelInteraction();
+  tiles_.setScene(scene);
+  scene_ = std::move(scene);
+  hovered_.reset();
+  selected_.clear();
+  painter_.clear();
+  zoomToAll();
+  invalidate();
+}
+
+void PlanView::refresh() {
+  hovered_.reset();
+  painter_.clear();
+  invalidate();
+}
+
+void PlanView::setLook(const PlanLook& look) {
+  if (look == look_) return;
+  look_ = look;
+  invalidate();
+}
+
+void PlanView::zoomToAll() {
+  showsAll_ = true;
+  if (scene_) viewport_.show(scene_->box());
+  viewChanged();
+}
+
+void PlanView::zoomTo(Handle handle) {
+  if (!scene_) return;
+  const std::optional<Box> box = scene_->boxOf(handle);
+  if (!box || box->isEmpty()) return;
+  showsAll_ = false;
+  constexpr double kRoom = 0.15;
+  // A point alone is shown with its neighbourhood, not at whatever scale there was.
+  constexpr double kLeastExtent = 20.0;
+  const Vec2 centre{(box->minX + box->maxX) / 2, (box->minY + box->maxY) / 2};
+  const double half = kLeastExtent / 2;
+  viewport_.show({std::min(box->minX, centre.x - half), std::min(box->minY, centre.y - half),
+                  std::max(box->maxX, centre.x + half), std::max(box->maxY, centre.y + half)},
+                 kRoom);
+  viewChanged();
+}
+
+void PlanView::zoomIn() { zoomAt(zoomPlace(), kZoomStep); }
+void PlanView::zoomOut() { zoomAt(zoomPlace(), 1.0 / kZoomStep); }
+
+void PlanView::setSelected(const std::vector<Handle>& handles) {
+  selected_.clear();
+  selected_.add(handles);
+  invalidate();
+}
+
+// ---------------------------------------------------------------- interactions
+
+void PlanView::startPick(const QString& prompt) {
+  cancelInteraction();
+  addPrompt_ = prompt;
+  only_.reset();
+  start(Mode::Pick);
+}
+
+void PlanView::startSelection(const QString& addPrompt, const QString& removePrompt, std::optional<ObjectKind> only) {
+  cancelInteraction();
+  addPrompt_ = addPrompt;
+  removePrompt_ = removePrompt;
+  only_ = only;
+  start(Mode::Select);
+}
+
+void PlanView::start(Mode mode) {
+  mode_ = mode;
+  isRemoving_ = false;
+  selection_.clear();
+  corner_.reset();
+  press_.reset();
+  hint_.clear();
+  setFocus(Qt::OtherFocusReason);
+  showCursor();
+  // The mouse may have come here while a dialog was in front.
+  const QPoint place = mapFromGlobal(QCursor::pos());
+  if (isVisible() && rect().contains(place)) mouse_ = place;
+  if (mouse_) hover(*mouse_);
+  invalidate();
+  Q_EMIT promptChanged(prompt());
+}
+
+void PlanView::endInteraction() {
+  mode_ = Mode::None;
+  corner_.reset();
+  press_.reset();
+  hovered_.reset();
+  hint_.clear();
+  selection_.clear();
+  showCursor();
+  invalidate();
+  Q_EMIT promptChanged(QString());
+}
+
+void PlanView::cancelInteraction() {
+  if (mode_ == Mode::None) return;
+  endInteraction();
+  Q_EMIT gaveUp();
+}
+
+void PlanView::finishInteraction() {
+  if (mode_ != Mode::Select) return;
+  const std::vector<Handle> handles = selection_.handles();
+  endInteraction();
+  Q_EMIT selected(QList<quint64>(handles.begin(), handles.end()));
+}
+
+void PlanView::offerPick(Handle handle) {
+  if (handle == 0 || !scene_) return;
+  if (mode_ == Mode::Pick) {
+    endInteraction();
+    Q_EMIT picked(handle);
+  } else if (mode_ == Mode::Select) {
+    const std::optional<view::Description> object = scene_->describe(handle);
+    if (object && (!only_ || object->kind == *only_)) take(std::span(&handle, 1), isRemoving_);
+  }
+}
+
+void PlanView::setRemoving(bool removing) {
+  isRemoving_ = removing;
+  hint_.clear();
+  update();
+  Q_EMIT promptChanged(prompt());
+}
+
+const QString& PlanView::prompt() const { return isRemoving_ ? removePrompt_ : addPrompt_; }
+
+void PlanView::showHint(const QString& hint) {
+  hint_ = hint;
+  hintTime_.start(kHintTime);
+  update();
+}
+
+void PlanView::take(std::span<const Handle> handles, bool remove) {
+  if (remove)
+    selection_.remove(handles);
+  else
+    selection_.add(handles);
+  hint_.clear();
+  invalidate();
+}
+
+void PlanView::endRectangle(QPointF place, Qt::KeyboardModifiers modifiers) {
+  const bool crossing = place.x() < cornerPixel().x();
+  const Box box = boxOf(*corner_, viewport_.toDrawing(vec(place)));
+  corner_.reset();
+  if (const std::optional<view::KindSet> wanted = kinds(); scene_ && wanted)
+    take(scene_->inside(box, crossing, *wanted), isRemoving_ || modifiers.testFlag(Qt::ShiftModifier));
+  update();
+}
+
+QPointF PlanView::cornerPixel() const { return point(viewport_.toPixels(*corner_)); }
+
+// ---------------------------------------------------------------- what lies under the mouse
+
+std::optional<view::KindSet> PlanView::kinds() const {
+  const std::array shown{
+      std::pair(ObjectKind::Alignment, look_.alignments),
+      std::pair(ObjectKind::SampleLine, look_.sampleLines),
+      std::pair(ObjectKind::Point, look_.points),
+      std::pair(ObjectKind::Corridor, look_.corridors),
+      std::pair(ObjectKind::Surface, look_.border || look_.surface != SurfaceLook::None),
+  };
+  view::KindSet kinds;
+  for (const auto& [kind, isShown] : shown)
+    if (isShown && (mode_ != Mode::Select || !only_ || kind == *only_)) kinds.add(kind);
+  // An empty set would stand for all of them.
+  if (kinds == view::KindSet()) return std::nullopt;
+  return kinds;
+}
+
+std::optional<view::Hit> PlanView::hitAt(QPointF place) const {
+  const std::optional<view::KindSet> wanted = kinds();
+  if (!scene_ || !wanted) return std::nullopt;
+  const Vec2 at = viewport_.toDrawing(vec(place));
+  const double radius = kPickRadius / viewport_.scale();
+  // From far away points are dots without names, everywhere along a road: there a line is what is meant.
+  if (painter_.isCrowded() && mode_ != Mode::Select) {
+    view::KindSet lines;
+    for (const ObjectKind kind : {ObjectKind::Alignment, ObjectKind::SampleLine, ObjectKind::Corridor})
+      if (wanted->has(kind)) lines.add(kind);
+    if (lines != view::KindSet())
+      if (std::optional<view::Hit> line = scene_->hit(at, radius, lines)) return line;
+  }
+  return scene_->hit(at, radius, *wanted);
+}
+
+void PlanView::hover(QPointF place) {
+  const Handle before = hovered_ ? hovered_->handle : 0;
+  hovered_.reset();
+  if (!corner_) hovered_ = hitAt(place);
+  // The ground is everywhere: naming it at every step would be noise, unless it may be what is wanted.
+  if (hovered_ && hovered_->kind == ObjectKind::Surface && mode_ == Mode::None) hovered_.reset();
+  // The box beside the pointer moves with it.
+  if (before != 0 || hovered_ || mode_ != Mode::None) update();
+}
+
+void PlanView::clickAt(QPointF place, Qt::KeyboardModifiers modifiers) {
+  const std::optional<view::Hit> hit = hitAt(place);
+  switch (mode_) {
+    case Mode::None:
+      Q_EMIT clicked(hit ? hit->handle : 0);
+      return;
+    case Mode::Pick:
+      if (!hit) {
+        showHint(tr("Nothing here. Esc ends."));
+        return;
+      }
+      endInteraction();
+      Q_EMIT picked(hit->handle);
+      return;
+    case Mode::Select:
+      if (corner_)
+        endRectangle(place, modifiers);
+      else if (hit)
+        take(std::span(&hit->handle, 1), isRemoving_ || modifiers.testFlag(Qt::ShiftModifier));
+      else
+        corner_ = viewport_.toDrawing(vec(place));
+      hover(place);
+      update();
+      return;
+  }
+}
+
+// ---------------------------------------------------------------- mouse and keyboard
+
+void PlanView::mousePressEvent(QMouseEvent* event) {
+  const QPointF place = event->position();
+  mouse_ = place;
+  if (event->button() == Qt::MiddleButton) {
+    panFrom_ = place;
+    showCursor();
+  } else if (event->button() == Qt::LeftButton) {
+    if (mode_ == Mode::Pick) {
+      // At once, as a hand that moves on while it clicks meant the place where it pressed.
+      clickAt(place, event->modifiers());
+      return;
+    }
+    press_ = Press{.place = place};
+  } else if (event->button() == Qt::RightButton) {
+    if (mode_ == Mode::Pick)
+      cancelInteraction();
+    else if (mode_ == Mode::Select)
+      finishInteraction();
+    else
+      event->ignore();
+  } else {
+    event->ignore();
+  }
+}
+
+void PlanView::mouseMoveEvent(QMouseEvent* event) {
+  const QPointF place = event->position();
+  mouse_ = place;
+  if (panFrom_) {
+    panBy(place - *panFrom_);
+    panFrom_ = place;
+  } else if (press_) {
+    if (!press_->isDrag && isDragDistance(press_->place, place)) {
+      press_->isDrag = true;
+      if (mode_ == Mode::Select) {
+        if (!corner_) corner_ = viewport_.toDrawing(vec(press_->place));
+      } else {
+        const std::optional<view::Hit> hit = hitAt(press_->place);
+        press_->pans = !hit || hit->kind == ObjectKind::Surface;
+        showCursor();
+      }
+    }
+    if (press_->pans) {
+      panBy(place - press_->place);
+      press_->place = place;
+    } else {
+      hover(place);
+    }
+  } else {
+    hover(place);
+  }
+  if (corner_) update();
+  Q_EMIT mouseAt(point(viewport_.toDrawing(vec(place))));
+}
+
+void PlanView::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::MiddleButton) {
+    panFrom_.reset();
+    showCursor();
+  } else if (event->button() == Qt::LeftButton && press_) {
+    const Press press = *press_;
+    press_.reset();
+    showCursor();
+    if (!press.isDrag) {
+      clickAt(press.place, event->modifiers());
+    } else if (corner_) {
+      endRectangle(event->position(), event->modifiers());
+      hover(event->position());
+    } else {
+      hover(event->position());
+    }
+  } else {
+    event->ignore();
+  }
+}
+
+void PlanView::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (event->button() == Qt::MiddleButton) {
+    panFrom_.reset();
+    showCursor();
+    zoomToAll();
+  } else if (event->button() == Qt::LeftButton && mode_ == Mode::None) {
+    // The first of the two clicks was told already.
+    if (const std::optional<view::Hit> hit = hitAt(event->position())) Q_EMIT activated(hit->handle);
+  } else {
+    // While something is asked, two fast clicks are two clicks.
+    mousePressEvent(event);
+  }
+}
+
+void PlanView::wheelEvent(QWheelEvent* event) {
+  const double clicks = event->angleDelta().y() / kWheelClick;
+  if (clicks == 0.0) {
+    event->ignore();
+    return;
+  }
+  mouse_ = event->position();
+  zoomAt(event->position(), std::pow(kZoomStep, clicks));
+  event->accept();
+}
+
+bool PlanView::event(QEvent* event) {
+  // While something is asked its keys belong here, whatever shortcuts the window has.
+  if (event->type() == QEvent::ShortcutOverride && mode_ != Mode::None) {
+    switch (static_cast<QKeyEvent*>(event)->key()) {
+      case Qt::Key_Escape:
+      case Qt::Key_Return:
+      case Qt::Key_Enter:
+      case Qt::Key_R:
+      case Qt::Key_A:
+        if ((static_cast<QKeyEvent*>(event)->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier) event->accept();
+        break;
+      default:
+        break;
+    }
+  }
+  return QWidget::event(event);
+}
+
+void PlanView::keyPressEvent(QKeyEvent* event) {
+  const double across = width() * kKeyPan;
+  const double down = height() * kKeyPan;
+  switch (event->key()) {
+    case Qt::Key_Escape:
+      if (mode_ == Mode::None) return event->ignore();
+      return cancelInteraction();
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      if (mode_ != Mode::Select) return event->ignore();
+      return finishInteraction();
+    case Qt::Key_R:
+    case Qt::Key_A:
+      if (mode_ != Mode::Select || (event->modifiers() & Qt::ControlModifier) != 0) return event->ignore();
+      return setRemoving(event->key() == Qt::Key_R);
+    case Qt::Key_Left:
+      return panBy({across, 0.0});
+    case Qt::Key_Right:
+      return panBy({-across, 0.0});
+    case Qt::Key_Up:
+      return panBy({0.0, down});
+    case Qt::Key_Down:
+      return panBy({0.0, -down});
+    case Qt::Key_Plus:
+    case Qt::Key_Equal:
+      return zoomIn();
+    case Qt::Key_Minus:
+      return zoomOut();
+    case Qt::Key_Home:
+      return zoomToAll();
+    default:
+      return event->ignore();
+  }
+}
+
+void PlanView::leaveEvent(QEvent* event) {
+  QWidget::leaveEvent(event);
+  mouse_.reset();
+  hovered_.reset();
+  update();
+  Q_EMIT mouseGone();
+}
+
+void PlanView::hideEvent(QHideEvent* event) {
+  QWidget::hideEvent(event);
+  panFrom_.reset();
+  press_.reset();
+}
+
+void PlanView::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::FontChange || event->type() == QEvent::LanguageChange) {
+    painter_.clear();
+    invalidate();
+  }
+}
+
+void PlanView::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  viewport_.resize(width(), height());
+  if (showsAll_ && scene_) viewport_.show(scene_->box());
+  viewChanged();
+}
+
+// ---------------------------------------------------------------- moving about
+
+void PlanView::panBy(QPointF pixels) {
+  showsAll_ = false;
+  viewport_.panBy(vec(pixels));
+  viewChanged();
+}
+
+void PlanView::zoomAt(QPointF place, double factor) {
+  showsAll_ = false;
+  viewport_.zoomAt(vec(place), factor);
+  viewChanged();
+}
+
+QPointF PlanView::zoomPlace() const { return mouse_ ? *mouse_ : QRectF(rect()).center(); }
+
+void PlanView::viewChanged() {
+  if (mouse_ && !panFrom_ && !(press_ && press_->pans)) hover(*mouse_);
+  invalidate();
+  Q_EMIT viewportChanged();
+}
+
+void PlanView::invalidate() {
+  isBaseCurrent_ = false;
+  update();
+}
+
+void PlanView::showCursor() {
+  if (panFrom_ || (press_ && press_->pans))
+    setCursor(Qt::ClosedHandCursor);
+  else if (mode_ != Mode::None)
+    setCursor(pickCursor(devicePixelRatioF()));
+  else
+    unsetCursor();
+}
+
+// ---------------------------------------------------------------- painting
+
+void PlanView::tileArrived() {
+  // Tiles come in dozens: some at once make fewer frames, the last one doesn't wait.
+  constexpr std::chrono::milliseconds kGather{40};
+  if (tiles_.isIdle())
+    invalidate();
+  else if (!tileTime_.isActive())
+    tileTime_.start(kGather);
+}
+
+PlanPainter::Frame PlanView::frame() const {
+  return {.scene = *scene_,
+          .viewport = viewport_,
+          .look = look_,
+          .selected = mode_ == Mode::Select ? &selection_ : &selected_,
+          .font = font()};
+}
+
+void PlanView::paintBase() {
+  const double ratio = devicePixelRatioF();
+  const QSize size(static_cast<int>(std::lround(width() * ratio)), static_cast<int>(std::lround(height() * ratio)));
+  if (base_.size() != size) base_ = QImage(size, QImage::Format_RGB32);
+  base_.setDevicePixelRatio(ratio);
+  QPainter painter(&base_);
+  PlanPainter::Result result = painter_.paint(painter, frame(), tiles_.cache(), PlanPainter::Tiles::AsThere);
+  isSharp_ = result.isSharp && !result.isUnfinished;
+  isBaseCurrent_ = true;
+  if (result.isUnfinished) QTimer::singleShot(0, this, &PlanView::invalidate);
+  tiles_.makeRoom(result.wantedBytes + result.wantedBytes / 4);
+  tiles_.want(std::move(result.wanted));
+}
+
+void PlanView::paintEvent(QPaintEvent* event) {
+  QWidget::paintEvent(event);
+  QPainter painter(this);
+  if (!scene_ || scene_->box().isEmpty()) {
+    PlanPainter::paintEmpty(painter, QRectF(rect()), look_, font(), scene_ ? tr("Nothing to show") : tr("No drawing"),
+                            scene_ ? tr("This drawing has no surface, alignment, point or corridor.")
+                                   : tr("Open a LandXML file, or drop one here."));
+    isSharp_ = true;
+  } else {
+    if (!isBaseCurrent_) paintBase();
+    painter.drawImage(0, 0, base_);
+    if (hovered_) painter_.paintHover(painter, frame(), hovered_->handle);
+  }
+  if (corner_ && mouse_) paintRectangle(painter);
+  paintPointerBox(painter);
+}
+
+void PlanView::paintRectangle(QPainter& painter) const {
+  const QPointF from = cornerPixel();
+  const bool crossing = mouse_->x() < from.x();
+  const PlanColours& colours = planColours(look_.dark);
+  QColor colour = crossing ? colours.crossing : colours.window;
+  painter.setRenderHint(QPainter::Antialiasing, false);
+  painter.setPen(QPen(colour, 1.4, crossing ? Qt::DashLine : Qt::SolidLine));
+  colour.setAlpha(46);
+  painter.setBrush(colour);
+  painter.drawRect(QRectF(from, *mouse_).normalized());
+}
+
+QStringList PlanView::pointerBox() const {
+  QStringList lines;
+  if (mode_ != Mode::None && !prompt().isEmpty()) lines << prompt();
+  if (mode_ == Mode::Select) {
+    lines << tr("%1 selected").arg(selection_.size());
+  }
+  if (hovered_) {
+    const QString name = toQt(hovered_->name);
+    const QString kind = ObjectNames::kind(hovered_->kind);
+    lines << (name.isEmpty() ? kind : kind + QStringLiteral("  ") + name);
+  }
+  if (const QString hint = pointerHint(); !hint.isEmpty()) lines << hint;
+  return lines;
+}
+
+QString PlanView::pointerHint() const {
+  if (!hint_.isEmpty() || mode_ != Mode::Select) return hint_;
+  if (corner_) return mouse_ && mouse_->x() < cornerPixel().x() ? tr("Inside and touched") : tr("Wholly inside");
+  if (isRemoving_) return tr("A adds again, Enter ends");
+  return selection_.size() == 0 ? tr("Click or drag a window, Enter ends") : tr("R or Shift removes, Enter ends");
+}
+
+void PlanView::paintPointerBox(QPainter& painter) const {
+  const QStringList lines = pointerBox();
+  if (lines.isEmpty() || panFrom_ || (press_ && press_->pans)) return;
+  if (!mouse_ && mode_ == Mode::None) return;
+  constexpr double kPadding = 7.0;
+  constexpr QPointF kBeside(18.0, 18.0);
+  const PlanColours& colours = planColours(look_.dark);
+  QFont bold = font();
+  bold.setBold(true);
+  const bool hasPrompt = mode_ != Mode::None && !prompt().isEmpty();
+  const QFontMetricsF metrics(font());
+  const double line = metrics.height() + 2.0;
+  double across = 0.0;
+  for (const QString& text : lines) {
+    const bool isFirst = hasPrompt && &text == &lines.first();
+    across = std::max(across, (isFirst ? QFontMetricsF(bold) : metrics).horizontalAdvance(text));
+  }
+  QRectF box(0, 0, std::min(across + 2 * kPadding, width() - 8.0),
+             line * static_cast<double>(lines.size()) + 2 * kPadding - 2.0);
+  // Right below the pointer; on its other side where the window ends. Without a pointer in the view, in its corner.
+  QPointF corner(12.0, 12.0);
+  if (mouse_) {
+    corner = *mouse_ + kBeside;
+    if (corner.x() + box.width() > width() - 4.0) corner.setX(mouse_->x() - kBeside.x() - box.width());
+    if (corner.y() + box.height() > height() - 4.0) corner.setY(mouse_->y() - kBeside.y() - box.height());
+    corner.setX(std::clamp(corner.x(), 4.0, std::max(4.0, width() - 4.0 - box.width())));
+    corner.setY(std::clamp(corner.y(), 4.0, std::max(4.0, height() - 4.0 - box.height())));
+  }
+  box.moveTopLeft(corner);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(colours.boxFrame, 1.0));
+  painter.setBrush(colours.boxFill);
+  painter.drawRoundedRect(box, 5, 5);
+  const bool hasHint = !pointerHint().isEmpty();
+  double baseline = box.top() + kPadding + metrics.ascent();
+  for (const QString& text : lines) {
+    const bool isFirst = hasPrompt && &text == &lines.first();
+    const bool isHint = hasHint && &text == &lines.last();
+    painter.setFont(isFirst ? bold : font());
+    painter.setPen(isHint ? colours.quietText : colours.text);
+    painter.drawText(QPointF(box.left() + kPadding, baseline),
+                     painter.fontMetrics().elidedText(text, Qt::ElideRight,
+                                                      static_cast<int>(std::ceil(box.width() - 2 * kPadding)) + 1));
+    baseline += line;
+  }
+}
+
+}  // namespace lvx::desktop

@@ -1,0 +1,175 @@
+#pragma once
+
+#include <QImage>
+#include <QList>
+#include <QPointF>
+#include <QString>
+#include <QStringList>
+#include <QTimer>
+#include <QWidget>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "civil/drawing.h"
+#include "desktop/plan/plan_look.h"
+#include "desktop/plan/plan_painter.h"
+#include "desktop/plan/plan_selection.h"
+#include "desktop/plan/tile_worker.h"
+#include "view/plan_scene.h"
+#include "view/viewport.h"
+
+namespace lvx::desktop {
+
+/// The drawing from above. The user moves it with the middle button (or the left one where nothing lies), the arrow keys
+/// and the wheel, which keeps what lies under the mouse; + and - zoom as well, Home and a double middle click show all.
+///
+/// A running command asks its user here: startPick() or startSelection(), one at a time. Each ends with exactly one of
+/// its signals; before it the view is ready for the next.
+///
+///     view->setScene(std::make_shared<view::PlanScene>(drawing));
+///     connect(view, &PlanView::picked, this, [](quint64 handle) { ... });
+///     view->startPick(tr("Select an alignment"));
+///
+/// Shading is drawn beside the windows' thread: a frame never waits for it, it shows what there is, coarser or finer,
+/// until the sharp one is ready.
+class PlanView : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit PlanView(QWidget* parent = nullptr);
+  ~PlanView() override;
+
+  /// Shows all of the scene; null: nothing is shown. Ends a running interaction as Escape does. When it returns, nothing
+  /// looks at the scene before, or at its drawing, any more.
+  void setScene(std::shared_ptr<view::PlanScene> scene);
+  /// The scene's corridors were refreshed.
+  void refresh();
+  void setLook(const PlanLook& look);
+  [[nodiscard]] const PlanLook& look() const { return look_; }
+
+  void zoomToAll();
+  void zoomTo(civil::Handle handle);
+  void zoomIn();
+  void zoomOut();
+  /// Highlights objects, whoever chose them; unknown handles are passed over.
+  void setSelected(const std::vector<civil::Handle>& handles);
+
+  /// Ends with picked() or gaveUp().
+  void startPick(const QString& prompt);
+  /// Ends with selected() or gaveUp(). Only objects of one kind can be selected, if asked for.
+  void startSelection(const QString& addPrompt, const QString& removePrompt, std::optional<civil::ObjectKind> only);
+  /// Picked elsewhere while a pick runs; a running selection takes it too if it is of its kind. Otherwise nothing happens.
+  void offerPick(civil::Handle handle);
+  /// As Escape; nothing happens where none runs.
+  void cancelInteraction();
+  /// As Enter: ends a selection with what is selected; nothing happens otherwise.
+  void finishInteraction();
+  [[nodiscard]] bool isInteracting() const { return mode_ != Mode::None; }
+
+  [[nodiscard]] const view::Viewport& viewport() const { return viewport_; }
+  /// What the mouse is on and would be clicked.
+  [[nodiscard]] std::optional<view::Hit> hovered() const { return hovered_; }
+  /// What stands beside the pointer; empty where nothing does.
+  [[nodiscard]] QStringList pointerBox() const;
+  /// Whether what is on the screen is final, shading and labels.
+  [[nodiscard]] bool isSharp() const { return isSharp_; }
+
+ Q_SIGNALS:
+  void mouseAt(QPointF drawing);
+  void mouseGone();
+  void clicked(quint64 handle);    ///< 0: nothing there
+  void activated(quint64 handle);  ///< by a double click
+  void picked(quint64 handle);
+  void selected(const QList<quint64>& handles);
+  void gaveUp();
+  /// What the user is asked; empty when the interaction ends.
+  void promptChanged(const QString& prompt);
+  /// The part that shows has changed.
+  void viewportChanged();
+
+ protected:
+  bool event(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  enum class Mode : std::uint8_t { None, Pick, Select };
+  /// A left button that went down and hasn't come up yet.
+  struct Press {
+    QPointF place;
+    bool isDrag = false;
+    bool pans = false;
+  };
+
+  void start(Mode mode);
+  void endInteraction();
+  void setRemoving(bool removing);
+  [[nodiscard]] const QString& prompt() const;
+  void showHint(const QString& hint);
+
+  /// What can be hit now; empty for nothing.
+  [[nodiscard]] std::optional<view::KindSet> kinds() const;
+  [[nodiscard]] std::optional<view::Hit> hitAt(QPointF place) const;
+  void hover(QPointF place);
+  void clickAt(QPointF place, Qt::KeyboardModifiers modifiers);
+  void take(std::span<const civil::Handle> handles, bool remove);
+  void endRectangle(QPointF place, Qt::KeyboardModifiers modifiers);
+  [[nodiscard]] QPointF cornerPixel() const;
+  /// The last line beside the pointer: what could be done now.
+  [[nodiscard]] QString pointerHint() const;
+
+  void panBy(QPointF pixels);
+  void zoomAt(QPointF place, double factor);
+  [[nodiscard]] QPointF zoomPlace() const;
+  void viewChanged();
+  void invalidate();
+  void showCursor();
+  void tileArrived();
+  [[nodiscard]] PlanPainter::Frame frame() const;
+  void paintBase();
+  void paintRectangle(QPainter& painter) const;
+  void paintPointerBox(QPainter& painter) const;
+
+  std::shared_ptr<view::PlanScene> scene_;
+  view::Viewport viewport_;
+  PlanLook look_;
+  PlanPainter painter_;
+  TileWorker tiles_;
+  /// The plan without what moves with the mouse, so that a highlight costs a copy.
+  QImage base_;
+  bool isBaseCurrent_ = false;
+  bool isSharp_ = false;
+  /// The view shows all and goes on doing so when it is resized, until the user moves it.
+  bool showsAll_ = true;
+
+  PlanSelection selected_;
+  std::optional<view::Hit> hovered_;
+  std::optional<QPointF> mouse_;
+  std::optional<Press> press_;
+  std::optional<QPointF> panFrom_;
+
+  Mode mode_ = Mode::None;
+  QString addPrompt_;
+  QString removePrompt_;
+  std::optional<civil::ObjectKind> only_;
+  bool isRemoving_ = false;
+  PlanSelection selection_;
+  /// First corner of a selection rectangle, in the drawing: it stays there when the view moves.
+  std::optional<civil::Vec2> corner_;
+  QString hint_;
+  QTimer hintTime_;
+  QTimer tileTime_;
+};
+
+}  // namespace lvx::desktop

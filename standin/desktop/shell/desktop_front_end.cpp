@@ -1,0 +1,144 @@
+#include "desktop/shell/desktop_front_end.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <utility>
+
+#include "desktop/common/qt_text.h"
+#include "desktop/dialogs/boxes.h"
+#include "desktop/dialogs/template_dialog.h"
+#include "desktop/panels/help_window.h"
+#include "desktop/plan/plan_view.h"
+#include "desktop/shell/long_work.h"
+#include "runtime/standin_run_time.h"
+
+namespace lvx::desktop {
+
+using host::BoxAnswer;
+using host::BoxButtons;
+using host::CString;
+
+namespace {
+
+/// What a user who leaves answers.
+BoxAnswer leavingAnswer(BoxButtons buttons) {
+  switch (buttons) {
+    case BoxButtons::Ok:
+      return BoxAnswer::Ok;
+    case BoxButtons::YesNo:
+      return BoxAnswer::No;
+    case BoxButtons::RetryCancel:
+      return BoxAnswer::Cancel;
+  }
+  return BoxAnswer::Cancel;
+}
+
+std::optional<civil::ObjectKind> kindOf(const CString& classTag) {
+  using Kind = civil::ObjectKind;
+  for (const Kind kind : {Kind::Site, Kind::Alignment, Kind::Profile, Kind::SampleLineGroup, Kind::SampleLine,
+                          Kind::Surface, Kind::Point, Kind::PointGroup, Kind::Corridor})
+    if (classTag == runtime::classOf(kind).classTag()) return kind;
+  return std::nullopt;
+}
+
+}  // namespace
+
+DesktopFrontEnd::DesktopFrontEnd(QWidget& window, PlanView& plan, LongWork& work, std::filesystem::path helpFolder)
+    : window_(window), plan_(plan), work_(work), helpFolder_(std::move(helpFolder)) {}
+
+DesktopFrontEnd::~DesktopFrontEnd() { QtDialogRunner::reopen(); }
+
+void DesktopFrontEnd::giveUpAll() {
+  givenUp_ = true;
+  work_.cancel();
+  QtDialogRunner::closeAll();
+  if (plan_.isInteracting()) plan_.cancelInteraction();
+}
+
+void DesktopFrontEnd::askAgain() {
+  givenUp_ = false;
+  QtDialogRunner::reopen();
+}
+
+int DesktopFrontEnd::runModal(host::DialogBehaviour& dialog, void* parent) {
+  const LongWork::Question question(work_);
+  if (!givenUp_) Q_EMIT dialogOpening();
+  return dialogs_.runModal(dialog, parent);
+}
+
+void DesktopFrontEnd::console(const CString& text) { Q_EMIT printed(toQt(text)); }
+
+void DesktopFrontEnd::waitForPick(const std::function<void(QEventLoop&, QObject&)>& start) {
+  const LongWork::Question question(work_);
+  QEventLoop loop;
+  QObject context;
+  connect(&plan_, &PlanView::gaveUp, &context, [&loop] { loop.quit(); });
+  // A pick may end while it starts, where nothing can be picked.
+  bool ended = false;
+  connect(&plan_, &PlanView::gaveUp, &context, [&ended] { ended = true; });
+  picking_ = true;
+  window_.raise();
+  window_.activateWindow();
+  start(loop, context);
+  if (!ended) loop.exec();
+  picking_ = false;
+}
+
+std::optional<civil::Handle> DesktopFrontEnd::pickEntity(const CString& prompt) {
+  std::optional<civil::Handle> picked;
+  if (givenUp_) return picked;
+  waitForPick([&](QEventLoop& loop, QObject& context) {
+    connect(&plan_, &PlanView::picked, &context, [&loop, &picked](quint64 handle) {
+      picked = handle;
+      loop.quit();
+    });
+    plan_.startPick(toQt(prompt));
+  });
+  return givenUp_ ? std::nullopt : picked;
+}
+
+std::optional<std::vector<civil::Handle>> DesktopFrontEnd::selectEntities(const CString& addPrompt,
+                                                                          const CString& removePrompt,
+                                                                          const CString& classTag) {
+  std::optional<std::vector<civil::Handle>> selected;
+  if (givenUp_) return selected;
+  waitForPick([&](QEventLoop& loop, QObject& context) {
+    connect(&plan_, &PlanView::selected, &context, [&loop, &selected](const QList<quint64>& handles) {
+      selected.emplace(handles.begin(), handles.end());
+      loop.quit();
+    });
+    plan_.startSelection(toQt(addPrompt), toQt(removePrompt), kindOf(classTag));
+  });
+  return givenUp_ ? std::nullopt : std::move(selected);
+}
+
+BoxAnswer DesktopFrontEnd::messageBox(const CString& text, BoxButtons buttons, host::BoxIcon icon) {
+  if (givenUp_) return leavingAnswer(buttons);
+  const LongWork::Question question(work_);
+  const BoxAnswer answer = showMessageBox(&window_, toQt(text), buttons, icon);
+  return givenUp_ ? leavingAnswer(buttons) : answer;
+}
+
+std::optional<CString> DesktopFrontEnd::saveFileBox(const CString& filter, std::uint32_t flags) {
+  if (givenUp_) return std::nullopt;
+  const LongWork::Question question(work_);
+  const std::optional<QString> path = askSavePath(&window_, toQt(filter), flags);
+  return givenUp_ || !path ? std::nullopt : std::optional(toWide(*path));
+}
+
+HelpWindow& DesktopFrontEnd::help() {
+  if (!help_) help_ = std::make_unique<HelpWindow>(helpFolder_);
+  return *help_;
+}
+
+void DesktopFrontEnd::showHelp(const CString& topic) {
+  if (!help().showTopic(topic)) Q_EMIT printed(tr("There is no help page for %1.").arg(toQt(topic)));
+}
+
+void DesktopFrontEnd::showHelpContents() { help().showContents(); }
+
+void DesktopFrontEnd::closeHelp() { help_.reset(); }
+
+std::uint32_t DesktopFrontEnd::buttonFaceColour() { return faceColour(QApplication::palette()); }
+
+}  // namespace lvx::desktop

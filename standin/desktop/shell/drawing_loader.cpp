@@ -1,0 +1,143 @@
+#include "desktop/shell/drawing_loader.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <cerrno>
+#include <chrono>
+#include <exception>
+#include <filesystem>
+#include <new>
+#include <utility>
+
+#include "desktop/common/qt_text.h"
+#include "landxml/reader.h"
+#include "view/plan_scene.h"
+
+namespace lvx::desktop {
+
+struct DrawingLoader::Outcome {
+  LoadedDrawing drawing;
+  LoadFailure failure;
+  bool cancelled = false;
+};
+
+namespace {
+
+/// The line of a place at a message's end: "… (road.xml:118)" gives 118.
+quint64 lineOf(const QString& reason) {
+  const qsizetype colon = reason.lastIndexOf(QLatin1Char(':'));
+  if (colon < 0 || !reason.endsWith(QLatin1Char(')'))) return 0;
+  return reason.mid(colon + 1, reason.size() - colon - 2).toULongLong();
+}
+
+QString adviceFor(const QString& path, quint64 line) {
+  const QFileInfo file(path);
+  if (!file.exists())
+    return DrawingLoader::tr(
+        "Check the name, and whether the folder or drive is there. A drawing that was moved can be found with Open.");
+  if (file.isDir()) return DrawingLoader::tr("Choose a LandXML file in that folder instead.");
+  if (!file.isFile()) return DrawingLoader::tr("Choose a LandXML file instead.");
+  if (!file.isReadable()) return DrawingLoader::tr("Ask for the right to read the file, or open a copy of it.");
+  if (line > 0)
+    return DrawingLoader::tr(
+        "Look at that line of the file; a file that was cut off has to be copied or exported again by the program that "
+        "made it.");
+  return DrawingLoader::tr("Export the drawing again as LandXML from the program that made it.");
+}
+
+/// Lets through one call in 50 ms.
+class Throttle {
+ public:
+  bool isDue() {
+    const auto now = std::chrono::steady_clock::now();
+    if (now - last_ < std::chrono::milliseconds(50)) return false;
+    last_ = now;
+    return true;
+  }
+
+ private:
+  std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
+};
+
+}  // namespace
+
+DrawingLoader::~DrawingLoader() { join(); }
+
+void DrawingLoader::join() {
+  cancel_ = true;
+  if (thread_.joinable()) thread_.join();
+  running_ = false;
+}
+
+void DrawingLoader::start(const QString& path) {
+  join();
+  cancel_ = false;
+  running_ = true;
+  path_ = path;
+  thread_ = std::thread(&DrawingLoader::work, this, QFile::encodeName(path).toStdString(), ++run_);
+}
+
+void DrawingLoader::cancel() { cancel_ = true; }
+
+void DrawingLoader::work(std::string path, std::uint64_t run) {
+  auto outcome = std::make_shared<Outcome>();
+  Throttle throttle;
+  const auto tell = [this, run, &throttle](const QString& step, quint64 done, quint64 total) {
+    if (throttle.isDue())
+      QMetaObject::invokeMethod(
+          this,
+          [this, run, step, done, total] {
+            if (run == run_ && running_) Q_EMIT progressed(step, done, total);
+          },
+          Qt::QueuedConnection);
+    return !cancel_.load();
+  };
+  try {
+    outcome->drawing.stamp = stampOf(QFile::decodeName(QByteArray::fromStdString(path)));
+    landxml::ReadOptions options;
+    options.progress = [&](const landxml::Progress& progress) {
+      return tell(tr("Reading"), progress.bytesDone, progress.bytesTotal);
+    };
+    outcome->drawing.drawing = std::make_shared<runtime::OpenDrawing>(landxml::readDrawing(path, options));
+    constexpr double kWhole = 1000.0;
+    outcome->drawing.scene = std::make_shared<view::PlanScene>(outcome->drawing.drawing->drawing(), [&](double done) {
+      return tell(tr("Preparing the view"), static_cast<quint64>(done * kWhole), static_cast<quint64>(kWhole));
+    });
+  } catch (const view::Cancelled&) {
+    outcome->cancelled = true;
+  } catch (const landxml::ReadError& error) {
+    outcome->cancelled = cancel_;
+    outcome->failure.reason = toQt(std::string(error.what()));
+  } catch (const std::bad_alloc&) {
+    outcome->failure.reason = tr("There is not enough memory for this drawing.");
+    outcome->failure.advice = tr("Close other programs, or split the drawing.");
+  } catch (const std::exception& error) {
+    outcome->failure.reason = toQt(std::string(error.what()));
+  }
+  QMetaObject::invokeMethod(
+      this, [this, run, outcome] { finish(run, outcome); }, Qt::QueuedConnection);
+}
+
+void DrawingLoader::finish(std::uint64_t run, const std::shared_ptr<Outcome>& outcome) {
+  if (run != run_ || !running_) return;
+  if (thread_.joinable()) thread_.join();
+  running_ = false;
+  // A cancel that came too late still counts: the user doesn't want this drawing any more.
+  if (outcome->cancelled || cancel_) {
+    Q_EMIT cancelled();
+    return;
+  }
+  if (outcome->failure.reason.isEmpty()) {
+    Q_EMIT loaded(outcome->drawing);
+    return;
+  }
+  LoadFailure& failure = outcome->failure;
+  failure.path = path_;
+  failure.line = lineOf(failure.reason);
+  constexpr QLatin1String kSpeaker("landxml: ");
+  if (failure.reason.startsWith(kSpeaker)) failure.reason.remove(0, kSpeaker.size());
+  if (failure.advice.isEmpty()) failure.advice = adviceFor(path_, failure.line);
+  Q_EMIT failed(failure);
+}
+
+}  // namespace lvx::desktop
