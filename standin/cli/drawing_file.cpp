@@ -21,11 +21,12 @@ civil::Drawing loadDrawing(const std::string& path, ProgressMode progress) {
   };
   try {
     return landxml::readDrawing(path, options);
-  } catch (const landxml::ReadError& error) {
+  } catch (const landxml::Error& error) {
+    // Cancelled, or a system call that the user's signal broke off.
     if (isInterrupted()) throw runtime::Interrupted();
     throw Failure(kBadDrawing, error.what());
   } catch (const std::bad_alloc&) {
-    throw Failure(kBadDrawing, "landxml: not enough memory for this drawing (" + path + ")");
+    throw Failure(kBadDrawing, landxml::ReadError("not enough memory for this drawing", path).what());
   }
 }
 
@@ -38,7 +39,7 @@ void saveDrawing(civil::Drawing& drawing, const std::string& target, ProgressMod
   };
   try {
     landxml::saveDrawing(drawing, drawing.path, target, options);
-  } catch (const landxml::SaveError& error) {
+  } catch (const landxml::Error& error) {
     if (isInterrupted()) throw runtime::Interrupted();
     throw Failure(kBadDrawing, error.what());
   }

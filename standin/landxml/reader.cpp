@@ -128,7 +128,7 @@ civil::Drawing readScanned(ScannedDocument& scanned, pugi::xml_document& tree, s
   drawing.diagnostics = std::move(scanned.diagnostics);
   Context context(drawing, scanned.lines, tree.document_element(), trace);
   const auto goOn = [&] {
-    if (options.progress && !options.progress({total, total})) fail("cancelled", name);
+    if (options.progress && !options.progress({total, total})) throw Cancelled(name);
   };
   goOn();
   readSiteList(context);

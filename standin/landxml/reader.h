@@ -2,21 +2,14 @@
 
 #include <cstdint>
 #include <functional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "civil/drawing.h"
+#include "landxml/error.h"
 
 /// LandXML drawings in: versions 1.0 to 2.0 and their national profiles, by local names, whatever the namespace.
 namespace lvx::landxml {
-
-/// The drawing can't be read: no such file, not XML, not LandXML, cut off. The text begins with "landxml: " and ends
-/// with the place ("(road.xml:118)").
-class ReadError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 struct Progress {
   std::uint64_t bytesDone = 0;
@@ -24,7 +17,7 @@ struct Progress {
 };
 
 struct ReadOptions {
-  /// Told now and then during a long load; returning false cancels the load with ReadError "cancelled".
+  /// Told now and then during a long load; returning false ends the load with Cancelled.
   std::function<bool(const Progress&)> progress;
 };
 

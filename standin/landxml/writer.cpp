@@ -38,7 +38,7 @@ civil::FileMark saveDrawing(civil::Drawing& drawing, const std::string& sourcePa
                             const SaveOptions& options) {
   const SourceFile source(sourcePath);
   const auto report = [&](std::uint64_t bytesDone) {
-    if (options.progress && !options.progress({bytesDone, 2 * source.size()})) failSaving("cancelled", targetPath);
+    if (options.progress && !options.progress({bytesDone, 2 * source.size()})) throw Cancelled(targetPath);
   };
 
   // The file's own words, read as they were when the drawing was opened. Half of the work.
@@ -46,9 +46,8 @@ civil::FileMark saveDrawing(civil::Drawing& drawing, const std::string& sourcePa
   Trace trace;
   civil::Drawing stored;
   const std::string changed =
-      "the drawing's file was changed by another program since it was opened; open it again and repeat the work, or "
-      "the "
-      "other changes would be lost";
+      "the drawing's file was changed by another program since it was opened; open it again and repeat the work, "
+      "or the other changes would be lost";
   ReadOptions readOptions;
   readOptions.progress = [&](const Progress& progress) {
     report(progress.bytesDone);
@@ -58,7 +57,7 @@ civil::FileMark saveDrawing(civil::Drawing& drawing, const std::string& sourcePa
     stored = readTraced(std::make_unique<SourceBytes>(source, readHash), sourcePath, readOptions, trace);
   } catch (const ReadError& error) {
     if (drawing.file.isKnown) failSaving(changed, sourcePath);
-    throw SaveError(error.what());
+    throw SaveError(error.reason(), error.file(), error.line());
   }
   const civil::FileMark read = readHash.mark();
   if (drawing.file.isKnown && drawing.file != read) failSaving(changed, sourcePath);

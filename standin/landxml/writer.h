@@ -1,25 +1,18 @@
 #pragma once
 
 #include <functional>
-#include <stdexcept>
 #include <string>
 
 #include "civil/drawing.h"
+#include "landxml/error.h"
 #include "landxml/reader.h"
 
 /// LandXML drawings out: what was changed in an open drawing goes into its file, and nothing else there changes.
 namespace lvx::landxml {
 
-/// The drawing can't be saved; the file that stood under the target's name stands there as before. The text begins with
-/// "landxml: " and ends with the file ("(road.xml)").
-class SaveError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
 struct SaveOptions {
   /// Told now and then while the file is read for its places and while it is written; returning false ends the saving
-  /// with SaveError "cancelled".
+  /// with Cancelled.
   std::function<bool(const Progress&)> progress;
 };
 
@@ -37,7 +30,7 @@ struct SaveOptions {
 ///
 /// Throws SaveError: the source was changed on disk since it was read, can't be read, or is in an encoding of several
 /// bytes a character other than UTF-8 (and the drawing was changed); the target is no regular file, is read-only or can't
-/// be written; cancelled. The drawing takes note of its new file when source and target are one.
+/// be written. Throws Cancelled where the caller's progress ends it. The drawing takes note of its new file when source and target are one.
 ///
 /// Gives what the target holds now, for a drawing that goes on living there.
 ///

@@ -102,7 +102,7 @@ TEST(BadInput, CancelledLoadSaysSo) {
   try {
     (void)readDrawingText("<LandXML/>", "road.xml", options);
     FAIL() << "not cancelled";
-  } catch (const ReadError& error) {
+  } catch (const Cancelled& error) {
     EXPECT_STREQ(error.what(), "landxml: cancelled (road.xml)");
   }
 }

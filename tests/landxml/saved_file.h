@@ -59,7 +59,7 @@ inline std::string saveError(civil::Drawing& drawing, const std::string& source,
                              const SaveOptions& options = {}) {
   try {
     saveDrawing(drawing, source, target, options);
-  } catch (const SaveError& error) {
+  } catch (const Error& error) {
     return error.what();
   }
   return {};

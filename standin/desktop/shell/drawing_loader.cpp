@@ -23,13 +23,6 @@ struct DrawingLoader::Outcome {
 
 namespace {
 
-/// The line of a place at a message's end: "… (road.xml:118)" gives 118.
-quint64 lineOf(const QString& reason) {
-  const qsizetype colon = reason.lastIndexOf(QLatin1Char(':'));
-  if (colon < 0 || !reason.endsWith(QLatin1Char(')'))) return 0;
-  return reason.mid(colon + 1, reason.size() - colon - 2).toULongLong();
-}
-
 QString adviceFor(const QString& path, quint64 line) {
   const QFileInfo file(path);
   if (!file.exists())
@@ -105,9 +98,11 @@ void DrawingLoader::work(std::string path, std::uint64_t run) {
     });
   } catch (const view::Cancelled&) {
     outcome->cancelled = true;
+  } catch (const landxml::Cancelled&) {
+    outcome->cancelled = true;
   } catch (const landxml::ReadError& error) {
-    outcome->cancelled = cancel_;
-    outcome->failure.reason = toQt(std::string(error.what()));
+    outcome->failure.reason = toQt(error.description());
+    outcome->failure.line = error.line();
   } catch (const std::bad_alloc&) {
     outcome->failure.reason = tr("There is not enough memory for this drawing.");
     outcome->failure.advice = tr("Close other programs, or split the drawing.");
@@ -133,9 +128,6 @@ void DrawingLoader::finish(std::uint64_t run, const std::shared_ptr<Outcome>& ou
   }
   LoadFailure& failure = outcome->failure;
   failure.path = path_;
-  failure.line = lineOf(failure.reason);
-  constexpr QLatin1String kSpeaker("landxml: ");
-  if (failure.reason.startsWith(kSpeaker)) failure.reason.remove(0, kSpeaker.size());
   if (failure.advice.isEmpty()) failure.advice = adviceFor(path_, failure.line);
   Q_EMIT failed(failure);
 }

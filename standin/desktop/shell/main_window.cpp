@@ -717,6 +717,7 @@ bool MainWindow::saveTo(const QString& target) {
   const std::string sourcePath = QFile::encodeName(from).toStdString();
   const std::string targetPath = QFile::encodeName(target).toStdString();
   QString problem;
+  bool isCancelled = false;
   {
     const LongWork::Run run(*work_, tr("Saving %1").arg(QFileInfo(target).fileName()));
     updateState();
@@ -730,20 +731,23 @@ bool MainWindow::saveTo(const QString& target) {
         drawing.file = landxml::saveDrawing(drawing, sourcePath, targetPath, options);
         drawing.path = targetPath;
       });
+    } catch (const landxml::Cancelled&) {
+      isCancelled = true;
     } catch (const landxml::SaveError& error) {
-      problem = toQt(std::string(error.what()));
+      // The user knows what was opened by its path, whatever it was read under.
+      problem = toQt(error.file() == sourcePath ? error.description(toUtf8(path)) : error.description());
     } catch (const std::exception& error) {
       problem = toQt(std::string(error.what()));
     }
   }
   updateState();
   closeIfWanted();
+  if (isCancelled) {
+    console_->print(tr("Saving %1 was cancelled; the drawing isn't saved.").arg(target));
+    return false;
+  }
   if (!problem.isEmpty()) {
-    problem.replace(from, path);
-    if (problem.contains(QStringLiteral("cancelled")))
-      console_->print(tr("Saving %1 was cancelled; the drawing isn't saved.").arg(target));
-    else if (!closing_)
-      tellSaveError(target, problem);
+    if (!closing_) tellSaveError(target, problem);
     return false;
   }
   stamp_ = stampOf(target);
@@ -759,14 +763,11 @@ bool MainWindow::saveTo(const QString& target) {
 }
 
 void MainWindow::tellSaveError(const QString& target, const QString& reason) {
-  QString words = reason;
-  constexpr QLatin1String kSpeaker("landxml: ");
-  if (words.startsWith(kSpeaker)) words.remove(0, kSpeaker.size());
-  console_->printError(tr("%1 can't be saved: %2").arg(target, words));
+  console_->printError(tr("%1 can't be saved: %2").arg(target, reason));
   QMessageBox box(QMessageBox::Critical, tr("The drawing can't be saved"),
                   tr("%1 can't be saved.").arg(QFileInfo(target).fileName()), QMessageBox::NoButton, this);
   box.setObjectName(QStringLiteral("saveFailed"));
-  box.setInformativeText(words + QStringLiteral("\n\n") +
+  box.setInformativeText(reason + QStringLiteral("\n\n") +
                          tr("The drawing stays open with its changes, and nothing was written. Save it under another "
                             "name or in another folder, or make room and try again."));
   QPushButton* const elsewhere = box.addButton(tr("Save &as…"), QMessageBox::AcceptRole);

@@ -9,13 +9,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "landxml/writer.h"
+#include "landxml/error.h"
 
 namespace lvx::landxml::detail {
 
-void failSaving(const std::string& what, const std::string& file) {
-  throw SaveError("landxml: " + what + " (" + file + ")");
-}
+void failSaving(const std::string& what, const std::string& file) { throw SaveError(what, file); }
 
 void failSaving(const std::string& what, const std::string& file, int error) {
   failSaving(what + ": " + std::strerror(error), file);

@@ -9,7 +9,7 @@
 /// Files of which never a part is seen.
 namespace lvx::landxml::detail {
 
-/// Throws SaveError: "landxml: <what> (<file>)".
+/// Throws SaveError of these fields.
 [[noreturn]] void failSaving(const std::string& what, const std::string& file);
 /// The same with the system's words for `error`.
 [[noreturn]] void failSaving(const std::string& what, const std::string& file, int error);

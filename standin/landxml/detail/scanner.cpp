@@ -121,7 +121,7 @@ class Input {
     if (options_.progress && count > 0 && (done_ - told_ >= 4 * kBlock || told_ == 0)) {
       told_ = done_;
       const std::uint64_t total = std::max(source_.bytes->totalBytes(), done_);
-      if (!options_.progress({done_, total})) fail("cancelled", file_);
+      if (!options_.progress({done_, total})) throw Cancelled(file_);
     }
   }
 

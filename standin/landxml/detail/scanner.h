@@ -67,7 +67,8 @@ enum class ScanMode : std::uint8_t {
   Locate
 };
 
-/// Throws ReadError: not XML, not LandXML, cut off, a document type, an entity that isn't defined, cancelled.
+/// Throws ReadError: not XML, not LandXML, cut off, a document type, an entity that isn't defined. Throws
+/// Cancelled when the options' progress says so.
 [[nodiscard]] ScannedDocument scanDocument(std::unique_ptr<ByteSource> bytes, const std::string& file,
                                            const ReadOptions& options, ScanMode mode = ScanMode::Read);
 

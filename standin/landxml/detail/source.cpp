@@ -14,9 +14,7 @@
 
 namespace lvx::landxml::detail {
 
-void fail(const std::string& what, const std::string& file, std::size_t line) {
-  throw ReadError("landxml: " + what + " (" + file + (line > 0 ? ":" + std::to_string(line) : "") + ")");
-}
+void fail(const std::string& what, const std::string& file, std::size_t line) { throw ReadError(what, file, line); }
 
 namespace {
 

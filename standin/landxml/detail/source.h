@@ -13,7 +13,7 @@
 /// Bytes of a drawing and what its encoding makes of them.
 namespace lvx::landxml::detail {
 
-/// Throws ReadError: "landxml: <what> (<file>:<line>)"; line 0 leaves the line out.
+/// Throws ReadError of these fields; line 0: none.
 [[noreturn]] void fail(const std::string& what, const std::string& file, std::size_t line = 0);
 
 /// Where the bytes come from.
