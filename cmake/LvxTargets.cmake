@@ -40,7 +40,7 @@ if(LVX_COVERAGE)
 endif()
 
 # Where a folder's headers are included from: its path below the first level of the tree ("standin/desktop/plan" is
-# included as "desktop/plan/…").
+# included as "desktop/plan/…"). AS names another path, for a folder that would share it with a different one.
 function(_lvx_include_path folder result)
   string(FIND "${folder}" "/" slash)
   math(EXPR first "${slash} + 1")
@@ -49,9 +49,8 @@ function(_lvx_include_path folder result)
 endfunction()
 
 # Two include directories for a folder, each of which holds this folder and no other: one that shows all of it, for its
-# own sources, and one without its detail/, for everybody else. Gives their paths.
-function(_lvx_include_roots target folder inside outside)
-  _lvx_include_path("${folder}" path)
+# own sources, and one without its detail/, for everybody else. Gives their roots.
+function(_lvx_include_roots target folder path inside outside)
   set(own "${PROJECT_BINARY_DIR}/include/${target}/inside")
   get_filename_component(parent "${own}/${path}" DIRECTORY)
   file(MAKE_DIRECTORY "${parent}")
@@ -89,7 +88,7 @@ endfunction()
 
 # The static library lvx_NAME of a folder. INCLUDE names further folders that its own sources may include (pictures).
 function(lvx_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER" "SOURCES;PUBLIC;PRIVATE;INCLUDE")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER;AS" "SOURCES;PUBLIC;PRIVATE;INCLUDE")
   set(target lvx_${name})
   get_property(taken GLOBAL PROPERTY "LVX_FOLDER_${arg_FOLDER}")
   if(taken)
@@ -97,7 +96,11 @@ function(lvx_library name)
   endif()
   set_property(GLOBAL PROPERTY "LVX_FOLDER_${arg_FOLDER}" ${target})
 
-  _lvx_include_roots(${target} "${arg_FOLDER}" inside outside)
+  set(path "${arg_AS}")
+  if(NOT path)
+    _lvx_include_path("${arg_FOLDER}" path)
+  endif()
+  _lvx_include_roots(${target} "${arg_FOLDER}" "${path}" inside outside)
   if(arg_SOURCES)
     add_library(${target} STATIC ${arg_SOURCES})
     set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON LVX_INSIDE "${inside}")

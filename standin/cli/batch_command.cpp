@@ -13,15 +13,19 @@
 #include <thread>
 #include <vector>
 
-#include "cli/child_process.h"
 #include "cli/failure.h"
-#include "cli/interruption.h"
 #include "cli/job_file.h"
 #include "cli/terminal.h"
 #include "runtime/installation.h"
 #include "runtime/open_drawing.h"
+#include "standin_platform/child_process.h"
+#include "standin_platform/interruption.h"
 
 namespace lvx::cli {
+
+using standin_platform::ChildProcess;
+using standin_platform::ChildResult;
+using standin_platform::isInterrupted;
 
 namespace {
 

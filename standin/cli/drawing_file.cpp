@@ -4,13 +4,15 @@
 #include <new>
 
 #include "cli/failure.h"
-#include "cli/interruption.h"
 #include "cli/terminal.h"
 #include "landxml/reader.h"
 #include "landxml/writer.h"
 #include "runtime/open_drawing.h"
+#include "standin_platform/interruption.h"
 
 namespace lvx::cli {
+
+using standin_platform::isInterrupted;
 
 civil::Drawing loadDrawing(const std::string& path, ProgressMode progress) {
   ProgressLine line(progress, "reading " + path);

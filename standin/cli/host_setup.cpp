@@ -3,15 +3,15 @@
 #include <stdexcept>
 
 #include "cli/failure.h"
-#include "cli/interruption.h"
 #include "cli/terminal.h"
+#include "standin_platform/interruption.h"
 
 namespace lvx::cli {
 
 std::unique_ptr<runtime::StandinHost> makeHost(runtime::FrontEnd& frontEnd, const CommonOptions& options) {
   try {
     runtime::HostOptions setup = runtime::hostOptions(hostChoices(options));
-    setup.isInterrupted = isInterrupted;
+    setup.isInterrupted = standin_platform::isInterrupted;
     setup.startProgress = [mode = options.progressMode()](const std::string& work) {
       return [line = std::make_shared<ProgressLine>(mode, work)](std::uint64_t done, std::uint64_t total) {
         line->update(done, total);

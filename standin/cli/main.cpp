@@ -7,13 +7,14 @@
 #include "cli/failure.h"
 #include "cli/gls_command.h"
 #include "cli/info_command.h"
-#include "cli/interruption.h"
 #include "cli/options.h"
 #include "cli/play_command.h"
 #include "cli/points_command.h"
 #include "cli/projection_command.h"
 #include "cli/terminal.h"
 #include "runtime/open_drawing.h"
+#include "standin_platform/interruption.h"
+#include "standin_platform/standard_streams.h"
 
 namespace lvx::cli {
 namespace {
@@ -263,8 +264,8 @@ int run(int argc, char** argv) {
 }
 
 int runGuarded(int argc, char** argv) {
-  guardStandardStreams();
-  watchSignals();
+  standin_platform::guardStandardStreams();
+  standin_platform::watchInterruption();
   try {
     return run(argc, argv);
   } catch (const Failure& failure) {

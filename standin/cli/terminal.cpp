@@ -1,25 +1,16 @@
 #include "cli/terminal.h"
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include "cli/failure.h"
+#include "standin_platform/standard_streams.h"
 
 namespace lvx::cli {
 
-void guardStandardStreams() {
-  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    if (::fcntl(descriptor, F_GETFD) != -1) continue;
-    // The lowest free number is the closed one. Opened the wrong way round, so that using it is an error.
-    const int wrongWay = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
-    [[maybe_unused]] const int opened = ::open("/dev/null", wrongWay);
-  }
-}
+using standin_platform::isTerminal;
+using standin_platform::StandardStream;
 
 void tell(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); }
 
@@ -34,7 +25,7 @@ void finishOutput() {
                                  (errno == 0 ? "an earlier write failed" : std::strerror(errno)));
 }
 
-bool isInteractive() { return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1; }
+bool isInteractive() { return isTerminal(StandardStream::Input) && isTerminal(StandardStream::Errors); }
 
 std::string ask(std::string_view question) {
   tell(question);
@@ -47,7 +38,7 @@ std::string ask(std::string_view question) {
 ProgressLine::ProgressLine(ProgressMode mode, std::string label)
     : mode_(mode),
       label_(std::move(label)),
-      terminal_(::isatty(STDERR_FILENO) == 1),
+      terminal_(isTerminal(StandardStream::Errors)),
       start_(std::chrono::steady_clock::now()) {}
 
 ProgressLine::~ProgressLine() {

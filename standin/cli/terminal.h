@@ -10,9 +10,6 @@
 /// Standard output and standard error: results on the one, words and progress on the other.
 namespace lvx::cli {
 
-/// Puts something behind standard streams that are closed, so that no file of ours gets their number.
-void guardStandardStreams();
-
 /// One line on standard error, "lvxhost: …".
 void say(std::string_view sentence);
 /// The same without the name in front: questions, the console of a command.

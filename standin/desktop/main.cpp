@@ -2,21 +2,17 @@
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <QLocale>
-#include <QSocketNotifier>
 #include <chrono>
 #include <clocale>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include "desktop/common/qt_text.h"
 #include "desktop/shell/desktop_options.h"
 #include "desktop/shell/main_window.h"
+#include "standin_platform/interruption.h"
 
 namespace lvx::desktop {
 namespace {
@@ -124,27 +120,6 @@ void onMessageWhileStarting(QtMsgType type, const QMessageLogContext&, const QSt
   std::_Exit(kNoDisplay);
 }
 
-int signalPipe[2] = {-1, -1};
-
-extern "C" void passSignalOn(int) {
-  const char byte = 1;
-  [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
-}
-
-/// Ends the program as by closing its window, without questions: whoever sends a signal answers none.
-void leaveBySignal(MainWindow& window) {
-  if (::pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) return;
-  auto* const notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, &window);
-  QObject::connect(notifier, &QSocketNotifier::activated, &window, [&window, notifier] {
-    notifier->setEnabled(false);
-    window.leaveNow();
-  });
-  struct sigaction action {};
-  action.sa_handler = passSignalOn;
-  action.sa_flags = static_cast<int>(SA_RESETHAND);  // a second one ends it at once
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaction(signal, &action, nullptr);
-}
-
 bool isSet(const char* variable) {
   const char* const value = std::getenv(variable);
   return value != nullptr && *value != '\0';
@@ -191,7 +166,9 @@ int run(int argc, char** argv) {
         std::fprintf(stderr, "lvxhost-desktop: the drawing is on the screen after %lld ms\n",
                      static_cast<long long>(std::chrono::duration_cast<std::chrono::milliseconds>(passed).count()));
       });
-    leaveBySignal(window);
+    // Ends the program as by closing its window, without questions: whoever sends a signal answers none.
+    const standin_platform::InterruptionListener listener(
+        [&window] { QMetaObject::invokeMethod(&window, &MainWindow::leaveNow, Qt::QueuedConnection); });
     window.show();
     return QApplication::exec();
   } catch (const std::invalid_argument& error) {

@@ -65,7 +65,7 @@ civil::FileMark saveDrawing(civil::Drawing& drawing, const std::string& sourcePa
   FileEditor editor(source, trace, targetPath);
   writeChanges(drawing, stored, trace, editor, targetPath);
 
-  const bool isOwnFile = SafeFile::leadsTo(targetPath, source.identity());
+  const bool isOwnFile = SafeFile::leadsTo(targetPath, source.stamp());
   if (editor.isUnchanged() && isOwnFile) return read;
   SafeFile target(targetPath);
   ContentHash copied;

@@ -2,14 +2,16 @@
 
 #include <system_error>
 
+#include "standin_platform/program_file.h"
+
 namespace lvx::runtime {
 
 namespace fs = std::filesystem;
 
 fs::path programFile() {
+  if (const auto program = standin_platform::programFile()) return *program;
   std::error_code error;
-  const fs::path program = fs::read_symlink("/proc/self/exe", error);
-  return error ? fs::current_path(error) / "lvxhost" : program;
+  return fs::current_path(error) / "lvxhost";
 }
 
 fs::path programFolder() { return programFile().parent_path(); }

@@ -2,14 +2,16 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <sstream>
 #include <utility>
 
-#include <dlfcn.h>
-
-#include "platform/posix/c_locale.h"
+#include "standin_platform/dynamic_library.h"
 
 namespace lvx::runtime {
+
+using standin_platform::DynamicLibrary;
+using standin_platform::DynamicLibraryError;
 
 namespace {
 
@@ -25,26 +27,21 @@ constexpr std::uint32_t kUnloadDrawingMessage = 4;
   throw ModuleError("module: " + file.string() + ": " + what);
 }
 
-std::string lastLoaderWord() {
-  const char* word = dlerror();
-  return word == nullptr ? "the system's loader gives no reason" : word;
-}
-
-/// The loader's word for a missing companion is "LIBRARY: cannot open shared object file: …".
-std::string explained(const std::string& word, const std::filesystem::path& file) {
-  if (word.find("cannot open shared object file") != std::string::npos) {
-    const std::string library = word.substr(0, word.find(':'));
-    if (std::filesystem::path(library).filename() != file.filename())
-      return "it needs '" + library + "', which isn't beside it or can't be read";
+std::string explained(const DynamicLibraryError& error) {
+  switch (error.problem()) {
+    case DynamicLibraryError::Problem::MissingLibrary:
+      return "it needs '" + error.missing() + "', which isn't beside it or can't be read";
+    case DynamicLibraryError::Problem::WrongFormat:
+      return std::string("it is no module for this system (") + error.what() + ")";
+    case DynamicLibraryError::Problem::Other:
+      break;
   }
-  if (word.find("invalid ELF header") != std::string::npos || word.find("file too short") != std::string::npos)
-    return "it is no module for this system (" + word + ")";
-  return word;
+  return error.what();
 }
 
 template <class Function>
-Function exported(void* library, const char* name, const std::filesystem::path& file) {
-  void* symbol = dlsym(library, name);
+Function exported(const DynamicLibrary& library, const char* name, const std::filesystem::path& file) {
+  void* symbol = library.find(name);
   if (symbol == nullptr) fail(file, std::string("it is no module: it doesn't export '") + name + "'");
   return reinterpret_cast<Function>(symbol);
 }
@@ -54,10 +51,6 @@ std::string hex(std::uint32_t value) {
   text << "0x" << std::hex << value;
   return text.str();
 }
-
-struct LibraryCloser {
-  void operator()(void* library) const noexcept { dlclose(library); }
-};
 
 }  // namespace
 
@@ -85,7 +78,7 @@ struct LoadedModule::Guard {
     }
   }
 
-  std::unique_ptr<void, LibraryCloser> library;
+  std::optional<DynamicLibrary> library;
   std::filesystem::path file;
   EntryPoint entry = nullptr;
   std::function<void(const void*)> forget;
@@ -102,13 +95,13 @@ LoadedModule LoadedModule::load(const std::filesystem::path& file, std::function
   if (!std::filesystem::exists(file, error)) fail(file, "there is no such file");
   if (!std::filesystem::is_regular_file(file, error)) fail(file, "it is no file");
 
-  // The loader's words are looked into below, so they are to be its own and not a translation.
-  const platform::CLocaleScope ownWords;
-  // An absolute path, so that the loader doesn't search its own folders for a bare name.
-  guard->library.reset(dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL));
-  if (!guard->library) fail(file, explained(lastLoaderWord(), file));
-  const auto version = exported<ApiVersion>(guard->library.get(), "vnrxGetApiVersion", file);
-  guard->entry = exported<EntryPoint>(guard->library.get(), "vnrxEntryPoint", file);
+  try {
+    guard->library.emplace(file);
+  } catch (const DynamicLibraryError& problem) {
+    fail(file, explained(problem));
+  }
+  const auto version = exported<ApiVersion>(*guard->library, "vnrxGetApiVersion", file);
+  guard->entry = exported<EntryPoint>(*guard->library, "vnrxEntryPoint", file);
 
   std::uint32_t built = 0;
   version(&built);

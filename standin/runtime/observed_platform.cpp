@@ -1,112 +1,78 @@
 #include "runtime/observed_platform.h"
 
-#include <array>
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
+#include <cstdint>
 #include <cstring>
 #include <exception>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include "platform/posix/posix_platform.h"
+#include "standin_platform/atomic_file.h"
+#include "standin_platform/sink_stream.h"
 
 namespace lvx::runtime {
 
 using platform::CString;
 using platform::FileHandle;
+using standin_platform::AtomicFile;
+using standin_platform::AtomicFileError;
 
 namespace {
 
 /// A file on its way, behind the stream that the module writes to.
-struct Writing {
-  FileJournal& journal;
-  const std::function<bool()>& isInterrupted;
-  std::string path;    ///< as the module named it
-  std::string target;  ///< where links lead
-  std::string draft;   ///< grows beside the target; empty: written in place
-  int descriptor = -1;
-  int exceptionsAtOpening = 0;
-  int error = 0;
-  std::uint64_t bytes = 0;
-};
+class Writing final : public standin_platform::ByteSink {
+ public:
+  /// Throws AtomicFileError.
+  Writing(FileJournal& journal, const std::function<bool()>& isInterrupted, std::string path)
+      : journal_(journal),
+        isInterrupted_(isInterrupted),
+        path_(std::move(path)),
+        file_(path_, {.writesInPlace = true}),
+        exceptionsAtOpening_(std::uncaught_exceptions()) {}
 
-ssize_t writeSome(void* cookie, const char* data, std::size_t size) {
-  auto& writing = *static_cast<Writing*>(cookie);
-  std::size_t done = 0;
-  while (done < size) {
-    const ssize_t count = ::write(writing.descriptor, data + done, size - done);
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) {
-      if (writing.error == 0) writing.error = count < 0 ? errno : EIO;
-      return 0;  // what the C library takes as a write error
+  [[nodiscard]] bool write(std::string_view bytes) noexcept override {
+    try {
+      file_.write(bytes);
+    } catch (const AtomicFileError& error) {
+      if (!error_) error_ = error.reason();
+      return false;
     }
-    done += static_cast<std::size_t>(count);
+    bytes_ += bytes.size();
+    return true;
   }
-  writing.bytes += size;
-  return static_cast<ssize_t>(size);
-}
 
-int closeFile(void* cookie) {
-  const std::unique_ptr<Writing> writing(static_cast<Writing*>(cookie));
-  if (::close(writing->descriptor) != 0 && writing->error == 0) writing->error = errno;
-  std::string reason;
-  if (writing->error != 0)
-    reason = std::strerror(writing->error);
-  else if (std::uncaught_exceptions() > writing->exceptionsAtOpening)
-    reason = "its writer ended by an exception";
-  else if (writing->isInterrupted && writing->isInterrupted())
-    reason = "interrupted";
-  if (!writing->draft.empty()) {
-    if (reason.empty() && std::rename(writing->draft.c_str(), writing->target.c_str()) != 0)
-      reason = std::strerror(errno);
-    if (!reason.empty()) ::unlink(writing->draft.c_str());
+  [[nodiscard]] bool close() noexcept override {
+    const std::string reason = finish();
+    const bool written = reason.empty();
+    journal_.add({written ? FileFate::Written : FileFate::Failed, path_, bytes_, reason});
+    return written;
   }
-  const bool written = reason.empty();
-  writing->journal.add({written ? FileFate::Written : FileFate::Failed, writing->path, writing->bytes, reason});
-  return written ? 0 : EOF;
-}
 
-/// The file that links lead to; the path itself where there is nothing yet.
-std::string resolved(const std::string& path) {
-  const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
-  return real ? std::string(real.get()) : path;
-}
+ private:
+  /// Puts the file into place; gives why it doesn't get there.
+  [[nodiscard]] std::string finish() {
+    if (error_) return error_.message();
+    if (std::uncaught_exceptions() > exceptionsAtOpening_) return "its writer ended by an exception";
+    if (isInterrupted_ && isInterrupted_()) return "interrupted";
+    try {
+      file_.commit();
+    } catch (const AtomicFileError& error) {
+      return error.reason().message();
+    }
+    return {};
+  }
 
-/// Opens the descriptor that the bytes go to; on failure it stays -1 and errno says why.
-void openDescriptor(Writing& writing) {
-  constexpr mode_t kNewFileMode = 0666;
-  constexpr mode_t kPermissions = 07777;
-  struct stat status {};
-  const bool stands = ::stat(writing.path.c_str(), &status) == 0;
-  if (stands && !S_ISREG(status.st_mode)) {
-    writing.descriptor = ::open(writing.path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
-    return;
-  }
-  if (stands) {
-    const int probe = ::open(writing.path.c_str(), O_WRONLY | O_CLOEXEC);
-    if (probe < 0) return;
-    ::close(probe);
-  }
-  writing.target = resolved(writing.path);
-  const std::size_t mark = writing.target.rfind('/');
-  const std::string folder = mark == std::string::npos ? std::string() : writing.target.substr(0, mark + 1);
-  std::string draft = folder + ".lvx-XXXXXX";
-  writing.descriptor = ::mkostemp(draft.data(), O_CLOEXEC);
-  if (writing.descriptor >= 0) {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    ::fchmod(writing.descriptor, stands ? status.st_mode & kPermissions : kNewFileMode & ~mask);
-    writing.draft = std::move(draft);
-  } else if (stands) {
-    writing.descriptor = ::open(writing.target.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
-  }
-}
+  FileJournal& journal_;
+  const std::function<bool()>& isInterrupted_;
+  std::string path_;  ///< as the module named it
+  AtomicFile file_;
+  int exceptionsAtOpening_;
+  std::error_code error_;
+  std::uint64_t bytes_ = 0;
+};
 
 }  // namespace
 
@@ -115,27 +81,18 @@ ObservedPlatform::ObservedPlatform(platform::Platform& inner, FileJournal& journ
 
 FileHandle ObservedPlatform::openFile(const CString& path, const char* mode) {
   if (mode == nullptr || mode[0] != 'w') return inner_.openFile(path, mode);
-  auto writing = std::make_unique<Writing>(Writing{journal_, isInterrupted_, platform::toUtf8(path), {}, {}});
-  writing->exceptionsAtOpening = std::uncaught_exceptions();
-  openDescriptor(*writing);
-  if (writing->descriptor < 0) {
-    const int error = errno;
-    journal_.add({FileFate::Failed, writing->path, 0, std::strerror(error)});
-    errno = error;
+  const std::string name = platform::toUtf8(path);
+  std::unique_ptr<Writing> writing;
+  try {
+    writing = std::make_unique<Writing>(journal_, isInterrupted_, name);
+  } catch (const AtomicFileError& error) {
+    journal_.add({FileFate::Failed, name, 0, error.reason() ? error.reason().message() : error.what()});
+    errno = error.reason().value();
     return nullptr;
   }
-  const cookie_io_functions_t functions{nullptr, writeSome, nullptr, closeFile};
-  std::FILE* stream = ::fopencookie(writing.get(), "w", functions);
-  if (stream == nullptr) {
-    ::close(writing->descriptor);
-    if (!writing->draft.empty()) ::unlink(writing->draft.c_str());
-    journal_.add({FileFate::Failed, writing->path, 0, "out of memory"});
-    return nullptr;
-  }
-  [[maybe_unused]] Writing* const ownedByStream = writing.release();
-  constexpr std::size_t kBufferSize = 1 << 16;
-  std::setvbuf(stream, nullptr, _IOFBF, kBufferSize);
-  return FileHandle(stream);
+  FileHandle stream(standin_platform::openSinkStream(std::move(writing)));
+  if (!stream) journal_.add({FileFate::Failed, name, 0, "out of memory"});
+  return stream;
 }
 
 bool ObservedPlatform::exists(const CString& path) {

@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -14,8 +14,10 @@
 #include <xlsxwriter.h>
 
 #include "framework/exceptions.h"
-#include "platform/posix/c_locale.h"
 #include "platform/posix/posix_platform.h"
+#include "standin_platform/atomic_file.h"
+#include "standin_platform/c_locale_scope.h"
+#include "standin_platform/temporary_stream.h"
 #include "workbook/detail/cell_text.h"
 #include "workbook/detail/row_log.h"
 
@@ -26,6 +28,8 @@ namespace {
 using detail::CellKind;
 using detail::CellValue;
 using framework::AutomationException;
+using standin_platform::AtomicFile;
+using standin_platform::AtomicFileError;
 
 constexpr const char* kCantWrite = "workbook: the file can't be written to its folder; the disk may be full";
 
@@ -33,45 +37,6 @@ struct WorkbookDeleter {
   void operator()(lxw_workbook* book) const noexcept { lxw_workbook_free(book); }
 };
 using WorkbookHandle = std::unique_ptr<lxw_workbook, WorkbookDeleter>;
-
-/// A file beside `target` under a name that nobody has; removed at the end unless it got its own name.
-class FileOnTheWay {
- public:
-  explicit FileOnTheWay(std::filesystem::path target) : target_(std::move(target)) {
-    const std::filesystem::path folder = target_.parent_path();
-    for (int attempt = 0; attempt < 1000; ++attempt) {
-      path_ = folder / (".lvx-workbook-" + std::to_string(attempt) + ".tmp");
-      if (std::FILE* made = std::fopen(path_.c_str(), "wx")) {
-        std::fclose(made);
-        return;
-      }
-      if (errno != EEXIST) break;
-    }
-    throw AutomationException("workbook: no file can be made in its folder");
-  }
-  FileOnTheWay(const FileOnTheWay&) = delete;
-  FileOnTheWay& operator=(const FileOnTheWay&) = delete;
-  ~FileOnTheWay() {
-    std::error_code ignored;
-    if (!path_.empty()) std::filesystem::remove(path_, ignored);
-  }
-
-  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-  [[nodiscard]] std::string folder() const {
-    const auto folder = target_.parent_path();
-    return folder.empty() ? "." : folder.string();
-  }
-  void takeName() {
-    std::error_code error;
-    std::filesystem::rename(path_, target_, error);
-    if (error) throw AutomationException("workbook: the file can't take its name");
-    path_.clear();
-  }
-
- private:
-  std::filesystem::path target_;
-  std::filesystem::path path_;
-};
 
 /// SOURCE_DATE_EPOCH, or 0 for the present.
 std::time_t creationMoment() {
@@ -210,17 +175,24 @@ void WorkbookSheet::finish(const host::CString& path) {
   std::unique_ptr<State> state = std::move(state_);
 
   // The library prints numbers by the thread's locale, and a workbook knows only the point.
-  const platform::CLocaleScope pointAsDecimalSign;
-  FileOnTheWay file(platform::toUtf8(path));
+  const standin_platform::CLocaleScope pointAsDecimalSign;
+  const std::filesystem::path target(platform::toUtf8(path));
+  std::optional<AtomicFile> file;
+  try {
+    file.emplace(target, standin_platform::AtomicFilePolicy{.keepsTarget = false});
+  } catch (const AtomicFileError&) {
+    throw AutomationException("workbook: no file can be made in its folder");
+  }
+  const std::filesystem::path archive = file->lend();
   // The library's temporary files lie in the same folder: a disk that is too full for them is too full for the archive,
   // whose writing is checked.
-  std::string folder = file.folder();
+  std::string folder = target.has_parent_path() ? target.parent_path().string() : ".";
   // A cell takes up to 60 characters beside its text, a character of a text up to 7. Archives beyond 4 GB need another
   // format, which older readers refuse, so it is taken only then.
   const std::uint64_t mostBytes = 60 * state->log.cells() + 7 * (state->log.textBytes() + state->lateBytes);
   lxw_workbook_options options{LXW_TRUE, folder.data(),
                                static_cast<std::uint8_t>(mostBytes > 0xF0000000U ? LXW_TRUE : LXW_FALSE)};
-  WorkbookHandle book(workbook_new_opt(file.path().c_str(), &options));
+  WorkbookHandle book(workbook_new_opt(archive.c_str(), &options));
   lxw_worksheet* sheet = book ? workbook_add_worksheet(book.get(), nullptr) : nullptr;
   lxw_format* threeDecimals = book ? workbook_add_format(book.get()) : nullptr;
   if (sheet == nullptr || threeDecimals == nullptr) throw AutomationException(kCantWrite);
@@ -237,10 +209,14 @@ void WorkbookSheet::finish(const host::CString& path) {
   lxw_worksheet_write_single_row(sheet);  // the last row still waits in the library
   if (std::fflush(sheet->optimize_tmpfile) != 0 || std::ferror(sheet->optimize_tmpfile) != 0)
     throw AutomationException(kCantWrite);
-  const auto rowBytes = static_cast<std::uint64_t>(ftello(sheet->optimize_tmpfile));
+  const auto rowBytes = standin_platform::placeIn(sheet->optimize_tmpfile);
   check(workbook_close(book.release()));
-  if (!holdsAllRows(file.path(), rowBytes)) throw AutomationException(kCantWrite);
-  file.takeName();
+  if (!holdsAllRows(archive, rowBytes)) throw AutomationException(kCantWrite);
+  try {
+    file->commit();
+  } catch (const AtomicFileError&) {
+    throw AutomationException("workbook: the file can't take its name");
+  }
 }
 
 }  // namespace lvx::workbook

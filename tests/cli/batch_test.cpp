@@ -8,7 +8,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "cli/child_process.h"
 #include "cli/failure.h"
 #include "cli/job_file.h"
 #include "support/golden.h"
@@ -81,25 +80,6 @@ TEST(JobFile, NamesTheLineThatIsNoJob) {
       {R"({"command": "points", "drawing": "b.xml", "out": "./a"})", "jobs.jsonl:2: writes the same files as line 1"},
   };
   for (const Row& row : table) EXPECT_THAT(failureOf(good + "\n" + row.line), HasSubstr(row.words)) << row.line;
-}
-
-// ---------------------------------------------------------------- processes
-
-TEST(ChildProcess, GivesCodeAndBothStreams) {
-  ChildProcess child;
-  const ChildResult result = child.run("/bin/sh", {"-c", "cat; echo out; echo err >&2; exit 7"});
-  EXPECT_EQ(result.exitCode, 7);
-  EXPECT_EQ(result.output, "out\n");
-  EXPECT_EQ(result.errors, "err\n");
-}
-
-TEST(ChildProcess, TellsOfASignalAndOfAProgramThatIsNotThere) {
-  ChildProcess child;
-  EXPECT_EQ(child.run("/bin/sh", {"-c", "kill -9 $$"}).exitCode, 137);
-  const ChildResult missing = child.run("/nowhere/program", {});
-  EXPECT_EQ(missing.exitCode, 127);
-  EXPECT_THAT(missing.errors, HasSubstr("/nowhere/program"));
-  child.interrupt();  // nothing runs: nothing happens
 }
 
 // ---------------------------------------------------------------- the program

@@ -1,18 +1,13 @@
 #pragma once
 
 #include <QString>
-#include <cstdint>
 #include <optional>
+
+#include "standin_platform/file_stamp.h"
 
 namespace lvx::desktop {
 
-/// What tells that a file was changed without reading it: size, moment of the last change, and which file it is.
-struct FileStamp {
-  std::uint64_t size = 0;
-  std::int64_t changed = 0;  ///< nanoseconds
-  std::uint64_t file = 0;    ///< inode
-  friend bool operator==(const FileStamp&, const FileStamp&) = default;
-};
+using standin_platform::FileStamp;
 
 /// Empty where there is no such file.
 [[nodiscard]] std::optional<FileStamp> stampOf(const QString& path);

@@ -51,6 +51,7 @@
 #include "desktop/shell/long_work.h"
 #include "landxml/writer.h"
 #include "runtime/installation.h"
+#include "standin_platform/held_file.h"
 #include "view/number_text.h"
 #include "view/plan_scene.h"
 
@@ -626,8 +627,7 @@ void MainWindow::take(const LoadedDrawing& loaded) {
   scene_ = loaded.scene;
   stamp_ = loaded.stamp;
   const QString path = drawingPath();
-  source_ = std::make_unique<QFile>(path);
-  if (!source_->open(QIODevice::ReadOnly)) source_.reset();
+  source_ = std::make_unique<standin_platform::HeldFile>(QFile::encodeName(path).toStdString());
   watch_->watch(path, stamp_);
 
   const civil::Drawing& drawing = session_->drawing()->drawing();
@@ -713,7 +713,8 @@ bool MainWindow::saveTo(const QString& target) {
     return false;
   }
   // Where the name leads elsewhere by now, what was opened is still held.
-  const QString from = now == stamp_ || !source_ ? path : QStringLiteral("/proc/self/fd/%1").arg(source_->handle());
+  const auto held = source_ ? source_->path() : std::nullopt;
+  const QString from = now == stamp_ || !held ? path : QFile::decodeName(QByteArray::fromStdString(held->string()));
   const std::string sourcePath = QFile::encodeName(from).toStdString();
   const std::string targetPath = QFile::encodeName(target).toStdString();
   QString problem;
@@ -751,8 +752,7 @@ bool MainWindow::saveTo(const QString& target) {
     return false;
   }
   stamp_ = stampOf(target);
-  source_ = std::make_unique<QFile>(target);
-  if (!source_->open(QIODevice::ReadOnly)) source_.reset();
+  source_ = std::make_unique<standin_platform::HeldFile>(targetPath);
   watch_->watch(target, stamp_);
   notice_->hide();
   diagnostics_->setDrawing(&session_->drawing()->drawing());

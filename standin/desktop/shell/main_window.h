@@ -15,11 +15,14 @@
 class QAction;
 class QActionGroup;
 class QDockWidget;
-class QFile;
 class QLabel;
 class QMenu;
 class QSettings;
 class QShortcut;
+
+namespace lvx::standin_platform {
+class HeldFile;
+}
 
 namespace lvx::desktop {
 
@@ -162,7 +165,7 @@ class MainWindow : public QMainWindow {
   /// Points into the session's drawing.
   std::shared_ptr<view::PlanScene> scene_;
   /// The drawing's file, held open: what is saved comes from it even where its name now leads elsewhere.
-  std::unique_ptr<QFile> source_;
+  std::unique_ptr<standin_platform::HeldFile> source_;
   std::optional<FileStamp> stamp_;
   std::unique_ptr<DrawingWatch> watch_;
   std::unique_ptr<DrawingLoader> loader_;

@@ -2,17 +2,18 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
+#include <optional>
+#include <system_error>
 #include <utility>
 
-#include <iconv.h>
-#include <sys/stat.h>
-
 #include "landxml/detail/numbers.h"
+#include "standin_platform/input_file.h"
+#include "standin_platform/text_converter.h"
 
 namespace lvx::landxml::detail {
+
+using standin_platform::InputFile;
+using standin_platform::TextConverter;
 
 void fail(const std::string& what, const std::string& file, std::size_t line) { throw ReadError(what, file, line); }
 
@@ -20,21 +21,20 @@ namespace {
 
 class FileSource : public ByteSource {
  public:
-  FileSource(const std::string& path, civil::FileMark* mark)
-      : path_(path), file_(std::fopen(path.c_str(), "rb")), mark_(mark) {
-    if (!file_) fail(std::string("can't open the file: ") + std::strerror(errno), path);
-    struct stat info {};
-    if (fstat(fileno(file_.get()), &info) == 0) {
-      if (S_ISDIR(info.st_mode)) fail("can't read the file: it is a folder", path);
-      total_ = static_cast<std::uint64_t>(info.st_size);
+  FileSource(const std::string& path, civil::FileMark* mark) : path_(path), mark_(mark) {
+    try {
+      file_.emplace(path);
+    } catch (const std::system_error& error) {
+      fail("can't open the file: " + error.code().message(), path);
     }
-    // The scanner reads in large blocks; a second buffer would only copy.
-    std::setvbuf(file_.get(), nullptr, _IONBF, 0);
+    if (file_->kind() == InputFile::Kind::Folder) fail("can't read the file: it is a folder", path);
   }
   std::size_t read(char* to, std::size_t size) override {
-    const std::size_t count = std::fread(to, 1, size, file_.get());
-    if (count < size && std::ferror(file_.get())) {
-      fail(std::string("can't read the file: ") + std::strerror(errno), path_);
+    std::size_t count = 0;
+    try {
+      count = file_->read(to, size);
+    } catch (const std::system_error& error) {
+      fail("can't read the file: " + error.code().message(), path_);
     }
     if (mark_ != nullptr) {
       hash_.add({to, count});
@@ -42,15 +42,11 @@ class FileSource : public ByteSource {
     }
     return count;
   }
-  [[nodiscard]] std::uint64_t totalBytes() const override { return total_; }
+  [[nodiscard]] std::uint64_t totalBytes() const override { return file_->stamp().size; }
 
  private:
-  struct Close {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-  };
   std::string path_;
-  std::unique_ptr<std::FILE, Close> file_;
-  std::uint64_t total_ = 0;
+  std::optional<InputFile> file_;
   civil::FileMark* mark_;
   ContentHash hash_;
 };
@@ -70,53 +66,22 @@ class TextSource : public ByteSource {
   std::uint64_t total_;
 };
 
-class Converter {
- public:
-  explicit Converter(const std::string& encoding) : handle_(iconv_open("UTF-8", encoding.c_str())) {}
-  Converter(const Converter&) = delete;
-  Converter& operator=(const Converter&) = delete;
-  ~Converter() {
-    if (isKnown()) iconv_close(handle_);
-  }
-  [[nodiscard]] bool isKnown() const { return reinterpret_cast<std::intptr_t>(handle_) != -1; }
-
-  /// 0, or the errno of the first byte that can't be converted; `done` counts the bytes converted before it.
-  int convert(std::string_view from, std::string& to, std::size_t& done) {
-    iconv(handle_, nullptr, nullptr, nullptr, nullptr);
-    char* in = const_cast<char*>(from.data());  // iconv doesn't write to it
-    std::size_t inLeft = from.size();
-    std::array<char, 65536> block{};
-    int error = 0;
-    while (inLeft > 0 && error == 0) {
-      char* out = block.data();
-      std::size_t outLeft = block.size();
-      const std::size_t result = iconv(handle_, &in, &inLeft, &out, &outLeft);
-      to.append(block.data(), block.size() - outLeft);
-      if (result == static_cast<std::size_t>(-1) && errno != E2BIG) error = errno;
-    }
-    done = from.size() - inLeft;
-    return error;
-  }
-
- private:
-  iconv_t handle_;
-};
-
 std::string utf8OfLatin1(unsigned char byte) {
   return {static_cast<char>(0xC0U | (byte >> 6U)), static_cast<char>(0x80U | (byte & 0x3FU))};
 }
 
 /// The upper half of a one-byte encoding; null for an encoding of more bytes.
-std::shared_ptr<const std::array<std::string, 128>> upperHalfOf(Converter& converter) {
+std::shared_ptr<const std::array<std::string, 128>> upperHalfOf(TextConverter& converter) {
   auto table = std::make_shared<std::array<std::string, 128>>();
   std::size_t done = 0;
   for (int i = 0; i < 256; ++i) {
     const char byte = static_cast<char>(i);
     std::string text;
-    const int error = converter.convert({&byte, 1}, text, done);
-    if (error == EINVAL || (i < 128 && text != std::string(1, byte))) return nullptr;
+    const TextConverter::End end = converter.convert({&byte, 1}, text, done);
+    if (end == TextConverter::End::Incomplete || (i < 128 && text != std::string(1, byte))) return nullptr;
     if (i >= 128)
-      (*table)[static_cast<std::size_t>(i - 128)] = error ? utf8OfLatin1(static_cast<unsigned char>(i)) : text;
+      (*table)[static_cast<std::size_t>(i - 128)] =
+          end == TextConverter::End::Invalid ? utf8OfLatin1(static_cast<unsigned char>(i)) : text;
   }
   return table;
 }
@@ -158,7 +123,7 @@ std::unique_ptr<ByteSource> openText(std::string_view text) { return std::make_u
 
 const std::array<std::string, 128>& windows1252() {
   static const auto table = [] {
-    Converter converter("CP1252");
+    TextConverter converter("CP1252");
     auto upperHalf = converter.isKnown() ? upperHalfOf(converter) : nullptr;
     std::array<std::string, 128> result;
     for (std::size_t i = 0; i < 128; ++i) {
@@ -214,7 +179,7 @@ DecodedSource decode(std::unique_ptr<ByteSource> bytes, const std::string& file)
     wide = name;
   }
 
-  Converter converter(wide);
+  TextConverter converter(wide);
   if (!converter.isKnown()) fail("the encoding '" + shown(wide) + "' isn't known", file, 1);
   if (!wide.starts_with("UTF-")) {
     source.upperHalf = upperHalfOf(converter);
@@ -224,7 +189,7 @@ DecodedSource decode(std::unique_ptr<ByteSource> bytes, const std::string& file)
   auto text = std::make_shared<std::string>();
   text->reserve(all.size());
   std::size_t done = 0;
-  if (converter.convert(all, *text, done) != 0) {
+  if (converter.convert(all, *text, done) != TextConverter::End::Complete) {
     const auto line = 1 + static_cast<std::size_t>(std::count(text->begin(), text->end(), '\n'));
     fail("the text isn't " + shown(wide) + " (or is cut off) at byte " + std::to_string(done), file, line);
   }

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "framework/exceptions.h"
+#include "standin_platform/temporary_stream.h"
 
 namespace lvx::workbook::detail {
 
@@ -80,7 +81,7 @@ void RowLog::append(std::uint32_t number, const Row& row) {
 }
 
 void RowLog::spill() {
-  if (!file_) file_.reset(std::tmpfile());
+  if (!file_) file_.reset(standin_platform::openTemporaryStream().release());
   if (!file_ || std::fwrite(buffer_.data(), 1, buffer_.size(), file_.get()) != buffer_.size())
     throw framework::AutomationException("workbook: the system's temporary folder can't take the sheet's rows");
   buffer_.clear();

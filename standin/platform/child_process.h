@@ -1,13 +1,11 @@
 #pragma once
 
 #include <filesystem>
-#include <mutex>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include <sys/types.h>
-
-namespace lvx::cli {
+namespace lvx::standin_platform {
 
 /// How a process ended and what it said.
 struct ChildResult {
@@ -21,20 +19,19 @@ struct ChildResult {
 /// another thread.
 class ChildProcess {
  public:
-  ChildProcess() = default;
+  ChildProcess();
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
+  ~ChildProcess();
 
-  /// Runs `program` to its end.
+  /// Runs `program` to its end. Arguments reach it as they are, whatever is in them.
   [[nodiscard]] ChildResult run(const std::filesystem::path& program, const std::vector<std::string>& arguments);
   /// Asks the running program, if any, to stop, as Ctrl-C does.
   void interrupt();
 
  private:
-  int wait();
-
-  std::mutex mutex_;
-  pid_t pid_ = 0;
+  struct State;
+  std::unique_ptr<State> state_;
 };
 
-}  // namespace lvx::cli
+}  // namespace lvx::standin_platform

@@ -1,30 +1,23 @@
-#include "cli/child_process.h"
+#include "standin_platform/child_process.h"
 
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <memory>
+#include <mutex>
 
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "standin_platform/temporary_stream.h"
+
 extern char** environ;
 
-namespace lvx::cli {
+namespace lvx::standin_platform {
 
 namespace {
-
-using Stream = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
-/// A file without a name that takes what a process says, however much that is.
-Stream capture() {
-  Stream stream(std::tmpfile(), &std::fclose);
-  if (stream) fcntl(fileno(stream.get()), F_SETFD, FD_CLOEXEC);
-  return stream;
-}
 
 std::string contentOf(const Stream& stream) {
   std::string text;
@@ -36,9 +29,20 @@ std::string contentOf(const Stream& stream) {
 
 }  // namespace
 
+struct ChildProcess::State {
+  int wait();
+
+  std::mutex mutex;
+  pid_t pid = 0;  ///< 0: nothing runs
+};
+
+ChildProcess::ChildProcess() : state_(std::make_unique<State>()) {}
+ChildProcess::~ChildProcess() = default;
+
 ChildResult ChildProcess::run(const std::filesystem::path& program, const std::vector<std::string>& arguments) {
-  const Stream output = capture();
-  const Stream errors = capture();
+  // Files, since a program may say however much it likes.
+  const Stream output = openTemporaryStream();
+  const Stream errors = openTemporaryStream();
   if (!output || !errors) return {127, {}, "no room for a temporary file\n"};
 
   std::vector<char*> words;
@@ -55,31 +59,31 @@ ChildResult ChildProcess::run(const std::filesystem::path& program, const std::v
   posix_spawn_file_actions_adddup2(&actions, fileno(errors.get()), STDERR_FILENO);
   int error = 0;
   {
-    const std::lock_guard guard(mutex_);
-    error = posix_spawn(&pid_, name.c_str(), &actions, nullptr, words.data(), environ);
-    if (error != 0) pid_ = 0;
+    const std::lock_guard guard(state_->mutex);
+    error = posix_spawn(&state_->pid, name.c_str(), &actions, nullptr, words.data(), environ);
+    if (error != 0) state_->pid = 0;
   }
   posix_spawn_file_actions_destroy(&actions);
   if (error != 0) return {127, {}, name + ": " + std::strerror(error) + "\n"};
-  const int code = wait();
+  const int code = state_->wait();
   return {code, contentOf(output), contentOf(errors)};
 }
 
-int ChildProcess::wait() {
+int ChildProcess::State::wait() {
   // First only looks, so that the number still means this process while it is taken away from `interrupt`.
   siginfo_t info{};
-  while (waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
+  while (waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
   }
-  const std::lock_guard guard(mutex_);
+  const std::lock_guard guard(mutex);
   int status = 0;
-  waitpid(pid_, &status, 0);
-  pid_ = 0;
+  waitpid(pid, &status, 0);
+  pid = 0;
   return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 void ChildProcess::interrupt() {
-  const std::lock_guard guard(mutex_);
-  if (pid_ > 0) kill(pid_, SIGTERM);
+  const std::lock_guard guard(state_->mutex);
+  if (state_->pid > 0) kill(state_->pid, SIGTERM);
 }
 
-}  // namespace lvx::cli
+}  // namespace lvx::standin_platform

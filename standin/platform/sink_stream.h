@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string_view>
+
+namespace lvx::standin_platform {
+
+/// Where the bytes of a stream go.
+class ByteSink {
+ public:
+  ByteSink() = default;
+  ByteSink(const ByteSink&) = delete;
+  ByteSink& operator=(const ByteSink&) = delete;
+  virtual ~ByteSink() = default;
+
+  /// All of `bytes`; false puts the stream into its error state.
+  [[nodiscard]] virtual bool write(std::string_view bytes) noexcept = 0;
+  /// The stream is being closed, and all its bytes have come. False is what closing the stream reports as its failure.
+  [[nodiscard]] virtual bool close() noexcept = 0;
+};
+
+/// A stream of the C library over an object, for writers that know such streams only. Whoever gets it closes it by
+/// std::fclose, on whatever thread; that calls `close` and destroys the sink. Null where memory is short; the sink is gone
+/// then, not closed.
+[[nodiscard]] std::FILE* openSinkStream(std::unique_ptr<ByteSink> sink);
+
+}  // namespace lvx::standin_platform
