@@ -10,7 +10,7 @@
 namespace lvx::dialogs {
 
 using services::getMessage;
-using services::kMessageSet;
+using services::Message;
 
 namespace {
 
@@ -31,7 +31,7 @@ Colour faceColour(host::Host& host) {
 }  // namespace
 
 void setCaptions(DialogWindow& window, std::span<const Caption> captions) {
-  for (const Caption& caption : captions) window.setText(caption.id, getMessage(kMessageSet, caption.message));
+  for (const Caption& caption : captions) window.setText(caption.id, getMessage(caption.message));
 }
 
 void setPictures(host::Host& host, DialogWindow& window, std::span<const PictureOn> small,
@@ -49,7 +49,8 @@ void setPictures(host::Host& host, DialogWindow& window, std::span<const Picture
 }
 
 void setFormChecks(DialogWindow& window) {
-  static constexpr std::array<Caption, 3> kForms{{{kIdCheckAscii, 114}, {kIdCheckExcel, 115}, {kIdCheckThird, 116}}};
+  static constexpr std::array<Caption, 3> kForms{
+      {{kIdCheckAscii, Message::AsciiForm}, {kIdCheckExcel, Message::ExcelForm}, {kIdCheckThird, Message::HtmlForm}}};
   setCaptions(window, kForms);
   for (const Caption& form : kForms) window.tick(form.id, true);
 }
@@ -63,7 +64,7 @@ CString stemOfChosenPath(const CString& path) {
 
 bool runOutputFileBox(host::Host& host, DialogWindow& window) {
   const std::optional<CString> chosen =
-      host.userInterface().saveFileBox(getMessage(kMessageSet, 1), host::kHideReadOnly | host::kPromptCreate);
+      host.userInterface().saveFileBox(getMessage(Message::FileFilter), host::kHideReadOnly | host::kPromptCreate);
   if (!chosen) return false;
   window.setText(kIdOutputStem, stemOfChosenPath(*chosen));
   window.setTip(kIdOutputStem, *chosen);

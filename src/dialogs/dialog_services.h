@@ -6,6 +6,7 @@
 
 #include "dialogs/picture.h"
 #include "host/dialog_window.h"
+#include "services/messages.h"
 
 namespace lvx::host {
 class Host;
@@ -42,10 +43,10 @@ inline constexpr int kIdCheckAscii = 274;
 inline constexpr int kIdCheckExcel = 275;
 inline constexpr int kIdCheckThird = 276;
 
-/// A control and the number of the message that is its caption.
+/// A control and the message that is its caption.
 struct Caption {
   int id = 0;
-  std::uint32_t message = 0;
+  services::Message message{};
 };
 void setCaptions(DialogWindow& window, std::span<const Caption> captions);
 

@@ -8,7 +8,7 @@
 namespace lvx::dialogs {
 
 using services::getMessage;
-using services::kMessageSet;
+using services::Message;
 
 namespace {
 
@@ -16,11 +16,11 @@ constexpr int kClosedByMark = 3;
 constexpr std::int16_t kTicked = 1;
 
 void pickAlignment(host::Host& host, ReportDialog& dialog) {
-  host::pickEntity(host, {host::kClassAlignment, getMessage(kMessageSet, 110), getMessage(kMessageSet, 111)},
-                   [&dialog](const CString& handle) {
-                     host::namePickedAlignment(dialog.sites, dialog.alignments, handle, dialog.siteText,
-                                               dialog.alignmentText);
-                   });
+  host::pickEntity(
+      host, {host::kClassAlignment, getMessage(Message::PickAlignment), getMessage(Message::NotAnAlignment)},
+      [&dialog](const CString& handle) {
+        host::namePickedAlignment(dialog.sites, dialog.alignments, handle, dialog.siteText, dialog.alignmentText);
+      });
 }
 
 }  // namespace

@@ -10,15 +10,15 @@
 namespace lvx::dialogs {
 
 using services::getMessage;
-using services::kMessageSet;
+using services::Message;
 
 namespace {
 
-/// The word for the alignments outside any site.
-constexpr std::uint32_t kNoSite = 109;
-
-constexpr std::array<Caption, 5> kCaptions{
-    {{kIdCancel, 4}, {kIdHelp, 5}, {kIdLabelSite, 103}, {kIdLabelAlignment, 104}, {kIdGroupOutput, 108}}};
+constexpr std::array<Caption, 5> kCaptions{{{kIdCancel, Message::CancelButton},
+                                            {kIdHelp, Message::HelpButton},
+                                            {kIdLabelSite, Message::SiteLabel},
+                                            {kIdLabelAlignment, Message::AlignmentLabel},
+                                            {kIdGroupOutput, Message::OutputFrame}}};
 
 constexpr std::array<PictureOn, 2> kSmallPictures{{{270, kPictureSite}, {271, kPictureAlignment}}};
 
@@ -49,7 +49,7 @@ void ReportDialog::releaseModel() {
 // ---------------------------------------------------------------- steps of an opening
 
 void ReportDialog::showLook(DialogWindow& window) {
-  window.setTitle(getMessage(kMessageSet, parts_.title));
+  window.setTitle(getMessage(parts_.title));
   setCaptions(window, kCaptions);
   setCaptions(window, parts_.captions);
   window.setText(kIdOutputStem, outputStem);
@@ -67,7 +67,7 @@ void ReportDialog::fillSites(DialogWindow& window) {
   for (framework::ArrayIndex i = 0; i < sites.size(); ++i) {
     const host::tsite& site = *sites[i];
     const auto row = static_cast<std::int32_t>(i);
-    window.insertRow(kIdSites, row, site.name.empty() ? getMessage(kMessageSet, kNoSite) : site.name);
+    window.insertRow(kIdSites, row, site.name.empty() ? getMessage(Message::NoSite) : site.name);
     if (site.name == siteText) siteIndex = row;
   }
 }

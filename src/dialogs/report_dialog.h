@@ -14,8 +14,8 @@ namespace lvx::dialogs {
 /// A report dialog as data: its controls, and what stands on them beside what all report dialogs show alike.
 struct ReportDialogParts {
   const DialogTemplate* dialogTemplate = nullptr;
-  /// Number of the message that is the window's title.
-  std::uint32_t title = 0;
+  /// The window's title.
+  services::Message title{};
   std::span<const Caption> captions{};
   /// Pictures whose white takes the colour of the dialog's face, and one that keeps it.
   std::span<const PictureOn> smallPictures{};

@@ -19,7 +19,7 @@ using host::kIdCancel;
 using host::kIdHelp;
 using host::kIdOk;
 using services::getMessage;
-using services::kMessageSet;
+using services::Message;
 
 namespace {
 
@@ -32,7 +32,8 @@ constexpr std::array<ControlTemplate, 4> kControls{{
 
 constexpr DialogTemplate kTemplate{"CMyDialog4", L"Dialog", 252, 118, kControls};
 
-constexpr std::array<Caption, 3> kCaptions{{{kIdOk, 8}, {kIdCancel, 4}, {kIdHelp, 5}}};
+constexpr std::array<Caption, 3> kCaptions{
+    {{kIdOk, Message::OkButton}, {kIdCancel, Message::CancelButton}, {kIdHelp, Message::HelpButton}}};
 
 constexpr int kAnswerYes = 6;
 constexpr int kAnswerNo = 7;
@@ -42,9 +43,9 @@ constexpr int kAnswerNo = 7;
 const DialogTemplate& CMyDialog4::dialogTemplate() const { return kTemplate; }
 
 void CMyDialog4::onOpening(DialogWindow& window) {
-  window.setTitle(getMessage(kMessageSet, 347));
+  window.setTitle(getMessage(Message::AddSectionsTitle));
   setCaptions(window, kCaptions);
-  window.setText(kIdStatic, getMessage(kMessageSet, 345) + getMessage(kMessageSet, 348));
+  window.setText(kIdStatic, getMessage(Message::AddSectionsQuestion) + getMessage(Message::AddSectionsAnswers));
 }
 
 void CMyDialog4::onClick(DialogWindow& window, int id) {

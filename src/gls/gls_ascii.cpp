@@ -130,8 +130,6 @@ std::size_t groupWidth(const Widths& widths, std::size_t first) {
   return width;
 }
 
-CString headMessage(std::uint32_t id) { return id == 0 ? CString() : services::getMessage(services::kMessageSet, id); }
-
 /// The three head lines with the border above and the rule below, as one piece: a letter that the report's code page
 /// doesn't have ends all of it.
 CString tableHead(const Widths& widths) {
@@ -143,12 +141,12 @@ CString tableHead(const Widths& widths) {
     const GlsColumn& column = kGlsColumns[i];
     if (column.groupColumns > 0) {
       const std::size_t width = groupWidth(widths, i);
-      appendCentred(groups, headMessage(column.groupHead), width);
+      appendCentred(groups, column.groupHead ? services::getMessage(*column.groupHead) : CString(), width);
       groups += L'|';
       rules.append(width, isPair(i) ? L'-' : L' ');
       rules += isPair(i) && isPair(i + 2) ? L'+' : L'|';
     }
-    appendCentred(heads, headMessage(column.head), widths[i]);
+    appendCentred(heads, services::getMessage(column.head), widths[i]);
     heads += L'|';
   }
   CString head = border(L'/', L'\\', widths);
@@ -213,7 +211,7 @@ void writeGlsAscii(const CString& fileName, const CString& /*alignmentText*/, co
   const Widths widths = widthsFor(report);
   const platform::FileHandle file = vnrxHost()->platform().openFile(fileName, "wb");
   if (!file) return;  // quiet: the command goes on to its next form
-  services::writeAsciiHeader(file.get(), detail::kTitle, fileName, services::headerTime());
+  services::writeAsciiHeader(file.get(), Message::GlsTitle, fileName, services::headerTime());
   services::writeNarrow(file.get(), tableHead(widths));
 
   const CellWords words;

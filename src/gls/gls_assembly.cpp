@@ -25,7 +25,7 @@ using host::taxel;
 using host::tvert;
 using services::formatText;
 using services::getMessage;
-using services::kMessageSet;
+using services::Message;
 
 namespace {
 
@@ -36,20 +36,13 @@ constexpr std::int32_t kArc = 1;
 constexpr std::int32_t kClothoidIn = 2;
 constexpr std::int32_t kClothoidOut = 3;
 
-constexpr std::uint32_t kMessageClothoidStart = 329;
-constexpr std::uint32_t kMessageClothoidEnd = 330;
-constexpr std::uint32_t kMessageArcStart = 331;
-constexpr std::uint32_t kMessageArcEnd = 332;
-
 constexpr double kTwoPi = 6.283185307179586;
 constexpr double kGonPerRadian = 63.66197723675813;
 
 bool isKnown(std::int32_t type) { return type >= kLine && type <= kClothoidOut; }
 bool isClothoid(std::int32_t type) { return type == kClothoidIn || type == kClothoidOut; }
 
-CString numbered(std::uint32_t message, std::int64_t number) {
-  return formatText(L"%s%d", {getMessage(kMessageSet, message), number});
-}
+CString numbered(Message message, std::int64_t number) { return formatText(L"%s%d", {getMessage(message), number}); }
 
 /// Names the points at which one horizontal element follows another. The clothoid that leads into an arc and the one that
 /// leads out of it share a number.
@@ -67,8 +60,8 @@ class TransitionNames {
   }
   /// Name of the alignment's end.
   [[nodiscard]] CString endAfter(const taxel& last) const {
-    if (last.type == kArc) return numbered(kMessageArcEnd, arc_);
-    if (last.type > kArc) return numbered(kMessageClothoidEnd, clothoid_);
+    if (last.type == kArc) return numbered(Message::ArcEnd, arc_);
+    if (last.type > kArc) return numbered(Message::ClothoidEnd, clothoid_);
     return {};
   }
 
@@ -76,26 +69,26 @@ class TransitionNames {
   CString lineStart(const taxel* before) {
     if (before == nullptr) return {};
     if (before->type == kLine) return formatText(L"ILL%d-%d", {line_ - 1, line_});
-    if (before->type == kArc) return numbered(kMessageArcEnd, arc_++);
-    return numbered(kMessageClothoidEnd, clothoid_++);
+    if (before->type == kArc) return numbered(Message::ArcEnd, arc_++);
+    return numbered(Message::ClothoidEnd, clothoid_++);
   }
 
   CString arcStart(const taxel* before) {
-    if (before == nullptr || before->type != kArc) return numbered(kMessageArcStart, arc_);
-    const CString end = numbered(kMessageArcEnd, arc_++);
-    return end + L", " + numbered(kMessageArcStart, arc_);
+    if (before == nullptr || before->type != kArc) return numbered(Message::ArcStart, arc_);
+    const CString end = numbered(Message::ArcEnd, arc_++);
+    return end + L", " + numbered(Message::ArcStart, arc_);
   }
 
   CString clothoidStart(const taxel& element, const taxel* before) {
-    if (before == nullptr || before->type == kLine) return numbered(kMessageClothoidStart, clothoid_);
-    if (before->type == kArc) return numbered(kMessageArcEnd, arc_++);
+    if (before == nullptr || before->type == kLine) return numbered(Message::ClothoidStart, clothoid_);
+    if (before->type == kArc) return numbered(Message::ArcEnd, arc_++);
     if (element.type == kClothoidOut && before->type == kClothoidIn) {
       // The two meet in an arc of no length.
-      const CString start = numbered(kMessageArcStart, arc_);
-      return start + L", " + numbered(kMessageArcEnd, arc_++);
+      const CString start = numbered(Message::ArcStart, arc_);
+      return start + L", " + numbered(Message::ArcEnd, arc_++);
     }
-    const CString end = numbered(kMessageClothoidEnd, clothoid_++);
-    return end + L", " + numbered(kMessageClothoidStart, clothoid_);
+    const CString end = numbered(Message::ClothoidEnd, clothoid_++);
+    return end + L", " + numbered(Message::ClothoidStart, clothoid_);
   }
 
   std::int64_t arc_ = 1;
@@ -162,10 +155,6 @@ void addHorizontalElements(const host::Ref<host::QmtAlignment>& alignment, tglsR
 
 // ---------------------------------------------------------------- labels, vertical elements, corridors
 
-constexpr std::uint32_t kMessageCurveStart = 333;
-constexpr std::uint32_t kMessageIntersection = 334;
-constexpr std::uint32_t kMessageCurveEnd = 335;
-
 void labelSampleLines(const host::Ref<host::QmtDocument>& document, const host::Ref<host::QmtDatabase>& database,
                       const CString& siteName, const CString& alignmentName, const CString& groupName,
                       StationRows& rows) {
@@ -196,9 +185,9 @@ void addVerticalElements(const host::RecordList<tvert>& points, tglsReport& repo
 void labelVerticalCurves(const host::RecordList<tvert>& points, StationRows& rows) {
   for (ArrayIndex k = 1; k + 1 < points.size(); ++k) {
     const tvert& point = *points[k];
-    rows.addStationLabel(numbered(kMessageCurveStart, k), point.station - point.halfLength);
-    rows.addStationLabel(numbered(kMessageIntersection, k), point.station);
-    rows.addStationLabel(numbered(kMessageCurveEnd, k), point.station + point.halfLength);
+    rows.addStationLabel(numbered(Message::VerticalCurveStart, k), point.station - point.halfLength);
+    rows.addStationLabel(numbered(Message::VerticalIntersection, k), point.station);
+    rows.addStationLabel(numbered(Message::VerticalCurveEnd, k), point.station + point.halfLength);
   }
 }
 
@@ -408,14 +397,14 @@ class VerticalNotes {
   ArrayIndex tangent_ = 0;
   ArrayIndex firstRow_ = 0;
   ArrayIndex gradeChangeRow_ = 0;
-  const CString rising_ = getMessage(kMessageSet, 324);
-  const CString falling_ = getMessage(kMessageSet, 325);
-  const CString word_ = getMessage(kMessageSet, kMessageIntersection);
-  const CString gradeChange_ = getMessage(kMessageSet, 336);
-  const CString length_ = getMessage(kMessageSet, 337);
-  const CString crestRadius_ = getMessage(kMessageSet, 338);
-  const CString sagRadius_ = getMessage(kMessageSet, 339);
-  const CString curveLength_ = getMessage(kMessageSet, 340);
+  const CString rising_ = getMessage(Message::Rise);
+  const CString falling_ = getMessage(Message::Fall);
+  const CString word_ = getMessage(Message::VerticalIntersection);
+  const CString gradeChange_ = getMessage(Message::GradeChange);
+  const CString length_ = getMessage(Message::TangentLength);
+  const CString crestRadius_ = getMessage(Message::CrestRadius);
+  const CString sagRadius_ = getMessage(Message::SagRadius);
+  const CString curveLength_ = getMessage(Message::VerticalCurveTangent);
 };
 
 }  // namespace

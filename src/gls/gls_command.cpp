@@ -15,7 +15,7 @@ namespace lvx::gls {
 
 using gls::CMyDialog3;
 using services::getMessage;
-using services::kMessageSet;
+using services::Message;
 
 namespace {
 
@@ -33,7 +33,8 @@ void takePickedProfile(CMyDialog3& dialog, const CString& handle) {
 }
 
 void pickProfile(host::Host& host, CMyDialog3& dialog) {
-  host::pickEntity(host, {host::kClassProfile, getMessage(kMessageSet, 112), getMessage(kMessageSet, 342)},
+  host::pickEntity(host,
+                   {host::kClassProfile, getMessage(Message::PickSurfaceOrProfile), getMessage(Message::NotAProfile)},
                    [&dialog](const CString& handle) { takePickedProfile(dialog, handle); });
 }
 

@@ -29,7 +29,7 @@ using host::ControlTemplate;
 using host::DialogTemplate;
 using host::DialogWindow;
 using services::getMessage;
-using services::kMessageSet;
+using services::Message;
 
 namespace {
 
@@ -68,8 +68,10 @@ constexpr std::array<ControlTemplate, 27> kControls{{
 
 constexpr DialogTemplate kTemplate{"CMyDialog3", L"*GLS", 283, 238, kControls};
 
-constexpr std::array<Caption, 4> kCaptions{
-    {{kIdGroupSelection, 102}, {266, 105}, {CMyDialog3::kIdLabelProfile, 302}, {CMyDialog3::kIdLabelCorridor, 341}}};
+constexpr std::array<Caption, 4> kCaptions{{{kIdGroupSelection, Message::SelectionFrame},
+                                            {266, Message::SampleLineGroupLabel},
+                                            {CMyDialog3::kIdLabelProfile, Message::ProfileLabel},
+                                            {CMyDialog3::kIdLabelCorridor, Message::CorridorLabel}}};
 
 constexpr std::array<PictureOn, 2> kSmallPictures{{{101, kPictureSampleLineGroup}, {108, kPictureProfile}}};
 
@@ -77,7 +79,7 @@ constexpr std::array<PictureOn, 2> kSmallPictures{{{101, kPictureSampleLineGroup
 constexpr std::array<PictureOn, 1> kPlainPictures{{{109, kPictureCorridor}}};
 
 constexpr ReportDialogParts kParts{.dialogTemplate = &kTemplate,
-                                   .title = 301,
+                                   .title = Message::GlsTitle,
                                    .captions = kCaptions,
                                    .smallPictures = kSmallPictures,
                                    .plainPictures = kPlainPictures,
@@ -99,7 +101,7 @@ CMyDialog3::~CMyDialog3() {
 void CMyDialog3::attach() {
   std::optional<Model> model = reachModel();
   if (!model) return;
-  if (host::connectRoadway(host_, getMessage(kMessageSet, 3)) < 1) return;
+  if (host::connectRoadway(host_, getMessage(Message::CorridorsOutOfReach)) < 1) return;
   loaded = 1;  // from here on the destructor gives everything back
   take(std::move(*model));
   gls::releaseCorridors(corridorList);

@@ -24,12 +24,10 @@ constexpr wchar_t letterOf(std::size_t column) { return static_cast<wchar_t>(L'A
 
 void writeHeads(ExcelLink& link) {
   for (std::size_t i = 0; i < kGlsColumns.size(); ++i)
-    if (kGlsColumns[i].groupHead != 0)
-      services::writeCell(link, cellName(letterOf(i), kGroupHeadRow),
-                          services::getMessage(services::kMessageSet, kGlsColumns[i].groupHead));
+    if (kGlsColumns[i].groupHead)
+      services::writeCell(link, cellName(letterOf(i), kGroupHeadRow), services::getMessage(*kGlsColumns[i].groupHead));
   for (std::size_t i = 0; i < kGlsColumns.size(); ++i)
-    services::writeCell(link, cellName(letterOf(i), kHeadRow),
-                        services::getMessage(services::kMessageSet, kGlsColumns[i].head));
+    services::writeCell(link, cellName(letterOf(i), kHeadRow), services::getMessage(kGlsColumns[i].head));
 }
 
 /// The field behind a number column of the sheet.
@@ -102,7 +100,7 @@ constexpr bool comesFirst(GlsContent content) {
 bool writeGlsExcel(const CString& fileName, const CString& /*alignmentText*/, const tglsReport& report) {
   ExcelLink link;
   if (!services::startExcel(link)) return false;
-  services::writeExcelHeader(link, detail::kTitle, fileName, services::headerTime());
+  services::writeExcelHeader(link, Message::GlsTitle, fileName, services::headerTime());
   writeHeads(link);
   const CellWords words;
   for (ArrayIndex r = 0; r < report.rows.size(); ++r)

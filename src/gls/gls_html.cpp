@@ -18,6 +18,7 @@ namespace lvx::gls {
 namespace {
 
 using detail::CellWords;
+using services::getMessage;
 
 /// Programs that read these pages know the tag by what the file step makes of it: `'2'RULES`.
 constexpr const wchar_t* kTableTag = L"<table border='1' cellpadding='2'% RULES = ALL>";
@@ -29,8 +30,6 @@ constexpr const wchar_t* kNoValues =
 constexpr const wchar_t* kAngleHead =
     L"<th rowspan = \"2\" align=\"center\"> &alpha[<sup>g</sup>] <br /> &tau[<sup>g</sup>] </th>";
 
-CString message(std::uint32_t id) { return services::getMessage(services::kMessageSet, id); }
-
 void appendHeads(CString& page) {
   const auto tall = [&page](const CString& text) {
     page += L"<th rowspan = \"2\" align=\"center\">" + text + L"</th>";
@@ -38,13 +37,13 @@ void appendHeads(CString& page) {
   page += L"<tr>";
   for (const GlsColumn& column : kGlsColumns) {
     if (column.groupColumns == 2)
-      page += L"<th colspan = \"2\" align=\"center\">" + message(column.groupHead) + L"</th>";
+      page += L"<th colspan = \"2\" align=\"center\">" + getMessage(*column.groupHead) + L"</th>";
     else if (column.value == &tglsRow::horAngle)
       page += kAngleHead;
-    else if (column.groupHead != 0)
-      tall(message(column.groupHead) + L"<br />" + message(column.head));
+    else if (column.groupHead)
+      tall(getMessage(*column.groupHead) + L"<br />" + getMessage(column.head));
     else if (column.groupColumns == 1)
-      tall(message(column.head));
+      tall(getMessage(column.head));
   }
   page += L"<tr>";  // the row before stays open: browsers close it here
   for (std::size_t i = 0; i < kGlsColumns.size(); ++i) {
@@ -54,8 +53,8 @@ void appendHeads(CString& page) {
     if (field == &tglsRow::widthLeft || field == &tglsRow::edgeElevationLeft) page += L' ';
     const wchar_t* between =
         field == &tglsRow::curveX ? L"</th> <th align=\"center\"> " : L"</th> <th align=\"center\">";
-    page +=
-        L"<th align=\"center\">" + message(kGlsColumns[i].head) + between + message(kGlsColumns[i + 1].head) + L"</th>";
+    page += L"<th align=\"center\">" + getMessage(kGlsColumns[i].head) + between + getMessage(kGlsColumns[i + 1].head) +
+            L"</th>";
   }
   page += L"</tr>";
 }
@@ -177,7 +176,7 @@ std::int32_t writeGlsHtml(const CString& fileName, const CString& /*alignmentTex
   if (!file) return 0;  // quiet: the command goes on
   services::NarrowPiece page(file.get());
   CString part;
-  services::appendHtmlHeader(part, detail::kTitle, fileName, services::headerTime());
+  services::appendHtmlHeader(part, Message::GlsTitle, fileName, services::headerTime());
   part += kTableTag;
   appendHeads(part);
   page.add(part);

@@ -2,9 +2,11 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
 #include "framework/arrays.h"
 #include "framework/text.h"
+#include "services/messages.h"
 
 /// The result of the GLS report, computed once and formatted by its writers, and the table of its columns.
 ///
@@ -14,6 +16,7 @@ namespace lvx::gls {
 
 using framework::ArrayIndex;
 using framework::CString;
+using services::Message;
 
 /// tglsRow::crossFallLeft of a row that no corridor reached.
 inline constexpr double kNoCorridor = -1000.0;
@@ -109,27 +112,25 @@ struct tglsReport {
   framework::CArray<std::int32_t> verBreakRows;
 };
 
-/// True while no corridor reached the row: its eight corridor cells then show message kMessageNoCorridor. The mark is
+/// True while no corridor reached the row: its eight corridor cells then show Message::NoCorridor. The mark is
 /// looked for in crossFallLeft alone and within 0.000001.
 [[nodiscard]] bool isNoCorridor(const tglsRow& row);
 
 /// True for the odd indices of an assembled report.
 [[nodiscard]] constexpr bool isDistanceRow(ArrayIndex index) { return index % 2 != 0; }
 
-inline constexpr std::uint32_t kMessageNoCorridor = 346;
-
-/// Message with the word for a `horType`; 0 where there is no word: kNoElement, or a kind that the report doesn't know.
-[[nodiscard]] constexpr std::uint32_t elementMessage(std::int32_t horType) {
+/// The word for a `horType`; empty where there is none: kNoElement, or a kind that the report doesn't know.
+[[nodiscard]] constexpr std::optional<Message> elementMessage(std::int32_t horType) {
   switch (horType) {
     case 0:
-      return 326;
+      return Message::LineElement;
     case 1:
-      return 327;
+      return Message::ArcElement;
     case 2:
     case 3:
-      return 328;
+      return Message::ClothoidElement;
     default:
-      return 0;
+      return std::nullopt;
   }
 }
 
@@ -143,19 +144,19 @@ enum class GlsContent : std::uint8_t {
   Notes,          ///< text, on every row
   CurveOrdinate,  ///< on station rows whose curveX isn't kOutsideCurves
   Elevation,      ///< on station rows
-  Corridor,       ///< on station rows; message kMessageNoCorridor instead where isNoCorridor(row)
+  Corridor,       ///< on station rows; Message::NoCorridor instead where isNoCorridor(row)
   ElementWord,    ///< word for horType, on every row that shows an element
   ElementLength,  ///< on every row that shows an element
   ElementCurve,   ///< on every row that shows an element other than a line
 };
 
-/// One column of the report. Message numbers; 0 for none.
+/// One column of the report.
 struct GlsColumn {
-  /// Head above the column's own head.
-  std::uint32_t groupHead = 0;
+  /// Head above the column's own head, for columns that have one.
+  std::optional<Message> groupHead;
   /// How many columns `groupHead` stands over; 0 where the head of the column to the left covers this one too.
   std::int32_t groupColumns = 1;
-  std::uint32_t head = 0;
+  Message head{};
   GlsContent content = GlsContent::Notes;
   /// The field of a number column; null for texts.
   double tglsRow::*value = nullptr;
@@ -165,26 +166,26 @@ struct GlsColumn {
 
 /// The report's columns from left to right.
 inline constexpr std::array<GlsColumn, 20> kGlsColumns{{
-    {0, 1, 310, GlsContent::Name},
-    {0, 1, 311, GlsContent::Station},
-    {0, 1, 312, GlsContent::Distance, &tglsRow::distance, 3},
-    {0, 1, 313, GlsContent::Notes},
-    {303, 2, 343, GlsContent::CurveOrdinate, &tglsRow::curveX, 2},
-    {0, 0, 344, GlsContent::CurveOrdinate, &tglsRow::curveY, 2},
-    {304, 2, 314, GlsContent::Elevation, &tglsRow::tangentElevation, 3},
-    {0, 0, 315, GlsContent::Elevation, &tglsRow::elevation, 3},
-    {316, 2, 318, GlsContent::Corridor, &tglsRow::crossFallLeft, 1},
-    {0, 0, 319, GlsContent::Corridor, &tglsRow::crossFallRight, 1},
-    {305, 2, 318, GlsContent::Corridor, &tglsRow::widthLeft, 2},
-    {0, 0, 319, GlsContent::Corridor, &tglsRow::widthRight, 2},
-    {306, 2, 318, GlsContent::Corridor, &tglsRow::heightLeft, 3},
-    {0, 0, 319, GlsContent::Corridor, &tglsRow::heightRight, 3},
-    {307, 2, 318, GlsContent::Corridor, &tglsRow::edgeElevationLeft, 3},
-    {0, 0, 319, GlsContent::Corridor, &tglsRow::edgeElevationRight, 3},
-    {0, 1, 320, GlsContent::ElementWord},
-    {308, 1, 321, GlsContent::ElementCurve, &tglsRow::horParameter, 3},
-    {0, 1, 322, GlsContent::ElementLength, &tglsRow::horLength, 2},
-    {309, 1, 323, GlsContent::ElementCurve, &tglsRow::horAngle, 3},
+    {std::nullopt, 1, Message::GlsName, GlsContent::Name},
+    {std::nullopt, 1, Message::GlsStation, GlsContent::Station},
+    {std::nullopt, 1, Message::GlsDistance, GlsContent::Distance, &tglsRow::distance, 3},
+    {std::nullopt, 1, Message::GlsNotes, GlsContent::Notes},
+    {Message::GlsCurveOrdinates, 2, Message::GlsCurveX, GlsContent::CurveOrdinate, &tglsRow::curveX, 2},
+    {std::nullopt, 0, Message::GlsCurveY, GlsContent::CurveOrdinate, &tglsRow::curveY, 2},
+    {Message::GlsElevations, 2, Message::GlsTangentElevation, GlsContent::Elevation, &tglsRow::tangentElevation, 3},
+    {std::nullopt, 0, Message::GlsProfileElevation, GlsContent::Elevation, &tglsRow::elevation, 3},
+    {Message::GlsCrossFalls, 2, Message::GlsLeft, GlsContent::Corridor, &tglsRow::crossFallLeft, 1},
+    {std::nullopt, 0, Message::GlsRight, GlsContent::Corridor, &tglsRow::crossFallRight, 1},
+    {Message::GlsWidths, 2, Message::GlsLeft, GlsContent::Corridor, &tglsRow::widthLeft, 2},
+    {std::nullopt, 0, Message::GlsRight, GlsContent::Corridor, &tglsRow::widthRight, 2},
+    {Message::GlsHeights, 2, Message::GlsLeft, GlsContent::Corridor, &tglsRow::heightLeft, 3},
+    {std::nullopt, 0, Message::GlsRight, GlsContent::Corridor, &tglsRow::heightRight, 3},
+    {Message::GlsEdgeElevations, 2, Message::GlsLeft, GlsContent::Corridor, &tglsRow::edgeElevationLeft, 3},
+    {std::nullopt, 0, Message::GlsRight, GlsContent::Corridor, &tglsRow::edgeElevationRight, 3},
+    {std::nullopt, 1, Message::GlsElement, GlsContent::ElementWord},
+    {Message::GlsRadius, 1, Message::GlsParameter, GlsContent::ElementCurve, &tglsRow::horParameter, 3},
+    {std::nullopt, 1, Message::GlsElementLength, GlsContent::ElementLength, &tglsRow::horLength, 2},
+    {Message::GlsAngle, 1, Message::GlsAngleUnit, GlsContent::ElementCurve, &tglsRow::horAngle, 3},
 }};
 
 }  // namespace lvx::gls

@@ -15,15 +15,10 @@ namespace {
 
 using host::Ref;
 using services::getMessage;
-using services::kMessageSet;
-
-/// The words that the dialog's site list shows for the alignments outside any site.
-constexpr std::uint32_t kNoSiteMessage = 109;
+using services::Message;
 
 /// The text that the dialog handed over is that of its list, where the row for no site has words of its own.
-CString siteNameOf(const CString& siteText) {
-  return siteText == getMessage(kMessageSet, kNoSiteMessage) ? CString() : siteText;
-}
+CString siteNameOf(const CString& siteText) { return siteText == getMessage(Message::NoSite) ? CString() : siteText; }
 
 /// The numbers of a group's points; none where the drawing has no such group, or hands out something else than a plain
 /// list.
@@ -64,7 +59,7 @@ void collectPoints(const Ref<host::QmtDocument>& document, const Ref<host::QmtDa
 
   const Ref<host::QmtPointGroupList> groups = document->pointGroups();
   const Ref<host::QmtPointList> points = document->points();
-  const std::vector<std::int32_t> numbers = groupText == getMessage(kMessageSet, kPickedPointsMessage)
+  const std::vector<std::int32_t> numbers = groupText == getMessage(Message::PickedPoints)
                                                 ? std::vector<std::int32_t>(pickedNumbers.begin(), pickedNumbers.end())
                                                 : numbersOfGroup(groups, groupText);
 

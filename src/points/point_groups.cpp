@@ -31,7 +31,7 @@ std::int32_t loadPointGroups(const host::Ref<host::QmtDocument>& document,
       addRow(list, group ? group->name() : CString(), group ? group->pointCount() : 0);
     }
   }
-  addRow(list, services::getMessage(services::kMessageSet, kPickedPointsMessage), 0);
+  addRow(list, services::getMessage(services::Message::PickedPoints), 0);
   return 1;
 }
 

@@ -22,9 +22,6 @@ struct tptgroup {
 /// the only one whose count changes. Frees only its own storage.
 using PointGroupList = framework::CTypedPtrArray<framework::CPtrArray, tptgroup*>;
 
-/// Number of the message that names the row of the points picked by hand; the collector knows that source by it.
-inline constexpr std::uint32_t kPickedPointsMessage = 226;
-
 /// Fills `list` anew from the drawing; what it held before is freed. Always 1.
 std::int32_t loadPointGroups(const host::Ref<host::QmtDocument>& document, const host::Ref<host::QmtDatabase>& database,
                              PointGroupList& list);

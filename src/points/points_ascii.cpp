@@ -35,13 +35,13 @@ void writePointsAscii(const CString& fileName, const PointList& list) {
   const std::int64_t time = services::headerTime();
   const platform::FileHandle file = vnrxHost()->platform().openFile(fileName, "wb");
   if (!file) return;  // quiet: the command goes on to its next form
-  services::writeAsciiHeader(file.get(), kPointsTitle, fileName, time);
+  services::writeAsciiHeader(file.get(), services::Message::PointsTitle, fileName, time);
 
   CString line;
   Widths widths{};
   for (std::size_t k = 0; k < kPointColumns.size(); ++k) {
     const PointColumn& column = kPointColumns[k];
-    const CString caption = services::getMessage(services::kMessageSet, column.caption);
+    const CString caption = services::getMessage(column.caption);
     widths[k] =
         caption.size() > kLongestPlainCaption ? caption.size() + column.blanksBeforeLongCaption : column.leastWidth;
     appendPadded(line, caption, widths[k]);

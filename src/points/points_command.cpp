@@ -18,7 +18,7 @@ namespace lvx::points {
 
 using points::CExportPointsDlg;
 using services::getMessage;
-using services::kMessageSet;
+using services::Message;
 
 namespace {
 
@@ -64,8 +64,8 @@ bool pickPoints(host::Host& host, CExportPointsDlg& dialog, SelectionSet& select
   {
     const ClassFilter filter(runTime, host::kClassPoint);
     // Whatever its status, the set holds what was selected.
-    runTime.vnedSSGet(L":$", {getMessage(kMessageSet, 222), getMessage(kMessageSet, 223)}, filter.list(),
-                      selection.name());
+    runTime.vnedSSGet(L":$", {getMessage(Message::SelectPointsToAdd), getMessage(Message::SelectPointsToRemove)},
+                      filter.list(), selection.name());
     std::int64_t length = 0;
     runTime.vnedSSLength(selection.name(), length);
     for (std::int64_t i = 0; i < length; ++i) {

@@ -26,7 +26,7 @@ using host::DialogTemplate;
 using host::DialogWindow;
 using host::kIdOk;
 using services::getMessage;
-using services::kMessageSet;
+using services::Message;
 
 namespace {
 
@@ -62,18 +62,17 @@ constexpr std::array<ControlTemplate, 24> kControls{{
 
 constexpr DialogTemplate kTemplate{"CExportPointsDlg", L"*Export Points", 283, 214, kControls};
 
-constexpr std::array<Caption, 3> kCaptions{{{kIdGroupSelection, 202}, {103, 203}, {104, 221}}};
+constexpr std::array<Caption, 3> kCaptions{{{kIdGroupSelection, Message::PointsSelectionFrame},
+                                            {103, Message::PointGroupLabel},
+                                            {104, Message::PointCountLabel}}};
 
 constexpr std::array<PictureOn, 2> kSmallPictures{{{273, kPicturePointGroup}, {278, kPicturePoint}}};
 
 constexpr ReportDialogParts kParts{.dialogTemplate = &kTemplate,
-                                   .title = 201,
+                                   .title = Message::PointsTitle,
                                    .captions = kCaptions,
                                    .smallPictures = kSmallPictures,
                                    .helpPage = kHelpPoints};
-
-constexpr std::uint32_t kOnePoint = 224;
-constexpr std::uint32_t kPoints = 225;
 
 }  // namespace
 
@@ -110,7 +109,7 @@ void CExportPointsDlg::onOpening(DialogWindow& window) {
   // Points picked by hand win at each opening. What was selected before them is read anew on OK.
   const framework::ArrayIndex pickedRow = pointGroups.size() - 1;
   if (pointGroups[pickedRow]->count > 0) window.select(kIdPointGroups, static_cast<int>(pickedRow));
-  showCount(window, selectedCount(window) == 1 ? kOnePoint : kPoints);
+  showCount(window, selectedCount(window) == 1 ? Message::OnePointSelected : Message::PointsSelected);
 
   enableOkIfComplete(window);
   setFormChecks(window);
@@ -126,16 +125,18 @@ std::int32_t CExportPointsDlg::selectedCount(const DialogWindow& window) const {
   return pointGroups[window.selection(kIdPointGroups)]->count;
 }
 
-void CExportPointsDlg::showCount(DialogWindow& window, std::uint32_t words) const {
-  window.setText(kIdPointCount, services::formatText(
-                                    L"%ld %s", {std::int64_t{selectedCount(window)}, getMessage(kMessageSet, words)}));
+void CExportPointsDlg::showCount(DialogWindow& window, Message words) const {
+  window.setText(kIdPointCount,
+                 services::formatText(L"%ld %s", {std::int64_t{selectedCount(window)}, getMessage(words)}));
 }
 
 void CExportPointsDlg::onSelectionChanged(DialogWindow& window, int id) {
   if (id == kIdSites) {
     if (window.selection(kIdSites) != DialogWindow::kNone) changeSite(window);
   } else if (id == kIdPointGroups) {
-    showCount(window, kPoints);  // in the plural even for one point, unlike at the opening: users know the text so
+    showCount(
+        window,
+        Message::PointsSelected);  // in the plural even for one point, unlike at the opening: users know the text so
   }
 }
 

@@ -34,8 +34,8 @@ class CExportPointsDlg final : public dialogs::ReportDialog {
  private:
   void attach();
   void fillPointGroups(host::DialogWindow& window);
-  /// Tells how many points the selected row of the group list stands for, with the words of message `words`.
-  void showCount(host::DialogWindow& window, std::uint32_t words) const;
+  /// Tells how many points the selected row of the group list stands for, with `words` behind it.
+  void showCount(host::DialogWindow& window, services::Message words) const;
   [[nodiscard]] std::int32_t selectedCount(const host::DialogWindow& window) const;
 
   void stemChanged(host::DialogWindow& window) override;

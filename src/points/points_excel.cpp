@@ -22,11 +22,10 @@ bool writePointsExcel(const CString& fileName, const PointList& list) {
   const std::int64_t time = services::headerTime();
   services::ExcelLink link;
   if (!services::startExcel(link)) return false;
-  services::writeExcelHeader(link, kPointsTitle, fileName, time);
+  services::writeExcelHeader(link, services::Message::PointsTitle, fileName, time);
 
   for (std::size_t k = 0; k < kPointColumns.size(); ++k)
-    services::writeCell(link, nameOfCell(k, kCaptionRow),
-                        services::getMessage(services::kMessageSet, kPointColumns[k].caption));
+    services::writeCell(link, nameOfCell(k, kCaptionRow), services::getMessage(kPointColumns[k].caption));
 
   int sheetRow = kCaptionRow;
   for (const tpoint* row : list) {

@@ -36,14 +36,13 @@ std::int32_t writePointsHtml(const CString& fileName, const PointList& list) {
   const platform::FileHandle file = vnrxHost()->platform().openFile(fileName, "wb");
   if (!file) return 0;  // quiet: nobody looks
   CString header;
-  services::appendHtmlHeader(header, kPointsTitle, fileName, time);
+  services::appendHtmlHeader(header, services::Message::PointsTitle, fileName, time);
   services::writeNarrow(file.get(), header);
 
   services::NarrowPiece table(file.get());
   // The bold tags stand outside the row.
   CString part = CString(kTableTag) + L"<b>";
-  appendCells(part,
-              [](const PointColumn& column) { return services::getMessage(services::kMessageSet, column.caption); });
+  appendCells(part, [](const PointColumn& column) { return services::getMessage(column.caption); });
   part += L"</b>";
   table.add(part);
   for (const tpoint* row : list) {

@@ -14,7 +14,6 @@ namespace lvx::projection {
 
 namespace {
 
-constexpr std::uint32_t kTitle = 101;
 constexpr std::size_t kOffsetWidth = 10;
 constexpr std::size_t kElevationWidth = 9;
 
@@ -41,7 +40,7 @@ void writeBlock(std::FILE* stream, const tsl& record) {
 void writeProjectionAscii(const CString& fileName, const CString& /*alignmentText*/, const SampleLineList& list) {
   const platform::FileHandle file = vnrxHost()->platform().openFile(fileName, "wb");
   if (!file) return;  // quiet: the command goes on to its next form
-  services::writeAsciiHeader(file.get(), kTitle, fileName, services::headerTime());
+  services::writeAsciiHeader(file.get(), services::Message::ProjectionTitle, fileName, services::headerTime());
   for (framework::ArrayIndex i = 0; i < list.size(); ++i) {
     writeBlock(file.get(), *list[i]);
     if (i + 1 < list.size()) services::writeNarrow(file.get(), L"&\r\n");

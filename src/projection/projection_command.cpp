@@ -17,7 +17,7 @@ namespace lvx::projection {
 using framework::CString;
 using projection::CMyDialog1;
 using services::getMessage;
-using services::kMessageSet;
+using services::Message;
 
 namespace {
 
@@ -34,7 +34,8 @@ void takePickedSurface(CMyDialog1& dialog, const CString& handle) {
 }
 
 void pickSurface(host::Host& host, CMyDialog1& dialog) {
-  host::pickEntity(host, {host::kClassSurface, getMessage(kMessageSet, 112), getMessage(kMessageSet, 113)},
+  host::pickEntity(host,
+                   {host::kClassSurface, getMessage(Message::PickSurfaceOrProfile), getMessage(Message::NotASurface)},
                    [&dialog](const CString& handle) { takePickedSurface(dialog, handle); });
 }
 

@@ -25,6 +25,7 @@ using host::ControlTemplate;
 using host::DialogTemplate;
 using host::DialogWindow;
 using host::kIdOk;
+using services::Message;
 
 namespace {
 
@@ -60,12 +61,13 @@ constexpr std::array<ControlTemplate, 24> kControls{{
 
 constexpr DialogTemplate kTemplate{"CMyDialog1", L"*Profiles projection", 283, 214, kControls};
 
-constexpr std::array<Caption, 3> kCaptions{{{kIdGroupSelection, 102}, {266, 105}, {267, 107}}};
+constexpr std::array<Caption, 3> kCaptions{
+    {{kIdGroupSelection, Message::SelectionFrame}, {266, Message::SampleLineGroupLabel}, {267, Message::SurfaceLabel}}};
 
 constexpr std::array<PictureOn, 2> kSmallPictures{{{101, kPictureSampleLineGroup}, {273, kPictureSurface}}};
 
 constexpr ReportDialogParts kParts{.dialogTemplate = &kTemplate,
-                                   .title = 101,
+                                   .title = Message::ProjectionTitle,
                                    .captions = kCaptions,
                                    .smallPictures = kSmallPictures,
                                    .helpPage = kHelpProjection};

@@ -13,7 +13,6 @@ using services::cellName;
 using services::ExcelLink;
 using services::lengthText;
 
-constexpr std::uint32_t kTitle = 101;
 /// The header and the empty row below it.
 constexpr std::int32_t kRowsBeforeContent = 9;
 
@@ -40,7 +39,7 @@ std::int32_t writeProjectionExcel(const CString& fileName, const CString& /*alig
                                   const SampleLineList& list) {
   ExcelLink link;
   if (!services::startExcel(link)) return 0;
-  services::writeExcelHeader(link, kTitle, fileName, services::headerTime());
+  services::writeExcelHeader(link, services::Message::ProjectionTitle, fileName, services::headerTime());
   std::int32_t row = kRowsBeforeContent;
   for (framework::ArrayIndex i = 0; i < list.size(); ++i) {
     row = writeBlock(link, row, *list[i]);

@@ -14,14 +14,8 @@ namespace {
 
 using services::formatText;
 using services::getMessage;
-using services::kMessageSet;
 using services::lengthText;
-
-constexpr std::uint32_t kTitle = 101;
-constexpr std::uint32_t kNameLabel = 122;
-constexpr std::uint32_t kStationLabel = 123;
-constexpr std::uint32_t kOffsetHeading = 124;
-constexpr std::uint32_t kElevationHeading = 125;
+using services::Message;
 
 /// Programs that read these pages know the tag by its oddities: the character reference without its semicolon, the
 /// stray percent sign (with the blank behind it the file step drops it: `'2'RULES`), one id for every table.
@@ -41,11 +35,11 @@ void appendRow(CString& page, double offset, double elevation) {
 struct Labels {
   // The label is part of the format, so `%%` in its message is one percent sign. Only the first has a blank before
   // <br>.
-  CString nameFormat = L"<b>" + getMessage(kMessageSet, kNameLabel) + L":</b> %s <br>\n";
-  CString stationFormat = L"<b>" + getMessage(kMessageSet, kStationLabel) + L":</b> %s<br>\n";
+  CString nameFormat = L"<b>" + getMessage(Message::SampleLineName) + L":</b> %s <br>\n";
+  CString stationFormat = L"<b>" + getMessage(Message::SampleLineStation) + L":</b> %s<br>\n";
   // The bold tags stand outside the row.
-  CString headingRow = L"<b><tr><td>" + getMessage(kMessageSet, kOffsetHeading) + L"</td> <td>" +
-                       getMessage(kMessageSet, kElevationHeading) + L"</td></tr></b>";
+  CString headingRow = L"<b><tr><td>" + getMessage(Message::ProjectionOffset) + L"</td> <td>" +
+                       getMessage(Message::ProjectionElevation) + L"</td></tr></b>";
 };
 
 void appendBlock(CString& page, const Labels& labels, const tsl& record) {
@@ -68,7 +62,7 @@ std::int32_t writeProjectionHtml(const CString& fileName, const CString& /*align
   if (!file) return 0;  // quiet: the command goes on
   const std::int64_t time = services::headerTime();
   CString page;
-  services::appendHtmlHeader(page, kTitle, fileName, time);
+  services::appendHtmlHeader(page, Message::ProjectionTitle, fileName, time);
   const Labels labels;
   for (const tsl* record : list) appendBlock(page, labels, *record);
   page += L"</Body></HTML>";

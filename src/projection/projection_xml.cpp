@@ -14,10 +14,7 @@ namespace {
 
 using services::formatText;
 using services::getMessage;
-using services::kMessageSet;
-
-constexpr std::uint32_t kOffsetName = 124;
-constexpr std::uint32_t kElevationName = 125;
+using services::Message;
 
 class CentreRowsGuard {
  public:
@@ -32,8 +29,8 @@ class CentreRowsGuard {
 
 /// A row's two format steps; the attributes' names are part of the formats.
 struct PointFormats {
-  CString offset = L"<Punkt \t" + getMessage(kMessageSet, kOffsetName) + L"=\"%.3f\"\t";
-  CString elevation = getMessage(kMessageSet, kElevationName) + L"=\"%.3f\" />\n";
+  CString offset = L"<Punkt \t" + getMessage(Message::ProjectionOffset) + L"=\"%.3f\"\t";
+  CString elevation = getMessage(Message::ProjectionElevation) + L"=\"%.3f\" />\n";
 
   void append(CString& document, double a, double b) const {
     document += formatText(offset, {a});

@@ -133,10 +133,10 @@ CString replaceEscapes(CString text) {
   return text;
 }
 
-CString getMessage(int /*set*/, std::uint32_t id) {
+CString getMessage(Message message) {
   std::unique_ptr<CxMsg>& instance = catalogue();
   if (!instance) instance = std::make_unique<CxMsg>(*vnrxHost(), kMessageFile);
-  return instance->lookup(id);
+  return instance->lookup(static_cast<std::uint32_t>(message));
 }
 
 void releaseMessages() noexcept { catalogue().reset(); }

@@ -5,6 +5,7 @@
 
 #include "framework/arrays.h"
 #include "framework/text.h"
+#include "services/messages.h"
 
 namespace lvx::host {
 class Host;
@@ -53,12 +54,10 @@ class CxMsg {
 /// Message files in the field are written for that.
 [[nodiscard]] CString replaceEscapes(CString text);
 
-/// The text of a message. `set` is 107 with every caller and is never read.
-[[nodiscard]] CString getMessage(int set, std::uint32_t id);
+/// The text of a message, a copy.
+[[nodiscard]] CString getMessage(Message message);
 
 /// Forgets the module's one catalogue, so that the next lookup loads it anew: what unloading the module does.
 void releaseMessages() noexcept;
-
-inline constexpr int kMessageSet = 107;
 
 }  // namespace lvx::services

@@ -12,7 +12,7 @@ using host::BoxIcon;
 
 bool mayWriteReport(host::Host& host, const CString& name) {
   if (!host.platform().exists(name)) return true;
-  return host.userInterface().messageBox(name + L" " + getMessage(kMessageSet, 227), BoxButtons::YesNo,
+  return host.userInterface().messageBox(name + L" " + getMessage(Message::OverwriteFile), BoxButtons::YesNo,
                                          BoxIcon::Question) == BoxAnswer::Yes;
 }
 
@@ -20,7 +20,7 @@ bool mayWriteWorkbook(host::Host& host, const CString& name) {
   if (!host.platform().exists(name)) return true;
   if (!mayWriteReport(host, name)) return false;
   while (!host.platform().openFile(name, "w")) {
-    if (host.userInterface().messageBox(name + L" " + getMessage(kMessageSet, 228), BoxButtons::RetryCancel,
+    if (host.userInterface().messageBox(name + L" " + getMessage(Message::RetryWriting), BoxButtons::RetryCancel,
                                         BoxIcon::Question) == BoxAnswer::Cancel)
       return false;
   }
@@ -39,7 +39,7 @@ StemFolder folderOfStem(host::Host& host, const CString& stem) {
 bool mayWriteUnderStem(host::Host& host, const CString& stem) {
   const StemFolder folder = folderOfStem(host, stem);
   if (folder == StemFolder::None)
-    host.userInterface().messageBox(getMessage(kMessageSet, 229), BoxButtons::Ok, BoxIcon::Warning);
+    host.userInterface().messageBox(getMessage(Message::OutputWithoutFolder), BoxButtons::Ok, BoxIcon::Warning);
   return folder == StemFolder::Exists;
 }
 

@@ -17,10 +17,6 @@ constexpr wchar_t kReleaseValue[] = L"CurVer";
 constexpr wchar_t kHostName[] = L"Vantor Lorvix ";
 constexpr wchar_t kStars[] = L"*******************************************************";
 
-constexpr std::uint32_t kPathLabel = 118;
-constexpr std::uint32_t kDateLabel = 119;
-constexpr std::uint32_t kTimeLabel = 120;
-
 /// The host's own release numbers and the years under which they are sold.
 struct Release {
   const wchar_t* number;
@@ -37,21 +33,21 @@ platform::CalendarTime headerFields(std::int64_t time) {
 // The three labelled lines, each with its own words around the label. The label is part of the format.
 
 CString pathLine(const CString& before, const CString& after, const CString& path) {
-  return formatText(before + getMessage(kMessageSet, kPathLabel) + after, {path});
+  return formatText(before + getMessage(Message::OutputPath) + after, {path});
 }
 
 CString dateLine(const CString& before, const CString& after, const platform::CalendarTime& time) {
-  return formatText(before + getMessage(kMessageSet, kDateLabel) + after,
+  return formatText(before + getMessage(Message::Date) + after,
                     {std::int64_t{time.day}, std::int64_t{time.month}, std::int64_t{time.year}});
 }
 
 CString timeLine(const CString& before, const CString& after, const platform::CalendarTime& time) {
-  return formatText(before + getMessage(kMessageSet, kTimeLabel) + after,
+  return formatText(before + getMessage(Message::Time) + after,
                     {std::int64_t{time.hour}, std::int64_t{time.minute}, std::int64_t{time.second}});
 }
 
-CString titleLine(const CString& before, std::uint32_t titleId, const CString& after) {
-  return formatText(before + getMessage(kMessageSet, titleId) + after, {});
+CString titleLine(const CString& before, Message title, const CString& after) {
+  return formatText(before + getMessage(title) + after, {});
 }
 
 }  // namespace
@@ -76,10 +72,10 @@ CString hostReleaseText() {
 
 std::int64_t headerTime() { return vnrxHost()->platform().now(); }
 
-void writeAsciiHeader(std::FILE* stream, std::uint32_t titleId, const CString& path, std::int64_t time) {
+void writeAsciiHeader(std::FILE* stream, Message title, const CString& path, std::int64_t time) {
   const platform::CalendarTime fields = headerFields(time);
   writeNarrow(stream, CString(kStars) + L"\r\n");
-  writeNarrow(stream, titleLine(L"* ", titleId, L"\r\n"));
+  writeNarrow(stream, titleLine(L"* ", title, L"\r\n"));
   writeNarrow(stream, CString(L"* ") + kHostName + hostReleaseText() + L"\r\n");
   writeNarrow(stream, pathLine(L"* ", L"  : %s\r\n", path));
   writeNarrow(stream, dateLine(L"* ", L"  : %02d.%02d.%04d\r\n", fields));
@@ -88,10 +84,10 @@ void writeAsciiHeader(std::FILE* stream, std::uint32_t titleId, const CString& p
   writeNarrow(stream, L"\r\n\r\n");
 }
 
-void writeExcelHeader(ExcelLink& link, std::uint32_t titleId, const CString& path, std::int64_t time) {
+void writeExcelHeader(ExcelLink& link, Message title, const CString& path, std::int64_t time) {
   const platform::CalendarTime fields = headerFields(time);
   writeCell(link, cellName(L'A', 1), kStars);
-  writeCell(link, cellName(L'A', 2), titleLine(L"* ", titleId, L""));
+  writeCell(link, cellName(L'A', 2), titleLine(L"* ", title, L""));
   // This one cell keeps its line end: sheets that users compare with older ones hold it too.
   writeCell(link, cellName(L'A', 3), CString(L"* ") + kHostName + hostReleaseText() + L"\r\n");
   writeCell(link, cellName(L'A', 4), pathLine(L"* ", L"  : %s", path));
@@ -100,11 +96,11 @@ void writeExcelHeader(ExcelLink& link, std::uint32_t titleId, const CString& pat
   writeCell(link, cellName(L'A', 7), kStars);
 }
 
-void appendHtmlHeader(CString& text, std::uint32_t titleId, const CString& path, std::int64_t time) {
+void appendHtmlHeader(CString& text, Message title, const CString& path, std::int64_t time) {
   const platform::CalendarTime fields = headerFields(time);
   text += L"<HTML><Body>";
   text += L"<table border='0'>";
-  text += titleLine(L"<tr><td align=\"left\"><b>", titleId, L"</b></td></tr>");
+  text += titleLine(L"<tr><td align=\"left\"><b>", title, L"</b></td></tr>");
   text += CString(L"<tr><td><b>") + kHostName + hostReleaseText() + L"</b></td></tr>";
   text += pathLine(L"<tr><td align=\"left\"><b>", L":</b></td> <td>%s</td></tr>\n", path);
   text += dateLine(L"<tr><td align=\"left\"><b>", L":</b></td> <td>%02d.%02d.%04d</td></tr>", fields);

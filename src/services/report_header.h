@@ -5,6 +5,7 @@
 
 #include "framework/text.h"
 #include "services/excel_driver.h"
+#include "services/messages.h"
 
 /// The block that opens every report: title, host release, output path, date and time, in its three forms.
 namespace lvx::services {
@@ -21,8 +22,8 @@ int readRegistryText(const CString& subKey, const CString& valueName, CString& o
 /// The current time, read once by each writer before its header.
 [[nodiscard]] std::int64_t headerTime();
 
-void writeAsciiHeader(std::FILE* stream, std::uint32_t titleId, const CString& path, std::int64_t time);
-void writeExcelHeader(ExcelLink& link, std::uint32_t titleId, const CString& path, std::int64_t time);
-void appendHtmlHeader(CString& text, std::uint32_t titleId, const CString& path, std::int64_t time);
+void writeAsciiHeader(std::FILE* stream, Message title, const CString& path, std::int64_t time);
+void writeExcelHeader(ExcelLink& link, Message title, const CString& path, std::int64_t time);
+void appendHtmlHeader(CString& text, Message title, const CString& path, std::int64_t time);
 
 }  // namespace lvx::services

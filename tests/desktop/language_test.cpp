@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "program_window.h"
+#include "services/messages.h"
 
 namespace lvx::test {
 namespace {
@@ -170,25 +171,36 @@ std::map<int, QString> messagesOf(const std::filesystem::path& path) {
 }
 
 TEST(Translation, NamesThingsAsTheReportsDo) {
+  using services::Message;
   const auto messages = messagesOf(LVX_SOURCE_DIR "/messages/de/LVX_MIRELREPORT.txt");
   std::map<QString, QString> words;
   for (const Text& text : readWords(wordsOf("de"))) words[text.source] = text.translations.value(0);
-  const auto message = [&](int number) {
-    const auto found = messages.find(number);
+  const auto message = [&](Message wanted) {
+    const auto found = messages.find(static_cast<int>(wanted));
     return found == messages.end() ? std::string() : QString(found->second).remove(QLatin1Char(':')).toStdString();
   };
-  const std::pair<const char*, int> names[] = {
-      {"Site", 103},    {"Alignment", 104}, {"Sample line group", 105}, {"Surface", 107}, {"Sample line", 122},
-      {"Profile", 302}, {"Corridor", 341},  {"Point groups", 203},      {"Height", 125},  {"left", 318},
-      {"right", 319},
+  const std::pair<const char*, Message> names[] = {
+      {"Site", Message::SiteLabel},
+      {"Alignment", Message::AlignmentLabel},
+      {"Sample line group", Message::SampleLineGroupLabel},
+      {"Surface", Message::SurfaceLabel},
+      {"Sample line", Message::SampleLineName},
+      {"Profile", Message::ProfileLabel},
+      {"Corridor", Message::CorridorLabel},
+      {"Point groups", Message::PointGroupLabel},
+      {"Height", Message::ProjectionElevation},
+      {"left", Message::GlsLeft},
+      {"right", Message::GlsRight},
   };
-  for (const auto& [source, number] : names)
-    EXPECT_EQ(words[QString::fromLatin1(source)].toStdString(), message(number)) << source;
+  for (const auto& [source, wanted] : names)
+    EXPECT_EQ(words[QString::fromLatin1(source)].toStdString(), message(wanted)) << source;
   // Menus name the reports by their titles.
-  const std::pair<const char*, int> reports[] = {{"Profile &projection…", 101}, {"P&oints…", 201}, {"&GLS…", 301}};
-  for (const auto& [source, number] : reports)
+  const std::pair<const char*, Message> reports[] = {{"Profile &projection…", Message::ProjectionTitle},
+                                                     {"P&oints…", Message::PointsTitle},
+                                                     {"&GLS…", Message::GlsTitle}};
+  for (const auto& [source, wanted] : reports)
     EXPECT_EQ(words[QString::fromUtf8(source)].remove(QLatin1Char('&')).remove(QChar(0x2026)).toStdString(),
-              message(number));
+              message(wanted));
 }
 
 // ---------------------------------------------------------------- windows

@@ -43,12 +43,12 @@ TEST(NoCorridorMark, IsLookedForWithinAMillionthAndInTheLeftCrossFallAlone) {
 }
 
 TEST(ElementMessage, GivesOneWordToBothKindsOfClothoidAndNoneToTheUnknown) {
-  EXPECT_EQ(elementMessage(0), 326U);
-  EXPECT_EQ(elementMessage(1), 327U);
-  EXPECT_EQ(elementMessage(2), 328U);
-  EXPECT_EQ(elementMessage(3), 328U);
-  EXPECT_EQ(elementMessage(kNoElement), 0U);
-  EXPECT_EQ(elementMessage(4), 0U);
+  EXPECT_EQ(elementMessage(0), Message::LineElement);
+  EXPECT_EQ(elementMessage(1), Message::ArcElement);
+  EXPECT_EQ(elementMessage(2), Message::ClothoidElement);
+  EXPECT_EQ(elementMessage(3), Message::ClothoidElement);
+  EXPECT_EQ(elementMessage(kNoElement), std::nullopt);
+  EXPECT_EQ(elementMessage(4), std::nullopt);
 }
 
 TEST(GlsColumns, CoverEveryColumnOnceByTheHeadsAbove) {
@@ -59,7 +59,7 @@ TEST(GlsColumns, CoverEveryColumnOnceByTheHeadsAbove) {
     ASSERT_LE(column + span, kGlsColumns.size());
     for (std::size_t covered = column + 1; covered < column + span; ++covered) {
       EXPECT_EQ(kGlsColumns[covered].groupColumns, 0) << "column " << covered;
-      EXPECT_EQ(kGlsColumns[covered].groupHead, 0U) << "column " << covered;
+      EXPECT_EQ(kGlsColumns[covered].groupHead, std::nullopt) << "column " << covered;
     }
     column += span;
   }

@@ -24,6 +24,7 @@ namespace lvx {
 namespace {
 
 namespace fs = std::filesystem;
+using services::Message;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
@@ -96,6 +97,9 @@ struct Page {
   }
 };
 
+/// For what a failure shows.
+std::uint32_t numberOf(Message message) { return static_cast<std::uint32_t>(message); }
+
 /// The messages of one language, as a user sees them.
 class Messages {
  public:
@@ -107,22 +111,22 @@ class Messages {
   Messages(const Messages&) = delete;
   Messages& operator=(const Messages&) = delete;
 
-  [[nodiscard]] std::string at(std::uint32_t id) {
-    const std::string text = platform::toUtf8(services::getMessage(107, id));
-    EXPECT_NE(text, "*" + std::to_string(id) + "*");
+  [[nodiscard]] std::string at(Message message) {
+    const std::string text = platform::toUtf8(services::getMessage(message));
+    EXPECT_NE(text, "*" + std::to_string(numberOf(message)) + "*");
     return text;
   }
   /// Without the mark of the access key.
-  [[nodiscard]] std::string caption(std::uint32_t id) {
-    std::string text = at(id);
+  [[nodiscard]] std::string caption(Message message) {
+    std::string text = at(message);
     std::erase(text, '&');
     return collapsed(text);
   }
   /// The lines of a longer text.
-  [[nodiscard]] std::vector<std::string> lines(std::uint32_t id) {
+  [[nodiscard]] std::vector<std::string> lines(Message message) {
     std::vector<std::string> result;
     std::string line;
-    for (const char c : at(id) + "\n") {
+    for (const char c : at(message) + "\n") {
       if (c != '\n') {
         line += c;
         continue;
@@ -137,39 +141,75 @@ class Messages {
   test::FakeHost host_;
 };
 
-/// What a page has to hold, by numbers of messages.
+/// What a page has to hold.
 struct PageContent {
   const char* page;
-  std::uint32_t title;
+  Message title;
   /// Captions of controls, and heads and columns of the report: each fills a cell of a table.
-  std::vector<std::uint32_t> controls;
-  std::vector<std::uint32_t> columns;
+  std::vector<Message> controls;
+  std::vector<Message> columns;
   /// Words of the report, and entries of lists: each stands by itself as code, with a number behind it or not.
-  std::vector<std::uint32_t> words;
+  std::vector<Message> words;
   /// Prompts, questions and complaints.
-  std::vector<std::uint32_t> sayings;
+  std::vector<Message> sayings;
 };
 
 std::vector<PageContent> contents() {
   return {
       {"project-resources/LVX_015_001.html",
-       101,
-       {102, 103, 104, 105, 107, 108, 114, 115, 116, 4, 5},
-       {122, 123, 124, 125},
-       {109},
-       {110, 111, 112, 113, 227, 228, 229}},
+       Message::ProjectionTitle,
+       {Message::SelectionFrame, Message::SiteLabel, Message::AlignmentLabel, Message::SampleLineGroupLabel,
+        Message::SurfaceLabel, Message::OutputFrame, Message::AsciiForm, Message::ExcelForm, Message::HtmlForm,
+        Message::CancelButton, Message::HelpButton},
+       {Message::SampleLineName, Message::SampleLineStation, Message::ProjectionOffset, Message::ProjectionElevation},
+       {Message::NoSite},
+       {Message::PickAlignment, Message::NotAnAlignment, Message::PickSurfaceOrProfile, Message::NotASurface,
+        Message::OverwriteFile, Message::RetryWriting, Message::OutputWithoutFolder}},
       {"project-resources/LVX_015_002.html",
-       201,
-       {202, 103, 104, 203, 221, 108, 114, 115, 116, 4, 5},
-       {210, 211, 212, 213, 214, 215, 216, 217, 218, 219},
-       {109, 226},
-       {110, 111, 222, 223, 224, 225, 227, 228, 229}},
+       Message::PointsTitle,
+       {Message::PointsSelectionFrame, Message::SiteLabel, Message::AlignmentLabel, Message::PointGroupLabel,
+        Message::PointCountLabel, Message::OutputFrame, Message::AsciiForm, Message::ExcelForm, Message::HtmlForm,
+        Message::CancelButton, Message::HelpButton},
+       {Message::PointNumber, Message::PointEasting, Message::PointNorthing, Message::PointElevation,
+        Message::PointName, Message::PointRawDescription, Message::PointFullDescription, Message::PointAlignment,
+        Message::PointStation, Message::PointOffset},
+       {Message::NoSite, Message::PickedPoints},
+       {Message::PickAlignment, Message::NotAnAlignment, Message::SelectPointsToAdd, Message::SelectPointsToRemove,
+        Message::OnePointSelected, Message::PointsSelected, Message::OverwriteFile, Message::RetryWriting,
+        Message::OutputWithoutFolder}},
       {"project-resources/LVX_015_003.html",
-       301,
-       {102, 103, 104, 302, 341, 105, 108, 114, 115, 116, 4, 5, 8},
-       {310, 311, 312, 313, 303, 343, 344, 304, 314, 315, 316, 305, 306, 307, 320, 308, 321, 322, 309, 323},
-       {109, 324, 325, 329, 330, 331, 332, 333, 334, 335, 336, 337, 338, 339, 340, 346},
-       {3, 110, 111, 112, 227, 228, 229, 318, 319, 326, 327, 328, 342, 345, 347, 348}},
+       Message::GlsTitle,
+       {Message::SelectionFrame, Message::SiteLabel, Message::AlignmentLabel, Message::ProfileLabel,
+        Message::CorridorLabel, Message::SampleLineGroupLabel, Message::OutputFrame, Message::AsciiForm,
+        Message::ExcelForm, Message::HtmlForm, Message::CancelButton, Message::HelpButton, Message::OkButton},
+       {Message::GlsName,
+        Message::GlsStation,
+        Message::GlsDistance,
+        Message::GlsNotes,
+        Message::GlsCurveOrdinates,
+        Message::GlsCurveX,
+        Message::GlsCurveY,
+        Message::GlsElevations,
+        Message::GlsTangentElevation,
+        Message::GlsProfileElevation,
+        Message::GlsCrossFalls,
+        Message::GlsWidths,
+        Message::GlsHeights,
+        Message::GlsEdgeElevations,
+        Message::GlsElement,
+        Message::GlsRadius,
+        Message::GlsParameter,
+        Message::GlsElementLength,
+        Message::GlsAngle,
+        Message::GlsAngleUnit},
+       {Message::NoSite, Message::Rise, Message::Fall, Message::ClothoidStart, Message::ClothoidEnd, Message::ArcStart,
+        Message::ArcEnd, Message::VerticalCurveStart, Message::VerticalIntersection, Message::VerticalCurveEnd,
+        Message::GradeChange, Message::TangentLength, Message::CrestRadius, Message::SagRadius,
+        Message::VerticalCurveTangent, Message::NoCorridor},
+       {Message::CorridorsOutOfReach, Message::PickAlignment, Message::NotAnAlignment, Message::PickSurfaceOrProfile,
+        Message::OverwriteFile, Message::RetryWriting, Message::OutputWithoutFolder, Message::GlsLeft,
+        Message::GlsRight, Message::LineElement, Message::ArcElement, Message::ClothoidElement, Message::NotAProfile,
+        Message::AddSectionsQuestion, Message::AddSectionsTitle, Message::AddSectionsAnswers}},
   };
 }
 
@@ -250,15 +290,17 @@ TEST(HelpPages, SayWhatDialogsAndReportsSay) {
       const pugi::xml_node body = page.document.child("html").child("body");
       EXPECT_EQ(textOf(body.child("h1")), messages.caption(content.title));
       EXPECT_THAT(page.cells, Contains("OK"));
-      for (const std::vector<std::uint32_t>* captions : {&content.controls, &content.columns})
-        for (const std::uint32_t id : *captions) EXPECT_THAT(page.cells, Contains(messages.caption(id))) << id;
-      for (const std::uint32_t id : content.words) {
-        const std::string word = messages.caption(id);
+      for (const std::vector<Message>* captions : {&content.controls, &content.columns})
+        for (const Message message : *captions)
+          EXPECT_THAT(page.cells, Contains(messages.caption(message))) << numberOf(message);
+      for (const Message message : content.words) {
+        const std::string word = messages.caption(message);
         const bool found = page.codes.contains(word) || page.codes.contains(word + "1");
-        EXPECT_TRUE(found) << id << ": " << word;
+        EXPECT_TRUE(found) << numberOf(message) << ": " << word;
       }
-      for (const std::uint32_t id : content.sayings)
-        for (const std::string& line : messages.lines(id)) EXPECT_THAT(page.text, HasSubstr(line)) << id;
+      for (const Message message : content.sayings)
+        for (const std::string& line : messages.lines(message))
+          EXPECT_THAT(page.text, HasSubstr(line)) << numberOf(message);
     }
   }
 }

@@ -137,7 +137,7 @@ TEST(MessageLines, AZeroByteEndsWhatTheLineSays) {
 TEST(MessageLines, FollowTheCodePageOfTheHost) {
   FakeHost host({.messageCodePage = "WINDOWS-1251"});
   host.useMessageBytes("103 \xCE\xF1\xFC");
-  EXPECT_EQ(getMessage(kMessageSet, 103), L"\u041E\u0441\u044C");
+  EXPECT_EQ(getMessage(Message::SiteLabel), L"\u041E\u0441\u044C");
 }
 
 // ---------------------------------------------------------------- escapes
@@ -206,10 +206,10 @@ TEST(MessageEscapes, ALongRunTakesNoTime) { EXPECT_EQ(replaceEscapes(CString(5'0
 TEST(MessageCatalogue, WithoutAFileEveryTextIsItsNumberAndTheConsoleHearsOnce) {
   FakeHost host;
   host.run().files[test::kMessageFileName] = L"/no/such/folder/LVX_MIRELREPORT.txt";
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(getMessage(kMessageSet, 5), L"*5*");
-  EXPECT_EQ(getMessage(kMessageSet, 110), L"*110*");
-  EXPECT_EQ(getMessage(kMessageSet, 0), L"*0*");
-  EXPECT_EQ(getMessage(kMessageSet, 4294967295U), L"*-1*");
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(getMessage(Message::HelpButton), L"*5*");
+  EXPECT_EQ(getMessage(Message::PickAlignment), L"*110*");
+  EXPECT_EQ(getMessage(Message{0}), L"*0*");
+  EXPECT_EQ(getMessage(Message{4294967295}), L"*-1*");
   ASSERT_EQ(host.run().console.size(), 1U);
   EXPECT_EQ(host.run().console[0], L"Error opening text file: /no/such/folder/LVX_MIRELREPORT.txt\n");
 }
@@ -239,35 +239,28 @@ TEST(MessageCatalogue, IsReadAtTheFirstLookupAndNeverAgain) {
   FakeHost host;
   EXPECT_TRUE(host.run().searchedFiles.empty());
   host.useMessageBytes("5 first");
-  EXPECT_EQ(getMessage(kMessageSet, 5), L"first");
+  EXPECT_EQ(getMessage(Message::HelpButton), L"first");
   const CString path = host.run().files[test::kMessageFileName];
   { std::fputs("5 second", host.platform().openFile(path, "wb").get()); }
-  EXPECT_EQ(getMessage(kMessageSet, 5), L"first");
+  EXPECT_EQ(getMessage(Message::HelpButton), L"first");
   EXPECT_EQ(host.run().searchedFiles.size(), 1U);
   // Unloading the module forgets it.
   releaseMessages();
-  EXPECT_EQ(getMessage(kMessageSet, 5), L"second");
+  EXPECT_EQ(getMessage(Message::HelpButton), L"second");
 }
 
 TEST(MessageCatalogue, AFileThatComesTooLateIsNotRead) {
   FakeHost host;
   host.run().files[test::kMessageFileName] = host.folder() + L"later.txt";
-  EXPECT_EQ(getMessage(kMessageSet, 5), L"*5*");
+  EXPECT_EQ(getMessage(Message::HelpButton), L"*5*");
   { std::fputs("5 late", host.platform().openFile(host.folder() + L"later.txt", "wb").get()); }
-  EXPECT_EQ(getMessage(kMessageSet, 5), L"*5*");
-}
-
-TEST(MessageCatalogue, TheSetIsNeverRead) {
-  FakeHost host;
-  host.useMessageBytes("5 x");
-  EXPECT_EQ(getMessage(0, 5), L"x");
-  EXPECT_EQ(getMessage(-1, 5), L"x");
+  EXPECT_EQ(getMessage(Message::HelpButton), L"*5*");
 }
 
 TEST(MessageCatalogue, PercentSignsAndConsoleFormatsAreLeftAlone) {
   FakeHost host;
   host.run().files[test::kMessageFileName] = L"/no/100%s";
-  EXPECT_EQ(getMessage(kMessageSet, 5), L"*5*");
+  EXPECT_EQ(getMessage(Message::HelpButton), L"*5*");
   EXPECT_EQ(host.run().consoleText(), L"Error opening text file: /no/100%s\n");
 }
 

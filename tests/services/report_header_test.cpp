@@ -35,11 +35,11 @@ std::string written(FakeHost& host, const std::function<void(std::FILE*)>& write
   return bytes;
 }
 
-std::string asciiHeader(FakeHost& host, std::uint32_t title, const CString& path, std::int64_t time = kMoment) {
+std::string asciiHeader(FakeHost& host, Message title, const CString& path, std::int64_t time = kMoment) {
   return written(host, [&](std::FILE* stream) { writeAsciiHeader(stream, title, path, time); });
 }
 
-CString htmlHeader(std::uint32_t title, const CString& path, std::int64_t time = kMoment) {
+CString htmlHeader(Message title, const CString& path, std::int64_t time = kMoment) {
   CString text;
   appendHtmlHeader(text, title, path, time);
   return text;
@@ -57,8 +57,7 @@ class CellRecorder final : public host::Sheet {
   std::vector<std::pair<CString, CString>> cells;
 };
 
-std::vector<std::pair<CString, CString>> excelHeader(std::uint32_t title, const CString& path,
-                                                     std::int64_t time = kMoment) {
+std::vector<std::pair<CString, CString>> excelHeader(Message title, const CString& path, std::int64_t time = kMoment) {
   auto sheet = std::make_unique<CellRecorder>();
   CellRecorder& cells = *sheet;
   ExcelLink link;
@@ -162,40 +161,41 @@ TEST(HostRelease, TheRegistryReaderTellsTheThreeCasesApart) {
 TEST(AsciiHeader, ToTheByte) {
   FakeHost host({.fixedMoment = kMoment});
   host.useMessageBytes(kMessages);
-  EXPECT_EQ(asciiHeader(host, 101, L"out/road.txt"), kStarLine +
-                                                         "\r\n"
-                                                         "* Profiles projection\r\n"
-                                                         "* Vantor Lorvix 2021\r\n"
-                                                         "* Output file  : out/road.txt\r\n"
-                                                         "* Date  : 11.03.2026\r\n"
-                                                         "* Time   : 07:02:05\r\n" +
-                                                         kStarLine + "\r\n\r\n\r\n");
+  EXPECT_EQ(asciiHeader(host, Message::ProjectionTitle, L"out/road.txt"), kStarLine +
+                                                                              "\r\n"
+                                                                              "* Profiles projection\r\n"
+                                                                              "* Vantor Lorvix 2021\r\n"
+                                                                              "* Output file  : out/road.txt\r\n"
+                                                                              "* Date  : 11.03.2026\r\n"
+                                                                              "* Time   : 07:02:05\r\n" +
+                                                                              kStarLine + "\r\n\r\n\r\n");
 }
 
 TEST(AsciiHeader, WithoutAMessageFileShowsTheNumbers) {
   FakeHost host({.fixedMoment = kMoment, .release = L""});
-  EXPECT_EQ(asciiHeader(host, 101, L"p"), kStarLine +
-                                              "\r\n"
-                                              "* *101*\r\n"
-                                              "* Vantor Lorvix \r\n"
-                                              "* *118*  : p\r\n"
-                                              "* *119*  : 11.03.2026\r\n"
-                                              "* *120*   : 07:02:05\r\n" +
-                                              kStarLine + "\r\n\r\n\r\n");
+  EXPECT_EQ(asciiHeader(host, Message::ProjectionTitle, L"p"), kStarLine +
+                                                                   "\r\n"
+                                                                   "* *101*\r\n"
+                                                                   "* Vantor Lorvix \r\n"
+                                                                   "* *118*  : p\r\n"
+                                                                   "* *119*  : 11.03.2026\r\n"
+                                                                   "* *120*   : 07:02:05\r\n" +
+                                                                   kStarLine + "\r\n\r\n\r\n");
 }
 
 TEST(AsciiHeader, APercentSignOfThePathIsReadAsAConversion) {
   FakeHost host({.fixedMoment = kMoment});
   host.useMessageBytes(kMessages);
-  EXPECT_NE(asciiHeader(host, 101, L"out/50% road %d.txt").find("* Output file  : out/50road 0.txt\r\n"),
-            std::string::npos);
+  EXPECT_NE(
+      asciiHeader(host, Message::ProjectionTitle, L"out/50% road %d.txt").find("* Output file  : out/50road 0.txt\r\n"),
+      std::string::npos);
 }
 
 TEST(ExcelHeader, FillsSevenCellsOfColumnA) {
   FakeHost host({.fixedMoment = kMoment});
   host.useMessageBytes(kMessages);
   const std::wstring stars(55, L'*');
-  EXPECT_EQ(excelHeader(201, L"out/50% road.xls"),
+  EXPECT_EQ(excelHeader(Message::PointsTitle, L"out/50% road.xls"),
             (std::vector<std::pair<CString, CString>>{{L"A1", stars},
                                                       {L"A2", L"* Points"},
                                                       {L"A3", L"* Vantor Lorvix 2021\r\n"},
@@ -208,7 +208,7 @@ TEST(ExcelHeader, FillsSevenCellsOfColumnA) {
 TEST(HtmlHeader, IsOneRunWithASingleLineFeed) {
   FakeHost host({.fixedMoment = kMoment});
   host.useMessageBytes(kMessages);
-  EXPECT_EQ(htmlHeader(301, L"out/\u0416 50% road.html"),
+  EXPECT_EQ(htmlHeader(Message::GlsTitle, L"out/\u0416 50% road.html"),
             L"<HTML><Body><table border='0'>"
             L"<tr><td align=\"left\"><b>GLS</b></td></tr>"
             L"<tr><td><b>Vantor Lorvix 2021</b></td></tr>"
@@ -221,35 +221,36 @@ TEST(HtmlHeader, IsOneRunWithASingleLineFeed) {
 TEST(HtmlHeader, AddsToWhatStandsThere) {
   FakeHost host({.fixedMoment = kMoment});
   CString text = L"before";
-  appendHtmlHeader(text, 101, L"p", kMoment);
-  EXPECT_EQ(text, L"before" + htmlHeader(101, L"p"));
+  appendHtmlHeader(text, Message::ProjectionTitle, L"p", kMoment);
+  EXPECT_EQ(text, L"before" + htmlHeader(Message::ProjectionTitle, L"p"));
 }
 
 TEST(ReportHeader, PercentSignsOfItsMessagesAreConversions) {
   FakeHost host({.fixedMoment = kMoment});
   host.useMessageBytes("101 100%% of %d %s\r\n118 %d file\r\n119 %d Date\r\n120 Time %\r\n");
-  const auto cells = excelHeader(101, L"path");
+  const auto cells = excelHeader(Message::ProjectionTitle, L"path");
   EXPECT_EQ(cells[1].second, L"* 100% of 0 (null)");
   // The conversion of the label takes the path, which is no integer; nothing is left for the line's own.
   EXPECT_EQ(cells[3].second, L"* 0 file  : (null)");
   EXPECT_EQ(cells[4].second, L"* 11 Date  : 03.2026.0000");
   // "%  : " is a conversion by flags and the colon.
   EXPECT_EQ(cells[5].second, L"* Time : 07:02:05");
-  EXPECT_NE(htmlHeader(101, L"path").find(L"<b>100% of 0 (null)</b>"), CString::npos);
+  EXPECT_NE(htmlHeader(Message::ProjectionTitle, L"path").find(L"<b>100% of 0 (null)</b>"), CString::npos);
   // In a text file the line is read once more, where the sign that was left begins the octal conversion "% o".
-  EXPECT_NE(asciiHeader(host, 101, L"path").find("* 1000f 0 (null)\r\n"), std::string::npos);
+  EXPECT_NE(asciiHeader(host, Message::ProjectionTitle, L"path").find("* 1000f 0 (null)\r\n"), std::string::npos);
 }
 
 TEST(ReportHeader, AMomentWithoutACalendarDateShowsNoughtsAndMinusOnes) {
   FakeHost host;
   host.useMessageBytes(kMessages);
   for (const std::int64_t moment : {std::int64_t{-1}, std::numeric_limits<std::int64_t>::max()}) {
-    const auto cells = excelHeader(101, L"p", moment);
+    const auto cells = excelHeader(Message::ProjectionTitle, L"p", moment);
     EXPECT_EQ(cells[4].second, L"* Date  : 00.00.0000");
     EXPECT_EQ(cells[5].second, L"* Time   : -1:-1:-1");
-    EXPECT_NE(asciiHeader(host, 101, L"p", moment).find("* Date  : 00.00.0000\r\n* Time   : -1:-1:-1\r\n"),
+    EXPECT_NE(asciiHeader(host, Message::ProjectionTitle, L"p", moment)
+                  .find("* Date  : 00.00.0000\r\n* Time   : -1:-1:-1\r\n"),
               std::string::npos);
-    EXPECT_NE(htmlHeader(101, L"p", moment).find(L"<td>-1:-1:-1</td>"), CString::npos);
+    EXPECT_NE(htmlHeader(Message::ProjectionTitle, L"p", moment).find(L"<td>-1:-1:-1</td>"), CString::npos);
   }
 }
 

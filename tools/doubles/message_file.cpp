@@ -12,6 +12,7 @@ namespace lvx::test {
 namespace {
 
 using framework::CString;
+using services::Message;
 
 constexpr std::size_t kLongestLine = 2045;
 // Room in characters: dialog units by four a character, less the box of a check box.
@@ -24,112 +25,117 @@ constexpr std::size_t kPointColumn = 12;
 
 using enum MessageUse;
 constexpr std::array kMessages{std::to_array<MessageInUse>({
-    {1, Plain, 0},
-    {3, Plain, 0},
-    {4, Caption, kButtonRoom},
-    {5, Caption, kButtonRoom},
-    {8, Caption, kButtonRoom},
-    {101, ReportText, kGroupRoom},
-    {102, Caption, kGroupRoom},
-    {103, Caption, kLabelRoom},
-    {104, Caption, kLabelRoom},
-    {105, Caption, kLabelRoom},
-    {107, Caption, kLabelRoom},
-    {108, Caption, kGroupRoom},
-    {109, Plain, kListRoom},
-    {110, Plain, 0},
-    {111, Plain, 0},
-    {112, Plain, 0},
-    {113, Plain, 0},
-    {114, Caption, kCheckRoom},
-    {115, Caption, kCheckRoom},
-    {116, Caption, kCheckRoom},
-    {118, ReportText, 0},
-    {119, ReportText, 0},
-    {120, ReportText, 0},
-    {122, ReportText, 0},
-    {123, ReportText, 0},
-    {124, ReportText, 0},
-    {125, ReportText, 0},
-    {201, ReportText, kGroupRoom},
-    {202, Caption, kGroupRoom},
-    {203, Caption, kLabelRoom},
-    {210, ReportText, kPointColumn},
-    {211, ReportText, kPointColumn},
-    {212, ReportText, kPointColumn},
-    {213, ReportText, kPointColumn},
-    {214, ReportText, kPointColumn},
-    {215, ReportText, kPointColumn},
-    {216, ReportText, kPointColumn},
-    {217, ReportText, kPointColumn},
-    {218, ReportText, kPointColumn},
-    {219, ReportText, kPointColumn},
-    {221, Caption, kLabelRoom},
-    {222, Plain, 0},
-    {223, Plain, 0},
-    {224, Plain, kLabelRoom - 7},
-    {225, Plain, kLabelRoom - 7},
-    {226, Plain, kListRoom},
-    {227, Plain, 0},
-    {228, Plain, 0},
-    {229, Plain, 0},
-    {301, ReportText, kGroupRoom},
-    {302, Caption, kLabelRoom},
+    {Message::FileFilter, Plain, 0},
+    {Message::CorridorsOutOfReach, Plain, 0},
+    {Message::CancelButton, Caption, kButtonRoom},
+    {Message::HelpButton, Caption, kButtonRoom},
+    {Message::OkButton, Caption, kButtonRoom},
+    {Message::ProjectionTitle, ReportText, kGroupRoom},
+    {Message::SelectionFrame, Caption, kGroupRoom},
+    {Message::SiteLabel, Caption, kLabelRoom},
+    {Message::AlignmentLabel, Caption, kLabelRoom},
+    {Message::SampleLineGroupLabel, Caption, kLabelRoom},
+    {Message::SurfaceLabel, Caption, kLabelRoom},
+    {Message::OutputFrame, Caption, kGroupRoom},
+    {Message::NoSite, Plain, kListRoom},
+    {Message::PickAlignment, Plain, 0},
+    {Message::NotAnAlignment, Plain, 0},
+    {Message::PickSurfaceOrProfile, Plain, 0},
+    {Message::NotASurface, Plain, 0},
+    {Message::AsciiForm, Caption, kCheckRoom},
+    {Message::ExcelForm, Caption, kCheckRoom},
+    {Message::HtmlForm, Caption, kCheckRoom},
+    {Message::OutputPath, ReportText, 0},
+    {Message::Date, ReportText, 0},
+    {Message::Time, ReportText, 0},
+    {Message::SampleLineName, ReportText, 0},
+    {Message::SampleLineStation, ReportText, 0},
+    {Message::ProjectionOffset, ReportText, 0},
+    {Message::ProjectionElevation, ReportText, 0},
+    {Message::PointsTitle, ReportText, kGroupRoom},
+    {Message::PointsSelectionFrame, Caption, kGroupRoom},
+    {Message::PointGroupLabel, Caption, kLabelRoom},
+    {Message::PointNumber, ReportText, kPointColumn},
+    {Message::PointEasting, ReportText, kPointColumn},
+    {Message::PointNorthing, ReportText, kPointColumn},
+    {Message::PointElevation, ReportText, kPointColumn},
+    {Message::PointName, ReportText, kPointColumn},
+    {Message::PointRawDescription, ReportText, kPointColumn},
+    {Message::PointFullDescription, ReportText, kPointColumn},
+    {Message::PointAlignment, ReportText, kPointColumn},
+    {Message::PointStation, ReportText, kPointColumn},
+    {Message::PointOffset, ReportText, kPointColumn},
+    {Message::PointCountLabel, Caption, kLabelRoom},
+    {Message::SelectPointsToAdd, Plain, 0},
+    {Message::SelectPointsToRemove, Plain, 0},
+    {Message::OnePointSelected, Plain, kLabelRoom - 7},
+    {Message::PointsSelected, Plain, kLabelRoom - 7},
+    {Message::PickedPoints, Plain, kListRoom},
+    {Message::OverwriteFile, Plain, 0},
+    {Message::RetryWriting, Plain, 0},
+    {Message::OutputWithoutFolder, Plain, 0},
+    {Message::GlsTitle, ReportText, kGroupRoom},
+    {Message::ProfileLabel, Caption, kLabelRoom},
     // Heads over pairs of columns, then single ones.
-    {303, ReportText, 15},
-    {304, ReportText, 21},
-    {305, ReportText, 13},
-    {306, ReportText, 17},
-    {307, ReportText, 17},
-    {308, ReportText, 6},
-    {309, ReportText, 7},
-    {310, ReportText, 6},
-    {311, ReportText, 11},
-    {312, ReportText, 9},
-    {313, ReportText, 10},
-    {314, ReportText, 10},
-    {315, ReportText, 10},
-    {316, ReportText, 13},
-    {318, ReportText, 6},
-    {319, ReportText, 6},
-    {320, ReportText, 8},
-    {321, ReportText, 6},
-    {322, ReportText, 7},
-    {323, ReportText, 7},
-    {324, ReportText, 0},
-    {325, ReportText, 0},
-    {326, ReportText, 8},
-    {327, ReportText, 8},
-    {328, ReportText, 8},
-    {329, ReportText, 0},
-    {330, ReportText, 0},
-    {331, ReportText, 0},
-    {332, ReportText, 0},
-    {333, ReportText, 0},
-    {334, ReportText, 0},
-    {335, ReportText, 0},
-    {336, ReportText, 0},
-    {337, ReportText, 0},
-    {338, ReportText, 0},
-    {339, ReportText, 0},
-    {340, ReportText, 0},
-    {341, Caption, kLabelRoom},
-    {342, Plain, 0},
-    {343, ReportText, 7},
-    {344, ReportText, 7},
-    {345, Plain, 0},
-    {346, ReportText, 6},
-    {347, Plain, kGroupRoom},
-    {348, Plain, 0},
+    {Message::GlsCurveOrdinates, ReportText, 15},
+    {Message::GlsElevations, ReportText, 21},
+    {Message::GlsWidths, ReportText, 13},
+    {Message::GlsHeights, ReportText, 17},
+    {Message::GlsEdgeElevations, ReportText, 17},
+    {Message::GlsRadius, ReportText, 6},
+    {Message::GlsAngle, ReportText, 7},
+    {Message::GlsName, ReportText, 6},
+    {Message::GlsStation, ReportText, 11},
+    {Message::GlsDistance, ReportText, 9},
+    {Message::GlsNotes, ReportText, 10},
+    {Message::GlsTangentElevation, ReportText, 10},
+    {Message::GlsProfileElevation, ReportText, 10},
+    {Message::GlsCrossFalls, ReportText, 13},
+    {Message::GlsLeft, ReportText, 6},
+    {Message::GlsRight, ReportText, 6},
+    {Message::GlsElement, ReportText, 8},
+    {Message::GlsParameter, ReportText, 6},
+    {Message::GlsElementLength, ReportText, 7},
+    {Message::GlsAngleUnit, ReportText, 7},
+    {Message::Rise, ReportText, 0},
+    {Message::Fall, ReportText, 0},
+    {Message::LineElement, ReportText, 8},
+    {Message::ArcElement, ReportText, 8},
+    {Message::ClothoidElement, ReportText, 8},
+    {Message::ClothoidStart, ReportText, 0},
+    {Message::ClothoidEnd, ReportText, 0},
+    {Message::ArcStart, ReportText, 0},
+    {Message::ArcEnd, ReportText, 0},
+    {Message::VerticalCurveStart, ReportText, 0},
+    {Message::VerticalIntersection, ReportText, 0},
+    {Message::VerticalCurveEnd, ReportText, 0},
+    {Message::GradeChange, ReportText, 0},
+    {Message::TangentLength, ReportText, 0},
+    {Message::CrestRadius, ReportText, 0},
+    {Message::SagRadius, ReportText, 0},
+    {Message::VerticalCurveTangent, ReportText, 0},
+    {Message::CorridorLabel, Caption, kLabelRoom},
+    {Message::NotAProfile, Plain, 0},
+    {Message::GlsCurveX, ReportText, 7},
+    {Message::GlsCurveY, ReportText, 7},
+    {Message::AddSectionsQuestion, Plain, 0},
+    {Message::NoCorridor, ReportText, 6},
+    {Message::AddSectionsTitle, Plain, kGroupRoom},
+    {Message::AddSectionsAnswers, Plain, 0},
 })};
 
-constexpr std::array<std::uint32_t, 6> kRowNames{329, 330, 331, 332, 333, 335};
-constexpr std::array<std::uint32_t, 4> kAccessKeyed{5, 114, 115, 116};
+constexpr std::array<Message, 6> kRowNames{Message::ClothoidStart,      Message::ClothoidEnd,
+                                           Message::ArcStart,           Message::ArcEnd,
+                                           Message::VerticalCurveStart, Message::VerticalCurveEnd};
+constexpr std::array<Message, 4> kAccessKeyed{Message::HelpButton, Message::AsciiForm, Message::ExcelForm,
+                                              Message::HtmlForm};
 
-using Texts = std::map<std::uint32_t, CString>;
+using Texts = std::map<Message, CString>;
 using Complaints = std::vector<std::string>;
 
-std::string about(std::uint32_t id, const std::string& what) { return "message " + std::to_string(id) + " " + what; }
+std::string numberOf(Message message) { return std::to_string(static_cast<std::uint32_t>(message)); }
+
+std::string about(Message message, const std::string& what) { return "message " + numberOf(message) + " " + what; }
 
 /// Reads the lines, says what is wrong with their bytes, and gives the messages.
 Texts readLines(std::string_view bytes, Complaints& complaints) {
@@ -160,11 +166,12 @@ Texts readLines(std::string_view bytes, Complaints& complaints) {
       continue;
     }
     while (at < line.size() && line[at] == ' ') ++at;
+    const Message message{id};
     const bool isKnown =
-        std::any_of(kMessages.begin(), kMessages.end(), [&](const auto& known) { return known.id == id; });
+        std::any_of(kMessages.begin(), kMessages.end(), [&](const auto& known) { return known.message == message; });
     if (!isKnown) complain("holds the number " + std::to_string(id) + ", which nothing asks for");
-    if (texts.contains(id)) complain("holds the number " + std::to_string(id) + " again");
-    texts.try_emplace(id, services::replaceEscapes(platform.widenAnsi(line.substr(at))));
+    if (texts.contains(message)) complain("holds the number " + std::to_string(id) + " again");
+    texts.try_emplace(message, services::replaceEscapes(platform.widenAnsi(line.substr(at))));
   }
   return texts;
 }
@@ -190,12 +197,12 @@ CString accessKeys(const CString& text) {
   return keys;
 }
 
-void checkReportText(std::uint32_t id, const CString& text, Complaints& complaints) {
+void checkReportText(Message message, const CString& text, Complaints& complaints) {
   if (text.find(L'%') != CString::npos)
-    complaints.push_back(about(id, "holds a percent sign, which a report reads as a conversion"));
-  if (text.find_first_of(L"<>&") != CString::npos) complaints.push_back(about(id, "holds markup of a page"));
+    complaints.push_back(about(message, "holds a percent sign, which a report reads as a conversion"));
+  if (text.find_first_of(L"<>&") != CString::npos) complaints.push_back(about(message, "holds markup of a page"));
   if (std::any_of(text.begin(), text.end(), [](wchar_t c) { return c < L' ' || c > 0xFF || (c >= 0x7F && c < 0xA0); }))
-    complaints.push_back(about(id, "holds a character that a text file can't"));
+    complaints.push_back(about(message, "holds a character that a text file can't"));
 }
 
 bool isXmlName(const CString& text) {
@@ -223,28 +230,29 @@ bool isFilter(const CString& text) {
 }
 
 void checkRowNames(const Texts& texts, Complaints& complaints) {
-  const CString& mark = texts.at(334);
+  const CString& mark = texts.at(Message::VerticalIntersection);
   if (mark.size() < 2) {
-    complaints.push_back(about(334, "has less than two characters"));
+    complaints.push_back(about(Message::VerticalIntersection, "has less than two characters"));
     return;
   }
   const auto beginsLikeIt = [&](const CString& name) { return name.starts_with(mark.substr(0, 2)); };
-  for (const std::uint32_t id : kRowNames)
+  for (const Message message : kRowNames)
     for (const wchar_t digit : CString(L"123456789"))
-      if (beginsLikeIt(texts.at(id) + digit)) {
-        complaints.push_back(about(id, "begins like message 334"));
+      if (beginsLikeIt(texts.at(message) + digit)) {
+        complaints.push_back(about(message, "begins like message 334"));
         break;
       }
   // Rows between two lines are named so in every language.
-  if (beginsLikeIt(L"ILL")) complaints.push_back(about(334, "begins like the rows between two lines"));
+  if (beginsLikeIt(L"ILL"))
+    complaints.push_back(about(Message::VerticalIntersection, "begins like the rows between two lines"));
 }
 
 void checkAccessKeys(const Texts& texts, Complaints& complaints) {
-  std::map<wchar_t, std::uint32_t> owners;
-  for (const std::uint32_t id : kAccessKeyed)
-    for (const wchar_t key : accessKeys(texts.at(id)))
-      if (const auto [owner, isNew] = owners.try_emplace(key, id); !isNew)
-        complaints.push_back(about(id, "has the access key of message " + std::to_string(owner->second)));
+  std::map<wchar_t, Message> owners;
+  for (const Message message : kAccessKeyed)
+    for (const wchar_t key : accessKeys(texts.at(message)))
+      if (const auto [owner, isNew] = owners.try_emplace(key, message); !isNew)
+        complaints.push_back(about(message, "has the access key of message " + numberOf(owner->second)));
 }
 
 }  // namespace
@@ -254,22 +262,25 @@ std::span<const MessageInUse> messagesInUse() { return kMessages; }
 std::vector<std::string> messageFileComplaints(std::string_view bytes) {
   Complaints complaints;
   Texts texts = readLines(bytes, complaints);
-  for (const MessageInUse& message : kMessages) {
-    const CString& text = texts[message.id];
-    if (text.empty()) complaints.push_back(about(message.id, "is missing"));
-    if (message.room > 0 && shownLength(text, message.use) > message.room)
-      complaints.push_back(about(message.id, "is longer than " + std::to_string(message.room) + " characters"));
-    if (message.use == ReportText) checkReportText(message.id, text, complaints);
-    if (message.use == Caption && accessKeys(text).size() > 1)
-      complaints.push_back(about(message.id, "has more than one access key"));
+  for (const MessageInUse& known : kMessages) {
+    const CString& text = texts[known.message];
+    if (text.empty()) complaints.push_back(about(known.message, "is missing"));
+    if (known.room > 0 && shownLength(text, known.use) > known.room)
+      complaints.push_back(about(known.message, "is longer than " + std::to_string(known.room) + " characters"));
+    if (known.use == ReportText) checkReportText(known.message, text, complaints);
+    if (known.use == Caption && accessKeys(text).size() > 1)
+      complaints.push_back(about(known.message, "has more than one access key"));
   }
-  if (!isFilter(texts[1])) complaints.push_back(about(1, "is no complete filter"));
-  if (!texts[109].starts_with(L'*')) complaints.push_back(about(109, "doesn't begin with a star"));
-  for (const std::uint32_t id : {124U, 125U})
-    if (!isXmlName(texts[id])) complaints.push_back(about(id, "is no name of an XML attribute"));
-  if (texts[124] == texts[125]) complaints.push_back(about(125, "is the same as message 124"));
-  if (texts[118].size() != texts[119].size() || texts[119].size() != texts[120].size() + 1)
-    complaints.push_back(about(120, "doesn't put the colons of 118 to 120 under each other"));
+  if (!isFilter(texts[Message::FileFilter])) complaints.push_back(about(Message::FileFilter, "is no complete filter"));
+  if (!texts[Message::NoSite].starts_with(L'*'))
+    complaints.push_back(about(Message::NoSite, "doesn't begin with a star"));
+  for (const Message message : {Message::ProjectionOffset, Message::ProjectionElevation})
+    if (!isXmlName(texts[message])) complaints.push_back(about(message, "is no name of an XML attribute"));
+  if (texts[Message::ProjectionOffset] == texts[Message::ProjectionElevation])
+    complaints.push_back(about(Message::ProjectionElevation, "is the same as message 124"));
+  if (texts[Message::OutputPath].size() != texts[Message::Date].size() ||
+      texts[Message::Date].size() != texts[Message::Time].size() + 1)
+    complaints.push_back(about(Message::Time, "doesn't put the colons of 118 to 120 under each other"));
   checkRowNames(texts, complaints);
   checkAccessKeys(texts, complaints);
   return complaints;

@@ -18,8 +18,9 @@ namespace {
 
 using framework::tpt3;
 using framework::tpt3list;
+using services::Message;
 
-CString message(std::uint32_t id) { return services::getMessage(services::kMessageSet, id); }
+CString message(Message wanted) { return services::getMessage(wanted); }
 
 CString number(const char* format, double value) {
   char buffer[400];
@@ -29,7 +30,7 @@ CString number(const char* format, double value) {
   return {narrow.begin(), narrow.end()};
 }
 
-CString label(std::uint32_t id, long count) { return message(id) + std::to_wstring(count); }
+CString label(Message wanted, long count) { return message(wanted) + std::to_wstring(count); }
 
 // ---------------------------------------------------------------- rows of the alignment
 
@@ -42,21 +43,21 @@ struct Counters {
 /// The label table, a line of it at a time. -1 is no element.
 CString startName(int type, int before, Counters& n) {
   if (type == 0 && before == 0) return L"ILL" + std::to_wstring(n.line - 1) + L"-" + std::to_wstring(n.line);
-  if (type == 0 && before == 1) return label(332, n.arc++);
-  if (type == 0) return label(330, n.clothoid++);
+  if (type == 0 && before == 1) return label(Message::ArcEnd, n.arc++);
+  if (type == 0) return label(Message::ClothoidEnd, n.clothoid++);
   if (type == 1 && before == 1) {
     ++n.arc;
-    return label(332, n.arc - 1) + L", " + label(331, n.arc);
+    return label(Message::ArcEnd, n.arc - 1) + L", " + label(Message::ArcStart, n.arc);
   }
-  if (type == 1) return label(331, n.arc);
-  if (before == -1 || before == 0) return label(329, n.clothoid);
-  if (before == 1) return label(332, n.arc++);
+  if (type == 1) return label(Message::ArcStart, n.arc);
+  if (before == -1 || before == 0) return label(Message::ClothoidStart, n.clothoid);
+  if (before == 1) return label(Message::ArcEnd, n.arc++);
   if (type == 3 && before == 2) {
     ++n.arc;
-    return label(331, n.arc - 1) + L", " + label(332, n.arc - 1);
+    return label(Message::ArcStart, n.arc - 1) + L", " + label(Message::ArcEnd, n.arc - 1);
   }
   ++n.clothoid;
-  return label(330, n.clothoid - 1) + L", " + label(329, n.clothoid);
+  return label(Message::ClothoidEnd, n.clothoid - 1) + L", " + label(Message::ClothoidStart, n.clothoid);
 }
 
 void horizontals(const GlsCase& made, tglsReport& report) {
@@ -98,8 +99,8 @@ void horizontals(const GlsCase& made, tglsReport& report) {
   std::unique_ptr<tglsRow> guard(closing);
   closing->station = report.horElems[report.horElems.size() - 1]->end;
   const int last = made.elements.back().type;
-  if (last == 1) closing->name = label(332, n.arc);
-  if (last > 1) closing->name = label(330, n.clothoid);
+  if (last == 1) closing->name = label(Message::ArcEnd, n.arc);
+  if (last > 1) closing->name = label(Message::ClothoidEnd, n.clothoid);
   report.rows.add(guard.release());
 }
 
@@ -180,9 +181,9 @@ void verticals(const std::vector<host::tvert>& p, tglsReport& report) {
   }
   for (long k = 1; k <= n - 2; ++k) {
     const host::tvert& at = p[static_cast<std::size_t>(k)];
-    addStationLabel(label(333, k), at.station - at.halfLength, report);
-    addStationLabel(label(334, k), at.station, report);
-    addStationLabel(label(335, k), at.station + at.halfLength, report);
+    addStationLabel(label(Message::VerticalCurveStart, k), at.station - at.halfLength, report);
+    addStationLabel(label(Message::VerticalIntersection, k), at.station, report);
+    addStationLabel(label(Message::VerticalCurveEnd, k), at.station + at.halfLength, report);
   }
 }
 
@@ -286,7 +287,7 @@ void join(CString& notes, const CString& joiner, const CString& text) {
 }
 
 void notes(tglsReport& report) {
-  const CString w = message(334);
+  const CString w = message(Message::VerticalIntersection);
   ArrayIndex j = 0;
   ArrayIndex b = 0;
   ArrayIndex c = 0;
@@ -295,15 +296,17 @@ void notes(tglsReport& report) {
     const CString& name = report.rows[i]->name;
     if (!isLast && !(name.size() >= 2 && name.substr(0, 2) == w.substr(0, 2))) continue;
     const tglsVerElem& v = *report.verElems[j];
-    if (c > 0) join(report.rows[c]->notes, L", ", message(336) + L" = " + number("%.2f", v.gradeChange) + L"%");
-    const CString sign = v.grade > 0 ? message(324) : v.grade < 0 ? message(325) : L"";
+    if (c > 0)
+      join(report.rows[c]->notes, L", ", message(Message::GradeChange) + L" = " + number("%.2f", v.gradeChange) + L"%");
+    const CString sign = v.grade > 0 ? message(Message::Rise) : v.grade < 0 ? message(Message::Fall) : L"";
     const ArrayIndex m = (i - b) / 2 + b;
     join(report.rows[m - 1]->notes, L" ,", sign + number(" %.2f", std::fabs(v.grade)) + L"%");
-    join(report.rows[m]->notes, L" ,", message(337) + number(" %.2f m", v.length));
+    join(report.rows[m]->notes, L" ,", message(Message::TangentLength) + number(" %.2f m", v.length));
     if (!isLast) {
       join(report.rows[i - 1]->notes, L" ,",
-           v.radius < 0 ? message(338) + number(" = %.0f m", -v.radius) : message(339) + number(" = %.0f m", v.radius));
-      join(report.rows[i]->notes, L" ,", message(340) + number(" = %.2f m", v.halfLength));
+           v.radius < 0 ? message(Message::CrestRadius) + number(" = %.0f m", -v.radius)
+                        : message(Message::SagRadius) + number(" = %.0f m", v.radius));
+      join(report.rows[i]->notes, L" ,", message(Message::VerticalCurveTangent) + number(" = %.2f m", v.halfLength));
       report.verBreakRows.add(static_cast<std::int32_t>(i));
     }
     b = i + 1;

@@ -8,17 +8,19 @@ namespace {
 
 constexpr double kOrdinateTolerance = 0.000001;
 
-CString message(std::uint32_t id) { return services::getMessage(services::kMessageSet, id); }
+CString wordFor(std::size_t horType) {
+  const std::optional<Message> word = elementMessage(static_cast<std::int32_t>(horType));
+  return word ? services::getMessage(*word) : CString();
+}
 
 }  // namespace
 
-CellWords::CellWords() : noCorridor_(message(kMessageNoCorridor)) {
-  for (std::size_t type = 0; type < elements_.size(); ++type)
-    elements_[type] = message(elementMessage(static_cast<std::int32_t>(type)));
+CellWords::CellWords() : noCorridor_(services::getMessage(Message::NoCorridor)) {
+  for (std::size_t type = 0; type < elements_.size(); ++type) elements_[type] = wordFor(type);
 }
 
 const CString& CellWords::element(std::int32_t horType) const {
-  return elementMessage(horType) == 0 ? none_ : elements_[static_cast<std::size_t>(horType)];
+  return elementMessage(horType) ? elements_[static_cast<std::size_t>(horType)] : none_;
 }
 
 bool isNearlyOutsideCurves(const tglsRow& row) {

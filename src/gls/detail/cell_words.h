@@ -6,8 +6,6 @@
 
 namespace lvx::gls::detail {
 
-inline constexpr std::uint32_t kTitle = 301;
-
 /// The words in the table's cells, looked up once for a report and not once for a cell.
 class CellWords {
  public:
