@@ -20,6 +20,7 @@
 #include <malloc.h>
 
 #include "gls/corridor_stage.h"
+#include "host/dialog_controls.h"
 #include "measuring.h"
 #include "plain_gls/gls_case.h"
 #include "plain_gls/plain_gls.h"

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "cli/command_line_front_end.h"
+#include "host/dialog_controls.h"
 #include "landxml/reader.h"
 #include "projection/projection_ascii.h"
 #include "projection/projection_computation.h"
@@ -55,12 +56,12 @@ std::string bytesOf(const std::filesystem::path& path) {
 
 std::vector<cli::DialogStep> answers(const std::string& stem) {
   using Kind = cli::DialogStep::Kind;
-  return {{Kind::SelectRow, 261, 1, kSite},
-          {Kind::SelectRow, 263, 0, kAlignment},
-          {Kind::SelectRow, 262, 0, kGroup},
-          {Kind::SelectRow, 268, 0, kSurface},
-          {Kind::Type, 100, 0, platform::fromUtf8(stem)},
-          {Kind::Click, 1, 0, {}}};
+  return {{Kind::SelectRow, host::kIdSites, 1, kSite},
+          {Kind::SelectRow, host::kIdAlignments, 0, kAlignment},
+          {Kind::SelectRow, host::kIdSampleLineGroups, 0, kGroup},
+          {Kind::SelectRow, host::kIdSurfaces, 0, kSurface},
+          {Kind::Type, host::kIdOutputStem, 0, platform::fromUtf8(stem)},
+          {Kind::Click, host::kIdOk, 0, {}}};
 }
 
 void reportDirectly(runtime::StandinHost& host, const std::string& stem) {
@@ -110,7 +111,7 @@ int run(int rounds) {
     direct.push_back(seconds([&] { reportDirectly(host, stem); }));
     const std::string text = bytesOf(stem + ".txt");
     const std::string page = bytesOf(stem + ".html");
-    frontEnd.steps().expect("CMyDialog1", {answers(stem)});
+    frontEnd.steps().expect(host::kProjectionDialog, {answers(stem)});
     through.push_back(seconds([&] { same = runner.run(L"lvx_Report_Que").exception == nullptr && same; }));
     same = same && !text.empty() && text == bytesOf(stem + ".txt") && page == bytesOf(stem + ".html");
   }

@@ -3,6 +3,7 @@
 #include <array>
 #include <optional>
 
+#include "host/dialog_controls.h"
 #include "host/host.h"
 #include "platform/platform.h"
 #include "services/message_catalogue.h"
@@ -49,8 +50,9 @@ void setPictures(host::Host& host, DialogWindow& window, std::span<const Picture
 }
 
 void setFormChecks(DialogWindow& window) {
-  static constexpr std::array<Caption, 3> kForms{
-      {{kIdCheckAscii, Message::AsciiForm}, {kIdCheckExcel, Message::ExcelForm}, {kIdCheckThird, Message::HtmlForm}}};
+  static constexpr std::array<Caption, 3> kForms{{{host::kIdCheckAscii, Message::AsciiForm},
+                                                  {host::kIdCheckExcel, Message::ExcelForm},
+                                                  {host::kIdCheckHtml, Message::HtmlForm}}};
   setCaptions(window, kForms);
   for (const Caption& form : kForms) window.tick(form.id, true);
 }
@@ -66,8 +68,8 @@ bool runOutputFileBox(host::Host& host, DialogWindow& window) {
   const std::optional<CString> chosen =
       host.userInterface().saveFileBox(getMessage(Message::FileFilter), host::kHideReadOnly | host::kPromptCreate);
   if (!chosen) return false;
-  window.setText(kIdOutputStem, stemOfChosenPath(*chosen));
-  window.setTip(kIdOutputStem, *chosen);
+  window.setText(host::kIdOutputStem, stemOfChosenPath(*chosen));
+  window.setTip(host::kIdOutputStem, *chosen);
   return true;
 }
 

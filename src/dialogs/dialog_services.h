@@ -22,26 +22,6 @@ using host::CString;
 using host::DialogBehaviour;
 using host::DialogTemplate;
 using host::DialogWindow;
-using host::kIdCancel;
-using host::kIdHelp;
-using host::kIdOk;
-
-// Controls that all report dialogs have.
-inline constexpr int kIdOutputStem = 100;
-inline constexpr int kIdPickAlignment = 126;
-inline constexpr int kIdPickSecond = 232;
-inline constexpr int kIdGroupOutput = 230;
-inline constexpr int kIdOutputFileBox = 233;
-inline constexpr int kIdGroupSelection = 228;
-inline constexpr int kIdLabelSite = 264;
-inline constexpr int kIdLabelAlignment = 265;
-inline constexpr int kIdSites = 261;
-inline constexpr int kIdAlignments = 263;
-/// Not in the points dialog.
-inline constexpr int kIdSampleLineGroups = 262;
-inline constexpr int kIdCheckAscii = 274;
-inline constexpr int kIdCheckExcel = 275;
-inline constexpr int kIdCheckThird = 276;
 
 /// A control and the message that is its caption.
 struct Caption {

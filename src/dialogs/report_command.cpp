@@ -1,5 +1,6 @@
 #include "dialogs/report_command.h"
 
+#include "host/dialog_controls.h"
 #include "host/host.h"
 #include "host/picking.h"
 #include "services/message_catalogue.h"
@@ -28,9 +29,9 @@ void pickAlignment(host::Host& host, ReportDialog& dialog) {
 bool runUntilOk(host::Host& host, ReportDialog& dialog, const std::function<bool()>& pickSecond) {
   for (;;) {
     const int code = host.dialogs().runModal(dialog, host.runTime().vnsw_mainWnd());
-    if (code == kIdOk) return true;
-    if (code == kIdCancel || code == kClosedByMark) return false;
-    if (code == kIdPickAlignment)
+    if (code == host::kIdOk) return true;
+    if (code == host::kIdCancel || code == kClosedByMark) return false;
+    if (code == host::kIdPickAlignment)
       pickAlignment(host, dialog);
     else if (code == dialog.secondPick() && !pickSecond())
       return false;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/companion.h"
+#include "host/dialog_controls.h"
 #include "host/host.h"
 #include "services/message_catalogue.h"
 
@@ -14,13 +15,14 @@ using services::Message;
 
 namespace {
 
-constexpr std::array<Caption, 5> kCaptions{{{kIdCancel, Message::CancelButton},
-                                            {kIdHelp, Message::HelpButton},
-                                            {kIdLabelSite, Message::SiteLabel},
-                                            {kIdLabelAlignment, Message::AlignmentLabel},
-                                            {kIdGroupOutput, Message::OutputFrame}}};
+constexpr std::array<Caption, 5> kCaptions{{{host::kIdCancel, Message::CancelButton},
+                                            {host::kIdHelp, Message::HelpButton},
+                                            {host::kIdLabelSite, Message::SiteLabel},
+                                            {host::kIdLabelAlignment, Message::AlignmentLabel},
+                                            {host::kIdFrameOutput, Message::OutputFrame}}};
 
-constexpr std::array<PictureOn, 2> kSmallPictures{{{270, kPictureSite}, {271, kPictureAlignment}}};
+constexpr std::array<PictureOn, 2> kSmallPictures{
+    {{host::kIdPictureSite, kPictureSite}, {host::kIdPictureAlignment, kPictureAlignment}}};
 
 }  // namespace
 
@@ -52,10 +54,11 @@ void ReportDialog::showLook(DialogWindow& window) {
   window.setTitle(getMessage(parts_.title));
   setCaptions(window, kCaptions);
   setCaptions(window, parts_.captions);
-  window.setText(kIdOutputStem, outputStem);
-  window.setTip(kIdOutputStem, outputStem);
-  const std::array<PictureOn, 3> buttons{
-      {{kIdPickAlignment, kPicturePick}, {parts_.secondPick, kPicturePick}, {kIdOutputFileBox, kPictureSave}}};
+  window.setText(host::kIdOutputStem, outputStem);
+  window.setTip(host::kIdOutputStem, outputStem);
+  const std::array<PictureOn, 3> buttons{{{host::kIdPickAlignment, kPicturePick},
+                                          {parts_.secondPick, kPicturePick},
+                                          {host::kIdOutputFileBox, kPictureSave}}};
   setPictures(host_, window, kSmallPictures, buttons);
   setPictures(host_, window, parts_.smallPictures, parts_.plainPictures);
   for (const ControlTemplate& control : dialogTemplate().controls)
@@ -67,20 +70,22 @@ void ReportDialog::fillSites(DialogWindow& window) {
   for (framework::ArrayIndex i = 0; i < sites.size(); ++i) {
     const host::tsite& site = *sites[i];
     const auto row = static_cast<std::int32_t>(i);
-    window.insertRow(kIdSites, row, site.name.empty() ? getMessage(Message::NoSite) : site.name);
+    window.insertRow(host::kIdSites, row, site.name.empty() ? getMessage(Message::NoSite) : site.name);
     if (site.name == siteText) siteIndex = row;
   }
 }
 
 void ReportDialog::fillAlignments(DialogWindow& window) {
-  alignmentIndex = siteIndex < 0 ? -1 : insertNames(window, kIdAlignments, sites[siteIndex]->alignments, alignmentText);
+  alignmentIndex =
+      siteIndex < 0 ? -1 : insertNames(window, host::kIdAlignments, sites[siteIndex]->alignments, alignmentText);
 }
 
 void ReportDialog::fillSampleLineGroups(DialogWindow& window) {
   groupIndex = -1;
   if (alignmentIndex < 0) return;
   const host::talignment2* alignment = selectedInOverallList();
-  groupIndex = alignment == nullptr ? 0 : insertNames(window, kIdSampleLineGroups, alignment->children, groupText);
+  groupIndex =
+      alignment == nullptr ? 0 : insertNames(window, host::kIdSampleLineGroups, alignment->children, groupText);
 }
 
 void ReportDialog::choose(DialogWindow& window, int list, std::int32_t index, CString& text) {
@@ -90,30 +95,30 @@ void ReportDialog::choose(DialogWindow& window, int list, std::int32_t index, CS
 }
 
 void ReportDialog::enableOkIfComplete(DialogWindow& window) const {
-  if (isComplete()) window.enable(kIdOk, true);
+  if (isComplete()) window.enable(host::kIdOk, true);
 }
 
 // ---------------------------------------------------------------- what the user does
 
 void ReportDialog::onClick(DialogWindow& window, int id) {
-  if (id == kIdPickAlignment || id == parts_.secondPick || id == kIdCancel) {
+  if (id == host::kIdPickAlignment || id == parts_.secondPick || id == host::kIdCancel) {
     window.end(id);
-  } else if (id == kIdOutputFileBox) {
-    if (runOutputFileBox(host_, window)) outputStem = window.text(kIdOutputStem);
-  } else if (id == kIdHelp) {
+  } else if (id == host::kIdOutputFileBox) {
+    if (runOutputFileBox(host_, window)) outputStem = window.text(host::kIdOutputStem);
+  } else if (id == host::kIdHelp) {
     showHelp(host_, CString(parts_.helpPage));
-  } else if (id == kIdOk) {
+  } else if (id == host::kIdOk) {
     takeTextsOver(window);
-    checkAscii = window.isTicked(kIdCheckAscii) ? 1 : 0;
-    checkExcel = window.isTicked(kIdCheckExcel) ? 1 : 0;
-    checkThird = window.isTicked(kIdCheckThird) ? 1 : 0;
-    window.end(kIdOk);
+    checkAscii = window.isTicked(host::kIdCheckAscii) ? 1 : 0;
+    checkExcel = window.isTicked(host::kIdCheckExcel) ? 1 : 0;
+    checkThird = window.isTicked(host::kIdCheckHtml) ? 1 : 0;
+    window.end(host::kIdOk);
   }
 }
 
 void ReportDialog::onTextChanged(DialogWindow& window, int id) {
-  if (id != kIdOutputStem) return;
-  outputStem = window.text(kIdOutputStem);
+  if (id != host::kIdOutputStem) return;
+  outputStem = window.text(host::kIdOutputStem);
   stemChanged(window);
 }
 
@@ -128,20 +133,20 @@ CString ReportDialog::selectedText(const DialogWindow& window, int list) {
 }
 
 void ReportDialog::changeSite(DialogWindow& window) {
-  takeRow(window, kIdSites, siteIndex, siteText);
-  window.emptyList(kIdAlignments);
+  takeRow(window, host::kIdSites, siteIndex, siteText);
+  window.emptyList(host::kIdAlignments);
   alignmentText.clear();
-  alignmentIndex = insertNames(window, kIdAlignments, sites[siteIndex]->alignments);
-  choose(window, kIdAlignments, alignmentIndex, alignmentText);
+  alignmentIndex = insertNames(window, host::kIdAlignments, sites[siteIndex]->alignments);
+  choose(window, host::kIdAlignments, alignmentIndex, alignmentText);
 }
 
 bool ReportDialog::listSampleLineGroups(DialogWindow& window) {
-  window.emptyList(kIdSampleLineGroups);
+  window.emptyList(host::kIdSampleLineGroups);
   groupIndex = -1;
   groupText.clear();
   if (alignmentIndex < 0) return false;
   const host::talignment2* alignment = selectedInOverallList();
-  return alignment != nullptr && insertNames(window, kIdSampleLineGroups, alignment->children) >= 0;
+  return alignment != nullptr && insertNames(window, host::kIdSampleLineGroups, alignment->children) >= 0;
 }
 
 const host::tsiteAlignment& ReportDialog::selectedInTree() const {

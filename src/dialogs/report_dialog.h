@@ -21,7 +21,7 @@ struct ReportDialogParts {
   std::span<const PictureOn> smallPictures{};
   std::span<const PictureOn> plainPictures{};
   /// The pick button below that of the alignments; also the code with which it closes the dialog.
-  int secondPick = kIdPickSecond;
+  int secondPick = 0;
   std::wstring_view helpPage{};
 };
 

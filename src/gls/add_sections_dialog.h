@@ -20,8 +20,6 @@ class CMyDialog4 final : public host::DialogBehaviour {
   void onSelectionChanged(host::DialogWindow&, int) override {}
   void onTextChanged(host::DialogWindow&, int) override {}
 
-  static constexpr int kIdStatic = -1;
-
  private:
   host::Host& host_;
 };

@@ -10,6 +10,7 @@
 #include "gls/add_sections_dialog.h"
 #include "gls/detail/station_search.h"
 #include "host/collections.h"
+#include "host/dialog_controls.h"
 #include "host/host.h"
 #include "host/roadway_connection.h"
 

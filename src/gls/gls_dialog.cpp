@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/companion.h"
+#include "host/dialog_controls.h"
 #include "host/roadway_connection.h"
 #include "host/roadway_model.h"
 #include "services/message_catalogue.h"
@@ -13,10 +14,6 @@ namespace lvx::gls {
 
 using dialogs::Caption;
 using dialogs::kHelpGls;
-using dialogs::kIdAlignments;
-using dialogs::kIdGroupSelection;
-using dialogs::kIdSampleLineGroups;
-using dialogs::kIdSites;
 using dialogs::kPictureCorridor;
 using dialogs::kPictureProfile;
 using dialogs::kPictureSampleLineGroup;
@@ -37,53 +34,54 @@ using enum ControlKind;
 
 // In tab order.
 constexpr std::array<ControlTemplate, 27> kControls{{
-    {1, DefaultButton, L"OK", {114, 217, 50, 14}, false},
-    {2, PushButton, L"Cancel", {170, 217, 50, 14}},
-    {9, PushButton, L"Help", {226, 217, 50, 14}},
-    {228, GroupBox, L"*Selection (Site && Axis && Profiles)", {7, 7, 269, 107}},
-    {264, Label, L"*Site:", {14, 20, 108, 8}},
-    {265, Label, L"*Alignment:", {14, 39, 108, 8}},
-    {118, Label, L"*Profile:", {14, 59, 108, 8}},
-    {119, Label, L"*Corridor:", {14, 78, 108, 8}},
-    {266, Label, L"*Sample line group:", {14, 97, 108, 11}},
-    {270, Picture, L"", {126, 21, 15, 13}},
-    {271, Picture, L"", {126, 39, 15, 13}},
-    {108, Picture, L"", {126, 59, 15, 13}},
-    {109, Picture, L"", {126, 78, 15, 13}},
-    {101, Picture, L"", {126, 97, 15, 13}},
-    {261, DropDownList, L"", {144, 20, 108, 78}},
-    {263, DropDownList, L"", {144, 39, 108, 78}},
-    {112, DropDownList, L"", {144, 59, 108, 78}},
-    {113, DropDownList, L"", {144, 78, 108, 78}},
-    {262, DropDownList, L"", {144, 97, 108, 78}},
-    {126, PictureButton, L"*", {258, 38, 15, 14}},
-    {125, PictureButton, L"*", {258, 58, 15, 14}},
-    {230, GroupBox, L"*Output file", {7, 118, 269, 91}},
-    {274, CheckBox, L"*Export to ASCII", {36, 135, 108, 10}},
-    {275, CheckBox, L"*Export to Excel", {36, 149, 108, 10}},
-    {276, CheckBox, L"*Export to Xml", {36, 163, 108, 10}},
-    {233, PictureButton, L"*", {14, 182, 15, 14}},
-    {100, EditBox, L"", {35, 183, 217, 13}},
+    {host::kIdOk, DefaultButton, L"OK", {114, 217, 50, 14}, false},
+    {host::kIdCancel, PushButton, L"Cancel", {170, 217, 50, 14}},
+    {host::kIdHelp, PushButton, L"Help", {226, 217, 50, 14}},
+    {host::kIdFrameSelection, GroupBox, L"*Selection (Site && Axis && Profiles)", {7, 7, 269, 107}},
+    {host::kIdLabelSite, Label, L"*Site:", {14, 20, 108, 8}},
+    {host::kIdLabelAlignment, Label, L"*Alignment:", {14, 39, 108, 8}},
+    {host::kIdLabelProfile, Label, L"*Profile:", {14, 59, 108, 8}},
+    {host::kIdLabelCorridor, Label, L"*Corridor:", {14, 78, 108, 8}},
+    {host::kIdLabelSampleLineGroup, Label, L"*Sample line group:", {14, 97, 108, 11}},
+    {host::kIdPictureSite, Picture, L"", {126, 21, 15, 13}},
+    {host::kIdPictureAlignment, Picture, L"", {126, 39, 15, 13}},
+    {host::kIdPictureProfile, Picture, L"", {126, 59, 15, 13}},
+    {host::kIdPictureCorridor, Picture, L"", {126, 78, 15, 13}},
+    {host::kIdPictureSampleLineGroup, Picture, L"", {126, 97, 15, 13}},
+    {host::kIdSites, DropDownList, L"", {144, 20, 108, 78}},
+    {host::kIdAlignments, DropDownList, L"", {144, 39, 108, 78}},
+    {host::kIdProfiles, DropDownList, L"", {144, 59, 108, 78}},
+    {host::kIdCorridors, DropDownList, L"", {144, 78, 108, 78}},
+    {host::kIdSampleLineGroups, DropDownList, L"", {144, 97, 108, 78}},
+    {host::kIdPickAlignment, PictureButton, L"*", {258, 38, 15, 14}},
+    {host::kIdPickProfile, PictureButton, L"*", {258, 58, 15, 14}},
+    {host::kIdFrameOutput, GroupBox, L"*Output file", {7, 118, 269, 91}},
+    {host::kIdCheckAscii, CheckBox, L"*Export to ASCII", {36, 135, 108, 10}},
+    {host::kIdCheckExcel, CheckBox, L"*Export to Excel", {36, 149, 108, 10}},
+    {host::kIdCheckHtml, CheckBox, L"*Export to Xml", {36, 163, 108, 10}},
+    {host::kIdOutputFileBox, PictureButton, L"*", {14, 182, 15, 14}},
+    {host::kIdOutputStem, EditBox, L"", {35, 183, 217, 13}},
 }};
 
-constexpr DialogTemplate kTemplate{"CMyDialog3", L"*GLS", 283, 238, kControls};
+constexpr DialogTemplate kTemplate{host::kGlsDialog, L"*GLS", 283, 238, kControls};
 
-constexpr std::array<Caption, 4> kCaptions{{{kIdGroupSelection, Message::SelectionFrame},
-                                            {266, Message::SampleLineGroupLabel},
-                                            {CMyDialog3::kIdLabelProfile, Message::ProfileLabel},
-                                            {CMyDialog3::kIdLabelCorridor, Message::CorridorLabel}}};
+constexpr std::array<Caption, 4> kCaptions{{{host::kIdFrameSelection, Message::SelectionFrame},
+                                            {host::kIdLabelSampleLineGroup, Message::SampleLineGroupLabel},
+                                            {host::kIdLabelProfile, Message::ProfileLabel},
+                                            {host::kIdLabelCorridor, Message::CorridorLabel}}};
 
-constexpr std::array<PictureOn, 2> kSmallPictures{{{101, kPictureSampleLineGroup}, {108, kPictureProfile}}};
+constexpr std::array<PictureOn, 2> kSmallPictures{
+    {{host::kIdPictureSampleLineGroup, kPictureSampleLineGroup}, {host::kIdPictureProfile, kPictureProfile}}};
 
 // The corridor's picture keeps its white, whatever the colour of the dialog's face.
-constexpr std::array<PictureOn, 1> kPlainPictures{{{109, kPictureCorridor}}};
+constexpr std::array<PictureOn, 1> kPlainPictures{{{host::kIdPictureCorridor, kPictureCorridor}}};
 
 constexpr ReportDialogParts kParts{.dialogTemplate = &kTemplate,
                                    .title = Message::GlsTitle,
                                    .captions = kCaptions,
                                    .smallPictures = kSmallPictures,
                                    .plainPictures = kPlainPictures,
-                                   .secondPick = CMyDialog3::kIdPickProfile,
+                                   .secondPick = host::kIdPickProfile,
                                    .helpPage = kHelpGls};
 
 }  // namespace
@@ -145,11 +143,11 @@ void CMyDialog3::onOpening(DialogWindow& window) {
   fillProfiles(window);
   fillCorridors(window);
 
-  choose(window, kIdSites, siteIndex, siteText);
-  choose(window, kIdAlignments, alignmentIndex, alignmentText);
-  choose(window, kIdSampleLineGroups, groupIndex, groupText);
-  choose(window, kIdProfiles, profileIndex, profileText);
-  choose(window, kIdCorridors, corridorIndex, corridorText);
+  choose(window, host::kIdSites, siteIndex, siteText);
+  choose(window, host::kIdAlignments, alignmentIndex, alignmentText);
+  choose(window, host::kIdSampleLineGroups, groupIndex, groupText);
+  choose(window, host::kIdProfiles, profileIndex, profileText);
+  choose(window, host::kIdCorridors, corridorIndex, corridorText);
 
   enableOkIfComplete(window);
   setFormChecks(window);
@@ -158,14 +156,15 @@ void CMyDialog3::onOpening(DialogWindow& window) {
 // ---------------------------------------------------------------- the lists at an opening
 
 void CMyDialog3::fillProfiles(DialogWindow& window) {
-  profileIndex = alignmentIndex < 0 ? -1 : insertNames(window, kIdProfiles, selectedInTree().children, profileText);
+  profileIndex =
+      alignmentIndex < 0 ? -1 : insertNames(window, host::kIdProfiles, selectedInTree().children, profileText);
 }
 
 void CMyDialog3::fillCorridors(DialogWindow& window) {
   corridorIndex = -1;
   if (alignmentIndex < 0) return;
   insertCorridors(window);
-  if (window.rowCount(kIdCorridors) == 0) return;
+  if (window.rowCount(host::kIdCorridors) == 0) return;
   corridorIndex = 0;
   // The position among all corridors, also where corridors before it aren't listed: then it names another row of the
   // list, or none, which ends the command.
@@ -183,7 +182,7 @@ bool CMyDialog3::isListed(const gls::tcorridor& corridor) const {
 
 void CMyDialog3::insertCorridors(DialogWindow& window) const {
   for (const gls::tcorridor* corridor : corridorList)
-    if (isListed(*corridor)) window.insertRow(kIdCorridors, window.rowCount(kIdCorridors), corridor->name);
+    if (isListed(*corridor)) window.insertRow(host::kIdCorridors, window.rowCount(host::kIdCorridors), corridor->name);
 }
 
 // ---------------------------------------------------------------- what the user does
@@ -191,21 +190,21 @@ void CMyDialog3::insertCorridors(DialogWindow& window) const {
 void CMyDialog3::onSelectionChanged(DialogWindow& window, int id) {
   if (window.selection(id) == DialogWindow::kNone) return;
   switch (id) {
-    case kIdSites:
+    case host::kIdSites:
       siteChanged(window);
       break;
-    case kIdAlignments:
+    case host::kIdAlignments:
       alignmentChanged(window);
       break;
-    case kIdSampleLineGroups:
+    case host::kIdSampleLineGroups:
       takeRow(window, id, groupIndex, groupText);
       enableOkIfComplete(window);
       break;
-    case kIdProfiles:
+    case host::kIdProfiles:
       takeRow(window, id, profileIndex, profileText);
       enableOkIfComplete(window);
       break;
-    case kIdCorridors:
+    case host::kIdCorridors:
       corridorChanged(window);
       break;
     default:
@@ -215,12 +214,12 @@ void CMyDialog3::onSelectionChanged(DialogWindow& window, int id) {
 
 void CMyDialog3::changeGroupAndProfile(DialogWindow& window) {
   if (listSampleLineGroups(window)) groupIndex = 0;
-  choose(window, kIdSampleLineGroups, groupIndex, groupText);
+  choose(window, host::kIdSampleLineGroups, groupIndex, groupText);
 
-  window.emptyList(kIdProfiles);
+  window.emptyList(host::kIdProfiles);
   profileText.clear();
-  profileIndex = alignmentIndex < 0 ? -1 : insertNames(window, kIdProfiles, selectedInTree().children);
-  choose(window, kIdProfiles, profileIndex, profileText);
+  profileIndex = alignmentIndex < 0 ? -1 : insertNames(window, host::kIdProfiles, selectedInTree().children);
+  choose(window, host::kIdProfiles, profileIndex, profileText);
 }
 
 void CMyDialog3::siteChanged(DialogWindow& window) {
@@ -230,31 +229,31 @@ void CMyDialog3::siteChanged(DialogWindow& window) {
 }
 
 void CMyDialog3::alignmentChanged(DialogWindow& window) {
-  takeRow(window, kIdAlignments, alignmentIndex, alignmentText);
+  takeRow(window, host::kIdAlignments, alignmentIndex, alignmentText);
   changeGroupAndProfile(window);
-  window.emptyList(kIdCorridors);
+  window.emptyList(host::kIdCorridors);
   corridorText.clear();
   insertCorridors(window);
-  corridorIndex = window.rowCount(kIdCorridors) > 0 ? 0 : -1;
+  corridorIndex = window.rowCount(host::kIdCorridors) > 0 ? 0 : -1;
   if (corridorIndex >= 0) {
     // In a drawing with a corridor the profile has to be chosen again after a change of alignment: until then the report
     // asks for a profile of the corridor's name. Scripts for this dialog are written for that.
-    profileText = window.rowText(kIdCorridors, profileIndex);
-    window.select(kIdCorridors, profileIndex);
+    profileText = window.rowText(host::kIdCorridors, profileIndex);
+    window.select(host::kIdCorridors, profileIndex);
   }
   enableOkIfComplete(window);
 }
 
 void CMyDialog3::corridorChanged(DialogWindow& window) {
-  corridorIndex = window.selection(kIdCorridors);
+  corridorIndex = window.selection(host::kIdCorridors);
   // The text of the profile list at that row; a row beyond its end ends the command.
-  corridorText = window.rowText(kIdProfiles, corridorIndex);
+  corridorText = window.rowText(host::kIdProfiles, corridorIndex);
 }
 
 void CMyDialog3::stemChanged(DialogWindow& window) { enableOkIfComplete(window); }
 
 void CMyDialog3::takeTextsOver(const DialogWindow& window) {
-  reportAlignmentText = selectedText(window, kIdAlignments);
+  reportAlignmentText = selectedText(window, host::kIdAlignments);
 }
 
 bool CMyDialog3::isComplete() const { return groupIndex >= 0 && profileIndex >= 0 && !outputStem.empty(); }

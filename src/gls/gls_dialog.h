@@ -34,12 +34,6 @@ class CMyDialog3 final : public dialogs::ReportDialog {
   /// The alignment list's text at OK; handed to the writers.
   CString reportAlignmentText;
 
-  static constexpr int kIdProfiles = 112;
-  static constexpr int kIdCorridors = 113;
-  static constexpr int kIdLabelProfile = 118;
-  static constexpr int kIdLabelCorridor = 119;
-  static constexpr int kIdPickProfile = 125;
-
  private:
   /// Where either side of the model is out of reach nothing changes, and the next opening tries again.
   void attach();

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "framework/text.h"
+#include "host/dialog_controls.h"
 #include "host/dialog_template.h"
 
 namespace lvx::host {
@@ -89,10 +90,5 @@ class DialogRunner {
   /// Opens a window for `dialog` over `parent` (the host's main window) and gives the code with which it closed.
   virtual int runModal(DialogBehaviour& dialog, void* parent) = 0;
 };
-
-// The ids and codes that all dialogs share.
-inline constexpr int kIdOk = 1;
-inline constexpr int kIdCancel = 2;
-inline constexpr int kIdHelp = 9;
 
 }  // namespace lvx::host

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/companion.h"
+#include "host/dialog_controls.h"
 #include "services/formatted_text.h"
 #include "services/message_catalogue.h"
 
@@ -11,9 +12,6 @@ namespace lvx::points {
 
 using dialogs::Caption;
 using dialogs::kHelpPoints;
-using dialogs::kIdAlignments;
-using dialogs::kIdGroupSelection;
-using dialogs::kIdSites;
 using dialogs::kPicturePoint;
 using dialogs::kPicturePointGroup;
 using dialogs::PictureOn;
@@ -24,7 +22,6 @@ using host::ControlKind;
 using host::ControlTemplate;
 using host::DialogTemplate;
 using host::DialogWindow;
-using host::kIdOk;
 using services::getMessage;
 using services::Message;
 
@@ -34,44 +31,46 @@ using enum ControlKind;
 
 // In tab order.
 constexpr std::array<ControlTemplate, 24> kControls{{
-    {1, DefaultButton, L"OK", {114, 193, 50, 14}, false},
-    {2, PushButton, L"Cancel", {170, 193, 50, 14}},
-    {9, PushButton, L"Help", {226, 193, 50, 14}},
-    {228, GroupBox, L"*Selection (Site && Axis && Profiles)", {6, 3, 270, 88}},
-    {264, Label, L"*Site:", {12, 16, 108, 8}},
-    {265, Label, L"*Alignment:", {12, 34, 108, 8}},
-    {103, Label, L"*Point groups:", {12, 52, 108, 8}},
-    {104, Label, L"*Selected points:", {12, 71, 108, 8}},
-    {270, Picture, L"", {126, 16, 15, 13}},
-    {271, Picture, L"", {126, 34, 15, 13}},
-    {273, Picture, L"", {126, 52, 15, 13}},
-    {278, Picture, L"", {126, 70, 15, 13}},
-    {261, DropDownList, L"", {144, 15, 108, 78}},
-    {263, DropDownList, L"", {144, 33, 108, 78}},
-    {102, DropDownList, L"", {144, 51, 108, 78}},
-    {105, Label, L"* Points selected", {144, 71, 108, 8}},
-    {126, PictureButton, L"*", {257, 32, 15, 14}},
-    {232, PictureButton, L"*", {257, 50, 15, 14}},
-    {230, GroupBox, L"*Output file", {7, 95, 269, 91}},
-    {274, CheckBox, L"*Export to ASCII", {36, 112, 108, 10}},
-    {275, CheckBox, L"*Export to Excel", {36, 126, 108, 10}},
-    {276, CheckBox, L"*Export to Xml", {36, 140, 108, 10}},
-    {233, PictureButton, L"*", {14, 159, 15, 14}},
-    {100, EditBox, L"", {35, 160, 217, 13}},
+    {host::kIdOk, DefaultButton, L"OK", {114, 193, 50, 14}, false},
+    {host::kIdCancel, PushButton, L"Cancel", {170, 193, 50, 14}},
+    {host::kIdHelp, PushButton, L"Help", {226, 193, 50, 14}},
+    {host::kIdFrameSelection, GroupBox, L"*Selection (Site && Axis && Profiles)", {6, 3, 270, 88}},
+    {host::kIdLabelSite, Label, L"*Site:", {12, 16, 108, 8}},
+    {host::kIdLabelAlignment, Label, L"*Alignment:", {12, 34, 108, 8}},
+    {host::kIdLabelPointGroup, Label, L"*Point groups:", {12, 52, 108, 8}},
+    {host::kIdLabelPointCount, Label, L"*Selected points:", {12, 71, 108, 8}},
+    {host::kIdPictureSite, Picture, L"", {126, 16, 15, 13}},
+    {host::kIdPictureAlignment, Picture, L"", {126, 34, 15, 13}},
+    {host::kIdPicturePointGroup, Picture, L"", {126, 52, 15, 13}},
+    {host::kIdPicturePointCount, Picture, L"", {126, 70, 15, 13}},
+    {host::kIdSites, DropDownList, L"", {144, 15, 108, 78}},
+    {host::kIdAlignments, DropDownList, L"", {144, 33, 108, 78}},
+    {host::kIdPointGroups, DropDownList, L"", {144, 51, 108, 78}},
+    {host::kIdPointCount, Label, L"* Points selected", {144, 71, 108, 8}},
+    {host::kIdPickAlignment, PictureButton, L"*", {257, 32, 15, 14}},
+    {host::kIdPickPoints, PictureButton, L"*", {257, 50, 15, 14}},
+    {host::kIdFrameOutput, GroupBox, L"*Output file", {7, 95, 269, 91}},
+    {host::kIdCheckAscii, CheckBox, L"*Export to ASCII", {36, 112, 108, 10}},
+    {host::kIdCheckExcel, CheckBox, L"*Export to Excel", {36, 126, 108, 10}},
+    {host::kIdCheckHtml, CheckBox, L"*Export to Xml", {36, 140, 108, 10}},
+    {host::kIdOutputFileBox, PictureButton, L"*", {14, 159, 15, 14}},
+    {host::kIdOutputStem, EditBox, L"", {35, 160, 217, 13}},
 }};
 
-constexpr DialogTemplate kTemplate{"CExportPointsDlg", L"*Export Points", 283, 214, kControls};
+constexpr DialogTemplate kTemplate{host::kPointsDialog, L"*Export Points", 283, 214, kControls};
 
-constexpr std::array<Caption, 3> kCaptions{{{kIdGroupSelection, Message::PointsSelectionFrame},
-                                            {103, Message::PointGroupLabel},
-                                            {104, Message::PointCountLabel}}};
+constexpr std::array<Caption, 3> kCaptions{{{host::kIdFrameSelection, Message::PointsSelectionFrame},
+                                            {host::kIdLabelPointGroup, Message::PointGroupLabel},
+                                            {host::kIdLabelPointCount, Message::PointCountLabel}}};
 
-constexpr std::array<PictureOn, 2> kSmallPictures{{{273, kPicturePointGroup}, {278, kPicturePoint}}};
+constexpr std::array<PictureOn, 2> kSmallPictures{
+    {{host::kIdPicturePointGroup, kPicturePointGroup}, {host::kIdPicturePointCount, kPicturePoint}}};
 
 constexpr ReportDialogParts kParts{.dialogTemplate = &kTemplate,
                                    .title = Message::PointsTitle,
                                    .captions = kCaptions,
                                    .smallPictures = kSmallPictures,
+                                   .secondPick = host::kIdPickPoints,
                                    .helpPage = kHelpPoints};
 
 }  // namespace
@@ -102,13 +101,13 @@ void CExportPointsDlg::onOpening(DialogWindow& window) {
   fillAlignments(window);
   fillPointGroups(window);
 
-  choose(window, kIdSites, siteIndex, siteText);
-  choose(window, kIdAlignments, alignmentIndex, alignmentText);
-  choose(window, kIdPointGroups, groupIndex, groupText);
+  choose(window, host::kIdSites, siteIndex, siteText);
+  choose(window, host::kIdAlignments, alignmentIndex, alignmentText);
+  choose(window, host::kIdPointGroups, groupIndex, groupText);
 
   // Points picked by hand win at each opening. What was selected before them is read anew on OK.
   const framework::ArrayIndex pickedRow = pointGroups.size() - 1;
-  if (pointGroups[pickedRow]->count > 0) window.select(kIdPointGroups, static_cast<int>(pickedRow));
+  if (pointGroups[pickedRow]->count > 0) window.select(host::kIdPointGroups, static_cast<int>(pickedRow));
   showCount(window, selectedCount(window) == 1 ? Message::OnePointSelected : Message::PointsSelected);
 
   enableOkIfComplete(window);
@@ -118,34 +117,34 @@ void CExportPointsDlg::onOpening(DialogWindow& window) {
 void CExportPointsDlg::fillPointGroups(DialogWindow& window) {
   // The former choice is forgotten, so only a group without a name moves the start away from the first row.
   groupText.clear();
-  groupIndex = insertNames(window, kIdPointGroups, pointGroups, groupText);
+  groupIndex = insertNames(window, host::kIdPointGroups, pointGroups, groupText);
 }
 
 std::int32_t CExportPointsDlg::selectedCount(const DialogWindow& window) const {
-  return pointGroups[window.selection(kIdPointGroups)]->count;
+  return pointGroups[window.selection(host::kIdPointGroups)]->count;
 }
 
 void CExportPointsDlg::showCount(DialogWindow& window, Message words) const {
-  window.setText(kIdPointCount,
+  window.setText(host::kIdPointCount,
                  services::formatText(L"%ld %s", {std::int64_t{selectedCount(window)}, getMessage(words)}));
 }
 
 void CExportPointsDlg::onSelectionChanged(DialogWindow& window, int id) {
-  if (id == kIdSites) {
-    if (window.selection(kIdSites) != DialogWindow::kNone) changeSite(window);
-  } else if (id == kIdPointGroups) {
+  if (id == host::kIdSites) {
+    if (window.selection(host::kIdSites) != DialogWindow::kNone) changeSite(window);
+  } else if (id == host::kIdPointGroups) {
     showCount(
         window,
         Message::PointsSelected);  // in the plural even for one point, unlike at the opening: users know the text so
   }
 }
 
-void CExportPointsDlg::stemChanged(DialogWindow& window) { window.enable(kIdOk, isComplete()); }
+void CExportPointsDlg::stemChanged(DialogWindow& window) { window.enable(host::kIdOk, isComplete()); }
 
 void CExportPointsDlg::takeTextsOver(const DialogWindow& window) {
-  siteText = selectedText(window, kIdSites);
-  alignmentText = selectedText(window, kIdAlignments);
-  groupText = selectedText(window, kIdPointGroups);
+  siteText = selectedText(window, host::kIdSites);
+  alignmentText = selectedText(window, host::kIdAlignments);
+  groupText = selectedText(window, host::kIdPointGroups);
 }
 
 bool CExportPointsDlg::isComplete() const { return groupIndex >= 0 && !outputStem.empty(); }

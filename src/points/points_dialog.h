@@ -28,9 +28,6 @@ class CExportPointsDlg final : public dialogs::ReportDialog {
   /// The last row stands for the points picked by hand; the command sets its count.
   points::PointGroupList pointGroups;
 
-  static constexpr int kIdPointGroups = 102;
-  static constexpr int kIdPointCount = 105;
-
  private:
   void attach();
   void fillPointGroups(host::DialogWindow& window);

@@ -29,8 +29,6 @@ class CMyDialog1 final : public dialogs::ReportDialog {
   /// The alignment list's text at OK; handed to the writers.
   CString reportAlignmentText;
 
-  static constexpr int kIdSurfaces = 268;
-
  private:
   /// Where the model is out of reach nothing changes, and the next opening tries again.
   void attach();

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "cli/terminal.h"
+#include "host/dialog_controls.h"
 #include "platform/posix/posix_platform.h"
 #include "runtime/help_topics.h"
 #include "windowless/dialog_state.h"

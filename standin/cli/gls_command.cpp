@@ -3,6 +3,7 @@
 #include "cli/name_lookup.h"
 #include "cli/report_run.h"
 #include "cli/terminal.h"
+#include "host/dialog_controls.h"
 #include "platform/posix/posix_platform.h"
 
 namespace lvx::cli {
@@ -10,14 +11,6 @@ namespace lvx::cli {
 using platform::fromUtf8;
 
 namespace {
-
-// The dialogs that the command opens, and their controls beside those of all reports.
-constexpr const char* kDialog = "CMyDialog3";
-constexpr int kProfiles = 112;
-constexpr int kGroups = 262;
-constexpr const char* kQuestion = "CMyDialog4";
-constexpr int kYes = 1;
-constexpr int kNo = 2;
 
 /// What the command will end at without a word of its own, or show little of.
 void tellGaps(const civil::Drawing& drawing, const civil::AlignmentObject& alignment,
@@ -45,8 +38,10 @@ std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const GlsOptions
 
   // The profile comes after the alignment: choosing that one puts a corridor's name in the profile's place.
   std::vector<DialogStep> steps = alignmentSteps(drawing, found);
-  steps.push_back({Kind::SelectRow, kProfiles, rowOf(found.alignment->profiles, &profile), fromUtf8(profile.name)});
-  steps.push_back({Kind::SelectRow, kGroups, rowOf(found.alignment->sampleLineGroups, &group), fromUtf8(group.name)});
+  steps.push_back(
+      {Kind::SelectRow, host::kIdProfiles, rowOf(found.alignment->profiles, &profile), fromUtf8(profile.name)});
+  steps.push_back({Kind::SelectRow, host::kIdSampleLineGroups, rowOf(found.alignment->sampleLineGroups, &group),
+                   fromUtf8(group.name)});
   steps.insert(steps.end(), closing.begin(), closing.end());
   return steps;
 }
@@ -57,8 +52,10 @@ ExitCode runGls(const CommonOptions& common, const GlsOptions& options) {
   return runReport(
       common, {L"lvx_Report_GLS", options.drawing, options.stem, options.saveTo},
       [&](const runtime::OpenDrawing& drawing, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
-        frontEnd.steps().expect(kDialog, {stepsFor(drawing.drawing(), options, common.quiet, closing)});
-        frontEnd.steps().expect(kQuestion, {{{DialogStep::Kind::Click, options.addSections ? kYes : kNo, 0, {}}}});
+        frontEnd.steps().expect(host::kGlsDialog, {stepsFor(drawing.drawing(), options, common.quiet, closing)});
+        frontEnd.steps().expect(
+            host::kAddSectionsDialog,
+            {{{DialogStep::Kind::Click, options.addSections ? host::kIdOk : host::kIdCancel, 0, {}}}});
         return std::string();
       });
 }

@@ -12,6 +12,7 @@
 #include "cli/points_command.h"
 #include "cli/projection_command.h"
 #include "cli/terminal.h"
+#include "host/dialog_controls.h"
 #include "runtime/open_drawing.h"
 #include "standin_platform/interruption.h"
 #include "standin_platform/standard_streams.h"
@@ -155,23 +156,30 @@ void addPlay(CLI::App& app, PlayOptions& options) {
   app.add_option("DRAWING", options.drawing, "LandXML file")->required();
   app.add_option("SCRIPT", options.script, "JSON array of what a user does")->required();
   app.add_flag("--check", options.checks, "Also report what the module didn't give back to its host");
-  app.footer(
-      "Actions, taken one by one by whatever waits:\n"
-      "  {\"command\": \"lvx_Report_Que\"}               start a command\n"
-      "  {\"select\": 261, \"row\": 0}                   select a row of a list, or by its \"text\"\n"
-      "  {\"type\": 100, \"text\": \"out/road\"}          type into an edit box\n"
-      "  {\"tick\": 275, \"on\": false}                 tick a check box or not\n"
-      "  {\"click\": 1}   {\"close\": true}             press a button; close the dialog by its mark\n"
-      "  {\"pick\": \"1F4\"}   {\"escape\": true}         pick an object by its handle; give up a pick\n"
-      "  {\"pick\": {\"name\": \"Ground\", \"class\": \"QMT_TIN_SURFACE\"}}\n"
-      "  {\"pickPoints\": [1, 5]}                     select points by their numbers\n"
-      "  {\"file\": \"out/road.html\"}                 answer the file box; null cancels it\n"
-      "  {\"answer\": \"yes\"}                         answer a message box: ok, cancel, yes, no, retry\n"
-      "  {\"snapshot\": true}                        show the open dialog once more\n"
-      "The transcript has one JSON event a line: dialog, changed, closed, box, prompt, console, filebox, help,\n"
-      "written, unwritten, removed, exception, misuse, end.\n"
-      "Example:\n"
-      "  lvxhost play examples/valley-road.xml examples/scripts/plain-run.json\n");
+  app.footer(std::string("Actions, taken one by one by whatever waits:\n") +
+             "  {\"command\": \"lvx_Report_Que\"}               start a command\n"
+             "  {\"select\": " +
+             std::to_string(host::kIdSites) +
+             ", \"row\": 0}                   select a row of a list, or by its \"text\"\n"
+             "  {\"type\": " +
+             std::to_string(host::kIdOutputStem) +
+             ", \"text\": \"out/road\"}          type into an edit box\n"
+             "  {\"tick\": " +
+             std::to_string(host::kIdCheckExcel) +
+             ", \"on\": false}                 tick a check box or not\n"
+             "  {\"click\": " +
+             std::to_string(host::kIdOk) +
+             "}   {\"close\": true}             press a button; close the dialog by its mark\n"
+             "  {\"pick\": \"1F4\"}   {\"escape\": true}         pick an object by its handle; give up a pick\n"
+             "  {\"pick\": {\"name\": \"Ground\", \"class\": \"QMT_TIN_SURFACE\"}}\n"
+             "  {\"pickPoints\": [1, 5]}                     select points by their numbers\n"
+             "  {\"file\": \"out/road.html\"}                 answer the file box; null cancels it\n"
+             "  {\"answer\": \"yes\"}                         answer a message box: ok, cancel, yes, no, retry\n"
+             "  {\"snapshot\": true}                        show the open dialog once more\n"
+             "The transcript has one JSON event a line: dialog, changed, closed, box, prompt, console, filebox, help,\n"
+             "written, unwritten, removed, exception, misuse, end.\n"
+             "Example:\n"
+             "  lvxhost play examples/valley-road.xml examples/scripts/plain-run.json\n");
 }
 
 void addGls(CLI::App& app, GlsOptions& options) {

@@ -7,6 +7,7 @@
 #include "cli/point_numbers.h"
 #include "cli/report_run.h"
 #include "cli/terminal.h"
+#include "host/dialog_controls.h"
 #include "platform/posix/posix_platform.h"
 
 namespace lvx::cli {
@@ -14,11 +15,6 @@ namespace lvx::cli {
 using platform::fromUtf8;
 
 namespace {
-
-// The dialog that the command opens, and its controls beside those of all reports.
-constexpr const char* kDialog = "CExportPointsDlg";
-constexpr int kPointGroups = 102;
-constexpr int kPickPoints = 232;
 
 void tellWithoutElevation(std::size_t count) {
   if (count > 0) say("points without an elevation: " + std::to_string(count) + "; the report shows 0.000 for them");
@@ -28,8 +24,8 @@ void tellWithoutElevation(std::size_t count) {
 std::string planGroup(const runtime::OpenDrawing& drawing, const std::string& name, bool quiet,
                       std::vector<DialogStep>& steps) {
   const civil::PointGroup& group = findPointGroup(drawing.drawing(), name);
-  steps.push_back(
-      {DialogStep::Kind::SelectRow, kPointGroups, rowOf(drawing.drawing().pointGroups, &group), fromUtf8(group.name)});
+  steps.push_back({DialogStep::Kind::SelectRow, host::kIdPointGroups, rowOf(drawing.drawing().pointGroups, &group),
+                   fromUtf8(group.name)});
   if (!quiet) {
     tellWithoutElevation(static_cast<std::size_t>(
         std::count_if(group.numbers.begin(), group.numbers.end(), [&drawing](std::int32_t number) {
@@ -69,14 +65,14 @@ ExitCode runPoints(const CommonOptions& common, const PointsOptions& options) {
         std::vector<std::vector<DialogStep>> openings;
         std::string withoutRows;
         if (options.pointsGiven) {
-          openings.push_back({{DialogStep::Kind::Click, kPickPoints, 0, {}}});
+          openings.push_back({{DialogStep::Kind::Click, host::kIdPickPoints, 0, {}}});
           withoutRows = planPicked(drawing, numbers, common.quiet, frontEnd);
         } else {
           withoutRows = planGroup(drawing, options.group, common.quiet, steps);
         }
         steps.insert(steps.end(), closing.begin(), closing.end());
         openings.push_back(std::move(steps));
-        frontEnd.steps().expect(kDialog, std::move(openings));
+        frontEnd.steps().expect(host::kPointsDialog, std::move(openings));
         return withoutRows;
       });
 }

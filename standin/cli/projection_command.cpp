@@ -3,6 +3,7 @@
 #include "cli/name_lookup.h"
 #include "cli/report_run.h"
 #include "cli/terminal.h"
+#include "host/dialog_controls.h"
 #include "platform/posix/posix_platform.h"
 
 namespace lvx::cli {
@@ -10,11 +11,6 @@ namespace lvx::cli {
 using platform::fromUtf8;
 
 namespace {
-
-// The dialog that the command opens, and its lists beside those of all reports.
-constexpr const char* kDialog = "CMyDialog1";
-constexpr int kGroups = 262;
-constexpr int kSurfaces = 268;
 
 std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const ProjectionOptions& options,
                                  const std::vector<DialogStep>& closing) {
@@ -28,8 +24,9 @@ std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const Projection
     say("surface '" + surface.name + "' holds no triangles: the reports have headings without rows");
 
   std::vector<DialogStep> steps = alignmentSteps(drawing, found);
-  steps.push_back({Kind::SelectRow, kGroups, rowOf(found.alignment->sampleLineGroups, &group), fromUtf8(group.name)});
-  steps.push_back({Kind::SelectRow, kSurfaces, rowOf(drawing.surfaces, &surface), fromUtf8(surface.name)});
+  steps.push_back({Kind::SelectRow, host::kIdSampleLineGroups, rowOf(found.alignment->sampleLineGroups, &group),
+                   fromUtf8(group.name)});
+  steps.push_back({Kind::SelectRow, host::kIdSurfaces, rowOf(drawing.surfaces, &surface), fromUtf8(surface.name)});
   steps.insert(steps.end(), closing.begin(), closing.end());
   return steps;
 }
@@ -40,7 +37,7 @@ ExitCode runProjection(const CommonOptions& common, const ProjectionOptions& opt
   return runReport(
       common, {L"lvx_Report_Que", options.drawing, options.stem},
       [&](const runtime::OpenDrawing& drawing, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
-        frontEnd.steps().expect(kDialog, {stepsFor(drawing.drawing(), options, closing)});
+        frontEnd.steps().expect(host::kProjectionDialog, {stepsFor(drawing.drawing(), options, closing)});
         return std::string();
       });
 }

@@ -12,6 +12,7 @@
 #include "cli/host_setup.h"
 #include "cli/name_lookup.h"
 #include "cli/terminal.h"
+#include "host/dialog_controls.h"
 #include "runtime/module_loader.h"
 #include "runtime/standin_host.h"
 
@@ -21,20 +22,16 @@ using platform::fromUtf8;
 
 namespace {
 
-// Controls that the report dialogs share.
-constexpr int kSites = 261;
-constexpr int kAlignments = 263;
-constexpr int kStem = 100;
-
 struct Form {
   const char* name;
   int checkBox;
 };
-constexpr std::array<Form, 3> kForms{{{"txt", 274}, {"xls", 275}, {"html", 276}}};
+constexpr std::array<Form, 3> kForms{
+    {{"txt", host::kIdCheckAscii}, {"xls", host::kIdCheckExcel}, {"html", host::kIdCheckHtml}}};
 
 std::vector<DialogStep> closingSteps(const CommonOptions& common, const std::string& stem) {
   using Kind = DialogStep::Kind;
-  std::vector<DialogStep> steps{{Kind::Type, kStem, 0, fromUtf8(stem)}};
+  std::vector<DialogStep> steps{{Kind::Type, host::kIdOutputStem, 0, fromUtf8(stem)}};
   for (const Form& form : kForms)
     steps.push_back({common.writes(form.name) ? Kind::Tick : Kind::Untick, form.checkBox, 0, {}});
   steps.push_back({Kind::Click, host::kIdOk, 0, {}});
@@ -118,9 +115,9 @@ std::string dialogStem(const std::string& given) {
 
 std::vector<DialogStep> alignmentSteps(const civil::Drawing& drawing, const FoundAlignment& found) {
   using Kind = DialogStep::Kind;
-  return {
-      {Kind::SelectRow, kSites, rowOf(siteRows(drawing), found.site), fromUtf8(found.site->name)},
-      {Kind::SelectRow, kAlignments, rowOf(found.site->alignments, found.alignment), fromUtf8(found.alignment->name)}};
+  return {{Kind::SelectRow, host::kIdSites, rowOf(siteRows(drawing), found.site), fromUtf8(found.site->name)},
+          {Kind::SelectRow, host::kIdAlignments, rowOf(found.site->alignments, found.alignment),
+           fromUtf8(found.alignment->name)}};
 }
 
 ExitCode runReport(const CommonOptions& common, const ReportRun& run, const ReportPlan& plan) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "framework/exceptions.h"
+#include "host/dialog_controls.h"
 
 namespace lvx::windowless {
 

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <fstream>
 
+#include "host/dialog_controls.h"
 #include "program_window.h"
 #include "runtime/standin_host.h"
 
@@ -223,7 +224,7 @@ TEST(Saving, UnderTheNameOfTheExampleGivesItsBytes) {
 /// Fills the points dialog and presses OK.
 void writePoints(ProgramWindow& program, const std::string& stem) {
   program.enter("lvx_Report_Points");
-  QWidget* const dialog = program.waitForNamed("CExportPointsDlg");
+  QWidget* const dialog = program.waitForNamed(host::kPointsDialog);
   ASSERT_NE(dialog, nullptr);
   const auto pick = [&](int control, int downs) {
     program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(control)); }));
@@ -233,12 +234,13 @@ void writePoints(ProgramWindow& program, const std::string& stem) {
     program.user.key(Qt::Key_Return);
     ASSERT_TRUE(program.user.waitFor([] { return QApplication::activePopupWidget() == nullptr; }));
   };
-  pick(261, 1);
-  pick(263, 0);
-  pick(102, 0);
-  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control100")); }));
+  pick(host::kIdSites, 1);
+  pick(host::kIdAlignments, 0);
+  pick(host::kIdPointGroups, 0);
+  program.user.click(
+      onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdOutputStem)); }));
   program.user.type(stem);
-  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control1")); }));
+  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdOk)); }));
 }
 
 TEST(Report, ThatCantWriteAFileSaysWhichAndWhyAndWhatToDo) {
@@ -269,7 +271,7 @@ TEST(Report, IntoAFolderThatIsntThereBringsTheDialogBackWithItsText) {
   QWidget* dialog = nullptr;
   ASSERT_TRUE(program.user.waitFor([&] {
     dialog = QApplication::activeModalWidget();
-    return dialog != nullptr && dialog->isActiveWindow() && dialog->objectName() == QStringLiteral("CExportPointsDlg");
+    return dialog != nullptr && dialog->isActiveWindow() && dialog->objectName() == QLatin1String(host::kPointsDialog);
   }));
   EXPECT_FALSE(std::filesystem::exists(program.folder / "missing"));
   EXPECT_TRUE(program.waitUntilSaid("There is no folder"));

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "desktop_user/foreign_windows.h"
+#include "host/dialog_controls.h"
 #include "large_drawing.h"
 #include "program_window.h"
 #include "runtime/standin_host.h"
@@ -22,12 +23,12 @@ bool closes(ProgramWindow& program) {
 
 void startPointsDialog(ProgramWindow& program) {
   program.enter("lvx_Report_Points");
-  ASSERT_NE(program.waitForNamed("CExportPointsDlg"), nullptr);
+  ASSERT_NE(program.waitForNamed(host::kPointsDialog), nullptr);
 }
 
 /// Presses a control of the dialog that is open.
 void press(ProgramWindow& program, int control) {
-  QWidget* const dialog = program.waitForNamed("CExportPointsDlg");
+  QWidget* const dialog = program.waitForNamed(host::kPointsDialog);
   ASSERT_NE(dialog, nullptr);
   program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(control)); }));
 }
@@ -64,7 +65,7 @@ TEST(Closing, WithADialogOpen) {
 TEST(Closing, DuringAPick) {
   ProgramWindow program;
   startPointsDialog(program);
-  press(program, 126);
+  press(program, host::kIdPickAlignment);
   waitForPrompt(program, "Pick an alignment:");
   closeByManager(program.window);
   EXPECT_TRUE(closes(program));
@@ -73,7 +74,7 @@ TEST(Closing, DuringAPick) {
 TEST(Closing, DuringASelection) {
   ProgramWindow program;
   startPointsDialog(program);
-  press(program, 232);
+  press(program, host::kIdPickPoints);
   auto* const label = program.part<QLabel>("consolePrompt");
   ASSERT_TRUE(program.user.waitFor([&] { return label->text() != QStringLiteral("Command:"); }));
   closeByManager(program.window);
@@ -83,7 +84,7 @@ TEST(Closing, DuringASelection) {
 TEST(Closing, WithAMessageBoxOverTheDialogsPick) {
   ProgramWindow program;
   startPointsDialog(program);
-  press(program, 126);
+  press(program, host::kIdPickAlignment);
   waitForPrompt(program, "Pick an alignment:");
   // A surface is no alignment: the box says so.
   QWidget* const tree = program.part("treeFind");
@@ -100,8 +101,8 @@ TEST(Closing, WithAMessageBoxOverTheDialogsPick) {
 TEST(Closing, WithTheFileBoxOverTheDialog) {
   ProgramWindow program;
   startPointsDialog(program);
-  QWidget* const dialog = program.waitForNamed("CExportPointsDlg");
-  press(program, 233);
+  QWidget* const dialog = program.waitForNamed(host::kPointsDialog);
+  press(program, host::kIdOutputFileBox);
   ASSERT_TRUE(program.user.waitFor(
       [&] { return QApplication::activeModalWidget() != nullptr && QApplication::activeModalWidget() != dialog; }));
   closeByManager(program.window);
@@ -137,7 +138,7 @@ TEST(Closing, WithHelpAndAReportOpenTakesTheirWindowsAlong) {
 /// Runs the GLS report up to its end, with added sections.
 void addSections(ProgramWindow& program, const std::string& stem) {
   program.enter("lvx_Report_GLS");
-  QWidget* const dialog = program.waitForNamed("CMyDialog3");
+  QWidget* const dialog = program.waitForNamed(host::kGlsDialog);
   ASSERT_NE(dialog, nullptr);
   const auto pick = [&](int control, int downs) {
     program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(control)); }));
@@ -147,16 +148,18 @@ void addSections(ProgramWindow& program, const std::string& stem) {
     program.user.key(Qt::Key_Return);
     ASSERT_TRUE(program.user.waitFor([] { return QApplication::activePopupWidget() == nullptr; }));
   };
-  pick(261, 1);
-  pick(263, 0);
-  pick(112, 0);
-  pick(262, 1);  // the lines every 5 m, where the corridor has sections every 10 m elsewhere
-  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control100")); }));
+  pick(host::kIdSites, 1);
+  pick(host::kIdAlignments, 0);
+  pick(host::kIdProfiles, 0);
+  pick(host::kIdSampleLineGroups, 1);  // the lines every 5 m, where the corridor has sections every 10 m elsewhere
+  program.user.click(
+      onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdOutputStem)); }));
   program.user.type(stem);
-  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control1")); }));
-  QWidget* const question = program.waitForNamed("CMyDialog4");
+  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdOk)); }));
+  QWidget* const question = program.waitForNamed(host::kAddSectionsDialog);
   ASSERT_NE(question, nullptr);
-  program.user.click(onGui([&] { return question->findChild<QWidget*>(QStringLiteral("control1")); }));
+  program.user.click(
+      onGui([&] { return question->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdOk)); }));
   ASSERT_TRUE(program.waitUntilSaid(".html"));
   ASSERT_TRUE(onGui([&] { return program.window->session().drawing()->isChanged(); }));
 }

@@ -26,6 +26,7 @@
 #include "dialogs/picture.h"
 #include "gls/add_sections_dialog.h"
 #include "gls/gls_dialog.h"
+#include "host/dialog_controls.h"
 #include "points/points_dialog.h"
 #include "projection/projection_dialog.h"
 #include "report_dialogs.h"
@@ -144,20 +145,8 @@ TEST(ReportDialogs, StandAtTheirDialogUnitsWithNoTextCutInAnyLanguageAndScheme) 
 
 // ---------------------------------------------------------------- worked by mouse and keyboard
 
-using dialogs::kIdAlignments;
-using dialogs::kIdCheckAscii;
-using dialogs::kIdCheckExcel;
-using dialogs::kIdCheckThird;
-using dialogs::kIdOutputFileBox;
-using dialogs::kIdOutputStem;
-using dialogs::kIdPickAlignment;
-using dialogs::kIdPickSecond;
-using dialogs::kIdSites;
 using gls::CMyDialog3;
 using gls::CMyDialog4;
-using host::kIdCancel;
-using host::kIdHelp;
-using host::kIdOk;
 using points::CExportPointsDlg;
 using projection::CMyDialog1;
 
@@ -214,7 +203,7 @@ class ReportDialogTest : public testing::Test {
     return look([&] { return running_->control<QCheckBox>(id)->isChecked(); });
   }
   [[nodiscard]] bool isOkEnabled() const {
-    return onGui([&] { return running_->control(kIdOk)->isEnabled(); });
+    return onGui([&] { return running_->control(host::kIdOk)->isEnabled(); });
   }
   /// Presses Tab until the control has the focus.
   void tabTo(int id) {
@@ -251,12 +240,12 @@ class ReportDialogTest : public testing::Test {
     return order;
   }
   void typeStem(const std::string& stem) {
-    user_.click(control(kIdOutputStem));
+    user_.click(control(host::kIdOutputStem));
     user_.key(Qt::Key_A, Qt::ControlModifier);
     user_.type(stem);
   }
   [[nodiscard]] std::string stem() const {
-    return look([&] { return running_->control<QLineEdit>(kIdOutputStem)->text().toStdString(); });
+    return look([&] { return running_->control<QLineEdit>(host::kIdOutputStem)->text().toStdString(); });
   }
   /// What every report dialog does alike.
   void expectCommonHabits(host::DialogBehaviour& dialog, const char* page);
@@ -274,7 +263,7 @@ void ReportDialogTest::expectCommonHabits(host::DialogBehaviour& dialog, const c
   open(dialog);
   EXPECT_EQ(tabOrder(), focusOrder(dialog.dialogTemplate()));
   const std::pair<int, Qt::Key> forms[] = {
-      {kIdCheckAscii, Qt::Key_A}, {kIdCheckExcel, Qt::Key_E}, {kIdCheckThird, Qt::Key_T}};
+      {host::kIdCheckAscii, Qt::Key_A}, {host::kIdCheckExcel, Qt::Key_E}, {host::kIdCheckHtml, Qt::Key_T}};
   for (const auto& [id, key] : forms) {
     EXPECT_TRUE(isTicked(id));
     user_.key(key, Qt::AltModifier);
@@ -286,7 +275,7 @@ void ReportDialogTest::expectCommonHabits(host::DialogBehaviour& dialog, const c
   }
 
   // The tip shows the stem as the dialog opened with it.
-  user_.moveTo(control(kIdOutputStem), QPoint(20, 8));
+  user_.moveTo(control(host::kIdOutputStem), QPoint(20, 8));
   EXPECT_FALSE(user_.waitFor([] { return QToolTip::isVisible(); }, std::chrono::milliseconds(1200)))
       << "an empty stem has no tip";
 
@@ -294,7 +283,7 @@ void ReportDialogTest::expectCommonHabits(host::DialogBehaviour& dialog, const c
   TemporaryFolder folder;
   const std::string path = (folder / "road.html.txt").string();
   const std::string chosenStem = (folder / "road").string();
-  tabTo(kIdOutputFileBox);
+  tabTo(host::kIdOutputFileBox);
   user_.key(Qt::Key_Space);
   QWidget* box = nullptr;
   ASSERT_TRUE(user_.waitFor([&] {
@@ -313,13 +302,13 @@ void ReportDialogTest::expectCommonHabits(host::DialogBehaviour& dialog, const c
   user_.key(Qt::Key_Return);
   EXPECT_TRUE(user_.waitFor([&] { return stem() == chosenStem; })) << stem();
   EXPECT_TRUE(user_.waitFor([&] { return QApplication::activeWindow() == window_; }));
-  user_.moveTo(control(kIdOutputStem), QPoint(30, 9));
-  user_.moveTo(control(kIdOutputStem), QPoint(32, 10));
+  user_.moveTo(control(host::kIdOutputStem), QPoint(30, 9));
+  user_.moveTo(control(host::kIdOutputStem), QPoint(32, 10));
   EXPECT_TRUE(user_.waitFor([&] { return QToolTip::isVisible() && QToolTip::text().toStdString() == path; }));
   user_.moveTo(window_, QPoint(3, 3));
 
   // Escape leaves the file box without a change; by the mouse this time.
-  user_.click(control(kIdOutputFileBox));
+  user_.click(control(host::kIdOutputFileBox));
   ASSERT_TRUE(user_.waitFor([&] {
     box = QApplication::activeWindow();
     return box != nullptr && box->objectName() == QStringLiteral("saveBox");
@@ -349,26 +338,26 @@ void ReportDialogTest::expectCommonHabits(host::DialogBehaviour& dialog, const c
 
   // The pick of an alignment, by keyboard; after it everything is ticked again and the stem stands.
   user_.click(window_, QPoint(3, 3));
-  tabTo(kIdPickAlignment);
+  tabTo(host::kIdPickAlignment);
   user_.key(Qt::Key_Return);
-  EXPECT_EQ(code(), kIdPickAlignment);
+  EXPECT_EQ(code(), host::kIdPickAlignment);
   open(dialog);
   for (const auto& form : forms) EXPECT_TRUE(isTicked(form.first));
   EXPECT_EQ(stem(), chosenStem);
-  user_.moveTo(control(kIdOutputStem), QPoint(30, 9));
-  user_.moveTo(control(kIdOutputStem), QPoint(33, 10));
+  user_.moveTo(control(host::kIdOutputStem), QPoint(30, 9));
+  user_.moveTo(control(host::kIdOutputStem), QPoint(33, 10));
   EXPECT_TRUE(user_.waitFor([&] { return QToolTip::isVisible() && QToolTip::text().toStdString() == chosenStem; }));
 
   // Three ways out.
   user_.key(Qt::Key_Escape);
-  EXPECT_EQ(code(), kIdCancel);
+  EXPECT_EQ(code(), host::kIdCancel);
   open(dialog);
-  user_.click(control(kIdCancel));
-  EXPECT_EQ(code(), kIdCancel);
+  user_.click(control(host::kIdCancel));
+  EXPECT_EQ(code(), host::kIdCancel);
   open(dialog);
   const int bar = onGui([&] { return window_->windowHandle()->frameMargins().top(); });
   user_.click(window_, QPoint(onGui([&] { return window_->width(); }) - bar / 2, -bar / 2));
-  EXPECT_EQ(code(), kIdCancel);
+  EXPECT_EQ(code(), host::kIdCancel);
 }
 
 TEST_F(ReportDialogTest, TheProjectionDialogHasTheHabitsOfAllReportDialogs) {
@@ -385,41 +374,41 @@ TEST_F(ReportDialogTest, TheProjectionDialogIsFilledInByTheMouse) {
   CMyDialog1& dialog = dialogs_.projection;
   open(dialog);
   EXPECT_EQ(onGui([&] { return window_->windowTitle().toStdString(); }), "Profile projection");
-  EXPECT_EQ(rows(kIdSites), "North|South|[*No site*]");
-  EXPECT_EQ(rows(dialogs::kIdSampleLineGroups), "");
+  EXPECT_EQ(rows(host::kIdSites), "North|South|[*No site*]");
+  EXPECT_EQ(rows(host::kIdSampleLineGroups), "");
   typeStem("/r/x");
   EXPECT_FALSE(isOkEnabled()) << "the axis outside any site has no lines";
-  choose(kIdSites, QStringLiteral("South"));
-  EXPECT_EQ(rows(kIdAlignments), "[B1]");
+  choose(host::kIdSites, QStringLiteral("South"));
+  EXPECT_EQ(rows(host::kIdAlignments), "[B1]");
   EXPECT_TRUE(isOkEnabled());
-  choose(kIdSites, QStringLiteral("North"));
-  EXPECT_EQ(rows(kIdAlignments), "[A1]|A2");
-  EXPECT_EQ(rows(dialogs::kIdSampleLineGroups), "[A1 lines]|A1 fine");
-  choose(kIdAlignments, QStringLiteral("A2"));
-  EXPECT_EQ(rows(dialogs::kIdSampleLineGroups), "A2 lines") << "a change of alignment selects no group";
+  choose(host::kIdSites, QStringLiteral("North"));
+  EXPECT_EQ(rows(host::kIdAlignments), "[A1]|A2");
+  EXPECT_EQ(rows(host::kIdSampleLineGroups), "[A1 lines]|A1 fine");
+  choose(host::kIdAlignments, QStringLiteral("A2"));
+  EXPECT_EQ(rows(host::kIdSampleLineGroups), "A2 lines") << "a change of alignment selects no group";
   EXPECT_TRUE(isOkEnabled()) << "only the stem takes OK away";
-  choose(dialogs::kIdSampleLineGroups, QStringLiteral("A2 lines"));
-  choose(CMyDialog1::kIdSurfaces, QStringLiteral("Rock & gravel"));
+  choose(host::kIdSampleLineGroups, QStringLiteral("A2 lines"));
+  choose(host::kIdSurfaces, QStringLiteral("Rock & gravel"));
   typeStem("");
   user_.key(Qt::Key_Delete);
   EXPECT_FALSE(isOkEnabled());
-  user_.click(control(kIdOk));
+  user_.click(control(host::kIdOk));
   EXPECT_FALSE(running_->isOver());
   typeStem("/r/y");
-  user_.click(control(kIdPickSecond));
-  EXPECT_EQ(code(), kIdPickSecond);
+  user_.click(control(host::kIdPickSurface));
+  EXPECT_EQ(code(), host::kIdPickSurface);
 
   open(dialog);
-  EXPECT_EQ(rows(kIdAlignments), "A1|[A2]");
-  EXPECT_EQ(rows(CMyDialog1::kIdSurfaces), "Ground|[Rock & gravel]");
+  EXPECT_EQ(rows(host::kIdAlignments), "A1|[A2]");
+  EXPECT_EQ(rows(host::kIdSurfaces), "Ground|[Rock & gravel]");
   EXPECT_TRUE(isOkEnabled());
-  user_.click(control(kIdPickAlignment));
-  EXPECT_EQ(code(), kIdPickAlignment);
+  user_.click(control(host::kIdPickAlignment));
+  EXPECT_EQ(code(), host::kIdPickAlignment);
 
   open(dialog);
-  user_.click(control(kIdCheckExcel), QPoint(8, 8));
-  user_.click(control(kIdOk));
-  EXPECT_EQ(code(), kIdOk);
+  user_.click(control(host::kIdCheckExcel), QPoint(8, 8));
+  user_.click(control(host::kIdOk));
+  EXPECT_EQ(code(), host::kIdOk);
   EXPECT_EQ(dialog.groupText, L"A2 lines");
   EXPECT_EQ(dialog.surfaceText, L"Rock & gravel");
   EXPECT_EQ(dialog.reportAlignmentText, L"A2");
@@ -432,21 +421,21 @@ TEST_F(ReportDialogTest, TheProjectionDialogIsFilledInByTheMouse) {
 TEST_F(ReportDialogTest, TheProjectionDialogIsFilledInByTheKeyboard) {
   CMyDialog1& dialog = dialogs_.projection;
   open(dialog);
-  tabTo(kIdSites);
+  tabTo(host::kIdSites);
   user_.type("n");  // the row that begins so
-  EXPECT_EQ(rows(kIdSites), "[North]|South|*No site*");
-  tabTo(kIdAlignments);
+  EXPECT_EQ(rows(host::kIdSites), "[North]|South|*No site*");
+  tabTo(host::kIdAlignments);
   user_.key(Qt::Key_Down);
-  EXPECT_EQ(rows(dialogs::kIdSampleLineGroups), "A2 lines");
-  tabTo(CMyDialog1::kIdSurfaces);
+  EXPECT_EQ(rows(host::kIdSampleLineGroups), "A2 lines");
+  tabTo(host::kIdSurfaces);
   user_.key(Qt::Key_End);
-  tabTo(dialogs::kIdSampleLineGroups);
+  tabTo(host::kIdSampleLineGroups);
   user_.key(Qt::Key_Down);
-  tabTo(kIdOutputStem);
+  tabTo(host::kIdOutputStem);
   user_.type("/r/x");
   EXPECT_TRUE(isOkEnabled());
   user_.key(Qt::Key_Return);
-  EXPECT_EQ(code(), kIdOk);
+  EXPECT_EQ(code(), host::kIdOk);
   EXPECT_EQ(dialog.siteText, L"North");
   EXPECT_EQ(dialog.reportAlignmentText, L"A2");
   EXPECT_EQ(dialog.groupText, L"A2 lines");
@@ -456,31 +445,33 @@ TEST_F(ReportDialogTest, TheProjectionDialogIsFilledInByTheKeyboard) {
 TEST_F(ReportDialogTest, ThePointsDialogIsFilledInByTheMouse) {
   CExportPointsDlg& dialog = dialogs_.points;
   open(dialog);
-  const auto count = [&] { return onGui([&] { return running_->control<QLabel>(105)->text().toStdString(); }); };
-  EXPECT_EQ(rows(CExportPointsDlg::kIdPointGroups), "[Survey]|Benchmark|*Picked points*");
+  const auto count = [&] {
+    return onGui([&] { return running_->control<QLabel>(host::kIdPointCount)->text().toStdString(); });
+  };
+  EXPECT_EQ(rows(host::kIdPointGroups), "[Survey]|Benchmark|*Picked points*");
   EXPECT_EQ(count(), "2 points selected");
-  choose(CExportPointsDlg::kIdPointGroups, QStringLiteral("Benchmark"));
+  choose(host::kIdPointGroups, QStringLiteral("Benchmark"));
   EXPECT_EQ(count(), "1 points selected");
-  choose(kIdSites, QStringLiteral("North"));
-  EXPECT_EQ(rows(kIdAlignments), "[A1]|A2");
-  choose(kIdAlignments, QStringLiteral("A2"));
+  choose(host::kIdSites, QStringLiteral("North"));
+  EXPECT_EQ(rows(host::kIdAlignments), "[A1]|A2");
+  choose(host::kIdAlignments, QStringLiteral("A2"));
   EXPECT_FALSE(isOkEnabled());
   typeStem("/");
   EXPECT_TRUE(isOkEnabled());
   user_.key(Qt::Key_Backspace);
   EXPECT_FALSE(isOkEnabled());
-  user_.click(control(kIdPickSecond));
-  EXPECT_EQ(code(), kIdPickSecond);
+  user_.click(control(host::kIdPickPoints));
+  EXPECT_EQ(code(), host::kIdPickPoints);
 
   dialog.pointGroups[dialog.pointGroups.size() - 1]->count = 1;  // as the pick leaves it
   open(dialog);
-  EXPECT_EQ(rows(CExportPointsDlg::kIdPointGroups), "Survey|Benchmark|[*Picked points*]");
+  EXPECT_EQ(rows(host::kIdPointGroups), "Survey|Benchmark|[*Picked points*]");
   EXPECT_EQ(count(), "1 point selected");
-  EXPECT_EQ(rows(kIdAlignments), "[A1]|A2") << "the site stands, a row chosen without a handler doesn't";
+  EXPECT_EQ(rows(host::kIdAlignments), "[A1]|A2") << "the site stands, a row chosen without a handler doesn't";
   typeStem("/r/x");
-  user_.click(control(kIdCheckAscii), QPoint(8, 8));
-  user_.click(control(kIdOk));
-  EXPECT_EQ(code(), kIdOk);
+  user_.click(control(host::kIdCheckAscii), QPoint(8, 8));
+  user_.click(control(host::kIdOk));
+  EXPECT_EQ(code(), host::kIdOk);
   EXPECT_EQ(dialog.siteText, L"North");
   EXPECT_EQ(dialog.alignmentText, L"A1");
   EXPECT_EQ(dialog.groupText, L"*Picked points*");
@@ -491,17 +482,17 @@ TEST_F(ReportDialogTest, ThePointsDialogIsFilledInByTheMouse) {
 TEST_F(ReportDialogTest, ThePointsDialogIsFilledInByTheKeyboard) {
   CExportPointsDlg& dialog = dialogs_.points;
   open(dialog);
-  tabTo(kIdSites);
+  tabTo(host::kIdSites);
   user_.key(Qt::Key_Home);
-  tabTo(kIdAlignments);
+  tabTo(host::kIdAlignments);
   user_.key(Qt::Key_Down);
-  tabTo(CExportPointsDlg::kIdPointGroups);
+  tabTo(host::kIdPointGroups);
   user_.key(Qt::Key_Down);
-  tabTo(kIdPickSecond);
-  tabTo(kIdOutputStem);
+  tabTo(host::kIdPickPoints);
+  tabTo(host::kIdOutputStem);
   user_.type("/r/x");
   user_.key(Qt::Key_Return);
-  EXPECT_EQ(code(), kIdOk);
+  EXPECT_EQ(code(), host::kIdOk);
   EXPECT_EQ(dialog.alignmentText, L"A2");
   EXPECT_EQ(dialog.groupText, L"Benchmark");
 }
@@ -509,33 +500,33 @@ TEST_F(ReportDialogTest, ThePointsDialogIsFilledInByTheKeyboard) {
 TEST_F(ReportDialogTest, TheGlsDialogIsFilledInByTheMouse) {
   CMyDialog3& dialog = dialogs_.gls;
   open(dialog);
-  choose(kIdSites, QStringLiteral("North"));
-  EXPECT_EQ(rows(kIdAlignments), "[A1]|A2");
-  EXPECT_EQ(rows(CMyDialog3::kIdProfiles), "[Design]|Ground");
-  EXPECT_EQ(rows(dialogs::kIdSampleLineGroups), "[A1 lines]|A1 fine");
-  EXPECT_EQ(rows(CMyDialog3::kIdCorridors), "[Main road]");
+  choose(host::kIdSites, QStringLiteral("North"));
+  EXPECT_EQ(rows(host::kIdAlignments), "[A1]|A2");
+  EXPECT_EQ(rows(host::kIdProfiles), "[Design]|Ground");
+  EXPECT_EQ(rows(host::kIdSampleLineGroups), "[A1 lines]|A1 fine");
+  EXPECT_EQ(rows(host::kIdCorridors), "[Main road]");
   EXPECT_FALSE(isOkEnabled());
   typeStem("/r/x");
   EXPECT_TRUE(isOkEnabled());
   user_.key(Qt::Key_A, Qt::ControlModifier);
   user_.key(Qt::Key_Delete);
   EXPECT_TRUE(isOkEnabled()) << "nothing takes OK away again here";
-  choose(kIdAlignments, QStringLiteral("A2"));
-  EXPECT_EQ(rows(dialogs::kIdSampleLineGroups), "[A2 lines]");
+  choose(host::kIdAlignments, QStringLiteral("A2"));
+  EXPECT_EQ(rows(host::kIdSampleLineGroups), "[A2 lines]");
   EXPECT_EQ(dialog.profileText, L"Main road") << "until the profile is chosen again";
-  choose(CMyDialog3::kIdProfiles, QStringLiteral("Ground A2"));
+  choose(host::kIdProfiles, QStringLiteral("Ground A2"));
   EXPECT_EQ(dialog.profileText, L"Ground A2");
-  choose(CMyDialog3::kIdCorridors, QStringLiteral("Main road"));
-  choose(dialogs::kIdSampleLineGroups, QStringLiteral("A2 lines"));
+  choose(host::kIdCorridors, QStringLiteral("Main road"));
+  choose(host::kIdSampleLineGroups, QStringLiteral("A2 lines"));
   typeStem("/r/x");
-  user_.click(control(CMyDialog3::kIdPickProfile));
-  EXPECT_EQ(code(), CMyDialog3::kIdPickProfile);
+  user_.click(control(host::kIdPickProfile));
+  EXPECT_EQ(code(), host::kIdPickProfile);
 
   open(dialog);
-  EXPECT_EQ(rows(CMyDialog3::kIdProfiles), "Design A2|[Ground A2]");
-  user_.click(control(kIdCheckThird), QPoint(8, 8));
-  user_.click(control(kIdOk));
-  EXPECT_EQ(code(), kIdOk);
+  EXPECT_EQ(rows(host::kIdProfiles), "Design A2|[Ground A2]");
+  user_.click(control(host::kIdCheckHtml), QPoint(8, 8));
+  user_.click(control(host::kIdOk));
+  EXPECT_EQ(code(), host::kIdOk);
   EXPECT_EQ(dialog.reportAlignmentText, L"A2");
   EXPECT_EQ(dialog.groupText, L"A2 lines");
   EXPECT_EQ(dialog.checkThird, 0);
@@ -544,18 +535,18 @@ TEST_F(ReportDialogTest, TheGlsDialogIsFilledInByTheMouse) {
 TEST_F(ReportDialogTest, TheGlsDialogIsFilledInByTheKeyboard) {
   CMyDialog3& dialog = dialogs_.gls;
   open(dialog);
-  tabTo(kIdSites);
+  tabTo(host::kIdSites);
   user_.type("n");
-  tabTo(CMyDialog3::kIdProfiles);
+  tabTo(host::kIdProfiles);
   user_.key(Qt::Key_Down);
-  tabTo(CMyDialog3::kIdCorridors);
-  tabTo(dialogs::kIdSampleLineGroups);
+  tabTo(host::kIdCorridors);
+  tabTo(host::kIdSampleLineGroups);
   user_.key(Qt::Key_Down);
-  tabTo(CMyDialog3::kIdPickProfile);
-  tabTo(kIdOutputStem);
+  tabTo(host::kIdPickProfile);
+  tabTo(host::kIdOutputStem);
   user_.type("/r/x");
   user_.key(Qt::Key_Enter);
-  EXPECT_EQ(code(), kIdOk);
+  EXPECT_EQ(code(), host::kIdOk);
   EXPECT_EQ(dialog.profileText, L"Ground");
   EXPECT_EQ(dialog.groupText, L"A1 fine");
 }
@@ -564,7 +555,7 @@ TEST_F(ReportDialogTest, TheQuestionIsAnsweredByMouseAndKeyboardAndOpensTheHelpO
   open(dialogs_.question);
   EXPECT_EQ(tabOrder(), (std::vector<int>{1, 2, 9}));
   EXPECT_EQ(onGui([&] { return window_->windowTitle().toStdString(); }), "Corridor sections");
-  user_.click(control(kIdHelp));
+  user_.click(control(host::kIdHelp));
   QWidget* help = nullptr;
   ASSERT_TRUE(user_.waitFor([&] {
     help = QApplication::activeWindow();
@@ -575,17 +566,17 @@ TEST_F(ReportDialogTest, TheQuestionIsAnsweredByMouseAndKeyboardAndOpensTheHelpO
             }),
             "LVX_015_003.html");
   user_.key(Qt::Key_Escape);
-  user_.click(control(kIdOk));
-  EXPECT_EQ(code(), kIdOk);
+  user_.click(control(host::kIdOk));
+  EXPECT_EQ(code(), host::kIdOk);
   open(dialogs_.question);
   user_.key(Qt::Key_Return);
-  EXPECT_EQ(code(), kIdOk) << "the first button is the default";
+  EXPECT_EQ(code(), host::kIdOk) << "the first button is the default";
   open(dialogs_.question);
-  user_.click(control(kIdCancel));
-  EXPECT_EQ(code(), kIdCancel);
+  user_.click(control(host::kIdCancel));
+  EXPECT_EQ(code(), host::kIdCancel);
   open(dialogs_.question);
   user_.key(Qt::Key_Escape);
-  EXPECT_EQ(code(), kIdCancel);
+  EXPECT_EQ(code(), host::kIdCancel);
 }
 
 TEST_F(ReportDialogTest, ShowsTheSmallPicturesOnTheDialogsColourInALightAndADarkScheme) {
@@ -604,14 +595,15 @@ TEST_F(ReportDialogTest, ShowsTheSmallPicturesOnTheDialogsColourInALightAndADark
         const double ratio = image.devicePixelRatio();
         return image.pixelColor(qRound((place.x() + 0.25) * ratio), qRound((place.y() + 0.25) * ratio));
       };
-      EXPECT_EQ(shown(270, dialogs::kPictureSite), face);
-      EXPECT_EQ(shown(271, dialogs::kPictureAlignment), face);
-      EXPECT_EQ(shown(108, dialogs::kPictureProfile), face);
-      EXPECT_EQ(shown(101, dialogs::kPictureSampleLineGroup), face);
-      EXPECT_EQ(shown(109, dialogs::kPictureCorridor), QColor(Qt::white)) << "the corridor's picture keeps its white";
+      EXPECT_EQ(shown(host::kIdPictureSite, dialogs::kPictureSite), face);
+      EXPECT_EQ(shown(host::kIdPictureAlignment, dialogs::kPictureAlignment), face);
+      EXPECT_EQ(shown(host::kIdPictureProfile, dialogs::kPictureProfile), face);
+      EXPECT_EQ(shown(host::kIdPictureSampleLineGroup, dialogs::kPictureSampleLineGroup), face);
+      EXPECT_EQ(shown(host::kIdPictureCorridor, dialogs::kPictureCorridor), QColor(Qt::white))
+          << "the corridor's picture keeps its white";
     });
     user_.key(Qt::Key_Escape);
-    EXPECT_EQ(code(), kIdCancel);
+    EXPECT_EQ(code(), host::kIdCancel);
   }
   useScheme(false);
 }

@@ -13,6 +13,7 @@
 #include "desktop/charts/profile_view.h"
 #include "desktop/charts/section_view.h"
 #include "desktop/plan/plan_view.h"
+#include "host/dialog_controls.h"
 #include "program_window.h"
 #include "runtime/standin_host.h"
 
@@ -132,7 +133,7 @@ TEST(MainWindow, AnswersAnUnknownCommandWithWhatThereIs) {
 TEST(MainWindow, RunsACommandThatWasTypedInAnyCase) {
   ProgramWindow program;
   program.enter("LVX_REPORT_POINTS");
-  QWidget* const dialog = program.waitForNamed("CExportPointsDlg");
+  QWidget* const dialog = program.waitForNamed(host::kPointsDialog);
   ASSERT_NE(dialog, nullptr);
   EXPECT_TRUE(onGui([&] { return program.window->session().isRunning(); }));
   program.user.key(Qt::Key_Escape);
@@ -151,16 +152,17 @@ TEST(MainWindow, WritesTheProjectionReportThatTheCommandLineWrites) {
   program.user.key(Qt::Key_R, Qt::AltModifier);
   ASSERT_TRUE(program.user.waitFor([&] { return QApplication::activePopupWidget() != nullptr; }));
   program.user.key(Qt::Key_P);
-  QWidget* const dialog = program.waitForNamed("CMyDialog1");
+  QWidget* const dialog = program.waitForNamed(host::kProjectionDialog);
   ASSERT_NE(dialog, nullptr);
-  choose(program, dialog, 261, "Valley road upgrade");
-  choose(program, dialog, 263, "Valley road");
-  choose(program, dialog, 262, "Cross sections 20 m");
-  choose(program, dialog, 268, "Existing ground");
+  choose(program, dialog, host::kIdSites, "Valley road upgrade");
+  choose(program, dialog, host::kIdAlignments, "Valley road");
+  choose(program, dialog, host::kIdSampleLineGroups, "Cross sections 20 m");
+  choose(program, dialog, host::kIdSurfaces, "Existing ground");
   const std::filesystem::path stem = program.folder / "road";
-  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control100")); }));
+  program.user.click(
+      onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdOutputStem)); }));
   program.user.type(stem.string());
-  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control1")); }));
+  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdOk)); }));
   ASSERT_TRUE(program.waitUntilSaid("road.html"));
 
   // Under the same names, since the head of a report shows its own.
@@ -284,16 +286,17 @@ TEST(MainWindow, OpensADrawingThatIsDroppedOnIt) {
 TEST(MainWindow, OffersAnObjectOfTheTreeAsThePick) {
   ProgramWindow program;
   program.enter("lvx_Report_Points");
-  QWidget* const dialog = program.waitForNamed("CExportPointsDlg");
+  QWidget* const dialog = program.waitForNamed(host::kPointsDialog);
   ASSERT_NE(dialog, nullptr);
-  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control126")); }));
+  program.user.click(
+      onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdPickAlignment)); }));
   auto* const prompt = program.part<QLabel>("consolePrompt");
   ASSERT_TRUE(program.user.waitFor([&] { return prompt->text() == QStringLiteral("Pick an alignment:"); }));
   clickTree(program, "Mill lane");
-  QWidget* const again = program.waitForNamed("CExportPointsDlg");
+  QWidget* const again = program.waitForNamed(host::kPointsDialog);
   ASSERT_NE(again, nullptr);
   EXPECT_TRUE(program.user.waitFor([&] {
-    const auto* const list = again->findChild<QComboBox*>(QStringLiteral("control263"));
+    const auto* const list = again->findChild<QComboBox*>(QStringLiteral("control%1").arg(host::kIdAlignments));
     return list != nullptr && list->count() > 0;
   }));
   EXPECT_TRUE(program.user.waitFor([&] { return prompt->text() == QStringLiteral("Command:"); }));
@@ -304,15 +307,16 @@ TEST(MainWindow, OffersAnObjectOfTheTreeAsThePick) {
 TEST(MainWindow, EscapeInTheConsoleGivesAPickUp) {
   ProgramWindow program;
   program.enter("lvx_Report_Points");
-  QWidget* const dialog = program.waitForNamed("CExportPointsDlg");
+  QWidget* const dialog = program.waitForNamed(host::kPointsDialog);
   ASSERT_NE(dialog, nullptr);
-  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control126")); }));
+  program.user.click(
+      onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdPickAlignment)); }));
   auto* const prompt = program.part<QLabel>("consolePrompt");
   ASSERT_TRUE(program.user.waitFor([&] { return prompt->text() == QStringLiteral("Pick an alignment:"); }));
   program.enter("zoom");
   EXPECT_TRUE(program.waitUntilSaid("waits for a pick"));
   program.user.key(Qt::Key_Escape);
-  EXPECT_NE(program.waitForNamed("CExportPointsDlg"), nullptr);
+  EXPECT_NE(program.waitForNamed(host::kPointsDialog), nullptr);
   program.user.key(Qt::Key_Escape);
   EXPECT_TRUE(program.waitUntilSaid("Points ended and wrote nothing"));
 }

@@ -7,14 +7,11 @@
 #include <cstdlib>
 
 #include "desktop/charts/section_view.h"
+#include "host/dialog_controls.h"
 #include "program_window.h"
 
 namespace lvx::test {
 namespace {
-
-// Lists of the dialogs. The second site is the main road's, the second profile its design.
-constexpr int kSites = 261;
-constexpr int kProfiles = 112;
 
 class Pictures : public testing::Test {
  protected:
@@ -73,10 +70,11 @@ class Pictures : public testing::Test {
       program.user.key(Qt::Key_Down);
       program.user.key(Qt::Key_Return);
     }
-    QWidget* const stem = onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control100")); });
+    QWidget* const stem =
+        onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdOutputStem)); });
     program.user.click(stem);
     program.user.type((stem_ / name).string());
-    auto* const ok = onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control1")); });
+    auto* const ok = onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdOk)); });
     ASSERT_TRUE(program.user.waitFor([&] { return ok->isEnabled(); }));
     if (!dialogPicture.empty()) take(dialog, dialogPicture);
     program.user.key(Qt::Key_Return);
@@ -100,13 +98,14 @@ class Pictures : public testing::Test {
     QWidget* question = nullptr;
     program.user.waitFor([&] {
       for (QWidget* top : QApplication::topLevelWidgets())
-        if (top->isVisible() && top->objectName() == QStringLiteral("CMyDialog4")) question = top;
+        if (top->isVisible() && top->objectName() == QLatin1String(host::kAddSectionsDialog)) question = top;
       return question != nullptr || program.window->findChild<QTextBrowser*>(QStringLiteral("consoleHistory"))
                                         ->toPlainText()
                                         .contains(QString::fromStdString(name + ".html"));
     });
     if (question != nullptr)
-      program.user.click(onGui([&] { return question->findChild<QWidget*>(QStringLiteral("control2")); }));
+      program.user.click(
+          onGui([&] { return question->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdCancel)); }));
   }
 
   TemporaryFolder moment_;
@@ -117,9 +116,9 @@ class Pictures : public testing::Test {
 TEST_F(Pictures, ShowTheDesktopItsDialogAndEachReport) {
   ProgramWindow program;
   onGui([&] { program.window->resize(1400, 880); });
-  report(program, "lvx_Report_Points", "CExportPointsDlg", {kSites}, "points", {760, 380});
-  report(program, "lvx_Report_GLS", "CMyDialog3", {kSites, kProfiles}, "gls", {1280, 620});
-  report(program, "lvx_Report_Que", "CMyDialog1", {kSites}, "projection", {420, 480}, "dialog");
+  report(program, "lvx_Report_Points", host::kPointsDialog, {host::kIdSites}, "points", {760, 380});
+  report(program, "lvx_Report_GLS", host::kGlsDialog, {host::kIdSites, host::kIdProfiles}, "gls", {1280, 620});
+  report(program, "lvx_Report_Que", host::kProjectionDialog, {host::kIdSites}, "projection", {420, 480}, "dialog");
   // The plan with the section of a sample line beside it.
   auto* const find = program.part<QLineEdit>("treeFind");
   program.user.click(find);

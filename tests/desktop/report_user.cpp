@@ -12,6 +12,7 @@
 
 #include "desktop/common/qt_text.h"
 #include "desktop/plan/plan_view.h"
+#include "host/dialog_controls.h"
 #include "runtime/open_drawing.h"
 #include "view/number_text.h"
 
@@ -122,11 +123,12 @@ std::string ReportUser::textOf(int id) const {
 }
 
 void ReportUser::typeStem(const std::filesystem::path& stem) {
-  program.user.click(control(kStem));
+  program.user.click(control(host::kIdOutputStem));
   program.user.key(Qt::Key_A, Qt::ControlModifier);
   program.user.type(stem.string());
-  const auto* const edit = qobject_cast<QLineEdit*>(control(kStem));
-  ASSERT_TRUE(program.user.waitFor([&] { return edit->text().toStdString() == stem.string(); })) << textOf(kStem);
+  const auto* const edit = qobject_cast<QLineEdit*>(control(host::kIdOutputStem));
+  ASSERT_TRUE(program.user.waitFor([&] { return edit->text().toStdString() == stem.string(); }))
+      << textOf(host::kIdOutputStem);
 }
 
 void ReportUser::toggle(int form) {

@@ -6,31 +6,12 @@
 #include <vector>
 
 #include "civil/drawing.h"
+#include "host/dialog_controls.h"
 #include "program_window.h"
 
 class QComboBox;
 
 namespace lvx::test {
-
-// Controls of the report dialogs.
-inline constexpr int kOk = 1;
-inline constexpr int kCancel = 2;
-inline constexpr int kHelp = 9;
-inline constexpr int kStem = 100;
-inline constexpr int kPointGroups = 102;
-inline constexpr int kPointCount = 105;
-inline constexpr int kProfiles = 112;
-inline constexpr int kPickProfile = 125;
-inline constexpr int kPickAlignment = 126;
-inline constexpr int kPickSecond = 232;  ///< a surface, or points
-inline constexpr int kFileBox = 233;
-inline constexpr int kSites = 261;
-inline constexpr int kLineGroups = 262;
-inline constexpr int kAlignments = 263;
-inline constexpr int kSurfaces = 268;
-inline constexpr int kAscii = 274;
-inline constexpr int kExcel = 275;
-inline constexpr int kHtml = 276;
 
 /// Bytes of files by their endings: ".txt".
 using Forms = std::map<std::string, std::string>;
@@ -39,10 +20,10 @@ using Forms = std::map<std::string, std::string>;
 /// the same bytes.
 ///
 ///     ReportUser user;
-///     user.start("lvx_Report_Que", "CMyDialog1");
-///     user.choose(kSites, "Valley road upgrade");
+///     user.start("lvx_Report_Que", host::kProjectionDialog);
+///     user.choose(host::kIdSites, "Valley road upgrade");
 ///     user.typeStem(stem);
-///     user.press(kOk);
+///     user.press(host::kIdOk);
 ///     user.expectAsTheLineWrites(stem, {"projection", …});
 class ReportUser {
  public:

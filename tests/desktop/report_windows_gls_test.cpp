@@ -4,15 +4,13 @@
 
 #include "desktop/charts/profile_view.h"
 #include "desktop/plan/plan_view.h"
+#include "host/dialog_controls.h"
 #include "report_user.h"
 
 namespace lvx::test {
 namespace {
 
 constexpr const char* kCommand = "lvx_Report_GLS";
-constexpr const char* kDialog = "CMyDialog3";
-constexpr const char* kQuestion = "CMyDialog4";
-constexpr int kQuestionText = -1;
 constexpr const char* kPrompt = "Pick the surface or profile:";
 
 std::vector<std::string> gls(const std::string& drawing, const std::string& alignment, const std::string& profile,
@@ -23,15 +21,16 @@ std::vector<std::string> gls(const std::string& drawing, const std::string& alig
 class GlsWindows : public testing::Test {
  protected:
   void startWithRoad() {
-    user.start(kCommand, kDialog);
-    user.choose(kSites, "Valley road upgrade");
+    user.start(kCommand, host::kGlsDialog);
+    user.choose(host::kIdSites, "Valley road upgrade");
   }
   /// OK in the dialog, and an answer to the question about the sections.
   void finish(int answer) {
     user.typeStem(user.stem());
-    user.press(kOk);
-    user.expectDialog(kQuestion);
-    EXPECT_EQ(user.textOf(kQuestionText).rfind("Add sections to the corridors", 0), 0U) << user.textOf(kQuestionText);
+    user.press(host::kIdOk);
+    user.expectDialog(host::kAddSectionsDialog);
+    EXPECT_EQ(user.textOf(host::kIdQuestion).rfind("Add sections to the corridors", 0), 0U)
+        << user.textOf(host::kIdQuestion);
     user.press(answer);
     ASSERT_TRUE(user.waitForEnd());
   }
@@ -69,9 +68,9 @@ QPoint placeOf(const ReportUser& user, const desktop::ProfileView& view, const s
 
 TEST_F(GlsWindows, WriteWhatTheCommandLineWritesWithoutAddedSections) {
   startWithRoad();
-  user.choose(kProfiles, "Valley road design");
-  user.choose(kLineGroups, "Bridge 5 m");
-  finish(kCancel);
+  user.choose(host::kIdProfiles, "Valley road design");
+  user.choose(host::kIdSampleLineGroups, "Bridge 5 m");
+  finish(host::kIdCancel);
   EXPECT_FALSE(isChanged());
   EXPECT_EQ(ReportUser::formsOf(user.stem()).size(), 3U);
   ReportUser::expectAsTheLineWrites(user.stem(),
@@ -82,68 +81,68 @@ TEST_F(GlsWindows, TakeAProfileThatIsClickedInItsViewOrInTheTree) {
   startWithRoad();
   auto* const view = onGui([&] { return user.program.window->findChild<desktop::ProfileView*>(); });
   auto* const canvas = onGui([&] { return view->findChild<QWidget*>(QStringLiteral("canvas")); });
-  user.press(kPickProfile);
+  user.press(host::kIdPickProfile);
   user.expectPrompt(kPrompt);
   user.clickTree("Valley road ground");
   user.expectDialog();
-  EXPECT_EQ(user.rows(kProfiles), "[Valley road ground]|Valley road design");
+  EXPECT_EQ(user.rows(host::kIdProfiles), "[Valley road ground]|Valley road design");
 
-  user.press(kPickProfile);
+  user.press(host::kIdPickProfile);
   user.expectPrompt(kPrompt);
   user.program.user.click(canvas, placeOf(user, *view, "Valley road design"));
   user.expectDialog();
-  EXPECT_EQ(user.rows(kAlignments), "[Valley road]|Mill lane");
-  EXPECT_EQ(user.rows(kProfiles), "Valley road ground|[Valley road design]");
-  user.choose(kLineGroups, "Cross sections 20 m");
-  finish(kCancel);
+  EXPECT_EQ(user.rows(host::kIdAlignments), "[Valley road]|Mill lane");
+  EXPECT_EQ(user.rows(host::kIdProfiles), "Valley road ground|[Valley road design]");
+  user.choose(host::kIdSampleLineGroups, "Cross sections 20 m");
+  finish(host::kIdCancel);
   ReportUser::expectAsTheLineWrites(
       user.stem(), gls(kExample.toStdString(), "Valley road", "Valley road design", "Cross sections 20 m"));
 }
 
 TEST_F(GlsWindows, TakeAProfileOfAnotherAlignmentWithThatAlignment) {
   startWithRoad();
-  user.press(kPickProfile);
+  user.press(host::kIdPickProfile);
   user.expectPrompt(kPrompt);
   user.clickTree("Mill lane design");
   user.expectDialog();
-  EXPECT_EQ(user.rows(kAlignments), "Valley road|[Mill lane]");
-  EXPECT_EQ(user.rows(kProfiles), "Mill lane ground|[Mill lane design]");
-  EXPECT_EQ(user.rows(kLineGroups), "[Mill lane 25 m]");
-  finish(kCancel);
+  EXPECT_EQ(user.rows(host::kIdAlignments), "Valley road|[Mill lane]");
+  EXPECT_EQ(user.rows(host::kIdProfiles), "Mill lane ground|[Mill lane design]");
+  EXPECT_EQ(user.rows(host::kIdSampleLineGroups), "[Mill lane 25 m]");
+  finish(host::kIdCancel);
   ReportUser::expectAsTheLineWrites(user.stem(),
                                     gls(kExample.toStdString(), "Mill lane", "Mill lane design", "Mill lane 25 m"));
 }
 
 TEST_F(GlsWindows, ComeBackFromTheirPicksByEscapeAndRefuseSomethingElse) {
   startWithRoad();
-  user.choose(kProfiles, "Valley road design");
-  user.choose(kLineGroups, "Bridge 5 m");
+  user.choose(host::kIdProfiles, "Valley road design");
+  user.choose(host::kIdSampleLineGroups, "Bridge 5 m");
   for (const auto& [button, prompt] :
-       {std::pair(kPickAlignment, "Pick an alignment:"), std::pair(kPickProfile, kPrompt)}) {
+       {std::pair(host::kIdPickAlignment, "Pick an alignment:"), std::pair(host::kIdPickProfile, kPrompt)}) {
     user.press(button);
     user.expectPrompt(prompt);
     user.program.user.key(Qt::Key_Escape);
     user.expectDialog();
-    EXPECT_EQ(user.rows(kAlignments), "[Valley road]|Mill lane");
-    EXPECT_EQ(user.rows(kProfiles), "Valley road ground|[Valley road design]");
-    EXPECT_EQ(user.rows(kLineGroups), "Cross sections 20 m|[Bridge 5 m]");
+    EXPECT_EQ(user.rows(host::kIdAlignments), "[Valley road]|Mill lane");
+    EXPECT_EQ(user.rows(host::kIdProfiles), "Valley road ground|[Valley road design]");
+    EXPECT_EQ(user.rows(host::kIdSampleLineGroups), "Cross sections 20 m|[Bridge 5 m]");
   }
-  user.press(kPickProfile);
+  user.press(host::kIdPickProfile);
   user.expectPrompt(kPrompt);
   user.clickAt(user.alignment("Valley road").handle);
   user.answer(user.expectBox("messageBox", QMessageBox::Critical, "That is not a profile."), "OK");
   user.expectPrompt(kPrompt);
   user.program.user.key(Qt::Key_Escape);
   user.expectDialog();
-  user.press(kCancel);
+  user.press(host::kIdCancel);
   EXPECT_TRUE(user.program.waitUntilSaid("GLS ended and wrote nothing"));
 }
 
 TEST_F(GlsWindows, AddSectionsAndSaveThemAsTheCommandLineDoes) {
   startWithRoad();
-  user.choose(kProfiles, "Valley road design");
-  user.choose(kLineGroups, "Bridge 5 m");
-  finish(kOk);
+  user.choose(host::kIdProfiles, "Valley road design");
+  user.choose(host::kIdSampleLineGroups, "Bridge 5 m");
+  finish(host::kIdOk);
   EXPECT_TRUE(user.program.user.waitFor([&] { return user.program.window->isWindowModified(); }));
   EXPECT_TRUE(user.program.isEnabled("save"));
   EXPECT_TRUE(user.program.waitUntilSaid("The drawing has new sections that aren't saved yet."));
@@ -185,9 +184,9 @@ TEST_F(GlsWindows, AddSectionsAndSaveThemAsTheCommandLineDoes) {
 TEST_F(GlsWindows, LeaveTheFileAloneWhereAddedSectionsArentSaved) {
   const std::string before = fileBytes(kExample.toStdString());
   startWithRoad();
-  user.choose(kProfiles, "Valley road design");
-  user.choose(kLineGroups, "Bridge 5 m");
-  finish(kOk);
+  user.choose(host::kIdProfiles, "Valley road design");
+  user.choose(host::kIdSampleLineGroups, "Bridge 5 m");
+  finish(host::kIdOk);
   ASSERT_TRUE(user.program.user.waitFor([&] { return user.program.window->isWindowModified(); }));
   user.program.user.key(Qt::Key_Q, Qt::ControlModifier);
   user.answer(user.expectBox("saveChanges", QMessageBox::Question, "aren't saved"), "Don't save");

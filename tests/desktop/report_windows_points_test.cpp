@@ -4,13 +4,13 @@
 #include <set>
 
 #include "desktop/plan/plan_view.h"
+#include "host/dialog_controls.h"
 #include "report_user.h"
 
 namespace lvx::test {
 namespace {
 
 constexpr const char* kCommand = "lvx_Report_Points";
-constexpr const char* kDialog = "CExportPointsDlg";
 constexpr const char* kAddPrompt = "Select points to add:";
 constexpr const char* kRemovePrompt = "Select points to remove:";
 
@@ -55,15 +55,15 @@ bool waitForCount(const ReportUser& user, std::size_t count) {
 class PointsWindows : public testing::Test {
  protected:
   void startPicking() {
-    user.start(kCommand, kDialog);
-    user.choose(kSites, "Valley road upgrade");
-    user.press(kPickSecond);
+    user.start(kCommand, host::kPointsDialog);
+    user.choose(host::kIdSites, "Valley road upgrade");
+    user.press(host::kIdPickPoints);
     user.expectPrompt(kAddPrompt);
   }
   void expectReport(const std::string& alignment, const Numbers& numbers) {
-    user.choose(kAlignments, alignment);
+    user.choose(host::kIdAlignments, alignment);
     user.typeStem(user.stem());
-    user.press(kOk);
+    user.press(host::kIdOk);
     ASSERT_TRUE(user.waitForEnd());
     EXPECT_EQ(ReportUser::formsOf(user.stem()).size(), 3U);
     ReportUser::expectAsTheLineWrites(user.stem(), picked(alignment, numbers));
@@ -72,21 +72,23 @@ class PointsWindows : public testing::Test {
   void finish(std::size_t count) {
     user.program.user.key(Qt::Key_Return);
     user.expectDialog();
-    EXPECT_EQ(user.textOf(kPointCount), std::to_string(count) + (count == 1 ? " point selected" : " points selected"));
-    EXPECT_NE(user.rows(kPointGroups).find("[*Picked points*]"), std::string::npos) << user.rows(kPointGroups);
+    EXPECT_EQ(user.textOf(host::kIdPointCount),
+              std::to_string(count) + (count == 1 ? " point selected" : " points selected"));
+    EXPECT_NE(user.rows(host::kIdPointGroups).find("[*Picked points*]"), std::string::npos)
+        << user.rows(host::kIdPointGroups);
   }
 
   ReportUser user;
 };
 
 TEST_F(PointsWindows, WriteAGroupAsTheCommandLineDoes) {
-  user.start(kCommand, kDialog);
-  user.choose(kSites, "Valley road upgrade");
-  user.choose(kAlignments, "Mill lane");
-  user.choose(kPointGroups, "Boundary stones");
-  EXPECT_EQ(user.textOf(kPointCount), "18 points selected");
+  user.start(kCommand, host::kPointsDialog);
+  user.choose(host::kIdSites, "Valley road upgrade");
+  user.choose(host::kIdAlignments, "Mill lane");
+  user.choose(host::kIdPointGroups, "Boundary stones");
+  EXPECT_EQ(user.textOf(host::kIdPointCount), "18 points selected");
   user.typeStem(user.stem());
-  user.press(kOk);
+  user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
   ReportUser::expectAsTheLineWrites(user.stem(), ofGroup("Mill lane", "Boundary stones"));
 }
@@ -179,17 +181,17 @@ TEST_F(PointsWindows, ForgetPickedPointsWhereEscapeEndsTheSelection) {
   startPicking();
   user.clickAt(user.point(1).handle);
   finish(1);
-  user.press(kPickSecond);
+  user.press(host::kIdPickPoints);
   user.expectPrompt(kAddPrompt);
   user.clickAt(user.point(5).handle);
   user.program.user.key(Qt::Key_Escape);
   user.expectDialog();
-  EXPECT_EQ(user.rows(kPointGroups).rfind("[Control points]", 0), 0U) << user.rows(kPointGroups);
-  EXPECT_EQ(user.textOf(kPointCount), "12 points selected");
-  user.choose(kPointGroups, "*Picked points*");
-  EXPECT_EQ(user.textOf(kPointCount), "0 points selected");
+  EXPECT_EQ(user.rows(host::kIdPointGroups).rfind("[Control points]", 0), 0U) << user.rows(host::kIdPointGroups);
+  EXPECT_EQ(user.textOf(host::kIdPointCount), "12 points selected");
+  user.choose(host::kIdPointGroups, "*Picked points*");
+  EXPECT_EQ(user.textOf(host::kIdPointCount), "0 points selected");
   user.typeStem(user.stem());
-  user.press(kOk);
+  user.press(host::kIdOk);
   EXPECT_TRUE(user.program.waitUntilSaid("Points ended and wrote nothing"));
   EXPECT_TRUE(ReportUser::formsOf(user.stem()).empty());
 }
@@ -198,34 +200,34 @@ TEST_F(PointsWindows, ReplaceASelectionByTheNextAndKeepItThroughOtherPicks) {
   startPicking();
   user.clickAt(user.point(1).handle);
   finish(1);
-  user.press(kPickSecond);
+  user.press(host::kIdPickPoints);
   user.expectPrompt(kAddPrompt);
   for (const std::int32_t number : {2, 3}) user.clickAt(user.point(number).handle);
   finish(2);
-  user.press(kPickAlignment);
+  user.press(host::kIdPickAlignment);
   user.expectPrompt("Pick an alignment:");
   user.clickAt(user.alignment("Forest track").handle);
   user.expectDialog();
-  EXPECT_EQ(user.rows(kAlignments), "[Forest track]");
-  EXPECT_EQ(user.textOf(kPointCount), "2 points selected");
+  EXPECT_EQ(user.rows(host::kIdAlignments), "[Forest track]");
+  EXPECT_EQ(user.textOf(host::kIdPointCount), "2 points selected");
   user.typeStem(user.stem());
-  user.press(kOk);
+  user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
   ReportUser::expectAsTheLineWrites(user.stem(), picked("Forest track", {2, 3}));
 }
 
 TEST_F(PointsWindows, ComeBackFromAFolderThatIsntThere) {
-  user.start(kCommand, kDialog);
-  user.choose(kSites, "Valley road upgrade");
-  user.choose(kPointGroups, "Trees");
+  user.start(kCommand, host::kPointsDialog);
+  user.choose(host::kIdSites, "Valley road upgrade");
+  user.choose(host::kIdPointGroups, "Trees");
   user.typeStem(user.program.folder / "nowhere" / "trees");
-  user.press(kOk);
+  user.press(host::kIdOk);
   ASSERT_TRUE(user.program.waitUntilSaid(("There is no folder " + (user.program.folder / "nowhere").string()).c_str()));
   user.expectDialog();
-  EXPECT_EQ(user.textOf(kStem), (user.program.folder / "nowhere" / "trees").string());
-  user.choose(kPointGroups, "Trees");
+  EXPECT_EQ(user.textOf(host::kIdOutputStem), (user.program.folder / "nowhere" / "trees").string());
+  user.choose(host::kIdPointGroups, "Trees");
   user.typeStem(user.stem());
-  user.press(kOk);
+  user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
   ReportUser::expectAsTheLineWrites(user.stem(), ofGroup("Valley road", "Trees"));
 }

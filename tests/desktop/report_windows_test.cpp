@@ -34,7 +34,6 @@ class UrlKeeper final : public QObject {
 namespace {
 
 constexpr const char* kCommand = "lvx_Report_Que";
-constexpr const char* kDialog = "CMyDialog1";
 
 std::vector<std::string> projection(const std::string& alignment = "Valley road",
                                     const std::string& group = "Cross sections 20 m") {
@@ -44,10 +43,10 @@ std::vector<std::string> projection(const std::string& alignment = "Valley road"
 
 /// Fills the dialog in for the road's cross sections.
 void chooseRoad(ReportUser& user) {
-  user.choose(kSites, "Valley road upgrade");
-  user.choose(kAlignments, "Valley road");
-  user.choose(kLineGroups, "Cross sections 20 m");
-  user.choose(kSurfaces, "Existing ground");
+  user.choose(host::kIdSites, "Valley road upgrade");
+  user.choose(host::kIdAlignments, "Valley road");
+  user.choose(host::kIdSampleLineGroups, "Cross sections 20 m");
+  user.choose(host::kIdSurfaces, "Existing ground");
 }
 
 // ---------------------------------------------------------------- start to files
@@ -60,10 +59,10 @@ TEST(ProjectionWindows, WriteWhatTheCommandLineWrites) {
         ->widgetForAction(user.program.window->findChild<QAction*>(QLatin1String(kCommand)));
   });
   user.program.user.click(button);
-  user.expectDialog(kDialog);
+  user.expectDialog(host::kProjectionDialog);
   chooseRoad(user);
   user.typeStem(user.stem());
-  user.press(kOk);
+  user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
   EXPECT_EQ(ReportUser::formsOf(user.stem()).size(), 3U);
   ReportUser::expectAsTheLineWrites(user.stem(), projection());
@@ -74,24 +73,24 @@ TEST(ProjectionWindows, ByKeyboardAloneWriteTheSame) {
   user.program.user.key(Qt::Key_R, Qt::AltModifier);
   ASSERT_TRUE(user.program.user.waitFor([] { return QApplication::activePopupWidget() != nullptr; }));
   user.program.user.key(Qt::Key_P);
-  user.expectDialog(kDialog);
+  user.expectDialog(host::kProjectionDialog);
   const auto tabTo = [&](int id) {
     QWidget* const wanted = user.control(id);
     for (int presses = 0; presses < 40 && !onGui([&] { return wanted->hasFocus(); }); ++presses)
       user.program.user.key(Qt::Key_Tab);
     EXPECT_TRUE(onGui([&] { return wanted->hasFocus(); })) << id;
   };
-  tabTo(kSites);
-  EXPECT_EQ(user.rows(kSites), "[*No site*]|Valley road upgrade");
+  tabTo(host::kIdSites);
+  EXPECT_EQ(user.rows(host::kIdSites), "[*No site*]|Valley road upgrade");
   user.program.user.type("v");
-  EXPECT_EQ(user.rows(kSites), "*No site*|[Valley road upgrade]");
-  tabTo(kAlignments);
+  EXPECT_EQ(user.rows(host::kIdSites), "*No site*|[Valley road upgrade]");
+  tabTo(host::kIdAlignments);
   user.program.user.key(Qt::Key_Down);
-  tabTo(kLineGroups);
+  tabTo(host::kIdSampleLineGroups);
   user.program.user.key(Qt::Key_Down);
-  EXPECT_EQ(user.rows(kAlignments), "Valley road|[Mill lane]");
-  EXPECT_EQ(user.rows(kLineGroups), "[Mill lane 25 m]");
-  tabTo(kStem);
+  EXPECT_EQ(user.rows(host::kIdAlignments), "Valley road|[Mill lane]");
+  EXPECT_EQ(user.rows(host::kIdSampleLineGroups), "[Mill lane 25 m]");
+  tabTo(host::kIdOutputStem);
   user.program.user.type(user.stem().string());
   user.program.user.key(Qt::Key_Return);
   ASSERT_TRUE(user.waitForEnd());
@@ -100,12 +99,12 @@ TEST(ProjectionWindows, ByKeyboardAloneWriteTheSame) {
 
 TEST(ProjectionWindows, WriteTheTickedFormsAlone) {
   ReportUser user;
-  user.start(kCommand, kDialog);
+  user.start(kCommand, host::kProjectionDialog);
   chooseRoad(user);
-  user.toggle(kExcel);
-  user.toggle(kHtml);
+  user.toggle(host::kIdCheckExcel);
+  user.toggle(host::kIdCheckHtml);
   user.typeStem(user.stem());
-  user.press(kOk);
+  user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
   const Forms forms = ReportUser::formsOf(user.stem());
   ASSERT_EQ(forms.size(), 1U);
@@ -117,18 +116,18 @@ TEST(ProjectionWindows, InGermanShowGermanWordsAndWriteTheGermanReport) {
   desktop::DesktopOptions options;
   options.choices.language = "de";
   ReportUser user(kExample, options);
-  user.start(kCommand, kDialog);
+  user.start(kCommand, host::kProjectionDialog);
   EXPECT_EQ(onGui([&] { return user.dialog()->windowTitle().toStdString(); }), "Querprofilprojektion");
-  EXPECT_EQ(user.textOf(264), "Gebiet:");
-  EXPECT_EQ(user.textOf(266), "Querprofilgruppe:");
-  EXPECT_EQ(user.textOf(kCancel), "Abbrechen");
-  EXPECT_EQ(user.textOf(kAscii), "&ASCII-Text (.txt)");
-  EXPECT_NE(user.rows(kSites).find("*Ohne Gebiet*"), std::string::npos);
-  user.press(kPickAlignment);
+  EXPECT_EQ(user.textOf(host::kIdLabelSite), "Gebiet:");
+  EXPECT_EQ(user.textOf(host::kIdLabelSampleLineGroup), "Querprofilgruppe:");
+  EXPECT_EQ(user.textOf(host::kIdCancel), "Abbrechen");
+  EXPECT_EQ(user.textOf(host::kIdCheckAscii), "&ASCII-Text (.txt)");
+  EXPECT_NE(user.rows(host::kIdSites).find("*Ohne Gebiet*"), std::string::npos);
+  user.press(host::kIdPickAlignment);
   user.expectPrompt("Achse w\u00e4hlen:");
   user.program.user.key(Qt::Key_Escape);
   user.expectDialog();
-  user.press(kHelp);
+  user.press(host::kIdHelp);
   QWidget* const help = user.program.waitForNamed("helpWindow");
   ASSERT_NE(help, nullptr);
   ASSERT_TRUE(user.program.user.waitFor([&] { return QApplication::activeWindow() == help; }));
@@ -140,7 +139,7 @@ TEST(ProjectionWindows, InGermanShowGermanWordsAndWriteTheGermanReport) {
   ASSERT_TRUE(user.program.user.waitFor([&] { return !help->isVisible(); }));
   chooseRoad(user);
   user.typeStem(user.stem());
-  user.press(kOk);
+  user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
   std::vector<std::string> arguments = projection();
   arguments.insert(arguments.end(), {"--lang", "de"});
@@ -151,82 +150,82 @@ TEST(ProjectionWindows, InGermanShowGermanWordsAndWriteTheGermanReport) {
 
 TEST(ProjectionWindows, TakeAnAlignmentThatIsClickedInThePlan) {
   ReportUser user;
-  user.start(kCommand, kDialog);
-  user.choose(kSites, "Valley road upgrade");
-  user.press(kPickAlignment);
+  user.start(kCommand, host::kProjectionDialog);
+  user.choose(host::kIdSites, "Valley road upgrade");
+  user.press(host::kIdPickAlignment);
   user.expectPrompt("Pick an alignment:");
   user.clickAt(user.alignment("Forest track").handle);
   user.expectDialog();
-  EXPECT_EQ(user.rows(kSites), "[*No site*]|Valley road upgrade");
-  EXPECT_EQ(user.rows(kAlignments), "[Forest track]");
-  EXPECT_EQ(user.rows(kLineGroups), "[Track 15 m]");
+  EXPECT_EQ(user.rows(host::kIdSites), "[*No site*]|Valley road upgrade");
+  EXPECT_EQ(user.rows(host::kIdAlignments), "[Forest track]");
+  EXPECT_EQ(user.rows(host::kIdSampleLineGroups), "[Track 15 m]");
   user.typeStem(user.stem());
-  user.press(kOk);
+  user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
   ReportUser::expectAsTheLineWrites(user.stem(), projection("Forest track", "Track 15 m"));
 }
 
 TEST(ProjectionWindows, GoToTheSiteOfAPickedAlignment) {
   ReportUser user;
-  user.start(kCommand, kDialog);
-  user.press(kPickAlignment);
+  user.start(kCommand, host::kProjectionDialog);
+  user.press(host::kIdPickAlignment);
   user.expectPrompt("Pick an alignment:");
   user.clickAt(user.alignment("Mill lane").handle);
   user.expectDialog();
-  EXPECT_EQ(user.rows(kSites), "*No site*|[Valley road upgrade]");
+  EXPECT_EQ(user.rows(host::kIdSites), "*No site*|[Valley road upgrade]");
   // The dialogs name the alignment at the picked one's place in the list of all, which begins with those without a site.
-  EXPECT_EQ(user.rows(kAlignments), "[Valley road]|Mill lane");
+  EXPECT_EQ(user.rows(host::kIdAlignments), "[Valley road]|Mill lane");
   user.typeStem(user.stem());
-  user.press(kOk);
+  user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
   ReportUser::expectAsTheLineWrites(user.stem(), projection());
 }
 
 TEST(ProjectionWindows, TakeASurfaceWhoseGroundIsClicked) {
   ReportUser user;
-  user.start(kCommand, kDialog);
+  user.start(kCommand, host::kProjectionDialog);
   chooseRoad(user);
-  user.press(kPickSecond);
+  user.press(host::kIdPickSurface);
   user.expectPrompt("Pick the surface or profile:");
   user.clickAt(user.drawing().surfaces.front().handle);
   user.expectDialog();
-  EXPECT_EQ(user.rows(kSurfaces), "[Existing ground]");
-  EXPECT_EQ(user.rows(kLineGroups), "[Cross sections 20 m]|Bridge 5 m");
+  EXPECT_EQ(user.rows(host::kIdSurfaces), "[Existing ground]");
+  EXPECT_EQ(user.rows(host::kIdSampleLineGroups), "[Cross sections 20 m]|Bridge 5 m");
   user.typeStem(user.stem());
-  user.press(kOk);
+  user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
   ReportUser::expectAsTheLineWrites(user.stem(), projection());
 }
 
 TEST(ProjectionWindows, ComeBackFromAPickThatEscapeEndedAsTheyWere) {
   ReportUser user;
-  user.start(kCommand, kDialog);
-  user.choose(kSites, "Valley road upgrade");
-  user.choose(kAlignments, "Valley road");
-  user.choose(kLineGroups, "Bridge 5 m");
+  user.start(kCommand, host::kProjectionDialog);
+  user.choose(host::kIdSites, "Valley road upgrade");
+  user.choose(host::kIdAlignments, "Valley road");
+  user.choose(host::kIdSampleLineGroups, "Bridge 5 m");
   user.typeStem(user.stem());
-  for (const auto& [button, prompt] :
-       {std::pair(kPickAlignment, "Pick an alignment:"), std::pair(kPickSecond, "Pick the surface or profile:")}) {
+  for (const auto& [button, prompt] : {std::pair(host::kIdPickAlignment, "Pick an alignment:"),
+                                       std::pair(host::kIdPickSurface, "Pick the surface or profile:")}) {
     user.press(button);
     user.expectPrompt(prompt);
     user.program.user.key(Qt::Key_Escape);
     user.expectDialog();
-    EXPECT_EQ(user.rows(kSites), "*No site*|[Valley road upgrade]");
-    EXPECT_EQ(user.rows(kAlignments), "[Valley road]|Mill lane");
-    EXPECT_EQ(user.rows(kLineGroups), "Cross sections 20 m|[Bridge 5 m]");
-    EXPECT_EQ(user.rows(kSurfaces), "[Existing ground]");
-    EXPECT_EQ(user.textOf(kStem), user.stem().string());
+    EXPECT_EQ(user.rows(host::kIdSites), "*No site*|[Valley road upgrade]");
+    EXPECT_EQ(user.rows(host::kIdAlignments), "[Valley road]|Mill lane");
+    EXPECT_EQ(user.rows(host::kIdSampleLineGroups), "Cross sections 20 m|[Bridge 5 m]");
+    EXPECT_EQ(user.rows(host::kIdSurfaces), "[Existing ground]");
+    EXPECT_EQ(user.textOf(host::kIdOutputStem), user.stem().string());
   }
-  user.press(kOk);
+  user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
   ReportUser::expectAsTheLineWrites(user.stem(), projection("Valley road", "Bridge 5 m"));
 }
 
 TEST(ProjectionWindows, AnswerAPickOfSomethingElseWithABoxAndAskAgain) {
   ReportUser user;
-  user.start(kCommand, kDialog);
-  user.choose(kSites, "Valley road upgrade");
-  user.press(kPickAlignment);
+  user.start(kCommand, host::kProjectionDialog);
+  user.choose(host::kIdSites, "Valley road upgrade");
+  user.press(host::kIdPickAlignment);
   user.expectPrompt("Pick an alignment:");
   const civil::SampleLine& line = user.alignment("Valley road").sampleLineGroups.front().lines[3];
   user.clickAt(line.handle);
@@ -236,14 +235,14 @@ TEST(ProjectionWindows, AnswerAPickOfSomethingElseWithABoxAndAskAgain) {
   user.expectDialog();
 
   // The same with the surface; the right one afterwards.
-  user.press(kPickSecond);
+  user.press(host::kIdPickSurface);
   user.expectPrompt("Pick the surface or profile:");
   user.clickAt(user.alignment("Mill lane").handle);
   user.answer(user.expectBox("messageBox", QMessageBox::Critical, "That is not a surface."), "OK");
   user.expectPrompt("Pick the surface or profile:");
   user.clickAt(user.drawing().surfaces.front().handle);
   user.expectDialog();
-  user.press(kCancel);
+  user.press(host::kIdCancel);
   EXPECT_TRUE(user.program.waitUntilSaid("Profile projection ended and wrote nothing"));
 }
 
@@ -251,9 +250,9 @@ TEST(ProjectionWindows, AnswerAPickOfSomethingElseWithABoxAndAskAgain) {
 
 TEST(ProjectionWindows, TakeTheOutputFromTheFileBox) {
   ReportUser user;
-  user.start(kCommand, kDialog);
+  user.start(kCommand, host::kProjectionDialog);
   chooseRoad(user);
-  user.press(kFileBox);
+  user.press(host::kIdOutputFileBox);
   QWidget* const box = user.program.waitForNamed("saveBox");
   ASSERT_NE(box, nullptr);
   EXPECT_EQ(onGui([&] { return qobject_cast<QFileDialog*>(box)->nameFilters().size(); }), 4);
@@ -262,16 +261,16 @@ TEST(ProjectionWindows, TakeTheOutputFromTheFileBox) {
   user.program.user.key(Qt::Key_Return);
   user.answer(user.expectBox("messageBox", QMessageBox::Question, "doesn't exist"), "Yes");
   ASSERT_TRUE(user.program.user.waitFor([&] { return QApplication::activeWindow() == user.dialog(); }));
-  EXPECT_EQ(user.textOf(kStem), user.stem("boxed").string()) << "without its ending";
-  user.press(kOk);
+  EXPECT_EQ(user.textOf(host::kIdOutputStem), user.stem("boxed").string()) << "without its ending";
+  user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
   ReportUser::expectAsTheLineWrites(user.stem("boxed"), projection());
 }
 
 TEST(ProjectionWindows, OpenTheHelpOfTheReport) {
   ReportUser user;
-  user.start(kCommand, kDialog);
-  user.press(kHelp);
+  user.start(kCommand, host::kProjectionDialog);
+  user.press(host::kIdHelp);
   QWidget* const help = user.program.waitForNamed("helpWindow");
   ASSERT_NE(help, nullptr);
   EXPECT_EQ(onGui([&] {
@@ -281,26 +280,26 @@ TEST(ProjectionWindows, OpenTheHelpOfTheReport) {
   ASSERT_TRUE(user.program.user.waitFor([&] { return QApplication::activeWindow() == help; }));
   user.program.user.key(Qt::Key_Escape);
   ASSERT_TRUE(user.program.user.waitFor([&] { return !help->isVisible(); }));
-  user.press(kCancel);
+  user.press(host::kIdCancel);
   EXPECT_TRUE(user.waitForEnd());
 }
 
 TEST(ProjectionWindows, AskBeforeTheyOverwriteAndKeepWhatTheyAreToldToKeep) {
   ReportUser user;
   const std::filesystem::path stem = user.stem();
-  user.start(kCommand, kDialog);
+  user.start(kCommand, host::kProjectionDialog);
   chooseRoad(user);
   user.typeStem(stem);
-  user.press(kOk);
+  user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
   const Forms first = ReportUser::formsOf(stem);
 
-  user.start(kCommand, kDialog);
-  user.choose(kSites, "Valley road upgrade");
-  user.choose(kAlignments, "Mill lane");
-  user.choose(kLineGroups, "Mill lane 25 m");
+  user.start(kCommand, host::kProjectionDialog);
+  user.choose(host::kIdSites, "Valley road upgrade");
+  user.choose(host::kIdAlignments, "Mill lane");
+  user.choose(host::kIdSampleLineGroups, "Mill lane 25 m");
   user.typeStem(stem);
-  user.press(kOk);
+  user.press(host::kIdOk);
   const std::pair<const char*, const char*> answers[] = {{".txt", "No"}, {".xls", "Yes"}, {".html", "No"}};
   for (const auto& [ending, button] : answers)
     user.answer(
@@ -314,10 +313,10 @@ TEST(ProjectionWindows, AskBeforeTheyOverwriteAndKeepWhatTheyAreToldToKeep) {
 
   // Yes to all, against the command line.
   std::filesystem::remove(stem.string() + ".txt");
-  user.start(kCommand, kDialog);
+  user.start(kCommand, host::kProjectionDialog);
   chooseRoad(user);
   user.typeStem(stem);
-  user.press(kOk);
+  user.press(host::kIdOk);
   for (const char* ending : {".xls", ".html"})
     user.answer(user.expectBox("messageBox", QMessageBox::Question, stem.string() + ending + " already exists"), "Yes");
   ASSERT_TRUE(user.waitForEnd());
@@ -346,10 +345,10 @@ void clickLink(ReportUser& user, const std::filesystem::path& path, const char* 
 TEST(ProjectionWindows, ListTheFilesAndOpenThemFromTheList) {
   UrlKeeper urls;
   ReportUser user;
-  user.start(kCommand, kDialog);
+  user.start(kCommand, host::kProjectionDialog);
   chooseRoad(user);
   user.typeStem(user.stem());
-  user.press(kOk);
+  user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
   ASSERT_TRUE(user.program.waitUntilSaid(".html"));
   const auto path = [&](const char* ending) { return std::filesystem::path(user.stem().string() + ending); };
@@ -412,30 +411,30 @@ std::vector<std::string> namesIn(const std::filesystem::path& folder) {
 TEST(ProjectionWindows, TellWhyNothingIsWrittenIntoAFolderThatIsntThere) {
   ReportUser user;
   const std::filesystem::path folder = user.program.folder / "no-such-folder";
-  user.start(kCommand, kDialog);
+  user.start(kCommand, host::kProjectionDialog);
   chooseRoad(user);
   user.typeStem(folder / "road");
-  user.press(kOk);
+  user.press(host::kIdOk);
   user.answer(user.expectBox("notWritten", QMessageBox::Warning, folder.string()), "OK");
   ASSERT_TRUE(user.waitForEnd());
   EXPECT_TRUE(user.program.waitUntilSaid(("There is no folder " + folder.string()).c_str()));
   EXPECT_TRUE(namesIn(user.program.folder.path()).empty());
 
   // Without any folder the report itself asks for one.
-  user.start(kCommand, kDialog);
+  user.start(kCommand, host::kProjectionDialog);
   chooseRoad(user);
   user.typeStem("road");
-  user.press(kOk);
+  user.press(host::kIdOk);
   user.answer(user.expectBox("messageBox", QMessageBox::Warning, "Name a folder for the output file."), "OK");
   EXPECT_TRUE(user.waitForEnd());
 }
 
 TEST(ProjectionWindows, TellWhyAReadOnlyPlaceTakesNoReport) {
   ReportUser user;
-  user.start(kCommand, kDialog);
+  user.start(kCommand, host::kProjectionDialog);
   chooseRoad(user);
   user.typeStem("/proc/lvx-report");  // nobody may create a file there
-  user.press(kOk);
+  user.press(host::kIdOk);
   QWidget* const box = user.expectBox("notWritten", QMessageBox::Warning, "/proc/lvx-report.txt");
   const std::string words = onGui([&] { return qobject_cast<QMessageBox*>(box)->informativeText().toStdString(); });
   EXPECT_NE(words.find("/proc/lvx-report.xls: "), std::string::npos) << words;
@@ -449,10 +448,10 @@ TEST(ProjectionWindows, TellThatAPlaceIsFullAndLeaveNothingHalfWritten) {
   ReportUser user;
   const std::filesystem::path stem = user.stem();
   std::filesystem::create_symlink("/dev/full", stem.string() + ".txt");
-  user.start(kCommand, kDialog);
+  user.start(kCommand, host::kProjectionDialog);
   chooseRoad(user);
   user.typeStem(stem);
-  user.press(kOk);
+  user.press(host::kIdOk);
   user.answer(user.expectBox("messageBox", QMessageBox::Question, "already exists"), "Yes");
   user.answer(user.expectBox("notWritten", QMessageBox::Warning, systemWords(ENOSPC)), "OK");
   ASSERT_TRUE(user.waitForEnd());
@@ -465,10 +464,10 @@ TEST(ProjectionWindows, KeepTheFileThatANewOneCouldNotReplace) {
   ReportUser user;
   const std::filesystem::path stem = user.stem();
   std::filesystem::create_directory(stem.string() + ".html");  // a folder of that name can't become a page
-  user.start(kCommand, kDialog);
+  user.start(kCommand, host::kProjectionDialog);
   chooseRoad(user);
   user.typeStem(stem);
-  user.press(kOk);
+  user.press(host::kIdOk);
   user.answer(user.expectBox("messageBox", QMessageBox::Question, "report.html already exists"), "Yes");
   user.answer(user.expectBox("notWritten", QMessageBox::Warning, systemWords(EISDIR)), "OK");
   ASSERT_TRUE(user.waitForEnd());
@@ -480,4 +479,5 @@ TEST(ProjectionWindows, KeepTheFileThatANewOneCouldNotReplace) {
 }  // namespace
 }  // namespace lvx::test
 
+#include "host/dialog_controls.h"
 #include "report_windows_test.moc"

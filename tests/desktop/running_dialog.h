@@ -24,8 +24,8 @@ auto look(Work work) -> decltype(work()) {
 /// destroys it before the dialog is closed gives it up.
 ///
 ///     RunningDialog running(runner, behaviour);
-///     user.click(running.control(126));
-///     EXPECT_EQ(running.code(user), 126);
+///     user.click(running.control(host::kIdPickAlignment));
+///     EXPECT_EQ(running.code(user), host::kIdPickAlignment);
 class RunningDialog {
  public:
   RunningDialog(desktop::QtDialogRunner& runner, host::DialogBehaviour& behaviour, QWidget* parent = nullptr)

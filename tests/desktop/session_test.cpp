@@ -20,6 +20,7 @@
 #include "desktop/panels/progress_strip.h"
 #include "desktop/shell/long_work.h"
 #include "desktop_user/desktop_user.h"
+#include "host/dialog_controls.h"
 #include "landxml/reader.h"
 #include "support/run_program.h"
 
@@ -54,14 +55,14 @@ struct Host {
   }
   void expectPoints(const std::string& stem) {
     using Kind = DialogStep::Kind;
-    frontEnd.steps().expect("CExportPointsDlg", {{{Kind::SelectRow, 261, 1, {}},
-                                                  {Kind::SelectRow, 263, 0, {}},
-                                                  {Kind::SelectRow, 102, 0, {}},
-                                                  {Kind::Type, 100, 0, platform::fromUtf8(stem)},
-                                                  {Kind::Tick, 274, 0, {}},
-                                                  {Kind::Untick, 275, 0, {}},
-                                                  {Kind::Tick, 276, 0, {}},
-                                                  {Kind::Click, 1, 0, {}}}});
+    frontEnd.steps().expect(host::kPointsDialog, {{{Kind::SelectRow, host::kIdSites, 1, {}},
+                                                   {Kind::SelectRow, host::kIdAlignments, 0, {}},
+                                                   {Kind::SelectRow, host::kIdPointGroups, 0, {}},
+                                                   {Kind::Type, host::kIdOutputStem, 0, platform::fromUtf8(stem)},
+                                                   {Kind::Tick, host::kIdCheckAscii, 0, {}},
+                                                   {Kind::Untick, host::kIdCheckExcel, 0, {}},
+                                                   {Kind::Tick, host::kIdCheckHtml, 0, {}},
+                                                   {Kind::Click, host::kIdOk, 0, {}}}});
   }
   CommandReport run(const char* name) {
     return onGui([&] { return session->run(QString::fromLatin1(name)); });
@@ -137,13 +138,14 @@ TEST(Session, OpensOneDrawingAfterTheOtherAndLetsTheFormerGo) {
   const std::weak_ptr<runtime::OpenDrawing> first = host.session->drawing();
   using Kind = DialogStep::Kind;
   // The GLS report keeps references of the drawing's corridors in the module.
-  host.frontEnd.steps().expect("CMyDialog3", {{{Kind::SelectRow, 261, 1, {}},
-                                               {Kind::SelectRow, 263, 0, {}},
-                                               {Kind::SelectRow, 112, 0, {}},
-                                               {Kind::SelectRow, 262, 0, {}},
-                                               {Kind::Type, 100, 0, platform::fromUtf8((folder / "gls").string())},
-                                               {Kind::Click, 1, 0, {}}}});
-  host.frontEnd.steps().expect("CMyDialog4", {{{Kind::Click, 2, 0, {}}}});
+  host.frontEnd.steps().expect(host::kGlsDialog,
+                               {{{Kind::SelectRow, host::kIdSites, 1, {}},
+                                 {Kind::SelectRow, host::kIdAlignments, 0, {}},
+                                 {Kind::SelectRow, host::kIdProfiles, 0, {}},
+                                 {Kind::SelectRow, host::kIdSampleLineGroups, 0, {}},
+                                 {Kind::Type, host::kIdOutputStem, 0, platform::fromUtf8((folder / "gls").string())},
+                                 {Kind::Click, host::kIdOk, 0, {}}}});
+  host.frontEnd.steps().expect(host::kAddSectionsDialog, {{{Kind::Click, host::kIdCancel, 0, {}}}});
   EXPECT_FALSE(host.run("lvx_Report_GLS").files.empty());
   host.openExample();
   EXPECT_TRUE(first.expired());

@@ -21,6 +21,7 @@
 
 #include "dialogs/picture.h"
 #include "framework/exceptions.h"
+#include "host/dialog_controls.h"
 #include "running_dialog.h"
 #include "windowless/dialog_state.h"
 

@@ -10,6 +10,7 @@
 
 #include "doubles/fake_roadway.h"
 #include "gls/gls_dialog.h"
+#include "host/dialog_controls.h"
 #include "points/points_dialog.h"
 #include "projection/projection_dialog.h"
 #include "report_drawing/report_drawing.h"
@@ -25,7 +26,7 @@ using test::rows;
 using windowless::DialogState;
 using windowless::Refusal;
 
-constexpr std::initializer_list<int> kForms{kIdCheckAscii, kIdCheckExcel, kIdCheckThird};
+constexpr std::initializer_list<int> kForms{host::kIdCheckAscii, host::kIdCheckExcel, host::kIdCheckHtml};
 
 /// What holds for all three dialogs; what each does in its own way is in its own test file. The drawing has what each of
 /// them asks for: in site "S" the axes "A" and "B" with sample line groups and profiles, a surface, a group of points.
@@ -73,7 +74,7 @@ TYPED_TEST(ReportDialogTest, NeverShowsASiteWithoutAlignments) {
   for (const CString name : {L"empty", L"also empty", L"and another"}) this->drawing.addSite(name);
   TypeParam dialog(this->host);
   const DialogState state(dialog);
-  EXPECT_EQ(rows(state, kIdSites), L"[S]");
+  EXPECT_EQ(rows(state, host::kIdSites), L"[S]");
 }
 
 TYPED_TEST(ReportDialogTest, ShowsTheAlignmentsOutsideAnySiteUnderTheirOwnWords) {
@@ -81,8 +82,8 @@ TYPED_TEST(ReportDialogTest, ShowsTheAlignmentsOutsideAnySiteUnderTheirOwnWords)
   axis->addGroup(L"g");
   TypeParam dialog(this->host);
   const DialogState state(dialog);
-  EXPECT_EQ(rows(state, kIdSites), L"[*none*]|S");
-  EXPECT_EQ(rows(state, kIdAlignments), L"[Loose]");
+  EXPECT_EQ(rows(state, host::kIdSites), L"[*none*]|S");
+  EXPECT_EQ(rows(state, host::kIdAlignments), L"[Loose]");
   EXPECT_EQ(dialog.siteText, L"*none*");
 }
 
@@ -92,11 +93,11 @@ TYPED_TEST(ReportDialogTest, EmptiesTheAlignmentTextWhereTheNewSiteHasNoAlignmen
   DialogState state(dialog);
   for (host::tsiteAlignment* record : dialog.sites[1]->alignments) delete record;
   dialog.sites[1]->alignments.removeAll();
-  EXPECT_EQ(state.userSelects(kIdSites, L"T"), Refusal::None);
+  EXPECT_EQ(state.userSelects(host::kIdSites, L"T"), Refusal::None);
   EXPECT_EQ(dialog.siteText, L"T");
   EXPECT_EQ(dialog.alignmentText, L"");
   EXPECT_EQ(dialog.alignmentIndex, -1);
-  EXPECT_EQ(rows(state, kIdAlignments), L"");
+  EXPECT_EQ(rows(state, host::kIdAlignments), L"");
 }
 
 TYPED_TEST(ReportDialogTest, TicksAllFormsAgainAtEachOpening) {
@@ -104,7 +105,7 @@ TYPED_TEST(ReportDialogTest, TicksAllFormsAgainAtEachOpening) {
   {
     DialogState state(dialog);
     for (const int form : kForms) state.userTicks(form, false);
-    state.userClicks(kIdPickAlignment);
+    state.userClicks(host::kIdPickAlignment);
   }
   const DialogState again(dialog);
   for (const int form : kForms) EXPECT_TRUE(again.isTicked(form));
@@ -113,10 +114,10 @@ TYPED_TEST(ReportDialogTest, TicksAllFormsAgainAtEachOpening) {
 TYPED_TEST(ReportDialogTest, TakesTheTickedFormsOverOnOk) {
   TypeParam dialog(this->host);
   DialogState state(dialog);
-  state.userTypes(kIdOutputStem, L"/r/x");
-  state.userTicks(kIdCheckExcel, false);
-  EXPECT_EQ(state.userClicks(kIdOk), Refusal::None);
-  EXPECT_EQ(state.closedWith(), kIdOk);
+  state.userTypes(host::kIdOutputStem, L"/r/x");
+  state.userTicks(host::kIdCheckExcel, false);
+  EXPECT_EQ(state.userClicks(host::kIdOk), Refusal::None);
+  EXPECT_EQ(state.closedWith(), host::kIdOk);
   EXPECT_EQ(dialog.outputStem, L"/r/x");
   EXPECT_EQ(dialog.checkAscii, 1);
   EXPECT_EQ(dialog.checkExcel, 0);
@@ -125,7 +126,7 @@ TYPED_TEST(ReportDialogTest, TakesTheTickedFormsOverOnOk) {
 
 TYPED_TEST(ReportDialogTest, ReadsNoFormOnAPickOrOnCancel) {
   TypeParam dialog(this->host);
-  for (const int button : {kIdPickAlignment, dialog.secondPick(), kIdCancel}) {
+  for (const int button : {host::kIdPickAlignment, dialog.secondPick(), host::kIdCancel}) {
     DialogState state(dialog);
     EXPECT_EQ(state.userClicks(button), Refusal::None);
     EXPECT_EQ(state.closedWith(), button);
@@ -133,7 +134,7 @@ TYPED_TEST(ReportDialogTest, ReadsNoFormOnAPickOrOnCancel) {
   }
   DialogState state(dialog);
   state.userCloses();
-  EXPECT_EQ(state.closedWith(), kIdCancel);
+  EXPECT_EQ(state.closedWith(), host::kIdCancel);
   EXPECT_EQ(dialog.checkAscii, 0);
 }
 
@@ -148,13 +149,13 @@ TYPED_TEST(ReportDialogTest, PutsTheStemOfTheChosenFileIntoTheBoxAndTheWholePath
   for (const Row& row : table) {
     TypeParam dialog(this->host);
     DialogState state(dialog);
-    EXPECT_FALSE(state.isEnabled(kIdOk));
+    EXPECT_FALSE(state.isEnabled(host::kIdOk));
     this->host.users().paths = {row.chosen};
-    EXPECT_EQ(state.userClicks(kIdOutputFileBox), Refusal::None);
-    EXPECT_EQ(state.text(kIdOutputStem), row.stem);
+    EXPECT_EQ(state.userClicks(host::kIdOutputFileBox), Refusal::None);
+    EXPECT_EQ(state.text(host::kIdOutputStem), row.stem);
     EXPECT_EQ(dialog.outputStem, row.stem);
-    EXPECT_EQ(state.find(kIdOutputStem)->tip, row.chosen);
-    EXPECT_TRUE(state.isEnabled(kIdOk));
+    EXPECT_EQ(state.find(host::kIdOutputStem)->tip, row.chosen);
+    EXPECT_TRUE(state.isEnabled(host::kIdOk));
   }
   for (const auto& box : this->host.users().fileBoxes)
     EXPECT_EQ(box, (test::FakeUserInterface::FileBox{L"All|*.*||", 8196}));
@@ -165,19 +166,19 @@ TYPED_TEST(ReportDialogTest, KeepsOkDisabledForAFileNameThatIsNothingButAnExtens
   TypeParam dialog(this->host);
   DialogState state(dialog);
   this->host.users().paths = {L".txt"};
-  state.userClicks(kIdOutputFileBox);
+  state.userClicks(host::kIdOutputFileBox);
   EXPECT_EQ(dialog.outputStem, L"");
-  EXPECT_FALSE(state.isEnabled(kIdOk));
+  EXPECT_FALSE(state.isEnabled(host::kIdOk));
 }
 
 TYPED_TEST(ReportDialogTest, ChangesNothingWhenTheFileBoxIsCancelled) {
   TypeParam dialog(this->host);
   DialogState state(dialog);
-  state.userTypes(kIdOutputStem, L"/r/x");
+  state.userTypes(host::kIdOutputStem, L"/r/x");
   this->host.users().paths = {std::nullopt};
-  state.userClicks(kIdOutputFileBox);
-  EXPECT_EQ(state.text(kIdOutputStem), L"/r/x");
-  EXPECT_EQ(state.find(kIdOutputStem)->tip, L"");
+  state.userClicks(host::kIdOutputFileBox);
+  EXPECT_EQ(state.text(host::kIdOutputStem), L"/r/x");
+  EXPECT_EQ(state.find(host::kIdOutputStem)->tip, L"");
 }
 
 TYPED_TEST(ReportDialogTest, ShowsItsHelpPageAndStaysOpen) {
@@ -186,7 +187,7 @@ TYPED_TEST(ReportDialogTest, ShowsItsHelpPageAndStaysOpen) {
                                                                           : L"LVX_015_003";
   TypeParam dialog(this->host);
   DialogState state(dialog);
-  state.userClicks(kIdHelp);
+  state.userClicks(host::kIdHelp);
   EXPECT_EQ(this->host.users().helpTopics,
             std::vector<CString>{L"Vantor Lorvix Extension.chm::/project-resources/" + page + L".html"});
   EXPECT_FALSE(state.closedWith());

@@ -62,7 +62,7 @@ class CorridorStage : public testing::Test {
 TEST_F(CorridorStage, AsksByTheSmallDialogAlsoWhereThereIsNoCorridor) {
   addRow(100.0);
   read();
-  EXPECT_THAT(made_.user.asked, ElementsAre("CMyDialog4"));
+  EXPECT_THAT(made_.user.asked, ElementsAre(host::kAddSectionsDialog));
   EXPECT_THAT(made_.user.parents, ElementsAre(made_.host.run().vnsw_mainWnd()));
   EXPECT_TRUE(isNoCorridor(row(0)));
   EXPECT_EQ(corridors_.size(), 0);

@@ -10,6 +10,7 @@
 #include "doubles/recording_sheet.h"
 #include "gls/gls_command.h"
 #include "golden_case.h"
+#include "host/dialog_controls.h"
 #include "support/cell_log.h"
 #include "support/golden.h"
 
@@ -116,8 +117,7 @@ TEST_P(GlsDrawingGolden, ReportIsRightToTheByteInAllForms) {
 
   // The reports show the path that was asked for: a short name keeps the golden files free of this machine's.
   std::filesystem::current_path(platform::toUtf8(drawing.host.folder()));
-  drawing.user.steps = {
-      drawing.okWith({dialogs::kIdCheckAscii, dialogs::kIdCheckExcel, dialogs::kIdCheckThird}, L"./report")};
+  drawing.user.steps = {drawing.okWith({host::kIdCheckAscii, host::kIdCheckExcel, host::kIdCheckHtml}, L"./report")};
   runGlsReport(drawing.host);
   EXPECT_TRUE(test::matchesGolden(test::readBytes("report.txt"), golden.file("expected.txt")));
   EXPECT_TRUE(test::matchesGolden(test::readBytes("report.html"), golden.file("expected.html")));

@@ -13,6 +13,7 @@
 #include "doubles/recording_sheet.h"
 #include "framework/exceptions.h"
 #include "gls/gls_dialog.h"
+#include "host/dialog_controls.h"
 #include "host/picking.h"
 
 namespace lvx::gls {
@@ -25,9 +26,9 @@ using windowless::DialogState;
 using Boxes = std::vector<test::FakeUserInterface::Box>;
 using Kind = test::PickingRunTime::Kind;
 
-constexpr int kAscii = dialogs::kIdCheckAscii;
-constexpr int kExcel = dialogs::kIdCheckExcel;
-constexpr int kHtml = dialogs::kIdCheckThird;
+constexpr int kAscii = host::kIdCheckAscii;
+constexpr int kExcel = host::kIdCheckExcel;
+constexpr int kHtml = host::kIdCheckHtml;
 
 constexpr std::uint64_t kAxisA = 0xA;
 constexpr std::uint64_t kAxisB = 0xB;
@@ -84,7 +85,7 @@ class GlsCommandTest : public testing::Test, public CommandDrawing {
   /// The selected rows of site, alignment and profile.
   static CString shown(const DialogState& state) {
     CString text;
-    for (const int list : {dialogs::kIdSites, dialogs::kIdAlignments, CMyDialog3::kIdProfiles})
+    for (const int list : {host::kIdSites, host::kIdAlignments, host::kIdProfiles})
       text += (text.empty() ? L"" : L" ") + state.rowText(list, state.selection(list));
     return text;
   }
@@ -147,7 +148,7 @@ TEST_F(GlsCommandTest, ShowsWhatTheCorridorsSay) {
 TEST_F(GlsCommandTest, AsksForTheProfileOfTheCorridorsNameAfterAChangeOfAlignment) {
   roadway.addCorridor(L"Road")->addBaseline()->alignmentObject = site_->alignmentList->items[0];
   user.steps = {[this](DialogState& state) {
-    state.userSelects(dialogs::kIdAlignments, L"B");
+    state.userSelects(host::kIdAlignments, L"B");
     okWith({kAscii})(state);
   }};
   EXPECT_THROW(runGlsReport(host), framework::InvalidArgumentException);
@@ -155,8 +156,8 @@ TEST_F(GlsCommandTest, AsksForTheProfileOfTheCorridorsNameAfterAChangeOfAlignmen
 
   user.openings = 0;
   user.steps = {[this](DialogState& state) {
-    state.userSelects(dialogs::kIdAlignments, L"B");
-    state.userSelects(CMyDialog3::kIdProfiles, L"q");
+    state.userSelects(host::kIdAlignments, L"B");
+    state.userSelects(host::kIdProfiles, L"q");
     okWith({kAscii})(state);
   }};
   runGlsReport(host);
@@ -166,10 +167,10 @@ TEST_F(GlsCommandTest, AsksForTheProfileOfTheCorridorsNameAfterAChangeOfAlignmen
 // ---------------------------------------------------------------- picks
 
 TEST_F(GlsCommandTest, ReturnsToTheDialogWithTheFormerSelectionAfterEscape) {
-  for (const int pick : {dialogs::kIdPickAlignment, CMyDialog3::kIdPickProfile}) {
+  for (const int pick : {host::kIdPickAlignment, host::kIdPickProfile}) {
     user.openings = 0;
     user.steps = {[pick](DialogState& state) {
-                    state.userSelects(CMyDialog3::kIdProfiles, L"p2");
+                    state.userSelects(host::kIdProfiles, L"p2");
                     state.userClicks(pick);
                   },
                   [](DialogState& state) {
@@ -184,7 +185,7 @@ TEST_F(GlsCommandTest, ReturnsToTheDialogWithTheFormerSelectionAfterEscape) {
 }
 
 TEST_F(GlsCommandTest, SelectsThePickedAlignment) {
-  user.steps = {click(dialogs::kIdPickAlignment), [](DialogState& state) {
+  user.steps = {click(host::kIdPickAlignment), [](DialogState& state) {
                   EXPECT_EQ(shown(state), L"S B q");
                   state.userCloses();
                 }};
@@ -199,7 +200,7 @@ TEST_F(GlsCommandTest, LooksAPickedAlignmentsPositionUpInTheOtherList) {
   const auto other = drawing.addSite(L"T");
   axis(other, L"C", 0xC, {{L"r", 0x54, profile(0.01)}});
   axis(other, L"D", 0xD, {{L"s", 0x55, profile(0.01)}});
-  user.steps = {click(dialogs::kIdPickAlignment), [](DialogState& state) {
+  user.steps = {click(host::kIdPickAlignment), [](DialogState& state) {
                   EXPECT_EQ(shown(state), L"T C r") << "T has no B, so its first alignment stands in";
                   state.userCloses();
                 }};
@@ -211,7 +212,7 @@ TEST_F(GlsCommandTest, SelectsThePickedProfileWithItsSiteAndAlignment) {
   const auto other = drawing.addSite(L"T");
   axis(other, L"C", 0xC, {{L"r", 0x54, profile(0.01)}});
   axis(other, L"D", 0xD, {{L"s1", 0x55, profile(0.01)}, {L"s2", 0x56, profile(0.02)}});
-  user.steps = {click(CMyDialog3::kIdPickProfile), [](DialogState& state) {
+  user.steps = {click(host::kIdPickProfile), [](DialogState& state) {
                   EXPECT_EQ(shown(state), L"T D s2");
                   state.userCloses();
                 }};
@@ -222,7 +223,7 @@ TEST_F(GlsCommandTest, SelectsThePickedProfileWithItsSiteAndAlignment) {
 TEST_F(GlsCommandTest, TakesObjectsThatNoListHoldsForPicksThatSelectNothing) {
   runTime.addObject(host::kClassAlignment, 0xEE);
   runTime.addObject(host::kClassProfile, 0xEF);
-  user.steps = {click(dialogs::kIdPickAlignment), click(CMyDialog3::kIdPickProfile), [](DialogState& state) {
+  user.steps = {click(host::kIdPickAlignment), click(host::kIdPickProfile), [](DialogState& state) {
                   EXPECT_EQ(shown(state), L"S A p1");
                   state.userCloses();
                 }};
@@ -232,7 +233,7 @@ TEST_F(GlsCommandTest, TakesObjectsThatNoListHoldsForPicksThatSelectNothing) {
 }
 
 TEST_F(GlsCommandTest, PromptsAgainAfterAPickOfTheWrongClassWithoutReturningToTheDialog) {
-  user.steps = {click(dialogs::kIdPickAlignment), click(CMyDialog3::kIdPickProfile)};
+  user.steps = {click(host::kIdPickAlignment), click(host::kIdPickProfile)};
   runTime.picks = {{Kind::Object, kProfileP1}, {Kind::Unopenable, kAxisA}, {Kind::Escape, 0},
                    {Kind::Object, kAxisA},     {Kind::Unidentified, 0},    {Kind::Escape, 0}};
   runGlsReport(host);
@@ -263,8 +264,8 @@ TEST_F(GlsCommandTest, TellsThatAStemHasNoFolder) {
 
 TEST_F(GlsCommandTest, TellsTheSameOfAStemThatWasEmptiedWithOkStillEnabled) {
   user.steps = {[](DialogState& state) {
-    state.userTypes(dialogs::kIdOutputStem, L"/r/x");
-    state.userTypes(dialogs::kIdOutputStem, L"");
+    state.userTypes(host::kIdOutputStem, L"/r/x");
+    state.userTypes(host::kIdOutputStem, L"");
     state.userClicks(host::kIdOk);
   }};
   runGlsReport(host);
@@ -318,7 +319,7 @@ TEST_F(GlsCommandTest, GivesEverythingBackWhenAnExceptionEndsIt) {
   axis(site_, L"bare", 0xC, {{L"p", 0x60, {}}});
   const auto references = drawing.document.use_count();
   user.steps = {[this](DialogState& state) {
-    state.userSelects(dialogs::kIdAlignments, L"bare");
+    state.userSelects(host::kIdAlignments, L"bare");
     okWith({kAscii})(state);
   }};
   EXPECT_THROW(runGlsReport(host), framework::InvalidArgumentException);

@@ -10,6 +10,7 @@
 #include "dialogs/dialog_services.h"
 #include "doubles/fake_roadway.h"
 #include "framework/exceptions.h"
+#include "host/dialog_controls.h"
 #include "report_drawing/report_drawing.h"
 #include "support/bits_window.h"
 
@@ -22,9 +23,9 @@ using test::rows;
 using windowless::DialogState;
 using windowless::Refusal;
 
-constexpr int kGroups = kIdSampleLineGroups;
-constexpr int kProfiles = CMyDialog3::kIdProfiles;
-constexpr int kCorridors = CMyDialog3::kIdCorridors;
+constexpr int kGroups = host::kIdSampleLineGroups;
+constexpr int kProfiles = host::kIdProfiles;
+constexpr int kCorridors = host::kIdCorridors;
 
 class GlsDialogTest : public testing::Test, public test::ReportDrawing {
  protected:
@@ -70,19 +71,20 @@ TEST_F(GlsDialogTest, OpensOnTheFirstOfEverythingWithAllFormsTickedAndOkDisabled
   CMyDialog3 dialog(host);
   const DialogState state(dialog);
   EXPECT_EQ(state.title(), L"Title");
-  EXPECT_EQ(rows(state, kIdSites), L"[S]");
-  EXPECT_EQ(rows(state, kIdAlignments), L"[A]|B");
+  EXPECT_EQ(rows(state, host::kIdSites), L"[S]");
+  EXPECT_EQ(rows(state, host::kIdAlignments), L"[A]|B");
   EXPECT_EQ(rows(state, kGroups), L"[g1]|g2");
   EXPECT_EQ(rows(state, kProfiles), L"[p1]|p2");
   EXPECT_EQ(rows(state, kCorridors), L"[Road]");
   EXPECT_EQ(dialog.corridorText, L"Road");
-  for (const int form : {kIdCheckAscii, kIdCheckExcel, kIdCheckThird}) EXPECT_TRUE(state.isTicked(form));
-  EXPECT_FALSE(state.isEnabled(kIdOk));
-  EXPECT_EQ(state.text(kIdCheckThird), L"page");
-  EXPECT_EQ(state.text(CMyDialog3::kIdLabelProfile), L"Profile");
-  EXPECT_EQ(state.text(CMyDialog3::kIdLabelCorridor), L"Corridor");
-  EXPECT_EQ(state.text(kIdCancel), L"Cancel it");
-  EXPECT_EQ(state.text(kIdOk), L"OK") << "OK keeps the template's text";
+  for (const int form : {host::kIdCheckAscii, host::kIdCheckExcel, host::kIdCheckHtml})
+    EXPECT_TRUE(state.isTicked(form));
+  EXPECT_FALSE(state.isEnabled(host::kIdOk));
+  EXPECT_EQ(state.text(host::kIdCheckHtml), L"page");
+  EXPECT_EQ(state.text(host::kIdLabelProfile), L"Profile");
+  EXPECT_EQ(state.text(host::kIdLabelCorridor), L"Corridor");
+  EXPECT_EQ(state.text(host::kIdCancel), L"Cancel it");
+  EXPECT_EQ(state.text(host::kIdOk), L"OK") << "OK keeps the template's text";
 }
 
 TEST_F(GlsDialogTest, ShowsTheAlignmentsOutsideAnySiteUnderTheirOwnWordsAndNoEmptySite) {
@@ -91,8 +93,8 @@ TEST_F(GlsDialogTest, ShowsTheAlignmentsOutsideAnySiteUnderTheirOwnWordsAndNoEmp
   useUsualDrawing();
   CMyDialog3 dialog(host);
   const DialogState state(dialog);
-  EXPECT_EQ(rows(state, kIdSites), L"[*none*]|S");
-  EXPECT_EQ(rows(state, kIdAlignments), L"[Loose]");
+  EXPECT_EQ(rows(state, host::kIdSites), L"[*none*]|S");
+  EXPECT_EQ(rows(state, host::kIdAlignments), L"[Loose]");
   EXPECT_EQ(rows(state, kProfiles), L"[p]");
   EXPECT_EQ(dialog.siteText, L"*none*");
 }
@@ -102,8 +104,8 @@ TEST_F(GlsDialogTest, KeepsOkDisabledWhereTheAlignmentHasNoProfile) {
   CMyDialog3 dialog(host);
   DialogState state(dialog);
   EXPECT_EQ(dialog.profileIndex, -1);
-  state.userTypes(kIdOutputStem, L"/r/x");
-  EXPECT_FALSE(state.isEnabled(kIdOk));
+  state.userTypes(host::kIdOutputStem, L"/r/x");
+  EXPECT_FALSE(state.isEnabled(host::kIdOk));
 }
 
 TEST_F(GlsDialogTest, KeepsOkDisabledWhereTheAlignmentHasNoSampleLineGroup) {
@@ -111,8 +113,8 @@ TEST_F(GlsDialogTest, KeepsOkDisabledWhereTheAlignmentHasNoSampleLineGroup) {
   CMyDialog3 dialog(host);
   DialogState state(dialog);
   EXPECT_EQ(dialog.groupIndex, -1);
-  state.userTypes(kIdOutputStem, L"/r/x");
-  EXPECT_FALSE(state.isEnabled(kIdOk));
+  state.userTypes(host::kIdOutputStem, L"/r/x");
+  EXPECT_FALSE(state.isEnabled(host::kIdOk));
 }
 
 TEST_F(GlsDialogTest, EnablesOkWithoutAnyCorridor) {
@@ -121,8 +123,8 @@ TEST_F(GlsDialogTest, EnablesOkWithoutAnyCorridor) {
   DialogState state(dialog);
   EXPECT_EQ(rows(state, kCorridors), L"");
   EXPECT_EQ(dialog.corridorIndex, -1);
-  state.userTypes(kIdOutputStem, L"/r/x");
-  EXPECT_TRUE(state.isEnabled(kIdOk));
+  state.userTypes(host::kIdOutputStem, L"/r/x");
+  EXPECT_TRUE(state.isEnabled(host::kIdOk));
 }
 
 TEST_F(GlsDialogTest, AttachesWhereTheRoadwayDocumentHasNoCorridorsAtAll) {
@@ -141,22 +143,22 @@ TEST_F(GlsDialogTest, FindsItsSelectionsByNameWhenItOpensAgain) {
   CMyDialog3 dialog(host);
   {
     DialogState state(dialog);
-    state.userTypes(kIdOutputStem, L"/r/x");
-    EXPECT_EQ(state.userClicks(CMyDialog3::kIdPickProfile), Refusal::None);
-    EXPECT_EQ(state.closedWith(), 125);
+    state.userTypes(host::kIdOutputStem, L"/r/x");
+    EXPECT_EQ(state.userClicks(host::kIdPickProfile), Refusal::None);
+    EXPECT_EQ(state.closedWith(), host::kIdPickProfile);
   }
   dialog.alignmentText = L"B";
   dialog.profileText = L"q2";
   dialog.corridorText = L"Road 2";
   const DialogState again(dialog);
-  EXPECT_EQ(rows(again, kIdAlignments), L"A|[B]");
+  EXPECT_EQ(rows(again, host::kIdAlignments), L"A|[B]");
   EXPECT_EQ(rows(again, kGroups), L"[g3]");
   EXPECT_EQ(dialog.groupText, L"g3") << "g1, which B hasn't got, has given way";
   EXPECT_EQ(rows(again, kProfiles), L"q1|[q2]");
   EXPECT_EQ(rows(again, kCorridors), L"Road 1|[Road 2]");
-  EXPECT_EQ(again.text(kIdOutputStem), L"/r/x");
-  EXPECT_EQ(again.find(kIdOutputStem)->tip, L"/r/x");
-  EXPECT_TRUE(again.isEnabled(kIdOk));
+  EXPECT_EQ(again.text(host::kIdOutputStem), L"/r/x");
+  EXPECT_EQ(again.find(host::kIdOutputStem)->tip, L"/r/x");
+  EXPECT_TRUE(again.isEnabled(host::kIdOk));
   EXPECT_EQ(companion.attachments, 1) << "the model is reached once for the life of the dialog";
 }
 
@@ -221,7 +223,7 @@ TEST_F(GlsDialogTest, SelectsACorridorByItsPlaceAmongAllOfThemWhenItOpensAgain) 
   {
     DialogState state(dialog);
     EXPECT_EQ(rows(state, kCorridors), L"[Road 1]|Road 2");
-    state.userClicks(kIdPickAlignment);
+    state.userClicks(host::kIdPickAlignment);
   }
   const DialogState again(dialog);
   EXPECT_EQ(rows(again, kCorridors), L"Road 1|[Road 2]") << "Road 1 is the second of all corridors";
@@ -235,7 +237,7 @@ TEST_F(GlsDialogTest, RaisesTheInvalidArgumentExceptionWhereThatPlaceIsBeyondThe
   CMyDialog3 dialog(host);
   {
     DialogState state(dialog);
-    state.userClicks(kIdPickAlignment);
+    state.userClicks(host::kIdPickAlignment);
   }
   EXPECT_THROW(const DialogState again(dialog), framework::InvalidArgumentException);
 }
@@ -263,10 +265,10 @@ TEST_F(GlsDialogTest, SelectsTheFirstOfEverythingAfterAChangeOfSiteAndKeepsTheCo
   corridor(L"Road 2", {first_});
   CMyDialog3 dialog(host);
   DialogState state(dialog);
-  state.userTypes(kIdOutputStem, L"/r/x");
+  state.userTypes(host::kIdOutputStem, L"/r/x");
   state.userSelects(kCorridors, 1);
-  EXPECT_EQ(state.userSelects(kIdSites, L"T"), Refusal::None);
-  EXPECT_EQ(rows(state, kIdAlignments), L"[C]");
+  EXPECT_EQ(state.userSelects(host::kIdSites, L"T"), Refusal::None);
+  EXPECT_EQ(rows(state, host::kIdAlignments), L"[C]");
   EXPECT_EQ(rows(state, kGroups), L"[g4]|g5");
   EXPECT_EQ(rows(state, kProfiles), L"[r1]|r2");
   EXPECT_EQ(rows(state, kCorridors), L"Road 1|[Road 2]");
@@ -281,21 +283,21 @@ TEST_F(GlsDialogTest, ForgetsGroupAndProfileWhereTheOtherSiteOffersNone) {
   alignment(drawing.addSite(L"T"), L"C", {}, {});
   CMyDialog3 dialog(host);
   DialogState state(dialog);
-  state.userTypes(kIdOutputStem, L"/r/x");
-  ASSERT_TRUE(state.isEnabled(kIdOk));
-  state.userSelects(kIdSites, L"T");
+  state.userTypes(host::kIdOutputStem, L"/r/x");
+  ASSERT_TRUE(state.isEnabled(host::kIdOk));
+  state.userSelects(host::kIdSites, L"T");
   EXPECT_EQ(dialog.groupIndex, -1);
   EXPECT_EQ(dialog.groupText, L"");
   EXPECT_EQ(dialog.profileIndex, -1);
   EXPECT_EQ(dialog.profileText, L"");
-  EXPECT_TRUE(state.isEnabled(kIdOk)) << "nothing disables OK again";
+  EXPECT_TRUE(state.isEnabled(host::kIdOk)) << "nothing disables OK again";
 }
 
 TEST_F(GlsDialogTest, SelectsGroupAndProfileAfterAChangeOfAlignmentWithoutCorridors) {
   useUsualDrawing();
   CMyDialog3 dialog(host);
   DialogState state(dialog);
-  state.userSelects(kIdAlignments, L"B");
+  state.userSelects(host::kIdAlignments, L"B");
   EXPECT_EQ(rows(state, kGroups), L"[g3]");
   EXPECT_EQ(rows(state, kProfiles), L"[q1]|q2");
   EXPECT_EQ(dialog.alignmentText, L"B");
@@ -309,7 +311,7 @@ TEST_F(GlsDialogTest, PutsTheCorridorsNameIntoTheProfilesTextAfterAChangeOfAlign
   corridor(L"Road 2", {first_});
   CMyDialog3 dialog(host);
   DialogState state(dialog);
-  state.userSelects(kIdAlignments, L"B");
+  state.userSelects(host::kIdAlignments, L"B");
   EXPECT_EQ(rows(state, kProfiles), L"[q1]|q2") << "the list shows the profile";
   EXPECT_EQ(dialog.profileText, L"Road 1") << "the report would ask for a profile of this name";
   EXPECT_EQ(rows(state, kCorridors), L"[Road 1]|Road 2");
@@ -325,7 +327,7 @@ TEST_F(GlsDialogTest, RaisesTheInvalidArgumentExceptionForAnAlignmentWithoutProf
   corridor(L"Road", {first_});
   CMyDialog3 dialog(host);
   DialogState state(dialog);
-  EXPECT_THROW(state.userSelects(kIdAlignments, L"bare"), framework::InvalidArgumentException);
+  EXPECT_THROW(state.userSelects(host::kIdAlignments, L"bare"), framework::InvalidArgumentException);
 }
 
 TEST_F(GlsDialogTest, TakesGroupAndProfileFromTheirLists) {
@@ -346,23 +348,23 @@ TEST_F(GlsDialogTest, EnablesOkWithTheFirstCharacterOfAStemAndLeavesItEnabledWit
   useUsualDrawing();
   CMyDialog3 dialog(host);
   DialogState state(dialog);
-  EXPECT_EQ(state.userTypes(kIdOutputStem, L"/"), Refusal::None);
-  EXPECT_TRUE(state.isEnabled(kIdOk));
-  state.userTypes(kIdOutputStem, L"");
+  EXPECT_EQ(state.userTypes(host::kIdOutputStem, L"/"), Refusal::None);
+  EXPECT_TRUE(state.isEnabled(host::kIdOk));
+  state.userTypes(host::kIdOutputStem, L"");
   EXPECT_EQ(dialog.outputStem, L"");
-  EXPECT_TRUE(state.isEnabled(kIdOk)) << "the command answers an empty stem";
-  EXPECT_EQ(state.userClicks(kIdOk), Refusal::None);
+  EXPECT_TRUE(state.isEnabled(host::kIdOk)) << "the command answers an empty stem";
+  EXPECT_EQ(state.userClicks(host::kIdOk), Refusal::None);
 }
 
 TEST_F(GlsDialogTest, TakesTheTickedFormsAndTheShownAlignmentOverOnOk) {
   useUsualDrawing();
   CMyDialog3 dialog(host);
   DialogState state(dialog);
-  state.userSelects(kIdAlignments, L"B");
-  state.userTypes(kIdOutputStem, L"/r/x");
-  state.userTicks(kIdCheckExcel, false);
-  EXPECT_EQ(state.userClicks(kIdOk), Refusal::None);
-  EXPECT_EQ(state.closedWith(), kIdOk);
+  state.userSelects(host::kIdAlignments, L"B");
+  state.userTypes(host::kIdOutputStem, L"/r/x");
+  state.userTicks(host::kIdCheckExcel, false);
+  EXPECT_EQ(state.userClicks(host::kIdOk), Refusal::None);
+  EXPECT_EQ(state.closedWith(), host::kIdOk);
   EXPECT_EQ(dialog.reportAlignmentText, L"B");
   EXPECT_EQ(dialog.checkAscii, 1);
   EXPECT_EQ(dialog.checkExcel, 0);
@@ -374,7 +376,7 @@ TEST_F(GlsDialogTest, ReadsNothingFromTheControlsOnCancel) {
   CMyDialog3 dialog(host);
   DialogState state(dialog);
   state.userCloses();
-  EXPECT_EQ(state.closedWith(), kIdCancel);
+  EXPECT_EQ(state.closedWith(), host::kIdCancel);
   EXPECT_EQ(dialog.checkAscii, 0);
   EXPECT_EQ(dialog.reportAlignmentText, L"");
 }
@@ -388,16 +390,16 @@ TEST_F(GlsDialogTest, StaysUnattachedWhereTheModelIsOutOfReachAndTriesAgainNextT
   {
     DialogState state(dialog);
     EXPECT_EQ(dialog.loaded, 0);
-    EXPECT_EQ(rows(state, kIdSites), L"");
-    state.userTypes(kIdOutputStem, L"/r/x");
-    EXPECT_FALSE(state.isEnabled(kIdOk));
-    state.userClicks(kIdPickAlignment);
+    EXPECT_EQ(rows(state, host::kIdSites), L"");
+    state.userTypes(host::kIdOutputStem, L"/r/x");
+    EXPECT_FALSE(state.isEnabled(host::kIdOk));
+    state.userClicks(host::kIdPickAlignment);
   }
   EXPECT_TRUE(host.users().boxes.empty());
   companion.document = drawing.document;
   const DialogState again(dialog);
   EXPECT_EQ(dialog.loaded, 1);
-  EXPECT_EQ(rows(again, kIdSites), L"[S]");
+  EXPECT_EQ(rows(again, host::kIdSites), L"[S]");
 }
 
 TEST_F(GlsDialogTest, StaysUnattachedWhereTheCorridorsAreOutOfReachAndTellsAtEachOpening) {
@@ -408,8 +410,8 @@ TEST_F(GlsDialogTest, StaysUnattachedWhereTheCorridorsAreOutOfReachAndTellsAtEac
     CMyDialog3 dialog(host);
     for (int opening = 0; opening < 2; ++opening) {
       DialogState state(dialog);
-      EXPECT_EQ(rows(state, kIdSites), L"");
-      state.userClicks(kIdPickAlignment);
+      EXPECT_EQ(rows(state, host::kIdSites), L"");
+      state.userClicks(host::kIdPickAlignment);
     }
     EXPECT_EQ(dialog.loaded, 0);
   }
@@ -450,8 +452,12 @@ TEST_F(GlsDialogTest, ShowsEveryCaptionAsItsNumberWhereTheMessageFileIsMissing) 
   const DialogState state(dialog);
   EXPECT_EQ(state.title(), L"*301*");
   const std::vector<std::pair<int, const wchar_t*>> captions{
-      {2, L"*4*"},     {9, L"*5*"},     {228, L"*102*"}, {264, L"*103*"}, {265, L"*104*"}, {266, L"*105*"},
-      {118, L"*302*"}, {119, L"*341*"}, {230, L"*108*"}, {274, L"*114*"}, {275, L"*115*"}, {276, L"*116*"}};
+      {host::kIdCancel, L"*4*"},           {host::kIdHelp, L"*5*"},
+      {host::kIdFrameSelection, L"*102*"}, {host::kIdLabelSite, L"*103*"},
+      {host::kIdLabelAlignment, L"*104*"}, {host::kIdLabelSampleLineGroup, L"*105*"},
+      {host::kIdLabelProfile, L"*302*"},   {host::kIdLabelCorridor, L"*341*"},
+      {host::kIdFrameOutput, L"*108*"},    {host::kIdCheckAscii, L"*114*"},
+      {host::kIdCheckExcel, L"*115*"},     {host::kIdCheckHtml, L"*116*"}};
   for (const auto& [id, caption] : captions) EXPECT_EQ(state.text(id), caption) << id;
 }
 
@@ -459,14 +465,14 @@ TEST_F(GlsDialogTest, HasEveryPictureOnItsControl) {
   useUsualDrawing();
   CMyDialog3 dialog(host);
   const DialogState state(dialog);
-  EXPECT_EQ(state.find(270)->picture, kPictureSite);
-  EXPECT_EQ(state.find(271)->picture, kPictureAlignment);
-  EXPECT_EQ(state.find(101)->picture, kPictureSampleLineGroup);
-  EXPECT_EQ(state.find(108)->picture, kPictureProfile);
-  EXPECT_EQ(state.find(109)->picture, kPictureCorridor);
-  EXPECT_EQ(state.find(kIdPickAlignment)->picture, kPicturePick);
-  EXPECT_EQ(state.find(CMyDialog3::kIdPickProfile)->picture, kPicturePick);
-  EXPECT_EQ(state.find(kIdOutputFileBox)->picture, kPictureSave);
+  EXPECT_EQ(state.find(host::kIdPictureSite)->picture, kPictureSite);
+  EXPECT_EQ(state.find(host::kIdPictureAlignment)->picture, kPictureAlignment);
+  EXPECT_EQ(state.find(host::kIdPictureSampleLineGroup)->picture, kPictureSampleLineGroup);
+  EXPECT_EQ(state.find(host::kIdPictureProfile)->picture, kPictureProfile);
+  EXPECT_EQ(state.find(host::kIdPictureCorridor)->picture, kPictureCorridor);
+  EXPECT_EQ(state.find(host::kIdPickAlignment)->picture, kPicturePick);
+  EXPECT_EQ(state.find(host::kIdPickProfile)->picture, kPicturePick);
+  EXPECT_EQ(state.find(host::kIdOutputFileBox)->picture, kPictureSave);
 }
 
 TEST_F(GlsDialogTest, TurnsTheWhiteOfFourPicturesIntoTheFaceColourAndLeavesTheCorridorsAsItIs) {
@@ -475,9 +481,10 @@ TEST_F(GlsDialogTest, TurnsTheWhiteOfFourPicturesIntoTheFaceColourAndLeavesTheCo
   CMyDialog3 dialog(host);
   host::BitsWindow window;
   dialog.onOpening(window);
-  for (const int id : {270, 271, 101, 108})
+  for (const int id :
+       {host::kIdPictureSite, host::kIdPictureAlignment, host::kIdPictureSampleLineGroup, host::kIdPictureProfile})
     EXPECT_NE(window.pictures.at(id).bytes, findPicture(window.pictures.at(id).name)->bytes) << id;
-  for (const int id : {109, kIdPickAlignment, CMyDialog3::kIdPickProfile, kIdOutputFileBox})
+  for (const int id : {host::kIdPictureCorridor, host::kIdPickAlignment, host::kIdPickProfile, host::kIdOutputFileBox})
     EXPECT_EQ(window.pictures.at(id).bytes, findPicture(window.pictures.at(id).name)->bytes) << id;
 }
 

@@ -14,6 +14,7 @@
 #include "doubles/fake_host.h"
 #include "fake_companion/fake_companion.h"
 #include "gls/add_sections_dialog.h"
+#include "host/dialog_controls.h"
 #include "platform/posix/posix_platform.h"
 #include "projection/projection_dialog.h"
 #include "services/message_catalogue.h"
@@ -326,7 +327,7 @@ void expectCaptions(host::DialogBehaviour& dialog, const Page& page) {
       std::erase(line, '&');
       if (collapsed(line).empty()) continue;
       ++captions;
-      if (control.id == gls::CMyDialog4::kIdStatic)
+      if (control.id == host::kIdQuestion)
         EXPECT_THAT(page.text, HasSubstr(collapsed(line)));
       else
         EXPECT_THAT(page.cells, Contains(collapsed(line))) << control.id;

@@ -7,6 +7,7 @@
 #include "dialogs/dialog_services.h"
 #include "doubles/recording_sheet.h"
 #include "framework/exceptions.h"
+#include "host/dialog_controls.h"
 #include "host/picking.h"
 #include "points/points_dialog.h"
 #include "report_drawing/report_drawing.h"
@@ -20,11 +21,11 @@ using windowless::DialogState;
 using Kind = test::PickingRunTime::Kind;
 using Boxes = std::vector<test::FakeUserInterface::Box>;
 
-constexpr int kGroups = CExportPointsDlg::kIdPointGroups;
-constexpr int kCount = CExportPointsDlg::kIdPointCount;
-constexpr int kAscii = dialogs::kIdCheckAscii;
-constexpr int kExcel = dialogs::kIdCheckExcel;
-constexpr int kHtml = dialogs::kIdCheckThird;
+constexpr int kGroups = host::kIdPointGroups;
+constexpr int kCount = host::kIdPointCount;
+constexpr int kAscii = host::kIdCheckAscii;
+constexpr int kExcel = host::kIdCheckExcel;
+constexpr int kHtml = host::kIdCheckHtml;
 
 class PointsCommandTest : public testing::Test, public test::ReportDrawing {
  protected:
@@ -123,7 +124,7 @@ TEST_F(PointsCommandTest, WritesNothingWithoutAWordWhereNoFormIsTicked) {
 
 TEST_F(PointsCommandTest, TellsThatAStemHasNoFolderAndGivesTheDialogBackWithIt) {
   user.steps = {okWith({kAscii}, L"road"), [](DialogState& state) {
-                  EXPECT_EQ(state.text(dialogs::kIdOutputStem), L"road");
+                  EXPECT_EQ(state.text(host::kIdOutputStem), L"road");
                   EXPECT_TRUE(state.isTicked(kExcel)) << "an opening ticks all forms again";
                   state.userCloses();
                 }};
@@ -220,7 +221,7 @@ TEST_F(PointsCommandTest, GivesEverythingBackWhenAnExceptionEndsIt) {
   const auto record = std::make_shared<test::SheetRecord>();
   record->failFinish = true;
   host.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
-  user.steps = {click(dialogs::kIdPickSecond), okWith({kExcel, kHtml})};
+  user.steps = {click(host::kIdPickPoints), okWith({kExcel, kHtml})};
   select({3});
   const auto references = drawing.document.use_count();
   EXPECT_THROW(runPointsReport(host), framework::AutomationException);
@@ -231,8 +232,8 @@ TEST_F(PointsCommandTest, GivesEverythingBackWhenAnExceptionEndsIt) {
 // ---------------------------------------------------------------- picking an alignment
 
 TEST_F(PointsCommandTest, SelectsThePickedAlignment) {
-  user.steps = {click(dialogs::kIdPickAlignment), [](DialogState& state) {
-                  EXPECT_EQ(state.rowText(dialogs::kIdAlignments, state.selection(dialogs::kIdAlignments)), L"B");
+  user.steps = {click(host::kIdPickAlignment), [](DialogState& state) {
+                  EXPECT_EQ(state.rowText(host::kIdAlignments, state.selection(host::kIdAlignments)), L"B");
                   state.userCloses();
                 }};
   runTime.picks = {{Kind::Object, 0xB}};
@@ -242,7 +243,7 @@ TEST_F(PointsCommandTest, SelectsThePickedAlignment) {
 }
 
 TEST_F(PointsCommandTest, PromptsAgainAfterAPickOfTheWrongClassUntilEscape) {
-  user.steps = {click(dialogs::kIdPickAlignment)};
+  user.steps = {click(host::kIdPickAlignment)};
   runTime.picks = {{Kind::Object, handleOf(1)}, {Kind::Unidentified, 0xA}, {Kind::Unopenable, 0xA}, {Kind::Escape, 0}};
   run();
   EXPECT_EQ(runTime.prompts.size(), 4U);
@@ -256,9 +257,9 @@ TEST_F(PointsCommandTest, LooksAPickedAlignmentsPositionUpInTheOtherList) {
   const auto other = drawing.addSite(L"T");
   addAlignment(other, L"C", 0xC);
   addAlignment(other, L"D", 0xD);
-  user.steps = {click(dialogs::kIdPickAlignment), [](DialogState& state) {
-                  EXPECT_EQ(state.rowText(dialogs::kIdSites, state.selection(dialogs::kIdSites)), L"T");
-                  EXPECT_EQ(state.rowText(dialogs::kIdAlignments, state.selection(dialogs::kIdAlignments)), L"C");
+  user.steps = {click(host::kIdPickAlignment), [](DialogState& state) {
+                  EXPECT_EQ(state.rowText(host::kIdSites, state.selection(host::kIdSites)), L"T");
+                  EXPECT_EQ(state.rowText(host::kIdAlignments, state.selection(host::kIdAlignments)), L"C");
                   state.userCloses();
                 }};
   runTime.picks = {{Kind::Object, 0xD}};
@@ -267,7 +268,7 @@ TEST_F(PointsCommandTest, LooksAPickedAlignmentsPositionUpInTheOtherList) {
 
 TEST_F(PointsCommandTest, PicksNothingWithoutACurrentDocument) {
   runTime.manager.hasDocument = false;
-  user.steps = {click(dialogs::kIdPickAlignment)};
+  user.steps = {click(host::kIdPickAlignment)};
   runTime.picks = {{Kind::Object, 0xB}};
   run();
   EXPECT_TRUE(runTime.prompts.empty());
@@ -277,7 +278,7 @@ TEST_F(PointsCommandTest, PicksNothingWithoutACurrentDocument) {
 // ---------------------------------------------------------------- picking points
 
 TEST_F(PointsCommandTest, OpensOnThePickedPointsWithTheirNumber) {
-  user.steps = {click(dialogs::kIdPickSecond), [this](DialogState& state) {
+  user.steps = {click(host::kIdPickPoints), [this](DialogState& state) {
                   EXPECT_EQ(state.rowText(kGroups, state.selection(kGroups)), L"picked");
                   EXPECT_EQ(state.text(kCount), L"3 points");
                   okWith({kAscii})(state);
@@ -296,7 +297,7 @@ TEST_F(PointsCommandTest, OpensOnThePickedPointsWithTheirNumber) {
 }
 
 TEST_F(PointsCommandTest, ReplacesAnEarlierPickByALaterOne) {
-  user.steps = {click(dialogs::kIdPickSecond), click(dialogs::kIdPickSecond), [this](DialogState& state) {
+  user.steps = {click(host::kIdPickPoints), click(host::kIdPickPoints), [this](DialogState& state) {
                   EXPECT_EQ(state.text(kCount), L"1 point");
                   okWith({kAscii})(state);
                 }};
@@ -307,7 +308,7 @@ TEST_F(PointsCommandTest, ReplacesAnEarlierPickByALaterOne) {
 }
 
 TEST_F(PointsCommandTest, ForgetsAnEarlierPickWhereALaterOneIsGivenUp) {
-  user.steps = {click(dialogs::kIdPickSecond), click(dialogs::kIdPickSecond), [](DialogState& state) {
+  user.steps = {click(host::kIdPickPoints), click(host::kIdPickPoints), [](DialogState& state) {
                   EXPECT_EQ(state.selection(kGroups), 0) << "the first row, as on a first opening";
                   EXPECT_EQ(state.text(kCount), L"2 points") << "of the first group";
                   state.userSelects(kGroups, L"picked");
@@ -320,7 +321,7 @@ TEST_F(PointsCommandTest, ForgetsAnEarlierPickWhereALaterOneIsGivenUp) {
 }
 
 TEST_F(PointsCommandTest, PassesOverWhatTheModelKnowsNoPointOf) {
-  user.steps = {click(dialogs::kIdPickSecond), okWith({kAscii})};
+  user.steps = {click(host::kIdPickPoints), okWith({kAscii})};
   // An object that the model doesn't know, and one that is no point.
   runTime.selections.push_back(std::vector<std::uint64_t>{0x999, handleOf(3), 0xA});
   run();
@@ -328,7 +329,7 @@ TEST_F(PointsCommandTest, PassesOverWhatTheModelKnowsNoPointOf) {
 }
 
 TEST_F(PointsCommandTest, EndsAtOnceWhereAPickedObjectHasNoIdentifier) {
-  user.steps = {click(dialogs::kIdPickSecond)};
+  user.steps = {click(host::kIdPickPoints)};
   runTime.unidentified = handleOf(2);
   select({1, 2, 3});
   run();
@@ -337,7 +338,7 @@ TEST_F(PointsCommandTest, EndsAtOnceWhereAPickedObjectHasNoIdentifier) {
 }
 
 TEST_F(PointsCommandTest, ReportsAChosenGroupAloneAfterAPick) {
-  user.steps = {click(dialogs::kIdPickSecond), [this](DialogState& state) {
+  user.steps = {click(host::kIdPickPoints), [this](DialogState& state) {
                   state.userSelects(kGroups, L"Survey");
                   okWith({kAscii})(state);
                 }};

@@ -4,6 +4,7 @@
 
 #include "dialogs/dialog_services.h"
 #include "framework/exceptions.h"
+#include "host/dialog_controls.h"
 #include "report_drawing/report_drawing.h"
 
 namespace lvx::points {
@@ -15,8 +16,8 @@ using test::rows;
 using windowless::DialogState;
 using windowless::Refusal;
 
-constexpr int kGroups = CExportPointsDlg::kIdPointGroups;
-constexpr int kCount = CExportPointsDlg::kIdPointCount;
+constexpr int kGroups = host::kIdPointGroups;
+constexpr int kCount = host::kIdPointCount;
 
 class PointsDialogTest : public testing::Test, public test::ReportDrawing {
  protected:
@@ -48,12 +49,13 @@ TEST_F(PointsDialogTest, OpensOnTheFirstOfEverythingWithAllFormsTickedAndOkDisab
   useUsualDrawing();
   CExportPointsDlg dialog(host);
   const DialogState state(dialog);
-  EXPECT_EQ(rows(state, kIdSites), L"[S]|T");
-  EXPECT_EQ(rows(state, kIdAlignments), L"[A]|B");
+  EXPECT_EQ(rows(state, host::kIdSites), L"[S]|T");
+  EXPECT_EQ(rows(state, host::kIdAlignments), L"[A]|B");
   EXPECT_EQ(rows(state, kGroups), L"[two]|one|none|picked");
   EXPECT_EQ(state.text(kCount), L"2 points");
-  for (const int form : {kIdCheckAscii, kIdCheckExcel, kIdCheckThird}) EXPECT_TRUE(state.isTicked(form));
-  EXPECT_FALSE(state.isEnabled(kIdOk));
+  for (const int form : {host::kIdCheckAscii, host::kIdCheckExcel, host::kIdCheckHtml})
+    EXPECT_TRUE(state.isTicked(form));
+  EXPECT_FALSE(state.isEnabled(host::kIdOk));
 }
 
 TEST_F(PointsDialogTest, TakesEveryCaptionFromTheMessages) {
@@ -65,18 +67,18 @@ TEST_F(PointsDialogTest, TakesEveryCaptionFromTheMessages) {
     int id;
     const wchar_t* text;
   };
-  const std::vector<Row> table{{kIdOk, L"OK"},
-                               {kIdCancel, L"Cancel it"},
-                               {kIdHelp, L"Help it"},
-                               {kIdGroupSelection, L"Selection"},
-                               {kIdLabelSite, L"Site"},
-                               {kIdLabelAlignment, L"Axis"},
-                               {103, L"Groups"},
-                               {104, L"Selected"},
-                               {kIdGroupOutput, L"Output"},
-                               {kIdCheckAscii, L"text"},
-                               {kIdCheckExcel, L"sheet"},
-                               {kIdCheckThird, L"page"}};
+  const std::vector<Row> table{{host::kIdOk, L"OK"},
+                               {host::kIdCancel, L"Cancel it"},
+                               {host::kIdHelp, L"Help it"},
+                               {host::kIdFrameSelection, L"Selection"},
+                               {host::kIdLabelSite, L"Site"},
+                               {host::kIdLabelAlignment, L"Axis"},
+                               {host::kIdLabelPointGroup, L"Groups"},
+                               {host::kIdLabelPointCount, L"Selected"},
+                               {host::kIdFrameOutput, L"Output"},
+                               {host::kIdCheckAscii, L"text"},
+                               {host::kIdCheckExcel, L"sheet"},
+                               {host::kIdCheckHtml, L"page"}};
   EXPECT_EQ(table.size(), 12U);
   for (const Row& row : table) EXPECT_EQ(state.text(row.id), row.text) << row.id;
 }
@@ -85,13 +87,13 @@ TEST_F(PointsDialogTest, HasEveryPictureOnItsControl) {
   useUsualDrawing();
   CExportPointsDlg dialog(host);
   const DialogState state(dialog);
-  EXPECT_EQ(state.find(270)->picture, kPictureSite);
-  EXPECT_EQ(state.find(271)->picture, kPictureAlignment);
-  EXPECT_EQ(state.find(273)->picture, kPicturePointGroup);
-  EXPECT_EQ(state.find(278)->picture, kPicturePoint);
-  EXPECT_EQ(state.find(kIdPickAlignment)->picture, kPicturePick);
-  EXPECT_EQ(state.find(kIdPickSecond)->picture, kPicturePick);
-  EXPECT_EQ(state.find(kIdOutputFileBox)->picture, kPictureSave);
+  EXPECT_EQ(state.find(host::kIdPictureSite)->picture, kPictureSite);
+  EXPECT_EQ(state.find(host::kIdPictureAlignment)->picture, kPictureAlignment);
+  EXPECT_EQ(state.find(host::kIdPicturePointGroup)->picture, kPicturePointGroup);
+  EXPECT_EQ(state.find(host::kIdPicturePointCount)->picture, kPicturePoint);
+  EXPECT_EQ(state.find(host::kIdPickAlignment)->picture, kPicturePick);
+  EXPECT_EQ(state.find(host::kIdPickPoints)->picture, kPicturePick);
+  EXPECT_EQ(state.find(host::kIdOutputFileBox)->picture, kPictureSave);
 }
 
 TEST_F(PointsDialogTest, HasItsControlsAndItsSize) {
@@ -117,13 +119,13 @@ TEST_F(PointsDialogTest, OpensOnTheRowWithoutASiteWhereverItStands) {
   CExportPointsDlg dialog(host);
   {
     DialogState state(dialog);
-    EXPECT_EQ(rows(state, kIdSites), L"S|T|[*none*]") << "its empty name is the still empty selection";
-    EXPECT_EQ(rows(state, kIdAlignments), L"[Loose]");
+    EXPECT_EQ(rows(state, host::kIdSites), L"S|T|[*none*]") << "its empty name is the still empty selection";
+    EXPECT_EQ(rows(state, host::kIdAlignments), L"[Loose]");
     EXPECT_EQ(dialog.siteText, L"*none*");
-    state.userClicks(kIdPickSecond);
+    state.userClicks(host::kIdPickPoints);
   }
   const DialogState again(dialog);
-  EXPECT_EQ(rows(again, kIdSites), L"[S]|T|*none*") << "the row's words are no site's name";
+  EXPECT_EQ(rows(again, host::kIdSites), L"[S]|T|*none*") << "the row's words are no site's name";
   EXPECT_EQ(dialog.siteText, L"S");
 }
 
@@ -131,10 +133,10 @@ TEST_F(PointsDialogTest, SelectsTheFirstAlignmentAfterAChangeOfSite) {
   useUsualDrawing();
   CExportPointsDlg dialog(host);
   DialogState state(dialog);
-  state.userSelects(kIdAlignments, L"B");
+  state.userSelects(host::kIdAlignments, L"B");
   EXPECT_EQ(dialog.alignmentText, L"A") << "the list of alignments is read on OK alone";
-  EXPECT_EQ(state.userSelects(kIdSites, L"T"), Refusal::None);
-  EXPECT_EQ(rows(state, kIdAlignments), L"[C]");
+  EXPECT_EQ(state.userSelects(host::kIdSites, L"T"), Refusal::None);
+  EXPECT_EQ(rows(state, host::kIdAlignments), L"[C]");
   EXPECT_EQ(dialog.siteText, L"T");
   EXPECT_EQ(dialog.alignmentText, L"C");
   EXPECT_EQ(dialog.siteIndex, 1);
@@ -168,7 +170,7 @@ TEST_F(PointsDialogTest, CountsTheChosenGroupAndTouchesNothingElse) {
   EXPECT_EQ(state.text(kCount), L"0 points");
   EXPECT_EQ(dialog.groupIndex, 0);
   EXPECT_EQ(dialog.groupText, L"two");
-  EXPECT_FALSE(state.isEnabled(kIdOk));
+  EXPECT_FALSE(state.isEnabled(host::kIdOk));
 }
 
 TEST_F(PointsDialogTest, RaisesTheInvalidArgumentExceptionForASelectionOutsideTheList) {
@@ -187,8 +189,8 @@ TEST_F(PointsDialogTest, LetsPointsPickedByHandWinAtEachOpening) {
   {
     DialogState state(dialog);
     state.userSelects(kGroups, L"one");
-    state.userClicks(kIdPickSecond);
-    EXPECT_EQ(state.closedWith(), 232);
+    state.userClicks(host::kIdPickPoints);
+    EXPECT_EQ(state.closedWith(), host::kIdPickPoints);
   }
   setPicked(dialog, 3);
   for (int opening = 0; opening < 2; ++opening) {
@@ -198,13 +200,13 @@ TEST_F(PointsDialogTest, LetsPointsPickedByHandWinAtEachOpening) {
     EXPECT_EQ(dialog.groupIndex, 0) << "stays as it stood";
     EXPECT_EQ(dialog.groupText, L"two");
     state.userSelects(kGroups, L"one");
-    state.userClicks(kIdPickAlignment);
+    state.userClicks(host::kIdPickAlignment);
   }
   setPicked(dialog, 1);
   DialogState state(dialog);
   EXPECT_EQ(state.text(kCount), L"1 point");
-  state.userTypes(kIdOutputStem, L"/r/x");
-  state.userClicks(kIdOk);
+  state.userTypes(host::kIdOutputStem, L"/r/x");
+  state.userClicks(host::kIdOk);
   EXPECT_EQ(dialog.groupText, L"picked") << "read anew on OK";
 }
 
@@ -214,7 +216,7 @@ TEST_F(PointsDialogTest, OpensAtTheFirstRowAgainAfterACancelledPick) {
   {
     DialogState state(dialog);
     state.userSelects(kGroups, L"one");
-    state.userClicks(kIdPickSecond);
+    state.userClicks(host::kIdPickPoints);
   }
   setPicked(dialog, 0);
   const DialogState again(dialog);
@@ -237,26 +239,26 @@ TEST_F(PointsDialogTest, EnablesOkWithTheFirstCharacterOfAStemAndDisablesItWithT
   useUsualDrawing();
   CExportPointsDlg dialog(host);
   DialogState state(dialog);
-  state.userSelects(kIdSites, L"T");
+  state.userSelects(host::kIdSites, L"T");
   state.userSelects(kGroups, L"one");
-  EXPECT_FALSE(state.isEnabled(kIdOk)) << "without a stem nothing enables it";
-  state.userTypes(kIdOutputStem, L"/");
-  EXPECT_TRUE(state.isEnabled(kIdOk));
-  state.userTypes(kIdOutputStem, L"");
-  EXPECT_FALSE(state.isEnabled(kIdOk));
-  EXPECT_EQ(state.userClicks(kIdOk), Refusal::Disabled);
+  EXPECT_FALSE(state.isEnabled(host::kIdOk)) << "without a stem nothing enables it";
+  state.userTypes(host::kIdOutputStem, L"/");
+  EXPECT_TRUE(state.isEnabled(host::kIdOk));
+  state.userTypes(host::kIdOutputStem, L"");
+  EXPECT_FALSE(state.isEnabled(host::kIdOk));
+  EXPECT_EQ(state.userClicks(host::kIdOk), Refusal::Disabled);
 }
 
 TEST_F(PointsDialogTest, ReadsTheListsAndTicksOnOk) {
   useUsualDrawing();
   CExportPointsDlg dialog(host);
   DialogState state(dialog);
-  state.userTypes(kIdOutputStem, L"/r/x");
-  state.userSelects(kIdAlignments, L"B");
+  state.userTypes(host::kIdOutputStem, L"/r/x");
+  state.userSelects(host::kIdAlignments, L"B");
   state.userSelects(kGroups, L"one");
-  state.userTicks(kIdCheckExcel, false);
-  EXPECT_EQ(state.userClicks(kIdOk), Refusal::None);
-  EXPECT_EQ(state.closedWith(), kIdOk);
+  state.userTicks(host::kIdCheckExcel, false);
+  EXPECT_EQ(state.userClicks(host::kIdOk), Refusal::None);
+  EXPECT_EQ(state.closedWith(), host::kIdOk);
   EXPECT_EQ(dialog.siteText, L"S");
   EXPECT_EQ(dialog.alignmentText, L"B");
   EXPECT_EQ(dialog.groupText, L"one");
@@ -269,12 +271,12 @@ TEST_F(PointsDialogTest, ReadsTheListsAndTicksOnOk) {
 TEST_F(PointsDialogTest, ReadsEmptyTextsFromListsWithoutRows) {
   CExportPointsDlg dialog(host);
   DialogState state(dialog);
-  EXPECT_EQ(rows(state, kIdSites), L"");
-  EXPECT_EQ(rows(state, kIdAlignments), L"");
+  EXPECT_EQ(rows(state, host::kIdSites), L"");
+  EXPECT_EQ(rows(state, host::kIdAlignments), L"");
   EXPECT_EQ(dialog.siteIndex, -1);
   EXPECT_EQ(dialog.alignmentIndex, -1);
-  state.userTypes(kIdOutputStem, L"/r/x");
-  EXPECT_EQ(state.userClicks(kIdOk), Refusal::None) << "OK asks for no alignment";
+  state.userTypes(host::kIdOutputStem, L"/r/x");
+  EXPECT_EQ(state.userClicks(host::kIdOk), Refusal::None) << "OK asks for no alignment";
   EXPECT_EQ(dialog.siteText, L"");
   EXPECT_EQ(dialog.alignmentText, L"");
   EXPECT_EQ(dialog.groupText, L"picked");
@@ -282,11 +284,11 @@ TEST_F(PointsDialogTest, ReadsEmptyTextsFromListsWithoutRows) {
 
 TEST_F(PointsDialogTest, ReadsNothingFromTheControlsOnAPickOrOnCancel) {
   useUsualDrawing();
-  for (const int button : {kIdPickAlignment, kIdPickSecond, kIdCancel}) {
+  for (const int button : {host::kIdPickAlignment, host::kIdPickPoints, host::kIdCancel}) {
     CExportPointsDlg dialog(host);
     {
       DialogState state(dialog);
-      state.userSelects(kIdAlignments, L"B");
+      state.userSelects(host::kIdAlignments, L"B");
       state.userSelects(kGroups, L"one");
       EXPECT_EQ(state.userClicks(button), Refusal::None);
       EXPECT_EQ(state.closedWith(), button);
@@ -304,26 +306,27 @@ TEST_F(PointsDialogTest, KeepsSiteAlignmentAndStemButNoTicksBetweenOpenings) {
   CExportPointsDlg dialog(host);
   {
     DialogState state(dialog);
-    state.userSelects(kIdSites, L"T");
-    state.userTypes(kIdOutputStem, L"/r/x");
-    for (const int form : {kIdCheckAscii, kIdCheckExcel, kIdCheckThird}) state.userTicks(form, false);
-    state.userClicks(kIdPickAlignment);
+    state.userSelects(host::kIdSites, L"T");
+    state.userTypes(host::kIdOutputStem, L"/r/x");
+    for (const int form : {host::kIdCheckAscii, host::kIdCheckExcel, host::kIdCheckHtml}) state.userTicks(form, false);
+    state.userClicks(host::kIdPickAlignment);
   }
   {
     DialogState again(dialog);
-    EXPECT_EQ(rows(again, kIdSites), L"S|[T]");
-    EXPECT_EQ(rows(again, kIdAlignments), L"[C]");
-    EXPECT_EQ(again.text(kIdOutputStem), L"/r/x");
-    EXPECT_EQ(again.find(kIdOutputStem)->tip, L"/r/x");
-    EXPECT_TRUE(again.isEnabled(kIdOk));
-    for (const int form : {kIdCheckAscii, kIdCheckExcel, kIdCheckThird}) EXPECT_TRUE(again.isTicked(form));
-    again.userClicks(kIdPickAlignment);
+    EXPECT_EQ(rows(again, host::kIdSites), L"S|[T]");
+    EXPECT_EQ(rows(again, host::kIdAlignments), L"[C]");
+    EXPECT_EQ(again.text(host::kIdOutputStem), L"/r/x");
+    EXPECT_EQ(again.find(host::kIdOutputStem)->tip, L"/r/x");
+    EXPECT_TRUE(again.isEnabled(host::kIdOk));
+    for (const int form : {host::kIdCheckAscii, host::kIdCheckExcel, host::kIdCheckHtml})
+      EXPECT_TRUE(again.isTicked(form));
+    again.userClicks(host::kIdPickAlignment);
   }
   dialog.siteText = L"S";
   dialog.alignmentText = L"B";  // what a pick names
   const DialogState picked(dialog);
-  EXPECT_EQ(rows(picked, kIdSites), L"[S]|T");
-  EXPECT_EQ(rows(picked, kIdAlignments), L"A|[B]");
+  EXPECT_EQ(rows(picked, host::kIdSites), L"[S]|T");
+  EXPECT_EQ(rows(picked, host::kIdAlignments), L"A|[B]");
   EXPECT_EQ(companion.attachments, 1);
 }
 

@@ -6,6 +6,7 @@
 
 #include "dialogs/dialog_services.h"
 #include "framework/exceptions.h"
+#include "host/dialog_controls.h"
 #include "host/picking.h"
 #include "projection/projection_dialog.h"
 #include "report_drawing/report_drawing.h"
@@ -45,9 +46,9 @@ class ProjectionCommandTest : public testing::Test, public test::ReportDrawing {
   }
 };
 
-constexpr int kAscii = dialogs::kIdCheckAscii;
-constexpr int kExcel = dialogs::kIdCheckExcel;
-constexpr int kHtml = dialogs::kIdCheckThird;
+constexpr int kAscii = host::kIdCheckAscii;
+constexpr int kExcel = host::kIdCheckExcel;
+constexpr int kHtml = host::kIdCheckHtml;
 
 TEST_F(ProjectionCommandTest, WritesTheTickedFormsAndGivesEverythingBack) {
   const auto references = drawing.document.use_count();
@@ -78,11 +79,11 @@ TEST_F(ProjectionCommandTest, WritesNothingWithoutAWordWhereNoFormIsTicked) {
 
 TEST_F(ProjectionCommandTest, ReturnsToTheDialogWithTheFormerSelectionAfterEscape) {
   user.steps = {[](DialogState& state) {
-                  state.userSelects(dialogs::kIdAlignments, L"B");
-                  state.userClicks(dialogs::kIdPickAlignment);
+                  state.userSelects(host::kIdAlignments, L"B");
+                  state.userClicks(host::kIdPickAlignment);
                 },
                 [](DialogState& state) {
-                  EXPECT_EQ(state.selection(dialogs::kIdAlignments), 1);
+                  EXPECT_EQ(state.selection(host::kIdAlignments), 1);
                   state.userCloses();
                 }};
   runTime.picks = {{Kind::Escape, 0}};
@@ -92,9 +93,9 @@ TEST_F(ProjectionCommandTest, ReturnsToTheDialogWithTheFormerSelectionAfterEscap
 }
 
 TEST_F(ProjectionCommandTest, SelectsThePickedAlignmentAndSurface) {
-  user.steps = {click(dialogs::kIdPickAlignment), click(dialogs::kIdPickSecond), [](DialogState& state) {
-                  EXPECT_EQ(state.rowText(dialogs::kIdAlignments, state.selection(dialogs::kIdAlignments)), L"B");
-                  EXPECT_EQ(state.rowText(CMyDialog1::kIdSurfaces, state.selection(CMyDialog1::kIdSurfaces)), L"rock");
+  user.steps = {click(host::kIdPickAlignment), click(host::kIdPickSurface), [](DialogState& state) {
+                  EXPECT_EQ(state.rowText(host::kIdAlignments, state.selection(host::kIdAlignments)), L"B");
+                  EXPECT_EQ(state.rowText(host::kIdSurfaces, state.selection(host::kIdSurfaces)), L"rock");
                   state.userCloses();
                 }};
   runTime.picks = {{Kind::Object, 0xB}, {Kind::Object, 0x52}};
@@ -104,7 +105,7 @@ TEST_F(ProjectionCommandTest, SelectsThePickedAlignmentAndSurface) {
 }
 
 TEST_F(ProjectionCommandTest, PromptsAgainAfterAPickOfTheWrongClassWithoutReturningToTheDialog) {
-  user.steps = {click(dialogs::kIdPickSecond)};
+  user.steps = {click(host::kIdPickSurface)};
   runTime.picks = {{Kind::Object, 0xA}, {Kind::Escape, 0}};
   runProjectionReport(host);
   EXPECT_EQ(runTime.prompts.size(), 2U);
@@ -117,9 +118,9 @@ TEST_F(ProjectionCommandTest, LooksAPickedAlignmentsPositionUpInTheOtherList) {
   alignment(nullptr, L"Loose", 0x10);
   alignment(drawing.addSite(L"T"), L"C", 0xC);
   alignment(drawing.database->siteList->items.back(), L"D", 0xD);
-  user.steps = {click(dialogs::kIdPickAlignment), [](DialogState& state) {
-                  EXPECT_EQ(state.rowText(dialogs::kIdSites, state.selection(dialogs::kIdSites)), L"T");
-                  EXPECT_EQ(state.rowText(dialogs::kIdAlignments, state.selection(dialogs::kIdAlignments)), L"C")
+  user.steps = {click(host::kIdPickAlignment), [](DialogState& state) {
+                  EXPECT_EQ(state.rowText(host::kIdSites, state.selection(host::kIdSites)), L"T");
+                  EXPECT_EQ(state.rowText(host::kIdAlignments, state.selection(host::kIdAlignments)), L"C")
                       << "D was picked; its position names A in the other list, which T hasn't got";
                   state.userCloses();
                 }};
@@ -129,7 +130,7 @@ TEST_F(ProjectionCommandTest, LooksAPickedAlignmentsPositionUpInTheOtherList) {
 
 TEST_F(ProjectionCommandTest, TakesAnAlignmentThatNoSiteHoldsForAPickThatSelectsNothing) {
   runTime.addObject(host::kClassAlignment, 0xEE);
-  user.steps = {click(dialogs::kIdPickAlignment)};
+  user.steps = {click(host::kIdPickAlignment)};
   runTime.picks = {{Kind::Object, 0xEE}, {Kind::Object, 0xB}};
   runProjectionReport(host);
   EXPECT_EQ(runTime.prompts.size(), 1U);

@@ -4,6 +4,7 @@
 
 #include "dialogs/dialog_services.h"
 #include "framework/exceptions.h"
+#include "host/dialog_controls.h"
 #include "report_drawing/report_drawing.h"
 
 namespace lvx::projection {
@@ -40,44 +41,45 @@ class ProjectionDialogTest : public testing::Test, public test::ReportDrawing {
   }
 };
 
-constexpr int kGroups = kIdSampleLineGroups;
-constexpr int kSurfaces = CMyDialog1::kIdSurfaces;
+constexpr int kGroups = host::kIdSampleLineGroups;
+constexpr int kSurfaces = host::kIdSurfaces;
 
 TEST_F(ProjectionDialogTest, OpensOnTheFirstOfEverythingWithAllFormsTickedAndOkDisabled) {
   useUsualDrawing();
   CMyDialog1 dialog(host);
   const DialogState state(dialog);
   EXPECT_EQ(state.title(), L"Title");
-  EXPECT_EQ(rows(state, kIdSites), L"[S]");
-  EXPECT_EQ(rows(state, kIdAlignments), L"[A]|B");
+  EXPECT_EQ(rows(state, host::kIdSites), L"[S]");
+  EXPECT_EQ(rows(state, host::kIdAlignments), L"[A]|B");
   EXPECT_EQ(rows(state, kGroups), L"[g1]|g2");
   EXPECT_EQ(rows(state, kSurfaces), L"[ground]|rock");
-  for (const int form : {kIdCheckAscii, kIdCheckExcel, kIdCheckThird}) EXPECT_TRUE(state.isTicked(form));
-  EXPECT_FALSE(state.isEnabled(kIdOk));
-  EXPECT_EQ(state.text(kIdCheckThird), L"page");
-  EXPECT_EQ(state.text(kIdCancel), L"Cancel it");
-  EXPECT_EQ(state.text(kIdOk), L"OK") << "OK keeps the template's text";
+  for (const int form : {host::kIdCheckAscii, host::kIdCheckExcel, host::kIdCheckHtml})
+    EXPECT_TRUE(state.isTicked(form));
+  EXPECT_FALSE(state.isEnabled(host::kIdOk));
+  EXPECT_EQ(state.text(host::kIdCheckHtml), L"page");
+  EXPECT_EQ(state.text(host::kIdCancel), L"Cancel it");
+  EXPECT_EQ(state.text(host::kIdOk), L"OK") << "OK keeps the template's text";
 }
 
 TEST_F(ProjectionDialogTest, EnablesOkWithTheFirstCharacterOfAStemAndDisablesItWithTheLast) {
   useUsualDrawing();
   CMyDialog1 dialog(host);
   DialogState state(dialog);
-  EXPECT_EQ(state.userTypes(kIdOutputStem, L"/"), Refusal::None);
-  EXPECT_TRUE(state.isEnabled(kIdOk));
-  state.userTypes(kIdOutputStem, L"");
-  EXPECT_FALSE(state.isEnabled(kIdOk));
-  EXPECT_EQ(state.userClicks(kIdOk), Refusal::Disabled);
+  EXPECT_EQ(state.userTypes(host::kIdOutputStem, L"/"), Refusal::None);
+  EXPECT_TRUE(state.isEnabled(host::kIdOk));
+  state.userTypes(host::kIdOutputStem, L"");
+  EXPECT_FALSE(state.isEnabled(host::kIdOk));
+  EXPECT_EQ(state.userClicks(host::kIdOk), Refusal::Disabled);
 }
 
 TEST_F(ProjectionDialogTest, NeverEnablesOkWithoutASurface) {
   alignment(drawing.addSite(L"S"), L"A", {L"g"});
   CMyDialog1 dialog(host);
   DialogState state(dialog);
-  state.userTypes(kIdOutputStem, L"/r/x");
+  state.userTypes(host::kIdOutputStem, L"/r/x");
   state.userSelects(kGroups, 0);
   EXPECT_EQ(dialog.surfaceIndex, -1);
-  EXPECT_FALSE(state.isEnabled(kIdOk));
+  EXPECT_FALSE(state.isEnabled(host::kIdOk));
 }
 
 TEST_F(ProjectionDialogTest, KeepsOkDisabledWhereTheAlignmentHasNoSampleLineGroup) {
@@ -85,9 +87,9 @@ TEST_F(ProjectionDialogTest, KeepsOkDisabledWhereTheAlignmentHasNoSampleLineGrou
   drawing.addSurface(L"ground");
   CMyDialog1 dialog(host);
   DialogState state(dialog);
-  state.userTypes(kIdOutputStem, L"/r/x");
+  state.userTypes(host::kIdOutputStem, L"/r/x");
   EXPECT_EQ(dialog.groupIndex, -1);
-  EXPECT_FALSE(state.isEnabled(kIdOk));
+  EXPECT_FALSE(state.isEnabled(host::kIdOk));
 }
 
 TEST_F(ProjectionDialogTest, SelectsTheFirstAlignmentAndItsFirstGroupAfterAChangeOfSite) {
@@ -96,9 +98,9 @@ TEST_F(ProjectionDialogTest, SelectsTheFirstAlignmentAndItsFirstGroupAfterAChang
   alignment(other, L"C", {L"g4", L"g5"});
   CMyDialog1 dialog(host);
   DialogState state(dialog);
-  state.userTypes(kIdOutputStem, L"/r/x");
-  EXPECT_EQ(state.userSelects(kIdSites, L"T"), Refusal::None);
-  EXPECT_EQ(rows(state, kIdAlignments), L"[C]");
+  state.userTypes(host::kIdOutputStem, L"/r/x");
+  EXPECT_EQ(state.userSelects(host::kIdSites, L"T"), Refusal::None);
+  EXPECT_EQ(rows(state, host::kIdAlignments), L"[C]");
   EXPECT_EQ(rows(state, kGroups), L"[g4]|g5");
   EXPECT_EQ(dialog.siteText, L"T");
   EXPECT_EQ(dialog.alignmentText, L"C");
@@ -109,15 +111,15 @@ TEST_F(ProjectionDialogTest, LeavesTheGroupUnselectedAfterAChangeOfAlignmentWhil
   useUsualDrawing();
   CMyDialog1 dialog(host);
   DialogState state(dialog);
-  state.userTypes(kIdOutputStem, L"/r/x");
-  ASSERT_TRUE(state.isEnabled(kIdOk));
-  state.userSelects(kIdAlignments, L"B");
+  state.userTypes(host::kIdOutputStem, L"/r/x");
+  ASSERT_TRUE(state.isEnabled(host::kIdOk));
+  state.userSelects(host::kIdAlignments, L"B");
   EXPECT_EQ(rows(state, kGroups), L"g3") << "the new groups stand there, none of them selected";
   EXPECT_EQ(dialog.groupIndex, -1);
   EXPECT_EQ(dialog.groupText, L"");
-  EXPECT_TRUE(state.isEnabled(kIdOk)) << "nothing but the stem takes OK away again";
-  EXPECT_EQ(state.userClicks(kIdOk), Refusal::None);
-  EXPECT_EQ(state.closedWith(), kIdOk);
+  EXPECT_TRUE(state.isEnabled(host::kIdOk)) << "nothing but the stem takes OK away again";
+  EXPECT_EQ(state.userClicks(host::kIdOk), Refusal::None);
+  EXPECT_EQ(state.closedWith(), host::kIdOk);
   EXPECT_EQ(dialog.groupText, L"") << "the report then has its header alone";
   EXPECT_EQ(dialog.reportAlignmentText, L"B");
 }
@@ -126,11 +128,11 @@ TEST_F(ProjectionDialogTest, EnablesOkOnceTheMissingGroupIsChosen) {
   useUsualDrawing();
   CMyDialog1 dialog(host);
   DialogState state(dialog);
-  state.userSelects(kIdAlignments, L"B");
-  state.userTypes(kIdOutputStem, L"/r/x");
-  EXPECT_FALSE(state.isEnabled(kIdOk));
+  state.userSelects(host::kIdAlignments, L"B");
+  state.userTypes(host::kIdOutputStem, L"/r/x");
+  EXPECT_FALSE(state.isEnabled(host::kIdOk));
   state.userSelects(kGroups, L"g3");
-  EXPECT_TRUE(state.isEnabled(kIdOk));
+  EXPECT_TRUE(state.isEnabled(host::kIdOk));
   state.userSelects(kSurfaces, L"rock");
   EXPECT_EQ(dialog.surfaceText, L"rock");
 }
@@ -140,21 +142,21 @@ TEST_F(ProjectionDialogTest, FindsItsSelectionsByNameWhenItOpensAgain) {
   CMyDialog1 dialog(host);
   {
     DialogState state(dialog);
-    state.userTypes(kIdOutputStem, L"/r/x");
-    state.userSelects(kIdAlignments, L"B");
+    state.userTypes(host::kIdOutputStem, L"/r/x");
+    state.userSelects(host::kIdAlignments, L"B");
     state.userSelects(kGroups, L"g3");
     state.userSelects(kSurfaces, L"rock");
-    EXPECT_EQ(state.userClicks(kIdPickSecond), Refusal::None);
-    EXPECT_EQ(state.closedWith(), kIdPickSecond);
+    EXPECT_EQ(state.userClicks(host::kIdPickSurface), Refusal::None);
+    EXPECT_EQ(state.closedWith(), host::kIdPickSurface);
   }
   const DialogState again(dialog);
-  EXPECT_EQ(rows(again, kIdSites), L"[S]");
-  EXPECT_EQ(rows(again, kIdAlignments), L"A|[B]");
+  EXPECT_EQ(rows(again, host::kIdSites), L"[S]");
+  EXPECT_EQ(rows(again, host::kIdAlignments), L"A|[B]");
   EXPECT_EQ(rows(again, kGroups), L"[g3]");
   EXPECT_EQ(rows(again, kSurfaces), L"ground|[rock]");
-  EXPECT_EQ(again.text(kIdOutputStem), L"/r/x");
-  EXPECT_EQ(again.find(kIdOutputStem)->tip, L"/r/x");
-  EXPECT_TRUE(again.isEnabled(kIdOk));
+  EXPECT_EQ(again.text(host::kIdOutputStem), L"/r/x");
+  EXPECT_EQ(again.find(host::kIdOutputStem)->tip, L"/r/x");
+  EXPECT_TRUE(again.isEnabled(host::kIdOk));
   EXPECT_EQ(companion.attachments, 1) << "the model is reached once for the life of the dialog";
 }
 
@@ -173,12 +175,12 @@ TEST_F(ProjectionDialogTest, FallsBackToTheFirstRowWhenItOpensAgainOnTheRowWitho
   CMyDialog1 dialog(host);
   {
     DialogState state(dialog);
-    state.userSelects(kIdSites, L"*none*");
+    state.userSelects(host::kIdSites, L"*none*");
     EXPECT_EQ(dialog.siteText, L"*none*");
-    state.userClicks(kIdPickSecond);
+    state.userClicks(host::kIdPickSurface);
   }
   const DialogState again(dialog);
-  EXPECT_EQ(rows(again, kIdSites), L"[S]|*none*") << "the row's words are no site's name";
+  EXPECT_EQ(rows(again, host::kIdSites), L"[S]|*none*") << "the row's words are no site's name";
   EXPECT_EQ(dialog.siteText, L"S");
 }
 
@@ -187,12 +189,12 @@ TEST_F(ProjectionDialogTest, FallsBackToTheFirstRowForANameThatHasGone) {
   CMyDialog1 dialog(host);
   {
     DialogState state(dialog);
-    state.userClicks(kIdPickAlignment);
+    state.userClicks(host::kIdPickAlignment);
   }
   dialog.alignmentText = L"gone";
   dialog.surfaceText = L"gone too";
   const DialogState again(dialog);
-  EXPECT_EQ(rows(again, kIdAlignments), L"[A]|B");
+  EXPECT_EQ(rows(again, host::kIdAlignments), L"[A]|B");
   EXPECT_EQ(dialog.alignmentText, L"A");
   EXPECT_EQ(dialog.surfaceText, L"ground");
 }
@@ -204,15 +206,15 @@ TEST_F(ProjectionDialogTest, StaysUnattachedWhereTheModelIsOutOfReachAndTriesAga
   {
     DialogState state(dialog);
     EXPECT_EQ(dialog.loaded, 0);
-    EXPECT_EQ(rows(state, kIdSites), L"");
-    state.userTypes(kIdOutputStem, L"/r/x");
-    EXPECT_FALSE(state.isEnabled(kIdOk));
-    state.userClicks(kIdPickAlignment);
+    EXPECT_EQ(rows(state, host::kIdSites), L"");
+    state.userTypes(host::kIdOutputStem, L"/r/x");
+    EXPECT_FALSE(state.isEnabled(host::kIdOk));
+    state.userClicks(host::kIdPickAlignment);
   }
   companion.document = drawing.document;
   const DialogState again(dialog);
   EXPECT_EQ(dialog.loaded, 1);
-  EXPECT_EQ(rows(again, kIdSites), L"[S]");
+  EXPECT_EQ(rows(again, host::kIdSites), L"[S]");
   EXPECT_EQ(companion.attachments, 2);
 }
 
@@ -231,11 +233,11 @@ TEST_F(ProjectionDialogTest, KeepsOkDisabledForAFileNameThatIsNothingButAnExtens
   useUsualDrawing();
   CMyDialog1 dialog(host);
   DialogState state(dialog);
-  state.userTypes(kIdOutputStem, L"/r/x");
+  state.userTypes(host::kIdOutputStem, L"/r/x");
   host.users().paths = {L".txt"};
-  state.userClicks(kIdOutputFileBox);
+  state.userClicks(host::kIdOutputFileBox);
   EXPECT_EQ(dialog.outputStem, L"");
-  EXPECT_FALSE(state.isEnabled(kIdOk));
+  EXPECT_FALSE(state.isEnabled(host::kIdOk));
 }
 
 TEST_F(ProjectionDialogTest, ShowsEveryCaptionAsItsNumberWhereTheMessageFileIsMissing) {
@@ -244,8 +246,8 @@ TEST_F(ProjectionDialogTest, ShowsEveryCaptionAsItsNumberWhereTheMessageFileIsMi
   CMyDialog1 dialog(bare);
   const DialogState state(dialog);
   EXPECT_EQ(state.title(), L"*101*");
-  EXPECT_EQ(state.text(kIdLabelSite), L"*103*");
-  EXPECT_EQ(state.text(kIdCheckAscii), L"*114*");
+  EXPECT_EQ(state.text(host::kIdLabelSite), L"*103*");
+  EXPECT_EQ(state.text(host::kIdCheckAscii), L"*114*");
 }
 
 TEST_F(ProjectionDialogTest, RaisesTheInvalidArgumentExceptionForAnAlignmentThatTheOverallListDoesNotHold) {
@@ -259,13 +261,13 @@ TEST_F(ProjectionDialogTest, HasEveryPictureOnItsControl) {
   useUsualDrawing();
   CMyDialog1 dialog(host);
   const DialogState state(dialog);
-  EXPECT_EQ(state.find(270)->picture, kPictureSite);
-  EXPECT_EQ(state.find(271)->picture, kPictureAlignment);
-  EXPECT_EQ(state.find(273)->picture, kPictureSurface);
-  EXPECT_EQ(state.find(101)->picture, kPictureSampleLineGroup);
-  EXPECT_EQ(state.find(kIdPickAlignment)->picture, kPicturePick);
-  EXPECT_EQ(state.find(kIdPickSecond)->picture, kPicturePick);
-  EXPECT_EQ(state.find(kIdOutputFileBox)->picture, kPictureSave);
+  EXPECT_EQ(state.find(host::kIdPictureSite)->picture, kPictureSite);
+  EXPECT_EQ(state.find(host::kIdPictureAlignment)->picture, kPictureAlignment);
+  EXPECT_EQ(state.find(host::kIdPictureSurface)->picture, kPictureSurface);
+  EXPECT_EQ(state.find(host::kIdPictureSampleLineGroup)->picture, kPictureSampleLineGroup);
+  EXPECT_EQ(state.find(host::kIdPickAlignment)->picture, kPicturePick);
+  EXPECT_EQ(state.find(host::kIdPickSurface)->picture, kPicturePick);
+  EXPECT_EQ(state.find(host::kIdOutputFileBox)->picture, kPictureSave);
 }
 
 TEST_F(ProjectionDialogTest, HasItsControlsAndItsSize) {

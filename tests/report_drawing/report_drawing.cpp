@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "dialogs/dialog_services.h"
+#include "host/dialog_controls.h"
 #include "host/picking.h"
 #include "support/golden.h"
 
@@ -17,7 +18,7 @@ namespace lvx::test {
 using windowless::DialogState;
 
 int SteppingUser::runModal(host::DialogBehaviour& dialog, void*) {
-  if (dialog.dialogTemplate().name == "CMyDialog4") {
+  if (dialog.dialogTemplate().name == host::kAddSectionsDialog) {
     ++questions;
     return answer;
   }
@@ -79,8 +80,8 @@ void ReportDrawing::fillSiteTree(host::SiteTree& sites) const {
 
 SteppingUser::Step ReportDrawing::okWith(std::initializer_list<int> forms, const CString& stem) {
   return [forms = std::vector<int>(forms), typed = stem.empty() ? this->stem() : stem](DialogState& state) {
-    state.userTypes(dialogs::kIdOutputStem, typed);
-    for (const int form : {dialogs::kIdCheckAscii, dialogs::kIdCheckExcel, dialogs::kIdCheckThird})
+    state.userTypes(host::kIdOutputStem, typed);
+    for (const int form : {host::kIdCheckAscii, host::kIdCheckExcel, host::kIdCheckHtml})
       state.userTicks(form, std::find(forms.begin(), forms.end(), form) != forms.end());
     EXPECT_EQ(state.userClicks(host::kIdOk), windowless::Refusal::None);
   };

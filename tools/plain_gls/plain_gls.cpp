@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "gls/alignment_elements.h"
+#include "host/dialog_controls.h"
 #include "platform/posix/c_locale.h"
 #include "projection/sample_line_collector.h"
 #include "services/message_catalogue.h"

@@ -25,6 +25,7 @@
 #include "desktop/dialogs/modal_windows.h"
 #include "desktop/dialogs/picture_widgets.h"
 #include "framework/exceptions.h"
+#include "host/dialog_controls.h"
 
 namespace lvx::desktop {
 
