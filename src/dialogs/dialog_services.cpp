@@ -5,7 +5,6 @@
 
 #include "host/dialog_controls.h"
 #include "host/host.h"
-#include "platform/platform.h"
 #include "services/message_catalogue.h"
 
 namespace lvx::dialogs {
@@ -81,9 +80,5 @@ CString helpFilePath(host::Host& host) {
 }
 
 void showHelp(host::Host& host, const CString& page) { host.userInterface().showHelp(helpFilePath(host) + page); }
-
-bool fileExists(host::Host& host, const CString& path) { return host.platform().exists(path); }
-
-bool pathExists(host::Host& host, const CString& path) { return host.platform().exists(path); }
 
 }  // namespace lvx::dialogs

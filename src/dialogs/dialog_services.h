@@ -60,9 +60,4 @@ inline constexpr std::wstring_view kHelpProjection = L"::/project-resources/LVX_
 inline constexpr std::wstring_view kHelpPoints = L"::/project-resources/LVX_015_002.html";
 inline constexpr std::wstring_view kHelpGls = L"::/project-resources/LVX_015_003.html";
 
-/// True for anything that stands under the name.
-[[nodiscard]] bool fileExists(host::Host& host, const CString& path);
-/// True for a file and a folder alike; commands ask for the folder of an output stem.
-[[nodiscard]] bool pathExists(host::Host& host, const CString& path);
-
 }  // namespace lvx::dialogs

@@ -10,14 +10,18 @@ using host::BoxAnswer;
 using host::BoxButtons;
 using host::BoxIcon;
 
+bool fileExists(host::Host& host, const CString& path) { return host.platform().exists(path); }
+
+bool pathExists(host::Host& host, const CString& path) { return host.platform().exists(path); }
+
 bool mayWriteReport(host::Host& host, const CString& name) {
-  if (!host.platform().exists(name)) return true;
+  if (!fileExists(host, name)) return true;
   return host.userInterface().messageBox(name + L" " + getMessage(Message::OverwriteFile), BoxButtons::YesNo,
                                          BoxIcon::Question) == BoxAnswer::Yes;
 }
 
 bool mayWriteWorkbook(host::Host& host, const CString& name) {
-  if (!host.platform().exists(name)) return true;
+  if (!fileExists(host, name)) return true;
   if (!mayWriteReport(host, name)) return false;
   while (!host.platform().openFile(name, "w")) {
     if (host.userInterface().messageBox(name + L" " + getMessage(Message::RetryWriting), BoxButtons::RetryCancel,
@@ -33,7 +37,7 @@ StemFolder folderOfStem(host::Host& host, const CString& stem) {
   if (mark == CString::npos) return StemFolder::None;
   // A stem right below the root has the root itself as its folder.
   const CString folder = stem.substr(0, mark == 0 ? 1 : mark);
-  return host.platform().exists(folder) ? StemFolder::Exists : StemFolder::Missing;
+  return pathExists(host, folder) ? StemFolder::Exists : StemFolder::Missing;
 }
 
 bool mayWriteUnderStem(host::Host& host, const CString& stem) {

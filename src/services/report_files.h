@@ -11,6 +11,11 @@ namespace lvx::services {
 
 using framework::CString;
 
+/// True where something stands under the name of a file to be written, be it a folder.
+[[nodiscard]] bool fileExists(host::Host& host, const CString& path);
+/// The same of the folder of a file to be written, be it a file.
+[[nodiscard]] bool pathExists(host::Host& host, const CString& path);
+
 /// True where nothing stands under `name`, or the user agreed to overwrite it.
 [[nodiscard]] bool mayWriteReport(host::Host& host, const CString& name);
 

@@ -43,13 +43,6 @@ TEST(HelpFile, IsTheFoundOneOrItsBareName) {
             std::vector<CString>{L"/host/help/Vantor Lorvix Extension.chm::/project-resources/LVX_015_002.html"});
 }
 
-TEST(PathQuestions, AnswerForFilesAndFoldersAlike) {
-  test::FakeHost host;
-  EXPECT_TRUE(pathExists(host, host.folder()));
-  EXPECT_TRUE(fileExists(host, host.folder()));
-  EXPECT_FALSE(pathExists(host, host.folder() + L"nothing"));
-}
-
 /// A dialog with nothing but a picture, to see what setPictures hands over.
 class PictureWindow final : public DialogBehaviour {
  public:

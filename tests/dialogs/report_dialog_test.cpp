@@ -34,7 +34,10 @@ template <class Dialog>
 class ReportDialogTest : public testing::Test, public test::ReportDrawing {
  protected:
   ReportDialogTest() : roadway_(host) {
-    host.useMessageBytes("1 All|*.*||\r\n4 Cancel it\r\n109 *none*\r\n114 text\r\n115 sheet\r\n116 page\r\n");
+    host.useMessageBytes(
+        "1 All|*.*||\r\n4 Cancel it\r\n101 Projection\r\n109 *none*\r\n114 text\r\n115 sheet\r\n116 page\r\n201 "
+        "Points\r\n"
+        "301 GLS\r\n");
     const auto site = drawing.addSite(L"S");
     for (const CString name : {L"A", L"B"}) {
       const auto axis = addAlignment(site, name);
@@ -68,6 +71,38 @@ TYPED_TEST(ReportDialogTest, LaysItsControlsOutInsideItsWindow) {
     EXPECT_LE(control.rectangle.y + control.rectangle.height, made.height);
     EXPECT_EQ(made.find(control.id), &control) << "an id stands once";
   }
+}
+
+TYPED_TEST(ReportDialogTest, OpensOnTheFirstAlignmentWithAllFormsTickedAndOkDisabled) {
+  TypeParam dialog(this->host);
+  const DialogState state(dialog);
+  EXPECT_EQ(state.title(), (std::is_same_v<TypeParam, CMyDialog1>         ? L"Projection"
+                            : std::is_same_v<TypeParam, CExportPointsDlg> ? L"Points"
+                                                                          : L"GLS"));
+  EXPECT_EQ(rows(state, host::kIdSites), L"[S]");
+  EXPECT_EQ(rows(state, host::kIdAlignments), L"[A]|B");
+  for (const int form : kForms) EXPECT_TRUE(state.isTicked(form));
+  EXPECT_FALSE(state.isEnabled(host::kIdOk));
+  EXPECT_EQ(state.text(host::kIdCheckHtml), L"page");
+  EXPECT_EQ(state.text(host::kIdCancel), L"Cancel it");
+  EXPECT_EQ(state.text(host::kIdOk), L"OK") << "OK keeps the template's text";
+}
+
+TYPED_TEST(ReportDialogTest, EnablesOkWithTheFirstCharacterOfAStem) {
+  TypeParam dialog(this->host);
+  DialogState state(dialog);
+  EXPECT_EQ(state.userTypes(host::kIdOutputStem, L"/"), Refusal::None);
+  EXPECT_TRUE(state.isEnabled(host::kIdOk));
+}
+
+TYPED_TEST(ReportDialogTest, HasThePicturesOfSiteAlignmentAndButtons) {
+  TypeParam dialog(this->host);
+  const DialogState state(dialog);
+  EXPECT_EQ(state.find(host::kIdPictureSite)->picture, kPictureSite);
+  EXPECT_EQ(state.find(host::kIdPictureAlignment)->picture, kPictureAlignment);
+  EXPECT_EQ(state.find(host::kIdPickAlignment)->picture, kPicturePick);
+  EXPECT_EQ(state.find(dialog.secondPick())->picture, kPicturePick);
+  EXPECT_EQ(state.find(host::kIdOutputFileBox)->picture, kPictureSave);
 }
 
 TYPED_TEST(ReportDialogTest, NeverShowsASiteWithoutAlignments) {

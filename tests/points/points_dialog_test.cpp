@@ -45,17 +45,13 @@ class PointsDialogTest : public testing::Test, public test::ReportDrawing {
   }
 };
 
-TEST_F(PointsDialogTest, OpensOnTheFirstOfEverythingWithAllFormsTickedAndOkDisabled) {
+TEST_F(PointsDialogTest, OpensOnTheFirstGroupAndCountsItsPoints) {
   useUsualDrawing();
   CExportPointsDlg dialog(host);
   const DialogState state(dialog);
   EXPECT_EQ(rows(state, host::kIdSites), L"[S]|T");
-  EXPECT_EQ(rows(state, host::kIdAlignments), L"[A]|B");
   EXPECT_EQ(rows(state, kGroups), L"[two]|one|none|picked");
   EXPECT_EQ(state.text(kCount), L"2 points");
-  for (const int form : {host::kIdCheckAscii, host::kIdCheckExcel, host::kIdCheckHtml})
-    EXPECT_TRUE(state.isTicked(form));
-  EXPECT_FALSE(state.isEnabled(host::kIdOk));
 }
 
 TEST_F(PointsDialogTest, TakesEveryCaptionFromTheMessages) {
@@ -83,17 +79,12 @@ TEST_F(PointsDialogTest, TakesEveryCaptionFromTheMessages) {
   for (const Row& row : table) EXPECT_EQ(state.text(row.id), row.text) << row.id;
 }
 
-TEST_F(PointsDialogTest, HasEveryPictureOnItsControl) {
+TEST_F(PointsDialogTest, HasThePicturesOfPointGroupsAndPoints) {
   useUsualDrawing();
   CExportPointsDlg dialog(host);
   const DialogState state(dialog);
-  EXPECT_EQ(state.find(host::kIdPictureSite)->picture, kPictureSite);
-  EXPECT_EQ(state.find(host::kIdPictureAlignment)->picture, kPictureAlignment);
   EXPECT_EQ(state.find(host::kIdPicturePointGroup)->picture, kPicturePointGroup);
   EXPECT_EQ(state.find(host::kIdPicturePointCount)->picture, kPicturePoint);
-  EXPECT_EQ(state.find(host::kIdPickAlignment)->picture, kPicturePick);
-  EXPECT_EQ(state.find(host::kIdPickPoints)->picture, kPicturePick);
-  EXPECT_EQ(state.find(host::kIdOutputFileBox)->picture, kPictureSave);
 }
 
 TEST_F(PointsDialogTest, HasItsControlsAndItsSize) {

@@ -31,6 +31,15 @@ class ReportFilesTest : public testing::Test {
   CString name_;
 };
 
+TEST_F(ReportFilesTest, ItsQuestionsAnswerForFilesAndFoldersAlike) {
+  for (const auto exists : {fileExists, pathExists}) {
+    EXPECT_FALSE(exists(host_, name_));
+    EXPECT_TRUE(exists(host_, host_.folder()));
+  }
+  makeFile();
+  for (const auto exists : {fileExists, pathExists}) EXPECT_TRUE(exists(host_, name_));
+}
+
 TEST_F(ReportFilesTest, AsksNothingForANewFile) {
   EXPECT_TRUE(mayWriteReport(host_, name_));
   EXPECT_TRUE(mayWriteWorkbook(host_, name_));
