@@ -22,39 +22,45 @@ const Row* findByKey(const std::vector<Row>& rows, Key Row::*key, Key wanted) {
 }  // namespace
 
 DrawingIndex::DrawingIndex(const Drawing& drawing) {
-  const auto add = [this](ObjectKind kind, const auto& object) {
-    if (object.handle != 0) handles_.push_back({object.handle, {kind, &object}});
+  const auto add = [this](const auto& object, const AlignmentObject* alignment) {
+    if (object.handle != 0) objects_.push_back({object.handle, {&object, alignment}});
   };
   const auto addSite = [&](const Site& site) {
-    add(ObjectKind::Site, site);
+    add(site, nullptr);
     for (const auto& alignment : site.alignments) {
       if (!alignment) continue;
-      add(ObjectKind::Alignment, *alignment);
-      for (const ProfileObject& profile : alignment->profiles) add(ObjectKind::Profile, profile);
+      add(*alignment, alignment.get());
+      for (const ProfileObject& profile : alignment->profiles) add(profile, alignment.get());
       for (const SampleLineGroup& group : alignment->sampleLineGroups) {
-        add(ObjectKind::SampleLineGroup, group);
-        for (const SampleLine& line : group.lines) add(ObjectKind::SampleLine, line);
+        add(group, alignment.get());
+        for (const SampleLine& line : group.lines) add(line, alignment.get());
       }
     }
   };
-  handles_.reserve(drawing.points.size());
-  numbers_.reserve(drawing.points.size());
   addSite(drawing.siteless);
   for (const Site& site : drawing.sites) addSite(site);
-  for (const SurfaceObject& surface : drawing.surfaces) add(ObjectKind::Surface, surface);
+  for (const SurfaceObject& surface : drawing.surfaces) add(surface, nullptr);
+  points_.reserve(drawing.points.size());
+  numbers_.reserve(drawing.points.size());
   for (const Point& point : drawing.points) {
-    add(ObjectKind::Point, point);
+    if (point.handle != 0) points_.push_back({point.handle, &point});
     numbers_.push_back({point.number, &point});
   }
-  for (const PointGroup& group : drawing.pointGroups) add(ObjectKind::PointGroup, group);
-  for (const Corridor& corridor : drawing.corridors) add(ObjectKind::Corridor, corridor);
-  sortByKey(handles_, &HandleRow::handle);
+  for (const PointGroup& group : drawing.pointGroups) add(group, nullptr);
+  for (const Corridor& corridor : drawing.corridors) add(corridor, nullptr);
+  sortByKey(objects_, &ObjectRow::handle);
+  sortByKey(points_, &PointRow::handle);
   sortByKey(numbers_, &NumberRow::number);
 }
 
-const DrawingIndex::Entry* DrawingIndex::byHandle(Handle handle) const {
-  const HandleRow* row = findByKey(handles_, &HandleRow::handle, handle);
-  return row ? &row->entry : nullptr;
+std::optional<DrawingIndex::Entry> DrawingIndex::byHandle(Handle handle) const {
+  const ObjectRow* const object = findByKey(objects_, &ObjectRow::handle, handle);
+  // Points stand in the drawing between the kinds in front of theirs and those behind it.
+  if (object == nullptr || object->entry.kind() > ObjectKind::Point) {
+    if (const PointRow* const row = findByKey(points_, &PointRow::handle, handle)) return Entry{row->point, nullptr};
+  }
+  if (object == nullptr) return std::nullopt;
+  return object->entry;
 }
 
 const Point* DrawingIndex::pointByNumber(std::int32_t number) const {

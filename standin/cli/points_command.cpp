@@ -44,7 +44,7 @@ std::string planPicked(const runtime::OpenDrawing& drawing, const std::vector<Nu
   if (!quiet) {
     tellWithoutElevation(
         static_cast<std::size_t>(std::count_if(handles.begin(), handles.end(), [&drawing](civil::Handle handle) {
-          return !static_cast<const civil::Point*>(drawing.index().byHandle(handle)->object)->hasElevation;
+          return !drawing.index().byHandle(handle)->as<civil::Point>()->hasElevation;
         })));
   }
   frontEnd.selectPoints(std::move(handles));

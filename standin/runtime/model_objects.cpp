@@ -4,6 +4,7 @@
 #include <deque>
 #include <memory>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "host/run_time.h"
@@ -194,37 +195,30 @@ class Document final : public ModelObject<host::QmtDocument, ModelKind::Document
   [[nodiscard]] Ref<host::QmtPointList> points() override { return std::make_shared<PointList>(drawing()); }
 
   [[nodiscard]] Ref<host::QmtObject> objectFromId(VnDbObjectId id) override {
-    const civil::DrawingIndex::Entry* entry = drawing()->index().byHandle(id.value);
-    if (entry == nullptr) return nullptr;
-    switch (entry->kind) {
-      case civil::ObjectKind::Site:
-        return wrap<Site, civil::Site>(*entry);
-      case civil::ObjectKind::Alignment:
-        return wrap<Alignment, civil::AlignmentObject>(*entry);
-      case civil::ObjectKind::Profile:
-        return wrap<Profile, civil::ProfileObject>(*entry);
-      case civil::ObjectKind::SampleLineGroup:
-        return wrap<SampleLineGroup, civil::SampleLineGroup>(*entry);
-      case civil::ObjectKind::SampleLine:
-        return wrap<SampleLine, civil::SampleLine>(*entry);
-      case civil::ObjectKind::Surface:
-        return wrap<Surface, civil::SurfaceObject>(*entry);
-      case civil::ObjectKind::Point:
-        return wrap<Point, civil::Point>(*entry);
-      case civil::ObjectKind::PointGroup:
-        return wrap<PointGroup, civil::PointGroup>(*entry);
-      case civil::ObjectKind::Corridor:
-        // Corridors belong to the roadway side of the model, which has no look-up by identifier.
-        return nullptr;
-    }
-    return nullptr;
+    const auto entry = drawing()->index().byHandle(id.value);
+    if (!entry) return nullptr;
+    return std::visit([this](const auto* record) { return wrap(*record); }, entry->object);
   }
 
  private:
   template <class Wrapper, class Record>
-  [[nodiscard]] Ref<host::QmtObject> wrap(const civil::DrawingIndex::Entry& entry) const {
-    return std::make_shared<Wrapper>(drawing(), *static_cast<const Record*>(entry.object));
+  [[nodiscard]] Ref<host::QmtObject> make(const Record& record) const {
+    return std::make_shared<Wrapper>(drawing(), record);
   }
+  [[nodiscard]] Ref<host::QmtObject> wrap(const civil::Site& record) const { return make<Site>(record); }
+  [[nodiscard]] Ref<host::QmtObject> wrap(const civil::AlignmentObject& record) const {
+    return make<Alignment>(record);
+  }
+  [[nodiscard]] Ref<host::QmtObject> wrap(const civil::ProfileObject& record) const { return make<Profile>(record); }
+  [[nodiscard]] Ref<host::QmtObject> wrap(const civil::SampleLineGroup& record) const {
+    return make<SampleLineGroup>(record);
+  }
+  [[nodiscard]] Ref<host::QmtObject> wrap(const civil::SampleLine& record) const { return make<SampleLine>(record); }
+  [[nodiscard]] Ref<host::QmtObject> wrap(const civil::SurfaceObject& record) const { return make<Surface>(record); }
+  [[nodiscard]] Ref<host::QmtObject> wrap(const civil::Point& record) const { return make<Point>(record); }
+  [[nodiscard]] Ref<host::QmtObject> wrap(const civil::PointGroup& record) const { return make<PointGroup>(record); }
+  /// Corridors belong to the roadway side of the model, which has no look-up by identifier.
+  [[nodiscard]] Ref<host::QmtObject> wrap(const civil::Corridor& /*record*/) const { return nullptr; }
 };
 
 class Database final : public ModelObject<host::QmtDatabase, ModelKind::Database> {

@@ -147,8 +147,8 @@ std::int32_t StandinRunTime::vnedFindFile(const CString& name, CString& path, st
 
 // ---------------------------------------------------------------- picking
 
-const civil::DrawingIndex::Entry* StandinRunTime::find(civil::Handle handle) const {
-  return drawing_ ? drawing_->index().byHandle(handle) : nullptr;
+std::optional<civil::DrawingIndex::Entry> StandinRunTime::find(civil::Handle handle) const {
+  return drawing_ ? drawing_->index().byHandle(handle) : std::nullopt;
 }
 
 std::int32_t StandinRunTime::vnedEntSel(const CString& prompt, EntityName& entity, host::PickPoint& point) {
@@ -163,7 +163,7 @@ std::int32_t StandinRunTime::vnedEntSel(const CString& prompt, EntityName& entit
 std::int32_t StandinRunTime::vndbGetObjectId(host::VnDbObjectId& id, const EntityName& entity) {
   observe("vndbGetObjectId");
   const auto handle = static_cast<civil::Handle>(entity.words[0]);
-  if (entity.words[1] != 0 || find(handle) == nullptr) return kNoSuchObject;
+  if (entity.words[1] != 0 || !find(handle)) return kNoSuchObject;
   id.value = handle;
   return host::kSuccess;
 }
@@ -172,15 +172,15 @@ std::int32_t StandinRunTime::vndbOpenObject(host::VnDbObject*& object, host::VnD
                                             bool /*openErased*/) {
   observe("vndbOpenObject");
   constexpr std::int32_t kForReading = 0;
-  const civil::DrawingIndex::Entry* entry = find(id.value);
-  if (entry == nullptr || mode != kForReading) return kNoSuchObject;
-  object = std::make_unique<OpenObject>(id.value, entry->kind, openObjects_).release();
+  const auto entry = find(id.value);
+  if (!entry || mode != kForReading) return kNoSuchObject;
+  object = std::make_unique<OpenObject>(id.value, entry->kind(), openObjects_).release();
   return host::kSuccess;
 }
 
 host::VnDbHandle StandinRunTime::handle(host::VnDbObjectId id) {
   observe("handle");
-  return host::VnDbHandle(find(id.value) == nullptr ? 0 : id.value);
+  return host::VnDbHandle(find(id.value) ? id.value : 0);
 }
 
 // ---------------------------------------------------------------- selection sets
@@ -209,9 +209,9 @@ std::int32_t StandinRunTime::vnedSSGet(const CString& /*mode*/, const host::Sele
   if (!chosen) return host::kUserGaveUp;
   std::unordered_set<civil::Handle> selected;
   std::erase_if(*chosen, [&](civil::Handle handle) {
-    const civil::DrawingIndex::Entry* entry = find(handle);
+    const auto entry = find(handle);
     // A set holds an object once: selecting it again changes nothing.
-    return entry == nullptr || (!wanted.empty() && wanted != classOf(entry->kind).classTag()) ||
+    return !entry || (!wanted.empty() && wanted != classOf(entry->kind()).classTag()) ||
            !selected.insert(handle).second;
   });
   if (chosen->empty()) return host::kUserGaveUp;

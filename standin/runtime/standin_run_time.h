@@ -75,7 +75,7 @@ class StandinRunTime final : public host::RunTime {
   void observe(const char* function) const {
     if (callObserver) callObserver(function);
   }
-  [[nodiscard]] const civil::DrawingIndex::Entry* find(civil::Handle handle) const;
+  [[nodiscard]] std::optional<civil::DrawingIndex::Entry> find(civil::Handle handle) const;
   /// Null for a name that stands for no set.
   [[nodiscard]] std::vector<civil::Handle>* findSelection(const host::EntityName& selection);
   host::EntityName addSelection(std::vector<civil::Handle> handles);

@@ -7,6 +7,7 @@
 #include <limits>
 #include <unordered_set>
 #include <utility>
+#include <variant>
 
 #include "view/surface_border.h"
 
@@ -138,20 +139,15 @@ bool touches(const SurfaceShape& shape, const Box& box) {
 
 struct PlanScene::Named {
   Handle handle = 0;
-  ObjectKind kind = ObjectKind::Alignment;
-  const std::string* name = nullptr;
-  const void* object = nullptr;
+  civil::DrawingEntry entry;
 };
 
 PlanScene::PlanScene(const Drawing& drawing, const Progress& progress) : drawing_(drawing) {
   addAlignments(drawing.siteless);
   for (const Site& site : drawing.sites) addAlignments(site);
-  for (const civil::PointGroup& group : drawing.pointGroups)
-    named_.push_back({group.handle, ObjectKind::PointGroup, &group.name, &group});
-  for (const Corridor& corridor : drawing.corridors)
-    named_.push_back({corridor.handle, ObjectKind::Corridor, &corridor.name, &corridor});
-  for (const SurfaceObject& surface : drawing.surfaces)
-    named_.push_back({surface.handle, ObjectKind::Surface, &surface.name, &surface});
+  for (const civil::PointGroup& group : drawing.pointGroups) named_.push_back({group.handle, {&group}});
+  for (const Corridor& corridor : drawing.corridors) named_.push_back({corridor.handle, {&corridor}});
+  for (const SurfaceObject& surface : drawing.surfaces) named_.push_back({surface.handle, {&surface}});
   // Of several objects with one handle the first counts.
   std::stable_sort(named_.begin(), named_.end(), [](const Named& a, const Named& b) { return a.handle < b.handle; });
 
@@ -184,18 +180,18 @@ PlanScene::PlanScene(const Drawing& drawing, const Progress& progress) : drawing
 PlanScene::~PlanScene() = default;
 
 void PlanScene::addAlignments(const Site& site) {
-  named_.push_back({site.handle, ObjectKind::Site, &site.name, &site});
+  named_.push_back({site.handle, {&site}});
   for (const auto& alignment : site.alignments) {
     if (!alignment) continue;
     alignments_.push_back({alignment.get(), boxAround(alignment->geometry)});
-    named_.push_back({alignment->handle, ObjectKind::Alignment, &alignment->name, alignment.get()});
+    named_.push_back({alignment->handle, {alignment.get(), alignment.get()}});
     for (const civil::ProfileObject& profile : alignment->profiles)
-      named_.push_back({profile.handle, ObjectKind::Profile, &profile.name, alignment.get()});
+      named_.push_back({profile.handle, {&profile, alignment.get()}});
     for (const SampleLineGroup& group : alignment->sampleLineGroups) {
-      named_.push_back({group.handle, ObjectKind::SampleLineGroup, &group.name, &group});
+      named_.push_back({group.handle, {&group, alignment.get()}});
       for (const SampleLine& line : group.lines) {
         sampleLines_.push_back({&line, group.handle, boxAround(line.vertices)});
-        named_.push_back({line.handle, ObjectKind::SampleLine, &line.name, &line});
+        named_.push_back({line.handle, {&line, alignment.get()}});
       }
     }
   }
@@ -325,38 +321,25 @@ std::optional<Box> PlanScene::boxOf(Handle handle) const {
   if (const Point* point = findPoint(handle)) {
     if (isFinite(placeOf(*point))) extend(box, placeOf(*point));
   } else if (const Named* named = find(handle)) {
-    switch (named->kind) {
-      case ObjectKind::Site:
-        for (const auto& alignment : static_cast<const Site*>(named->object)->alignments)
-          if (alignment) extend(box, boxAround(alignment->geometry));
-        break;
-      case ObjectKind::Alignment:
-      case ObjectKind::Profile:  // its alignment stands for it
-        extend(box, boxAround(static_cast<const AlignmentObject*>(named->object)->geometry));
-        break;
-      case ObjectKind::SampleLineGroup:
-        for (const SampleLine& line : static_cast<const SampleLineGroup*>(named->object)->lines)
-          extend(box, boxAround(line.vertices));
-        break;
-      case ObjectKind::SampleLine:
-        extend(box, boxAround(static_cast<const SampleLine*>(named->object)->vertices));
-        break;
-      case ObjectKind::Surface:
-        extend(box, static_cast<const SurfaceObject*>(named->object)->surface.box());
-        break;
-      case ObjectKind::PointGroup: {
-        const auto& numbers = static_cast<const civil::PointGroup*>(named->object)->numbers;
-        const std::unordered_set<std::int32_t> members(numbers.begin(), numbers.end());
-        for (const Point& member : drawing_.points)
-          if (members.contains(member.number) && isFinite(placeOf(member))) extend(box, placeOf(member));
-        break;
-      }
-      case ObjectKind::Corridor:
-        for (const CorridorShape& shape : corridors_)
-          if (shape.object == named->object) extend(box, shape.box);
-        break;
-      case ObjectKind::Point:
-        break;  // found above
+    const civil::DrawingEntry& entry = named->entry;
+    if (const auto* const site = entry.as<Site>()) {
+      for (const auto& alignment : site->alignments)
+        if (alignment) extend(box, boxAround(alignment->geometry));
+    } else if (const auto* const group = entry.as<SampleLineGroup>()) {
+      for (const SampleLine& line : group->lines) extend(box, boxAround(line.vertices));
+    } else if (const auto* const line = entry.as<SampleLine>()) {
+      extend(box, boxAround(line->vertices));
+    } else if (entry.alignment != nullptr) {  // its own, or the one that stands for a profile
+      extend(box, boxAround(entry.alignment->geometry));
+    } else if (const auto* const surface = entry.as<SurfaceObject>()) {
+      extend(box, surface->surface.box());
+    } else if (const auto* const points = entry.as<civil::PointGroup>()) {
+      const std::unordered_set<std::int32_t> members(points->numbers.begin(), points->numbers.end());
+      for (const Point& member : drawing_.points)
+        if (members.contains(member.number) && isFinite(placeOf(member))) extend(box, placeOf(member));
+    } else if (const auto* const corridor = entry.as<Corridor>()) {
+      for (const CorridorShape& shape : corridors_)
+        if (shape.object == corridor) extend(box, shape.box);
     }
   }
   if (box.isEmpty()) return std::nullopt;
@@ -364,7 +347,9 @@ std::optional<Box> PlanScene::boxOf(Handle handle) const {
 }
 
 std::optional<Description> PlanScene::describe(Handle handle) const {
-  if (const Named* named = find(handle)) return Description{named->kind, *named->name};
+  if (const Named* named = find(handle))
+    return Description{named->entry.kind(),
+                       std::visit([](const auto* object) { return object->name; }, named->entry.object)};
   if (const Point* point = findPoint(handle)) return Description{ObjectKind::Point, nameOf(*point)};
   return std::nullopt;
 }

@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <iterator>
+#include <optional>
+
 #include <gtest/gtest.h>
 
 #include "civil/drawing.h"
@@ -44,36 +48,45 @@ TEST(DrawingIndex, FindsEveryKindByItsHandle) {
   const struct {
     Handle handle;
     ObjectKind kind;
-    const void* object;
+    DrawingEntry entry;
   } rows[] = {
-      {0x100, ObjectKind::Site, &drawing.siteless},
-      {0x101, ObjectKind::Site, &drawing.sites[0]},
-      {0x102, ObjectKind::Alignment, &alignment},
-      {0x103, ObjectKind::Profile, &alignment.profiles[0]},
-      {0x104, ObjectKind::SampleLineGroup, &alignment.sampleLineGroups[0]},
-      {0x105, ObjectKind::SampleLine, &alignment.sampleLineGroups[0].lines[0]},
-      {0x9, ObjectKind::SampleLine, &alignment.sampleLineGroups[0].lines[1]},
-      {0x107, ObjectKind::Surface, &drawing.surfaces[0]},
-      {0x108, ObjectKind::Point, &drawing.points[0]},
-      {0x10A, ObjectKind::Point, &drawing.points[2]},
-      {0x10B, ObjectKind::PointGroup, &drawing.pointGroups[0]},
-      {0xFFFFFFFFFFFFFFFF, ObjectKind::Corridor, &drawing.corridors[0]},
+      {0x100, ObjectKind::Site, {&drawing.siteless}},
+      {0x101, ObjectKind::Site, {&drawing.sites[0]}},
+      {0x102, ObjectKind::Alignment, {&alignment, &alignment}},
+      {0x103, ObjectKind::Profile, {&alignment.profiles[0], &alignment}},
+      {0x104, ObjectKind::SampleLineGroup, {&alignment.sampleLineGroups[0], &alignment}},
+      {0x105, ObjectKind::SampleLine, {&alignment.sampleLineGroups[0].lines[0], &alignment}},
+      {0x9, ObjectKind::SampleLine, {&alignment.sampleLineGroups[0].lines[1], &alignment}},
+      {0x107, ObjectKind::Surface, {&drawing.surfaces[0]}},
+      {0x108, ObjectKind::Point, {&drawing.points[0]}},
+      {0x10A, ObjectKind::Point, {&drawing.points[2]}},
+      {0x10B, ObjectKind::PointGroup, {&drawing.pointGroups[0]}},
+      {0xFFFFFFFFFFFFFFFF, ObjectKind::Corridor, {&drawing.corridors[0]}},
   };
   for (const auto& row : rows) {
-    const auto* entry = index.byHandle(row.handle);
-    ASSERT_NE(entry, nullptr) << row.handle;
-    EXPECT_EQ(entry->kind, row.kind) << row.handle;
-    EXPECT_EQ(entry->object, row.object) << row.handle;
+    const auto entry = index.byHandle(row.handle);
+    ASSERT_TRUE(entry) << row.handle;
+    EXPECT_EQ(entry->kind(), row.kind) << row.handle;
+    EXPECT_EQ(entry->object, row.entry.object) << row.handle;
+    EXPECT_EQ(entry->alignment, row.entry.alignment) << row.handle;
   }
   EXPECT_EQ(std::size(rows), 12u);
+}
+
+TEST(DrawingIndex, GivesAnObjectOnlyAsItsOwnKind) {
+  const Drawing drawing = drawingOfEveryKind();
+  const auto entry = DrawingIndex(drawing).byHandle(0x107);
+  ASSERT_TRUE(entry);
+  EXPECT_EQ(entry->as<SurfaceObject>(), &drawing.surfaces[0]);
+  EXPECT_EQ(entry->as<AlignmentObject>(), nullptr);
 }
 
 TEST(DrawingIndex, FindsNothingForNoHandleAndForOthers) {
   const Drawing drawing = drawingOfEveryKind();
   const DrawingIndex index(drawing);
-  EXPECT_EQ(index.byHandle(0), nullptr);
-  EXPECT_EQ(index.byHandle(0x106), nullptr);
-  EXPECT_EQ(DrawingIndex(Drawing()).byHandle(0x100), nullptr);
+  EXPECT_FALSE(index.byHandle(0));
+  EXPECT_FALSE(index.byHandle(0x106));
+  EXPECT_FALSE(DrawingIndex(Drawing()).byHandle(0x100));
 }
 
 TEST(DrawingIndex, GivesTheFirstPointOfANumber) {
@@ -85,9 +98,17 @@ TEST(DrawingIndex, GivesTheFirstPointOfANumber) {
 }
 
 TEST(DrawingIndex, GivesTheFirstObjectOfAHandle) {
-  Drawing drawing = drawingOfEveryKind();
-  drawing.points[1].handle = 0x101;
-  EXPECT_EQ(DrawingIndex(drawing).byHandle(0x101)->kind, ObjectKind::Site);
+  // In the order of the lists: points stand behind sites and surfaces, and in front of groups and corridors.
+  for (const Handle handle : {Handle{0x101}, Handle{0x107}, Handle{0x108}, Handle{0x10B}, Handle{0xFFFFFFFFFFFFFFFF}}) {
+    Drawing drawing = drawingOfEveryKind();
+    const ObjectKind alone = DrawingIndex(drawing).byHandle(handle)->kind();
+    drawing.points[1].handle = handle;
+    const auto entry = DrawingIndex(drawing).byHandle(handle);
+    EXPECT_EQ(entry->kind(), std::min(alone, ObjectKind::Point)) << handle;
+    if (alone == ObjectKind::Point) {
+      EXPECT_EQ(entry->as<Point>(), &drawing.points[0]);
+    }
+  }
 }
 
 TEST(DrawingIndex, FindsPointsInNoOrder) {
@@ -97,7 +118,7 @@ TEST(DrawingIndex, FindsPointsInNoOrder) {
   const DrawingIndex index(drawing);
   for (const Point& p : drawing.points) {
     ASSERT_EQ(index.pointByNumber(p.number), &p);
-    ASSERT_EQ(index.byHandle(p.handle)->object, &p);
+    ASSERT_EQ(index.byHandle(p.handle)->as<Point>(), &p);
   }
 }
 

@@ -818,45 +818,25 @@ void MainWindow::fillRecent() {
 // ---------------------------------------------------------------- looking
 
 const civil::AlignmentObject* MainWindow::alignmentOf(civil::Handle handle) const {
-  const auto& index = session_->drawing()->index();
-  const civil::DrawingIndex::Entry* const entry = index.byHandle(handle);
-  if (entry == nullptr) return nullptr;
-  if (entry->kind == civil::ObjectKind::Alignment) return static_cast<const civil::AlignmentObject*>(entry->object);
-  const auto holds = [&](const civil::AlignmentObject& alignment) {
-    for (const civil::ProfileObject& profile : alignment.profiles)
-      if (profile.handle == handle) return true;
-    for (const civil::SampleLineGroup& group : alignment.sampleLineGroups) {
-      if (group.handle == handle) return true;
-      for (const civil::SampleLine& line : group.lines)
-        if (line.handle == handle) return true;
-    }
-    return false;
-  };
-  const civil::Drawing& drawing = session_->drawing()->drawing();
-  for (const auto& alignment : drawing.siteless.alignments)
-    if (holds(*alignment)) return alignment.get();
-  for (const civil::Site& site : drawing.sites)
-    for (const auto& alignment : site.alignments)
-      if (holds(*alignment)) return alignment.get();
-  return nullptr;
+  const auto entry = session_->drawing()->index().byHandle(handle);
+  return entry ? entry->alignment : nullptr;
 }
 
 void MainWindow::select(civil::Handle handle, const QObject* from) {
   selected_.clear();
-  const civil::DrawingIndex::Entry* const entry =
-      session_->drawing() && handle != 0 ? session_->drawing()->index().byHandle(handle) : nullptr;
-  if (entry != nullptr) selected_.push_back(handle);
+  const auto entry = session_->drawing() ? session_->drawing()->index().byHandle(handle) : std::nullopt;
+  if (entry) selected_.push_back(handle);
   plan_->setSelected(shownFor(handle));
   if (from != tree_) tree_->reveal(handle);
   zoomSelection_->setEnabled(!selected_.empty());
-  if (entry == nullptr) return;
+  if (!entry) return;
 
   const civil::Drawing& drawing = session_->drawing()->drawing();
   if (const civil::AlignmentObject* const alignment = alignmentOf(handle)) {
     useAlignment(alignment);
     if (profile_->alignment() != alignment->handle) profile_->show(drawing, alignment->handle);
   }
-  switch (entry->kind) {
+  switch (entry->kind()) {
     case civil::ObjectKind::Alignment:
       profile_->setSelected(0);
       profileDock_->raise();
@@ -875,30 +855,21 @@ void MainWindow::select(civil::Handle handle, const QObject* from) {
 }
 
 std::vector<civil::Handle> MainWindow::shownFor(civil::Handle handle) const {
-  const civil::DrawingIndex::Entry* const entry =
-      session_->drawing() ? session_->drawing()->index().byHandle(handle) : nullptr;
-  if (entry == nullptr) return {};
+  const auto entry = session_->drawing() ? session_->drawing()->index().byHandle(handle) : std::nullopt;
+  if (!entry) return {};
   std::vector<civil::Handle> shown;
-  switch (entry->kind) {
-    case civil::ObjectKind::Site:
-      for (const auto& alignment : static_cast<const civil::Site*>(entry->object)->alignments)
-        shown.push_back(alignment->handle);
-      break;
-    case civil::ObjectKind::SampleLineGroup:
-      for (const civil::SampleLine& line : static_cast<const civil::SampleLineGroup*>(entry->object)->lines)
-        shown.push_back(line.handle);
-      break;
-    case civil::ObjectKind::PointGroup:
-      for (const std::int32_t number : static_cast<const civil::PointGroup*>(entry->object)->numbers)
-        if (const civil::Point* const point = session_->drawing()->index().pointByNumber(number))
-          shown.push_back(point->handle);
-      break;
-    case civil::ObjectKind::Profile:
-      if (const civil::AlignmentObject* const alignment = alignmentOf(handle)) shown.push_back(alignment->handle);
-      break;
-    default:
-      shown.push_back(handle);
-      break;
+  if (const auto* const site = entry->as<civil::Site>()) {
+    for (const auto& alignment : site->alignments) shown.push_back(alignment->handle);
+  } else if (const auto* const group = entry->as<civil::SampleLineGroup>()) {
+    for (const civil::SampleLine& line : group->lines) shown.push_back(line.handle);
+  } else if (const auto* const points = entry->as<civil::PointGroup>()) {
+    for (const std::int32_t number : points->numbers)
+      if (const civil::Point* const point = session_->drawing()->index().pointByNumber(number))
+        shown.push_back(point->handle);
+  } else if (entry->as<civil::ProfileObject>() != nullptr) {
+    shown.push_back(entry->alignment->handle);
+  } else {
+    shown.push_back(handle);
   }
   return shown;
 }
