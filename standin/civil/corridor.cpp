@@ -6,13 +6,11 @@
 #include <string>
 #include <utility>
 
+#include "civil/section_shape.h"
+
 namespace lvx::civil {
 
 namespace {
-
-/// A recomputed offset or elevation this close to the one that stands is the same: what a file rounds in its last
-/// digits must not make a rebuild change the drawing.
-constexpr double kSameValue = 1e-9;
 
 constexpr std::uint64_t kProgressStep = 512;
 
@@ -35,25 +33,6 @@ auto firstFrom(Sections& sections, double station) {
 }
 
 // ---------------------------------------------------------------- the law of the rebuild
-
-bool haveSameShape(const CorridorSection& a, const CorridorSection& b) {
-  const auto sameCodes = [](const SectionPoint& p, const SectionPoint& q) { return p.codes == q.codes; };
-  const auto samePart = [&](const SectionPart& p, const SectionPart& q) {
-    return p.codes == q.codes &&
-           std::equal(p.points.begin(), p.points.end(), q.points.begin(), q.points.end(), sameCodes);
-  };
-  return std::equal(a.parts.begin(), a.parts.end(), b.parts.begin(), b.parts.end(), samePart);
-}
-
-bool haveSameValues(const CorridorSection& a, const CorridorSection& b) {
-  const auto sameValues = [](const SectionPoint& p, const SectionPoint& q) {
-    return std::abs(p.offset - q.offset) <= kSameValue && std::abs(p.elevation - q.elevation) <= kSameValue;
-  };
-  return haveSameShape(a, b) &&
-         std::equal(a.parts.begin(), a.parts.end(), b.parts.begin(), [&](const SectionPart& p, const SectionPart& q) {
-           return std::equal(p.points.begin(), p.points.end(), q.points.begin(), sameValues);
-         });
-}
 
 /// Gives the parts at ascending stations, each from the controls around it.
 class ControlWalk {
@@ -112,7 +91,7 @@ std::vector<CorridorSection> sectionsToCompute(const Region& region, ControlWalk
     section.parts = controls.partsAt(section.station);
     if (stands) {
       answered = at;
-      if (haveSameValues(*at, section)) continue;
+      if (haveSamePoints(*at, section)) continue;
       section.label = at->label;
     }
     const auto label = region.pendingLabels.lower_bound(station - kSameStation);

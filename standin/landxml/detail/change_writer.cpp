@@ -9,6 +9,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "civil/section_shape.h"
 #include "landxml/detail/context.h"
 #include "landxml/detail/numbers.h"
 #include "landxml/detail/tree.h"
@@ -22,10 +23,6 @@ namespace {
 
 using civil::kSameStation;
 
-/// Offsets and elevations closer than this are one: an elevation that was taken from the profile and put back differs by
-/// its last digits.
-constexpr double kSameLength = 1e-9;
-
 std::string handleText(civil::Handle handle) {
   char hex[20];
   const auto [end, error] = std::to_chars(hex, hex + sizeof hex, handle, 16);
@@ -35,29 +32,8 @@ std::string handleText(civil::Handle handle) {
   return text;
 }
 
-bool haveSameShape(const CorridorSection& a, const CorridorSection& b) {
-  return std::equal(a.parts.begin(), a.parts.end(), b.parts.begin(), b.parts.end(), [](const auto& p, const auto& q) {
-    return p.codes == q.codes && std::equal(p.points.begin(), p.points.end(), q.points.begin(), q.points.end(),
-                                            [](const auto& x, const auto& y) { return x.codes == y.codes; });
-  });
-}
-
-bool isSamePoint(const civil::SectionPoint& a, const civil::SectionPoint& b) {
-  return std::abs(a.offset - b.offset) <= kSameLength && std::abs(a.elevation - b.elevation) <= kSameLength;
-}
-
-/// Of two sections of the same shape.
-bool haveSamePoints(const CorridorSection& a, const CorridorSection& b) {
-  for (std::size_t i = 0; i < a.parts.size(); ++i) {
-    if (!std::equal(a.parts[i].points.begin(), a.parts[i].points.end(), b.parts[i].points.begin(), isSamePoint)) {
-      return false;
-    }
-  }
-  return true;
-}
-
 bool isSameSection(const CorridorSection& a, const CorridorSection& b) {
-  return a.label == b.label && a.origin == b.origin && haveSameShape(a, b) && haveSamePoints(a, b);
+  return a.label == b.label && a.origin == b.origin && civil::haveSamePoints(a, b);
 }
 
 std::vector<pugi::xml_node> childrenNamed(pugi::xml_node parent, std::string_view name) {
@@ -618,7 +594,7 @@ void ChangeWriter::changeSection(const Place& place, const CorridorSection& now,
   }
 
   const std::vector<pugi::xml_node> parts = childrenNamed(node, "DesignCrossSectSurf");
-  bool sameShape = haveSameShape(now, stored) && parts.size() == now.parts.size();
+  bool sameShape = civil::haveSameShape(now, stored) && parts.size() == now.parts.size();
   std::vector<std::vector<pugi::xml_node>> points;
   for (std::size_t i = 0; sameShape && i < parts.size(); ++i) {
     points.push_back(childrenNamed(parts[i], "CrossSectPnt"));
@@ -628,11 +604,11 @@ void ChangeWriter::changeSection(const Place& place, const CorridorSection& now,
     for (std::size_t i = 0; i < parts.size(); ++i) {
       for (std::size_t p = 0; p < points[i].size(); ++p) {
         const civil::SectionPoint& point = now.parts[i].points[p];
-        if (isSamePoint(point, stored.parts[i].points[p])) continue;
+        if (civil::isSamePlace(point, stored.parts[i].points[p])) continue;
         editor_.setContent(points[i][p], pointText(place, now, point, isAbsolute));
       }
     }
-  } else if (!haveSameShape(now, stored) || !haveSamePoints(now, stored)) {
+  } else if (!civil::haveSamePoints(now, stored)) {
     const Layout layout = parts.empty() ? editor_.layoutInside(node) : editor_.layoutOf(parts.front());
     std::string text = partsText(place, now, node, node, isAbsolute, layout.lead);
     if (parts.empty()) {
