@@ -9,9 +9,9 @@
 
 #include "gls/alignment_elements.h"
 #include "host/dialog_controls.h"
-#include "platform/posix/c_locale.h"
 #include "projection/sample_line_collector.h"
 #include "services/message_catalogue.h"
+#include "standin_platform/c_locale_scope.h"
 
 namespace lvx::gls::plain {
 
@@ -25,7 +25,7 @@ CString message(Message wanted) { return services::getMessage(wanted); }
 
 CString number(const char* format, double value) {
   char buffer[400];
-  const platform::CLocaleScope pointAsDecimalSign;
+  const standin_platform::CLocaleScope pointAsDecimalSign;
   std::snprintf(buffer, sizeof buffer, format, value);
   const std::string narrow = buffer;
   return {narrow.begin(), narrow.end()};
