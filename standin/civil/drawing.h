@@ -17,8 +17,14 @@
 /// An open drawing: plain data and the geometry over it, no I/O. Texts are UTF-8. Lists stand in the order of the file.
 namespace lvx::civil {
 
-/// Identifies an object for as long as its drawing is open; 0 for none.
+/// Identifies an object for as long as its drawing is open; 0 for none. Unique over all files of a drawing.
 using Handle = std::uint64_t;
+
+/// Which of its drawing's files an object came from: 0 is the file that the drawing was opened by, 1 the first one added
+/// to it, and so on.
+using FileNumber = std::uint32_t;
+/// Of an object that was made while the drawing was open and stands in no file yet.
+inline constexpr FileNumber kNoFile = 0xFFFFFFFF;
 
 struct SampleLine {
   Handle handle = 0;
@@ -30,6 +36,7 @@ struct SampleLine {
 
 struct SampleLineGroup {
   Handle handle = 0;
+  FileNumber file = 0;
   std::string name;
   std::string description;
   std::vector<SampleLine> lines;
@@ -37,6 +44,7 @@ struct SampleLineGroup {
 
 struct ProfileObject {
   Handle handle = 0;
+  FileNumber file = 0;
   std::string name;
   std::string description;
   Profile profile;
@@ -52,6 +60,7 @@ struct StationEquation {
 
 struct AlignmentObject {
   Handle handle = 0;
+  FileNumber file = 0;
   std::string name;
   std::string description;
   Alignment geometry;
@@ -62,6 +71,7 @@ struct AlignmentObject {
 
 struct Site {
   Handle handle = 0;
+  FileNumber file = 0;
   std::string name;
   std::string description;
   std::vector<std::unique_ptr<AlignmentObject>> alignments;
@@ -69,6 +79,7 @@ struct Site {
 
 struct SurfaceObject {
   Handle handle = 0;
+  FileNumber file = 0;
   std::string name;
   std::string description;
   TinSurface surface;
@@ -76,6 +87,7 @@ struct SurfaceObject {
 
 struct Point {
   Handle handle = 0;
+  FileNumber file = 0;
   std::int32_t number = 0;
   /// The file's own name text where that isn't just the number; else empty.
   std::string name;
@@ -87,6 +99,7 @@ struct Point {
 
 struct PointGroup {
   Handle handle = 0;
+  FileNumber file = 0;
   std::string name;
   std::string description;
   /// Numbers in file order; a number may stand in many groups.
@@ -141,6 +154,7 @@ struct Baseline {
 
 struct Corridor {
   Handle handle = 0;
+  FileNumber file = 0;
   std::string name;
   std::string description;
   std::vector<Baseline> baselines;
@@ -157,6 +171,7 @@ struct Diagnostic {
   std::string text;
   /// 1-based line of the file; 0 where no line applies.
   std::size_t line = 0;
+  FileNumber file = 0;
 };
 
 enum class ObjectKind : std::uint8_t {
@@ -181,12 +196,29 @@ struct FileMark {
   friend bool operator==(const FileMark&, const FileMark&) = default;
 };
 
+/// A file that was added to a drawing.
+struct AddedFile {
+  /// Path as it was given, for messages.
+  std::string path;
+  FileMark mark;
+  /// Unit that the file names; its lengths are in the drawing's unit all the same.
+  std::string linearUnit;
+  /// The file's handles are those of the drawing less this.
+  Handle handleBase = 0;
+  /// What the file's lengths were multiplied by: 1 where its unit is the drawing's.
+  double lengthFactor = 1.0;
+  /// Northing and easting of its coordinates were read the other way round.
+  bool axesSwapped = false;
+};
+
 struct Drawing {
   /// Path as it was opened, for messages.
   std::string path;
   FileMark file;
   /// "meter", "foot", "USSurveyFoot", ...; empty where the file names none (then metres are assumed).
   std::string linearUnit;
+  /// The files behind the first one, in the order in which they were added.
+  std::vector<AddedFile> addedFiles;
   /// The alignments outside any site; its name is empty.
   Site siteless;
   std::vector<Site> sites;

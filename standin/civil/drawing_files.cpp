@@ -1,0 +1,263 @@
+#include "civil/drawing_files.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <map>
+#include <stdexcept>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+namespace lvx::civil {
+
+namespace {
+
+/// Handles of an added file start behind a multiple of this, so that people still recognise the file's own in them.
+constexpr Handle kHandleStep = 0x1000000;
+
+/// Calls `use` for every object that has a handle.
+template <class Use>
+void eachObject(Drawing& drawing, Use use) {
+  const auto site = [&](Site& s) {
+    use(s);
+    for (auto& alignment : s.alignments) {
+      use(*alignment);
+      for (auto& profile : alignment->profiles) use(profile);
+      for (auto& group : alignment->sampleLineGroups) use(group);
+    }
+  };
+  site(drawing.siteless);
+  for (Site& s : drawing.sites) site(s);
+  for (auto& surface : drawing.surfaces) use(surface);
+  for (auto& point : drawing.points) use(point);
+  for (auto& group : drawing.pointGroups) use(group);
+  for (auto& corridor : drawing.corridors) use(corridor);
+}
+
+template <class Use>
+void eachHandle(Drawing& drawing, Use use) {
+  eachObject(drawing, [&](auto& object) {
+    use(object.handle);
+    if constexpr (requires { object.lines; }) {
+      for (SampleLine& line : object.lines) use(line.handle);
+    }
+  });
+}
+
+Handle largestHandle(Drawing& drawing) {
+  Handle largest = 0;
+  eachHandle(drawing, [&](Handle handle) { largest = std::max(largest, handle); });
+  return largest;
+}
+
+/// The lowest base for a file whose largest handle is `largestAdded`.
+Handle baseBehind(Handle largestWhole, Handle largestAdded) {
+  constexpr Handle kLast = std::numeric_limits<Handle>::max();
+  const Handle steps = largestWhole / kHandleStep + 1;
+  if (steps > kLast / kHandleStep || largestAdded > kLast - steps * kHandleStep)
+    throw std::overflow_error("there are no handles left for another file");
+  return steps * kHandleStep;
+}
+
+void tell(Drawing& drawing, FileNumber file, Severity severity, std::string text) {
+  drawing.diagnostics.push_back({severity, std::move(text), 0, file});
+}
+
+/// New numbers for the points of `added` whose numbers are taken.
+std::unordered_map<std::int32_t, std::int32_t> renumber(const Drawing& whole, Drawing& added, FileNumber file) {
+  std::unordered_set<std::int32_t> taken;
+  std::int32_t largest = 0;
+  const auto note = [&](const Point& point) { largest = std::max(largest, point.number); };
+  taken.reserve(whole.points.size() + added.points.size());
+  for (const Point& point : whole.points) {
+    taken.insert(point.number);
+    note(point);
+  }
+  std::vector<Point*> later;
+  for (Point& point : added.points) {
+    note(point);
+    if (!taken.insert(point.number).second) later.push_back(&point);
+  }
+  std::unordered_map<std::int32_t, std::int32_t> renumbered;
+  std::int64_t next = std::int64_t{largest} + 1;
+  for (Point* const point : later) {
+    if (next > std::numeric_limits<std::int32_t>::max()) next = 1;
+    while (taken.count(static_cast<std::int32_t>(next)) > 0) ++next;
+    const auto number = static_cast<std::int32_t>(next++);
+    taken.insert(number);
+    tell(added, file, Severity::Warning,
+         "point " + std::to_string(point->number) + ": its number stands in another file of the drawing; it gets " +
+             std::to_string(number));
+    renumbered.emplace(point->number, number);
+    if (point->name.empty()) point->name = std::to_string(point->number);
+    point->number = number;
+  }
+  return renumbered;
+}
+
+template <class List>
+void moveBehind(List& whole, List& added) {
+  whole.insert(whole.end(), std::make_move_iterator(added.begin()), std::make_move_iterator(added.end()));
+}
+
+void addSites(Drawing& whole, Drawing& added) {
+  std::unordered_map<std::string, std::size_t> known;
+  for (std::size_t i = 0; i < whole.sites.size(); ++i) known.emplace(whole.sites[i].name, i);
+  moveBehind(whole.siteless.alignments, added.siteless.alignments);
+  for (Site& site : added.sites) {
+    const auto [place, isNew] = known.emplace(site.name, whole.sites.size());
+    if (isNew)
+      whole.sites.push_back(std::move(site));
+    else
+      moveBehind(whole.sites[place->second].alignments, site.alignments);
+  }
+}
+
+std::vector<VerticalPoint> scaled(std::span<const VerticalPoint> points, double factor) {
+  std::vector<VerticalPoint> list(points.begin(), points.end());
+  for (VerticalPoint& point : list) {
+    for (double* const length : {&point.station, &point.elevation, &point.length, &point.lengthOut, &point.radius})
+      *length *= factor;
+  }
+  return list;
+}
+
+Profile scaled(const Profile& profile, double factor) {
+  if (!profile.isGround()) return Profile::design(scaled(profile.points(), factor));
+  std::vector<std::vector<VerticalPoint>> pieces(1);
+  std::size_t gap = 0;
+  for (const VerticalPoint& point : profile.points()) {
+    const bool isBehindGap = gap < profile.gaps().size() && !pieces.back().empty() &&
+                             pieces.back().back().station <= profile.gaps()[gap].startStation &&
+                             point.station >= profile.gaps()[gap].endStation;
+    if (isBehindGap) {
+      pieces.emplace_back();
+      ++gap;
+    }
+    pieces.back().push_back(point);
+  }
+  for (auto& piece : pieces) piece = scaled(piece, factor);
+  return Profile::ground(std::move(pieces));
+}
+
+Alignment scaled(const Alignment& alignment, double factor) {
+  std::vector<Element> elements(alignment.elements().begin(), alignment.elements().end());
+  for (Element& element : elements) {
+    element.start = factor * element.start;
+    element.givenEnd = factor * element.givenEnd;
+    element.length *= factor;
+    element.startCurvature /= factor;
+    element.endCurvature /= factor;
+  }
+  return Alignment(alignment.startStation() * factor, std::move(elements));
+}
+
+void scale(Region& region, double factor) {
+  region.startStation *= factor;
+  region.endStation *= factor;
+  std::set<double> stations;
+  for (const double station : region.stations) stations.insert(station * factor);
+  region.stations = std::move(stations);
+  std::map<double, std::string> labels;
+  for (auto& [station, label] : region.pendingLabels) labels.emplace(station * factor, std::move(label));
+  region.pendingLabels = std::move(labels);
+  for (CorridorSection& section : region.sections) {
+    section.station *= factor;
+    for (SectionPart& part : section.parts) {
+      for (SectionPoint& point : part.points) {
+        point.offset *= factor;
+        point.elevation *= factor;
+      }
+    }
+  }
+}
+
+void scale(AlignmentObject& alignment, double factor) {
+  alignment.geometry = scaled(alignment.geometry, factor);
+  for (ProfileObject& profile : alignment.profiles) profile.profile = scaled(profile.profile, factor);
+  for (SampleLineGroup& group : alignment.sampleLineGroups) {
+    for (SampleLine& line : group.lines) {
+      line.station *= factor;
+      for (Vec2& vertex : line.vertices) vertex = factor * vertex;
+    }
+  }
+  for (StationEquation& equation : alignment.stationEquations) {
+    equation.internalStation *= factor;
+    equation.aheadStation *= factor;
+    if (equation.backStation) *equation.backStation *= factor;
+  }
+}
+
+}  // namespace
+
+const std::string& pathOf(const Drawing& drawing, FileNumber file) {
+  static const std::string kNone;
+  if (file == 0) return drawing.path;
+  return file <= drawing.addedFiles.size() ? drawing.addedFiles[file - 1].path : kNone;
+}
+
+std::optional<double> metresPerUnit(std::string_view linearUnit) {
+  struct Unit {
+    std::string_view name;
+    double metres;
+  };
+  constexpr std::array<Unit, 9> kUnits{{{"", 1.0},
+                                        {"meter", 1.0},
+                                        {"millimeter", 0.001},
+                                        {"centimeter", 0.01},
+                                        {"kilometer", 1000.0},
+                                        {"foot", 0.3048},
+                                        {"USSurveyFoot", 1200.0 / 3937.0},
+                                        {"inch", 0.0254},
+                                        {"mile", 1609.344}}};
+  const auto unit = std::find_if(kUnits.begin(), kUnits.end(), [&](const Unit& u) { return u.name == linearUnit; });
+  return unit == kUnits.end() ? std::nullopt : std::optional(unit->metres);
+}
+
+void scaleLengths(Drawing& drawing, double factor) {
+  const auto scaleSite = [&](Site& site) {
+    for (auto& alignment : site.alignments) scale(*alignment, factor);
+  };
+  scaleSite(drawing.siteless);
+  for (Site& site : drawing.sites) scaleSite(site);
+  for (Point& point : drawing.points) {
+    point.position.x *= factor;
+    point.position.y *= factor;
+    point.position.z *= factor;
+  }
+  for (Corridor& corridor : drawing.corridors) {
+    for (Baseline& baseline : corridor.baselines) {
+      for (Region& region : baseline.regions) scale(region, factor);
+    }
+  }
+}
+
+void addDrawing(Drawing& whole, Drawing added, AddedFile file) {
+  file.handleBase = baseBehind(largestHandle(whole), largestHandle(added));
+  const auto number = static_cast<FileNumber>(whole.addedFiles.size() + 1);
+  eachHandle(added, [&](Handle& handle) {
+    if (handle != 0) handle += file.handleBase;
+  });
+  eachObject(added, [&](auto& object) { object.file = number; });
+  for (Diagnostic& diagnostic : added.diagnostics) diagnostic.file = number;
+
+  const auto renumbered = renumber(whole, added, number);
+  if (!renumbered.empty()) {
+    for (PointGroup& group : added.pointGroups) {
+      for (std::int32_t& member : group.numbers) {
+        if (const auto found = renumbered.find(member); found != renumbered.end()) member = found->second;
+      }
+    }
+  }
+
+  addSites(whole, added);
+  moveBehind(whole.surfaces, added.surfaces);
+  moveBehind(whole.points, added.points);
+  moveBehind(whole.pointGroups, added.pointGroups);
+  moveBehind(whole.corridors, added.corridors);
+  moveBehind(whole.diagnostics, added.diagnostics);
+  whole.addedFiles.push_back(std::move(file));
+}
+
+}  // namespace lvx::civil
