@@ -6,6 +6,7 @@
 
 #include <pugixml.hpp>
 
+#include "civil/drawing_files.h"
 #include "landxml/detail/context.h"
 #include "landxml/detail/corridor_reader.h"
 #include "landxml/detail/geometry_reader.h"
@@ -126,17 +127,19 @@ civil::Drawing readScanned(ScannedDocument& scanned, pugi::xml_document& tree, s
   civil::Drawing drawing;
   drawing.path = name;
   drawing.diagnostics = std::move(scanned.diagnostics);
-  Context context(drawing, scanned.lines, tree.document_element(), trace);
+  Context context(drawing, scanned.lines, tree.document_element(), options.swapAxes, trace);
   const auto goOn = [&] {
     if (options.progress && !options.progress({total, total})) throw Cancelled(name);
   };
+  const double lengthFactor = options.lengthFactor ? options.lengthFactor(drawing.linearUnit) : 1.0;
   goOn();
   readSiteList(context);
   readPoints(context);
   const std::vector<AlignmentRecord> alignments = readAlignments(context);
   readCorridors(context, alignments);
-  readSurfaces(context, scanned.definitions, goOn);
+  readSurfaces(context, scanned.definitions, lengthFactor, goOn);
   context.settleHandles();
+  if (lengthFactor != 1.0) civil::scaleLengths(drawing, lengthFactor);
   return drawing;
 }
 

@@ -19,6 +19,11 @@ struct Progress {
 struct ReadOptions {
   /// Told now and then during a long load; returning false ends the load with Cancelled.
   std::function<bool(const Progress&)> progress;
+  /// The file's coordinates hold easting before northing, against the format.
+  bool swapAxes = false;
+  /// Given the unit that the file names ("" where it names none): what its lengths are multiplied by. 1 where empty. May
+  /// throw what reading then throws.
+  std::function<double(const std::string& linearUnit)> lengthFactor = {};
 };
 
 /// Reads a drawing. What is odd but can be survived becomes a diagnostic of the drawing; what can't throws ReadError.

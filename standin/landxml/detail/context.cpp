@@ -4,6 +4,7 @@
 #include <charconv>
 #include <unordered_set>
 
+#include "civil/drawing_files.h"
 #include "landxml/detail/numbers.h"
 #include "landxml/detail/tree.h"
 
@@ -50,8 +51,8 @@ std::string shownNumber(double value) {
   return text == "-0" ? "0" : text;
 }
 
-Context::Context(civil::Drawing& d, const LineMap& lines, pugi::xml_node r, Trace* t)
-    : drawing(d), root(r), trace(t), lines_(lines) {
+Context::Context(civil::Drawing& d, const LineMap& lines, pugi::xml_node r, bool swapAxes, Trace* t)
+    : drawing(d), root(r), trace(t), lines_(lines), swapAxes_(swapAxes) {
   eachChild(root, "FeatureDictionary", [&](pugi::xml_node node) {
     if (attribute(node, "name") != "lvx") return;
     if (attribute(node, "version") != kGuestVersion) ours_ = true;
@@ -79,17 +80,9 @@ void Context::readUnits() {
     return;
   }
   drawing.linearUnit = attribute(units, "linearUnit");
-  struct Unit {
-    std::string_view name;
-    double metres;
-  };
-  constexpr Unit kUnits[] = {{"meter", 1.0},        {"millimeter", 0.001}, {"centimeter", 0.01},
-                             {"kilometer", 1000.0}, {"foot", 0.3048},      {"USSurveyFoot", 1200.0 / 3937.0},
-                             {"inch", 0.0254},      {"mile", 1609.344}};
-  const auto unit =
-      std::find_if(std::begin(kUnits), std::end(kUnits), [&](const Unit& u) { return u.name == drawing.linearUnit; });
-  if (unit != std::end(kUnits))
-    millimetre_ = 0.001 / unit->metres;
+  const auto metres = drawing.linearUnit.empty() ? std::nullopt : civil::metresPerUnit(drawing.linearUnit);
+  if (metres)
+    millimetre_ = 0.001 / *metres;
   else
     warn(units, "linear unit '" + shown(drawing.linearUnit) + "' isn't known; metres are assumed");
 
@@ -225,7 +218,7 @@ PlacedPoint Context::place(pugi::xml_node point, int depth) {
   if (!list.problem.empty()) {
     result.problem = list.problem;
   } else if (values.size() == 2 || values.size() == 3) {
-    result.plan = {values[1], values[0]};
+    result.plan = plan(values[0], values[1]);
     if (values.size() == 3) result.elevation = values[2];
     if (list.signRepaired) {
       warn(point, std::string(localName(point)) + ": a sign stood apart from its number; they were put together");

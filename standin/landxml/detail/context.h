@@ -31,7 +31,7 @@ struct PlacedPoint {
 /// points that others refer to by name.
 class Context {
  public:
-  Context(civil::Drawing& drawing, const LineMap& lines, pugi::xml_node root, Trace* trace = nullptr);
+  Context(civil::Drawing& drawing, const LineMap& lines, pugi::xml_node root, bool swapAxes, Trace* trace = nullptr);
 
   civil::Drawing& drawing;
   pugi::xml_node root;
@@ -42,6 +42,12 @@ class Context {
   [[nodiscard]] bool isOurs() const { return ours_; }
   /// One millimetre in drawing units.
   [[nodiscard]] double millimetre() const { return millimetre_; }
+  /// Easting stands before northing in this file.
+  [[nodiscard]] bool areAxesSwapped() const { return swapAxes_; }
+  /// The place of two numbers in the file's order.
+  [[nodiscard]] civil::Vec2 plan(double first, double second) const {
+    return swapAxes_ ? civil::Vec2{first, second} : civil::Vec2{second, first};
+  }
   /// Radians of an angle in the file's angular unit; empty for a text that is none.
   [[nodiscard]] std::optional<double> angle(std::string_view text) const;
 
@@ -85,6 +91,7 @@ class Context {
   void collectOtherPoints();
 
   const LineMap& lines_;
+  bool swapAxes_ = false;
   bool ours_ = false;
   double millimetre_ = 0.001;
   enum class AngularUnit { Radians, Grads, Degrees, DegreesMinutesSeconds } angularUnit_ = AngularUnit::Radians;

@@ -263,7 +263,7 @@ void GeometryReader::readIrregularLine(pugi::xml_node node) {
                        std::to_string(step));
     }
     for (std::size_t i = 0; i < numbers.values.size(); i += step) {
-      points.push_back({numbers.values[i + 1], numbers.values[i]});
+      points.push_back(context_.plan(numbers.values[i], numbers.values[i + 1]));
     }
   }
   // The list repeats both ends; where it doesn't, they belong to the line all the same.

@@ -205,7 +205,7 @@ civil::SampleLineGroup readSampleLines(Context& context, pugi::xml_node crossSec
                                       "; its offsets are taken instead");
       } else {
         for (std::size_t i = 0; i < list.values.size(); i += 2)
-          line.vertices.push_back({list.values[i + 1], list.values[i]});
+          line.vertices.push_back(context.plan(list.values[i], list.values[i + 1]));
         const auto pose = alignment.geometry.poseAt(line.station);
         if (pose && distanceToPolyline(pose->point, line.vertices) > 0.001) {
           context.note(section, lineSpeaker + ": doesn't run through the alignment at its station; both are kept");

@@ -50,9 +50,25 @@ void reportFaults(Context& context, pugi::xml_node where, const std::string& spe
   }
 }
 
+/// A point by reference, which lies in its place already, among points in the file's order of axes.
+void addAsInFile(const Context& context, TinCollector& tin, std::int64_t id, civil::Vec3 place) {
+  if (context.areAxesSwapped()) std::swap(place.x, place.y);
+  tin.addPoint(id, place.y, place.x, place.z);
+}
+
+void moveIntoPlace(const Context& context, std::vector<civil::Vec3>& points, double lengthFactor) {
+  if (context.areAxesSwapped()) {
+    for (civil::Vec3& point : points) std::swap(point.x, point.y);
+  }
+  if (lengthFactor == 1.0) return;
+  for (civil::Vec3& point : points) {
+    for (double* const length : {&point.x, &point.y, &point.z}) *length *= lengthFactor;
+  }
+}
+
 }  // namespace
 
-void readSurfaces(Context& context, std::map<std::size_t, TinCollector>& definitions,
+void readSurfaces(Context& context, std::map<std::size_t, TinCollector>& definitions, double lengthFactor,
                   const std::function<void()>& goOn) {
   eachChild(context.root, "Surfaces", [&](pugi::xml_node collection) {
     eachChild(collection, "Surface", [&](pugi::xml_node node) {
@@ -82,13 +98,14 @@ void readSurfaces(Context& context, std::map<std::size_t, TinCollector>& definit
           else if (!placed.elevation)
             tin.note(&TinCollector::Faults::pointsWithoutElevation, line, who + "no elevation");
           else
-            tin.addPoint(id, placed.plan.y, placed.plan.x, *placed.elevation);
+            addAsInFile(context, tin, id, {placed.plan.x, placed.plan.y, *placed.elevation});
         }
         tin.addDeferred();
         reportFaults(context, definition, speaker, tin);
         isFilled = !tin.triangles.empty();
         if (!isFilled) return;
         goOn();
+        moveIntoPlace(context, tin.points, lengthFactor);
         surface.surface = civil::TinSurface(std::move(tin.points), std::move(tin.triangles));
         const auto counts = surface.surface.counts();
         if (counts.degenerate > 0) {

@@ -9,8 +9,8 @@
 namespace lvx::landxml::detail {
 
 /// All surfaces; takes the points and faces that streamed past out of `definitions`. `goOn` is asked before each index
-/// is built and throws to cancel.
-void readSurfaces(Context& context, std::map<std::size_t, TinCollector>& definitions,
+/// is built and throws to cancel. Lengths are multiplied by `lengthFactor`.
+void readSurfaces(Context& context, std::map<std::size_t, TinCollector>& definitions, double lengthFactor,
                   const std::function<void()>& goOn);
 
 }  // namespace lvx::landxml::detail
