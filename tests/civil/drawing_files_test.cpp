@@ -72,7 +72,7 @@ TEST(DrawingFiles, GivesEveryObjectAHandleOfItsOwnAndItsFile) {
   for (FileNumber file = 0; file < 3; ++file) {
     const Handle base = file == 0 ? 0 : whole.addedFiles[file - 1].handleBase;
     for (Handle own = 0x100; own <= 0x109; ++own)
-      EXPECT_NE(index.byHandle(base + own), nullptr) << "file " << file << ", handle " << std::hex << own;
+      EXPECT_TRUE(index.byHandle(base + own).has_value()) << "file " << file << ", handle " << std::hex << own;
     EXPECT_EQ(whole.sites[file].file, file);
     EXPECT_EQ(whole.sites[file].alignments[0]->file, file);
     EXPECT_EQ(whole.sites[file].alignments[0]->profiles[0].file, file);
