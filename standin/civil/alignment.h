@@ -17,12 +17,15 @@ struct StationOffset {
   double offset = 0.0;
 };
 
-/// A horizontal alignment: a chain of elements measured by station. Stations add up the elements' lengths from the
-/// start station; station equations play no part. Immutable once built; copies share nothing.
+/// A horizontal alignment: a chain of elements measured by station. Lengths, stations and offsets in drawing units,
+/// angles in radians. Stations add up the elements' lengths from the start station; station equations play no part.
+/// Immutable once built; its queries may run in several threads at once. Copies share nothing and cost as much as
+/// building: O(n log n).
 ///
-///     auto axis = Alignment::fromText("start 1000 at 0 0 heading 90; line 100; clothoid 60 R inf..300 right; arc 80 R
-///     300 right"); axis.poseAt(1120.0);                 // somewhere on the clothoid axis.stationOffset({12.5, 80.0});
-///     // exact: the nearest foot, not that of a polyline
+///     auto axis = Alignment::fromText(
+///         "start 1000 at 0 0 heading 90; line 100; clothoid 60 R inf..300 right; arc 80 R 300 right");
+///     axis.poseAt(1120.0);                // somewhere on the clothoid
+///     axis.stationOffset({12.5, -4.0});   // station 1012.5, offset 4 to the right; exact on curves too
 class Alignment {
  public:
   /// A station this little beyond an end still counts as the end, since files round their last stations.

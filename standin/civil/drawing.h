@@ -15,6 +15,9 @@
 #include "civil/tin_surface.h"
 
 /// An open drawing: plain data and the geometry over it, no I/O. Texts are UTF-8. Lists stand in the order of the file.
+/// Stations, offsets, elevations and coordinates are in drawing units (Drawing::linearUnit); x runs east, y north. A
+/// negative offset lies on the left of the alignment's direction of travel. What a reader of drawings puts in is finite
+/// and no larger than 1e12.
 namespace lvx::civil {
 
 /// Identifies an object for as long as its drawing is open; 0 for none. Unique over all files of a drawing.
@@ -26,10 +29,11 @@ using FileNumber = std::uint32_t;
 /// Of an object that was made while the drawing was open and stands in no file yet.
 inline constexpr FileNumber kNoFile = 0xFFFFFFFF;
 
+/// A line across an alignment along which the ground is asked for.
 struct SampleLine {
   Handle handle = 0;
   std::string name;
-  double station = 0.0;
+  double station = 0.0;  ///< of the alignment that it belongs to
   /// Left to right for lines of ours; as given otherwise. Elevations are 0.
   std::vector<Vec2> vertices;
 };
@@ -55,7 +59,7 @@ struct StationEquation {
   double internalStation = 0.0;
   double aheadStation = 0.0;
   std::optional<double> backStation;
-  bool increasing = true;
+  bool increasing = true;  ///< whether stations rise along the alignment behind it
 };
 
 struct AlignmentObject {
@@ -132,9 +136,10 @@ struct CorridorSection {
   std::vector<SectionPart> parts;
 };
 
+/// A stretch of a baseline with one way of building the road.
 struct Region {
   std::string name;
-  double startStation = 0.0;
+  double startStation = 0.0;  ///< not above the end
   double endStation = 0.0;
   /// No two within kSameStation; may ask for stations that hold no section yet, until the corridor is rebuilt. A tree,
   /// since a report adds its stations one by one.
@@ -145,10 +150,11 @@ struct Region {
   bool isRebuilt = false;
 };
 
+/// What a corridor runs along. Alignment and profile are the drawing's own.
 struct Baseline {
   std::string name;
-  const AlignmentObject* alignment = nullptr;
-  const ProfileObject* profile = nullptr;
+  const AlignmentObject* alignment = nullptr;  ///< never null in a drawing that was read
+  const ProfileObject* profile = nullptr;      ///< of the alignment; null: elevations count from 0
   std::vector<Region> regions;
 };
 
@@ -257,7 +263,7 @@ struct DrawingEntry {
 /// Finds objects by handle and points by number. Built once over a drawing that doesn't change its lists any more;
 /// holds pointers into it. Of objects with one handle the first in the drawing's lists is found (a reader gives handles
 /// out once). O(n) where handles and numbers ascend in file order, else O(n log n); a search is O(log n). Memory: 32
-/// bytes a point, 40 bytes any other object.
+/// bytes an object.
 class DrawingIndex {
  public:
   using Entry = DrawingEntry;

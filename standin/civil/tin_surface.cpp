@@ -98,10 +98,8 @@ Ground groundIn(const std::array<const Vec3*, 3>& corners, Vec2 p) {
   return {elevationWithin(corners, p), Rank::Face};
 }
 
-/// A triangle that holds a place, or kNoLink where the walk couldn't tell; complemented if it isn't alone there.
-///
-/// Walks to the triangle that holds `p` in its interior. Gives up where that isn't plain: at borders, on edges, when
-/// the way gets long.
+/// Walks to the triangle that holds `p` in its interior; complemented where another triangle may hold it too. kNoLink
+/// where that isn't plain: at borders, on edges, when the way gets long.
 std::int32_t locate(const Mesh& mesh, Vec2 p) {
   constexpr int kMostSteps = 200;
   const std::int32_t* corners = cornersOf(mesh.ground());

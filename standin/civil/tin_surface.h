@@ -19,6 +19,7 @@ struct Triangle {
   bool operator==(const Triangle&) const = default;
 };
 
+/// A rectangle along the axes, borders included; empty at first.
 struct Box {
   double minX = std::numeric_limits<double>::infinity();
   double minY = std::numeric_limits<double>::infinity();
@@ -27,8 +28,8 @@ struct Box {
   [[nodiscard]] bool isEmpty() const { return minX > maxX; }
 };
 
-/// A triangulated ground surface: points and visible triangles, with holes and any border. Immutable once built; its
-/// queries may run in several threads at once.
+/// A triangulated ground surface: points and visible triangles, with holes and any border. Coordinates and elevations in
+/// drawing units, up to 1e100 in size. Immutable once built; its queries may run in several threads at once.
 ///
 /// Every touch is decided exactly for the coordinates as given: what doubles can't tell is settled by exact arithmetic.
 /// So the count and order of the samples never depend on how points and triangles are numbered or wound. Triangles
@@ -50,9 +51,9 @@ class TinSurface {
 
   TinSurface();
   /// Takes over the arrays. Throws std::invalid_argument for an index outside `points`, for a coordinate that isn't a
-  /// number up to 1e100, and for more than 500 million triangles. O(n), with
-  /// many edges at one point O(n log n). Points and triangles are renumbered along a space-filling curve. It needs 17
-  /// bytes a triangle beside the arrays, and for a moment as much again.
+  /// number up to 1e100, and for more than 500 million triangles. O(n), with many edges at one point O(n log n). Points
+  /// and triangles are renumbered along a space-filling curve. It needs 17 bytes a triangle beside the arrays, and for a
+  /// moment as much again.
   TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles);
   TinSurface(TinSurface&&) noexcept;
   TinSurface& operator=(TinSurface&&) noexcept;
@@ -73,11 +74,13 @@ class TinSurface {
   /// crossing with an edge of a triangle, `b` where it lies on the surface. At a gap the border points stand, nothing
   /// inside. One point where the segment runs through a vertex or touches one; the edge's ends where it runs along an
   /// edge. Points closer than 1e-9 of the segment's length are one. A segment of length 0 gives its point once, or
-  /// nothing off the surface; a coordinate that isn't a number up to 1e100 gives nothing. Places are right to the rounding of the coordinates and of the segment's length. O(samples) and a short walk to `a` where the segment stays clear of vertices and borders,
-  /// O(log n) more elsewhere.
+  /// nothing off the surface; a coordinate that isn't a number up to 1e100 gives nothing. Places are right
+  /// to the rounding of the coordinates and of the segment's length. O(samples) and a short walk to `a` where the
+  /// segment stays clear of vertices and borders, O(log n) more elsewhere.
   void sample(Vec2 a, Vec2 b, std::vector<Vec3>& samples) const;
 
-  /// Elevation at a point, empty where there is no ground.
+  /// Elevation at a point, in drawing units; empty where there is no ground and for a coordinate that isn't a number.
+  /// Right to the rounding of the coordinates. A short walk inside a triangle, O(log n) on edges and vertices.
   [[nodiscard]] std::optional<double> elevationAt(Vec2 point) const;
 
  private:

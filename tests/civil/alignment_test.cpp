@@ -26,6 +26,18 @@ TEST(AlignmentText, ContinuesOneElementWithTheNext) {
   EXPECT_THAT(axis.poseAt(axis.endStation()), IsPose(160, -40, 180, 1e-12));
 }
 
+TEST(AlignmentText, MakesTheAxisOfTheWorkedExample) {
+  const auto axis =
+      Alignment::fromText("start 1000 at 0 0 heading 90; line 100; clothoid 60 R inf..300 right; arc 80 R 300 right");
+  EXPECT_DOUBLE_EQ(axis.endStation(), 1240.0);
+  ASSERT_TRUE(axis.poseAt(1120.0));
+  EXPECT_LT(axis.poseAt(1120.0)->point.y, 0.0) << "on the clothoid, which turns to the right";
+  const auto found = axis.stationOffset({12.5, -4.0});
+  ASSERT_TRUE(found);
+  EXPECT_DOUBLE_EQ(found->station, 1012.5);
+  EXPECT_DOUBLE_EQ(found->offset, 4.0);
+}
+
 TEST(AlignmentText, ReadsEveryWord) {
   const auto axis = Alignment::fromText(
       "at 0 0 heading 0;line 10;clothoid 20 R inf..50 left;clothoid 20 R 50..30 left; to 5 80 ; at 7 90; heading 45; "

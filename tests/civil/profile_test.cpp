@@ -19,6 +19,12 @@ using testing::IsEmpty;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
+TEST(Profile, AnswersAsItsWorkedExampleSays) {
+  const auto road = Profile::design({{0, 100.0}, {200, 104.0, VerticalCurveKind::Parabola, 80}, {400, 102.0}});
+  EXPECT_NEAR(*road.elevationAt(200), 103.7, 1e-12);
+  EXPECT_NEAR(*road.gradeAt(100), 0.02, 1e-15);
+}
+
 TEST(DesignProfile, RunsAlongItsTangentsAndBeyondItsEnds) {
   const Profile profile = designProfile("100 50; 200 54; 300 52");
   const struct {

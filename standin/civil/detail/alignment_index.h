@@ -15,10 +15,9 @@
 /// a node, in the order of the chain) bounds the distance from below and above, and only pieces that can hold the
 /// nearest foot are solved. What a piece answers is exact, and all local minima on it are found:
 ///  - a line and an arc have closed forms;
-///  - a clothoid piece turns by less than pi to one side, its curvature rising or falling throughout. With t the place
-///  of
-///    the point along the tangent and n to the left of it, g = -t (half the slope of the squared distance) obeys
-///    g'' + g = rho' over the direction, rho the radius. As rho' keeps its sign, g has at most two zeros on the piece,
+///  - a clothoid piece turns by less than pi to one side, its curvature rising or falling throughout. With t the
+///    place of the point along the tangent and n to the left of it, g = -t (half the slope of the squared distance)
+///    obeys g'' + g = rho' over the direction, rho the radius. As rho' keeps its sign, g has at most two zeros on the piece,
 ///    and at most one of them is a minimum. Signs of g at both ends bracket it, or rule it out but for one case: both
 ///    ends of one sign with two zeros between. Then g / cos(phi), phi the direction against the middle's, has one
 ///    extremum, where the evolute passes the point square to the middle's tangent; the sign of g there decides.

@@ -29,6 +29,10 @@ class CorridorReader {
                                               std::vector<RegionTrace>& trace);
   civil::Region readRegion(pugi::xml_node node, const AlignmentRecord& alignment, const civil::ProfileObject* profile,
                            const std::string& speaker, RegionTrace& trace);
+  pugi::xml_node sectionsOf(pugi::xml_node region, const AlignmentRecord& alignment);
+  std::vector<AddedStationTrace> readAdded(pugi::xml_node region, const std::string& speaker);
+  static void settleStations(std::vector<double>& stations);
+  static void giveLabels(civil::Region& region, const std::vector<AddedStationTrace>& added);
   const AlignmentRecord* alignmentOf(pugi::xml_node baseline);
   const civil::ProfileObject* profileOf(pugi::xml_node baseline, const AlignmentRecord& alignment,
                                         const std::string& speaker);
@@ -86,6 +90,60 @@ std::optional<double> CorridorReader::stationProperty(pugi::xml_node node, const
   return std::nullopt;
 }
 
+/// The CrossSects that a region of ours refers to; empty for none.
+pugi::xml_node CorridorReader::sectionsOf(pugi::xml_node region, const AlignmentRecord& alignment) {
+  const std::string name = property(region, "crossSects").value_or("");
+  const auto handle = Context::parseHandle(property(region, "crossSectsHandle"));
+  pugi::xml_node found;
+  bool byHandle = false;
+  eachChild(alignment.node, "CrossSects", [&](pugi::xml_node candidate) {
+    if (byHandle) return;
+    // Another program's sections needn't have a name, or have one of their own; they go by their handle.
+    byHandle = handle && Context::parseHandle(property(feature(candidate, "lvx_sampleLineGroup"), "handle")) == handle;
+    if (!byHandle && (name.empty() || attributeText(candidate, "name") != name)) return;
+    if (byHandle || !found ||
+        (kindOf(found) != SectionsKind::Corridor && kindOf(candidate) == SectionsKind::Corridor)) {
+      found = candidate;
+    }
+  });
+  if (found) used_.insert(found.offset_debug());
+  return found;
+}
+
+/// The stations that were added to a region, in the order of the file, each with its label.
+std::vector<AddedStationTrace> CorridorReader::readAdded(pugi::xml_node region, const std::string& speaker) {
+  std::vector<AddedStationTrace> added;
+  eachChild(region, "Feature", [&](pugi::xml_node child) {
+    if (attribute(child, "code") != "lvx_addedStation") return;
+    if (const auto station = stationProperty(child, "sta", speaker))
+      added.push_back({child, *station, featureName(child)});
+    else
+      context_.warn(child, speaker + ": an added station has no station; left out");
+  });
+  return added;
+}
+
+/// Stations ascending, those within kSameStation once.
+void CorridorReader::settleStations(std::vector<double>& stations) {
+  std::stable_sort(stations.begin(), stations.end());
+  stations.erase(
+      std::unique(stations.begin(), stations.end(), [](double a, double b) { return b - a <= kSameStation; }),
+      stations.end());
+}
+
+/// Labels of added stations go to the sections there that have none, else they wait for the rebuild.
+void CorridorReader::giveLabels(civil::Region& region, const std::vector<AddedStationTrace>& added) {
+  for (const AddedStationTrace& a : added) {
+    const auto at = std::lower_bound(region.sections.begin(), region.sections.end(), a.station - kSameStation,
+                                     [](const auto& section, double station) { return section.station < station; });
+    if (at == region.sections.end() || at->station > a.station + kSameStation) {
+      region.pendingLabels.emplace(a.station, a.label);
+    } else if (at->label.empty()) {
+      at->label = a.label;
+    }
+  }
+}
+
 civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRecord& alignment,
                                          const civil::ProfileObject* profile, const std::string& speaker,
                                          RegionTrace& trace) {
@@ -94,21 +152,7 @@ civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRec
   region.name = featureName(node);
   const std::string who = speaker + ": region '" + region.name + "'";
   const std::string sections = property(node, "crossSects").value_or("");
-  const auto handle = Context::parseHandle(property(node, "crossSectsHandle"));
-  pugi::xml_node source;
-  bool byHandle = false;
-  eachChild(alignment.node, "CrossSects", [&](pugi::xml_node candidate) {
-    if (byHandle) return;
-    // Another program's sections needn't have a name, or have one of their own; they go by their handle.
-    byHandle = handle && Context::parseHandle(property(feature(candidate, "lvx_sampleLineGroup"), "handle")) == handle;
-    if (!byHandle && (sections.empty() || attributeText(candidate, "name") != sections)) return;
-    if (byHandle || !source ||
-        (kindOf(source) != SectionsKind::Corridor && kindOf(candidate) == SectionsKind::Corridor)) {
-      source = candidate;
-    }
-  });
-  if (source) used_.insert(source.offset_debug());
-  if (source)
+  if (const pugi::xml_node source = sectionsOf(node, alignment))
     region.sections = readCorridorSections(context_, source, profile, who, trace.sections);
   else if (!sections.empty())
     context_.warn(node, who + ": its alignment has no CrossSects '" + shown(sections) + "'");
@@ -119,37 +163,13 @@ civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRec
     if (!list.problem.empty()) context_.warn(node, who + ": stations: " + list.problem + "; those before it are taken");
     stations = std::move(list.values);
   }
-  struct Added {
-    double station;
-    std::string label;
-  };
-  std::vector<Added> added;
-  eachChild(node, "Feature", [&](pugi::xml_node child) {
-    if (attribute(child, "code") != "lvx_addedStation") return;
-    if (const auto station = stationProperty(child, "sta", who)) {
-      added.push_back({*station, featureName(child)});
-      trace.added.push_back({child, *station, added.back().label});
-    } else {
-      context_.warn(child, who + ": an added station has no station; left out");
-    }
-  });
+  trace.added = readAdded(node, who);
   // Whatever has a section or was added belongs to the list, also where a file forgot it.
   for (const auto& section : region.sections) stations.push_back(section.station);
-  for (const Added& a : added) stations.push_back(a.station);
-  std::stable_sort(stations.begin(), stations.end());
-  stations.erase(
-      std::unique(stations.begin(), stations.end(), [](double a, double b) { return b - a <= kSameStation; }),
-      stations.end());
+  for (const AddedStationTrace& a : trace.added) stations.push_back(a.station);
+  settleStations(stations);
   region.stations.insert(stations.begin(), stations.end());
-  for (const Added& a : added) {
-    const auto at = std::lower_bound(region.sections.begin(), region.sections.end(), a.station - kSameStation,
-                                     [](const auto& section, double station) { return section.station < station; });
-    if (at == region.sections.end() || at->station > a.station + kSameStation) {
-      region.pendingLabels.emplace(a.station, a.label);
-    } else if (at->label.empty()) {
-      at->label = a.label;
-    }
-  }
+  giveLabels(region, trace.added);
 
   const auto start = stationProperty(node, "staStart", who);
   const auto end = stationProperty(node, "staEnd", who);

@@ -160,7 +160,7 @@ void Scanner::start(const Token& token) {
   if (token.selfClosing) return;
   if (parent == Role::Definition && !locates_ && (local == "Pnts" || local == "Faces")) {
     const std::string name(token.name);
-    TinScanner(in_, tokens_, open_, *tin_).scan(name, local == "Pnts");
+    scanTin(in_, tokens_, open_, *tin_, name, local == "Pnts");
     append("</" + name + ">");
     anchor();
     return;

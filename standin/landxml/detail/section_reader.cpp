@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <utility>
 
 #include "landxml/detail/numbers.h"
 #include "landxml/detail/tree.h"
@@ -16,6 +17,8 @@ namespace {
 
 /// Half width of a line about which the file says nothing.
 constexpr double kDefaultHalfWidth = 10.0;
+/// Vertices this close to the alignment's point at their station run through it; in drawing units.
+constexpr double kOnLine = 0.001;
 
 /// 1234.5 as "1+234.500"; below zero both separators are minus signs, as the reports print stations.
 std::string stationName(double station) {
@@ -161,6 +164,139 @@ bool hasDesign(pugi::xml_node crossSects) {
   return found;
 }
 
+namespace {
+
+/// One CrossSects as a sample line group: all lines by their own words first, then places for those that say only how
+/// far they reach, since a line that doesn't even say that takes the widest of the others.
+class SampleLineReader {
+ public:
+  SampleLineReader(Context& context, const civil::AlignmentObject& alignment, std::string speaker)
+      : context_(context), alignment_(alignment), who_(std::move(speaker)) {}
+
+  void readHalfWidth(pugi::xml_node ours);
+  void readLine(pugi::xml_node section);
+  /// All lines, in the order of the file; those that can't be placed are left out.
+  [[nodiscard]] std::vector<civil::SampleLine> placedLines();
+
+ private:
+  [[nodiscard]] std::vector<Vec2> verticesOf(pugi::xml_node section, double station, const std::string& speaker);
+  [[nodiscard]] Unplaced extentAndSkewOf(pugi::xml_node section, const std::string& speaker);
+  [[nodiscard]] bool place(const Unplaced& unplaced, double defaultWidth);
+
+  Context& context_;
+  const civil::AlignmentObject& alignment_;
+  std::string who_;
+  std::optional<double> halfWidth_;
+  std::vector<civil::SampleLine> lines_;
+  std::vector<Unplaced> unplaced_;
+};
+
+void SampleLineReader::readHalfWidth(pugi::xml_node ours) {
+  const auto value = property(ours, "halfWidth");
+  if (!value) return;
+  double width = 0.0;
+  if (readSingleNumber(*value, width) && width > 0.0)
+    halfWidth_ = width;
+  else
+    context_.warn(ours, who_ + ": halfWidth '" + shown(*value) + "' is not a width");
+}
+
+void SampleLineReader::readLine(pugi::xml_node section) {
+  // Another program's sections can be sample lines and corridor at once; what we computed among them is no line.
+  if (isComputed(section)) return;
+  const std::string given = attributeText(section, "name");
+  const auto station = context_.number(section, "sta", who_);
+  if (!station) {
+    context_.error(section, who_ + ": sample line '" + given + "' has no station; left out");
+    return;
+  }
+  civil::SampleLine line;
+  line.station = *station;
+  line.name = given.empty() ? stationName(*station) : given;
+  const std::string speaker = who_ + ": sample line '" + line.name + "'";
+  line.handle = context_.ticket(section, property(feature(section, "lvx_sampleLine"), "handle"));
+  line.vertices = verticesOf(section, line.station, speaker);
+  if (line.vertices.empty()) unplaced_.push_back(extentAndSkewOf(section, speaker));
+  lines_.push_back(std::move(line));
+}
+
+/// The line's own vertices; none where the file gives none that can be used.
+std::vector<Vec2> SampleLineReader::verticesOf(pugi::xml_node section, double station, const std::string& speaker) {
+  const pugi::xml_node ours = feature(section, "lvx_sampleLine");
+  const auto text = property(ours, "vertices");
+  if (!text) return {};
+  const NumberList list = readNumbers(*text);
+  if (!list.problem.empty() || list.values.size() < 4 || list.values.size() % 2 != 0) {
+    context_.warn(ours, speaker + ": its vertices can't be used" +
+                            (list.problem.empty() ? std::string() : ": " + list.problem) +
+                            "; its offsets are taken instead");
+    return {};
+  }
+  std::vector<Vec2> vertices;
+  for (std::size_t i = 0; i < list.values.size(); i += 2)
+    vertices.push_back(context_.plan(list.values[i], list.values[i + 1]));
+  const auto pose = alignment_.geometry.poseAt(station);
+  if (pose && distanceToPolyline(pose->point, vertices) > kOnLine) {
+    context_.note(section, speaker + ": doesn't run through the alignment at its station; both are kept");
+  }
+  return vertices;
+}
+
+Unplaced SampleLineReader::extentAndSkewOf(pugi::xml_node section, const std::string& speaker) {
+  Unplaced unplaced{lines_.size(), extentOf(context_, section, speaker), 0.0, section, speaker};
+  if (const auto skew = attribute(section, "angleSkew"); !skew.empty()) {
+    if (const auto angle = context_.angle(skew))
+      unplaced.skew = *angle;
+    else
+      context_.warn(section, speaker + ": angleSkew '" + shown(skew) + "' is not an angle; taken as 0");
+  }
+  return unplaced;
+}
+
+/// Gives a line its vertices; false where the alignment doesn't reach its station.
+bool SampleLineReader::place(const Unplaced& unplaced, double defaultWidth) {
+  civil::SampleLine& line = lines_[unplaced.line];
+  const auto pose = alignment_.geometry.poseAt(line.station);
+  if (!pose) {
+    context_.warn(unplaced.where,
+                  unplaced.speaker + ": the alignment has no station " + shownNumber(line.station) + "; left out");
+    return false;
+  }
+  double left = unplaced.extent.least;
+  double right = unplaced.extent.greatest;
+  if (unplaced.extent.isEmpty() || (left == 0.0 && right == 0.0)) {
+    left = -defaultWidth;
+    right = defaultWidth;
+  } else if (left == right) {
+    // One point beside the alignment: the line runs from the one to the other.
+    left = std::min(left, 0.0);
+    right = std::max(right, 0.0);
+  }
+  // Square to the right, turned on by the skew, which counts clockwise.
+  const Vec2 across = civil::unit(pose->direction - civil::kPi / 2.0 - unplaced.skew);
+  line.vertices.push_back(pose->point + left * across);
+  if (left < 0.0 && right > 0.0) line.vertices.push_back(pose->point);
+  line.vertices.push_back(pose->point + right * across);
+  return true;
+}
+
+std::vector<civil::SampleLine> SampleLineReader::placedLines() {
+  double widest = 0.0;
+  for (const Unplaced& unplaced : unplaced_) {
+    if (unplaced.extent.isEmpty()) continue;
+    widest = std::max({widest, std::abs(unplaced.extent.least), std::abs(unplaced.extent.greatest)});
+  }
+  const double defaultWidth = halfWidth_ ? *halfWidth_ : widest > 0.0 ? widest : kDefaultHalfWidth;
+  std::vector<std::size_t> lost;
+  for (const Unplaced& unplaced : unplaced_) {
+    if (!place(unplaced, defaultWidth)) lost.push_back(unplaced.line);
+  }
+  for (auto i = lost.rbegin(); i != lost.rend(); ++i) lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(*i));
+  return std::move(lines_);
+}
+
+}  // namespace
+
 civil::SampleLineGroup readSampleLines(Context& context, pugi::xml_node crossSects,
                                        const civil::AlignmentObject& alignment, const std::string& speaker,
                                        std::size_t number) {
@@ -170,104 +306,36 @@ civil::SampleLineGroup readSampleLines(Context& context, pugi::xml_node crossSec
   group.name = attributeText(crossSects, "name");
   if (group.name.empty()) group.name = "SL - " + alignment.name + " (" + std::to_string(number) + ")";
   group.description = attributeText(crossSects, "desc");
-  const std::string who = speaker + ": group '" + group.name + "'";
-  std::optional<double> halfWidth;
-  if (const auto value = property(ours, "halfWidth")) {
-    double width = 0.0;
-    if (readSingleNumber(*value, width) && width > 0.0)
-      halfWidth = width;
-    else
-      context.warn(ours, who + ": halfWidth '" + shown(*value) + "' is not a width");
-  }
 
-  std::vector<Unplaced> unplaced;
-  double widest = 0.0;
-  eachChild(crossSects, "CrossSect", [&](pugi::xml_node section) {
-    // Another program's sections can be sample lines and corridor at once; what we computed among them is no line.
-    if (isComputed(section)) return;
-    const std::string given = attributeText(section, "name");
-    const auto station = context.number(section, "sta", who);
-    if (!station) {
-      context.error(section, who + ": sample line '" + given + "' has no station; left out");
-      return;
-    }
-    civil::SampleLine line;
-    line.station = *station;
-    line.name = given.empty() ? stationName(*station) : given;
-    const std::string lineSpeaker = who + ": sample line '" + line.name + "'";
-    const pugi::xml_node lineFeature = feature(section, "lvx_sampleLine");
-    line.handle = context.ticket(section, property(lineFeature, "handle"));
-    if (const auto vertices = property(lineFeature, "vertices")) {
-      const NumberList list = readNumbers(*vertices);
-      if (!list.problem.empty() || list.values.size() < 4 || list.values.size() % 2 != 0) {
-        context.warn(lineFeature, lineSpeaker + ": its vertices can't be used" +
-                                      (list.problem.empty() ? std::string() : ": " + list.problem) +
-                                      "; its offsets are taken instead");
-      } else {
-        for (std::size_t i = 0; i < list.values.size(); i += 2)
-          line.vertices.push_back(context.plan(list.values[i], list.values[i + 1]));
-        const auto pose = alignment.geometry.poseAt(line.station);
-        if (pose && distanceToPolyline(pose->point, line.vertices) > 0.001) {
-          context.note(section, lineSpeaker + ": doesn't run through the alignment at its station; both are kept");
-        }
-      }
-    }
-    if (line.vertices.empty()) {
-      Unplaced place{group.lines.size(), extentOf(context, section, lineSpeaker), 0.0, section, lineSpeaker};
-      if (!place.extent.isEmpty()) {
-        widest = std::max({widest, std::abs(place.extent.least), std::abs(place.extent.greatest)});
-      }
-      if (const auto skew = attribute(section, "angleSkew"); !skew.empty()) {
-        if (const auto angle = context.angle(skew))
-          place.skew = *angle;
-        else
-          context.warn(section, lineSpeaker + ": angleSkew '" + shown(skew) + "' is not an angle; taken as 0");
-      }
-      unplaced.push_back(std::move(place));
-    }
-    group.lines.push_back(std::move(line));
-  });
-
-  const double defaultWidth = halfWidth ? *halfWidth : widest > 0.0 ? widest : kDefaultHalfWidth;
-  std::vector<std::size_t> lost;
-  for (const Unplaced& place : unplaced) {
-    civil::SampleLine& line = group.lines[place.line];
-    const auto pose = alignment.geometry.poseAt(line.station);
-    if (!pose) {
-      context.warn(place.where,
-                   place.speaker + ": the alignment has no station " + shownNumber(line.station) + "; left out");
-      lost.push_back(place.line);
-      continue;
-    }
-    double left = place.extent.least;
-    double right = place.extent.greatest;
-    if (place.extent.isEmpty() || (left == 0.0 && right == 0.0)) {
-      left = -defaultWidth;
-      right = defaultWidth;
-    } else if (left == right) {
-      // One point beside the alignment: the line runs from the one to the other.
-      left = std::min(left, 0.0);
-      right = std::max(right, 0.0);
-    }
-    // Square to the right, turned on by the skew, which counts clockwise.
-    const Vec2 across = civil::unit(pose->direction - civil::kPi / 2.0 - place.skew);
-    line.vertices.push_back(pose->point + left * across);
-    if (left < 0.0 && right > 0.0) line.vertices.push_back(pose->point);
-    line.vertices.push_back(pose->point + right * across);
-  }
-  for (auto i = lost.rbegin(); i != lost.rend(); ++i)
-    group.lines.erase(group.lines.begin() + static_cast<std::ptrdiff_t>(*i));
+  SampleLineReader reader(context, alignment, speaker + ": group '" + group.name + "'");
+  reader.readHalfWidth(ours);
+  eachChild(crossSects, "CrossSect", [&](pugi::xml_node section) { reader.readLine(section); });
+  group.lines = reader.placedLines();
   return group;
 }
 
-std::vector<civil::CorridorSection> readCorridorSections(Context& context, pugi::xml_node crossSects,
-                                                         const civil::ProfileObject* profile,
-                                                         const std::string& speaker, SectionsTrace& trace) {
-  struct Placed {
-    civil::CorridorSection section;
-    pugi::xml_node node;
-  };
-  std::vector<Placed> placed;
+namespace {
+
+/// A section with the CrossSect that it came from.
+struct PlacedSection {
+  civil::CorridorSection section;
+  pugi::xml_node node;
+};
+
+civil::SectionPart readPart(Context& context, pugi::xml_node surface, const std::string& speaker) {
+  civil::SectionPart part;
+  part.codes = splitCodes(context, attributeText(surface, "name"));
+  eachChild(surface, "CrossSectPnt", [&](pugi::xml_node node) {
+    Vec2 point;
+    if (!readSectionPoint(context, node, speaker, point)) return;
+    part.points.push_back({point.x, point.y, splitCodes(context, attributeText(node, "code"))});
+  });
+  return part;
+}
+
+/// All sections with a station, in the order of the file.
+std::vector<PlacedSection> readPlaced(Context& context, pugi::xml_node crossSects, const std::string& speaker) {
+  std::vector<PlacedSection> placed;
   eachChild(crossSects, "CrossSect", [&](pugi::xml_node node) {
     const auto station = context.number(node, "sta", speaker);
     if (!station) {
@@ -279,48 +347,55 @@ std::vector<civil::CorridorSection> readCorridorSections(Context& context, pugi:
     section.label = attributeText(node, "name");
     if (isComputed(node)) section.origin = civil::SectionOrigin::Computed;
     const std::string who = speaker + ": section at " + shownNumber(*station);
-    eachChild(node, "DesignCrossSectSurf", [&](pugi::xml_node surface) {
-      civil::SectionPart part;
-      part.codes = splitCodes(context, attributeText(surface, "name"));
-      eachChild(surface, "CrossSectPnt", [&](pugi::xml_node pointNode) {
-        Vec2 point;
-        if (!readSectionPoint(context, pointNode, who, point)) return;
-        part.points.push_back({point.x, point.y, splitCodes(context, attributeText(pointNode, "code"))});
-      });
-      section.parts.push_back(std::move(part));
-    });
+    eachChild(node, "DesignCrossSectSurf",
+              [&](pugi::xml_node surface) { section.parts.push_back(readPart(context, surface, who)); });
     placed.push_back({std::move(section), node});
   });
-  std::stable_sort(placed.begin(), placed.end(),
-                   [](const Placed& a, const Placed& b) { return a.section.station < b.section.station; });
-  const auto sameStation = [&](const Placed& a, const Placed& b) {
+  return placed;
+}
+
+/// Ascending by station; of several at one station the first in the file.
+void sortByStation(Context& context, pugi::xml_node crossSects, const std::string& speaker,
+                   std::vector<PlacedSection>& placed) {
+  std::stable_sort(placed.begin(), placed.end(), [](const PlacedSection& a, const PlacedSection& b) {
+    return a.section.station < b.section.station;
+  });
+  const auto isSameStation = [&](const PlacedSection& a, const PlacedSection& b) {
     if (b.section.station - a.section.station > civil::kSameStation) return false;
     context.warn(crossSects,
                  speaker + ": two sections stand at " + shownNumber(a.section.station) + "; the first one holds");
     return true;
   };
-  placed.erase(std::unique(placed.begin(), placed.end(), sameStation), placed.end());
+  placed.erase(std::unique(placed.begin(), placed.end(), isSameStation), placed.end());
+}
+
+void makeRelative(std::vector<civil::CorridorSection>& sections, const civil::Profile& profile) {
+  for (auto& section : sections) {
+    const double design = profile.elevationAt(section.station).value_or(0.0);
+    for (auto& part : section.parts) {
+      for (auto& point : part.points) point.elevation -= design;
+    }
+  }
+}
+
+}  // namespace
+
+std::vector<civil::CorridorSection> readCorridorSections(Context& context, pugi::xml_node crossSects,
+                                                         const civil::ProfileObject* profile,
+                                                         const std::string& speaker, SectionsTrace& trace) {
+  std::vector<PlacedSection> placed = readPlaced(context, crossSects, speaker);
+  sortByStation(context, crossSects, speaker, placed);
   std::vector<civil::CorridorSection> sections;
   sections.reserve(placed.size());
   trace = {crossSects, false, {}};
-  for (Placed& p : placed) {
+  for (PlacedSection& p : placed) {
     sections.push_back(std::move(p.section));
     trace.sections.push_back(p.node);
   }
-
-  if (profile != nullptr) {
-    const auto stated = property(feature(crossSects, "lvx_corridorSections"), "elevation");
-    const bool isAbsolute = stated == "absolute" || (stated != "relative" && areAbsolute(sections, profile->profile));
-    trace.isAbsolute = isAbsolute;
-    if (isAbsolute) {
-      for (auto& section : sections) {
-        const double design = profile->profile.elevationAt(section.station).value_or(0.0);
-        for (auto& part : section.parts) {
-          for (auto& point : part.points) point.elevation -= design;
-        }
-      }
-    }
-  }
+  if (profile == nullptr) return sections;
+  const auto stated = property(feature(crossSects, "lvx_corridorSections"), "elevation");
+  trace.isAbsolute = stated == "absolute" || (stated != "relative" && areAbsolute(sections, profile->profile));
+  if (trace.isAbsolute) makeRelative(sections, profile->profile);
   return sections;
 }
 

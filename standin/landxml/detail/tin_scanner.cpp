@@ -1,8 +1,10 @@
 #include "landxml/detail/tin_scanner.h"
 
 #include <charconv>
+#include <cstdint>
 #include <cstring>
 #include <limits>
+#include <string_view>
 #include <system_error>
 
 #include "landxml/detail/entities.h"
@@ -33,7 +35,30 @@ inline const char* readId(const char* at, std::int64_t& id) {
   return at == first ? nullptr : at;
 }
 
-}  // namespace
+/// Inside this file alone, so that the compiler can put the plain forms into the one loop that calls them.
+class TinScanner {
+ public:
+  TinScanner(Input& in, Tokenizer& tokens, OpenElements& open, TinCollector& tin)
+      : in_(in), tokens_(tokens), open_(open), tin_(tin) {}
+  void scan(const std::string& name, bool points);
+
+ private:
+  enum class Step : std::uint8_t { Done, NeedMore, Odd };
+  Step fastPoint(const char*& at);
+  Step fastFace(const char*& at);
+  Step fastClose(const char*& at) const;
+  void slowElement(const Token& token, bool points);
+  void takePoint(std::string_view id, std::string_view pointRef, std::string_view text, std::size_t line);
+  void takeFace(bool invisible, std::string_view text, std::size_t line);
+  void readChildText(std::string_view name, std::string& text);
+  void skipElement(const Token& token);
+
+  Input& in_;
+  Tokenizer& tokens_;
+  OpenElements& open_;
+  TinCollector& tin_;
+  std::string childName_;  // "P" or "F" with the prefix in use
+};
 
 /// `</P>` at `at`; moves behind it.
 TinScanner::Step TinScanner::fastClose(const char*& at) const {
@@ -340,6 +365,13 @@ void TinScanner::takeFace(bool invisible, std::string_view text, std::size_t lin
   } else if (!tin_.addFace(face)) {
     tin_.defer(face, line);
   }
+}
+
+}  // namespace
+
+void scanTin(Input& in, Tokenizer& tokens, OpenElements& open, TinCollector& tin, const std::string& name,
+             bool points) {
+  TinScanner(in, tokens, open, tin).scan(name, points);
 }
 
 }  // namespace lvx::landxml::detail
