@@ -12,6 +12,7 @@
 #include "civil/section_shape.h"
 #include "landxml/detail/context.h"
 #include "landxml/detail/numbers.h"
+#include "landxml/detail/section_markup.h"
 #include "landxml/detail/tree.h"
 
 namespace lvx::landxml::detail {
@@ -34,12 +35,6 @@ std::string handleText(civil::Handle handle) {
 
 bool isSameSection(const CorridorSection& a, const CorridorSection& b) {
   return a.label == b.label && a.origin == b.origin && civil::haveSamePoints(a, b);
-}
-
-std::vector<pugi::xml_node> childrenNamed(pugi::xml_node parent, std::string_view name) {
-  std::vector<pugi::xml_node> nodes;
-  eachChild(parent, name, [&](pugi::xml_node node) { nodes.push_back(node); });
-  return nodes;
 }
 
 pugi::xml_node propertyNode(pugi::xml_node feature, std::string_view label) {
@@ -103,7 +98,6 @@ class ChangeWriter {
 
  private:
   void pairRegions();
-  void findOldVersion();
 
   // What a first save adds.
   void becomeOurs();
@@ -122,19 +116,6 @@ class ChangeWriter {
   void writeOwnCrossSects(const Place& place);
   [[nodiscard]] std::vector<std::pair<double, std::string>> newLabels(const Place& place) const;
 
-  // Markup.
-  [[nodiscard]] Markup featureMarkup(pugi::xml_node like, const std::string& name, const char* code,
-                                     const std::vector<std::pair<std::string, std::string>>& properties) const;
-  [[nodiscard]] Markup addedStation(pugi::xml_node like, double station, const std::string& label) const;
-  [[nodiscard]] std::string pointText(const Place& place, const CorridorSection& section,
-                                      const civil::SectionPoint& point, bool isAbsolute) const;
-  /// The parts of a section, each behind the lead of its own; `pattern` is a CrossSect whose attributes and layout they
-  /// take over (or empty).
-  [[nodiscard]] std::string partsText(const Place& place, const CorridorSection& section, pugi::xml_node like,
-                                      pugi::xml_node pattern, bool isAbsolute, const std::string& partLead);
-  [[nodiscard]] std::string sectionText(const Place& place, const CorridorSection& section, pugi::xml_node like,
-                                        pugi::xml_node pattern, bool isAbsolute, const Layout& layout);
-  [[nodiscard]] std::string codeText(const std::vector<std::string>& codes) const;
   [[nodiscard]] pugi::xml_node nodeOf(civil::Handle handle) const;
   [[nodiscard]] civil::Handle handleOf(pugi::xml_node node) const;
 
@@ -144,9 +125,7 @@ class ChangeWriter {
   FileEditor& editor_;
   const std::string& path_;
   pugi::xml_node root_;
-  bool hasNames_ = true;                    // Feature/@name, not before 1.2
-  bool hasSectionNames_ = true;             // CrossSect/@name, not in 1.0
-  bool hasDictionaries_ = true;             // FeatureDictionary, not in 1.0
+  SectionMarkup markup_;
   std::vector<std::vector<Place>> places_;  // by corridor
   std::unordered_map<civil::Handle, const ObjectTrace*> objects_;
   std::unordered_map<std::ptrdiff_t, civil::Handle> handles_;
@@ -162,26 +141,13 @@ ChangeWriter::ChangeWriter(const civil::Drawing& drawing, const civil::Drawing& 
       trace_(trace),
       editor_(editor),
       path_(path),
-      root_(trace.tree.document_element()) {
+      root_(trace.tree.document_element()),
+      markup_(trace, editor) {
   for (const ObjectTrace& object : trace.objects) {
     objects_.emplace(object.handle, &object);
     handles_.emplace(object.node.offset_debug(), object.handle);
   }
-  findOldVersion();
   pairRegions();
-}
-
-void ChangeWriter::findOldVersion() {
-  const std::string_view name = root_.name();
-  const auto colon = name.find(':');
-  const std::string declaration =
-      colon == std::string_view::npos ? "xmlns" : "xmlns:" + std::string(name.substr(0, colon));
-  // Validators go by the namespace, which needn't agree with the version.
-  std::string_view version = attribute(root_, declaration.c_str());
-  const auto mark = version.rfind("LandXML-");
-  version = mark == std::string_view::npos ? attribute(root_, "version") : version.substr(mark + 8);
-  hasNames_ = version != "1.0" && version != "1.1";
-  hasSectionNames_ = hasDictionaries_ = version != "1.0";
 }
 
 void ChangeWriter::pairRegions() {
@@ -264,7 +230,7 @@ void ChangeWriter::ensureHandle(pugi::xml_node node, civil::Handle handle) {
   const std::string text = handleText(handle);
   const pugi::xml_node existing = feature(node, row->code);
   if (!existing)
-    editor_.append(node, featureMarkup(node, {}, row->code, {{"handle", text}}));
+    editor_.append(node, markup_.featureMarkup(node, {}, row->code, {{"handle", text}}));
   else if (const pugi::xml_node property = propertyNode(existing, "handle"))
     editor_.setAttribute(property, "value", text);
   else
@@ -276,7 +242,7 @@ void ChangeWriter::becomeOurs() {
   for (const civil::Corridor& corridor : drawing_.corridors) ensured_.insert(corridor.handle);
   for (const ObjectTrace& object : trace_.objects) ensureHandle(object.node, object.handle);
   writeSites();
-  if (hasDictionaries_) {
+  if (markup_.hasDictionaries()) {
     editor_.append(root_, Markup{FileEditor::nameLike(root_, "FeatureDictionary"),
                                  {{"name", "lvx"}, {"version", std::string(kGuestVersion)}},
                                  {},
@@ -288,11 +254,11 @@ void ChangeWriter::writeSites() {
   const pugi::xml_node project = child(root_, "Project");
   // Without a Project the sites go on by their order: we don't name the user's project for him.
   if (!project || drawing_.sites.empty() || feature(project, "lvx_sites")) return;
-  Markup list = featureMarkup(project, {}, "lvx_sites", {});
+  Markup list = markup_.featureMarkup(project, {}, "lvx_sites", {});
   for (const civil::Site& site : drawing_.sites) {
     std::vector<std::pair<std::string, std::string>> properties{{"handle", handleText(site.handle)}};
     if (!site.description.empty()) properties.emplace_back("desc", site.description);
-    list.children.push_back(featureMarkup(project, site.name, "lvx_site", properties));
+    list.children.push_back(markup_.featureMarkup(project, site.name, "lvx_site", properties));
   }
   editor_.append(project, std::move(list));
 }
@@ -303,18 +269,19 @@ Markup ChangeWriter::regionFeature(const Place& place, pugi::xml_node like) {
   ensureHandle(sections, handle);
   if (!feature(sections, "lvx_corridorSections")) {
     editor_.append(sections,
-                   featureMarkup(sections, {}, "lvx_corridorSections",
-                                 {{"elevation", place.trace->sections.isAbsolute ? "absolute" : "relative"}}));
+                   markup_.featureMarkup(sections, {}, "lvx_corridorSections",
+                                         {{"elevation", place.trace->sections.isAbsolute ? "absolute" : "relative"}}));
   }
   std::string stations;
   for (const double station : place.now->stations) stations += (stations.empty() ? "" : " ") + numberText(station);
-  Markup region = featureMarkup(like, place.now->name, "lvx_region",
-                                {{"staStart", numberText(place.now->startStation)},
-                                 {"staEnd", numberText(place.now->endStation)},
-                                 {"crossSects", attributeText(sections, "name")},
-                                 {"crossSectsHandle", handleText(handle)},
-                                 {"stations", stations}});
-  for (const auto& [station, label] : newLabels(place)) region.children.push_back(addedStation(like, station, label));
+  Markup region = markup_.featureMarkup(like, place.now->name, "lvx_region",
+                                        {{"staStart", numberText(place.now->startStation)},
+                                         {"staEnd", numberText(place.now->endStation)},
+                                         {"crossSects", attributeText(sections, "name")},
+                                         {"crossSectsHandle", handleText(handle)},
+                                         {"stations", stations}});
+  for (const auto& [station, label] : newLabels(place))
+    region.children.push_back(markup_.addedStation(like, station, label));
   return region;
 }
 
@@ -322,7 +289,7 @@ Markup ChangeWriter::regionFeature(const Place& place, pugi::xml_node like) {
 void ChangeWriter::adoptCorridor(std::size_t index) {
   const civil::Corridor& corridor = drawing_.corridors[index];
   const CorridorTrace& trace = trace_.corridors[index];
-  Markup ours = featureMarkup(root_, {}, "lvx_corridor", {{"handle", handleText(corridor.handle)}});
+  Markup ours = markup_.featureMarkup(root_, {}, "lvx_corridor", {{"handle", handleText(corridor.handle)}});
   auto place = places_[index].begin();
   for (const civil::Baseline& baseline : corridor.baselines) {
     ensureHandle(nodeOf(baseline.alignment->handle), baseline.alignment->handle);
@@ -333,7 +300,7 @@ void ChangeWriter::adoptCorridor(std::size_t index) {
       properties.emplace_back("profile", baseline.profile->name);
       properties.emplace_back("profileHandle", handleText(baseline.profile->handle));
     }
-    Markup line = featureMarkup(root_, baseline.name, "lvx_baseline", properties);
+    Markup line = markup_.featureMarkup(root_, baseline.name, "lvx_baseline", properties);
     for (std::size_t r = 0; r < baseline.regions.size(); ++r) {
       line.children.push_back(regionFeature(*place++, root_));
     }
@@ -353,108 +320,6 @@ void ChangeWriter::adoptCorridor(std::size_t index) {
   auto& roadways = newRoadways_[alignments.offset_debug()];
   roadways.first = alignments;
   roadways.second.push_back(std::move(roadway));
-}
-
-// ---------------------------------------------------------------- markup
-
-Markup ChangeWriter::featureMarkup(pugi::xml_node like, const std::string& name, const char* code,
-                                   const std::vector<std::pair<std::string, std::string>>& properties) const {
-  Markup markup{FileEditor::nameLike(like, "Feature"), {}, {}, false};
-  const auto add = [&](const std::string& label, const std::string& value) {
-    markup.children.push_back({FileEditor::nameLike(like, "Property"), {{"label", label}, {"value", value}}, {}, true});
-  };
-  if (!name.empty() && hasNames_) markup.attributes.emplace_back("name", name);
-  markup.attributes.emplace_back("code", code);
-  markup.attributes.emplace_back("source", "lvx");
-  if (!name.empty() && !hasNames_) add("name", name);
-  for (const auto& [label, value] : properties) add(label, value);
-  return markup;
-}
-
-Markup ChangeWriter::addedStation(pugi::xml_node like, double station, const std::string& label) const {
-  return featureMarkup(like, label, "lvx_addedStation", {{"sta", numberText(station)}});
-}
-
-std::string ChangeWriter::codeText(const std::vector<std::string>& codes) const {
-  std::string text;
-  for (std::size_t i = 0; i < codes.size(); ++i) {
-    if (i > 0) text += ',';
-    for (const char c : codes[i]) {
-      // In other programs' files a code is one text, commas and all.
-      if (trace_.isOurs && c == ',')
-        text += "%2C";
-      else if (trace_.isOurs && c == '%')
-        text += "%25";
-      else
-        text += c;
-    }
-  }
-  return text;
-}
-
-std::string ChangeWriter::pointText(const Place& place, const CorridorSection& section,
-                                    const civil::SectionPoint& point, bool isAbsolute) const {
-  double elevation = point.elevation;
-  if (isAbsolute && place.baseline->profile != nullptr) {
-    elevation += place.baseline->profile->profile.elevationAt(section.station).value_or(0.0);
-  }
-  return numberText(point.offset) + ' ' + numberText(elevation);
-}
-
-std::string ChangeWriter::partsText(const Place& place, const CorridorSection& section, pugi::xml_node like,
-                                    pugi::xml_node pattern, bool isAbsolute, const std::string& partLead) {
-  const std::vector<pugi::xml_node> patterns = childrenNamed(pattern, "DesignCrossSectSurf");
-  std::string pointLead;
-  std::string partClose;
-  if (!patterns.empty() && !partLead.empty()) {
-    if (const pugi::xml_node point = child(patterns.front(), "CrossSectPnt")) pointLead = editor_.layoutOf(point).lead;
-    if (!pointLead.empty()) partClose = editor_.closeLead(patterns.front());
-  }
-  const std::string partName = FileEditor::nameLike(like, "DesignCrossSectSurf");
-  const std::string pointName = FileEditor::nameLike(like, "CrossSectPnt");
-  std::string text;
-  for (std::size_t i = 0; i < section.parts.size(); ++i) {
-    const civil::SectionPart& part = section.parts[i];
-    const std::string codes = codeText(part.codes);
-    text += partLead + '<' + partName;
-    if (!codes.empty()) text += " name=\"" + escapedAttribute(codes) + '"';
-    if (i < patterns.size() && attributeText(patterns[i], "name") == codes) {
-      // What a part is made of and how it closes is the same along the road; its measures aren't.
-      for (const char* const kept : {"side", "material", "closedArea"}) {
-        if (const auto value = patterns[i].attribute(kept)) {
-          text += ' ' + std::string(kept) + "=\"" + escapedAttribute(value.value()) + '"';
-        }
-      }
-    }
-    text += '>';
-    for (const civil::SectionPoint& point : part.points) {
-      const std::string pointCodes = codeText(point.codes);
-      text += pointLead + '<' + pointName;
-      if (!pointCodes.empty()) text += " code=\"" + escapedAttribute(pointCodes) + '"';
-      text += '>' + pointText(place, section, point, isAbsolute) + "</" + pointName + '>';
-    }
-    text += partClose + "</" + partName + '>';
-  }
-  return text;
-}
-
-std::string ChangeWriter::sectionText(const Place& place, const CorridorSection& section, pugi::xml_node like,
-                                      pugi::xml_node pattern, bool isAbsolute, const Layout& layout) {
-  std::string partLead = layout.inner().lead;
-  std::string close = layout.lead;
-  if (const pugi::xml_node part = child(pattern, "DesignCrossSectSurf")) {
-    partLead = editor_.layoutOf(part).lead;
-    close = partLead.empty() ? std::string() : editor_.closeLead(pattern);
-  }
-  const std::string name = FileEditor::nameLike(like, "CrossSect");
-  std::string text = '<' + name + " sta=\"" + numberText(section.station) + '"';
-  if (!section.label.empty() && hasSectionNames_) text += " name=\"" + escapedAttribute(section.label) + '"';
-  text += '>' + partsText(place, section, like, pattern, isAbsolute, partLead);
-  if (section.origin == SectionOrigin::Computed) {
-    text += partLead;
-    featureMarkup(like, {}, "lvx_section", {{"origin", "computed"}}).print({partLead, layout.unit}, text);
-  }
-  return text + close + "</" + name + '>';
 }
 
 // ---------------------------------------------------------------- regions
@@ -533,7 +398,7 @@ void ChangeWriter::writeAddedStations(const Place& place) {
     if (!fits) editor_.remove(added.node);
   }
   for (const auto& [station, label] : newLabels(place)) {
-    editor_.append(place.trace->feature, addedStation(place.trace->feature, station, label));
+    editor_.append(place.trace->feature, markup_.addedStation(place.trace->feature, station, label));
   }
 }
 
@@ -572,7 +437,8 @@ void ChangeWriter::writeSections(const Place& place) {
     }
     const pugi::xml_node sibling = followers[i] ? followers[i] : previous;
     const Layout layout = sibling ? editor_.layoutOf(sibling) : editor_.layoutInside(trace.node);
-    const std::string text = sectionText(place, now, trace.node, patterns[i], trace.isAbsolute, layout);
+    const std::string text =
+        markup_.sectionText(*place.baseline, now, trace.node, patterns[i], trace.isAbsolute, layout);
     if (followers[i])
       editor_.insertBefore(followers[i], text);
     else if (previous)
@@ -586,7 +452,7 @@ void ChangeWriter::changeSection(const Place& place, const CorridorSection& now,
                                  pugi::xml_node node) {
   const bool isAbsolute = place.trace->sections.isAbsolute;
   if (now.station != stored.station) editor_.setAttribute(node, "sta", numberText(now.station));
-  if (now.label != stored.label && hasSectionNames_) {
+  if (now.label != stored.label && markup_.hasSectionNames()) {
     if (now.label.empty())
       editor_.removeAttribute(node, "name");
     else
@@ -605,12 +471,12 @@ void ChangeWriter::changeSection(const Place& place, const CorridorSection& now,
       for (std::size_t p = 0; p < points[i].size(); ++p) {
         const civil::SectionPoint& point = now.parts[i].points[p];
         if (civil::isSamePlace(point, stored.parts[i].points[p])) continue;
-        editor_.setContent(points[i][p], pointText(place, now, point, isAbsolute));
+        editor_.setContent(points[i][p], markup_.pointText(*place.baseline, now, point, isAbsolute));
       }
     }
   } else if (!civil::haveSamePoints(now, stored)) {
     const Layout layout = parts.empty() ? editor_.layoutInside(node) : editor_.layoutOf(parts.front());
-    std::string text = partsText(place, now, node, node, isAbsolute, layout.lead);
+    std::string text = markup_.partsText(*place.baseline, now, node, node, isAbsolute, layout.lead);
     if (parts.empty()) {
       const std::vector<pugi::xml_node> surfaces = childrenNamed(node, "CrossSectSurf");
       if (surfaces.empty())
@@ -633,7 +499,7 @@ void ChangeWriter::changeSection(const Place& place, const CorridorSection& now,
     else
       editor_.addProperty(ours, "origin", "computed");
   } else {
-    editor_.append(node, featureMarkup(node, {}, "lvx_section", {{"origin", "computed"}}));
+    editor_.append(node, markup_.featureMarkup(node, {}, "lvx_section", {{"origin", "computed"}}));
   }
 }
 
@@ -654,10 +520,10 @@ void ChangeWriter::writeOwnCrossSects(const Place& place) {
       place.trace->sections.sections.empty() ? pugi::xml_node() : place.trace->sections.sections.front();
   std::string text = layout.lead + '<' + element + " name=\"" + escapedAttribute(name) + "\">";
   for (const CorridorSection& section : place.now->sections) {
-    text += inside.lead + sectionText(place, section, alignment, pattern, isAbsolute, inside);
+    text += inside.lead + markup_.sectionText(*place.baseline, section, alignment, pattern, isAbsolute, inside);
   }
   text += inside.lead;
-  featureMarkup(alignment, {}, "lvx_corridorSections", {{"elevation", isAbsolute ? "absolute" : "relative"}})
+  markup_.featureMarkup(alignment, {}, "lvx_corridorSections", {{"elevation", isAbsolute ? "absolute" : "relative"}})
       .print(inside, text);
   editor_.append(alignment, text + layout.lead + "</" + element + '>');
 

@@ -17,6 +17,12 @@ pugi::xml_node child(pugi::xml_node parent, std::string_view name) {
   return {};
 }
 
+std::vector<pugi::xml_node> childrenNamed(pugi::xml_node parent, std::string_view name) {
+  std::vector<pugi::xml_node> nodes;
+  eachChild(parent, name, [&](pugi::xml_node node) { nodes.push_back(node); });
+  return nodes;
+}
+
 std::string_view attribute(pugi::xml_node node, const char* name) { return trimmed(node.attribute(name).value()); }
 
 std::string attributeText(pugi::xml_node node, const char* name) { return node.attribute(name).value(); }

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <pugixml.hpp>
 
@@ -23,6 +24,8 @@ void eachChild(pugi::xml_node parent, std::string_view name, Use use) {
     if (node.type() == pugi::node_element && isNamed(node, name)) use(node);
   }
 }
+/// Those elements.
+[[nodiscard]] std::vector<pugi::xml_node> childrenNamed(pugi::xml_node parent, std::string_view name);
 template <class Use>
 void eachElement(pugi::xml_node parent, Use use) {
   for (const pugi::xml_node node : parent.children()) {
