@@ -16,8 +16,7 @@
 
 /// An open drawing: plain data and the geometry over it, no I/O. Texts are UTF-8. Lists stand in the order of the file.
 /// Stations, offsets, elevations and coordinates are in drawing units (Drawing::linearUnit); x runs east, y north. A
-/// negative offset lies on the left of the alignment's direction of travel. What a reader of drawings puts in is finite
-/// and no larger than 1e12.
+/// negative offset lies on the left of the alignment's direction of travel. What a reader of drawings puts in is finite.
 namespace lvx::civil {
 
 /// Identifies an object for as long as its drawing is open; 0 for none. Unique over all files of a drawing.

@@ -28,8 +28,8 @@ struct ReadOptions {
 };
 
 /// Reads a drawing. What is odd but can be survived becomes a diagnostic of the drawing; what can't throws ReadError.
-/// Lengths stay in the file's unit (Drawing::linearUnit), angles become radians. A number that isn't finite or is beyond
-/// 1e12 is a fault of the file. Limits that only broken files reach, each with a message of its own: 200 levels of
+/// Lengths stay in the file's unit (Drawing::linearUnit) unless `lengthFactor` says otherwise; angles become radians. A
+/// number in the file that isn't finite or is beyond 1e12 is a fault of the file. Limits that only broken files reach, each with a message of its own: 200 levels of
 /// elements, 64 MB in one tag, 30 million elements and attributes besides points and faces.
 ///
 /// The millions of P and F of surfaces stream past into arrays; peak memory stays below 1.5 times the file. O(n) in the
