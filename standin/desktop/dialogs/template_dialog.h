@@ -40,7 +40,7 @@ struct DialogBaseUnits {
 ///     TemplateDialog window(behaviour, parent);
 ///     int code = window.runModal();
 ///
-/// Object names for whoever looks for a widget: the template's name for the window, "control" and the number ("control126")
+/// Object names for whoever looks for a widget: the template's name for the window, "control" with the number behind it
 /// for each control.
 class TemplateDialog final : public QDialog, public host::DialogWindow {
   Q_OBJECT
