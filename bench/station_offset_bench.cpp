@@ -1,6 +1,7 @@
 // Station and offset of many points against one alignment.
 //
 //   bench_station_offset                  a road and points of its own, checked against a plain search first
+//   bench_station_offset law=bloss              the same road with other transitions than clothoids
 //   bench_station_offset data=DIR [runs=5 limit=0]
 //
 // DIR/alignment.f64 holds 8 words an element: kind (int64: 0 line, 1 arc, 2 clothoid), then doubles: distance from the
@@ -57,8 +58,15 @@ Alignment readAlignment(const std::string& directory) {
   return {kStartStation, std::move(elements)};
 }
 
-/// A road of bends with clothoids, right and left in turn, over about `kilometres`.
-Alignment makeRoad(int kilometres) {
+ElementKind lawNamed(const std::string& name) {
+  for (const ElementKind law : {ElementKind::Clothoid, ElementKind::Bloss, ElementKind::Cosine,
+                                ElementKind::Biquadratic, ElementKind::Sinusoid})
+    if (name == kindName(law)) return law;
+  throw std::runtime_error("no transition is named '" + name + "'");
+}
+
+/// A road of bends with transitions, right and left in turn, over about `kilometres`.
+Alignment makeRoad(int kilometres, ElementKind law) {
   std::mt19937_64 random(20);
   const auto between = [&](double low, double high) {
     return low + (high - low) * (static_cast<double>(random() >> 11) * 0x1p-53);
@@ -77,9 +85,9 @@ Alignment makeRoad(int kilometres) {
     const double curvature = sign / between(200.0, 900.0);
     const double transition = between(40.0, 80.0);
     add(ElementKind::Line, between(20.0, 120.0), 0.0, 0.0);
-    add(ElementKind::Clothoid, transition, 0.0, curvature);
+    add(law, transition, 0.0, curvature);
     add(ElementKind::Arc, between(20.0, 100.0), curvature, curvature);
-    add(ElementKind::Clothoid, transition, curvature, 0.0);
+    add(law, transition, curvature, 0.0);
   }
   return {kStartStation, std::move(elements)};
 }
@@ -146,7 +154,7 @@ int main(int argc, char** argv) try {
   Alignment axis;
   std::vector<Vec2> probes;
   if (data.empty()) {
-    axis = makeRoad(10);
+    axis = makeRoad(10, lawNamed(arguments.contains("law") ? arguments["law"] : "clothoid"));
     probes = makeProbes(axis, 200000);
     check(axis, std::span(probes).first(200));
   } else {

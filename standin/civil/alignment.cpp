@@ -142,6 +142,15 @@ class AlignmentText {
     return 1.0 / value;
   }
 
+  // A line where no transition is named so.
+  static ElementKind transitionNamed(std::string_view name) {
+    for (const ElementKind law : {ElementKind::Clothoid, ElementKind::Bloss, ElementKind::Cosine,
+                                  ElementKind::Biquadratic, ElementKind::Sinusoid}) {
+      if (name == kindName(law)) return law;
+    }
+    return ElementKind::Line;
+  }
+
   void expectR() {
     if (const std::string_view taken = word(); taken != "R") fail("R is wanted", taken);
   }
@@ -172,8 +181,8 @@ class AlignmentText {
       const double bend = curvature(radius, radius);
       element.startCurvature = element.endCurvature = sense() * bend;
       add(element);
-    } else if (item == "clothoid") {
-      Element element = continued(ElementKind::Clothoid, size());
+    } else if (const ElementKind law = transitionNamed(item); isTransition(law)) {
+      Element element = continued(law, size());
       expectR();
       const std::string_view radii = word();
       const std::size_t dots = radii.find("..");

@@ -40,7 +40,7 @@ class Alignment {
 
   /// An alignment in one line of text, for tests and tools: `start S` and `at X Y heading AZIMUTH-DEGREES`, then
   /// elements that continue one another: `line L`, `arc L R r left|right`, `clothoid L R r1..r2 left|right` (`inf` for
-  /// straight), and `to X Y` for a line to a point (which may make a corner). `at` and `heading` between elements make
+  /// straight; `bloss`, `cosine`, `biquadratic` and `sinusoid` alike), and `to X Y` for a line to a point (which may make a corner). `at` and `heading` between elements make
   /// gaps and corners. Without them it starts at 0 0 to the north. Throws std::invalid_argument that names the word.
   [[nodiscard]] static Alignment fromText(std::string_view text);
 
@@ -55,7 +55,7 @@ class Alignment {
   /// Position and direction of travel at `station`. A station outside [startStation, endStation] by kEndTolerance or
   /// `tolerance` at most, whichever is larger, gives the end; further out it is empty, as for an alignment without
   /// length. At a joint the later element answers, passing over elements without length. Position error below 1e-9 on
-  /// lines, arcs and clothoids up to 1 km. O(log n).
+  /// elements up to 1 km. O(log n).
   [[nodiscard]] std::optional<Pose> poseAt(double station, double tolerance = 0.0) const;
 
   /// The point at `offset` square to the alignment at `station` (positive: right), with the direction of travel there.

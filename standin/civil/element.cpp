@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "civil/detail/clothoid_series.h"
+#include "civil/detail/transition_law.h"
 
 namespace lvx::civil {
 
@@ -16,6 +17,26 @@ double normalizedAngle(double angle) {
 }
 
 double azimuthOf(double direction) { return normalizedAngle(0.5 * kPi - direction); }
+
+const char* kindName(ElementKind kind) {
+  switch (kind) {
+    case ElementKind::Line:
+      return "line";
+    case ElementKind::Arc:
+      return "arc";
+    case ElementKind::Clothoid:
+      return "clothoid";
+    case ElementKind::Bloss:
+      return "bloss";
+    case ElementKind::Cosine:
+      return "cosine";
+    case ElementKind::Biquadratic:
+      return "biquadratic";
+    case ElementKind::Sinusoid:
+      return "sinusoid";
+  }
+  return "";
+}
 
 namespace detail {
 namespace {
@@ -57,6 +78,39 @@ bool ClothoidSeries::isAccurate(double curvature, double rate, double half) {
     const double next = (a * term + b * before) / (n + 1);
     before = term;
     term = next;
+  }
+  return tail < 0.5 * std::numeric_limits<double>::epsilon();
+}
+
+ClothoidSeries::ClothoidSeries(std::span<const double> curvature, double half)
+    : inverseHalf_(half > 0.0 ? 1.0 / half : 0.0) {
+  std::array<Complex, kTerms> tangent{};
+  tangent[0] = 1.0;
+  for (std::size_t n = 0; n < kTerms; ++n) {
+    const double power = static_cast<double>(n + 1);
+    terms_[n] = {half * tangent[n].real() / power, half * tangent[n].imag() / power};
+    if (n + 1 == kTerms) break;
+    Complex sum = 0.0;
+    for (std::size_t j = 0; j <= n && j < curvature.size(); ++j) sum += half * curvature[j] * tangent[n - j];
+    tangent[n + 1] = {-sum.imag() / power, sum.real() / power};
+  }
+}
+
+bool ClothoidSeries::isAccurate(std::span<const double> curvature, double half) {
+  // The majorant's own recurrence, over the sizes of the coefficients.
+  constexpr std::size_t kMajorantTerms = 40;
+  double turn = 0.0;
+  for (std::size_t j = 0; j < curvature.size(); ++j) turn += std::abs(curvature[j]) * half / static_cast<double>(j + 1);
+  if (!(turn < 1.0)) return false;
+  std::array<double, kMajorantTerms + 1> term{};
+  term[0] = 1.0;
+  double tail = 0.0;
+  for (std::size_t n = 0; n < kMajorantTerms; ++n) {
+    const double power = static_cast<double>(n + 1);
+    if (n >= kTerms) tail += term[n] / power;
+    double sum = 0.0;
+    for (std::size_t j = 0; j <= n && j < curvature.size(); ++j) sum += std::abs(curvature[j]) * half * term[n - j];
+    term[n + 1] = sum / power;
   }
   return tail < 0.5 * std::numeric_limits<double>::epsilon();
 }
@@ -118,10 +172,41 @@ double unsignedCurvature(std::optional<double> radius) {
 
 }  // namespace
 
-double Element::curvatureAt(double distance) const { return startCurvature + rateOf(*this) * distance; }
+namespace {
+
+// A clothoid has closed forms of its own, and goes on beyond its ends.
+bool hasLaw(const Element& element) {
+  return element.kind > ElementKind::Clothoid && element.startCurvature != element.endCurvature;
+}
+
+}  // namespace
+
+double Element::curvatureAt(double distance) const {
+  if (hasLaw(*this) && length > 0.0) {
+    return startCurvature + (endCurvature - startCurvature) * curvatureShare(kind, distance / length);
+  }
+  return startCurvature + rateOf(*this) * distance;
+}
+
+double Element::directionAt(double distance) const {
+  if (kind == ElementKind::Line) return direction;
+  if (hasLaw(*this)) return direction + detail::turnOf(*this, distance);
+  const double rate = kind == ElementKind::Arc ? 0.0 : rateOf(*this);
+  return direction + distance * (startCurvature + 0.5 * rate * distance);
+}
+
+std::optional<double> Element::inflection() const {
+  if (!isTransition(kind) || !(startCurvature * endCurvature < 0.0) || !(length > 0.0)) return std::nullopt;
+  if (kind == ElementKind::Clothoid) return length * (startCurvature / (startCurvature - endCurvature));
+  return detail::inflectionOf(*this);
+}
 
 Pose Element::poseAt(double distance) const {
   if (kind == ElementKind::Line) return {start + distance * unit(direction), direction};
+  if (hasLaw(*this)) {
+    return {start + rotated(detail::transitionPoint(*this, distance), direction),
+            direction + detail::turnOf(*this, distance)};
+  }
   const double rate = kind == ElementKind::Arc ? 0.0 : rateOf(*this);
   const double turn = distance * (startCurvature + 0.5 * rate * distance);
   if (rate == 0.0) {
@@ -161,8 +246,8 @@ Element makeArc(Vec2 start, Vec2 center, Vec2 end, Turn turn) {
   return arc;
 }
 
-Element makeClothoid(Vec2 start, std::optional<Vec2> pi, Vec2 end, double length, std::optional<double> startRadius,
-                     std::optional<double> endRadius, Turn turn) {
+Element makeTransition(ElementKind law, Vec2 start, std::optional<Vec2> pi, Vec2 end, double length,
+                       std::optional<double> startRadius, std::optional<double> endRadius, Turn turn) {
   Element element;
   const double sense = turn == Turn::Left ? 1.0 : -1.0;
   element.start = start;
@@ -171,7 +256,7 @@ Element makeClothoid(Vec2 start, std::optional<Vec2> pi, Vec2 end, double length
   element.startCurvature = sense * unsignedCurvature(startRadius);
   element.endCurvature = sense * unsignedCurvature(endRadius);
   if (element.startCurvature != element.endCurvature) {
-    element.kind = ElementKind::Clothoid;
+    element.kind = law;
   } else {
     element.kind = element.startCurvature == 0.0 ? ElementKind::Line : ElementKind::Arc;
     if (element.kind == ElementKind::Line)

@@ -264,5 +264,192 @@ TEST(Elements, SurviveWhatNoDrawingShouldHold) {
   }
 }
 
+// ---------------------------------------------------------------- the other transitions
+
+constexpr ElementKind kLaws[] = {ElementKind::Bloss, ElementKind::Cosine, ElementKind::Biquadratic,
+                                 ElementKind::Sinusoid};
+
+Element transition(ElementKind law, Vec2 start, double direction, double length, double startCurvature,
+                   double endCurvature) {
+  return {law, start, direction, length, startCurvature, endCurvature, {}};
+}
+
+// Tables of positions as railways publish them: 100 m to the left, from radius to radius.
+TEST(Transition, PassesThroughPublishedPositions) {
+  const struct {
+    ElementKind law;
+    double startRadius, endRadius, distance, x, y;
+  } rows[] = {
+      {ElementKind::Bloss, kInfinity, 300, 1, 0.9999999999999920, 0.0000000830000000},
+      {ElementKind::Bloss, kInfinity, 300, 33, 32.9997522645090000, 0.0857810379405941},
+      {ElementKind::Bloss, kInfinity, 300, 50, 49.9962110370024000, 0.4166387925376010},
+      {ElementKind::Bloss, kInfinity, 300, 51, 50.9956960244912000, 0.4487249469273380},
+      {ElementKind::Bloss, kInfinity, 300, 100, 99.7468064174602000, 4.9898110423849500},
+      {ElementKind::Bloss, 300, 1000, 1, 0.9999981483040800, 0.0016666070236725},
+      {ElementKind::Bloss, 300, 1000, 33, 32.9386125714163000, 1.7533514555347500},
+      {ElementKind::Bloss, 300, 1000, 50, 49.8053597780260000, 3.8677538356523700},
+      {ElementKind::Bloss, 300, 1000, 51, 50.7947395317034000, 4.0131062284831600},
+      {ElementKind::Bloss, 300, 1000, 100, 98.9341998449655000, 13.1041208021889000},
+      {ElementKind::Cosine, kInfinity, 300, 1, 0.9999999999999950, 0.0000000685366647},
+      {ElementKind::Cosine, kInfinity, 300, 33, 32.9997895254430000, 0.0784244588213045},
+      {ElementKind::Cosine, kInfinity, 300, 50, 49.9965364029406000, 0.3946222864040520},
+      {ElementKind::Cosine, kInfinity, 300, 51, 50.9960519789311000, 0.4257410032525220},
+      {ElementKind::Cosine, kInfinity, 300, 100, 99.7484553577365000, 4.9458206877227200},
+      {ElementKind::Cosine, 300, 1000, 1, 0.9999981482771090, 0.0016666171479698},
+      {ElementKind::Cosine, 300, 1000, 33, 32.9381992104856000, 1.7584836970910100},
+      {ElementKind::Cosine, 300, 1000, 50, 49.8036538655621000, 3.8830677560884300},
+      {ElementKind::Cosine, 300, 1000, 51, 50.7929349095389000, 4.0290904646374100},
+      {ElementKind::Cosine, 300, 1000, 100, 98.9298874350011000, 13.1346246946288000},
+      {ElementKind::Biquadratic, kInfinity, 300, 1, 0.9999999999999970, 0.0000000555555556},
+      {ElementKind::Biquadratic, kInfinity, 300, 33, 32.9998496708253000, 0.0658842198763726},
+      {ElementKind::Biquadratic, kInfinity, 300, 50, 49.9972443634885000, 0.3472043614274750},
+      {ElementKind::Biquadratic, kInfinity, 300, 51, 50.9968346568973000, 0.3758226167931420},
+      {ElementKind::Biquadratic, kInfinity, 300, 100, 99.7517634462451000, 4.8510605228736400},
+      {ElementKind::Biquadratic, 300, 1000, 1, 0.9999981482528790, 0.0016666262347125},
+      {ElementKind::Biquadratic, 300, 1000, 33, 32.9374695682884000, 1.7672303533900000},
+      {ElementKind::Biquadratic, 300, 1000, 50, 49.7998035122387000, 3.9160314532925500},
+      {ElementKind::Biquadratic, 300, 1000, 51, 50.7888273393673000, 4.0637862721508900},
+      {ElementKind::Biquadratic, 300, 1000, 100, 98.9204802175707000, 13.2003138962093000},
+      {ElementKind::Sinusoid, kInfinity, 300, 1, 1.0000000000000000, 0.0000000010965196},
+      {ElementKind::Sinusoid, kInfinity, 300, 33, 32.9999385601198000, 0.0387759773679903},
+      {ElementKind::Sinusoid, kInfinity, 300, 50, 49.9980741364418000, 0.2722616866324760},
+      {ElementKind::Sinusoid, kInfinity, 300, 51, 50.9977457330320000, 0.2978831255580100},
+      {ElementKind::Sinusoid, kInfinity, 300, 100, 99.7569805097155000, 4.7013207024844200},
+      {ElementKind::Sinusoid, 300, 1000, 1, 0.9999981481513090, 0.0016666643558967},
+      {ElementKind::Sinusoid, 300, 1000, 33, 32.9359318940993000, 1.7861405732851800},
+      {ElementKind::Sinusoid, 300, 1000, 50, 49.7939732141883000, 3.9681515234718900},
+      {ElementKind::Sinusoid, 300, 1000, 51, 50.7826847937442000, 4.1179815258911900},
+      {ElementKind::Sinusoid, 300, 1000, 100, 98.9056108357451000, 13.3041082336709000},
+  };
+  for (const auto& row : rows) {
+    const Element curve = transition(row.law, {0, 0}, 0.0, 100.0, 1 / row.startRadius, 1 / row.endRadius);
+    const Vec2 point = curve.poseAt(row.distance).point;
+    EXPECT_NEAR(point.x, row.x, 3e-13) << kindName(row.law) << " at " << row.distance;
+    EXPECT_NEAR(point.y, row.y, 3e-13) << kindName(row.law) << " at " << row.distance;
+  }
+  EXPECT_EQ(std::size(rows), 40u);
+}
+
+TEST(Transition, AgreesWithQuadratureFromFlatToCoiled) {
+  const struct {
+    double length, startRadius, endRadius;  // signed; infinity straight
+  } rows[] = {
+      {100, kInfinity, 300}, {100, 300, kInfinity}, {60, 300, 120},    {60, -120, -300},  {1000, kInfinity, 500},
+      {1000, 80, 1000},      {1000, kInfinity, 15}, {200, -5, 40},     {300, 100, -80},   {50, 1e8, kInfinity},
+      {1e-3, 5, 2},          {1000, 2, kInfinity},  {1000, -300, 300}, {1000, 333, -400},
+  };
+  for (const ElementKind law : kLaws) {
+    for (const auto& row : rows) {
+      const Element curve = transition(law, {12.0, -7.0}, 2.3, row.length, 1 / row.startRadius, 1 / row.endRadius);
+      const ReferenceElement reference(curve);
+      for (const double share : {0.0, 0.001, 0.3, 0.4999, 0.5, 0.5001, 0.77, 1.0}) {
+        const double s = share * row.length;
+        EXPECT_LT(distanceTo(curve.poseAt(s).point, reference.pointAt(s)), 2e-12 + 1e-13 * row.length)
+            << kindName(law) << ", " << row.length << " m from R " << row.startRadius << " to " << row.endRadius
+            << " at " << s;
+        EXPECT_NEAR(curve.directionAt(s), static_cast<double>(reference.angleAt(s)), 1e-12);
+        EXPECT_EQ(curve.directionAt(s), curve.poseAt(s).direction);
+        EXPECT_NEAR(curve.curvatureAt(s), static_cast<double>(reference.curvatureAt(s)), 1e-14);
+      }
+    }
+  }
+  EXPECT_EQ(std::size(rows), 14u);
+}
+
+TEST(Transition, TurnsByTheSameAngleWhateverItsLaw) {
+  for (const ElementKind law : kLaws) {
+    const Element curve = transition(law, {3, 4}, 0.5, 120.0, -1.0 / 90.0, 1.0 / 250.0);
+    EXPECT_NEAR(curve.endPose().direction, 0.5 + 60.0 * (-1.0 / 90.0 + 1.0 / 250.0), 1e-14) << kindName(law);
+  }
+}
+
+TEST(Transition, GoesOnBeyondItsEndsWithTheCurvatureThere) {
+  for (const ElementKind law : kLaws) {
+    const Element curve = transition(law, {3, 4}, 0.5, 120.0, -1.0 / 90.0, 1.0 / 250.0);
+    EXPECT_EQ(curve.curvatureAt(-5.0), -1.0 / 90.0);
+    EXPECT_DOUBLE_EQ(curve.curvatureAt(125.0), 1.0 / 250.0);
+    const Element before{ElementKind::Arc, curve.start, curve.direction, 0.0, -1.0 / 90.0, -1.0 / 90.0, {}};
+    const Pose end = curve.endPose();
+    const Element behind{ElementKind::Arc, end.point, end.direction, 0.0, 1.0 / 250.0, 1.0 / 250.0, {}};
+    for (const double beyond : {0.001, 10.0, 700.0}) {
+      EXPECT_LT(length(curve.poseAt(-beyond).point - before.poseAt(-beyond).point), 1e-12);
+      EXPECT_LT(length(curve.poseAt(120.0 + beyond).point - behind.poseAt(beyond).point), 1e-11);
+      EXPECT_NEAR(curve.poseAt(120.0 + beyond).direction, behind.poseAt(beyond).direction, 1e-14);
+    }
+  }
+}
+
+TEST(Transition, MirrorsItselfDrivenBackwards) {
+  for (const ElementKind law : kLaws) {
+    const Element there = transition(law, {100, 200}, 1.1, 150.0, 1.0 / 400.0, -1.0 / 120.0);
+    const Pose end = there.endPose();
+    const Element back = transition(law, end.point, end.direction + kPi, 150.0, 1.0 / 120.0, -1.0 / 400.0);
+    for (const double s : {0.0, 31.0, 75.0, 110.0, 150.0}) {
+      EXPECT_LT(length(back.poseAt(150.0 - s).point - there.poseAt(s).point), 1e-12) << kindName(law) << " at " << s;
+    }
+  }
+}
+
+TEST(Transition, PassesFromOneSideToTheOtherAtItsInflection) {
+  EXPECT_NEAR(*clothoid({0, 0}, 0.0, 100.0, -0.01, 0.03).inflection(), 25.0, 1e-12);
+  for (const ElementKind law : kLaws) {
+    const Element curve = transition(law, {0, 0}, 0.0, 100.0, -0.01, 0.03);
+    ASSERT_TRUE(curve.inflection());
+    EXPECT_GT(*curve.inflection(), 25.0) << kindName(law) << " starts more gently than a clothoid";
+    EXPECT_LT(*curve.inflection(), 50.0);
+    EXPECT_NEAR(curve.curvatureAt(*curve.inflection()), 0.0, 1e-16) << kindName(law);
+    EXPECT_NEAR(*transition(law, {0, 0}, 0.0, 100.0, 0.02, -0.02).inflection(), 50.0, 1e-12);
+    EXPECT_FALSE(transition(law, {0, 0}, 0.0, 100.0, 0.0, 0.02).inflection());
+    EXPECT_FALSE(transition(law, {0, 0}, 0.0, 100.0, -0.01, -0.02).inflection());
+  }
+  EXPECT_FALSE((Element{ElementKind::Arc, {0, 0}, 0.0, 100.0, 0.01, 0.01, {}}.inflection()));
+}
+
+TEST(Transition, ComesBackFromWhatADrawingGives) {
+  const struct {
+    double length;
+    std::optional<double> startRadius, endRadius;
+    Turn turn;
+  } rows[] = {
+      {80, std::nullopt, 250, Turn::Left},
+      {80, 250, std::nullopt, Turn::Right},
+      {60, 400, 150, Turn::Right},
+      {200, 100, 30, Turn::Left},
+  };
+  for (const ElementKind law : kLaws) {
+    for (const auto& row : rows) {
+      const double sense = row.turn == Turn::Left ? 1.0 : -1.0;
+      const Element given =
+          transition(law, {4321.5, 8765.25}, 0.7, row.length, row.startRadius ? sense / *row.startRadius : 0.0,
+                     row.endRadius ? sense / *row.endRadius : 0.0);
+      const Pose end = given.endPose();
+      const double t =
+          cross(end.point - given.start, unit(end.direction)) / cross(unit(given.direction), unit(end.direction));
+      const Vec2 pi = given.start + t * unit(given.direction);
+      for (const std::optional<Vec2> corner : {std::optional(pi), std::optional<Vec2>()}) {
+        const Element made =
+            makeTransition(law, given.start, corner, end.point, row.length, row.startRadius, row.endRadius, row.turn);
+        EXPECT_EQ(made.kind, law);
+        EXPECT_NEAR(std::remainder(made.direction - given.direction, kTwoPi), 0.0, 1e-9) << kindName(law);
+        EXPECT_LT(length(made.endPose().point - end.point), 1e-8) << kindName(law);
+      }
+    }
+    EXPECT_EQ(makeTransition(law, {0, 0}, std::nullopt, {9, 9}, 20, 50, 50, Turn::Left).kind, ElementKind::Arc);
+    EXPECT_EQ(makeTransition(law, {0, 0}, std::nullopt, {9, 9}, 20, std::nullopt, 0.0, Turn::Left).kind,
+              ElementKind::Line);
+  }
+}
+
+TEST(Transition, StaysFiniteWhateverItHolds) {
+  for (const ElementKind law : kLaws) {
+    for (const double size : {0.0, 1e-300, 1e-12, 1e6, 1e300}) {
+      const Element curve = transition(law, {0, 0}, 0.0, size, 1e-9, 0.7);
+      for (const double distance : {-1.0, 0.0, 0.5 * size, size, 2.0}) {
+        EXPECT_TRUE(std::isfinite(curve.poseAt(distance).point.x)) << kindName(law) << " " << size << " " << distance;
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace lvx::civil

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <numbers>
 #include <vector>
 
 #include "civil/alignment.h"
@@ -19,8 +20,9 @@ struct RealPoint {
   Real y = 0.0L;
 };
 
-/// Ten Gauss-Legendre nodes over [from, to] of the tangent of a curve with linear curvature.
-inline RealPoint integrateTangent(Real direction, Real curvature, Real rate, Real from, Real to) {
+/// Ten Gauss-Legendre nodes over [from, to] of the tangent of a curve, given its direction by the distance.
+template <class Direction>
+RealPoint integrateTangent(const Direction& directionAt, Real from, Real to) {
   static constexpr Real node[5] = {0.148874338981631210884826001129719985L, 0.433395394129247190799265943165784162L,
                                    0.679409568299024406234327365114873576L, 0.865063366688984510732096688423493049L,
                                    0.973906528517171720077964012084452053L};
@@ -33,7 +35,7 @@ inline RealPoint integrateTangent(Real direction, Real curvature, Real rate, Rea
   for (int i = 0; i < 5; ++i) {
     for (const Real side : {-1.0L, 1.0L}) {
       const Real s = middle + side * half * node[i];
-      const Real angle = direction + s * (curvature + rate * s / 2);
+      const Real angle = directionAt(s);
       sum.x += weight[i] * std::cos(angle);
       sum.y += weight[i] * std::sin(angle);
     }
@@ -41,21 +43,45 @@ inline RealPoint integrateTangent(Real direction, Real curvature, Real rate, Rea
   return {half * sum.x, half * sum.y};
 }
 
+/// Curvature's share of its change at t, and the integral of that from 0.
+struct RealShare {
+  Real curvature = 0.0L;
+  Real heading = 0.0L;
+};
+inline RealShare shareOf(ElementKind law, Real t) {
+  constexpr Real pi = std::numbers::pi_v<Real>;
+  switch (law) {
+    case ElementKind::Bloss:
+      return {3 * t * t - 2 * t * t * t, t * t * t - t * t * t * t / 2};
+    case ElementKind::Cosine:
+      return {(1 - std::cos(pi * t)) / 2, t / 2 - std::sin(pi * t) / (2 * pi)};
+    case ElementKind::Biquadratic:
+      if (t <= 0.5L) return {2 * t * t, 2 * t * t * t / 3};
+      return {4 * t - 2 * t * t - 1, 2 * t * t - 2 * t * t * t / 3 - t + 1.0L / 6};
+    case ElementKind::Sinusoid:
+      return {t - std::sin(2 * pi * t) / (2 * pi), t * t / 2 + (std::cos(2 * pi * t) - 1) / (4 * pi * pi)};
+    default:
+      return {t, t * t / 2};
+  }
+}
+
 class ReferenceElement {
  public:
   explicit ReferenceElement(const Element& element)
-      : direction_(element.direction),
+      : law_(element.kind),
+        direction_(element.direction),
         length_(element.length),
         curvature_(element.startCurvature),
         rate_(element.length > 0.0 ? (static_cast<Real>(element.endCurvature) - element.startCurvature) / length_
                                    : 0.0L) {
     const Real turn = std::max(std::abs(curvature_), std::abs(curvature_ + rate_ * length_)) * length_;
-    const auto count = static_cast<std::size_t>(std::max<Real>(8, std::ceil(turn / 0.02L)));
+    const auto half = static_cast<std::size_t>(std::max<Real>(4, std::ceil(turn / 0.04L)));
+    const std::size_t count = 2 * half;  // a node in the middle, where a biquadratic's law changes
     step_ = length_ / static_cast<Real>(count);
     nodes_.push_back({element.start.x, element.start.y});
     for (std::size_t i = 0; i < count; ++i) {
       const Real from = static_cast<Real>(i) * step_;
-      const RealPoint d = integrateTangent(direction_, curvature_, rate_, from, from + step_);
+      const RealPoint d = integrateTangent([&](Real s) { return angleAt(s); }, from, from + step_);
       nodes_.push_back({nodes_.back().x + d.x, nodes_.back().y + d.y});
     }
   }
@@ -63,8 +89,14 @@ class ReferenceElement {
   [[nodiscard]] Real length() const { return length_; }
   [[nodiscard]] Real step() const { return step_; }
   [[nodiscard]] std::size_t steps() const { return nodes_.size() - 1; }
-  [[nodiscard]] Real angleAt(Real s) const { return direction_ + s * (curvature_ + rate_ * s / 2); }
-  [[nodiscard]] Real curvatureAt(Real s) const { return curvature_ + rate_ * s; }
+  [[nodiscard]] Real angleAt(Real s) const {
+    if (law_ <= ElementKind::Clothoid) return direction_ + s * (curvature_ + rate_ * s / 2);
+    return direction_ + s * curvature_ + rate_ * length_ * length_ * shareOf(law_, s / length_).heading;
+  }
+  [[nodiscard]] Real curvatureAt(Real s) const {
+    if (law_ <= ElementKind::Clothoid) return curvature_ + rate_ * s;
+    return curvature_ + rate_ * length_ * shareOf(law_, s / length_).curvature;
+  }
   [[nodiscard]] RealPoint pointAt(Real s) const {
     if (!(length_ > 0)) return nodes_.front();
     const auto last = static_cast<Real>(nodes_.size() - 1);
@@ -75,15 +107,16 @@ class ReferenceElement {
     Real reached = i * step_;
     while (std::abs(s - reached) > step_) {
       const Real next = reached + std::copysign(step_, s - reached);
-      const RealPoint d = integrateTangent(direction_, curvature_, rate_, reached, next);
+      const RealPoint d = integrateTangent([&](Real place) { return angleAt(place); }, reached, next);
       at = {at.x + d.x, at.y + d.y};
       reached = next;
     }
-    const RealPoint d = integrateTangent(direction_, curvature_, rate_, reached, s);
+    const RealPoint d = integrateTangent([&](Real place) { return angleAt(place); }, reached, s);
     return {at.x + d.x, at.y + d.y};
   }
 
  private:
+  ElementKind law_;
   Real direction_;
   Real length_;
   Real curvature_;

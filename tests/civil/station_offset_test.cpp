@@ -153,8 +153,9 @@ struct Shape {
   Alignment axis;
 };
 
-Alignment withInflection(double startCurvature, double endCurvature, double length) {
-  return {100.0, {Element{ElementKind::Clothoid, {10, 20}, 0.4, length, startCurvature, endCurvature, {}}}};
+Alignment withInflection(double startCurvature, double endCurvature, double length,
+                         ElementKind law = ElementKind::Clothoid) {
+  return {100.0, {Element{law, {10, 20}, 0.4, length, startCurvature, endCurvature, {}}}};
 }
 
 std::vector<Shape> shapes() {
@@ -187,6 +188,22 @@ std::vector<Shape> shapes() {
                     "right; at 0 160; line 40")},
       {"flat", text("heading 80; line 500; clothoid 300 R inf..1e7 left; arc 300 R 1e7 left; clothoid 300 R 1e7..2000 "
                     "left; arc 400 R 1e9 left")},
+      {"bloss road", text("start 1000 heading 90; line 100; bloss 60 R inf..300 right; arc 80 R 300 right; bloss 60 R "
+                          "300..inf right; line 50")},
+      {"four laws", text("at 50 60 heading 20; bloss 50 R inf..80 left; arc 60 R 80 left; cosine 50 R 80..inf left; "
+                         "biquadratic 40 R inf..60 right; arc 50 R 60 right; sinusoid 60 R 60..inf right")},
+      {"compound of four laws", text("heading 300; bloss 70 R 200..60 left; cosine 60 R 60..150 left; biquadratic 50 R "
+                                     "150..40 left; sinusoid 70 R 40..400 left")},
+      {"bloss coiled inwards", text("bloss 200 R inf..8 left")},
+      {"cosine of more than half a circle", text("line 20; cosine 300 R 200..20 left; line 10")},
+      {"biquadratic coiled outwards", text("biquadratic 150 R 8..100 right; line 30")},
+      {"sinusoid through the straight", withInflection(-1.0 / 60.0, 1.0 / 40.0, 180.0, ElementKind::Sinusoid)},
+      {"biquadratic through the straight", withInflection(-1.0 / 60.0, 1.0 / 60.0, 180.0, ElementKind::Biquadratic)},
+      {"bloss through the straight", withInflection(0.05, -0.01, 150.0, ElementKind::Bloss)},
+      {"cosine double coil", withInflection(0.05, -0.06, 250.0, ElementKind::Cosine)},
+      {"rail",
+       text("start 5e4 at 2543210.123 6712345.678 heading 33; bloss 250 R inf..2000 right; arc 300 R 2000 right; "
+            "sinusoid 250 R 2000..inf right")},
       {"tiny", text("line 0.001; arc 0.002 R 0.001 left; clothoid 0.003 R 0.001..inf left; line 0.001")},
       {"far from the origin",
        text("start 12345.678 at 2543210.123 6712345.678 heading 33; line 77; clothoid 60 R inf..200 right; arc 190 R "
@@ -350,7 +367,7 @@ TEST(StationOffset, AnswersWhateverTheElementsHold) {
     std::vector<Element> elements;
     for (int k = 0; k < 3; ++k) {
       Element element;
-      element.kind = static_cast<ElementKind>(random() % 3);
+      element.kind = static_cast<ElementKind>(random() % 7);
       element.start = {pick({0, 1, 1e9, -1e150, kNaN}), pick({0, 2, -3e7, kInfinity})};
       element.direction = pick({0, 1, -4, 1e9, kNaN});
       element.length = pick({0, 1e-12, 1, 300, 1e7, 1e308, kNaN});

@@ -20,6 +20,37 @@ constexpr double kEqualDistance = 1e-10;
 Vec2 toLocal(Vec2 a, Vec2 tangent) { return {dot(tangent, a), cross(tangent, a)}; }
 Vec2 fromLocal(Vec2 a, Vec2 tangent) { return {tangent.x * a.x - tangent.y * a.y, tangent.y * a.x + tangent.x * a.y}; }
 
+// Whether the curvature follows another law than the clothoid's.
+bool hasLaw(const Element& element) {
+  return element.kind > ElementKind::Clothoid && element.startCurvature != element.endCurvature;
+}
+
+struct Bend {
+  double curvature = 0.0;
+  double rate = 0.0;
+};
+
+// Of an element with a law: the curvature as a series over the piece between two distances.
+std::array<double, kLawTerms> curvatureSeries(const Element& element, double from, double to) {
+  const double rise = element.endCurvature - element.startCurvature;
+  std::array<double, kLawTerms> series =
+      lawSeries(element.kind, 0.5 * (from + to) / element.length, 0.5 * (to - from) / element.length);
+  for (double& term : series) term *= rise;
+  series[0] += element.startCurvature;
+  return series;
+}
+
+// Whether `count` pieces of equal length between two distances have series that err by a rounding.
+bool isAccurate(const Element& element, double from, double to, double count) {
+  const double step = (to - from) / count;
+  for (double k = 0.0; k < count; ++k) {
+    if (!ClothoidSeries::isAccurate(curvatureSeries(element, from + k * step, from + (k + 1.0) * step), 0.5 * step)) {
+      return false;
+    }
+  }
+  return true;
+}
+
 bool isFinite(Vec2 a) { return std::isfinite(a.x) && std::isfinite(a.y); }
 
 double distanceToSegment(Vec2 p, Vec2 a, Vec2 b) {
@@ -58,13 +89,14 @@ void AlignmentIndex::addElement(const Element& element, double station) {
   if (!isFinite(element.start - origin_) || !std::isfinite(element.direction)) return;
   if (!isLine && !(bend * element.length <= kMostTurn && std::isfinite(rate))) return;
 
-  // A clothoid is cut where its curvature changes sign: each piece bends to one side.
-  std::array<double, 3> cuts{0.0, element.length, element.length};
-  if (!isLine && element.startCurvature * element.endCurvature < 0.0) {
-    cuts[1] = element.length * (element.startCurvature / (element.startCurvature - element.endCurvature));
-  }
+  // A transition is cut where its curvature changes sign: each piece bends to one side; and a biquadratic where its law
+  // changes.
+  std::array<double, 4> cuts{0.0, element.length, element.length, element.length};
+  if (const auto inflection = element.inflection()) cuts[1] = *inflection;
+  if (element.kind == ElementKind::Biquadratic && hasLaw(element)) cuts[2] = 0.5 * element.length;
+  std::sort(cuts.begin(), cuts.end());
   Vec2 at = element.start - origin_;
-  for (std::size_t part = 0; part < 2; ++part) {
+  for (std::size_t part = 0; part + 1 < cuts.size(); ++part) {
     const double from = cuts[part];
     const double to = cuts[part + 1];
     if (!(to > from)) continue;
@@ -72,7 +104,12 @@ void AlignmentIndex::addElement(const Element& element, double station) {
     if (!isLine) {
       const double sharpest = std::max(std::abs(element.curvatureAt(from)), std::abs(element.curvatureAt(to)));
       count = std::max(std::ceil(sharpest * (to - from) / kTurnOfPiece), 1.0);
-      while (rate != 0.0 && !ClothoidSeries::isAccurate(sharpest, rate, 0.5 * (to - from) / count)) ++count;
+      if (hasLaw(element)) {
+        count = std::max(count, std::ceil(0.5 * (to - from) / (element.length * largestStep(element.kind))));
+        while (!isAccurate(element, from, to, count)) ++count;
+      }
+      while (rate != 0.0 && !hasLaw(element) && !ClothoidSeries::isAccurate(sharpest, rate, 0.5 * (to - from) / count))
+        ++count;
     }
     for (std::int64_t piece = 0; static_cast<double>(piece) < count; ++piece) {
       const auto k = static_cast<double>(piece);
@@ -89,19 +126,31 @@ void AlignmentIndex::addPiece(const Element& element, double station, double fro
   const bool isLine =
       element.kind == ElementKind::Line || (element.startCurvature == 0.0 && element.endCurvature == 0.0);
   const bool isArc = element.kind == ElementKind::Arc || element.startCurvature == element.endCurvature;
-  piece.kind = isLine ? ElementKind::Line : isArc ? ElementKind::Arc : ElementKind::Clothoid;
+  piece.kind = isLine ? ElementKind::Line : isArc ? ElementKind::Arc : element.kind;
   piece.half = 0.5 * (to - from);
   piece.station = station + middle;
   piece.startStation = station + from;
   piece.endStation = station + to;
   double turn = 0.0;
-  if (!isLine) {
+  if (hasLaw(element)) {
+    CurvatureSeries law;
+    law.terms = curvatureSeries(element, from, to);
+    law.inverseHalf = 1.0 / piece.half;
+    law.sharpest = std::max(std::abs(element.curvatureAt(from)), std::abs(element.curvatureAt(to)));
+    law.largestBend = largestBend(element.kind) * std::abs(element.endCurvature - element.startCurvature) /
+                      (element.length * element.length);
+    piece.law = static_cast<std::uint32_t>(laws_.size());
+    piece.curvature = law.terms[0];
+    piece.series = ClothoidSeries(law.terms, piece.half);
+    turn = turnOf(element, middle);
+    laws_.push_back(law);
+  } else if (!isLine) {
     piece.curvature = isArc ? element.startCurvature : element.curvatureAt(middle);
     piece.rate = isArc ? 0.0 : (element.endCurvature - element.startCurvature) / element.length;
     turn = middle * (element.startCurvature + 0.5 * piece.rate * middle);
   }
   piece.tangent = unit(element.direction + turn);
-  piece.series = ClothoidSeries(piece.curvature, piece.rate, piece.half);
+  if (!hasLaw(element)) piece.series = ClothoidSeries(piece.curvature, piece.rate, piece.half);
   const ClothoidSeries::Local start = piece.series.at(-1.0);
   const ClothoidSeries::Local end = piece.series.at(1.0);
   piece.startPoint = start.point;
@@ -116,8 +165,10 @@ void AlignmentIndex::addPiece(const Element& element, double station, double fro
 
 AlignmentIndex::Capsule AlignmentIndex::capsuleOf(const Piece& piece) const {
   // Against its chord, a curve of curvature up to k departs by k L^2 / 8 at most, to one side: the capsule's axis runs
-  // in the middle of that strip. Two sharpest curvatures bound the clothoid's.
-  const double sharpest = std::abs(piece.curvature) + std::abs(piece.rate) * piece.half;
+  // in the middle of that strip. Two sharpest curvatures bound the transition's.
+  const double sharpest = piece.kind > ElementKind::Clothoid
+                              ? laws_[piece.law].sharpest
+                              : std::abs(piece.curvature) + std::abs(piece.rate) * piece.half;
   const double rise = 0.5 * sharpest * piece.half * piece.half;
   const Vec2 start = piece.middle + fromLocal(piece.startPoint, piece.tangent);
   const Vec2 end = piece.middle + fromLocal(piece.endPoint, piece.tangent);
@@ -231,8 +282,10 @@ void AlignmentIndex::forEachNear(Vec2 point, double& limit, double slack, Use&& 
   usePieces();
 }
 
-std::optional<double> AlignmentIndex::footOnClothoid(const Piece& piece, Vec2 local, double startSlope, double endSlope,
-                                                     double& left) const {
+template <class Curvature>
+std::optional<double> AlignmentIndex::footOnTransition(const Piece& piece, const Curvature& curvatureAt,
+                                                       double largestBend, Vec2 local, double startSlope,
+                                                       double endSlope, double& left) {
   const double half = piece.half;
   double low = -half;
   double high = half;
@@ -240,8 +293,8 @@ std::optional<double> AlignmentIndex::footOnClothoid(const Piece& piece, Vec2 lo
     // No bracket. An inner minimum may still hide between two ends of one sign: see the head of the header.
     const auto evoluteSide = [&](double u, Vec2 point, Vec2 tangent) {
       const Vec2 rest = toLocal(local - point, tangent);
-      return (1.0 - (piece.curvature + piece.rate * u) * rest.y) * tangent.x -
-             (piece.curvature + piece.rate * u) * rest.x * tangent.y;
+      const double curvature = curvatureAt(u).curvature;
+      return (1.0 - curvature * rest.y) * tangent.x - curvature * rest.x * tangent.y;
     };
     const double sign = startSlope < 0.0 && endSlope <= 0.0 ? 1.0 : startSlope >= 0.0 && endSlope > 0.0 ? -1.0 : 0.0;
     if (sign == 0.0) return std::nullopt;
@@ -277,17 +330,18 @@ std::optional<double> AlignmentIndex::footOnClothoid(const Piece& piece, Vec2 lo
   for (int i = 0; i < 100; ++i) {
     const ClothoidSeries::Local at = piece.series.at(u / half);
     const Vec2 rest = toLocal(local - at.point, at.tangent);
-    const double curvature = piece.curvature + piece.rate * u;
+    const auto [curvature, rate] = curvatureAt(u);
     const double slope = -rest.x;
     const double bend = 1.0 - curvature * rest.y;
-    const double third = curvature * curvature * rest.x - piece.rate * rest.y;
+    const double third = curvature * curvature * rest.x - rate * rest.y;
     (slope < 0.0 ? low : high) = u;
     const double denominator = 2.0 * bend * bend - slope * third;
     double step = denominator != 0.0 ? -2.0 * slope * bend / denominator : kInfinity;
     // What a step leaves out: in the station, and in the offset.
     const double ratio = bend != 0.0 ? third / bend : kInfinity;
-    const double cubic = std::abs(step * step * step) * (curvature * curvature + ratio * ratio +
-                                                         std::abs(piece.rate * bend) + std::abs(curvature * third));
+    double size = curvature * curvature + ratio * ratio + std::abs(rate * bend) + std::abs(curvature * third);
+    if (largestBend > 0.0) size += largestBend * std::abs(rest.y / bend);
+    const double cubic = std::abs(step * step * step) * size;
     const bool isInside = u + step >= low && u + step <= high;
     if (isInside && cubic < 1e-12) {
       left = rest.y - 0.5 * curvature * bend * step * step;
@@ -339,15 +393,44 @@ void AlignmentIndex::forEachFoot(std::uint32_t number, Vec2 point, Use&& use) co
       isInside = std::abs(u) < piece.half;
       break;
     }
-    case ElementKind::Clothoid:
-      if (const auto foot = footOnClothoid(piece, local, startSlope, endSlope, left)) {
+    case ElementKind::Clothoid: {
+      const auto curvatureAt = [&](double at) { return Bend{piece.curvature + piece.rate * at, piece.rate}; };
+      if (const auto foot = footOnTransition(piece, curvatureAt, 0.0, local, startSlope, endSlope, left)) {
         u = *foot;
         isInside = true;
       }
       break;
+    }
+    case ElementKind::Bloss:
+    case ElementKind::Cosine:
+    case ElementKind::Biquadratic:
+    case ElementKind::Sinusoid: {
+      const CurvatureSeries& law = laws_[piece.law];
+      const auto curvatureAt = [&](double at) {
+        // Even and odd powers run as chains of their own.
+        const double w = at * law.inverseHalf;
+        const double v = w * w;
+        double even = law.terms[kLawTerms - 2];
+        double odd = law.terms[kLawTerms - 1];
+        double evenSlope = double(kLawTerms - 2) * even;
+        double oddSlope = double(kLawTerms - 1) * odd;
+        for (std::size_t n = kLawTerms - 2; n > 0; n -= 2) {
+          even = v * even + law.terms[n - 2];
+          odd = v * odd + law.terms[n - 1];
+          if (n > 2) evenSlope = v * evenSlope + double(n - 2) * law.terms[n - 2];
+          oddSlope = v * oddSlope + double(n - 1) * law.terms[n - 1];
+        }
+        return Bend{even + w * odd, law.inverseHalf * (oddSlope + w * evenSlope)};
+      };
+      if (const auto foot = footOnTransition(piece, curvatureAt, law.largestBend, local, startSlope, endSlope, left)) {
+        u = *foot;
+        isInside = true;
+      }
+      break;
+    }
   }
   if (isInside) use(Foot{std::abs(left), piece.station + u, left, number, FootPlace::Inside});
-  const bool isDone = isInside && piece.kind != ElementKind::Clothoid;
+  const bool isDone = isInside && !isTransition(piece.kind);
   // An arc without a foot may have a slope of the wrong sign at an end that the foot just misses.
   if (!isDone && (startSlope >= 0.0 || (!isInside && endSlope > 0.0))) {
     use(Foot{length(fromStart), piece.startStation, 0.0, number, FootPlace::Start});

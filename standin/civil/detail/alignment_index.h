@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "civil/detail/clothoid_series.h"
+#include "civil/detail/transition_law.h"
 #include "civil/element.h"
 
 /// The search for the nearest foot on a chain of elements.
@@ -15,9 +16,9 @@
 /// a node, in the order of the chain) bounds the distance from below and above, and only pieces that can hold the
 /// nearest foot are solved. What a piece answers is exact, and all local minima on it are found:
 ///  - a line and an arc have closed forms;
-///  - a clothoid piece turns by less than pi to one side, its curvature rising or falling throughout. With t the
-///    place of the point along the tangent and n to the left of it, g = -t (half the slope of the squared distance)
-///    obeys g'' + g = rho' over the direction, rho the radius. As rho' keeps its sign, g has at most two zeros on the piece,
+///  - a piece of a transition turns by less than pi to one side, its curvature rising or falling throughout. With t the
+///    place of the point along the tangent and n to the left of it, g = -t (half the slope of the squared distance) obeys
+///    g'' + g = rho' over the direction, rho the radius. As rho' keeps its sign, g has at most two zeros on the piece,
 ///    and at most one of them is a minimum. Signs of g at both ends bracket it, or rule it out but for one case: both
 ///    ends of one sign with two zeros between. Then g / cos(phi), phi the direction against the middle's, has one
 ///    extremum, where the evolute passes the point square to the middle's tangent; the sign of g there decides.
@@ -59,12 +60,21 @@ class AlignmentIndex {
     Vec2 tangent;
     double curvature = 0.0;  ///< in the middle
     double rate = 0.0;
+    std::uint32_t law = 0;  ///< of a transition other than a clothoid: its place in `laws_`
     // The ends in the frame of the middle.
     Vec2 startPoint;
     Vec2 startTangent;
     Vec2 endPoint;
     Vec2 endTangent;
     ClothoidSeries series;
+  };
+  /// The curvature along a piece of a transition other than a clothoid, as a series about the piece's middle. Each piece
+  /// lies on one side of where a law changes, so that the series is exact within a rounding.
+  struct CurvatureSeries {
+    std::array<double, kLawTerms> terms{};
+    double inverseHalf = 0.0;
+    double sharpest = 0.0;     ///< largest curvature without sign
+    double largestBend = 0.0;  ///< largest second derivative without sign
   };
   /// All points within `radius` of a segment.
   struct Capsule {
@@ -93,13 +103,17 @@ class AlignmentIndex {
   /// fall towards the inside. At least one.
   template <class Use>
   void forEachFoot(std::uint32_t number, Vec2 point, Use&& use) const;
-  [[nodiscard]] std::optional<double> footOnClothoid(const Piece& piece, Vec2 local, double startSlope, double endSlope,
-                                                     double& left) const;
+  /// `curvature(u)` gives curvature and its rate; `largestBend` bounds the rate's own rate.
+  template <class Curvature>
+  [[nodiscard]] static std::optional<double> footOnTransition(const Piece& piece, const Curvature& curvatureAt,
+                                                              double largestBend, Vec2 local, double startSlope,
+                                                              double endSlope, double& left);
   [[nodiscard]] bool isMinimumOfChain(const Foot& foot, Vec2 point) const;
   [[nodiscard]] Answer answer(const Foot& foot, Vec2 point, double noise) const;
 
   Vec2 origin_;
   std::vector<Piece> pieces_;
+  std::vector<CurvatureSeries> laws_;
   std::vector<Node> nodes_;
   std::uint32_t root_ = 0;
 };

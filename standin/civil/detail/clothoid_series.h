@@ -1,12 +1,14 @@
 #pragma once
 
 #include <array>
+#include <span>
 
 #include "civil/geometry.h"
 
 /// The power series of a clothoid about one of its points: what both the single element and the alignment's index
 /// evaluate. Along a clothoid the direction is a quadratic in the distance u, so that the unit tangent exp(i phi(u))
-/// satisfies f' = i phi' f and its coefficients follow by a two-term recurrence, without any trigonometry.
+/// satisfies f' = i phi' f and its coefficients follow by a two-term recurrence, without any trigonometry. Along another
+/// transition phi' is a longer series, and so is the recurrence; what comes out is a series of the same form.
 namespace lvx::civil::detail {
 
 /// Points of a short clothoid in the frame of its middle: x along the tangent there, y to the left.
@@ -23,10 +25,13 @@ class ClothoidSeries {
   ClothoidSeries() = default;
   /// `curvature` in the middle, `rate` its change per length, `half` the half length.
   ClothoidSeries(double curvature, double rate, double half);
+  /// Of any curve whose curvature at v half from the middle is the sum of `curvature`[n] v^n.
+  ClothoidSeries(std::span<const double> curvature, double half);
 
   /// Whether the series over `half` errs by less than a rounding of the half length: the tail of its majorant
   /// exp(|curvature| half z + |rate| half^2 z^2 / 2) at z = 1.
   [[nodiscard]] static bool isAccurate(double curvature, double rate, double half);
+  [[nodiscard]] static bool isAccurate(std::span<const double> curvature, double half);
 
   /// `u` from -1 to 1 over the length. Even and odd powers run as chains of their own, which halves the latency.
   [[nodiscard]] Local at(double u) const {
