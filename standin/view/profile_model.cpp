@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "view/detail/ground_walk.h"
+#include "civil/ground_profile.h"
 
 namespace lvx::view {
 
@@ -148,16 +148,6 @@ ProfileLine pictureOf(const civil::ProfileObject& object) {
   return picture;
 }
 
-/// The lengths of the chords that `element` is walked by.
-std::size_t chordsOf(const civil::Element& element) {
-  const double curvature = std::max(std::abs(element.startCurvature), std::abs(element.endCurvature));
-  if (curvature == 0.0) return 1;
-  // A chord of length c leaves a circle by c^2 curvature / 8.
-  const double chord = std::sqrt(8.0 * kAxisChordError / curvature);
-  constexpr double kMostAxisChords = 100'000;
-  return static_cast<std::size_t>(std::clamp(std::ceil(element.length / chord), 1.0, kMostAxisChords));
-}
-
 }  // namespace
 
 bool ProfileLine::covers(double station) const {
@@ -172,6 +162,10 @@ bool ProfileLine::covers(double station) const {
 double AxisElement::parameter() const {
   if (kind != civil::ElementKind::Clothoid || endCurvature == startCurvature) return 0.0;
   return std::sqrt(length() / std::abs(endCurvature - startCurvature));
+}
+
+double AxisElement::curvatureShareAt(double station) const {
+  return length() > 0.0 ? civil::curvatureShare(kind, (station - startStation) / length()) : 0.0;
 }
 
 civil::Box ProfileModel::box() const {
@@ -227,38 +221,10 @@ std::optional<ProfileModel> profilesOf(const civil::Drawing& drawing, civil::Han
 }
 
 Lines groundAlong(const civil::Alignment& axis, const civil::TinSurface& surface) {
-  struct Leg {
-    Vec2 start;
-    double station = 0.0;
-    double scale = 1.0;  ///< stations to a unit of chord
-  };
-  std::vector<Leg> legs;
-  detail::GroundWalk walk(surface);
-  const auto elements = axis.elements();
-  for (std::size_t e = 0; e < elements.size(); ++e) {
-    const civil::Element& element = elements[e];
-    if (!(element.length > 0.0) || !std::isfinite(element.length)) continue;
-    const std::size_t chords = chordsOf(element);
-    const double run = element.length / static_cast<double>(chords);
-    Vec2 from = element.poseAt(0.0).point;
-    for (std::size_t i = 0; i < chords; ++i) {
-      const Vec2 to = element.poseAt(i + 1 == chords ? element.length : static_cast<double>(i + 1) * run).point;
-      const double chord = length(to - from);
-      if (!std::isfinite(chord)) break;
-      legs.push_back({from, axis.stationOfElement(e) + static_cast<double>(i) * run, chord > 0.0 ? run / chord : 1.0});
-      walk.add(from, to);
-      from = to;
-    }
-  }
   Lines lines;
-  for (const detail::GroundWalk::Piece& piece : walk.pieces()) {
+  for (const auto& run : civil::groundAlong(axis, surface, kAxisChordError)) {
     Line& line = lines.emplace_back();
-    for (const detail::GroundWalk::Sample& sample : piece) {
-      const Leg& leg = legs[sample.leg];
-      const double along = length(Vec2{sample.place.x, sample.place.y} - leg.start);
-      const Vec2 place{leg.station + along * leg.scale, sample.place.z};
-      if (line.empty() || length(place - line.back()) > civil::kSamePoint) line.push_back(place);
-    }
+    for (const civil::GroundPoint& point : run) line.push_back({point.station, point.elevation});
   }
   return lines;
 }

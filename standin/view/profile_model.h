@@ -80,6 +80,9 @@ struct AxisElement {
   [[nodiscard]] double length() const { return endStation - startStation; }
   /// Clothoids: the parameter A, by A^2 = length / change of curvature; 0 for others.
   [[nodiscard]] double parameter() const;
+  /// Which part of its change the curvature has made at `station`, from 0 to 1: straight for clothoids, by their law
+  /// for other transitions.
+  [[nodiscard]] double curvatureShareAt(double station) const;
 };
 
 /// Holds pointers into the drawing; lives no longer than that.

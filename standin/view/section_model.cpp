@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "civil/corridor.h"
-#include "view/detail/ground_walk.h"
+#include "civil/ground_walk.h"
 
 namespace lvx::view {
 
@@ -87,11 +87,11 @@ void append(Line& line, Vec2 place) {
 }
 
 /// One side of the ground, outward.
-Lines outward(const detail::GroundWalk& walk, const std::vector<Vertex>& side, double sign) {
+Lines outward(const civil::GroundWalk& walk, const std::vector<Vertex>& side, double sign) {
   Lines lines;
-  for (const detail::GroundWalk::Piece& piece : walk.pieces()) {
+  for (const civil::GroundWalk::Piece& piece : walk.pieces()) {
     Line& line = lines.emplace_back();
-    for (const detail::GroundWalk::Sample& sample : piece) {
+    for (const civil::GroundWalk::Sample& sample : piece) {
       const Vertex& inner = side[sample.leg];
       const double dx = sample.place.x - inner.place.x;
       const double dy = sample.place.y - inner.place.y;
@@ -103,12 +103,12 @@ Lines outward(const detail::GroundWalk& walk, const std::vector<Vertex>& side, d
 
 Lines groundOf(const civil::TinSurface& surface, const Sides& sides) {
   const auto walk = [&](const std::vector<Vertex>& side) {
-    detail::GroundWalk ground(surface);
+    civil::GroundWalk ground(surface);
     for (std::size_t i = 1; i < side.size(); ++i) ground.add(side[i - 1].place, side[i].place);
     return ground;
   };
-  const detail::GroundWalk left = walk(sides.left);
-  const detail::GroundWalk right = walk(sides.right);
+  const civil::GroundWalk left = walk(sides.left);
+  const civil::GroundWalk right = walk(sides.right);
   Lines lines = outward(left, sides.left, -1.0);
   std::reverse(lines.begin(), lines.end());
   for (Line& line : lines) std::reverse(line.begin(), line.end());

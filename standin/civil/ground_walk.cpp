@@ -1,14 +1,11 @@
-#include "view/detail/ground_walk.h"
+#include "civil/ground_walk.h"
 
 #include <cmath>
 #include <cstddef>
 
 #include "civil/element.h"
 
-namespace lvx::view::detail {
-
-using civil::Vec2;
-using civil::Vec3;
+namespace lvx::civil {
 
 namespace {
 
@@ -17,7 +14,7 @@ Vec2 planOf(const Vec3& place) { return {place.x, place.y}; }
 /// A leg's own end comes back as it was given, but for the rounding of survey coordinates.
 bool isSamePlace(Vec2 a, Vec2 b) {
   const double size = std::abs(a.x) + std::abs(a.y);
-  return length(b - a) <= civil::kSamePoint + 1e-14 * size;
+  return length(b - a) <= kSamePoint + 1e-14 * size;
 }
 
 }  // namespace
@@ -29,7 +26,7 @@ bool GroundWalk::isGroundBetween(const Vec3& a, const Vec3& b) const {
   if (surface_->elevationAt(middle)) return true;
   const Vec2 along = planOf(b) - planOf(a);
   const double distance = length(along);
-  if (distance <= civil::kSamePoint) return true;
+  if (distance <= kSamePoint) return true;
   constexpr double kBeside = 1e-7;
   const Vec2 aside{-along.y / distance * kBeside, along.x / distance * kBeside};
   return surface_->elevationAt(middle + aside).has_value() || surface_->elevationAt(middle - aside).has_value();
@@ -53,4 +50,4 @@ void GroundWalk::add(Vec2 from, Vec2 to) {
   endsOnGround_ = isSamePlace(planOf(scratch_.back()), to);
 }
 
-}  // namespace lvx::view::detail
+}  // namespace lvx::civil
