@@ -38,18 +38,6 @@ std::string counted(std::size_t count, const char* one, const char* many) {
   return std::to_string(count) + " " + (count == 1 ? one : many);
 }
 
-const char* kindWord(ElementKind kind) {
-  switch (kind) {
-    case ElementKind::Line:
-      return "line";
-    case ElementKind::Arc:
-      return "arc";
-    case ElementKind::Clothoid:
-      return "clothoid";
-  }
-  return "";
-}
-
 std::string radiusText(double curvature) {
   if (curvature == 0.0) return "straight";
   return fixed(std::abs(1.0 / curvature)) + (curvature > 0.0 ? " left" : " right");
@@ -62,6 +50,10 @@ std::string radiiText(const civil::Element& element) {
     case ElementKind::Arc:
       return radiusText(element.startCurvature);
     case ElementKind::Clothoid:
+    case ElementKind::Bloss:
+    case ElementKind::Cosine:
+    case ElementKind::Biquadratic:
+    case ElementKind::Sinusoid:
       return radiusText(element.startCurvature) + " to " + radiusText(element.endCurvature);
   }
   return "";
@@ -166,7 +158,7 @@ void addElements(std::string& text, const civil::Alignment& geometry) {
   const auto elements = geometry.elements();
   Table table;
   for (std::size_t i = 0; i < std::min(elements.size(), kMost); ++i)
-    table.add({std::to_string(i + 1), kindWord(elements[i].kind), fixed(geometry.stationOfElement(i)),
+    table.add({std::to_string(i + 1), civil::kindName(elements[i].kind), fixed(geometry.stationOfElement(i)),
                fixed(elements[i].length), radiiText(elements[i])});
   text += "    elements (number, kind, station, length, radius)\n";
   table.print(text, "      ", "r rr");
@@ -299,7 +291,7 @@ Json elementsJson(const civil::Alignment& geometry) {
   Json list = Json::array();
   std::size_t index = 0;
   for (const civil::Element& element : geometry.elements()) {
-    list.push_back({{"kind", kindWord(element.kind)},
+    list.push_back({{"kind", civil::kindName(element.kind)},
                     {"station", geometry.stationOfElement(index++)},
                     {"length", element.length},
                     {"x", element.start.x},

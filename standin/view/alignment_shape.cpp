@@ -129,6 +129,19 @@ TickSteps tickSteps(double scale) {
   return {minor / 1000.0, major / 1000.0, isWhole(1000.0) ? 0 : isWhole(100.0) ? 1 : isWhole(10.0) ? 2 : 3};
 }
 
+namespace {
+
+/// Where in `part`, along which the direction rises or else falls, an element runs in `direction`.
+double distanceOfDirection(const Element& element, Part part, bool rises, double direction) {
+  for (int i = 0; i < 60; ++i) {
+    const double middle = 0.5 * (part.from + part.to);
+    ((element.directionAt(middle) < direction) == rises ? part.from : part.to) = middle;
+  }
+  return 0.5 * (part.from + part.to);
+}
+
+}  // namespace
+
 Box boxAround(const Alignment& alignment) {
   Box box;
   for (std::size_t i = 0; i < alignment.elements().size(); ++i) {
@@ -150,6 +163,19 @@ Box boxAround(const Alignment& alignment) {
       if (distance > 0.0 && distance < element.length) extend(box, element.poseAt(distance).point);
     };
     const double quarter = 0.5 * civil::kPi;
+    if (element.kind > ElementKind::Clothoid) {
+      // No closed form: the direction rises or falls up to the inflection, and the other way behind it.
+      const double inflection = element.inflection().value_or(0.0);
+      for (const Part part : {Part{0.0, inflection}, Part{inflection, element.length}}) {
+        if (!(part.to > part.from)) continue;
+        const double start = element.directionAt(part.from);
+        const double end = element.directionAt(part.to);
+        const auto [least, most] = std::minmax(start, end);
+        for (double k = std::ceil(least / quarter); k * quarter <= most; ++k)
+          tryDistance(distanceOfDirection(element, part, end > start, k * quarter));
+      }
+      continue;
+    }
     const auto first = static_cast<long>(std::floor((element.direction - turn) / quarter));
     const auto last = static_cast<long>(std::ceil((element.direction + turn) / quarter));
     for (long k = first; k <= last; ++k) {

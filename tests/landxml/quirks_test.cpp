@@ -1,3 +1,6 @@
+#include <array>
+#include <charconv>
+
 #include "drawing_text.h"
 
 namespace lvx::landxml::testing {
@@ -5,12 +8,18 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 const civil::Alignment& geometryOf(const civil::Drawing& drawing) {
   return drawing.siteless.alignments.at(0)->geometry;
 }
 
 std::string elements(const std::string& content) { return metric(alignment("<CoordGeom>" + content + "</CoordGeom>")); }
+
+std::string numberText(double value) {
+  std::array<char, 32> text{};
+  return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
+}
 
 TEST(Elements, EachFormGivesItsLength) {
   struct Row {
@@ -79,8 +88,9 @@ TEST(Elements, WhatCantBeEvaluatedLeavesTheAlignmentOutByName) {
     const char* diagnostic;
   };
   const Row rows[] = {
-      {"<Spiral length=\"40\" radiusStart=\"INF\" radiusEnd=\"120\" rot=\"cw\" spiType=\"bloss\"/>",
-       "1: alignment 'A': Spiral 2: spiType bloss can't be evaluated"},
+      {"<Spiral constant=\"40\" radiusStart=\"INF\" radiusEnd=\"120\" rot=\"cw\" spiType=\"bloss\"><Start>0 "
+       "0</Start><End>40 1</End></Spiral>",
+       "1: alignment 'A': Spiral 2: has no length"},
       {"<Line><Start>0 0</Start></Line>", "alignment 'A': Line 2: End is missing"},
       {"<Line><Start>0 0</Start><End>1,5 2</End></Line>", "alignment 'A': Line 2: End '1,5' is not a number"},
       {"<Line><Start pntRef=\"x\"/><End>1 2</End></Line>", "Start refers to the point 'x', which isn't in the file"},
@@ -103,6 +113,87 @@ TEST(Elements, WhatCantBeEvaluatedLeavesTheAlignmentOutByName) {
     EXPECT_THAT(diagnosticsOf(drawing), HasSubstr(row.diagnostic));
     EXPECT_THAT(diagnosticsOf(drawing), HasSubstr("; the alignment is left out"));
   }
+}
+
+TEST(Elements, TransitionsFollowTheLawOfTheirName) {
+  struct Row {
+    const char* spiType;
+    civil::ElementKind kind;
+    // Published end of a transition of 100 to the left, from the straight into a radius of 300.
+    double x, y;
+  };
+  const Row rows[] = {
+      {"clothoid", civil::ElementKind::Clothoid, 99.7225792178274, 5.5445423656288},
+      {"bloss", civil::ElementKind::Bloss, 99.7468064174602, 4.98981104238495},
+      {"Cosine", civil::ElementKind::Cosine, 99.7484553577365, 4.94582068772272},
+      {"biquadratic", civil::ElementKind::Biquadratic, 99.7517634462451, 4.85106052287364},
+      {"biquadraticParabola", civil::ElementKind::Biquadratic, 99.7517634462451, 4.85106052287364},
+      {"sinusoid", civil::ElementKind::Sinusoid, 99.7569805097155, 4.70132070248442},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.spiType);
+    // The corner of the tangents at the ends, which turn by 1/6.
+    const double pi = row.x - row.y / std::tan(1.0 / 6.0);
+    for (const double side : {1.0, -1.0}) {
+      for (const bool isEntry : {true, false}) {
+        // Eastward, so x is the easting and y, mirrored for a turn to the right, the northing.
+        const auto point = [&](const char* name, double x, double y) {
+          return "<" + std::string(name) + ">" + numberText(side * y) + " " + numberText(x) + "</" + name + ">";
+        };
+        const bool isLeft = (side > 0.0) == isEntry;  // driven backwards it turns to the other side
+        const std::string spiral = "<Spiral length=\"100\" radiusStart=\"" + std::string(isEntry ? "INF" : "300") +
+                                   "\" radiusEnd=\"" + (isEntry ? "300" : "INF") + "\" rot=\"" +
+                                   (isLeft ? "ccw" : "cw") + "\" spiType=\"" + row.spiType + "\">" +
+                                   point("Start", isEntry ? 0.0 : row.x, isEntry ? 0.0 : row.y) + point("PI", pi, 0.0) +
+                                   point("End", isEntry ? row.x : 0.0, isEntry ? row.y : 0.0) + "</Spiral>";
+        const auto drawing = read(elements(spiral));
+        ASSERT_EQ(drawing.siteless.alignments.size(), 1U) << diagnosticsOf(drawing);
+        const civil::Alignment& axis = geometryOf(drawing);
+        ASSERT_EQ(axis.elements().size(), 1U);
+        const civil::Element& element = axis.elements()[0];
+        EXPECT_EQ(element.kind, row.kind);
+        EXPECT_LT(civil::length(element.endPose().point - element.givenEnd), 1e-7);
+        const double sign = isLeft ? 1.0 : -1.0;
+        EXPECT_EQ(element.startCurvature, isEntry ? 0.0 : sign / 300.0);
+        EXPECT_EQ(element.endCurvature, isEntry ? sign / 300.0 : 0.0);
+        EXPECT_THAT(diagnosticsOf(drawing), Not(HasSubstr("misses")));
+        const bool isTold = diagnosticsOf(drawing).find("no clothoids") != std::string::npos;
+        EXPECT_EQ(isTold, row.kind != civil::ElementKind::Clothoid) << diagnosticsOf(drawing);
+      }
+    }
+  }
+}
+
+TEST(Elements, TransitionsThatAreNoClothoidsAreToldOncePerAlignment) {
+  const std::string law =
+      "<Spiral length=\"40\" radiusStart=\"INF\" radiusEnd=\"1e6\" rot=\"cw\" spiType=\"LAW\"><Start>0 "
+      "0</Start><End>0 40</End></Spiral>";
+  const auto of = [&](const char* name) { return std::string(law).replace(law.find("LAW"), 3, name); };
+  const auto drawing = read(elements(of("bloss") + of("cosine") + of("bloss") + of("clothoid")));
+  EXPECT_THAT(
+      diagnosticsOf(drawing),
+      HasSubstr("alignment 'A': has transitions that are no clothoids (2 bloss, 1 cosine); the GLS report shows "
+                "them as clothoids of the same radii and lengths"));
+}
+
+TEST(Elements, AnUnknownTransitionEndsTheAlignmentBeforeIt) {
+  const std::string unknown =
+      "<Spiral length=\"40\" radiusStart=\"INF\" radiusEnd=\"120\" rot=\"cw\" spiType=\"cubic\"><Start>0 "
+      "12.5</Start><PI>0 40</PI><End>-2 52</End></Spiral>";
+  const auto drawing = read(elements("<Line><Start>0 0</Start><End>0 12.5</End></Line>" + unknown +
+                                     "<Line><Start>-2 52</Start><End>-9 80</End></Line>"));
+  ASSERT_EQ(drawing.siteless.alignments.size(), 1U);
+  EXPECT_NEAR(geometryOf(drawing).length(), 12.5, 1e-12);
+  EXPECT_THAT(diagnosticsOf(drawing), HasSubstr("1: alignment 'A': Spiral 2: spiType cubic can't be evaluated; the "
+                                                "alignment ends there, at station 12.5"));
+  EXPECT_EQ(drawing.diagnostics.front().severity, civil::Severity::Error);
+  EXPECT_THAT(diagnosticsOf(drawing), Not(HasSubstr("stated")));
+
+  const auto first = read(elements(unknown));
+  ASSERT_EQ(first.siteless.alignments.size(), 1U);
+  EXPECT_TRUE(geometryOf(first).isEmpty());
+  EXPECT_THAT(diagnosticsOf(first), HasSubstr("Spiral 1: spiType cubic can't be evaluated; nothing of the alignment "
+                                              "stands before it"));
 }
 
 TEST(Elements, GapsAndCornersAreToldAndKept) {
@@ -156,6 +247,40 @@ TEST(IntersectionPoints, SpiralsAndArcTouchBothTangents) {
   EXPECT_NEAR(end->point.x, 500.0, 1e-9);
   EXPECT_NEAR(end->point.y, 500.0, 1e-9);
   EXPECT_EQ(drawing.diagnostics.size(), 1U) << diagnosticsOf(drawing);  // the stated length
+}
+
+TEST(IntersectionPoints, SpiralsOfAllLawsTouchBothTangents) {
+  for (const char* law : {"bloss", "cosine", "biquadratic", "sinusoid"}) {
+    const std::string type = law;
+    const auto drawing =
+        read(metric(alignment("<AlignPIs><AlignPI><PI>0 0</PI></AlignPI><AlignPI><PI>500 0</PI><InSpiral><Spiral "
+                              "length=\"60\" radiusEnd=\"200\" rot=\"cw\" spiType=\"" +
+                              type +
+                              "\"/></InSpiral><Curve1><Curve rot=\"cw\" radius=\"200\"/></Curve1><OutSpiral><Spiral "
+                              "length=\"90\" radiusStart=\"200\" rot=\"cw\" spiType=\"" +
+                              type + "\"/></OutSpiral></AlignPI><AlignPI><PI>500 500</PI></AlignPI></AlignPIs>")));
+    const auto& axis = geometryOf(drawing);
+    ASSERT_EQ(axis.elements().size(), 5U) << diagnosticsOf(drawing);
+    EXPECT_STREQ(civil::kindName(axis.elements()[1].kind), law);
+    const auto end = axis.poseAt(axis.endStation());
+    EXPECT_NEAR(end->point.x, 500.0, 1e-9);
+    EXPECT_NEAR(end->point.y, 500.0, 1e-9);
+    EXPECT_THAT(diagnosticsOf(drawing), Not(HasSubstr("off the end of")));
+  }
+}
+
+TEST(IntersectionPoints, AnUnknownTransitionEndsTheAlignmentBehindTheCurveBeforeIt) {
+  const auto drawing = read(metric(
+      alignment("<AlignPIs><AlignPI><PI>0 0</PI></AlignPI><AlignPI><PI>500 0</PI><Curve1><Curve rot=\"cw\" "
+                "radius=\"200\"/></Curve1></AlignPI><AlignPI><PI>500 900</PI><InSpiral><Spiral length=\"60\" "
+                "radiusEnd=\"200\" spiType=\"cubicParabola\"/></InSpiral></AlignPI><AlignPI><PI>0 900</PI></AlignPI>"
+                "<AlignPI><PI/></AlignPI></AlignPIs>")));
+  const auto& axis = geometryOf(drawing);
+  ASSERT_EQ(axis.elements().size(), 2U) << diagnosticsOf(drawing);
+  EXPECT_NEAR(axis.endStation(), 300.0 + 100.0 * civil::kPi, 1e-9);
+  EXPECT_THAT(diagnosticsOf(drawing),
+              HasSubstr("AlignPI 3: spiType cubicParabola can't be evaluated; the alignment ends "
+                        "there, at station 614.1593"));
 }
 
 TEST(IntersectionPoints, WithoutCurveAreCorners) {

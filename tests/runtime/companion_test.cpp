@@ -124,6 +124,28 @@ TEST_F(CompanionTest, LeavesOutElementsWithoutLength) {
   EXPECT_NEAR(elements_[1]->length, 5.0, 1e-12);
 }
 
+TEST_F(CompanionTest, ShowsEveryTransitionAsTheClothoidOfItsRadiiAndLength) {
+  for (const char* law : {"clothoid", "bloss", "cosine", "biquadratic", "sinusoid"}) {
+    const std::string name = law;
+    const auto first = elements_.size();  // the list grows by three at each reading
+    readElements("heading 90; " + name + " 60 R inf..300 right; " + name + " 40 R 300..100 right; " + name +
+                 " 50 R 100..inf right");
+    ASSERT_EQ(elements_.size(), first + 3);
+    EXPECT_EQ(elements_[first]->type, 2) << law;
+    EXPECT_NEAR(elements_[first]->startRadius, -300.0, 1e-9);
+    EXPECT_EQ(elements_[first]->endRadius, 0.0);
+    EXPECT_EQ(elements_[first + 1]->type, 2) << law;
+    EXPECT_NEAR(elements_[first + 1]->startRadius, -100.0, 1e-9);
+    EXPECT_NEAR(elements_[first + 1]->endRadius, -300.0, 1e-9);
+    EXPECT_EQ(elements_[first + 2]->type, 3) << law;
+    EXPECT_NEAR(elements_[first + 2]->startRadius, -100.0, 1e-9);
+    EXPECT_EQ(elements_[first + 2]->length, 50.0);
+    // By the same angle whatever the law: half the sum of the curvatures at the ends, times the length.
+    EXPECT_NEAR(elements_[first]->startDirection, 0.0, 1e-12);
+    EXPECT_NEAR(elements_[first]->endDirection, 2.0 * 3.14159265358979 - 0.1, 1e-12);
+  }
+}
+
 TEST_F(CompanionTest, AnEmptyReferenceGivesNoElements) {
   pvsa_lvx_gethelemp(nullptr, startStation_, elements_, points_);
   EXPECT_EQ(elements_.size(), 0);

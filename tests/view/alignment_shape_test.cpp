@@ -14,6 +14,7 @@ namespace {
 using civil::Alignment;
 using civil::Box;
 using civil::Element;
+using civil::ElementKind;
 using civil::Vec2;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -104,10 +105,12 @@ TEST(AlignmentPolyline, PassesOverElementsWithoutGeometry) {
 }
 
 TEST(AlignmentBox, TouchesTheCurveOnAllSides) {
-  for (const char* text :
-       {"arc 250 R 50 left",
-        "heading 30; clothoid 200 R inf..30 right; arc 150 R 30 right; clothoid 100 R 30..inf right",
-        "heading 200; clothoid 300 R 20..inf left", "heading 45; line 100", "arc 314.159 R 50 right"}) {
+  for (const char* text : {"arc 250 R 50 left",
+                           "heading 30; clothoid 200 R inf..30 right; arc 150 R 30 right; clothoid 100 R 30..inf right",
+                           "heading 200; clothoid 300 R 20..inf left",
+                           "heading 30; bloss 200 R inf..30 right; arc 150 R 30 right; sinusoid 100 R 30..inf right",
+                           "heading 200; cosine 300 R 20..inf left", "heading 10; biquadratic 250 R 40..15 right",
+                           "heading 45; line 100", "arc 314.159 R 50 right"}) {
     const Alignment axis = Alignment::fromText(text);
     Box expected;
     for (double station = 0.0; station <= axis.endStation(); station += 0.01)
@@ -120,6 +123,40 @@ TEST(AlignmentBox, TouchesTheCurveOnAllSides) {
     EXPECT_NEAR(box.maxY, expected.maxY, 1e-6) << text;
     EXPECT_LE(box.minX, expected.minX + 1e-9) << text;
     EXPECT_GE(box.maxY, expected.maxY - 1e-9) << text;
+  }
+}
+
+TEST(AlignmentBox, TouchesATransitionThatTurnsToBothSides) {
+  for (const ElementKind law : {ElementKind::Clothoid, ElementKind::Bloss, ElementKind::Cosine,
+                                ElementKind::Biquadratic, ElementKind::Sinusoid}) {
+    const Alignment axis(0.0, {Element{law, {3, 4}, 0.7, 200.0, 0.03, -0.02, {}}});
+    Box expected;
+    for (double station = 0.0; station <= 200.0; station += 0.01) extend(expected, axis.poseAt(station)->point);
+    const Box box = boxAround(axis);
+    EXPECT_NEAR(box.minX, expected.minX, 1e-6) << kindName(law);
+    EXPECT_NEAR(box.minY, expected.minY, 1e-6) << kindName(law);
+    EXPECT_NEAR(box.maxX, expected.maxX, 1e-6) << kindName(law);
+    EXPECT_NEAR(box.maxY, expected.maxY, 1e-6) << kindName(law);
+  }
+}
+
+TEST(AlignmentPolyline, KeepsWithinItsToleranceOfEveryTransition) {
+  for (const ElementKind law : {ElementKind::Clothoid, ElementKind::Bloss, ElementKind::Cosine,
+                                ElementKind::Biquadratic, ElementKind::Sinusoid}) {
+    const Alignment axis(0.0, {Element{law, {3, 4}, 0.7, 200.0, 0.03, -0.02, {}}});
+    for (const double tolerance : {1.0, 0.01}) {
+      const Lines lines = polylines(axis, kEverywhere, tolerance);
+      ASSERT_EQ(lines.size(), 1U);
+      ASSERT_GT(lines[0].size(), 4U);
+      for (std::size_t i = 0; i + 1 < lines[0].size(); ++i) {
+        for (const double share : {0.25, 0.5, 0.75}) {
+          const auto foot = axis.stationOffset(lines[0][i] + share * (lines[0][i + 1] - lines[0][i]));
+          ASSERT_TRUE(foot);
+          EXPECT_LT(std::abs(foot->offset), tolerance * 1.0001) << kindName(law);
+        }
+      }
+      EXPECT_EQ(lines[0].back(), axis.poseAt(200.0)->point);
+    }
   }
 }
 

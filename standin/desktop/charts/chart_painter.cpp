@@ -436,7 +436,7 @@ void ChartPainter::paintAxes(QPainter& painter, const QRectF& area, const QRect&
   }
 }
 
-// The usual curvature picture: straight in the middle, turns to the right above it, to the left below, clothoids aslant.
+// The usual curvature picture: straight in the middle, turns to the right above it, to the left below, clothoids aslant, other transitions by their laws.
 void ChartPainter::paintBand(QPainter& painter, const QRect& plot, const view::Viewport& port) const {
   QFont small = font_;
   small.setPixelSize(std::max(font_.pixelSize() - 1, 8));
@@ -466,19 +466,31 @@ void ChartPainter::paintBand(QPainter& painter, const QRect& plot, const view::V
     const double from = at(start);
     const double to = at(end);
     const auto heightAt = [&](double station) {
-      const double part = element.length() > 0.0 ? (station - element.startStation) / element.length() : 0.0;
       const double first = level(element.startCurvature);
-      return first + (level(element.endCurvature) - first) * part;
+      return first + (level(element.endCurvature) - first) * element.curvatureShareAt(station);
     };
     painter.setPen(QPen(look_.grid, 0.8));
     if (start == element.startStation) painter.drawLine(QPointF(from, band.top()), QPointF(from, band.bottom()));
     if (end == element.endStation) painter.drawLine(QPointF(to, band.top()), QPointF(to, band.bottom()));
     painter.setPen(QPen(look_.ink, 1.6));
-    painter.drawLine(QPointF(from, heightAt(start)), QPointF(to, heightAt(end)));
+    QPolygonF curvature{QPointF(from, heightAt(start))};
+    if (element.kind > civil::ElementKind::Clothoid) {
+      constexpr int kSteps = 32;
+      for (int i = 1; i < kSteps; ++i) {
+        const double station = start + (end - start) * i / kSteps;
+        curvature << QPointF(at(station), heightAt(station));
+      }
+    }
+    curvature << QPointF(to, heightAt(end));
+    painter.drawPolyline(curvature);
 
     QString size;
     switch (element.kind) {
       case civil::ElementKind::Line:
+      case civil::ElementKind::Bloss:
+      case civil::ElementKind::Cosine:
+      case civil::ElementKind::Biquadratic:
+      case civil::ElementKind::Sinusoid:
         break;
       case civil::ElementKind::Arc:
         size = QStringLiteral("R=") + toQt(view::shortText(1.0 / std::abs(element.startCurvature)));

@@ -1,6 +1,7 @@
 #include "landxml/detail/geometry_reader.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <sstream>
 #include <utility>
@@ -23,7 +24,24 @@ namespace {
 struct Unusable {
   pugi::xml_node where;
   std::string text;
+  /// A transition of a law that isn't known: what stands before it is sound.
+  bool keepsWhatStands = false;
 };
+
+/// Of a spiral whose kind of transition is known; empty for others.
+std::optional<ElementKind> lawNamed(std::string_view spiType) {
+  constexpr std::array<std::pair<std::string_view, ElementKind>, 6> kLaws{{
+      {"clothoid", ElementKind::Clothoid},
+      {"bloss", ElementKind::Bloss},
+      {"cosine", ElementKind::Cosine},
+      {"biquadratic", ElementKind::Biquadratic},
+      {"biquadraticparabola", ElementKind::Biquadratic},
+      {"sinusoid", ElementKind::Sinusoid},
+  }};
+  for (const auto& [name, law] : kLaws)
+    if (name == spiType) return law;
+  return std::nullopt;
+}
 
 struct Piece {
   Element element;
@@ -46,6 +64,8 @@ class GeometryReader {
   GeometryReader(Context& context, const std::string& speaker) : context_(context), speaker_(speaker) {}
 
   std::vector<Element> read(pugi::xml_node alignment);
+  /// The transition before which the alignment ends, since its law isn't known; empty where it doesn't.
+  [[nodiscard]] const std::optional<Unusable>& endsBefore() const { return endsBefore_; }
 
  private:
   // CoordGeom
@@ -70,8 +90,9 @@ class GeometryReader {
   std::optional<Vec2> pointIfPlaced(pugi::xml_node node, const char* name);
   std::optional<double> radius(pugi::xml_node node, const char* name);
   std::optional<Turn> rotation(pugi::xml_node node);
-  double spiralLength(pugi::xml_node node, std::optional<double> startRadius, std::optional<double> endRadius);
-  void requireClothoid(pugi::xml_node node);
+  double spiralLength(pugi::xml_node node, ElementKind law, std::optional<double> startRadius,
+                      std::optional<double> endRadius);
+  ElementKind spiralLaw(pugi::xml_node node);
   [[noreturn]] void refuse(pugi::xml_node node, const std::string& why) const {
     throw Unusable{node, label_ + ": " + why};
   }
@@ -81,6 +102,7 @@ class GeometryReader {
   std::string speaker_;
   std::string label_;
   std::vector<Piece> pieces_;
+  std::optional<Unusable> endsBefore_;
 };
 
 Vec2 GeometryReader::point(pugi::xml_node node, const char* name) {
@@ -116,17 +138,21 @@ std::optional<Turn> GeometryReader::rotation(pugi::xml_node node) {
   return std::nullopt;
 }
 
-void GeometryReader::requireClothoid(pugi::xml_node node) {
+ElementKind GeometryReader::spiralLaw(pugi::xml_node node) {
   const std::string_view type = attribute(node, "spiType");
-  if (type.empty())
+  if (type.empty()) {
     context_.warn(node, speaker() + ": has no spiType; a clothoid is assumed");
-  else if (lower(type) != "clothoid")
-    refuse(node, "spiType " + shown(type) + " can't be evaluated, only clothoids can");
+    return ElementKind::Clothoid;
+  }
+  if (const auto law = lawNamed(lower(type))) return *law;
+  throw Unusable{node, label_ + ": spiType " + shown(type) + " can't be evaluated", true};
 }
 
-double GeometryReader::spiralLength(pugi::xml_node node, std::optional<double> startRadius,
+double GeometryReader::spiralLength(pugi::xml_node node, ElementKind law, std::optional<double> startRadius,
                                     std::optional<double> endRadius) {
   if (const auto length = context_.number(node, "length", speaker()); length && *length >= 0.0) return *length;
+  // Only a clothoid has a parameter that tells its length.
+  if (law != ElementKind::Clothoid) refuse(node, "has no length");
   const auto parameter = context_.number(node, "constant", speaker());
   const double bend = std::abs((startRadius ? 1.0 / *startRadius : 0.0) - (endRadius ? 1.0 / *endRadius : 0.0));
   if (!parameter || *parameter == 0.0 || bend == 0.0) refuse(node, "has no length");
@@ -210,7 +236,7 @@ void GeometryReader::readCurve(pugi::xml_node node) {
 }
 
 void GeometryReader::readSpiral(pugi::xml_node node) {
-  requireClothoid(node);
+  const ElementKind law = spiralLaw(node);
   const Vec2 start = point(node, "Start");
   const Vec2 end = point(node, "End");
   std::optional<Vec2> corner = pointIfPlaced(node, "PI");
@@ -218,7 +244,7 @@ void GeometryReader::readSpiral(pugi::xml_node node) {
   const auto startRadius = radius(node, "radiusStart");
   const auto endRadius = radius(node, "radiusEnd");
   std::optional<Turn> turn = rotation(node);
-  const double length = spiralLength(node, startRadius, endRadius);
+  const double length = spiralLength(node, law, startRadius, endRadius);
   if (!turn && (startRadius || endRadius)) {
     if (!corner) refuse(node, "rot is missing");
     turn = civil::cross(*corner - start, end - start) > 0.0 ? Turn::Left : Turn::Right;
@@ -231,7 +257,7 @@ void GeometryReader::readSpiral(pugi::xml_node node) {
   if (length / std::min(startRadius.value_or(INFINITY), endRadius.value_or(INFINITY)) > 1000.0) {
     refuse(node, "its length and radii give a curl, not a road");
   }
-  add(node, civil::makeClothoid(start, corner, end, length, startRadius, endRadius, turn.value_or(Turn::Left)));
+  add(node, civil::makeTransition(law, start, corner, end, length, startRadius, endRadius, turn.value_or(Turn::Left)));
 }
 
 void GeometryReader::addPolyline(pugi::xml_node node, const std::vector<Vec2>& points) {
@@ -320,6 +346,7 @@ struct GeometryReader::Corner {
   std::string label;
   Vec2 point;
   struct Spiral {
+    ElementKind law = ElementKind::Clothoid;
     double length = 0.0;
     std::optional<double> startRadius;
     std::optional<double> endRadius;
@@ -331,6 +358,8 @@ struct GeometryReader::Corner {
   std::optional<double> radius2;
   std::optional<double> length1;
   std::optional<Turn> statedTurn;
+  /// Why the alignment ends before this corner's curve; empty where it goes on.
+  std::optional<Unusable> unusable;
   /// Placed at the origin, heading east, until the tangents are known.
   std::vector<Element> elements;
   double tangentIn = 0.0;
@@ -345,9 +374,8 @@ GeometryReader::Corner GeometryReader::readCorner(pugi::xml_node node, const std
   const auto spiral = [&](const char* name) -> std::optional<Corner::Spiral> {
     const pugi::xml_node element = child(child(node, name), "Spiral");
     if (!element) return std::nullopt;
-    requireClothoid(element);
-    Corner::Spiral result{0.0, radius(element, "radiusStart"), radius(element, "radiusEnd")};
-    result.length = spiralLength(element, result.startRadius, result.endRadius);
+    Corner::Spiral result{spiralLaw(element), 0.0, radius(element, "radiusStart"), radius(element, "radiusEnd")};
+    result.length = spiralLength(element, result.law, result.startRadius, result.endRadius);
     if (!corner.statedTurn) corner.statedTurn = rotation(element);
     if (result.length == 0.0) return std::nullopt;
     return result;
@@ -429,16 +457,16 @@ void GeometryReader::shapeCorner(Corner& corner, double deflection, Turn turn) {
     element.length = part.length;
     element.startCurvature = side * part.startCurvature;
     element.endCurvature = side * part.endCurvature;
-    if (kind == ElementKind::Clothoid && part.startCurvature == part.endCurvature) element.kind = ElementKind::Arc;
+    if (civil::isTransition(kind) && part.startCurvature == part.endCurvature) element.kind = ElementKind::Arc;
     pose = element.endPose();
     element.givenEnd = pose.point;
     corner.elements.push_back(element);
   };
-  if (in) append(ElementKind::Clothoid, *in);
+  if (in) append(corner.inSpiral->law, *in);
   append(ElementKind::Arc, {arc1, 1.0 / r1, 1.0 / r1});
-  if (connecting) append(ElementKind::Clothoid, *connecting);
+  if (connecting) append(corner.connectingSpiral->law, *connecting);
   append(ElementKind::Arc, {arc2, 1.0 / r2, 1.0 / r2});
-  if (out) append(ElementKind::Clothoid, *out);
+  if (out) append(corner.outSpiral->law, *out);
 
   // The end lies on the outgoing tangent, which leaves the intersection point at the deflection angle.
   corner.tangentOut = side * pose.point.y / std::sin(deflection);
@@ -449,9 +477,23 @@ void GeometryReader::readIntersections(pugi::xml_node intersections) {
   std::vector<Corner> corners;
   eachChild(intersections, "AlignPI", [&](pugi::xml_node node) {
     label_ = "AlignPI " + std::to_string(corners.size() + 1);
-    corners.push_back(readCorner(node, label_));
+    if (!corners.empty() && corners.back().unusable) return;
+    try {
+      corners.push_back(readCorner(node, label_));
+    } catch (const Unusable& unusable) {
+      if (!unusable.keepsWhatStands) throw;
+      // Its place tells how the curve before it turns.
+      Corner corner;
+      corner.where = node;
+      corner.label = label_;
+      corner.point = point(node, "PI");
+      corner.unusable = unusable;
+      corners.push_back(std::move(corner));
+    }
   });
   if (corners.empty()) return;
+  endsBefore_ = corners.back().unusable;
+  if (endsBefore_ && corners.size() == 1) return;
   if (corners.size() < 2) {
     label_ = corners.front().label;
     refuse(corners.front().where, "one intersection point makes no alignment");
@@ -465,7 +507,7 @@ void GeometryReader::readIntersections(pugi::xml_node intersections) {
     }
     return std::atan2(way.y, way.x);
   };
-  for (std::size_t i = 1; i < corners.size(); ++i) {
+  for (std::size_t i = 1; i < corners.size() && !corners[i].unusable; ++i) {
     Corner& corner = corners[i];
     const double heading = headingTo(i);
     double tangent = civil::length(corner.point - corners[i - 1].point) - corners[i - 1].tangentOut;
@@ -548,8 +590,13 @@ std::vector<Element> GeometryReader::read(pugi::xml_node alignment) {
       context_.warn(geometry, speaker_ + ": has a second CoordGeom, which isn't read");
       return;
     }
-    readCoordGeom(geometry);
-    isRead = !pieces_.empty();
+    try {
+      readCoordGeom(geometry);
+    } catch (const Unusable& unusable) {
+      if (!unusable.keepsWhatStands) throw;
+      endsBefore_ = unusable;
+    }
+    isRead = !pieces_.empty() || endsBefore_.has_value();
   });
   if (!isRead)
     eachChild(alignment, "AlignPIs", [&](pugi::xml_node node) {
@@ -558,13 +605,36 @@ std::vector<Element> GeometryReader::read(pugi::xml_node alignment) {
   return checked();
 }
 
+/// A table of elements that knows one kind of transition shows the others as that one, which its readers should know.
+void noteTransitions(Context& context, pugi::xml_node where, const std::string& speaker,
+                     const civil::Alignment& geometry) {
+  std::string counts;
+  for (const ElementKind law :
+       {ElementKind::Bloss, ElementKind::Cosine, ElementKind::Biquadratic, ElementKind::Sinusoid}) {
+    const auto elements = geometry.elements();
+    const auto count =
+        std::count_if(elements.begin(), elements.end(), [&](const Element& element) { return element.kind == law; });
+    if (count > 0) counts += (counts.empty() ? "" : ", ") + std::to_string(count) + " " + civil::kindName(law);
+  }
+  if (counts.empty()) return;
+  context.note(where, speaker + ": has transitions that are no clothoids (" + counts +
+                          "); the GLS report shows them as clothoids of the same radii and lengths");
+}
+
 }  // namespace
 
 std::optional<civil::Alignment> readGeometry(Context& context, pugi::xml_node alignment, const std::string& speaker,
                                              double startStation) {
   try {
-    civil::Alignment geometry(startStation, GeometryReader(context, speaker).read(alignment));
-    if (geometry.isEmpty()) {
+    GeometryReader reader(context, speaker);
+    civil::Alignment geometry(startStation, reader.read(alignment));
+    noteTransitions(context, alignment, speaker, geometry);
+    if (const auto& unusable = reader.endsBefore()) {
+      context.error(unusable->where, speaker + ": " + unusable->text + "; " +
+                                         (geometry.isEmpty() ? "nothing of the alignment stands before it"
+                                                             : "the alignment ends there, at station " +
+                                                                   shownNumber(geometry.endStation())));
+    } else if (geometry.isEmpty()) {
       context.warn(alignment, speaker + ": has no geometry");
     } else if (const auto stated = context.number(alignment, "length", speaker);
                stated && std::abs(*stated - geometry.length()) > 10.0 * context.millimetre()) {
