@@ -7,6 +7,8 @@
 #include <set>
 #include <utility>
 
+#include "text/number_text.h"
+
 namespace lvx::civil {
 
 namespace {
@@ -63,11 +65,6 @@ std::string numberText(double value) {
   const auto format =
       size == 0.0 || (size >= 1e-6 && size < 1e15) ? std::chars_format::fixed : std::chars_format::general;
   return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value, format).ptr};
-}
-
-std::string threeDecimals(double value) {
-  std::array<char, 400> text{};
-  return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, 3).ptr};
 }
 
 double readNumber(std::string_view key, std::string_view value) {
@@ -244,7 +241,7 @@ class NamePattern {
     for (const Part& part : parts_) {
       text += part.before;
       if (part.field == 's')
-        text += stationText ? stationText(at.station) : threeDecimals(at.station);
+        text += stationText ? stationText(at.station) : text::fixedText(at.station);
       else if (part.field == 'k')
         text += kindName(at.kind);
       else
@@ -447,10 +444,10 @@ std::vector<SampleLineStation> sampleLineStations(const SampleLineRules& rules, 
   if (!(axis.length() > 0.0)) throw SampleLineError("the alignment has no length");
   const double from = std::max(rules.from.value_or(axis.startStation()), axis.startStation());
   const double to = std::min(rules.to.value_or(axis.endStation()), axis.endStation());
-  const auto range = [&] { return "between " + threeDecimals(from) + " and " + threeDecimals(to); };
+  const auto range = [&] { return "between " + text::fixedText(from) + " and " + text::fixedText(to); };
   if (from > to) {
-    throw SampleLineError("the alignment runs from " + threeDecimals(axis.startStation()) + " to " +
-                          threeDecimals(axis.endStation()) + "; nothing of it lies in the range of the lines");
+    throw SampleLineError("the alignment runs from " + text::fixedText(axis.startStation()) + " to " +
+                          text::fixedText(axis.endStation()) + "; nothing of it lies in the range of the lines");
   }
 
   std::vector<SampleLineStation> stations;
@@ -468,9 +465,9 @@ std::vector<SampleLineStation> sampleLineStations(const SampleLineRules& rules, 
   for (const double station : rules.stations) {
     if (station < axis.startStation() - Alignment::kEndTolerance ||
         station > axis.endStation() + Alignment::kEndTolerance) {
-      failAt(
-          "stations", numberText(station),
-          "the alignment runs from " + threeDecimals(axis.startStation()) + " to " + threeDecimals(axis.endStation()));
+      failAt("stations", numberText(station),
+             "the alignment runs from " + text::fixedText(axis.startStation()) + " to " +
+                 text::fixedText(axis.endStation()));
     }
     add(station, SampleLineKind::Listed);
   }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <limits>
 #include <string_view>
@@ -12,8 +11,8 @@
 #include "cli/drawing_file.h"
 #include "cli/name_lookup.h"
 #include "cli/terminal.h"
-#include "platform/posix/posix_platform.h"
-#include "runtime/model_objects.h"
+#include "text/handle_text.h"
+#include "text/number_text.h"
 
 namespace lvx::cli {
 
@@ -24,23 +23,13 @@ namespace {
 
 // ---------------------------------------------------------------- words and numbers
 
-std::string handleText(civil::Handle handle) { return platform::toUtf8(runtime::handleTextOf(handle)); }
-
-/// Fixed decimals, decimal point, no grouping, whatever the locale.
-std::string fixed(double value, int decimals = 3) {
-  std::array<char, 400> buffer{};
-  const auto [end, error] =
-      std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed, decimals);
-  return error == std::errc() ? std::string(buffer.data(), end) : std::string("?");
-}
-
 std::string counted(std::size_t count, const char* one, const char* many) {
   return std::to_string(count) + " " + (count == 1 ? one : many);
 }
 
 std::string radiusText(double curvature) {
   if (curvature == 0.0) return "straight";
-  return fixed(std::abs(1.0 / curvature)) + (curvature > 0.0 ? " left" : " right");
+  return text::fixedText(std::abs(1.0 / curvature)) + (curvature > 0.0 ? " left" : " right");
 }
 
 std::string radiiText(const civil::Element& element) {
@@ -133,7 +122,8 @@ PointFacts pointFacts(const civil::Drawing& drawing) {
 }
 
 std::string boxText(const civil::Box& box) {
-  return "x " + fixed(box.minX) + " to " + fixed(box.maxX) + ", y " + fixed(box.minY) + " to " + fixed(box.maxY);
+  return "x " + text::fixedText(box.minX) + " to " + text::fixedText(box.maxX) + ", y " + text::fixedText(box.minY) +
+         " to " + text::fixedText(box.maxY);
 }
 
 struct RegionFacts {
@@ -158,8 +148,8 @@ void addElements(std::string& text, const civil::Alignment& geometry) {
   const auto elements = geometry.elements();
   Table table;
   for (std::size_t i = 0; i < std::min(elements.size(), kMost); ++i)
-    table.add({std::to_string(i + 1), civil::kindName(elements[i].kind), fixed(geometry.stationOfElement(i)),
-               fixed(elements[i].length), radiiText(elements[i])});
+    table.add({std::to_string(i + 1), civil::kindName(elements[i].kind), text::fixedText(geometry.stationOfElement(i)),
+               text::fixedText(elements[i].length), radiiText(elements[i])});
   text += "    elements (number, kind, station, length, radius)\n";
   table.print(text, "      ", "r rr");
   if (elements.size() > kMost)
@@ -174,7 +164,10 @@ void addProfiles(std::string& text, const std::vector<civil::ProfileObject>& pro
     std::string facts = counted(profile.points().size(), "point", "points");
     if (profile.gapCount() > 0) facts += ", " + counted(profile.gapCount(), "gap", "gaps");
     table.add({"'" + object.name + "'", profile.isGround() ? "ground" : "design",
-               profile.isEmpty() ? "" : fixed(profile.startStation()) + " to " + fixed(profile.endStation()), facts});
+               profile.isEmpty()
+                   ? ""
+                   : text::fixedText(profile.startStation()) + " to " + text::fixedText(profile.endStation()),
+               facts});
   }
   text += "    profiles\n";
   table.print(text, "      ");
@@ -186,7 +179,7 @@ void addGroups(std::string& text, const std::vector<civil::SampleLineGroup>& gro
   for (const civil::SampleLineGroup& group : groups) {
     const StationRange range = stationRange(group.lines);
     table.add({"'" + group.name + "'", counted(group.lines.size(), "line", "lines"),
-               group.lines.empty() ? "" : fixed(range.least) + " to " + fixed(range.greatest)});
+               group.lines.empty() ? "" : text::fixedText(range.least) + " to " + text::fixedText(range.greatest)});
   }
   text += "    sample line groups\n";
   table.print(text, "      ");
@@ -195,15 +188,17 @@ void addGroups(std::string& text, const std::vector<civil::SampleLineGroup>& gro
 void addAlignment(std::string& text, const civil::AlignmentObject& object) {
   const civil::Alignment& geometry = object.geometry;
   text += "  alignment '" + object.name + "'  " +
-          (geometry.isEmpty() ? std::string("without geometry")
-                              : "station " + fixed(geometry.startStation()) + " to " + fixed(geometry.endStation()) +
-                                    ", length " + fixed(geometry.length())) +
+          (geometry.isEmpty()
+               ? std::string("without geometry")
+               : "station " + text::fixedText(geometry.startStation()) + " to " +
+                     text::fixedText(geometry.endStation()) + ", length " + text::fixedText(geometry.length())) +
           "\n";
   if (!geometry.isEmpty()) addElements(text, geometry);
   for (const civil::StationEquation& equation : object.stationEquations)
-    text += "    station equation at " + fixed(equation.internalStation) + ": " +
-            (equation.backStation ? "back " + fixed(*equation.backStation) + ", " : std::string()) + "ahead " +
-            fixed(equation.aheadStation) + (equation.increasing ? "" : ", decreasing") + " (reports don't apply it)\n";
+    text += "    station equation at " + text::fixedText(equation.internalStation) + ": " +
+            (equation.backStation ? "back " + text::fixedText(*equation.backStation) + ", " : std::string()) +
+            "ahead " + text::fixedText(equation.aheadStation) + (equation.increasing ? "" : ", decreasing") +
+            " (reports don't apply it)\n";
   addProfiles(text, object.profiles);
   addGroups(text, object.sampleLineGroups);
 }
@@ -226,8 +221,8 @@ void addSurfaces(std::string& text, const civil::Drawing& drawing) {
     text += "  '" + object.name + "'  " + counted(counts.points, "point", "points") + ", " +
             counted(counts.triangles, "triangle", "triangles") + "\n";
     if (!object.surface.isEmpty())
-      text += "    " + boxText(object.surface.box()) + ", elevation " + fixed(object.surface.minElevation()) + " to " +
-              fixed(object.surface.maxElevation()) + "\n";
+      text += "    " + boxText(object.surface.box()) + ", elevation " + text::fixedText(object.surface.minElevation()) +
+              " to " + text::fixedText(object.surface.maxElevation()) + "\n";
     if (counts.degenerate > 0)
       text += "    " + counted(counts.degenerate, "triangle", "triangles") + " without area in plan hold no ground\n";
     if (counts.overlappingEdges > 0)
@@ -266,8 +261,8 @@ void addCorridors(std::string& text, const civil::Drawing& drawing) {
         std::string sections = counted(facts.given, "section", "sections");
         if (facts.computed > 0) sections += ", " + std::to_string(facts.computed) + " computed";
         if (facts.pending > 0) sections += ", " + std::to_string(facts.pending) + " waiting for a rebuild";
-        table.add(
-            {"region '" + region.name + "'", fixed(region.startStation) + " to " + fixed(region.endStation), sections});
+        table.add({"region '" + region.name + "'",
+                   text::fixedText(region.startStation) + " to " + text::fixedText(region.endStation), sections});
       }
       table.print(text, "    ");
     }
@@ -314,7 +309,7 @@ Json alignmentJson(const civil::AlignmentObject& object) {
   for (const civil::ProfileObject& entry : object.profiles) {
     const civil::Profile& profile = entry.profile;
     profiles.push_back({{"name", entry.name},
-                        {"handle", handleText(entry.handle)},
+                        {"handle", text::handleText(entry.handle)},
                         {"kind", profile.isGround() ? "ground" : "design"},
                         {"points", profile.points().size()},
                         {"gaps", profile.gapCount()},
@@ -325,14 +320,14 @@ Json alignmentJson(const civil::AlignmentObject& object) {
   for (const civil::SampleLineGroup& group : object.sampleLineGroups) {
     const StationRange range = stationRange(group.lines);
     groups.push_back({{"name", group.name},
-                      {"handle", handleText(group.handle)},
+                      {"handle", text::handleText(group.handle)},
                       {"lines", group.lines.size()},
                       {"leastStation", group.lines.empty() ? Json(nullptr) : Json(range.least)},
                       {"greatestStation", group.lines.empty() ? Json(nullptr) : Json(range.greatest)}});
   }
   return {{"name", object.name},
           {"description", object.description},
-          {"handle", handleText(object.handle)},
+          {"handle", text::handleText(object.handle)},
           {"startStation", object.geometry.startStation()},
           {"endStation", object.geometry.endStation()},
           {"length", object.geometry.length()},
@@ -347,7 +342,7 @@ Json siteJson(const civil::Site& site) {
   for (const auto& alignment : site.alignments) alignments.push_back(alignmentJson(*alignment));
   return {{"name", site.name},
           {"description", site.description},
-          {"handle", handleText(site.handle)},
+          {"handle", text::handleText(site.handle)},
           {"alignments", alignments}};
 }
 
@@ -358,7 +353,7 @@ Json surfacesJson(const civil::Drawing& drawing) {
     const bool empty = object.surface.isEmpty();
     list.push_back({{"name", object.name},
                     {"description", object.description},
-                    {"handle", handleText(object.handle)},
+                    {"handle", text::handleText(object.handle)},
                     {"points", counts.points},
                     {"triangles", counts.triangles},
                     {"degenerateTriangles", counts.degenerate},
@@ -404,7 +399,7 @@ Json corridorsJson(const civil::Drawing& drawing) {
     }
     list.push_back({{"name", corridor.name},
                     {"description", corridor.description},
-                    {"handle", handleText(corridor.handle)},
+                    {"handle", text::handleText(corridor.handle)},
                     {"baselines", baselines}});
   }
   return list;
@@ -445,7 +440,7 @@ std::string infoJson(const civil::Drawing& drawing) {
   for (const civil::PointGroup& group : drawing.pointGroups)
     groups.push_back({{"name", group.name},
                       {"description", group.description},
-                      {"handle", handleText(group.handle)},
+                      {"handle", text::handleText(group.handle)},
                       {"points", group.numbers.size()}});
   const Json all = {{"file", drawing.path},
                     {"linearUnit", drawing.linearUnit.empty() ? Json(nullptr) : Json(drawing.linearUnit)},

@@ -1,6 +1,5 @@
 #include "host/companion.h"
 
-#include <array>
 #include <cmath>
 #include <memory>
 #include <string>
@@ -10,6 +9,7 @@
 #include "companion/companion_access.h"
 #include "host/run_time.h"
 #include "platform/posix/posix_platform.h"
+#include "text/handle_text.h"
 
 namespace {
 
@@ -36,9 +36,8 @@ const Drawing* openDrawing() {
 }
 
 CString handleText(lvx::civil::Handle handle) {
-  std::array<wchar_t, 32> buffer{};
-  if (handle != 0) lvx::host::VnDbHandle(handle).getIntoAsciiBuffer(buffer.data(), buffer.size());
-  return buffer.data();
+  const std::string text = lvx::text::handleText(handle);
+  return {text.begin(), text.end()};
 }
 
 // ---------------------------------------------------------------- site tree

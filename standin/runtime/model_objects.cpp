@@ -1,8 +1,8 @@
 #include "runtime/model_objects.h"
 
-#include <array>
 #include <deque>
 #include <memory>
+#include <string>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -10,6 +10,7 @@
 #include "host/run_time.h"
 #include "platform/posix/posix_platform.h"
 #include "runtime/detail/model_object.h"
+#include "text/handle_text.h"
 
 namespace lvx::runtime {
 
@@ -250,10 +251,8 @@ const civil::AlignmentObject* alignmentBehind(const host::QmtAlignment* alignmen
 }
 
 CString handleTextOf(civil::Handle handle) {
-  if (handle == 0) return {};
-  std::array<wchar_t, 32> buffer{};
-  host::VnDbHandle(handle).getIntoAsciiBuffer(buffer.data(), buffer.size());
-  return buffer.data();
+  const std::string text = text::handleText(handle);
+  return {text.begin(), text.end()};
 }
 
 }  // namespace lvx::runtime

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <utility>
 
-#include "view/number_text.h"
+#include "text/number_text.h"
 
 namespace lvx::view {
 
@@ -245,7 +245,7 @@ std::vector<Tick> ticks(const Alignment& alignment, const Box& visible, double s
         if (!holds(reach, pose.point)) continue;
         const bool isMajor = std::fmod(number, perMajor) == 0.0;
         result.push_back({station, pose.point, pose.direction, isMajor,
-                          isMajor ? stationText(station, steps.decimals) : std::string()});
+                          isMajor ? text::stationText(station, steps.decimals) : std::string()});
       }
     }
   }

@@ -16,7 +16,7 @@ struct Tick {
   /// Of travel, counter-clockwise from east; the mark stands square to it.
   double direction = 0.0;
   bool isMajor = false;
-  /// "1+020" at major marks, as stationText() has it; empty at minor ones.
+  /// "1+020" at major marks, as text::stationText() has it; empty at minor ones.
   std::string text;
 };
 

@@ -14,7 +14,7 @@
 #include "desktop/plan/plan_view.h"
 #include "host/dialog_controls.h"
 #include "runtime/open_drawing.h"
-#include "view/number_text.h"
+#include "text/number_text.h"
 
 namespace lvx::test {
 
@@ -173,7 +173,7 @@ bool ReportUser::movesOnto(QPoint pixel, civil::Handle wanted) {
   const QString place = onGui([&] {
     const civil::Vec2 under =
         plan->viewport().toDrawing({static_cast<double>(pixel.x()), static_cast<double>(pixel.y())});
-    return desktop::toQt("E " + view::fixedText(under.x) + "   N " + view::fixedText(under.y));
+    return desktop::toQt("E " + text::fixedText(under.x) + "   N " + text::fixedText(under.y));
   });
   // From beside it, since a mouse that stands there already tells nothing.
   program.user.moveTo(plan, pixel + QPoint(3, 3));

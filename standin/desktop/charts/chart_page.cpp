@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "desktop/common/qt_text.h"
-#include "view/number_text.h"
+#include "text/number_text.h"
 
 namespace lvx::desktop {
 
@@ -43,7 +43,7 @@ bool isListed(const ChartSeries& series) {
          std::any_of(series.lines.begin(), series.lines.end(), [](const view::Line& line) { return !line.empty(); });
 }
 
-QString scaleNumber(double scale) { return toQt(view::fixedText(scale, scale == std::floor(scale) ? 0 : 1)); }
+QString scaleNumber(double scale) { return toQt(text::fixedText(scale, scale == std::floor(scale) ? 0 : 1)); }
 
 }  // namespace
 

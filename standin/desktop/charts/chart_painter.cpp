@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "desktop/common/qt_text.h"
-#include "view/number_text.h"
+#include "text/number_text.h"
 
 namespace lvx::desktop {
 
@@ -284,7 +284,7 @@ double ChartPainter::enlargement(double up, double room) const {
 }
 
 QString ChartPainter::xText(double x, int decimals) const {
-  return toQt(chart_.measure == ChartMeasure::Station ? view::stationText(x, decimals) : view::fixedText(x, decimals));
+  return toQt(chart_.measure == ChartMeasure::Station ? text::stationText(x, decimals) : text::fixedText(x, decimals));
 }
 
 ChartPainter::Ticks ChartPainter::xTicks(const view::Viewport& port) const {
@@ -416,7 +416,7 @@ void ChartPainter::paintAxes(QPainter& painter, const QRectF& area, const QRect&
     const double at = plot.top() + port.toPixels({0.0, y}).y;
     painter.setPen(QPen(look_.ink, 1.0));
     painter.drawLine(QPointF(plot.left() - 4.0, at), QPointF(plot.left(), at));
-    const QString text = toQt(view::fixedText(y, up.decimals));
+    const QString text = toQt(text::fixedText(y, up.decimals));
     const double width = metrics.horizontalAdvance(text);
     widest = std::max(widest, width);
     painter.drawText(QPointF(plot.left() - kRoom - width, at + metrics.capHeight() / 2), text);
@@ -493,13 +493,13 @@ void ChartPainter::paintBand(QPainter& painter, const QRect& plot, const view::V
       case civil::ElementKind::Sinusoid:
         break;
       case civil::ElementKind::Arc:
-        size = QStringLiteral("R=") + toQt(view::shortText(1.0 / std::abs(element.startCurvature)));
+        size = QStringLiteral("R=") + toQt(text::shortText(1.0 / std::abs(element.startCurvature)));
         break;
       case civil::ElementKind::Clothoid:
-        size = QStringLiteral("A=") + toQt(view::shortText(element.parameter()));
+        size = QStringLiteral("A=") + toQt(text::shortText(element.parameter()));
         break;
     }
-    const QString length = QStringLiteral("L=") + toQt(view::shortText(element.length()));
+    const QString length = QStringLiteral("L=") + toQt(text::shortText(element.length()));
     // In the half that the picture of the turn leaves free.
     const double turn = element.startCurvature + element.endCurvature;
     const double base = turn > 0.0 ? middle - 5.0 : middle + metrics.ascent() + 3.0;
@@ -716,7 +716,7 @@ void ChartPainter::paintCross(QPainter& painter, const QRectF& area, const view:
   const double width = metrics.horizontalAdvance(x) + 2 * kRoom;
   const double left = std::clamp(at.x() - width / 2, area.left(), std::max(area.left(), area.right() - width));
   paintTag(painter, {left, plot.bottom() + (band ? kBandHeight : 0.0) + 4.0, width, metrics.height() + 2.0}, x);
-  const QString y = toQt(view::fixedText(place.y, 3));
+  const QString y = toQt(text::fixedText(place.y, 3));
   const double yWidth = metrics.horizontalAdvance(y) + kRoom;
   paintTag(painter, {plot.left() - yWidth - 2.0, at.y() - metrics.height() / 2 - 1.0, yWidth, metrics.height() + 2.0},
            y);

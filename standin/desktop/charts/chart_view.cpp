@@ -32,7 +32,7 @@
 #include "desktop/charts/chart_page.h"
 #include "desktop/charts/chart_painter.h"
 #include "desktop/common/qt_text.h"
-#include "view/number_text.h"
+#include "text/number_text.h"
 
 namespace lvx::desktop {
 
@@ -344,7 +344,7 @@ ChartView::ChartView(QWidget* parent) : QWidget(parent) {
   heights_->setToolTip(tr("How many times larger heights are drawn than widths"));
   heights_->addItem(tr("Automatic"), 0.0);
   for (const double factor : {1.0, 2.0, 5.0, 10.0})
-    heights_->addItem(tr("%1 \u00d7").arg(toQt(view::fixedText(factor, 0))), factor);
+    heights_->addItem(tr("%1 \u00d7").arg(toQt(text::fixedText(factor, 0))), factor);
   heightsLabel->setBuddy(heights_);
   row->addWidget(heightsLabel);
   row->addWidget(heights_);

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "desktop/common/qt_text.h"
-#include "view/number_text.h"
+#include "text/number_text.h"
 
 namespace lvx::desktop {
 
@@ -27,12 +27,12 @@ ChartPen groundPen(std::size_t index) {
 }
 
 QString gradeText(double grade) {
-  const QString percent = toQt(view::fixedText(grade * 100.0, 2));
+  const QString percent = toQt(text::fixedText(grade * 100.0, 2));
   const bool isUp = grade > 0.0 && percent != QLatin1String("0.00");
   return (isUp ? QStringLiteral("+") : QString()) + percent + QStringLiteral(" %");
 }
 
-QString sizeText(double value) { return toQt(view::shortText(value)); }
+QString sizeText(double value) { return toQt(text::shortText(value)); }
 
 }  // namespace
 
@@ -63,7 +63,7 @@ void ProfileView::show(const civil::Drawing& drawing, civil::Handle alignment) {
   Chart chart;
   chart.title = tr("Profile of %1").arg(toQt(model_->alignmentName));
   chart.subtitle = tr("Station %1 to %2")
-                       .arg(toQt(view::stationText(model_->startStation)), toQt(view::stationText(model_->endStation)));
+                       .arg(toQt(text::stationText(model_->startStation)), toQt(text::stationText(model_->endStation)));
   chart.fileName = QFileInfo(toQt(drawing.path)).fileName();
   chart.measure = ChartMeasure::Station;
   chart.unit = unit;
@@ -87,7 +87,7 @@ void ProfileView::show(const civil::Drawing& drawing, civil::Handle alignment) {
       mark.curveStart = point.curveStart;
       mark.curveEnd = point.curveEnd;
       mark.isTextAbove = point.isCrest();
-      mark.text = {toQt(view::stationText(point.place.x)), toQt(view::fixedText(point.place.y))};
+      mark.text = {toQt(text::stationText(point.place.x)), toQt(text::fixedText(point.place.y))};
       if (point.lengthOut > 0.0)
         mark.text.append(tr("L=%1 + %2").arg(sizeText(point.length), sizeText(point.lengthOut)));
       else if (point.length > 0.0)
@@ -149,8 +149,8 @@ void ProfileView::seriesClicked(int index) {
 
 QString ProfileView::readout(Vec2 place) const {
   QStringList parts;
-  parts.append(tr("Station %1").arg(toQt(view::stationText(place.x))));
-  parts.append(tr("Elevation %1").arg(toQt(view::fixedText(place.y))));
+  parts.append(tr("Station %1").arg(toQt(text::stationText(place.x))));
+  parts.append(tr("Elevation %1").arg(toQt(text::fixedText(place.y))));
   for (std::size_t i = 0; i < chart().series.size(); ++i) {
     const ChartSeries& series = chart().series[i];
     if (!series.isShown || !model_) continue;
@@ -165,7 +165,7 @@ QString ProfileView::readout(Vec2 place) const {
     } else {
       elevation = view::elevationAt(series.lines, place.x);
     }
-    if (elevation) parts.append(series.name + QStringLiteral(" ") + toQt(view::fixedText(*elevation)) + grade);
+    if (elevation) parts.append(series.name + QStringLiteral(" ") + toQt(text::fixedText(*elevation)) + grade);
   }
   return parts.join(QStringLiteral("    "));
 }

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "desktop/common/qt_text.h"
-#include "view/number_text.h"
+#include "text/number_text.h"
 
 namespace lvx::desktop {
 
@@ -102,7 +102,7 @@ void SectionView::show(const civil::Drawing& drawing, civil::Handle sampleLine) 
   const QString unit = unitText(drawing.linearUnit);
   Chart chart;
   const QString name = toQt(model_->name);
-  const QString station = toQt(view::stationText(model_->station));
+  const QString station = toQt(text::stationText(model_->station));
   chart.title = tr("Cross section at %1, %2").arg(station, toQt(model_->alignmentName));
   chart.subtitle = tr("Sample line %1, %2").arg(name, toQt(model_->groupName));
   chart.fileName = QFileInfo(toQt(drawing.path)).fileName();
@@ -151,7 +151,7 @@ void SectionView::fillNeighbours() {
   int present = -1;
   for (const view::SampleLineEntry& entry : neighbours_) {
     if (entry.handle == sampleLine()) present = lines_->count();
-    lines_->addItem(toQt(view::stationText(entry.station)) + QStringLiteral("  ") + toQt(entry.name));
+    lines_->addItem(toQt(text::stationText(entry.station)) + QStringLiteral("  ") + toQt(entry.name));
   }
   lines_->setCurrentIndex(present);
   lines_->setEnabled(lines_->count() > 0);
@@ -177,12 +177,12 @@ bool SectionView::isShown(view::SectionVertex::Owner owner, std::size_t index) c
 
 QString SectionView::readout(Vec2 place) const {
   QStringList parts;
-  parts.append(tr("Offset %1").arg(toQt(view::fixedText(place.x))));
-  parts.append(tr("Elevation %1").arg(toQt(view::fixedText(place.y))));
+  parts.append(tr("Offset %1").arg(toQt(text::fixedText(place.x))));
+  parts.append(tr("Elevation %1").arg(toQt(text::fixedText(place.y))));
   for (const ChartSeries& series : chart().series) {
     if (!series.isShown) continue;
     if (const auto elevation = view::elevationAt(series.lines, place.x))
-      parts.append(series.name + QStringLiteral(" ") + toQt(view::fixedText(*elevation)));
+      parts.append(series.name + QStringLiteral(" ") + toQt(text::fixedText(*elevation)));
   }
   return parts.join(QStringLiteral("    "));
 }
@@ -197,15 +197,15 @@ std::optional<ChartView::Snap> SectionView::snap(Vec2 place, Vec2 reach) const {
   QString text = chart().series[at].name;
   const QString codes = joined(near->codes);
   if (!codes.isEmpty()) text += QStringLiteral("\n") + codes;
-  text += QStringLiteral("\n") + toQt(view::fixedText(near->place.x)) + QStringLiteral(" / ") +
-          toQt(view::fixedText(near->place.y));
+  text += QStringLiteral("\n") + toQt(text::fixedText(near->place.x)) + QStringLiteral(" / ") +
+          toQt(text::fixedText(near->place.y));
   return Snap{near->place, text};
 }
 
 QString SectionView::exportName() const {
   //: Name that a cross section's file is given first.
   const QString kind = tr("section");
-  return model_ ? kind + QLatin1Char('-') + toQt(view::stationText(model_->station)) : kind;
+  return model_ ? kind + QLatin1Char('-') + toQt(text::stationText(model_->station)) : kind;
 }
 
 }  // namespace lvx::desktop

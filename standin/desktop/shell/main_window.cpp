@@ -52,7 +52,7 @@
 #include "landxml/writer.h"
 #include "runtime/installation.h"
 #include "standin_platform/held_file.h"
-#include "view/number_text.h"
+#include "text/number_text.h"
 #include "view/plan_scene.h"
 
 namespace lvx::desktop {
@@ -893,7 +893,7 @@ void MainWindow::useAlignment(const civil::AlignmentObject* alignment) {
   }
   const QString side = foot->offset < 0.0 ? tr("left") : foot->offset > 0.0 ? tr("right") : tr("on the axis");
   station_->setText(tr("%1:  station %2   offset %3 %4")
-                        .arg(name, toQt(view::stationText(foot->station)), toQt(view::fixedText(foot->offset)), side));
+                        .arg(name, toQt(text::stationText(foot->station)), toQt(text::fixedText(foot->offset)), side));
 }
 
 QString MainWindow::placeText(const QString& east, const QString& north) {
@@ -903,7 +903,7 @@ QString MainWindow::placeText(const QString& east, const QString& north) {
 
 void MainWindow::showMouse(QPointF place) {
   mouse_ = place;
-  coordinates_->setText(placeText(toQt(view::fixedText(place.x())), toQt(view::fixedText(place.y()))));
+  coordinates_->setText(placeText(toQt(text::fixedText(place.x())), toQt(text::fixedText(place.y()))));
   useAlignment(alignment_);
 }
 

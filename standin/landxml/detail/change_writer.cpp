@@ -1,7 +1,6 @@
 #include "landxml/detail/change_writer.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <map>
 #include <optional>
@@ -14,6 +13,7 @@
 #include "landxml/detail/numbers.h"
 #include "landxml/detail/section_markup.h"
 #include "landxml/detail/tree.h"
+#include "text/handle_text.h"
 
 namespace lvx::landxml::detail {
 
@@ -23,15 +23,6 @@ using civil::SectionOrigin;
 namespace {
 
 using civil::kSameStation;
-
-std::string handleText(civil::Handle handle) {
-  char hex[20];
-  const auto [end, error] = std::to_chars(hex, hex + sizeof hex, handle, 16);
-  std::string text(hex, error == std::errc() ? end : hex);
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
-  return text;
-}
 
 bool isSameSection(const CorridorSection& a, const CorridorSection& b) {
   return a.label == b.label && a.origin == b.origin && civil::haveSamePoints(a, b);
@@ -227,7 +218,7 @@ void ChangeWriter::ensureHandle(pugi::xml_node node, civil::Handle handle) {
       std::find_if(std::begin(kRows), std::end(kRows), [&](const Row& r) { return isNamed(node, r.element); });
   if (row == std::end(kRows))
     return;  // points keep theirs by their order, sites and corridors have Features of their own
-  const std::string text = handleText(handle);
+  const std::string text = text::handleText(handle);
   const pugi::xml_node existing = feature(node, row->code);
   if (!existing)
     editor_.append(node, markup_.featureMarkup(node, {}, row->code, {{"handle", text}}));
@@ -256,7 +247,7 @@ void ChangeWriter::writeSites() {
   if (!project || drawing_.sites.empty() || feature(project, "lvx_sites")) return;
   Markup list = markup_.featureMarkup(project, {}, "lvx_sites", {});
   for (const civil::Site& site : drawing_.sites) {
-    std::vector<std::pair<std::string, std::string>> properties{{"handle", handleText(site.handle)}};
+    std::vector<std::pair<std::string, std::string>> properties{{"handle", text::handleText(site.handle)}};
     if (!site.description.empty()) properties.emplace_back("desc", site.description);
     list.children.push_back(markup_.featureMarkup(project, site.name, "lvx_site", properties));
   }
@@ -278,7 +269,7 @@ Markup ChangeWriter::regionFeature(const Place& place, pugi::xml_node like) {
                                         {{"staStart", numberText(place.now->startStation)},
                                          {"staEnd", numberText(place.now->endStation)},
                                          {"crossSects", attributeText(sections, "name")},
-                                         {"crossSectsHandle", handleText(handle)},
+                                         {"crossSectsHandle", text::handleText(handle)},
                                          {"stations", stations}});
   for (const auto& [station, label] : newLabels(place))
     region.children.push_back(markup_.addedStation(like, station, label));
@@ -289,16 +280,16 @@ Markup ChangeWriter::regionFeature(const Place& place, pugi::xml_node like) {
 void ChangeWriter::adoptCorridor(std::size_t index) {
   const civil::Corridor& corridor = drawing_.corridors[index];
   const CorridorTrace& trace = trace_.corridors[index];
-  Markup ours = markup_.featureMarkup(root_, {}, "lvx_corridor", {{"handle", handleText(corridor.handle)}});
+  Markup ours = markup_.featureMarkup(root_, {}, "lvx_corridor", {{"handle", text::handleText(corridor.handle)}});
   auto place = places_[index].begin();
   for (const civil::Baseline& baseline : corridor.baselines) {
     ensureHandle(nodeOf(baseline.alignment->handle), baseline.alignment->handle);
     std::vector<std::pair<std::string, std::string>> properties{
-        {"alignment", baseline.alignment->name}, {"alignmentHandle", handleText(baseline.alignment->handle)}};
+        {"alignment", baseline.alignment->name}, {"alignmentHandle", text::handleText(baseline.alignment->handle)}};
     if (baseline.profile != nullptr) {
       ensureHandle(nodeOf(baseline.profile->handle), baseline.profile->handle);
       properties.emplace_back("profile", baseline.profile->name);
-      properties.emplace_back("profileHandle", handleText(baseline.profile->handle));
+      properties.emplace_back("profileHandle", text::handleText(baseline.profile->handle));
     }
     Markup line = markup_.featureMarkup(root_, baseline.name, "lvx_baseline", properties);
     for (std::size_t r = 0; r < baseline.regions.size(); ++r) {

@@ -7,6 +7,8 @@
 #include "civil/drawing_files.h"
 #include "landxml/detail/numbers.h"
 #include "landxml/detail/tree.h"
+#include "text/handle_text.h"
+#include "text/number_text.h"
 
 namespace lvx::landxml::detail {
 
@@ -41,15 +43,7 @@ void eachHandle(civil::Drawing& drawing, Use use) {
 
 }  // namespace
 
-std::string shownNumber(double value) {
-  char buffer[64];
-  const auto [end, error] = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 4);
-  if (error != std::errc()) return "?";
-  std::string text(buffer, end);
-  while (text.back() == '0') text.pop_back();
-  if (text.back() == '.') text.pop_back();
-  return text == "-0" ? "0" : text;
-}
+std::string shownNumber(double value) { return text::shortText(value, 4); }
 
 Context::Context(civil::Drawing& d, const LineMap& lines, pugi::xml_node r, bool swapAxes, Trace* t)
     : drawing(d), root(r), trace(t), lines_(lines), swapAxes_(swapAxes) {
@@ -278,14 +272,11 @@ void Context::settleHandles() {
       handles[i] = *tickets_[i].given;
       continue;
     }
-    char hex[20];
-    const auto [end, error] = std::to_chars(hex, hex + sizeof hex, *tickets_[i].given, 16);
-    std::string name(hex, end);
-    std::transform(name.begin(), name.end(), name.begin(),
-                   [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
     if (drawing.diagnostics.size() < kMostDiagnostics) {
       drawing.diagnostics.push_back(
-          {civil::Severity::Warning, "handle " + name + " stands twice; the first object keeps it", tickets_[i].line});
+          {civil::Severity::Warning,
+           "handle " + text::handleText(*tickets_[i].given) + " stands twice; the first object keeps it",
+           tickets_[i].line});
     }
   }
   civil::Handle next = 0x100;

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 #include <utility>
 
 #include "landxml/detail/numbers.h"
 #include "landxml/detail/tree.h"
+#include "text/number_text.h"
 
 namespace lvx::landxml::detail {
 
@@ -19,19 +19,6 @@ namespace {
 constexpr double kDefaultHalfWidth = 10.0;
 /// Vertices this close to the alignment's point at their station run through it; in drawing units.
 constexpr double kOnLine = 0.001;
-
-/// 1234.5 as "1+234.500"; below zero both separators are minus signs, as the reports print stations.
-std::string stationName(double station) {
-  // Stations are bounded by kLargestNumber, so the millimetres fit.
-  const auto millimetres = static_cast<long long>(std::llround(std::abs(station) * 1000.0));
-  const bool isNegative = station < 0.0 && millimetres > 0;
-  const long long kilometres = millimetres / 1'000'000;
-  const long long rest = millimetres % 1'000'000;
-  char text[64];
-  std::snprintf(text, sizeof text, "%s%lld%c%03lld.%03lld", isNegative ? "-" : "", kilometres, isNegative ? '-' : '+',
-                rest / 1000, rest % 1000);
-  return text;
-}
 
 struct Extent {
   double least = std::numeric_limits<double>::infinity();
@@ -212,7 +199,7 @@ void SampleLineReader::readLine(pugi::xml_node section) {
   }
   civil::SampleLine line;
   line.station = *station;
-  line.name = given.empty() ? stationName(*station) : given;
+  line.name = given.empty() ? text::stationText(*station) : given;
   const std::string speaker = who_ + ": sample line '" + line.name + "'";
   line.handle = context_.ticket(section, property(feature(section, "lvx_sampleLine"), "handle"));
   line.vertices = verticesOf(section, line.station, speaker);

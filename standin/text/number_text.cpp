@@ -1,4 +1,4 @@
-#include "view/number_text.h"
+#include "text/number_text.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstddef>
 
-namespace lvx::view {
+namespace lvx::text {
 
 namespace {
 
@@ -46,4 +46,4 @@ std::string stationText(double station, int decimals) {
   return (isNegative ? "-" : "") + digits.substr(0, split) + (isNegative ? "-" : "+") + digits.substr(split);
 }
 
-}  // namespace lvx::view
+}  // namespace lvx::text

@@ -1,13 +1,14 @@
-#include "view/number_text.h"
+#include "text/number_text.h"
 
 #include <limits>
 
 #include <gtest/gtest.h>
 
 #include "platform/posix/posix_platform.h"
+#include "services/formatted_text.h"
 #include "services/station_text.h"
 
-namespace lvx::view {
+namespace lvx::text {
 namespace {
 
 TEST(NumberText, NeverHasAMinusBeforeZero) {
@@ -15,6 +16,21 @@ TEST(NumberText, NeverHasAMinusBeforeZero) {
   EXPECT_EQ(fixedText(-0.0006), "-0.001");
   EXPECT_EQ(fixedText(12.5, 0), "12");
   EXPECT_EQ(fixedText(std::numeric_limits<double>::quiet_NaN()), "-");
+}
+
+TEST(NumberText, TakesNoMoreThanNineDecimals) {
+  EXPECT_EQ(fixedText(0.5, 40), "0.500000000");
+  EXPECT_EQ(fixedText(0.5, -1), "0");
+}
+
+TEST(NumberText, IsThatOfTheReportsButForTheMinusBeforeZero) {
+  std::size_t rows = 0;
+  for (const double value : {0.0, 0.0005, 1.0005, 2.5, -2.5, 123456789.1234, 1e300, -0.0006}) {
+    EXPECT_EQ(fixedText(value), platform::toUtf8(services::fixedText(value, 3))) << value;
+    ++rows;
+  }
+  EXPECT_EQ(rows, 8U);
+  EXPECT_EQ(services::fixedText(-0.0004, 3), L"-0.000");
 }
 
 TEST(NumberText, DropsZerosBehindThePointOnly) {
@@ -26,12 +42,12 @@ TEST(NumberText, DropsZerosBehindThePointOnly) {
 
 TEST(StationText, IsThatOfTheReports) {
   std::size_t rows = 0;
-  for (const double station :
-       {0.0, 1.5, 999.9994, 999.9996, 1000.0, 1234.5678, 1'234'567.891, -0.0004, -0.5, -1234.5, -999.9996}) {
+  for (const double station : {0.0, 1.5, 999.9994, 999.9996, 1000.0, 1234.5678, 1'234'567.891, -0.0004, -0.5, -1234.5,
+                               -999.9996, 1.0005, 2.0005}) {
     EXPECT_EQ(stationText(station), platform::toUtf8(services::stationText(station))) << station;
     ++rows;
   }
-  EXPECT_EQ(rows, 11U);
+  EXPECT_EQ(rows, 13U);
 }
 
 TEST(StationText, HasAsManyDecimalsAsItsAxisNeeds) {
@@ -41,4 +57,4 @@ TEST(StationText, HasAsManyDecimalsAsItsAxisNeeds) {
 }
 
 }  // namespace
-}  // namespace lvx::view
+}  // namespace lvx::text
