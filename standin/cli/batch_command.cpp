@@ -108,10 +108,10 @@ std::string summary(std::size_t jobs, const std::vector<std::size_t>& failed) {
 
 }  // namespace
 
-ExitCode runBatch(const CommonOptions& common, const BatchOptions& options) {
-  const std::vector<Job> jobs = parseJobs(readFile(options.jobs), options.jobs, common);
+ExitCode runBatch(const options::Options& options) {
+  const std::vector<Job> jobs = parseJobs(readFile(options.batch.jobs), options.batch.jobs, options.common);
   const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
-  const std::size_t atOnce = options.atOnce > 0 ? static_cast<std::size_t>(options.atOnce) : processors;
+  const std::size_t atOnce = options.batch.atOnce ? static_cast<std::size_t>(*options.batch.atOnce) : processors;
 
   std::vector<std::size_t> failed;
   Workers workers(jobs, std::min(atOnce, jobs.size()));
@@ -124,7 +124,7 @@ ExitCode runBatch(const CommonOptions& common, const BatchOptions& options) {
     tell("line " + std::to_string(jobs[i].line) + ": ended with " + std::to_string(result.exitCode) + ": " +
          jobs[i].label + "\n");
   }
-  if (!common.quiet || !failed.empty()) say(summary(jobs.size(), failed));
+  if (!options.common.quiet || !failed.empty()) say(summary(jobs.size(), failed));
   return failed.empty() ? kDone : kNotWritten;
 }
 

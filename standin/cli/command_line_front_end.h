@@ -7,11 +7,13 @@
 #include <utility>
 #include <vector>
 
-#include "cli/options.h"
 #include "host/dialog_window.h"
+#include "options/options.h"
 #include "runtime/front_end.h"
 
 namespace lvx::cli {
+
+using options::Overwrite;
 
 /// One thing that the command line does in a dialog, in the order in which a user would.
 struct DialogStep {

@@ -3,17 +3,17 @@
 #include <string>
 
 #include "civil/drawing.h"
-#include "cli/options.h"
+#include "options/options.h"
 
 namespace lvx::cli {
 
 /// Reads a drawing with progress. Throws Failure (kBadDrawing) where it can't be read and runtime::Interrupted where
 /// the user stopped it.
-[[nodiscard]] civil::Drawing loadDrawing(const std::string& path, ProgressMode progress);
+[[nodiscard]] civil::Drawing loadDrawing(const std::string& path, options::ProgressMode progress);
 
 /// Saves a drawing, which was read from its own path, with progress. Throws Failure (kBadDrawing) where it can't be saved
 /// and runtime::Interrupted where the user stopped it; what stood under `target` then still does.
-void saveDrawing(civil::Drawing& drawing, const std::string& target, ProgressMode progress);
+void saveDrawing(civil::Drawing& drawing, const std::string& target, options::ProgressMode progress);
 
 /// "road.xml:118: warning: …", the line left out where there is none.
 [[nodiscard]] std::string diagnosticText(const civil::Drawing& drawing, const civil::Diagnostic& diagnostic);

@@ -3,9 +3,12 @@
 #include <stdexcept>
 #include <string>
 
-#include "cli/exit_codes.h"
+#include "options/exit_codes.h"
 
 namespace lvx::cli {
+
+using options::ExitCode;
+using enum options::ExitCode;
 
 /// Ends the program with a sentence on standard error and an exit code.
 class Failure : public std::runtime_error {

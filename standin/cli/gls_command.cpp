@@ -28,10 +28,10 @@ void tellGaps(const civil::Drawing& drawing, const civil::AlignmentObject& align
   }
 }
 
-std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const GlsOptions& options, bool quiet,
+std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const options::ReportOptions& options, bool quiet,
                                  const std::vector<DialogStep>& closing) {
   using Kind = DialogStep::Kind;
-  const FoundAlignment found = findAlignment(drawing, options.alignment, options.siteGiven ? &options.site : nullptr);
+  const FoundAlignment found = findAlignment(drawing, options.alignment, options.site);
   const civil::ProfileObject& profile = findProfile(*found.alignment, options.profile);
   const civil::SampleLineGroup& group = findGroup(*found.alignment, options.group);
   if (!quiet) tellGaps(drawing, *found.alignment, profile);
@@ -48,14 +48,15 @@ std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const GlsOptions
 
 }  // namespace
 
-ExitCode runGls(const CommonOptions& common, const GlsOptions& options) {
+options::ExitCode runGls(const options::Options& options) {
   return runReport(
-      common, {L"lvx_Report_GLS", options.drawing, options.stem, options.saveTo},
+      options, L"lvx_Report_GLS",
       [&](const runtime::OpenDrawing& drawing, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
-        frontEnd.steps().expect(host::kGlsDialog, {stepsFor(drawing.drawing(), options, common.quiet, closing)});
+        frontEnd.steps().expect(host::kGlsDialog,
+                                {stepsFor(drawing.drawing(), options.report, options.common.quiet, closing)});
         frontEnd.steps().expect(
             host::kAddSectionsDialog,
-            {{{DialogStep::Kind::Click, options.addSections ? host::kIdOk : host::kIdCancel, 0, {}}}});
+            {{{DialogStep::Kind::Click, options.report.addSections ? host::kIdOk : host::kIdCancel, 0, {}}}});
         return std::string();
       });
 }

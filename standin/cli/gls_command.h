@@ -1,12 +1,12 @@
 #pragma once
 
-#include "cli/exit_codes.h"
-#include "cli/options.h"
+#include "options/exit_codes.h"
+#include "options/options.h"
 
 namespace lvx::cli {
 
 /// The GLS report: runs the module's own command and answers its dialog, and the question whether sections are to be added
 /// to the drawing, as a user would.
-[[nodiscard]] ExitCode runGls(const CommonOptions& common, const GlsOptions& options);
+[[nodiscard]] options::ExitCode runGls(const options::Options& options);
 
 }  // namespace lvx::cli

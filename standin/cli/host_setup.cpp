@@ -8,9 +8,9 @@
 
 namespace lvx::cli {
 
-std::unique_ptr<runtime::StandinHost> makeHost(runtime::FrontEnd& frontEnd, const CommonOptions& options) {
+std::unique_ptr<runtime::StandinHost> makeHost(runtime::FrontEnd& frontEnd, const options::CommonOptions& options) {
   try {
-    runtime::HostOptions setup = runtime::hostOptions(hostChoices(options));
+    runtime::HostOptions setup = runtime::hostOptions(options.host);
     setup.isInterrupted = standin_platform::isInterrupted;
     setup.startProgress = [mode = options.progressMode()](const std::string& work) {
       return [line = std::make_shared<ProgressLine>(mode, work)](std::uint64_t done, std::uint64_t total) {
@@ -21,17 +21,6 @@ std::unique_ptr<runtime::StandinHost> makeHost(runtime::FrontEnd& frontEnd, cons
   } catch (const std::invalid_argument& error) {
     throw Failure(kUsage, error.what());
   }
-}
-
-runtime::HostChoices hostChoices(const CommonOptions& options) {
-  runtime::HostChoices choices;
-  choices.language = options.language;
-  choices.messages = options.messages;
-  choices.module = options.module;
-  choices.release = options.release;
-  choices.reportCodePage = options.reportCodePage;
-  choices.messageCodePage = options.messageCodePage;
-  return choices;
 }
 
 }  // namespace lvx::cli

@@ -2,17 +2,14 @@
 
 #include <memory>
 
-#include "cli/options.h"
-#include "runtime/host_choices.h"
+#include "options/options.h"
 #include "runtime/standin_host.h"
 
 namespace lvx::cli {
 
-/// What the options say of the host.
-[[nodiscard]] runtime::HostChoices hostChoices(const CommonOptions& options);
-
 /// The host that the options and SOURCE_DATE_EPOCH ask for. Throws Failure (kUsage) for an unknown code page, a message
 /// file that isn't there and an epoch that is no number of seconds.
-[[nodiscard]] std::unique_ptr<runtime::StandinHost> makeHost(runtime::FrontEnd& frontEnd, const CommonOptions& options);
+[[nodiscard]] std::unique_ptr<runtime::StandinHost> makeHost(runtime::FrontEnd& frontEnd,
+                                                             const options::CommonOptions& options);
 
 }  // namespace lvx::cli

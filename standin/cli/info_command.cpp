@@ -454,10 +454,10 @@ std::string infoJson(const civil::Drawing& drawing) {
   return all.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-ExitCode runInfo(const CommonOptions& common, const InfoOptions& options) {
-  const civil::Drawing drawing = loadDrawing(options.drawing, common.progressMode());
+options::ExitCode runInfo(const options::Options& options) {
+  const civil::Drawing drawing = loadDrawing(options.drawing, options.common.progressMode());
   print(options.json ? infoJson(drawing) : infoText(drawing));
-  return kDone;
+  return options::kDone;
 }
 
 }  // namespace lvx::cli

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "civil/drawing.h"
-#include "cli/exit_codes.h"
-#include "cli/options.h"
+#include "options/exit_codes.h"
+#include "options/options.h"
 
 namespace lvx::cli {
 
@@ -13,6 +13,6 @@ namespace lvx::cli {
 /// The same for programs; members are only ever added.
 [[nodiscard]] std::string infoJson(const civil::Drawing& drawing);
 
-[[nodiscard]] ExitCode runInfo(const CommonOptions& common, const InfoOptions& options);
+[[nodiscard]] options::ExitCode runInfo(const options::Options& options);
 
 }  // namespace lvx::cli

@@ -1,7 +1,6 @@
 #include "cli/job_file.h"
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <map>
 #include <system_error>
@@ -9,14 +8,13 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/failure.h"
+#include "options/option_table.h"
 
 namespace lvx::cli {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-constexpr std::array<std::string_view, 3> kCommands{"projection", "points", "gls"};
 
 /// Reads one line and keeps the place of the job file for messages.
 class JobReader {
@@ -66,27 +64,56 @@ class JobReader {
   std::string where_;
 };
 
+/// "projection, points, gls"
+std::string reportCommands() {
+  std::string names;
+  for (const options::CommandDescription& command : options::commands())
+    if (options::kReportCommands.contains(command.command))
+      names.append(names.empty() ? "" : ", ").append(command.name);
+  return names;
+}
+
+bool isReportCommand(const std::string& name) {
+  const options::CommandDescription* const command = options::findCommand(name);
+  return command != nullptr && options::kReportCommands.contains(command->command);
+}
+
+/// A common option as the whole batch has it.
+struct CommonArgument {
+  const options::OptionDescription* option;
+  /// Empty text: the batch says that there is none, where there is one by default.
+  std::string value;
+};
+
+/// Those that have to be said to each job, texts before flags.
+std::vector<CommonArgument> commonArguments(const options::CommonOptions& common) {
+  options::Options whole;
+  whole.common = common;
+  std::vector<CommonArgument> arguments;
+  for (const bool flags : {false, true})
+    for (const options::OptionDescription* option : options::commonOptions()) {
+      if (option->isFlag() != flags) continue;
+      const auto value = valueOf(*option, whole);
+      if (value || valueOf(*option, {})) arguments.push_back({option, value.value_or("")});
+    }
+  return arguments;
+}
+
 /// Options of the whole batch, unless the job has its own.
-void appendCommon(std::vector<std::string>& arguments, const Json& job, const CommonOptions& common) {
-  const auto text = [&](const char* option, const std::string& value) {
-    if (!job.contains(option)) JobReader::appendText(arguments, std::string("--") + option, value);
-  };
-  const auto textIfGiven = [&](const char* option, const std::string& value) {
-    if (!value.empty()) text(option, value);
-  };
-  text("forms", common.forms);
-  text("lang", common.language);
-  text("release", common.release);
-  text("message-code-page", common.messageCodePage);
-  textIfGiven("messages", common.messages);
-  textIfGiven("report-code-page", common.reportCodePage);
-  textIfGiven("module", common.module);
-  if (!job.contains("overwrite") && !job.contains("keep")) {
-    if (common.overwrite) arguments.emplace_back("--overwrite");
-    if (common.keep) arguments.emplace_back("--keep");
+void appendCommon(std::vector<std::string>& arguments, const Json& job, const std::vector<CommonArgument>& common) {
+  // Jobs run beside one another, so that their lines would mix.
+  constexpr std::string_view kProgress = "progress";
+  for (const CommonArgument& argument : common) {
+    const options::OptionDescription& option = *argument.option;
+    if (option.name == kProgress || job.contains(option.name)) continue;
+    if (!option.excludes.empty() && job.contains(option.excludes)) continue;
+    const std::string name = "--" + std::string(option.name);
+    if (option.isFlag())
+      arguments.push_back(name);
+    else
+      JobReader::appendText(arguments, name, argument.value);
   }
-  if (common.quiet && !job.contains("quiet")) arguments.emplace_back("--quiet");
-  if (!job.contains("progress")) arguments.emplace_back("--progress=never");
+  if (!job.contains(kProgress)) arguments.push_back("--" + std::string(kProgress) + "=never");
 }
 
 std::filesystem::path sameFor(const std::string& stem) {
@@ -97,7 +124,8 @@ std::filesystem::path sameFor(const std::string& stem) {
 
 }  // namespace
 
-std::vector<Job> parseJobs(std::string_view text, const std::string& name, const CommonOptions& common) {
+std::vector<Job> parseJobs(std::string_view text, const std::string& name, const options::CommonOptions& common) {
+  const std::vector<CommonArgument> batchArguments = commonArguments(common);
   std::vector<Job> jobs;
   std::map<std::filesystem::path, std::size_t> lineOfStem;
   std::size_t line = 0;
@@ -111,8 +139,8 @@ std::vector<Job> parseJobs(std::string_view text, const std::string& name, const
     const JobReader reader(name, line);
     const Json json = reader.objectOf(content);
     Job job{line, {}, {reader.required(json, "command")}};
-    if (std::find(kCommands.begin(), kCommands.end(), job.arguments[0]) == kCommands.end())
-      reader.fail("\"" + job.arguments[0] + "\" is no report command; there is projection, points, gls");
+    if (!isReportCommand(job.arguments[0]))
+      reader.fail("\"" + job.arguments[0] + "\" is no report command; there is " + reportCommands());
     const std::string drawing = reader.required(json, "drawing");
     const std::string stem = reader.required(json, "out");
     job.label = job.arguments[0];
@@ -122,7 +150,7 @@ std::vector<Job> parseJobs(std::string_view text, const std::string& name, const
 
     for (const auto& [option, value] : json.items())
       if (option != "command" && option != "drawing") reader.append(job.arguments, option, value);
-    appendCommon(job.arguments, json, common);
+    appendCommon(job.arguments, json, batchArguments);
     job.arguments.insert(job.arguments.end(), {"--", drawing});
     jobs.push_back(std::move(job));
   }

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/options.h"
+#include "options/options.h"
 
 namespace lvx::cli {
 
@@ -28,6 +28,7 @@ struct Job {
 /// Members are texts, whole numbers and true or false (an option without a value, or its absence). `common` holds for
 /// every job that doesn't have the option itself. `name` stands for the file in messages. Throws Failure (kUsage) for a
 /// line that is no such object, and where two jobs would write the same files.
-[[nodiscard]] std::vector<Job> parseJobs(std::string_view text, const std::string& name, const CommonOptions& common);
+[[nodiscard]] std::vector<Job> parseJobs(std::string_view text, const std::string& name,
+                                         const options::CommonOptions& common);
 
 }  // namespace lvx::cli

@@ -94,8 +94,9 @@ std::string siteWords(const civil::Site& site) {
   return site.name.empty() ? std::string("no site (--site \"\")") : "site '" + site.name + "'";
 }
 
-FoundAlignment findAlignment(const civil::Drawing& drawing, const std::string& alignment, const std::string* site) {
-  if (site != nullptr) {
+FoundAlignment findAlignment(const civil::Drawing& drawing, const std::string& alignment,
+                             const std::optional<std::string>& site) {
+  if (site) {
     const civil::Site& wanted = findSite(drawing, *site);
     if (const civil::AlignmentObject* found = alignmentIn(wanted, alignment)) return {&wanted, found};
     unknown("no alignment '" + alignment + "' in " + siteWords(wanted), namesOf(wanted.alignments), alignment, "");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,7 +27,7 @@ struct FoundAlignment {
 /// The alignment of that name in the site; without a site in the only site that has one of that name. Of several in one
 /// site the first. Throws Failure (kUnknownName) that lists what there is.
 [[nodiscard]] FoundAlignment findAlignment(const civil::Drawing& drawing, const std::string& alignment,
-                                           const std::string* site);
+                                           const std::optional<std::string>& site);
 
 /// The first of that name; throws Failure (kUnknownName) that lists what there is.
 [[nodiscard]] const civil::SampleLineGroup& findGroup(const civil::AlignmentObject& alignment, const std::string& name);

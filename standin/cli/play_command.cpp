@@ -34,12 +34,8 @@ std::string wordsFor(const std::exception_ptr& exception) {
     std::rethrow_exception(exception);
   } catch (const script::ScriptMismatch&) {
     throw;
-  } catch (const runtime::Interrupted&) {
-    throw;
-  } catch (const std::exception& error) {
-    return error.what();
   } catch (...) {
-    return "an exception of unknown kind";
+    return runtime::wordsOf(exception);
   }
 }
 
@@ -67,13 +63,13 @@ bool play(runtime::StandinHost& host, script::ScriptFrontEnd& frontEnd, script::
 
 }  // namespace
 
-ExitCode runPlay(const CommonOptions& common, const PlayOptions& options) {
-  std::vector<script::ScriptAction> actions = readScript(options.script);
+ExitCode runPlay(const options::Options& options) {
+  std::vector<script::ScriptAction> actions = readScript(options.play.script);
   script::Transcript transcript(print);
   script::ScriptFrontEnd frontEnd(std::move(actions), transcript);
-  const auto host = makeHost(frontEnd, common);
-  civil::Drawing drawing = loadDrawing(options.drawing, common.progressMode());
-  if (!common.quiet) tellDiagnostics(drawing);
+  const auto host = makeHost(frontEnd, options.common);
+  civil::Drawing drawing = loadDrawing(options.drawing, options.common.progressMode());
+  if (!options.common.quiet) tellDiagnostics(drawing);
 
   bool allWritten = true;
   host->journal().listener = [&transcript, &allWritten](const runtime::FileEvent& event) {
@@ -84,8 +80,8 @@ ExitCode runPlay(const CommonOptions& common, const PlayOptions& options) {
   frontEnd.setDrawing(&host->openDrawing()->drawing());
   bool clean = true;
   try {
-    const auto module = host->loadModule(runtime::chosenModule(hostChoices(common)));
-    clean = play(*host, frontEnd, transcript, options.checks);
+    const auto module = host->loadModule(runtime::chosenModule(options.common.host));
+    clean = play(*host, frontEnd, transcript, options.play.checks);
   } catch (const runtime::ModuleError& error) {
     throw Failure(kNotWritten, error.what());
   } catch (const script::ScriptMismatch& error) {

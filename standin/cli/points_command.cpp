@@ -53,22 +53,22 @@ std::string planPicked(const runtime::OpenDrawing& drawing, const std::vector<Nu
 
 }  // namespace
 
-ExitCode runPoints(const CommonOptions& common, const PointsOptions& options) {
+options::ExitCode runPoints(const options::Options& options) {
+  const options::ReportOptions& report = options.report;
   const std::vector<NumberRange> numbers =
-      options.pointsGiven ? parsePointNumbers(options.points) : std::vector<NumberRange>();
+      report.points ? parsePointNumbers(*report.points) : std::vector<NumberRange>();
   return runReport(
-      common, {L"lvx_Report_Points", options.drawing, options.stem},
+      options, L"lvx_Report_Points",
       [&](const runtime::OpenDrawing& drawing, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
-        std::vector<DialogStep> steps = alignmentSteps(
-            drawing.drawing(),
-            findAlignment(drawing.drawing(), options.alignment, options.siteGiven ? &options.site : nullptr));
+        std::vector<DialogStep> steps =
+            alignmentSteps(drawing.drawing(), findAlignment(drawing.drawing(), report.alignment, report.site));
         std::vector<std::vector<DialogStep>> openings;
         std::string withoutRows;
-        if (options.pointsGiven) {
+        if (report.points) {
           openings.push_back({{DialogStep::Kind::Click, host::kIdPickPoints, 0, {}}});
-          withoutRows = planPicked(drawing, numbers, common.quiet, frontEnd);
+          withoutRows = planPicked(drawing, numbers, options.common.quiet, frontEnd);
         } else {
-          withoutRows = planGroup(drawing, options.group, common.quiet, steps);
+          withoutRows = planGroup(drawing, report.pointGroup.value(), options.common.quiet, steps);
         }
         steps.insert(steps.end(), closing.begin(), closing.end());
         openings.push_back(std::move(steps));

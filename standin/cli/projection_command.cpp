@@ -12,10 +12,10 @@ using platform::fromUtf8;
 
 namespace {
 
-std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const ProjectionOptions& options,
+std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const options::ReportOptions& options,
                                  const std::vector<DialogStep>& closing) {
   using Kind = DialogStep::Kind;
-  const FoundAlignment found = findAlignment(drawing, options.alignment, options.siteGiven ? &options.site : nullptr);
+  const FoundAlignment found = findAlignment(drawing, options.alignment, options.site);
   const civil::SampleLineGroup& group = findGroup(*found.alignment, options.group);
   const civil::SurfaceObject& surface = findSurface(drawing, options.surface);
   if (group.lines.empty())
@@ -33,11 +33,11 @@ std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const Projection
 
 }  // namespace
 
-ExitCode runProjection(const CommonOptions& common, const ProjectionOptions& options) {
+options::ExitCode runProjection(const options::Options& options) {
   return runReport(
-      common, {L"lvx_Report_Que", options.drawing, options.stem},
+      options, L"lvx_Report_Que",
       [&](const runtime::OpenDrawing& drawing, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
-        frontEnd.steps().expect(host::kProjectionDialog, {stepsFor(drawing.drawing(), options, closing)});
+        frontEnd.steps().expect(host::kProjectionDialog, {stepsFor(drawing.drawing(), options.report, closing)});
         return std::string();
       });
 }

@@ -13,6 +13,7 @@
 #include "cli/name_lookup.h"
 #include "cli/terminal.h"
 #include "host/dialog_controls.h"
+#include "runtime/command_runner.h"
 #include "runtime/module_loader.h"
 #include "runtime/standin_host.h"
 
@@ -29,7 +30,7 @@ struct Form {
 constexpr std::array<Form, 3> kForms{
     {{"txt", host::kIdCheckAscii}, {"xls", host::kIdCheckExcel}, {"html", host::kIdCheckHtml}}};
 
-std::vector<DialogStep> closingSteps(const CommonOptions& common, const std::string& stem) {
+std::vector<DialogStep> closingSteps(const options::CommonOptions& common, const std::string& stem) {
   using Kind = DialogStep::Kind;
   std::vector<DialogStep> steps{{Kind::Type, host::kIdOutputStem, 0, fromUtf8(stem)}};
   for (const Form& form : kForms)
@@ -71,28 +72,17 @@ bool tellOutcome(const runtime::StandinHost& host, const Expected& expected, boo
   return false;
 }
 
-/// Runs a command of the loaded module by its name.
-void runCommand(runtime::StandinHost& host, const wchar_t* name) {
-  const runtime::RegisteredCommand* command = host.commands().find(name);
-  if (command == nullptr) throw std::runtime_error("the module registered no command '" + platform::toUtf8(name) + "'");
-  command->function();
-}
-
 /// The words of the exception that ended the command; empty where it ended by itself.
-std::string runModuleCommand(runtime::StandinHost& host, const CommonOptions& common, const wchar_t* name) {
+std::string runModuleCommand(runtime::StandinHost& host, const options::CommonOptions& common, const wchar_t* name) {
   try {
-    const auto module = host.loadModule(runtime::chosenModule(hostChoices(common)));
-    try {
-      runCommand(host, name);
-    } catch (const runtime::Interrupted&) {
-      throw;
-    } catch (const std::exception& error) {
-      return error.what();
-    }
+    const auto module = host.loadModule(runtime::chosenModule(common.host));
+    const runtime::CommandOutcome outcome = runtime::CommandRunner(host, false).run(name);
+    if (!outcome.found) return "the module registered no command '" + platform::toUtf8(name) + "'";
+    // Before the module goes: what it threw is its own.
+    return outcome.exception ? runtime::wordsOf(outcome.exception) : std::string();
   } catch (const runtime::ModuleError& error) {
     throw Failure(kNotWritten, error.what());
   }
-  return {};
 }
 
 bool nothingHappened(const runtime::StandinHost& host, const CommandLineFrontEnd& frontEnd,
@@ -120,11 +110,12 @@ std::vector<DialogStep> alignmentSteps(const civil::Drawing& drawing, const Foun
            fromUtf8(found.alignment->name)}};
 }
 
-ExitCode runReport(const CommonOptions& common, const ReportRun& run, const ReportPlan& plan) {
-  const std::string stem = dialogStem(run.stem);
-  CommandLineFrontEnd frontEnd(common.overwriteMode(), runtime::helpFolder(common.language));
+ExitCode runReport(const options::Options& options, const wchar_t* command, const ReportPlan& plan) {
+  const options::CommonOptions& common = options.common;
+  const std::string stem = dialogStem(options.report.stem);
+  CommandLineFrontEnd frontEnd(common.overwriteMode(), runtime::helpFolder(common.host.language));
   const auto host = makeHost(frontEnd, common);
-  civil::Drawing drawing = loadDrawing(run.drawing, common.progressMode());
+  civil::Drawing drawing = loadDrawing(options.drawing, common.progressMode());
   if (!common.quiet) tellDiagnostics(drawing);
   host->open(std::move(drawing));
   const std::string nothingWritten = plan(*host->openDrawing(), closingSteps(common, stem), frontEnd);
@@ -138,7 +129,7 @@ ExitCode runReport(const CommonOptions& common, const ReportRun& run, const Repo
     expected.push_back({std::move(path), stood});
   }
 
-  const std::string endedBy = runModuleCommand(*host, common, run.command);
+  const std::string endedBy = runModuleCommand(*host, common, command);
   if (endedBy.empty() && !nothingWritten.empty() && nothingHappened(*host, frontEnd, expected)) {
     say(nothingWritten);
     return kNotWritten;
@@ -149,10 +140,9 @@ ExitCode runReport(const CommonOptions& common, const ReportRun& run, const Repo
     say("the command ended by an exception: " + endedBy);
     return kException;
   }
-  if (!run.saveTo.empty()) {
-    host->openDrawing()->save(
-        [&](civil::Drawing& changed) { saveDrawing(changed, run.saveTo, common.progressMode()); });
-    if (!common.quiet) print(run.saveTo + "  " + std::to_string(std::filesystem::file_size(run.saveTo)) + " bytes\n");
+  if (const auto& saveTo = options.report.saveTo) {
+    host->openDrawing()->save([&](civil::Drawing& changed) { saveDrawing(changed, *saveTo, common.progressMode()); });
+    if (!common.quiet) print(*saveTo + "  " + std::to_string(std::filesystem::file_size(*saveTo)) + " bytes\n");
   }
   return complete ? kDone : kNotWritten;
 }

@@ -6,25 +6,14 @@
 #include <vector>
 
 #include "cli/command_line_front_end.h"
-#include "cli/exit_codes.h"
 #include "cli/name_lookup.h"
-#include "cli/options.h"
+#include "options/exit_codes.h"
+#include "options/options.h"
 #include "runtime/open_drawing.h"
 
 /// What the report commands share: they run the module's own command over one drawing, answer its dialog as a user
 /// would, and tell what became of the files.
 namespace lvx::cli {
-
-/// One run of one report command.
-struct ReportRun {
-  /// The module's command.
-  const wchar_t* command = nullptr;
-  std::string drawing;
-  /// As the user gave it.
-  std::string stem;
-  /// Where the drawing goes once the command ended by itself; empty: it isn't saved.
-  std::string saveTo = {};
-};
 
 /// Tells the front end what to do in the command's dialogs, given the open drawing. `closing` are the steps with which the
 /// last opening ends: stem typed, forms ticked, OK clicked. Every name is looked up here, before the command runs, so that
@@ -33,9 +22,11 @@ struct ReportRun {
 using ReportPlan = std::function<std::string(const runtime::OpenDrawing& drawing,
                                              const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd)>;
 
-/// Runs the command and lists what was written on standard output, what wasn't on standard error. Throws Failure, and
+/// Runs the module's command over the drawing of `options` and lists what was written on standard output, what wasn't on
+/// standard error. Where the options say so, saves the drawing once the command ended by itself. Throws Failure, and
 /// runtime::Interrupted where the user stopped it.
-[[nodiscard]] ExitCode runReport(const CommonOptions& common, const ReportRun& run, const ReportPlan& plan);
+[[nodiscard]] options::ExitCode runReport(const options::Options& options, const wchar_t* command,
+                                          const ReportPlan& plan);
 
 /// The stem as it goes into the dialog: the module wants a folder in it, so a bare name gets the current one. Throws
 /// Failure (kUsage) for a stem without a file name.

@@ -5,10 +5,12 @@
 #include <string>
 #include <string_view>
 
-#include "cli/options.h"
+#include "options/options.h"
 
 /// Standard output and standard error: results on the one, words and progress on the other.
 namespace lvx::cli {
+
+using options::ProgressMode;
 
 /// One line on standard error, "lvxhost: …".
 void say(std::string_view sentence);

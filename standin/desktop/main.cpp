@@ -8,18 +8,20 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "desktop/common/qt_text.h"
 #include "desktop/shell/desktop_options.h"
 #include "desktop/shell/main_window.h"
+#include "options/exit_codes.h"
+#include "options/option_table.h"
 #include "standin_platform/interruption.h"
 
 namespace lvx::desktop {
 namespace {
 
-constexpr int kDone = 0;
-constexpr int kNoDisplay = 1;
-constexpr int kUsage = 2;
+using enum options::ExitCode;
 
 void say(const QString& sentence) { std::fprintf(stderr, "lvxhost-desktop: %s\n", sentence.toUtf8().constData()); }
 
@@ -35,6 +37,39 @@ struct Started {
   QString answer;
 };
 
+QString inQt(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+/// What the table of options says of this program, in the words of Qt's own parser.
+void addOptions(QCommandLineParser& parser) {
+  for (const options::OptionDescription* option : options::optionsOf(options::Command::Desktop)) {
+    const QString help = inQt(option->help) + QLatin1Char('.');
+    if (option->isArgument)
+      parser.addPositionalArgument(inQt(option->name), help, QLatin1Char('[') + inQt(option->name) + QLatin1Char(']'));
+    else
+      parser.addOption(QCommandLineOption(inQt(option->name), help, inQt(option->valueName)));
+  }
+}
+
+/// The options and the argument that were given, over what stands in `values`.
+void applyGiven(const QCommandLineParser& parser, options::Options& values) {
+  const QStringList drawings = parser.positionalArguments();
+  if (drawings.size() > 1)
+    throw Failure(QStringLiteral("one drawing can be opened, and %1 are named: %2. See --help.")
+                      .arg(drawings.size())
+                      .arg(drawings.join(QStringLiteral(", "))));
+  for (const options::OptionDescription* option : options::optionsOf(options::Command::Desktop)) {
+    try {
+      if (option->isArgument) {
+        if (!drawings.isEmpty()) apply(*option, values, toUtf8(drawings.front()));
+      } else if (parser.isSet(inQt(option->name))) {
+        apply(*option, values, toUtf8(parser.value(inQt(option->name))));
+      }
+    } catch (const std::invalid_argument& error) {
+      throw Failure(QString::fromUtf8(error.what()) + QLatin1Char('.'));
+    }
+  }
+}
+
 Started parse(const QStringList& arguments) {
   QCommandLineParser parser;
   parser.setApplicationDescription(QStringLiteral(
@@ -45,71 +80,25 @@ Started parse(const QStringList& arguments) {
       "      output file, OK; the console lists what was written. F1 explains each report."));
   const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help."));
   const QCommandLineOption version(QStringLiteral("version"), QStringLiteral("Show the version."));
-  const QCommandLineOption language(
-      QStringLiteral("lang"),
-      QStringLiteral("Language of windows, reports and help: en or de (default: the system's)."),
-      QStringLiteral("LANGUAGE"));
-  const QCommandLineOption scheme(QStringLiteral("scheme"),
-                                  QStringLiteral("Colours: system, light or dark (default: as last chosen)."),
-                                  QStringLiteral("SCHEME"));
-  const QCommandLineOption messages(QStringLiteral("messages"),
-                                    QStringLiteral("Message file to use in place of the language's own."),
-                                    QStringLiteral("FILE"));
-  const QCommandLineOption module(QStringLiteral("module"),
-                                  QStringLiteral("Report module to load in place of the program's own."),
-                                  QStringLiteral("FILE"));
-  const QCommandLineOption release(
-      QStringLiteral("release"),
-      QStringLiteral("Host release that report headers show; empty for none (default: R24.3)."), QStringLiteral("TEXT"),
-      QStringLiteral("R24.3"));
-  const QCommandLineOption reportCodePage(
-      QStringLiteral("report-code-page"),
-      QStringLiteral("Single-byte code page of text and HTML reports, by its iconv name (default: U+0000 to U+00FF as "
-                     "bytes)."),
-      QStringLiteral("NAME"));
-  const QCommandLineOption messageCodePage(
-      QStringLiteral("message-code-page"),
-      QStringLiteral("Code page of message files, by its iconv name (default: WINDOWS-1252)."), QStringLiteral("NAME"),
-      QStringLiteral("WINDOWS-1252"));
-  parser.addOptions({help, version, language, scheme, messages, module, release, reportCodePage, messageCodePage});
-  parser.addPositionalArgument(QStringLiteral("DRAWING"), QStringLiteral("LandXML file to open."),
-                               QStringLiteral("[DRAWING]"));
+  parser.addOptions({help, version});
+  addOptions(parser);
   if (!parser.parse(arguments)) throw Failure(parser.errorText() + QStringLiteral(" See --help."));
 
   Started started;
   if (parser.isSet(help)) started.answer = parser.helpText();
   if (parser.isSet(version)) started.answer = QStringLiteral("lvxhost-desktop %1\n").arg(QLatin1String(LVX_VERSION));
-  DesktopOptions& options = started.options;
-  const QStringList drawings = parser.positionalArguments();
-  if (drawings.size() > 1)
-    throw Failure(QStringLiteral("one drawing can be opened, and %1 are named: %2. See --help.")
-                      .arg(drawings.size())
-                      .arg(drawings.join(QStringLiteral(", "))));
-  if (!drawings.isEmpty()) options.drawing = drawings.front();
-  if (parser.isSet(language)) {
-    options.choices.language = toUtf8(parser.value(language));
-    if (options.choices.language != "en" && options.choices.language != "de")
-      throw Failure(QStringLiteral("--lang is '%1'; there is en and de.").arg(parser.value(language)));
-  } else {
-    options.choices.language = QLocale::system().language() == QLocale::German ? "de" : "en";
-  }
-  if (parser.isSet(scheme)) {
-    options.scheme = schemeOf(parser.value(scheme));
-    if (!options.scheme)
-      throw Failure(QStringLiteral("--scheme is '%1'; there is system, light and dark.").arg(parser.value(scheme)));
-  }
-  options.choices.messages = toUtf8(parser.value(messages));
-  options.choices.module = toUtf8(parser.value(module));
-  options.choices.release = toUtf8(parser.value(release));
-  options.choices.reportCodePage = toUtf8(parser.value(reportCodePage));
-  options.choices.messageCodePage = toUtf8(parser.value(messageCodePage));
+  options::Options values;
+  values.common.host.language = QLocale::system().language() == QLocale::German ? "de" : "en";
+  applyGiven(parser, values);
+  started.options.choices = std::move(values.common.host);
+  if (const auto& drawing = values.window.drawing) started.options.drawing = QString::fromStdString(*drawing);
+  if (const auto& scheme = values.window.scheme) started.options.scheme = schemeOf(QString::fromStdString(*scheme));
   return started;
 }
 
 constexpr const char* kNoDisplayWords =
     "there is no display to show windows on. Start it in a graphical session, or name one in DISPLAY; lvxhost makes "
-    "the "
-    "same reports without windows.";
+    "the same reports without windows.";
 
 /// Qt ends a program that finds no display by an abort; its user gets a sentence in place of that.
 void onMessageWhileStarting(QtMsgType type, const QMessageLogContext&, const QString& text) {

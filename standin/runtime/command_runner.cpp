@@ -62,6 +62,18 @@ std::vector<std::string> difference(const Held& before, const Held& after) {
 
 }  // namespace
 
+std::string wordsOf(const std::exception_ptr& exception) {
+  try {
+    std::rethrow_exception(exception);
+  } catch (const Interrupted&) {
+    throw;
+  } catch (const std::exception& error) {
+    return error.what();
+  } catch (...) {
+    return "an exception of unknown kind";
+  }
+}
+
 CommandRunner::CommandRunner(StandinHost& host, bool checks) : host_(host), checks_(checks) {
   if (!checks_) return;
   host_.standinRunTime().callObserver = [this](const char* function) {

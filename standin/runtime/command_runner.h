@@ -18,6 +18,9 @@ struct CommandOutcome {
   std::vector<std::string> misuse;
 };
 
+/// What an exception that left a command says, for its user. One that isn't the command's own doing goes on: Interrupted.
+[[nodiscard]] std::string wordsOf(const std::exception_ptr& exception);
+
 /// Runs commands from the host's command stack. With checks on, it compares what is held before and after each: a model
 /// object not released, a lock left over, an object left open, a selection set or filter list not freed, a reference of
 /// the companion library not given up, other resources in force than before. It also tells what the module asks of the

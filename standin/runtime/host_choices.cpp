@@ -33,21 +33,21 @@ std::string folderOf(const std::filesystem::path& file) {
 }  // namespace
 
 std::filesystem::path chosenModule(const HostChoices& choices) {
-  return choices.module.empty() ? moduleFile(choices.bin) : std::filesystem::path(choices.module);
+  return choices.module ? std::filesystem::path(*choices.module) : moduleFile(choices.bin);
 }
 
 HostOptions hostOptions(const HostChoices& choices) {
   HostOptions options;
   options.platform.fixedMoment = fixedMoment();
-  options.platform.release = platform::fromUtf8(choices.release);
+  options.platform.release = platform::fromUtf8(choices.release.value_or(""));
   options.platform.messageCodePage = choices.messageCodePage;
-  options.platform.reportCodePage = choices.reportCodePage;
-  if (!choices.messages.empty()) {
+  options.platform.reportCodePage = choices.reportCodePage.value_or("");
+  if (const auto& messages = choices.messages) {
     std::error_code error;
-    if (!std::filesystem::is_regular_file(choices.messages, error))
-      throw std::invalid_argument("--messages: there is no file '" + choices.messages + "'");
-    options.files[kMessageFile] = choices.messages;
-    options.supportPaths.push_back(folderOf(choices.messages));
+    if (!std::filesystem::is_regular_file(*messages, error))
+      throw std::invalid_argument("--messages: there is no file '" + *messages + "'");
+    options.files[kMessageFile] = *messages;
+    options.supportPaths.push_back(folderOf(*messages));
   }
   options.supportPaths.push_back(messageFolder(choices.language, choices.bin).string());
   options.supportPaths.push_back(folderOf(chosenModule(choices)));

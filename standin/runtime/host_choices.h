@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "runtime/installation.h"
@@ -11,13 +12,15 @@ namespace lvx::runtime {
 /// What a user chooses of a host, whatever the front end.
 struct HostChoices {
   std::string language = "en";
-  /// Message file in place of the language's own; empty: that one.
-  std::string messages;
-  /// Module in place of the program's own; empty: that one.
-  std::string module;
-  /// Host release that report headers show; empty for none.
-  std::string release = "R24.3";
-  std::string reportCodePage;
+  /// Message file in place of the language's own; none: that one.
+  std::optional<std::string> messages;
+  /// Module in place of the program's own; none: that one.
+  std::optional<std::string> module;
+  /// Host release that report headers show.
+  std::optional<std::string> release = "R24.3";
+  /// Single-byte code page of the reports, by its iconv name; none: U+0000 to U+00FF as bytes.
+  std::optional<std::string> reportCodePage;
+  /// Code page of message files, by its iconv name.
   std::string messageCodePage = "WINDOWS-1252";
   /// Folder that the program's files are looked for from.
   std::filesystem::path bin = programFolder();

@@ -36,7 +36,7 @@ std::string failureOf(const std::string& text) {
 }
 
 TEST(JobFile, TurnsEachLineIntoTheArgumentsOfOneReport) {
-  CommonOptions common;
+  options::CommonOptions common;
   common.forms = "txt";
   common.overwrite = true;
   const std::vector<Job> jobs = parseJobs(

@@ -182,7 +182,7 @@ TEST(Session, RefusesAMessageFileThatIsntThereAndACodePageThatNobodyKnows) {
   EXPECT_EQ(refusal(choices), "");
   choices.messages = "/nowhere.txt";
   EXPECT_NE(refusal(choices).find("/nowhere.txt"), std::string::npos);
-  choices.messages.clear();
+  choices.messages.reset();
   choices.reportCodePage = "no-such-page";
   EXPECT_NE(refusal(choices).find("no-such-page"), std::string::npos);
 }

@@ -1038,8 +1038,9 @@ void MainWindow::tellMissingFolder(const QString& folder) {
 void MainWindow::activateLink(const QUrl& url) {
   const QString path =
       QUrl::fromPercentEncoding(QUrlQuery(url).queryItemValue(QStringLiteral("file"), QUrl::FullyDecoded).toLatin1());
-  const QString problem = url.path() == QStringLiteral("open") ? openReport(path, options_.choices.reportCodePage, this)
-                                                               : showInFolder(path);
+  const QString problem = url.path() == QStringLiteral("open")
+                              ? openReport(path, options_.choices.reportCodePage.value_or(""), this)
+                              : showInFolder(path);
   if (!problem.isEmpty()) console_->printError(problem);
 }
 

@@ -1,0 +1,98 @@
+#include "cli/command_line.h"
+
+#include <map>
+#include <utility>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/failure.h"
+#include "options/exit_codes.h"
+#include "options/option_table.h"
+
+namespace lvx::cli {
+
+using options::OptionDescription;
+using options::Options;
+
+namespace {
+
+std::string nameOnLine(const OptionDescription& option) {
+  return (option.isArgument ? "" : "--") + std::string(option.name);
+}
+
+/// An option that keeps its value in `values`, checked in the words of the command-line library.
+CLI::Option* addOption(CLI::App& app, const OptionDescription& option, Options& values) {
+  const std::string name = nameOnLine(option);
+  const std::string help(option.help);
+  const options::Field field = option.field(values);
+  if (auto* const* flag = std::get_if<bool*>(&field)) return app.add_flag(name, **flag, help);
+
+  CLI::Option* added = nullptr;
+  if (std::holds_alternative<std::optional<int>*>(field)) {
+    added = app.add_option_function<int>(
+        name, [&option, &values](int value) { apply(option, values, std::to_string(value)); }, help);
+    added->check(CLI::Range(1, option.greatest));
+  } else {
+    added = app.add_option_function<std::string>(
+        name, [&option, &values](const std::string& value) { apply(option, values, value); }, help);
+  }
+  if (!option.choices.empty())
+    added->check(CLI::IsMember(std::vector<std::string>(option.choices.begin(), option.choices.end())));
+  if (option.check.complaint != nullptr)
+    added->check(CLI::Validator(option.check.complaint, std::string(option.check.name)));
+  if (!option.valueName.empty()) added->type_name(std::string(option.valueName));
+  return added;
+}
+
+/// Options that belong together, on the program itself or on one of its commands.
+void addOptions(CLI::App& app, const std::vector<const OptionDescription*>& rows, Options& values) {
+  std::map<const options::OptionGroup*, CLI::Option_group*> choices;
+  std::map<std::string_view, CLI::Option*> added;
+  for (const OptionDescription* row : rows) {
+    CLI::App* place = &app;
+    if (row->group != nullptr && row->group->isChoice) {
+      CLI::Option_group*& choice = choices[row->group];
+      if (choice == nullptr) {
+        choice = app.add_option_group(std::string(row->group->name), std::string(row->group->summary));
+      }
+      place = choice;
+    }
+    CLI::Option* const option = addOption(*place, *row, values);
+    if (row->isRequired) option->required();
+    if (row->group != nullptr && !row->group->isChoice) option->group(std::string(row->group->name));
+    // Whichever of the two stands second names the other.
+    if (const auto other = added.find(row->excludes); other != added.end()) option->excludes(other->second);
+    if (const auto other = added.find(row->needs); other != added.end()) option->needs(other->second);
+    added.emplace(row->name, option);
+  }
+  for (const auto& [group, choice] : choices) choice->require_option(1);
+}
+
+}  // namespace
+
+std::variant<CommandLine, ExitCode> parseCommandLine(int argc, const char* const* argv, const std::string& version) {
+  CommandLine line;
+  CLI::App app(std::string(options::kProgramSummary), "lvxhost");
+  app.set_version_flag("--version", "lvxhost " + version);
+  app.require_subcommand(1);
+  app.footer(std::string(options::kProgramFooter) + "\n" + options::exitCodesLine());
+  addOptions(app, options::commonOptions(), line.options);
+  for (const options::CommandDescription& command : options::commands()) {
+    CLI::App* const added = app.add_subcommand(std::string(command.name), std::string(command.summary));
+    added->footer(std::string(command.footer));
+    added->callback([&line, &command] { line.command = command.command; });
+    addOptions(*added, options::optionsOf(command.command), line.options);
+  }
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kDone : kUsage;
+  }
+  // One of them may stand before the command, where the other isn't known.
+  if (line.options.common.overwrite && line.options.common.keep)
+    throw Failure(kUsage, "--overwrite and --keep exclude each other");
+  return line;
+}
+
+}  // namespace lvx::cli

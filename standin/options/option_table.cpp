@@ -1,0 +1,330 @@
+#include "options/option_table.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <stdexcept>
+#include <system_error>
+
+namespace lvx::options {
+
+namespace {
+
+constexpr std::array<std::string_view, 3> kForms{"txt", "xls", "html"};
+constexpr std::array<std::string_view, 2> kLanguages{"en", "de"};
+constexpr std::array<std::string_view, 3> kProgressModes{"auto", "always", "never"};
+constexpr std::array<std::string_view, 3> kSchemes{"system", "light", "dark"};
+
+std::string complaintAboutForms(const std::string& given) {
+  std::size_t start = 0;
+  while (start <= given.size()) {
+    const std::size_t comma = std::min(given.find(',', start), given.size());
+    const std::string form = given.substr(start, comma - start);
+    if (std::find(kForms.begin(), kForms.end(), form) == kForms.end())
+      return "'" + form + "' is no form of a report; there is txt, xls, html";
+    start = comma + 1;
+  }
+  return {};
+}
+
+constexpr OptionGroup kPointsGroup{"Points", "Which points are reported: one of", true};
+
+constexpr int kMostJobsAtOnce = 1024;
+
+constexpr std::string_view kSiteHelp =
+    "Its site; \"\" for the alignments outside any site (default: where the name is)";
+constexpr std::string_view kModuleHelp = "Report module to load in place of the program's own";
+
+/// Rows stand in the order of the helps; where those differ, or their words, an option has a row for each.
+// clang-format off
+constexpr std::array kTable{
+    // ---- arguments
+    OptionDescription{.name = "DRAWING",
+                      .commands = kReportCommands | Command::Info | Command::Play,
+                      .field = [](Options& o) -> Field { return &o.drawing; },
+                      .help = "LandXML file",
+                      .isArgument = true,
+                      .isRequired = true},
+    OptionDescription{.name = "DRAWING",
+                      .commands = Command::Desktop,
+                      .field = [](Options& o) -> Field { return &o.window.drawing; },
+                      .help = "LandXML file to open",
+                      .isArgument = true},
+    OptionDescription{.name = "JOBS",
+                      .commands = Command::Batch,
+                      .field = [](Options& o) -> Field { return &o.batch.jobs; },
+                      .help = "JSON Lines: a report a line",
+                      .isArgument = true,
+                      .isRequired = true},
+    OptionDescription{.name = "SCRIPT",
+                      .commands = Command::Play,
+                      .field = [](Options& o) -> Field { return &o.play.script; },
+                      .help = "JSON array of what a user does",
+                      .isArgument = true,
+                      .isRequired = true},
+
+    // ---- what to report
+    OptionDescription{.name = "alignment",
+                      .commands = Command::Projection | Command::Gls,
+                      .field = [](Options& o) -> Field { return &o.report.alignment; },
+                      .help = "Name of the alignment",
+                      .valueName = "NAME",
+                      .isRequired = true},
+    OptionDescription{.name = "alignment",
+                      .commands = Command::Points,
+                      .field = [](Options& o) -> Field { return &o.report.alignment; },
+                      .help = "Name of the alignment that the points are measured against",
+                      .valueName = "NAME",
+                      .isRequired = true},
+    OptionDescription{.name = "site",
+                      .commands = kReportCommands,
+                      .field = [](Options& o) -> Field { return &o.report.site; },
+                      .help = kSiteHelp,
+                      .valueName = "NAME"},
+    OptionDescription{.name = "profile",
+                      .commands = Command::Gls,
+                      .field = [](Options& o) -> Field { return &o.report.profile; },
+                      .help = "Profile of the alignment",
+                      .valueName = "NAME",
+                      .isRequired = true},
+    OptionDescription{.name = "group",
+                      .commands = Command::Projection,
+                      .field = [](Options& o) -> Field { return &o.report.group; },
+                      .help = "Sample line group whose lines are reported",
+                      .valueName = "NAME",
+                      .isRequired = true},
+    OptionDescription{.name = "group",
+                      .commands = Command::Gls,
+                      .field = [](Options& o) -> Field { return &o.report.group; },
+                      .help = "Sample line group whose stations get rows",
+                      .valueName = "NAME",
+                      .isRequired = true},
+    OptionDescription{.name = "surface",
+                      .commands = Command::Projection,
+                      .field = [](Options& o) -> Field { return &o.report.surface; },
+                      .help = "Surface whose ground is sampled",
+                      .valueName = "NAME",
+                      .isRequired = true},
+    OptionDescription{.name = "point-group",
+                      .commands = Command::Points,
+                      .field = [](Options& o) -> Field { return &o.report.pointGroup; },
+                      .help = "All points of this group",
+                      .valueName = "NAME",
+                      .group = &kPointsGroup},
+    OptionDescription{.name = "points",
+                      .commands = Command::Points,
+                      .field = [](Options& o) -> Field { return &o.report.points; },
+                      .help = "Points by their numbers, as if picked by hand: 1,5,7-9",
+                      .valueName = "NUMBERS",
+                      .group = &kPointsGroup},
+    OptionDescription{.name = "out",
+                      .commands = kReportCommands,
+                      .field = [](Options& o) -> Field { return &o.report.stem; },
+                      .help = "Path of the report files without extension; .txt, .xls and .html are added",
+                      .valueName = "STEM",
+                      .isRequired = true},
+    OptionDescription{.name = "add-sections",
+                      .commands = Command::Gls,
+                      .field = [](Options& o) -> Field { return &o.report.addSections; },
+                      .help = "Add a section to every corridor region at each station of the report and rebuild"},
+    OptionDescription{.name = "save",
+                      .commands = Command::Gls,
+                      .field = [](Options& o) -> Field { return &o.report.saveTo; },
+                      .help = "Save the drawing with its added sections; may be DRAWING itself",
+                      .valueName = "FILE",
+                      .emptyText = EmptyText::None,
+                      .needs = "add-sections"},
+
+    // ---- of single commands
+    OptionDescription{.name = "json",
+                      .commands = Command::Info,
+                      .field = [](Options& o) -> Field { return &o.json; },
+                      .help = "Write a form that programs read"},
+    OptionDescription{.name = "jobs",
+                      .commands = Command::Batch,
+                      .field = [](Options& o) -> Field { return &o.batch.atOnce; },
+                      .help = "Reports at a time (default: as many as there are processors)",
+                      .valueName = "N",
+                      .greatest = kMostJobsAtOnce},
+    OptionDescription{.name = "check",
+                      .commands = Command::Play,
+                      .field = [](Options& o) -> Field { return &o.play.checks; },
+                      .help = "Also report what the module didn't give back to its host"},
+
+    // ---- of every command, and of the windows
+    OptionDescription{.name = "forms",
+                      .commands = kEveryCommand,
+                      .field = [](Options& o) -> Field { return &o.common.forms; },
+                      .help = "Forms to write: txt, xls, html, joined by commas (default: all)",
+                      .check = {"FORMS", complaintAboutForms},
+                      .group = &kCommonGroup},
+    OptionDescription{.name = "overwrite",
+                      .commands = kEveryCommand,
+                      .field = [](Options& o) -> Field { return &o.common.overwrite; },
+                      .help = "Replace files that exist",
+                      .excludes = "keep",
+                      .group = &kCommonGroup},
+    OptionDescription{.name = "keep",
+                      .commands = kEveryCommand,
+                      .field = [](Options& o) -> Field { return &o.common.keep; },
+                      .help = "Keep files that exist (default: ask on a terminal, keep otherwise)",
+                      .excludes = "overwrite",
+                      .group = &kCommonGroup},
+    OptionDescription{.name = "lang",
+                      .commands = kEveryCommand,
+                      .field = [](Options& o) -> Field { return &o.common.host.language; },
+                      .help = "Language of the reports: en or de (default: en)",
+                      .choices = kLanguages,
+                      .group = &kCommonGroup},
+    OptionDescription{.name = "lang",
+                      .commands = Command::Desktop,
+                      .field = [](Options& o) -> Field { return &o.common.host.language; },
+                      .help = "Language of windows, reports and help: en or de (default: the system's)",
+                      .valueName = "LANGUAGE",
+                      .choices = kLanguages},
+    OptionDescription{.name = "scheme",
+                      .commands = Command::Desktop,
+                      .field = [](Options& o) -> Field { return &o.window.scheme; },
+                      .help = "Colours: system, light or dark (default: as last chosen)",
+                      .valueName = "SCHEME",
+                      .choices = kSchemes},
+    OptionDescription{.name = "messages",
+                      .commands = kEveryCommand | Command::Desktop,
+                      .field = [](Options& o) -> Field { return &o.common.host.messages; },
+                      .help = "Message file to use in place of the language's own",
+                      .valueName = "FILE",
+                      .emptyText = EmptyText::None,
+                      .group = &kCommonGroup},
+    OptionDescription{.name = "module",
+                      .commands = Command::Desktop,
+                      .field = [](Options& o) -> Field { return &o.common.host.module; },
+                      .help = kModuleHelp,
+                      .valueName = "FILE",
+                      .emptyText = EmptyText::None},
+    OptionDescription{.name = "release",
+                      .commands = kEveryCommand,
+                      .field = [](Options& o) -> Field { return &o.common.host.release; },
+                      .help = "Host release that the headers show; empty for none (default: R24.3)",
+                      .valueName = "TEXT",
+                      .emptyText = EmptyText::None,
+                      .group = &kCommonGroup},
+    OptionDescription{.name = "release",
+                      .commands = Command::Desktop,
+                      .field = [](Options& o) -> Field { return &o.common.host.release; },
+                      .help = "Host release that report headers show; empty for none (default: R24.3)",
+                      .valueName = "TEXT",
+                      .emptyText = EmptyText::None},
+    OptionDescription{.name = "report-code-page",
+                      .commands = kEveryCommand | Command::Desktop,
+                      .field = [](Options& o) -> Field { return &o.common.host.reportCodePage; },
+                      .help = "Single-byte code page of text and HTML reports, by its iconv name (default: U+0000 to U+00FF as bytes)",
+                      .valueName = "NAME",
+                      .emptyText = EmptyText::None,
+                      .group = &kCommonGroup},
+    OptionDescription{.name = "message-code-page",
+                      .commands = kEveryCommand | Command::Desktop,
+                      .field = [](Options& o) -> Field { return &o.common.host.messageCodePage; },
+                      .help = "Code page of message files, by its iconv name (default: WINDOWS-1252)",
+                      .valueName = "NAME",
+                      .group = &kCommonGroup},
+    OptionDescription{.name = "module",
+                      .commands = kEveryCommand,
+                      .field = [](Options& o) -> Field { return &o.common.host.module; },
+                      .help = kModuleHelp,
+                      .valueName = "FILE",
+                      .emptyText = EmptyText::None,
+                      .group = &kCommonGroup},
+    OptionDescription{.name = "progress",
+                      .commands = kEveryCommand,
+                      .field = [](Options& o) -> Field { return &o.common.progress; },
+                      .help = "Progress on standard error: auto, always or never (default: auto)",
+                      .choices = kProgressModes,
+                      .group = &kCommonGroup},
+    OptionDescription{.name = "quiet",
+                      .commands = kEveryCommand,
+                      .field = [](Options& o) -> Field { return &o.common.quiet; },
+                      .help = "Say nothing but errors",
+                      .group = &kCommonGroup},
+};
+// clang-format on
+
+int numberOf(const OptionDescription& option, const std::string& value) {
+  int number = 0;
+  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
+  if (error != std::errc() || end != value.data() + value.size() || number < 1 || number > option.greatest)
+    throw std::invalid_argument("--" + std::string(option.name) + " is '" + value + "', which is no number from 1 to " +
+                                std::to_string(option.greatest));
+  return number;
+}
+
+void requireValid(const OptionDescription& option, const std::string& value) {
+  if (!option.choices.empty() && std::find(option.choices.begin(), option.choices.end(), value) == option.choices.end())
+    throw std::invalid_argument("--" + std::string(option.name) + " is '" + value + "'; there is " +
+                                listed(option.choices));
+  if (option.check.complaint == nullptr) return;
+  if (const std::string complaint = option.check.complaint(value); !complaint.empty())
+    throw std::invalid_argument("--" + std::string(option.name) + ": " + complaint);
+}
+
+template <class... Cases>
+struct Overloaded : Cases... {
+  using Cases::operator()...;
+};
+template <class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
+
+}  // namespace
+
+bool OptionDescription::isFlag() const {
+  Options options;
+  return std::holds_alternative<bool*>(field(options));
+}
+
+std::span<const OptionDescription> optionTable() { return kTable; }
+
+std::vector<const OptionDescription*> optionsOf(Command command) {
+  std::vector<const OptionDescription*> options;
+  for (const OptionDescription& option : kTable)
+    if (option.commands.contains(command)) options.push_back(&option);
+  return options;
+}
+
+std::vector<const OptionDescription*> commonOptions() {
+  std::vector<const OptionDescription*> options;
+  for (const OptionDescription& option : kTable)
+    if (option.commands.contains(kEveryCommand)) options.push_back(&option);
+  return options;
+}
+
+void apply(const OptionDescription& option, Options& options, const std::string& value) {
+  requireValid(option, value);
+  const bool isNone = value.empty() && option.emptyText == EmptyText::None;
+  std::visit(Overloaded{[](bool* on) { *on = true; }, [&](std::string* text) { *text = value; },
+                        [&](std::optional<std::string>* text) {
+                          *text = isNone ? std::nullopt : std::optional<std::string>(value);
+                        },
+                        [&](std::optional<int>* number) { *number = numberOf(option, value); }},
+             option.field(options));
+}
+
+std::optional<std::string> valueOf(const OptionDescription& option, const Options& options) {
+  Options read = options;  // fields are found in options that may be written
+  return std::visit(Overloaded{[](const bool* on) { return *on ? std::optional<std::string>("true") : std::nullopt; },
+                               [](const std::string* text) { return std::optional<std::string>(*text); },
+                               [](const std::optional<std::string>* text) { return *text; },
+                               [](const std::optional<int>* number) {
+                                 return *number ? std::optional<std::string>(std::to_string(**number)) : std::nullopt;
+                               }},
+                    option.field(read));
+}
+
+std::string listed(std::span<const std::string_view> choices) {
+  std::string list;
+  for (std::size_t i = 0; i < choices.size(); ++i) {
+    if (i > 0) list += i + 1 < choices.size() ? ", " : " and ";
+    list += choices[i];
+  }
+  return list;
+}
+
+}  // namespace lvx::options

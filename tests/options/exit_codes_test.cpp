@@ -1,0 +1,52 @@
+#include "options/exit_codes.h"
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace lvx::options {
+namespace {
+
+/// The rows of the README's table of exit codes, as they stand there.
+std::vector<std::string> readmeRows() {
+  std::ifstream readme(LVX_SOURCE_DIR "/README.md");
+  std::vector<std::string> rows;
+  bool inside = false;
+  for (std::string line; std::getline(readme, line);) {
+    if (line == "| Exit code | Means |")
+      inside = true;
+    else if (inside && !line.starts_with('|'))
+      break;
+    else if (inside && !line.starts_with("|---"))
+      rows.push_back(line);
+  }
+  return rows;
+}
+
+TEST(ExitCodes, AreThoseOfTheReadme) {
+  std::vector<std::string> rows;
+  for (const ExitCodeDescription& row : exitCodes())
+    rows.push_back("| " + std::to_string(row.code) + " | " + std::string(row.meaning) + " |");
+  EXPECT_EQ(rows, readmeRows());
+}
+
+TEST(ExitCodes, AscendAndHaveWords) {
+  EXPECT_EQ(exitCodes().size(), 8U);
+  int last = -1;
+  for (const ExitCodeDescription& row : exitCodes()) {
+    EXPECT_GT(row.code, last);
+    EXPECT_FALSE(row.inHelp.empty()) << row.code;
+    last = row.code;
+  }
+}
+
+TEST(ExitCodes, StandInOneLineOfTheHelp) {
+  const std::string line = exitCodesLine();
+  EXPECT_TRUE(line.starts_with("Exit codes: 0 everything asked for was written; 1 ")) << line;
+  EXPECT_TRUE(line.ends_with("; 130 interrupted.")) << line;
+}
+
+}  // namespace
+}  // namespace lvx::options

@@ -1,0 +1,149 @@
+#include "options/option_table.h"
+
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace lvx::options {
+namespace {
+
+const OptionDescription& optionOf(Command command, std::string_view name) {
+  for (const OptionDescription* option : optionsOf(command))
+    if (option->name == name) return *option;
+  throw std::logic_error("no option " + std::string(name));
+}
+
+std::vector<Command> everyCommand() {
+  std::vector<Command> all{Command::Desktop};
+  for (const CommandDescription& command : commands()) all.push_back(command.command);
+  return all;
+}
+
+TEST(OptionTable, HasEachNameOnceInACommand) {
+  for (const Command command : everyCommand()) {
+    std::set<std::string_view> names;
+    for (const OptionDescription* option : optionsOf(command))
+      EXPECT_TRUE(names.insert(option->name).second) << option->name;
+    EXPECT_FALSE(names.empty());
+  }
+}
+
+TEST(OptionTable, RefersOnlyToOptionsOfTheSameCommand) {
+  std::size_t references = 0;
+  for (const Command command : everyCommand())
+    for (const OptionDescription* option : optionsOf(command))
+      for (const std::string_view other : {option->excludes, option->needs}) {
+        if (other.empty()) continue;
+        EXPECT_NO_THROW(static_cast<void>(optionOf(command, other))) << option->name;
+        ++references;
+      }
+  EXPECT_GT(references, 0U);
+}
+
+TEST(OptionTable, ExcludesBothWays) {
+  for (const Command command : everyCommand())
+    for (const OptionDescription* option : optionsOf(command))
+      if (!option->excludes.empty()) {
+        EXPECT_EQ(optionOf(command, option->excludes).excludes, option->name);
+      }
+}
+
+TEST(OptionTable, TellsTheDefaultsThatHold) {
+  struct Row {
+    std::string_view name;
+    std::string_view value;
+  };
+  std::size_t rows = 0;
+  for (const Row& row : {Row{"lang", "en"}, Row{"release", "R24.3"}, Row{"message-code-page", "WINDOWS-1252"},
+                         Row{"progress", "auto"}}) {
+    const OptionDescription& option = optionOf(Command::Info, row.name);
+    EXPECT_EQ(valueOf(option, {}), row.value);
+    EXPECT_NE(option.help.find("(default: " + std::string(row.value) + ")"), std::string_view::npos) << option.help;
+    ++rows;
+  }
+  EXPECT_EQ(rows, 4U);
+  EXPECT_EQ(valueOf(optionOf(Command::Info, "forms"), {}), "txt,xls,html");
+}
+
+TEST(OptionTable, GivesBackWhatItTook) {
+  std::size_t taken = 0;
+  for (const Command command : everyCommand())
+    for (const OptionDescription* option : optionsOf(command)) {
+      std::string value = "7";
+      if (option->isFlag()) value = "true";
+      if (!option->choices.empty()) value = option->choices.back();
+      if (option->check.complaint != nullptr) value = "html,txt";
+      Options options;
+      apply(*option, options, value);
+      EXPECT_EQ(valueOf(*option, options), value) << option->name;
+      ++taken;
+    }
+  EXPECT_GT(taken, optionTable().size());
+}
+
+TEST(OptionTable, KnowsWhereAnEmptyTextIsNone) {
+  struct Row {
+    Command command;
+    std::string_view name;
+    bool isNone;
+  };
+  const std::vector<Row> table{
+      {Command::Gls, "save", true},
+      {Command::Info, "messages", true},
+      {Command::Info, "module", true},
+      {Command::Info, "release", true},
+      {Command::Desktop, "release", true},
+      {Command::Info, "report-code-page", true},
+      {Command::Points, "site", false},
+      {Command::Points, "points", false},
+      {Command::Points, "point-group", false},
+      {Command::Info, "message-code-page", false},
+  };
+  for (const Row& row : table) {
+    Options options;
+    const OptionDescription& option = optionOf(row.command, row.name);
+    apply(option, options, "");
+    EXPECT_EQ(valueOf(option, options), row.isNone ? std::nullopt : std::optional<std::string>("")) << row.name;
+  }
+}
+
+TEST(OptionTable, RefusesWhatIsNoneOfTheValues) {
+  struct Row {
+    Command command;
+    std::string_view name;
+    std::string_view value;
+    std::string_view words;
+  };
+  const std::vector<Row> table{
+      {Command::Desktop, "lang", "fr", "--lang is 'fr'; there is en and de"},
+      {Command::Desktop, "scheme", "", "--scheme is ''; there is system, light and dark"},
+      {Command::Info, "forms", "txt,pdf", "--forms: 'pdf' is no form of a report; there is txt, xls, html"},
+      {Command::Batch, "jobs", "0", "--jobs is '0', which is no number from 1 to 1024"},
+      {Command::Batch, "jobs", "1x", "--jobs is '1x', which is no number from 1 to 1024"},
+      {Command::Batch, "jobs", "1025", "--jobs is '1025', which is no number from 1 to 1024"},
+  };
+  for (const Row& row : table) {
+    Options options;
+    const OptionDescription& option = optionOf(row.command, row.name);
+    const auto before = valueOf(option, options);
+    try {
+      apply(option, options, std::string(row.value));
+      ADD_FAILURE() << row.name << " took " << row.value;
+    } catch (const std::invalid_argument& error) {
+      EXPECT_EQ(error.what(), row.words);
+    }
+    EXPECT_EQ(valueOf(option, options), before);
+  }
+}
+
+TEST(Commands, AreFoundByTheirNames) {
+  for (const CommandDescription& command : commands()) EXPECT_EQ(findCommand(command.name), &command);
+  EXPECT_EQ(findCommand("desktop"), nullptr);
+  EXPECT_EQ(findCommand(""), nullptr);
+}
+
+}  // namespace
+}  // namespace lvx::options
