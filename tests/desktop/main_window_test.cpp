@@ -130,6 +130,13 @@ TEST(MainWindow, AnswersAnUnknownCommandWithWhatThereIs) {
     EXPECT_NE(program.said().find(name), std::string::npos) << name;
 }
 
+TEST(MainWindow, SavesUnderNoOtherNameBySave) {
+  ProgramWindow program;
+  program.enter("SAVE other.xml");
+  ASSERT_TRUE(program.waitUntilSaid("There is no command 'SAVE other.xml'"));
+  EXPECT_EQ(program.said().find("No drawing is open"), std::string::npos);
+}
+
 TEST(MainWindow, RunsACommandThatWasTypedInAnyCase) {
   ProgramWindow program;
   program.enter("LVX_REPORT_POINTS");

@@ -13,6 +13,29 @@
     </message>
 </context>
 <context>
+    <name>DockNames</name>
+    <message>
+        <source>Drawing</source>
+        <translation>Zeichnung</translation>
+    </message>
+    <message>
+        <source>Console</source>
+        <translation>Konsole</translation>
+    </message>
+    <message>
+        <source>Profile</source>
+        <translation>Längsschnitt</translation>
+    </message>
+    <message>
+        <source>Diagnostics</source>
+        <translation>Diagnose</translation>
+    </message>
+    <message>
+        <source>Cross section</source>
+        <translation>Querprofil</translation>
+    </message>
+</context>
+<context>
     <name>ObjectNames</name>
     <message>
         <source>Site</source>
@@ -61,6 +84,37 @@
     <message>
         <source>Height</source>
         <translation>Höhe</translation>
+    </message>
+</context>
+<context>
+    <name>ReportNames</name>
+    <message>
+        <source>Profile &amp;projection…</source>
+        <translation>&amp;Querprofilprojektion…</translation>
+    </message>
+    <message>
+        <source>The ground across an alignment at its sample lines</source>
+        <translation>Das Gelände quer zur Achse an ihren Querprofilen</translation>
+    </message>
+    <message>
+        <source>P&amp;oints…</source>
+        <translation>&amp;Punktliste…</translation>
+    </message>
+    <message>
+        <source>Points with station and offset against an alignment</source>
+        <translation>Punkte mit Station und Abstand zu einer Achse</translation>
+    </message>
+    <message>
+        <source>&amp;GLS…</source>
+        <translation>&amp;GLS-Bericht…</translation>
+    </message>
+    <message>
+        <source>An alignment with its profile and corridors in one table</source>
+        <translation>Eine Achse mit Gradiente und Straßenkörpern in einer Tabelle</translation>
+    </message>
+    <message>
+        <source>A command of the module</source>
+        <translation>Ein Befehl des Moduls</translation>
     </message>
 </context>
 <context>
@@ -141,6 +195,25 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>Heights:</source>
         <translation>Überhöhung:</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::CommandPrompt</name>
+    <message>
+        <source>There is no command &apos;%1&apos;. There is %2.</source>
+        <translation>Den Befehl „%1“ gibt es nicht. Es gibt %2.</translation>
+    </message>
+    <message>
+        <source>%1 waits for a pick in the drawing or in the tree; Escape ends it.</source>
+        <translation>%1 wartet auf eine Auswahl in der Zeichnung oder im Baum; Esc bricht sie ab.</translation>
+    </message>
+    <message>
+        <source>Something else is running; wait for its end or press Escape.</source>
+        <translation>Es läuft noch etwas anderes; warten Sie, bis es fertig ist, oder drücken Sie Esc.</translation>
+    </message>
+    <message>
+        <source>No drawing is open. OPEN opens one.</source>
+        <translation>Es ist keine Zeichnung geöffnet. OPEN öffnet eine.</translation>
     </message>
 </context>
 <context>
@@ -245,6 +318,140 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>The reader found nothing odd in the drawing.</source>
         <translation>Beim Lesen der Zeichnung ist nichts aufgefallen.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::Document</name>
+    <message>
+        <source>%1 %2: %3 of %4</source>
+        <translation>%2: %1, %3 von %4</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>Opening %1 was cancelled.</source>
+        <translation>Das Öffnen von %1 wurde abgebrochen.</translation>
+    </message>
+    <message>
+        <source>%1 was changed by another program.</source>
+        <translation>%1 wurde von einem anderen Programm geändert.</translation>
+    </message>
+    <message>
+        <source>Reload</source>
+        <translation>Neu laden</translation>
+    </message>
+    <message>
+        <source>Keep</source>
+        <translation>Behalten</translation>
+    </message>
+    <message>
+        <source>%1 isn&apos;t there any more. The drawing stays open; Save as writes it to a new place.</source>
+        <translation>%1 gibt es nicht mehr. Die Zeichnung bleibt geöffnet; Speichern unter schreibt sie an einen neuen Ort.</translation>
+    </message>
+    <message>
+        <source>Open a drawing</source>
+        <translation>Zeichnung öffnen</translation>
+    </message>
+    <message>
+        <source>LandXML drawings (*.xml *.landxml);;All files (*)</source>
+        <translation>LandXML-Zeichnungen (*.xml *.landxml);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Reading %1</source>
+        <translation>%1 wird gelesen</translation>
+    </message>
+    <message>
+        <source>%1 is open.</source>
+        <translation>%1 ist geöffnet.</translation>
+    </message>
+    <message numerus="yes">
+        <source>The reader found %n odd thing(s) in it; see Diagnostics.</source>
+        <translation>
+            <numerusform>Beim Lesen ist %n Stelle aufgefallen, siehe Diagnose.</numerusform>
+            <numerusform>Beim Lesen sind %n Stellen aufgefallen, siehe Diagnose.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be opened: %2</source>
+        <translation>%1 kann nicht geöffnet werden: %2</translation>
+    </message>
+    <message>
+        <source>The drawing can&apos;t be opened</source>
+        <translation>Die Zeichnung kann nicht geöffnet werden</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be opened.</source>
+        <translation>%1 kann nicht geöffnet werden.</translation>
+    </message>
+    <message>
+        <source>The drawing that was open stays open.</source>
+        <translation>Die bisher geöffnete Zeichnung bleibt geöffnet.</translation>
+    </message>
+    <message>
+        <source>&amp;Show the line</source>
+        <translation>&amp;Zeile zeigen</translation>
+    </message>
+    <message>
+        <source>Save the drawing?</source>
+        <translation>Zeichnung speichern?</translation>
+    </message>
+    <message>
+        <source>%1 has sections that aren&apos;t saved.</source>
+        <translation>%1 enthält Querschnitte, die nicht gespeichert sind.</translation>
+    </message>
+    <message>
+        <source>Without saving, the sections that the GLS report added are lost.</source>
+        <translation>Ohne Speichern gehen die Querschnitte verloren, die der GLS-Bericht hinzugefügt hat.</translation>
+    </message>
+    <message>
+        <source>&amp;Don&apos;t save</source>
+        <translation>&amp;Nicht speichern</translation>
+    </message>
+    <message>
+        <source>Save the drawing as</source>
+        <translation>Zeichnung speichern unter</translation>
+    </message>
+    <message>
+        <source>LandXML drawings (*.xml);;All files (*)</source>
+        <translation>LandXML-Zeichnungen (*.xml);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>The file was changed by another program since it was opened, and saving would undo that.</source>
+        <translation>Die Datei wurde seit dem Öffnen von einem anderen Programm geändert, und Speichern würde das rückgängig machen.</translation>
+    </message>
+    <message>
+        <source>Saving %1 was cancelled; the drawing isn&apos;t saved.</source>
+        <translation>Das Speichern von %1 wurde abgebrochen; die Zeichnung ist nicht gespeichert.</translation>
+    </message>
+    <message>
+        <source>%1 is saved, %2.</source>
+        <translation>%1 ist gespeichert, %2.</translation>
+    </message>
+    <message>
+        <source>Saving %1</source>
+        <translation>%1 wird gespeichert</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be saved: %2</source>
+        <translation>%1 kann nicht gespeichert werden: %2</translation>
+    </message>
+    <message>
+        <source>The drawing can&apos;t be saved</source>
+        <translation>Die Zeichnung kann nicht gespeichert werden</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be saved.</source>
+        <translation>%1 kann nicht gespeichert werden.</translation>
+    </message>
+    <message>
+        <source>The drawing stays open with its changes, and nothing was written. Save it under another name or in another folder, or make room and try again.</source>
+        <translation>Die Zeichnung bleibt mit ihren Änderungen geöffnet, und es wurde nichts geschrieben. Speichern Sie sie unter einem anderen Namen oder in einem anderen Ordner, oder schaffen Sie Platz und versuchen Sie es noch einmal.</translation>
+    </message>
+    <message>
+        <source>Save &amp;as…</source>
+        <translation>Speichern &amp;unter…</translation>
     </message>
 </context>
 <context>
@@ -415,239 +622,7 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     </message>
 </context>
 <context>
-    <name>lvx::desktop::MainWindow</name>
-    <message>
-        <source>Profile &amp;projection…</source>
-        <translation>&amp;Querprofilprojektion…</translation>
-    </message>
-    <message>
-        <source>The ground across an alignment at its sample lines</source>
-        <translation>Das Gelände quer zur Achse an ihren Querprofilen</translation>
-    </message>
-    <message>
-        <source>P&amp;oints…</source>
-        <translation>&amp;Punktliste…</translation>
-    </message>
-    <message>
-        <source>Points with station and offset against an alignment</source>
-        <translation>Punkte mit Station und Abstand zu einer Achse</translation>
-    </message>
-    <message>
-        <source>&amp;GLS…</source>
-        <translation>&amp;GLS-Bericht…</translation>
-    </message>
-    <message>
-        <source>An alignment with its profile and corridors in one table</source>
-        <translation>Eine Achse mit Gradiente und Straßenkörpern in einer Tabelle</translation>
-    </message>
-    <message>
-        <source>%1 %2: %3 of %4</source>
-        <translation>%2: %1, %3 von %4</translation>
-    </message>
-    <message>
-        <source>%1: %2</source>
-        <translation>%1: %2</translation>
-    </message>
-    <message>
-        <source>Opening %1 was cancelled.</source>
-        <translation>Das Öffnen von %1 wurde abgebrochen.</translation>
-    </message>
-    <message>
-        <source>%1 was changed by another program.</source>
-        <translation>%1 wurde von einem anderen Programm geändert.</translation>
-    </message>
-    <message>
-        <source>Reload</source>
-        <translation>Neu laden</translation>
-    </message>
-    <message>
-        <source>Keep</source>
-        <translation>Behalten</translation>
-    </message>
-    <message>
-        <source>%1 isn&apos;t there any more. The drawing stays open; Save as writes it to a new place.</source>
-        <translation>%1 gibt es nicht mehr. Die Zeichnung bleibt geöffnet; Speichern unter schreibt sie an einen neuen Ort.</translation>
-    </message>
-    <message>
-        <source>There are no reports: %1. Drawings can be looked at all the same.</source>
-        <translation>Es gibt keine Berichte: %1. Ansehen lassen sich Zeichnungen trotzdem.</translation>
-    </message>
-    <message>
-        <source>Drawing</source>
-        <translation>Zeichnung</translation>
-    </message>
-    <message>
-        <source>Console</source>
-        <translation>Konsole</translation>
-    </message>
-    <message>
-        <source>Profile</source>
-        <translation>Längsschnitt</translation>
-    </message>
-    <message>
-        <source>Diagnostics</source>
-        <translation>Diagnose</translation>
-    </message>
-    <message>
-        <source>Cross section</source>
-        <translation>Querprofil</translation>
-    </message>
-    <message>
-        <source>&amp;Open…</source>
-        <translation>Ö&amp;ffnen…</translation>
-    </message>
-    <message>
-        <source>Open a LandXML drawing</source>
-        <translation>Eine LandXML-Zeichnung öffnen</translation>
-    </message>
-    <message>
-        <source>&amp;Reload</source>
-        <translation>&amp;Neu laden</translation>
-    </message>
-    <message>
-        <source>Read the open drawing&apos;s file again</source>
-        <translation>Die Datei der geöffneten Zeichnung noch einmal lesen</translation>
-    </message>
-    <message>
-        <source>&amp;Save</source>
-        <translation>&amp;Speichern</translation>
-    </message>
-    <message>
-        <source>Save the drawing with its added sections</source>
-        <translation>Die Zeichnung mit den hinzugefügten Querschnitten speichern</translation>
-    </message>
-    <message>
-        <source>Save &amp;as…</source>
-        <translation>Speichern &amp;unter…</translation>
-    </message>
-    <message>
-        <source>Save the drawing in another file</source>
-        <translation>Die Zeichnung in einer anderen Datei speichern</translation>
-    </message>
-    <message>
-        <source>&amp;Quit</source>
-        <translation>&amp;Beenden</translation>
-    </message>
-    <message>
-        <source>Close the program</source>
-        <translation>Das Programm schließen</translation>
-    </message>
-    <message>
-        <source>Zoom to &amp;all</source>
-        <translation>Zoom auf &amp;alles</translation>
-    </message>
-    <message>
-        <source>Show the whole drawing</source>
-        <translation>Die ganze Zeichnung zeigen</translation>
-    </message>
-    <message>
-        <source>Zoom to &amp;selection</source>
-        <translation>Zoom auf A&amp;uswahl</translation>
-    </message>
-    <message>
-        <source>Show the selected object as large as it goes</source>
-        <translation>Das gewählte Objekt so groß wie möglich zeigen</translation>
-    </message>
-    <message>
-        <source>&amp;Find object</source>
-        <translation>Objekt &amp;suchen</translation>
-    </message>
-    <message>
-        <source>Find an object of the drawing by its name</source>
-        <translation>Ein Objekt der Zeichnung nach seinem Namen suchen</translation>
-    </message>
-    <message>
-        <source>&amp;Command line</source>
-        <translation>&amp;Befehlszeile</translation>
-    </message>
-    <message>
-        <source>Type a command by its name</source>
-        <translation>Einen Befehl mit seinem Namen eingeben</translation>
-    </message>
-    <message>
-        <source>&amp;File</source>
-        <translation>&amp;Datei</translation>
-    </message>
-    <message>
-        <source>Open re&amp;cent</source>
-        <translation>&amp;Zuletzt geöffnet</translation>
-    </message>
-    <message>
-        <source>&amp;View</source>
-        <translation>&amp;Ansicht</translation>
-    </message>
-    <message>
-        <source>&amp;Layers</source>
-        <translation>&amp;Ebenen</translation>
-    </message>
-    <message>
-        <source>S&amp;urface</source>
-        <translation>&amp;DGM</translation>
-    </message>
-    <message>
-        <source>Sc&amp;heme</source>
-        <translation>&amp;Farbschema</translation>
-    </message>
-    <message>
-        <source>As the &amp;system</source>
-        <translation>Wie das &amp;System</translation>
-    </message>
-    <message>
-        <source>&amp;Light</source>
-        <translation>&amp;Hell</translation>
-    </message>
-    <message>
-        <source>&amp;Dark</source>
-        <translation>&amp;Dunkel</translation>
-    </message>
-    <message>
-        <source>&amp;Panels</source>
-        <translation>Be&amp;reiche</translation>
-    </message>
-    <message>
-        <source>&amp;Reports</source>
-        <translation>&amp;Berichte</translation>
-    </message>
-    <message>
-        <source>&amp;Help</source>
-        <translation>&amp;Hilfe</translation>
-    </message>
-    <message>
-        <source>&amp;Contents</source>
-        <translation>&amp;Inhalt</translation>
-    </message>
-    <message>
-        <source>How the reports are made</source>
-        <translation>Wie die Berichte entstehen</translation>
-    </message>
-    <message>
-        <source>&amp;About</source>
-        <translation>Ü&amp;ber</translation>
-    </message>
-    <message>
-        <source>About this program</source>
-        <translation>Über dieses Programm</translation>
-    </message>
-    <message>
-        <source>About lvxhost-desktop</source>
-        <translation>Über lvxhost-desktop</translation>
-    </message>
-    <message>
-        <source>&lt;h3&gt;lvxhost-desktop %1&lt;/h3&gt;&lt;p&gt;Opens LandXML drawings and runs the road reports on them.&lt;/p&gt;&lt;p&gt;Module: %2&lt;/p&gt;</source>
-        <translation>&lt;h3&gt;lvxhost-desktop %1&lt;/h3&gt;&lt;p&gt;Öffnet LandXML-Zeichnungen und erstellt daraus die Berichte für den Straßenentwurf.&lt;/p&gt;&lt;p&gt;Modul: %2&lt;/p&gt;</translation>
-    </message>
-    <message>
-        <source>Tools</source>
-        <translation>Werkzeuge</translation>
-    </message>
-    <message>
-        <source>&lt;b&gt;Layers&lt;/b&gt;&lt;br&gt;What is drawn</source>
-        <translation>&lt;b&gt;Ebenen&lt;/b&gt;&lt;br&gt;Was gezeichnet wird</translation>
-    </message>
-    <message>
-        <source>&lt;b&gt;Surface&lt;/b&gt;&lt;br&gt;How the ground is drawn</source>
-        <translation>&lt;b&gt;DGM&lt;/b&gt;&lt;br&gt;Wie das Gelände gezeichnet wird</translation>
-    </message>
+    <name>lvx::desktop::LookMenus</name>
     <message>
         <source>&amp;Alignments</source>
         <translation>&amp;Achsen</translation>
@@ -669,6 +644,14 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <translation>Straßen&amp;körper</translation>
     </message>
     <message>
+        <source>&amp;Triangles when near</source>
+        <translation>&amp;Dreiecke aus der Nähe</translation>
+    </message>
+    <message>
+        <source>&amp;Border</source>
+        <translation>&amp;Umring</translation>
+    </message>
+    <message>
         <source>&amp;Relief</source>
         <translation>&amp;Relief</translation>
     </message>
@@ -680,137 +663,32 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <source>&amp;Nothing</source>
         <translation>&amp;Nichts</translation>
     </message>
+</context>
+<context>
+    <name>lvx::desktop::MainWindow</name>
     <message>
-        <source>&amp;Triangles when near</source>
-        <translation>&amp;Dreiecke aus der Nähe</translation>
+        <source>There are no reports: %1. Drawings can be looked at all the same.</source>
+        <translation>Es gibt keine Berichte: %1. Ansehen lassen sich Zeichnungen trotzdem.</translation>
     </message>
     <message>
-        <source>&amp;Border</source>
-        <translation>&amp;Umring</translation>
+        <source>About lvxhost-desktop</source>
+        <translation>Über lvxhost-desktop</translation>
     </message>
     <message>
-        <source>A command of the module</source>
-        <translation>Ein Befehl des Moduls</translation>
-    </message>
-    <message>
-        <source>%1 (%2)</source>
-        <translation>%1 (%2)</translation>
+        <source>&lt;h3&gt;lvxhost-desktop %1&lt;/h3&gt;&lt;p&gt;Opens LandXML drawings and runs the road reports on them.&lt;/p&gt;&lt;p&gt;Module: %2&lt;/p&gt;</source>
+        <translation>&lt;h3&gt;lvxhost-desktop %1&lt;/h3&gt;&lt;p&gt;Öffnet LandXML-Zeichnungen und erstellt daraus die Berichte für den Straßenentwurf.&lt;/p&gt;&lt;p&gt;Modul: %2&lt;/p&gt;</translation>
     </message>
     <message>
         <source>%1[*] – lvxhost-desktop</source>
         <translation>%1[*] – lvxhost-desktop</translation>
     </message>
     <message>
-        <source>Open a drawing</source>
-        <translation>Zeichnung öffnen</translation>
+        <source>No drawing is open. OPEN opens one.</source>
+        <translation>Es ist keine Zeichnung geöffnet. OPEN öffnet eine.</translation>
     </message>
-    <message>
-        <source>LandXML drawings (*.xml *.landxml);;All files (*)</source>
-        <translation>LandXML-Zeichnungen (*.xml *.landxml);;Alle Dateien (*)</translation>
-    </message>
-    <message>
-        <source>Reading %1</source>
-        <translation>%1 wird gelesen</translation>
-    </message>
-    <message>
-        <source>%1 is open.</source>
-        <translation>%1 ist geöffnet.</translation>
-    </message>
-    <message numerus="yes">
-        <source>The reader found %n odd thing(s) in it; see Diagnostics.</source>
-        <translation>
-            <numerusform>Beim Lesen ist %n Stelle aufgefallen, siehe Diagnose.</numerusform>
-            <numerusform>Beim Lesen sind %n Stellen aufgefallen, siehe Diagnose.</numerusform>
-        </translation>
-    </message>
-    <message>
-        <source>%1 can&apos;t be opened: %2</source>
-        <translation>%1 kann nicht geöffnet werden: %2</translation>
-    </message>
-    <message>
-        <source>The drawing can&apos;t be opened</source>
-        <translation>Die Zeichnung kann nicht geöffnet werden</translation>
-    </message>
-    <message>
-        <source>%1 can&apos;t be opened.</source>
-        <translation>%1 kann nicht geöffnet werden.</translation>
-    </message>
-    <message>
-        <source>The drawing that was open stays open.</source>
-        <translation>Die bisher geöffnete Zeichnung bleibt geöffnet.</translation>
-    </message>
-    <message>
-        <source>&amp;Show the line</source>
-        <translation>&amp;Zeile zeigen</translation>
-    </message>
-    <message>
-        <source>Save the drawing?</source>
-        <translation>Zeichnung speichern?</translation>
-    </message>
-    <message>
-        <source>%1 has sections that aren&apos;t saved.</source>
-        <translation>%1 enthält Querschnitte, die nicht gespeichert sind.</translation>
-    </message>
-    <message>
-        <source>Without saving, the sections that the GLS report added are lost.</source>
-        <translation>Ohne Speichern gehen die Querschnitte verloren, die der GLS-Bericht hinzugefügt hat.</translation>
-    </message>
-    <message>
-        <source>&amp;Don&apos;t save</source>
-        <translation>&amp;Nicht speichern</translation>
-    </message>
-    <message>
-        <source>Save the drawing as</source>
-        <translation>Zeichnung speichern unter</translation>
-    </message>
-    <message>
-        <source>LandXML drawings (*.xml);;All files (*)</source>
-        <translation>LandXML-Zeichnungen (*.xml);;Alle Dateien (*)</translation>
-    </message>
-    <message>
-        <source>The file was changed by another program since it was opened, and saving would undo that.</source>
-        <translation>Die Datei wurde seit dem Öffnen von einem anderen Programm geändert, und Speichern würde das rückgängig machen.</translation>
-    </message>
-    <message>
-        <source>Saving %1</source>
-        <translation>%1 wird gespeichert</translation>
-    </message>
-    <message>
-        <source>Saving %1 was cancelled; the drawing isn&apos;t saved.</source>
-        <translation>Das Speichern von %1 wurde abgebrochen; die Zeichnung ist nicht gespeichert.</translation>
-    </message>
-    <message>
-        <source>%1 is saved, %2.</source>
-        <translation>%1 ist gespeichert, %2.</translation>
-    </message>
-    <message>
-        <source>%1 can&apos;t be saved: %2</source>
-        <translation>%1 kann nicht gespeichert werden: %2</translation>
-    </message>
-    <message>
-        <source>The drawing can&apos;t be saved</source>
-        <translation>Die Zeichnung kann nicht gespeichert werden</translation>
-    </message>
-    <message>
-        <source>%1 can&apos;t be saved.</source>
-        <translation>%1 kann nicht gespeichert werden.</translation>
-    </message>
-    <message>
-        <source>The drawing stays open with its changes, and nothing was written. Save it under another name or in another folder, or make room and try again.</source>
-        <translation>Die Zeichnung bleibt mit ihren Änderungen geöffnet, und es wurde nichts geschrieben. Speichern Sie sie unter einem anderen Namen oder in einem anderen Ordner, oder schaffen Sie Platz und versuchen Sie es noch einmal.</translation>
-    </message>
-    <message>
-        <source>%1 isn&apos;t there any more</source>
-        <translation>%1 gibt es nicht mehr</translation>
-    </message>
-    <message>
-        <source>No drawing was opened yet</source>
-        <translation>Noch keine Zeichnung geöffnet</translation>
-    </message>
-    <message>
-        <source>&amp;Remove those that are gone</source>
-        <translation>&amp;Fehlende entfernen</translation>
-    </message>
+</context>
+<context>
+    <name>lvx::desktop::PlaceLine</name>
     <message>
         <source>left</source>
         <translation>links</translation>
@@ -831,89 +709,6 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <source>E %1   N %2</source>
         <extracomment>Easting and northing of a place, as their letters.</extracomment>
         <translation>R %1   H %2</translation>
-    </message>
-    <message>
-        <source>%1 waits for a pick in the drawing or in the tree; Escape ends it.</source>
-        <translation>%1 wartet auf eine Auswahl in der Zeichnung oder im Baum; Esc bricht sie ab.</translation>
-    </message>
-    <message>
-        <source>Something else is running; wait for its end or press Escape.</source>
-        <translation>Es läuft noch etwas anderes; warten Sie, bis es fertig ist, oder drücken Sie Esc.</translation>
-    </message>
-    <message>
-        <source>No drawing is open. OPEN opens one.</source>
-        <translation>Es ist keine Zeichnung geöffnet. OPEN öffnet eine.</translation>
-    </message>
-    <message>
-        <source>There is no command &apos;%1&apos;. There is %2.</source>
-        <translation>Den Befehl „%1“ gibt es nicht. Es gibt %2.</translation>
-    </message>
-    <message>
-        <source>%1 bytes</source>
-        <translation>%1 Byte</translation>
-    </message>
-    <message>
-        <source>Open</source>
-        <translation>Öffnen</translation>
-    </message>
-    <message>
-        <source>Show in folder</source>
-        <translation>Im Ordner zeigen</translation>
-    </message>
-    <message>
-        <source>%1 was not written: %2</source>
-        <translation>%1 wurde nicht geschrieben: %2</translation>
-    </message>
-    <message>
-        <source>%1 was removed.</source>
-        <translation>%1 wurde entfernt.</translation>
-    </message>
-    <message>
-        <source>%1 was cancelled; no unfinished file was left.</source>
-        <translation>%1 wurde abgebrochen; es ist keine unfertige Datei zurückgeblieben.</translation>
-    </message>
-    <message>
-        <source>%1 ended by an exception: %2</source>
-        <translation>%1 endete mit einer Ausnahme: %2</translation>
-    </message>
-    <message>
-        <source>%1 ended and wrote nothing.</source>
-        <translation>%1 ist beendet und hat nichts geschrieben.</translation>
-    </message>
-    <message>
-        <source>The drawing has new sections that aren&apos;t saved yet.</source>
-        <translation>Die Zeichnung hat neue Querschnitte, die noch nicht gespeichert sind.</translation>
-    </message>
-    <message>
-        <source>Not everything was written</source>
-        <translation>Nicht alles wurde geschrieben</translation>
-    </message>
-    <message numerus="yes">
-        <source>%1 could not write %n file(s).</source>
-        <translation>
-            <numerusform>%1 konnte %n Datei nicht schreiben.</numerusform>
-            <numerusform>%1 konnte %n Dateien nicht schreiben.</numerusform>
-        </translation>
-    </message>
-    <message>
-        <source>Run the report again and choose a folder that you may write to and that has room. What stood under these names is as it was.</source>
-        <translation>Starten Sie den Bericht noch einmal, und wählen Sie einen Ordner, in den Sie schreiben dürfen und der Platz hat. Was unter diesen Namen stand, ist unverändert.</translation>
-    </message>
-    <message>
-        <source>There is no folder %1, and nothing was written.</source>
-        <translation>Den Ordner %1 gibt es nicht, und es wurde nichts geschrieben.</translation>
-    </message>
-    <message>
-        <source>Nothing was written</source>
-        <translation>Nichts wurde geschrieben</translation>
-    </message>
-    <message>
-        <source>There is no folder %1.</source>
-        <translation>Den Ordner %1 gibt es nicht.</translation>
-    </message>
-    <message>
-        <source>Make it, or choose another place for the output file.</source>
-        <translation>Legen Sie ihn an, oder wählen Sie einen anderen Ort für die Ausgabedatei.</translation>
     </message>
 </context>
 <context>
@@ -1043,6 +838,95 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     </message>
 </context>
 <context>
+    <name>lvx::desktop::RecentDrawings</name>
+    <message>
+        <source>%1 isn&apos;t there any more</source>
+        <translation>%1 gibt es nicht mehr</translation>
+    </message>
+    <message>
+        <source>No drawing was opened yet</source>
+        <translation>Noch keine Zeichnung geöffnet</translation>
+    </message>
+    <message>
+        <source>&amp;Remove those that are gone</source>
+        <translation>&amp;Fehlende entfernen</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::ReportOutcome</name>
+    <message>
+        <source>The drawing has new sections that aren&apos;t saved yet.</source>
+        <translation>Die Zeichnung hat neue Querschnitte, die noch nicht gespeichert sind.</translation>
+    </message>
+    <message>
+        <source>%1 bytes</source>
+        <translation>%1 Byte</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Show in folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>%1 was not written: %2</source>
+        <translation>%1 wurde nicht geschrieben: %2</translation>
+    </message>
+    <message>
+        <source>%1 was removed.</source>
+        <translation>%1 wurde entfernt.</translation>
+    </message>
+    <message>
+        <source>%1 was cancelled; no unfinished file was left.</source>
+        <translation>%1 wurde abgebrochen; es ist keine unfertige Datei zurückgeblieben.</translation>
+    </message>
+    <message>
+        <source>%1 ended by an exception: %2</source>
+        <translation>%1 endete mit einer Ausnahme: %2</translation>
+    </message>
+    <message>
+        <source>%1 ended and wrote nothing.</source>
+        <translation>%1 ist beendet und hat nichts geschrieben.</translation>
+    </message>
+    <message>
+        <source>Not everything was written</source>
+        <translation>Nicht alles wurde geschrieben</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 could not write %n file(s).</source>
+        <translation>
+            <numerusform>%1 konnte %n Datei nicht schreiben.</numerusform>
+            <numerusform>%1 konnte %n Dateien nicht schreiben.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Run the report again and choose a folder that you may write to and that has room. What stood under these names is as it was.</source>
+        <translation>Starten Sie den Bericht noch einmal, und wählen Sie einen Ordner, in den Sie schreiben dürfen und der Platz hat. Was unter diesen Namen stand, ist unverändert.</translation>
+    </message>
+    <message>
+        <source>There is no folder %1, and nothing was written.</source>
+        <translation>Den Ordner %1 gibt es nicht, und es wurde nichts geschrieben.</translation>
+    </message>
+    <message>
+        <source>Nothing was written</source>
+        <translation>Nichts wurde geschrieben</translation>
+    </message>
+    <message>
+        <source>There is no folder %1.</source>
+        <translation>Den Ordner %1 gibt es nicht.</translation>
+    </message>
+    <message>
+        <source>Make it, or choose another place for the output file.</source>
+        <translation>Legen Sie ihn an, oder wählen Sie einen anderen Ort für die Ausgabedatei.</translation>
+    </message>
+</context>
+<context>
     <name>lvx::desktop::ReportViewer</name>
     <message>
         <source>This system has no program for %1. Install one (LibreOffice Calc for workbooks, a browser for pages), or take the file elsewhere.</source>
@@ -1063,6 +947,21 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>This system has no file manager. The file is in %1.</source>
         <translation>Dieses System hat keinen Dateimanager. Die Datei liegt in %1.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::SchemeMenu</name>
+    <message>
+        <source>As the &amp;system</source>
+        <translation>Wie das &amp;System</translation>
+    </message>
+    <message>
+        <source>&amp;Light</source>
+        <translation>&amp;Hell</translation>
+    </message>
+    <message>
+        <source>&amp;Dark</source>
+        <translation>&amp;Dunkel</translation>
     </message>
 </context>
 <context>
@@ -1149,6 +1048,149 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>%1, line %2</source>
         <translation>%1, Zeile %2</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::WindowActions</name>
+    <message>
+        <source>&amp;Open…</source>
+        <translation>Ö&amp;ffnen…</translation>
+    </message>
+    <message>
+        <source>Open a LandXML drawing</source>
+        <translation>Eine LandXML-Zeichnung öffnen</translation>
+    </message>
+    <message>
+        <source>&amp;Reload</source>
+        <translation>&amp;Neu laden</translation>
+    </message>
+    <message>
+        <source>Read the open drawing&apos;s file again</source>
+        <translation>Die Datei der geöffneten Zeichnung noch einmal lesen</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Speichern</translation>
+    </message>
+    <message>
+        <source>Save the drawing with its added sections</source>
+        <translation>Die Zeichnung mit den hinzugefügten Querschnitten speichern</translation>
+    </message>
+    <message>
+        <source>Save &amp;as…</source>
+        <translation>Speichern &amp;unter…</translation>
+    </message>
+    <message>
+        <source>Save the drawing in another file</source>
+        <translation>Die Zeichnung in einer anderen Datei speichern</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>Close the program</source>
+        <translation>Das Programm schließen</translation>
+    </message>
+    <message>
+        <source>Zoom to &amp;all</source>
+        <translation>Zoom auf &amp;alles</translation>
+    </message>
+    <message>
+        <source>Show the whole drawing</source>
+        <translation>Die ganze Zeichnung zeigen</translation>
+    </message>
+    <message>
+        <source>Zoom to &amp;selection</source>
+        <translation>Zoom auf A&amp;uswahl</translation>
+    </message>
+    <message>
+        <source>Show the selected object as large as it goes</source>
+        <translation>Das gewählte Objekt so groß wie möglich zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Find object</source>
+        <translation>Objekt &amp;suchen</translation>
+    </message>
+    <message>
+        <source>Find an object of the drawing by its name</source>
+        <translation>Ein Objekt der Zeichnung nach seinem Namen suchen</translation>
+    </message>
+    <message>
+        <source>&amp;Command line</source>
+        <translation>&amp;Befehlszeile</translation>
+    </message>
+    <message>
+        <source>Type a command by its name</source>
+        <translation>Einen Befehl mit seinem Namen eingeben</translation>
+    </message>
+    <message>
+        <source>&amp;Contents</source>
+        <translation>&amp;Inhalt</translation>
+    </message>
+    <message>
+        <source>How the reports are made</source>
+        <translation>Wie die Berichte entstehen</translation>
+    </message>
+    <message>
+        <source>&amp;About</source>
+        <translation>Ü&amp;ber</translation>
+    </message>
+    <message>
+        <source>About this program</source>
+        <translation>Über dieses Programm</translation>
+    </message>
+    <message>
+        <source>&amp;Reports</source>
+        <translation>&amp;Berichte</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>Open re&amp;cent</source>
+        <translation>&amp;Zuletzt geöffnet</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <source>&amp;Layers</source>
+        <translation>&amp;Ebenen</translation>
+    </message>
+    <message>
+        <source>S&amp;urface</source>
+        <translation>&amp;DGM</translation>
+    </message>
+    <message>
+        <source>Sc&amp;heme</source>
+        <translation>&amp;Farbschema</translation>
+    </message>
+    <message>
+        <source>&amp;Panels</source>
+        <translation>Be&amp;reiche</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>Tools</source>
+        <translation>Werkzeuge</translation>
+    </message>
+    <message>
+        <source>&lt;b&gt;Layers&lt;/b&gt;&lt;br&gt;What is drawn</source>
+        <translation>&lt;b&gt;Ebenen&lt;/b&gt;&lt;br&gt;Was gezeichnet wird</translation>
+    </message>
+    <message>
+        <source>&lt;b&gt;Surface&lt;/b&gt;&lt;br&gt;How the ground is drawn</source>
+        <translation>&lt;b&gt;DGM&lt;/b&gt;&lt;br&gt;Wie das Gelände gezeichnet wird</translation>
+    </message>
+    <message>
+        <source>%1 (%2)</source>
+        <translation>%1 (%2)</translation>
     </message>
 </context>
 </TS>

@@ -2,6 +2,16 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US">
 <context>
+    <name>lvx::desktop::Document</name>
+    <message numerus="yes">
+        <source>The reader found %n odd thing(s) in it; see Diagnostics.</source>
+        <translation>
+            <numerusform>The reader found %n odd thing in it; see Diagnostics.</numerusform>
+            <numerusform>The reader found %n odd things in it; see Diagnostics.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>lvx::desktop::DrawingTreeModel</name>
     <message numerus="yes">
         <source>%n region(s)</source>
@@ -12,14 +22,7 @@
     </message>
 </context>
 <context>
-    <name>lvx::desktop::MainWindow</name>
-    <message numerus="yes">
-        <source>The reader found %n odd thing(s) in it; see Diagnostics.</source>
-        <translation>
-            <numerusform>The reader found %n odd thing in it; see Diagnostics.</numerusform>
-            <numerusform>The reader found %n odd things in it; see Diagnostics.</numerusform>
-        </translation>
-    </message>
+    <name>lvx::desktop::ReportOutcome</name>
     <message numerus="yes">
         <source>%1 could not write %n file(s).</source>
         <translation>

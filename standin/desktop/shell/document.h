@@ -1,0 +1,104 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include "desktop/shell/drawing_file.h"
+#include "desktop/shell/drawing_loader.h"
+#include "desktop/shell/recent_drawings.h"
+
+class QShortcut;
+class QWidget;
+
+namespace lvx::desktop {
+
+class ConsoleView;
+class LeaveWish;
+class LongWork;
+class NoticeBar;
+class ProgressStrip;
+class Session;
+
+/// Where a document speaks: boxes stand over `window`.
+struct DocumentSurroundings {
+  QWidget& window;
+  ConsoleView& console;
+  NoticeBar& notice;
+  ProgressStrip& progress;
+};
+
+/// The open drawing as its user handles it: opened, read again, saved, saved elsewhere, changed by others, given up with
+/// or without its changes. It asks and tells by itself; what the drawing looks like is others' (see the signals).
+///
+///     Document document({window, console, notice, progress}, session, work, recent, leave);
+///     connect(&document, &Document::opened, views, &DrawingViews::show);
+///     document.open(path);                   // opened() or a box follows, from the event loop
+class Document : public QObject {
+  Q_OBJECT
+ public:
+  /// All that is given outlives it.
+  Document(const DocumentSurroundings& surroundings, Session& session, LongWork& work, RecentDrawings& recent,
+           LeaveWish& leave);
+  /// Cancels a reading and waits for its end.
+  ~Document() override;
+
+  /// A command runs, or a saving, or a reading: nothing else can begin.
+  [[nodiscard]] bool isBusy() const;
+  [[nodiscard]] bool isOpen() const;
+  /// It has changes that aren't saved.
+  [[nodiscard]] bool isChanged() const;
+  /// Of the open drawing's file; empty where none is open.
+  [[nodiscard]] QString path() const;
+
+  /// Reads a drawing in place of the open one, which stays until the new one stands. Asks first where the open one has
+  /// changes. A reading that runs is cancelled; while a command or a saving runs nothing happens.
+  void open(const QString& path);
+  /// Ends a reading; nothing happens where none runs.
+  void cancelReading();
+  /// Asks for a file first. Nothing happens while something runs.
+  void askOpen();
+  /// Reads the open drawing's file again. Nothing happens while something runs.
+  void askReload();
+
+  // These say whether the drawing is saved; what prevents it was told then.
+  bool save();
+  bool askSaveAs();
+  /// `target` is absolute.
+  bool saveTo(const QString& target);
+  /// Asks what to do with unsaved changes, if there are any. False where the user wants to go back.
+  bool settleChanges();
+  /// Changes are given up without a question from now on.
+  void giveUpChanges() { asksForChanges_ = false; }
+  /// Whether a box is the one by which settleChanges() asks.
+  [[nodiscard]] bool isQuestion(const QWidget& box) const;
+
+ Q_SIGNALS:
+  /// The open drawing is about to go: what looks at it lets go of it before this returns.
+  void letGo();
+  void opened(const lvx::desktop::LoadedDrawing& drawing);
+  void saved();
+  /// isBusy(), isOpen(), isChanged() or path() may be others.
+  void stateChanged();
+
+ private:
+  void connectReading();
+  void connectFile();
+  void take(const LoadedDrawing& loaded);
+  void tellOpened();
+  void tellReadError(const LoadFailure& failure);
+  /// Throws as landxml::saveDrawing does.
+  void write(const QString& target);
+  void tellSaveError(const QString& target, const QString& reason);
+
+  DocumentSurroundings at_;
+  Session& session_;
+  LongWork& work_;
+  RecentDrawings& recent_;
+  LeaveWish& leave_;
+  DrawingLoader loader_;
+  DrawingFile file_;
+  QShortcut* stopReading_;
+  bool asksForChanges_ = true;
+};
+
+}  // namespace lvx::desktop

@@ -1,0 +1,155 @@
+#include "desktop/shell/drawing_views.h"
+
+#include <QDockWidget>
+#include <QEvent>
+
+#include "desktop/charts/profile_view.h"
+#include "desktop/charts/section_view.h"
+#include "desktop/panels/diagnostics_view.h"
+#include "desktop/panels/drawing_tree.h"
+#include "desktop/plan/plan_view.h"
+#include "desktop/shell/desktop_front_end.h"
+#include "desktop/shell/drawing_loader.h"
+#include "desktop/shell/session.h"
+#include "view/plan_scene.h"
+
+namespace lvx::desktop {
+
+DrawingViews::DrawingViews(const WindowPanels& panels, PlaceLine& place, const Session& session,
+                           const DesktopFrontEnd& frontEnd)
+    : at_(panels), place_(place), session_(session), frontEnd_(frontEnd) {
+  connectPlan();
+  connectTree();
+  connectCharts();
+  connect(&selection_, &Selection::changed, this, &DrawingViews::follow);
+}
+
+DrawingViews::~DrawingViews() { clear(); }
+
+void DrawingViews::connectPlan() {
+  at_.plan->installEventFilter(this);
+  connect(at_.plan, &PlanView::clicked, this, [this](quint64 handle) { selection_.select(handle, at_.plan); });
+  connect(at_.plan, &PlanView::activated, this, [this](quint64 handle) {
+    if (handle != 0) zoomTo(handle);
+  });
+  connect(at_.plan, &PlanView::mouseAt, &place_, &PlaceLine::showMouse);
+  connect(at_.plan, &PlanView::mouseGone, &place_, &PlaceLine::hideMouse);
+}
+
+void DrawingViews::connectTree() {
+  connect(at_.tree, &DrawingTree::selected, this, [this](quint64 handle) {
+    if (!frontEnd_.isPicking()) selection_.select(handle, at_.tree);
+  });
+  connect(at_.tree, &DrawingTree::clicked, this, [this](quint64 handle) {
+    if (handle != 0 && frontEnd_.isPicking()) at_.plan->offerPick(handle);
+  });
+  connect(at_.tree, &DrawingTree::activated, this, [this](quint64 handle) {
+    if (frontEnd_.isPicking())
+      at_.plan->offerPick(handle);
+    else
+      zoomTo(handle);
+  });
+}
+
+void DrawingViews::connectCharts() {
+  connect(at_.profile, &ProfileView::profileClicked, this, [this](quint64 handle) {
+    if (frontEnd_.isPicking())
+      at_.plan->offerPick(handle);
+    else
+      selection_.select(handle, at_.profile);
+  });
+  connect(at_.section, &SectionView::sampleLineChanged, this,
+          [this](quint64 handle) { selection_.select(handle, at_.section); });
+}
+
+void DrawingViews::show(const LoadedDrawing& loaded) {
+  const civil::Drawing& drawing = loaded.drawing->drawing();
+  scene_ = loaded.scene;
+  selection_.setDrawing(loaded.drawing);
+  awaitsPaint_ = true;
+  at_.plan->setScene(scene_);
+  at_.plan->zoomToAll();
+  at_.tree->setDrawing(&drawing);
+  at_.diagnostics->setDrawing(&drawing);
+  const civil::AlignmentObject* const alignment = selection_.alignment();
+  place_.setAlignment(alignment);
+  if (alignment != nullptr) at_.profile->show(drawing, alignment->handle);
+}
+
+void DrawingViews::clear() {
+  at_.plan->setScene(nullptr);
+  at_.section->clear();
+  at_.profile->clear();
+  at_.tree->setDrawing(nullptr);
+  at_.diagnostics->setDrawing(nullptr);
+  place_.setAlignment(nullptr);
+  selection_.setDrawing(nullptr);
+  scene_.reset();
+}
+
+void DrawingViews::refresh() {
+  if (scene_) {
+    scene_->refreshCorridors();
+    at_.plan->refresh();
+  }
+  if (at_.section->sampleLine() != 0) at_.section->show(session_.drawing()->drawing(), at_.section->sampleLine());
+}
+
+void DrawingViews::refreshDiagnostics() { at_.diagnostics->setDrawing(&session_.drawing()->drawing()); }
+
+void DrawingViews::zoomTo(civil::Handle handle) {
+  if (scene_) at_.plan->zoomTo(handle);
+}
+
+void DrawingViews::zoomToSelection() {
+  if (selection_.handle() != 0) zoomTo(selection_.handle());
+}
+
+void DrawingViews::follow(const QObject* from) {
+  at_.plan->setSelected(selection_.shown());
+  if (from != at_.tree) at_.tree->reveal(selection_.handle());
+  Q_EMIT selectionChanged();
+  if (selection_.handle() == 0) return;
+  const civil::AlignmentObject* const alignment = selection_.alignment();
+  place_.setAlignment(alignment);
+  if (alignment != nullptr && at_.profile->alignment() != alignment->handle)
+    at_.profile->show(session_.drawing()->drawing(), alignment->handle);
+  raiseChart();
+}
+
+void DrawingViews::raiseChart() {
+  const civil::Handle handle = selection_.handle();
+  switch (session_.drawing()->index().byHandle(handle)->kind()) {
+    case civil::ObjectKind::Alignment:
+      at_.profile->setSelected(0);
+      at_.profileDock->raise();
+      break;
+    case civil::ObjectKind::Profile:
+      at_.profile->setSelected(handle);
+      at_.profileDock->raise();
+      break;
+    case civil::ObjectKind::SampleLine:
+      if (at_.section->sampleLine() != handle) at_.section->show(session_.drawing()->drawing(), handle);
+      at_.sectionDock->raise();
+      break;
+    default:
+      break;
+  }
+}
+
+bool DrawingViews::eventFilter(QObject* target, QEvent* event) {
+  if (target == at_.plan && awaitsPaint_ && event->type() == QEvent::Paint) {
+    // Behind the paint, which tells whether the picture was the final one.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+          if (!awaitsPaint_ || !at_.plan->isSharp()) return;
+          awaitsPaint_ = false;
+          Q_EMIT shown();
+        },
+        Qt::QueuedConnection);
+  }
+  return QObject::eventFilter(target, event);
+}
+
+}  // namespace lvx::desktop

@@ -1,0 +1,215 @@
+#include "desktop/shell/window_actions.h"
+
+#include <QAction>
+#include <QDockWidget>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QToolBar>
+#include <QToolButton>
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "desktop/common/icons.h"
+#include "desktop/shell/look_menus.h"
+#include "desktop/shell/report_names.h"
+#include "desktop/shell/scheme_menu.h"
+
+namespace lvx::desktop {
+
+namespace {
+
+constexpr int kToolSide = 24;
+
+/// What has to hold for an action: bits.
+enum Need : unsigned { Nothing = 0, Idle = 1, Open = 2, Changes = 4, Selection = 8 };
+
+unsigned heldBy(const WindowState& state) {
+  return (state.isIdle ? Idle : 0U) | (state.isOpen ? Open : 0U) | (state.isChanged ? Changes : 0U) |
+         (state.hasSelection ? Selection : 0U);
+}
+
+bool areMet(unsigned needs, const WindowState& state) { return (needs & ~heldBy(state)) == 0; }
+
+constexpr unsigned kCommandNeeds = Open | Idle;
+
+struct Row {
+  WindowAction action;
+  const char* name;  ///< by which settings and tests know it
+  const char* icon;  ///< empty: none
+  const char* text;
+  const char* tip;
+  QKeySequence keys;
+  unsigned needs;
+  bool isQueued;  ///< it may wait for the user
+};
+
+const std::vector<Row>& rows() {
+  static const std::vector<Row> kRows = {
+      {WindowAction::Open, "open", "open", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Open…"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Open a LandXML drawing"), QKeySequence::Open, Idle, true},
+      {WindowAction::Reload, "reload", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Reload"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Read the open drawing's file again"), Qt::Key_F5, Open | Idle,
+       true},
+      {WindowAction::Save, "save", "save", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Save"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Save the drawing with its added sections"), QKeySequence::Save,
+       Open | Changes | Idle, true},
+      {WindowAction::SaveAs, "saveAs", "save_as", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Save &as…"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Save the drawing in another file"),
+       Qt::CTRL | Qt::SHIFT | Qt::Key_S, Open | Idle, true},
+      {WindowAction::Quit, "quit", "quit", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Quit"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Close the program"), Qt::CTRL | Qt::Key_Q, Nothing, true},
+      {WindowAction::ZoomAll, "zoomAll", "zoom_all", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Zoom to &all"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Show the whole drawing"), Qt::CTRL | Qt::Key_0, Open, false},
+      {WindowAction::ZoomSelection, "zoomSelection", "zoom_selection",
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Zoom to &selection"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Show the selected object as large as it goes"),
+       Qt::CTRL | Qt::Key_E, Selection, false},
+      {WindowAction::Find, "find", "find", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Find object"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Find an object of the drawing by its name"),
+       QKeySequence::Find, Nothing, false},
+      {WindowAction::CommandLine, "commandLine", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Command line"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Type a command by its name"), Qt::Key_F2, Nothing, false},
+      {WindowAction::HelpContents, "help", "help", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Contents"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "How the reports are made"), QKeySequence::HelpContents,
+       Nothing, false},
+      {WindowAction::About, "about", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&About"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "About this program"), QKeySequence(), Nothing, true},
+  };
+  return kRows;
+}
+
+const Row& rowOf(WindowAction action) {
+  return *std::find_if(rows().begin(), rows().end(), [&](const Row& row) { return row.action == action; });
+}
+
+}  // namespace
+
+WindowActions::WindowActions(QMainWindow& window, QSettings& settings, std::optional<Scheme> askedScheme)
+    : window_(window) {
+  for (const Row& row : rows())
+    actions_[static_cast<std::size_t>(row.action)] =
+        add(QString::fromLatin1(row.name), QString::fromLatin1(row.icon), tr(row.text), tr(row.tip), row.keys);
+  buildFileMenu();
+  buildViewMenu(settings, askedScheme);
+  reportMenu_ = window_.menuBar()->addMenu(tr("&Reports"));
+  reportMenu_->setObjectName(QStringLiteral("reportMenu"));
+  buildHelpMenu();
+  buildTools();
+}
+
+WindowActions::~WindowActions() = default;
+
+QAction* WindowActions::add(const QString& name, const QString& iconName, const QString& text, const QString& tip,
+                            const QKeySequence& keys) {
+  auto* const action = new QAction(text, &window_);
+  action->setObjectName(name);
+  if (!iconName.isEmpty()) action->setIcon(icon(iconName));
+  action->setShortcut(keys);
+  action->setStatusTip(tip);
+  const QString plain = QString(text).remove(QLatin1Char('&')).remove(QChar(0x2026));
+  action->setToolTip(
+      keys.isEmpty() ? QStringLiteral("<b>%1</b><br>%2").arg(plain, tip)
+                     : QStringLiteral("<b>%1</b> (%2)<br>%3").arg(plain, keys.toString(QKeySequence::NativeText), tip));
+  window_.addAction(action);
+  return action;
+}
+
+void WindowActions::buildFileMenu() {
+  QMenu* const menu = window_.menuBar()->addMenu(tr("&File"));
+  menu->addAction(at(WindowAction::Open));
+  recentMenu_ = menu->addMenu(tr("Open re&cent"));
+  recentMenu_->setObjectName(QStringLiteral("recentMenu"));
+  menu->addAction(at(WindowAction::Reload));
+  menu->addSeparator();
+  menu->addAction(at(WindowAction::Save));
+  menu->addAction(at(WindowAction::SaveAs));
+  menu->addSeparator();
+  menu->addAction(at(WindowAction::Quit));
+}
+
+void WindowActions::buildViewMenu(QSettings& settings, std::optional<Scheme> askedScheme) {
+  QMenu* const menu = window_.menuBar()->addMenu(tr("&View"));
+  for (const WindowAction action :
+       {WindowAction::ZoomAll, WindowAction::ZoomSelection, WindowAction::Find, WindowAction::CommandLine})
+    menu->addAction(at(action));
+  menu->addSeparator();
+  layerMenu_ = menu->addMenu(icon(QStringLiteral("layers")), tr("&Layers"));
+  layerMenu_->setObjectName(QStringLiteral("layerMenu"));
+  surfaceMenu_ = menu->addMenu(icon(QStringLiteral("surface_look")), tr("S&urface"));
+  surfaceMenu_->setObjectName(QStringLiteral("surfaceMenu"));
+  look_ = std::make_unique<LookMenus>(*layerMenu_, *surfaceMenu_, settings);
+  QMenu* const schemeMenu = menu->addMenu(tr("Sc&heme"));
+  schemeMenu->setObjectName(QStringLiteral("schemeMenu"));
+  scheme_ = std::make_unique<SchemeMenu>(*schemeMenu, settings, askedScheme);
+  menu->addSeparator();
+  QMenu* const panels = menu->addMenu(tr("&Panels"));
+  for (QDockWidget* const dock : window_.findChildren<QDockWidget*>()) panels->addAction(dock->toggleViewAction());
+}
+
+void WindowActions::buildHelpMenu() {
+  QMenu* const menu = window_.menuBar()->addMenu(tr("&Help"));
+  menu->addAction(at(WindowAction::HelpContents));
+  menu->addSeparator();
+  menu->addAction(at(WindowAction::About));
+}
+
+void WindowActions::buildTools() {
+  tools_ = window_.addToolBar(tr("Tools"));
+  tools_->setObjectName(QStringLiteral("tools"));
+  tools_->setIconSize({kToolSide, kToolSide});
+  tools_->setMovable(false);
+  tools_->addAction(at(WindowAction::Open));
+  if (auto* const openButton = qobject_cast<QToolButton*>(tools_->widgetForAction(at(WindowAction::Open)))) {
+    openButton->setMenu(recentMenu_);
+    openButton->setPopupMode(QToolButton::MenuButtonPopup);
+  }
+  tools_->addAction(at(WindowAction::Save));
+  tools_->addAction(at(WindowAction::SaveAs));
+  tools_->addSeparator();
+  tools_->addAction(at(WindowAction::ZoomAll));
+  tools_->addAction(at(WindowAction::ZoomSelection));
+  const auto addMenuButton = [this](QMenu* menu, const QString& tip) {
+    auto* const button = new QToolButton;
+    button->setIcon(menu->icon());
+    button->setMenu(menu);
+    button->setPopupMode(QToolButton::InstantPopup);
+    button->setToolTip(tip);
+    tools_->addWidget(button);
+  };
+  addMenuButton(layerMenu_, tr("<b>Layers</b><br>What is drawn"));
+  addMenuButton(surfaceMenu_, tr("<b>Surface</b><br>How the ground is drawn"));
+  tools_->addSeparator();
+}
+
+void WindowActions::onTrigger(WindowAction action, std::function<void()> work) {
+  connect(at(action), &QAction::triggered, this, std::move(work),
+          rowOf(action).isQueued ? Qt::QueuedConnection : Qt::DirectConnection);
+}
+
+void WindowActions::addCommands(const QStringList& commands) {
+  int number = 0;
+  for (const QString& command : commands) {
+    constexpr int kLastDigit = 9;
+    const QKeySequence keys =
+        ++number <= kLastDigit ? QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + number)) : QKeySequence();
+    QAction* const action = add(command, ReportNames::icon(command), ReportNames::action(command),
+                                tr("%1 (%2)").arg(ReportNames::tip(command), command), keys);
+    connect(
+        action, &QAction::triggered, this, [this, command] { Q_EMIT commandChosen(command); }, Qt::QueuedConnection);
+    reportMenu_->addAction(action);
+    tools_->addAction(action);
+    commands_.push_back(action);
+  }
+  tools_->addSeparator();
+  tools_->addAction(at(WindowAction::HelpContents));
+}
+
+void WindowActions::update(const WindowState& state) {
+  for (const Row& row : rows()) at(row.action)->setEnabled(areMet(row.needs, state));
+  for (QAction* const command : commands_) command->setEnabled(areMet(kCommandNeeds, state));
+  recentMenu_->setEnabled(state.isIdle);
+}
+
+}  // namespace lvx::desktop
