@@ -7,9 +7,9 @@
 #include <QPen>
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <utility>
 
+#include "desktop/charts/chart_texts.h"
 #include "desktop/common/qt_text.h"
 #include "text/number_text.h"
 
@@ -25,7 +25,6 @@ constexpr double kRoom = 6.0;
 constexpr double kBandHeight = 50.0;
 constexpr double kLeastHeightForBand = 190.0;
 constexpr double kLeastHeightForTitle = 130.0;
-constexpr double kMarkRadius = 3.0;
 /// Dots on points stand at least this far apart on average.
 constexpr double kDotDistance = 9.0;
 
@@ -49,6 +48,12 @@ std::vector<double> multiples(double step, double from, double to) {
   const int count = static_cast<int>(last - first) + 1;
   for (int i = 0; i < count; ++i) places.push_back((first + i) * step);
   return places;
+}
+
+/// Where a place of the drawing stands on the paper.
+QPointF pointOf(const QRect& plot, const view::Viewport& port, Vec2 place) {
+  const Vec2 pixel = port.toPixels(place);
+  return {plot.left() + pixel.x, plot.top() + pixel.y};
 }
 
 /// Many points on one column of dots are drawn as first, lowest, highest and last: the same picture at the price of the
@@ -107,123 +112,7 @@ class PathMaker {
   int count_ = 0;
 };
 
-/// Between which heights a series runs in each column of a plot, so that texts can keep clear of it at a small price.
-class SeriesColumns {
- public:
-  explicit SeriesColumns(const QRect& plot) : plot_(plot), columns_(static_cast<std::size_t>(plot.width()) + 1) {}
-  /// Counted from the plot's corner.
-  void add(Vec2 from, Vec2 to) {
-    const Vec2 left = from.x <= to.x ? from : to;
-    const Vec2 right = from.x <= to.x ? to : from;
-    const double rise = right.x > left.x ? (right.y - left.y) / (right.x - left.x) : 0.0;
-    const int last = columnOf(right.x);
-    for (int column = columnOf(left.x); column <= last; ++column) {
-      Range& range = columns_[static_cast<std::size_t>(column)];
-      range.add(left.y + (std::clamp<double>(column, left.x, right.x) - left.x) * rise);
-      range.add(right.y - (right.x - std::clamp<double>(column + 1, left.x, right.x)) * rise);
-    }
-  }
-  [[nodiscard]] bool crosses(const QRectF& area) const {
-    const QRectF inside = area.translated(-plot_.topLeft());
-    const int last = columnOf(inside.right());
-    for (int column = columnOf(inside.left()); column <= last; ++column) {
-      const Range& range = columns_[static_cast<std::size_t>(column)];
-      if (range.top <= inside.bottom() && range.bottom >= inside.top()) return true;
-    }
-    return false;
-  }
-
- private:
-  struct Range {
-    double top = std::numeric_limits<double>::infinity();
-    double bottom = -std::numeric_limits<double>::infinity();
-    void add(double y) {
-      top = std::min(top, y);
-      bottom = std::max(bottom, y);
-    }
-  };
-  [[nodiscard]] int columnOf(double x) const {
-    return static_cast<int>(std::clamp(x, 0.0, static_cast<double>(plot_.width())));
-  }
-
-  QRect plot_;
-  std::vector<Range> columns_;
-};
-
 }  // namespace
-
-/// Where texts may still stand in a plot.
-class ChartPainter::TextRoom {
- public:
-  TextRoom(const Chart& chart, const QRect& plot, const view::Viewport& port)
-      : plot_(plot), port_(port), inside_(QRectF(plot).adjusted(3.0, 3.0, -3.0, -3.0)) {
-    for (const ChartSeries& series : chart.series) {
-      if (!series.isShown) continue;
-      SeriesColumns& columns = series_.emplace_back(plot);
-      for (const view::Line& line : view::clipped(series.lines, visible()))
-        for (std::size_t i = 1; i < line.size(); ++i) columns.add(port.toPixels(line[i - 1]), port.toPixels(line[i]));
-    }
-  }
-  [[nodiscard]] QPointF toPoint(Vec2 place) const {
-    const Vec2 pixel = port_.toPixels(place);
-    return plot_.topLeft() + QPointF(pixel.x, pixel.y);
-  }
-  [[nodiscard]] Box visible() const { return port_.visible(); }
-  [[nodiscard]] bool isVisible(Vec2 place) const { return QRectF(plot_).contains(toPoint(place)); }
-  /// Inside the plot and no text there.
-  [[nodiscard]] bool isFree(const QRectF& area) const {
-    return inside_.contains(area) &&
-           std::none_of(taken_.begin(), taken_.end(), [&](const QRectF& other) { return other.intersects(area); });
-  }
-  [[nodiscard]] bool crossesLine(const QRectF& area) const {
-    return std::any_of(series_.begin(), series_.end(),
-                       [&](const SeriesColumns& columns) { return columns.crosses(area); });
-  }
-  void take(const QRectF& area) { taken_.push_back(area); }
-
- private:
-  QRect plot_;
-  view::Viewport port_;
-  QRectF inside_;
-  std::vector<SeriesColumns> series_;
-  std::vector<QRectF> taken_;
-};
-
-// ---------------------------------------------------------------- look
-
-ChartLook ChartLook::printed() {
-  return {QColor(Qt::white),
-          QColor(20, 20, 20),
-          QColor(90, 90, 90),
-          QColor(196, 196, 196),
-          QColor(232, 232, 232),
-          QColor(20, 20, 20),
-          {QColor(0x7a, 0x4a, 0x1d), QColor(0xc2, 0x1a, 0x1a), QColor(0x0b, 0x57, 0xa4), QColor(0x2b, 0x7a, 0x2b),
-           QColor(0x6a, 0x3d, 0x9a), QColor(0x00, 0x6f, 0x72), QColor(0xa8, 0x54, 0x00), QColor(0xa3, 0x00, 0x6b)}};
-}
-
-ChartLook ChartLook::ofWindow(const QPalette& palette) {
-  constexpr int kHalf = 128;
-  if (palette.color(QPalette::Base).lightness() >= kHalf) {
-    ChartLook look = printed();
-    look.paper = palette.color(QPalette::Base);
-    look.highlight = palette.color(QPalette::Highlight);
-    return look;
-  }
-  return {palette.color(QPalette::Base),
-          QColor(226, 226, 226),
-          QColor(160, 160, 160),
-          QColor(78, 78, 78),
-          QColor(54, 54, 54),
-          palette.color(QPalette::Highlight).lighter(130),
-          {QColor(0xd9, 0xa0, 0x66), QColor(0xff, 0x6b, 0x6b), QColor(0x6d, 0xb3, 0xff), QColor(0x7d, 0xdc, 0x7d),
-           QColor(0xc5, 0xa3, 0xff), QColor(0x4f, 0xd5, 0xd5), QColor(0xff, 0xb4, 0x54), QColor(0xff, 0x8a, 0xd1)}};
-}
-
-QColor ChartLook::colourOf(const ChartPen& pen) const {
-  if (palette.empty()) return ink;
-  return palette[static_cast<std::size_t>(std::max(pen.colour, 0)) % palette.size()];
-}
 
 // ---------------------------------------------------------------- layout
 
@@ -316,28 +205,6 @@ ChartPainter::Ticks ChartPainter::yTicks(const view::Viewport& port) const {
   return ticks;
 }
 
-QPen ChartPainter::penOf(const ChartPen& pen) const {
-  QPen result(look_.colourOf(pen), pen.width);
-  result.setJoinStyle(Qt::RoundJoin);
-  result.setCapStyle(pen.style == Qt::SolidLine ? Qt::RoundCap : Qt::FlatCap);
-  // Patterns count in widths: a thin line's would be too fine to tell.
-  const double unit = std::max(pen.width, 1.0);
-  switch (pen.style) {
-    case Qt::DashLine:
-      result.setDashPattern({8.0 / unit, 4.0 / unit});
-      break;
-    case Qt::DotLine:
-      result.setDashPattern({2.0 / unit, 3.0 / unit});
-      break;
-    case Qt::DashDotLine:
-      result.setDashPattern({9.0 / unit, 3.0 / unit, 2.0 / unit, 3.0 / unit});
-      break;
-    default:
-      break;
-  }
-  return result;
-}
-
 // ---------------------------------------------------------------- painting
 
 void ChartPainter::paint(QPainter& painter, const QRectF& area, const view::Viewport& port, int highlighted) const {
@@ -356,7 +223,7 @@ void ChartPainter::paint(QPainter& painter, const QRectF& area, const view::View
   }
   if (highlighted >= 0 && highlighted < count && chart_.series[static_cast<std::size_t>(highlighted)].isShown)
     paintSeries(painter, plot, port, chart_.series[static_cast<std::size_t>(highlighted)], true);
-  paintTexts(painter, plot, port);
+  paintTexts(painter, chart_, look_, font_, plot, port);
   painter.restore();
 }
 
@@ -522,10 +389,7 @@ void ChartPainter::paintBand(QPainter& painter, const QRect& plot, const view::V
 void ChartPainter::paintSeries(QPainter& painter, const QRect& plot, const view::Viewport& port,
                                const ChartSeries& series, bool isHighlighted) const {
   const Box visible = port.visible();
-  const auto toPoint = [&](Vec2 place) {
-    const Vec2 pixel = port.toPixels(place);
-    return QPointF(plot.left() + pixel.x, plot.top() + pixel.y);
-  };
+  const auto toPoint = [&](Vec2 place) { return pointOf(plot, port, place); };
   const view::Lines lines = view::clipped(series.lines, visible);
   QPainterPath path;
   QPainterPath dots;
@@ -538,7 +402,7 @@ void ChartPainter::paintSeries(QPainter& painter, const QRect& plot, const view:
     maker.finish();
     points += line.size();
   }
-  QPen pen = penOf(series.pen);
+  QPen pen = look_.penOf(series.pen);
   painter.setBrush(Qt::NoBrush);
   if (isHighlighted) {
     QColor glow = look_.highlight;
@@ -560,8 +424,14 @@ void ChartPainter::paintSeries(QPainter& painter, const QRect& plot, const view:
     painter.setBrush(look_.colourOf(series.pen));
     painter.drawPath(dots);
   }
+  paintTangents(painter, plot, port, series);
+}
 
-  // Tangents under the curves, and a ring at each intersection.
+// Tangents under the curves, and a ring at each intersection.
+void ChartPainter::paintTangents(QPainter& painter, const QRect& plot, const view::Viewport& port,
+                                 const ChartSeries& series) const {
+  const Box visible = port.visible();
+  const auto toPoint = [&](Vec2 place) { return pointOf(plot, port, place); };
   const auto isVisible = [&](Vec2 p) {
     return p.x >= visible.minX && p.x <= visible.maxX && p.y >= visible.minY && p.y <= visible.maxY;
   };
@@ -586,108 +456,10 @@ void ChartPainter::paintSeries(QPainter& painter, const QRect& plot, const view:
   }
 }
 
-// Texts stand where they cover neither each other nor a line; a point's text that has no such place isn't written until
-// there is room, after zooming in.
-void ChartPainter::paintTexts(QPainter& painter, const QRect& plot, const view::Viewport& port) const {
-  QFont small = font_;
-  small.setPixelSize(std::max(font_.pixelSize() - 1, 8));
-  painter.save();
-  painter.setFont(small);
-  TextRoom room(chart_, plot, port);
-  for (const ChartSeries& series : chart_.series) {
-    if (!series.isShown) continue;
-    for (const ChartMark& mark : series.marks)
-      if (!mark.text.isEmpty() && room.isVisible(mark.place)) paintMarkText(painter, mark, room);
-  }
-  for (const ChartSeries& series : chart_.series) {
-    if (!series.isShown) continue;
-    painter.setPen(look_.colourOf(series.pen));
-    for (const ChartNote& note : series.notes) paintNote(painter, note, room);
-  }
-  painter.restore();
-}
-
-void ChartPainter::paintMarkText(QPainter& painter, const ChartMark& mark, TextRoom& room) const {
-  const QFontMetricsF metrics(painter.font());
-  const QPointF foot = room.toPoint(mark.place);
-  double width = 0.0;
-  for (const QString& line : mark.text) width = std::max(width, metrics.horizontalAdvance(line));
-  const double height = metrics.height() * static_cast<double>(mark.text.size());
-  const auto findPlace = [&]() -> std::optional<QRectF> {
-    for (const bool above : {mark.isTextAbove, !mark.isTextAbove}) {
-      for (const double distance : {14.0, 26.0, 44.0, 70.0, 100.0}) {
-        for (const double aside : {0.0, -0.5, 0.5}) {
-          const double top = above ? foot.y() - distance - height : foot.y() + distance;
-          const QRectF area(foot.x() - width / 2 + aside * width - 3.0, top - 1.0, width + 6.0, height + 2.0);
-          if (room.isFree(area) && !room.crossesLine(area)) return area;
-        }
-      }
-    }
-    return {};
-  };
-  const auto place = findPlace();
-  if (!place) return;
-  room.take(*place);
-  painter.setPen(QPen(look_.faintInk, 0.8));
-  const bool above = place->center().y() < foot.y();
-  painter.drawLine(QPointF(foot.x(), foot.y() + (above ? -kMarkRadius : kMarkRadius)),
-                   QPointF(foot.x(), above ? place->bottom() : place->top()));
-  painter.setPen(look_.ink);
-  double base = place->top() + 1.0 + metrics.ascent();
-  for (const QString& line : mark.text) {
-    painter.drawText(QPointF(place->center().x() - metrics.horizontalAdvance(line) / 2, base), line);
-    base += metrics.height();
-  }
-}
-
-void ChartPainter::paintNote(QPainter& painter, const ChartNote& note, TextRoom& room) const {
-  const QFontMetricsF metrics(painter.font());
-  const view::Lines part = view::clipped({{note.start, note.end}}, room.visible());
-  if (part.empty() || part.front().size() < 2) return;
-  const QPointF from = room.toPoint(part.front().front());
-  const QPointF to = room.toPoint(part.front().back());
-  const double run = std::hypot(to.x() - from.x(), to.y() - from.y());
-  const double width = metrics.horizontalAdvance(note.text);
-  const double angle = std::atan2(to.y() - from.y(), to.x() - from.x());
-  const QPointF along(std::cos(angle), std::sin(angle));
-  const QPointF across(-std::sin(angle), std::cos(angle));
-  const double size = metrics.ascent();
-  constexpr double kOff = 4.0;
-  const auto crossesLine = [&](QPointF centre) {
-    // In pieces, since the line below is as slanted as the text.
-    const double half = size / 2 - 1.0;
-    for (double at = -width / 2 + half; at <= width / 2; at += half) {
-      const QPointF piece = centre + at * along;
-      if (room.crossesLine(QRectF(piece - QPointF(half, half), QSizeF(2 * half, 2 * half)))) return true;
-    }
-    return false;
-  };
-  for (const bool mayCross : {false, true}) {
-    for (const double share : {0.5, 0.35, 0.65, 0.2, 0.8}) {
-      if (std::min(share, 1.0 - share) * run < width / 2 + 2.0) continue;
-      for (const bool above : {true, false}) {
-        const double away = above ? -kOff : kOff + size;  // of the text's foot from the line
-        const QPointF centre = from + share * (to - from) + (away - size / 2) * across;
-        const double boxWidth = width * std::abs(along.x()) + size * std::abs(along.y());
-        const double boxHeight = width * std::abs(along.y()) + size * std::abs(along.x());
-        const QRectF area(centre - QPointF(boxWidth / 2, boxHeight / 2), QSizeF(boxWidth, boxHeight));
-        if (!room.isFree(area) || (!mayCross && crossesLine(centre))) continue;
-        room.take(area);
-        painter.save();
-        painter.translate(from + share * (to - from));
-        painter.rotate(angle * 180.0 / civil::kPi);
-        painter.drawText(QPointF(-width / 2, away), note.text);
-        painter.restore();
-        return;
-      }
-    }
-  }
-}
-
 void ChartPainter::paintSample(QPainter& painter, const QRectF& area, const ChartPen& pen) const {
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(penOf(pen));
+  painter.setPen(look_.penOf(pen));
   painter.drawLine(QPointF(area.left() + 1.0, area.center().y()), QPointF(area.right() - 1.0, area.center().y()));
   painter.restore();
 }
@@ -703,8 +475,7 @@ void ChartPainter::paintTag(QPainter& painter, const QRectF& tag, const QString&
 void ChartPainter::paintCross(QPainter& painter, const QRectF& area, const view::Viewport& port, Vec2 place) const {
   const QRect plot = plotArea(area);
   const QFontMetricsF metrics(font_);
-  const Vec2 pixel = port.toPixels(place);
-  const QPointF at(plot.left() + pixel.x, plot.top() + pixel.y);
+  const QPointF at = pointOf(plot, port, place);
   painter.save();
   painter.setFont(font_);
   painter.setPen(QPen(look_.faintInk, 1.0, Qt::DotLine));
@@ -738,8 +509,7 @@ void ChartPainter::paintSnap(QPainter& painter, const QRectF& area, const view::
                              const QString& text) const {
   const QRect plot = plotArea(area);
   const QFontMetricsF metrics(font_);
-  const Vec2 pixel = port.toPixels(place);
-  const QPointF at(plot.left() + pixel.x, plot.top() + pixel.y);
+  const QPointF at = pointOf(plot, port, place);
   painter.save();
   painter.setFont(font_);
   painter.setRenderHint(QPainter::Antialiasing);

@@ -1,35 +1,16 @@
 #pragma once
 
-#include <QColor>
 #include <QFont>
-#include <QPalette>
 #include <QRectF>
-#include <optional>
 #include <vector>
 
 #include "desktop/charts/chart.h"
+#include "desktop/charts/chart_look.h"
 #include "view/viewport.h"
 
 class QPainter;
 
 namespace lvx::desktop {
-
-/// The colours of a chart.
-struct ChartLook {
-  QColor paper;
-  QColor ink;
-  QColor faintInk;  ///< titles of axes, tangents
-  QColor grid;
-  QColor fineGrid;
-  QColor highlight;
-  std::vector<QColor> palette;
-
-  /// As the windows look, light or dark.
-  [[nodiscard]] static ChartLook ofWindow(const QPalette& palette);
-  /// Black on white.
-  [[nodiscard]] static ChartLook printed();
-  [[nodiscard]] QColor colourOf(const ChartPen& pen) const;
-};
 
 /// Paints charts, to windows, pictures, SVG and PDF alike. All sizes are in units of 1/96 inch; a painter for a finer
 /// device is scaled to that before.
@@ -80,12 +61,8 @@ class ChartPainter {
   void paintBand(QPainter& painter, const QRect& plot, const view::Viewport& port) const;
   void paintSeries(QPainter& painter, const QRect& plot, const view::Viewport& port, const ChartSeries& series,
                    bool isHighlighted) const;
-  class TextRoom;
-  void paintMarkText(QPainter& painter, const ChartMark& mark, TextRoom& room) const;
-  void paintNote(QPainter& painter, const ChartNote& note, TextRoom& room) const;
-  void paintTexts(QPainter& painter, const QRect& plot, const view::Viewport& port) const;
+  void paintTangents(QPainter& painter, const QRect& plot, const view::Viewport& port, const ChartSeries& series) const;
   void paintTag(QPainter& painter, const QRectF& tag, const QString& text) const;
-  [[nodiscard]] QPen penOf(const ChartPen& pen) const;
   [[nodiscard]] bool hasBand() const { return !chart_.elements.empty(); }
 
   const Chart& chart_;

@@ -93,14 +93,15 @@ class ChartView : public QWidget {
 
  private:
   friend class ChartCanvas;
+  [[nodiscard]] QHBoxLayout* buildRow();
+  [[nodiscard]] QBoxLayout* buildMiddle();
+  void connectControls();
   void fillLegend();
   void retitle();
   void askExport();
   void copyPicture() const;
   void pointAt(std::optional<civil::Vec2> place);
   void showMenu(QPoint global);
-  [[nodiscard]] QByteArray svgPage() const;
-  [[nodiscard]] QByteArray pdfPage() const;
 
   Chart chart_;
   ChartCanvas* canvas_ = nullptr;

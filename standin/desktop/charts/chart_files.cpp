@@ -1,0 +1,116 @@
+#include "desktop/charts/chart_files.h"
+
+#include <QBuffer>
+#include <QFontMetricsF>
+#include <QPageLayout>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QSvgGenerator>
+#include <vector>
+
+#include "desktop/charts/chart_page.h"
+#include "desktop/charts/chart_painter.h"
+
+namespace lvx::desktop {
+
+namespace {
+
+constexpr double kGap = 8.0;
+constexpr double kSample = 32.0;
+
+double rowHeight(const QFontMetricsF& metrics) { return metrics.height() + 4.0; }
+
+struct LegendEntry {
+  QPointF at;
+  const ChartSeries* series;
+};
+
+/// The legend's entries in rows from `top` on.
+std::vector<LegendEntry> legendOf(const Chart& chart, const QFontMetricsF& metrics, double top, double width) {
+  std::vector<LegendEntry> entries;
+  QPointF next(kGap, top);
+  for (const ChartSeries& series : chart.series) {
+    if (!series.isShown || series.lines.empty()) continue;
+    const double needed = kSample + metrics.horizontalAdvance(series.name) + 3 * kGap;
+    if (next.x() > kGap && next.x() + needed > width) next = {kGap, next.y() + rowHeight(metrics)};
+    entries.push_back({next, &series});
+    next.rx() += needed;
+  }
+  return entries;
+}
+
+}  // namespace
+
+QByteArray svgOf(const ChartPage& page, const Chart& chart) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  QSvgGenerator generator;
+  generator.setOutputDevice(&buffer);
+  generator.setTitle(chart.title);
+  generator.setDescription(chart.subtitle + QStringLiteral("\n") + chart.fileName);
+  // A hundredth of a millimetre to a dot, so that the sheet's size and its scale are true.
+  constexpr int kDots = 100;
+  generator.setResolution(static_cast<int>(25.4 * kDots));
+  const QSize dots = (page.size() * kDots).toSize();
+  generator.setSize(dots);
+  generator.setViewBox(QRect(QPoint(0, 0), dots));
+  QPainter painter(&generator);
+  painter.scale(kDots * 25.4 / 96.0, kDots * 25.4 / 96.0);
+  page.paint(painter);
+  painter.end();
+  return bytes;
+}
+
+QByteArray pdfOf(const ChartPage& page, const Chart& chart) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  QPdfWriter writer(&buffer);
+  constexpr int kResolution = 1200;
+  writer.setResolution(kResolution);
+  writer.setTitle(chart.title);
+  writer.setPageLayout(QPageLayout(QPageSize(page.isA3() ? QPageSize::A3 : QPageSize::A4), QPageLayout::Landscape,
+                                   QMarginsF(0.0, 0.0, 0.0, 0.0)));
+  QPainter painter(&writer);
+  painter.scale(kResolution / 96.0, kResolution / 96.0);
+  page.paint(painter);
+  painter.end();
+  return bytes;
+}
+
+QImage pictureOf(const Chart& chart, const QFont& text, const QSize& canvas, const PaintCanvas& paintCanvas) {
+  constexpr double kSharp = 2.0;
+  const ChartLook look = ChartLook::printed();
+  QFont title = text;
+  title.setBold(true);
+  title.setPixelSize(text.pixelSize() * 5 / 4);
+  const QFontMetricsF metrics(text);
+  const QFontMetricsF titleMetrics(title);
+  const double width = canvas.width();
+  const double row = rowHeight(metrics);
+
+  const std::vector<LegendEntry> entries = legendOf(chart, metrics, kGap + titleMetrics.height() + kGap / 2, width);
+  const double foot = entries.empty() ? kGap + titleMetrics.height() + kGap / 2 : entries.back().at.y();
+  const double head = foot + row;
+  const QSizeF size(width, head + canvas.height());
+  QImage image((size * kSharp).toSize(), QImage::Format_RGB32);
+  image.setDevicePixelRatio(kSharp);
+  image.fill(look.paper);
+  QPainter painter(&image);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(look.ink);
+  painter.setFont(title);
+  painter.drawText(QPointF(kGap, kGap + titleMetrics.ascent()),
+                   titleMetrics.elidedText(chart.title, Qt::ElideRight, width - 2 * kGap));
+  painter.setFont(text);
+  const ChartPainter samples(chart, look, text);
+  for (const LegendEntry& entry : entries) {
+    samples.paintSample(painter, QRectF(entry.at, QSizeF(kSample, row)), entry.series->pen);
+    painter.setPen(look.ink);
+    painter.drawText(entry.at + QPointF(kSample + kGap / 2, 2.0 + metrics.ascent()), entry.series->name);
+  }
+  paintCanvas(painter, QRectF(0.0, head, width, canvas.height()), look);
+  return image;
+}
+
+}  // namespace lvx::desktop
