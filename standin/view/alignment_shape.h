@@ -6,7 +6,8 @@
 #include "civil/alignment.h"
 #include "view/plan_shapes.h"
 
-/// How an alignment looks in the plan: what shows of it, fine enough for the eye, and its stations.
+/// How an alignment looks in the plan: what shows of it, fine enough for the eye, and its stations. Lengths and stations in
+/// drawing units, directions in radians.
 namespace lvx::view {
 
 /// A mark at a round station.
@@ -29,21 +30,23 @@ struct TickSteps {
   int decimals = 0;
 };
 
-/// Minor marks at least 8 pixels apart, labels at least 70, down to a thousandth. `scale`: pixels a drawing unit.
+/// Minor marks at least 8 pixels apart, labels at least 70, down to a thousandth. `scale`: pixels a drawing unit, above 0.
 [[nodiscard]] TickSteps tickSteps(double scale);
 
 /// The smallest box around the alignment; empty where it has no element with a length.
+/// O(elements).
 [[nodiscard]] civil::Box boxAround(const civil::Alignment& alignment);
 
 /// The parts of the alignment that may be seen in `visible`, as lines that keep within `tolerance` of it, between the
 /// stations `from` and `to`. Lines have their ends only. What lies outside is cut off near the box, so that no vertex
 /// is farther from it than about its diagonal. Gaps between elements stay gaps. Without a positive tolerance, and for
-/// an empty box, nothing.
+/// an empty box, nothing. O(elements + vertices), and an arc has as many vertices as its part in the box needs, however
+/// large it is.
 [[nodiscard]] Lines polylines(const civil::Alignment& alignment, const civil::Box& visible, double tolerance,
                               double from, double to);
 [[nodiscard]] Lines polylines(const civil::Alignment& alignment, const civil::Box& visible, double tolerance);
 
-/// The marks of what may be seen, ascending by station. `scale`: pixels a drawing unit.
+/// The marks of what may be seen, ascending by station. `scale`: pixels a drawing unit, above 0. O(elements + marks).
 [[nodiscard]] std::vector<Tick> ticks(const civil::Alignment& alignment, const civil::Box& visible, double scale);
 
 }  // namespace lvx::view

@@ -9,7 +9,8 @@
 namespace lvx::view {
 
 /// Finds the items in a box, where neighbours in the row of items are neighbours on the ground: boxes over runs of
-/// items, boxes over runs of these, and so on. Costs 34 bytes a run.
+/// items, boxes over runs of these, and so on. Costs 34 bytes a run. Building is O(items); a
+/// query O(log runs + runs that meet the box), where the items lie along a curve that fills the plane.
 class BoxTree {
  public:
   BoxTree() = default;

@@ -36,6 +36,17 @@ Box grown(const Box& box, double by) {
   return {box.minX - by, box.minY - by, box.maxX + by, box.maxY + by};
 }
 
+Box boxOf(Vec2 one, Vec2 other) {
+  return {std::min(one.x, other.x), std::min(one.y, other.y), std::max(one.x, other.x), std::max(one.y, other.y)};
+}
+
+Box withLeastExtent(const Box& box, double extent) {
+  const Vec2 centre{(box.minX + box.maxX) / 2, (box.minY + box.maxY) / 2};
+  const double half = extent / 2;
+  return {std::min(box.minX, centre.x - half), std::min(box.minY, centre.y - half), std::max(box.maxX, centre.x + half),
+          std::max(box.maxY, centre.y + half)};
+}
+
 bool holds(const Box& box, Vec2 point) {
   return point.x >= box.minX && point.x <= box.maxX && point.y >= box.minY && point.y <= box.maxY;
 }

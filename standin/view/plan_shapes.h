@@ -10,7 +10,7 @@
 #include "civil/drawing.h"
 #include "view/lines.h"
 
-/// The small parts that the plan is made of.
+/// The small parts that the plan is made of. Places and lengths in drawing units.
 namespace lvx::view {
 
 /// The user gave up what was being prepared.
@@ -40,11 +40,17 @@ class KindSet {
 void extend(civil::Box& box, const civil::Box& other);
 /// Points that aren't finite have no place.
 [[nodiscard]] civil::Box boxAround(std::span<const civil::Vec2> points);
+/// By `by` on each side; an empty one stays empty.
 [[nodiscard]] civil::Box grown(const civil::Box& box, double by);
+/// The box with two opposite corners, in any order.
+[[nodiscard]] civil::Box boxOf(civil::Vec2 one, civil::Vec2 other);
+/// The box with room around its middle up to `extent` across and up, where it has less. It isn't empty.
+[[nodiscard]] civil::Box withLeastExtent(const civil::Box& box, double extent);
 /// Borders count as within.
 [[nodiscard]] bool holds(const civil::Box& box, civil::Vec2 point);
 /// Whether all of `inner` lies in `outer`; an empty one lies nowhere.
 [[nodiscard]] bool holds(const civil::Box& outer, const civil::Box& inner);
+/// Whether they have a point in common, on a border too.
 [[nodiscard]] bool meet(const civil::Box& a, const civil::Box& b);
 /// Whether the segment has a point in the box.
 [[nodiscard]] bool meets(const civil::Box& box, civil::Vec2 a, civil::Vec2 b);
@@ -53,7 +59,8 @@ void extend(civil::Box& box, const civil::Box& other);
 
 // ---------------------------------------------------------------- lines
 
-/// Lines that are drawn and searched often: kept in one row and found by the boxes of their pieces.
+/// Lines that are drawn and searched often: kept in one row and found by the boxes of their pieces. A query costs the
+/// pieces and the vertices of those that meet what is asked for.
 class LineSet {
  public:
   /// Points that aren't finite are left out; a line of one point is a place that can be found but not seen.

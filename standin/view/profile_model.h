@@ -16,9 +16,9 @@
 ///       for (const view::ProfileLine& profile : picture->profiles) draw(profile.lines, profile.marks);
 namespace lvx::view {
 
-/// A curve's chords leave it by no more than this.
+/// A curve's chords leave it by no more than this, drawing units of elevation.
 inline constexpr double kProfileChordError = 0.0005;
-/// The chords along which surfaces are sampled leave the axis by no more than this.
+/// The chords along which surfaces are sampled leave the axis by no more than this, drawing units in plan.
 inline constexpr double kAxisChordError = 0.01;
 
 /// A point of vertical intersection.
@@ -103,11 +103,12 @@ struct ProfileModel {
   /// The nearest profile at most one reach away, by its index; of equals the first, which is drawn on top.
   [[nodiscard]] std::optional<std::size_t> hit(civil::Vec2 place, civil::Vec2 reach,
                                                const std::function<bool(std::size_t index)>& isShown = {}) const;
-  /// The element at a station; at a joint the later one.
+  /// The element at a station; at a joint the later one; null beyond the axis and in a gap. O(elements).
   [[nodiscard]] const AxisElement* elementAt(double station) const;
 };
 
-/// The profiles of an alignment; empty where the drawing has no such alignment.
+/// The profiles of an alignment; empty where the drawing has no such alignment. O(points of its profiles and the chords
+/// of their curves); no surface is sampled.
 [[nodiscard]] std::optional<ProfileModel> profilesOf(const civil::Drawing& drawing, civil::Handle alignment);
 
 /// The ground of a surface along an axis, over its stations, in pieces where the axis leaves the surface. Costs what

@@ -4,11 +4,7 @@
 #include <compare>
 #include <cstdint>
 #include <functional>
-#include <list>
 #include <memory>
-#include <mutex>
-#include <optional>
-#include <unordered_map>
 #include <vector>
 
 #include "civil/tin_surface.h"
@@ -23,6 +19,10 @@
 ///     const auto tile = tiles.render({level, range.left, range.top}, look);
 ///     tiles.boxOf({level, range.left, range.top});                // where it belongs in the drawing
 namespace lvx::view {
+
+namespace detail {
+class Raster;
+}
 
 enum class SurfaceStyle : std::uint8_t { Relief, Heights };
 
@@ -96,18 +96,22 @@ class SurfaceTiles {
   [[nodiscard]] double lowElevation() const { return low_; }
   [[nodiscard]] double highElevation() const { return high_; }
 
-  /// Null if `cancel` was set before the tile was done.
+  /// Null if `cancel` was set before the tile was done. O(log triangles + triangles and pixels of the tile).
   [[nodiscard]] std::shared_ptr<const Tile> render(const TileAddress& address, const SurfaceLook& look,
                                                    const CancelFlag* cancel = nullptr) const;
-  /// The same for any rectangle at any scale, into width * height pixels. False if cancelled.
+  /// The same for any rectangle at any scale, into width * height pixels. False if cancelled. Works in 16 bytes a pixel.
   bool render(const PixelArea& area, const SurfaceLook& look, std::uint32_t* pixels,
               const CancelFlag* cancel = nullptr) const;
 
+  /// Memory beside the surface's own.
   [[nodiscard]] std::size_t bytes() const;
 
  private:
   bool render(const PixelArea& area, const SurfaceLook& look, std::uint32_t* pixels, bool& hasGround,
               const CancelFlag* cancel) const;
+  /// Triangles into the area's pixels; false if cancelled.
+  bool fill(detail::Raster& raster, const PixelArea& area, const SurfaceLook& look, const CancelFlag* cancel) const;
+  void findHeightRange();
 
   const civil::TinSurface* surface_;
   std::size_t groundCount_ = 0;
@@ -120,56 +124,5 @@ class SurfaceTiles {
 
 /// The colour of an elevation's part of the range (0 lowest, 1 highest) on level ground, for a legend: 0xffRRGGBB.
 [[nodiscard]] std::uint32_t heightColour(double part, bool isDark);
-
-// ---------------------------------------------------------------- cache
-
-struct TileKey {
-  std::uint32_t surface = 0;  ///< number of the surface in its scene
-  TileAddress address;
-  SurfaceLook look;
-  bool operator==(const TileKey&) const = default;
-};
-
-/// A tile that is coarser than wanted, and the square of it that stands for the wanted one.
-struct CoarserTile {
-  std::shared_ptr<const Tile> tile;
-  double left = 0.0;  ///< pixels
-  double top = 0.0;
-  double size = 0.0;
-};
-
-/// The tiles drawn last, up to a number of bytes. Safe for threads: one draws while another shows.
-class TileCache {
- public:
-  static constexpr std::size_t kDefaultLimit = std::size_t{32} << 20;
-
-  explicit TileCache(std::size_t byteLimit = kDefaultLimit) : limit_(byteLimit) {}
-
-  /// Null where it isn't held. Finding counts as use.
-  [[nodiscard]] std::shared_ptr<const Tile> find(const TileKey& key);
-  /// The tile of the nearest coarser level that covers this one, up to `levels` above; it counts as used.
-  [[nodiscard]] std::optional<CoarserTile> findCoarser(const TileKey& key, int levels = 6);
-  /// Tiles used longest ago go first; the new one stays even if it is too large alone. Null is passed over.
-  void insert(const TileKey& key, std::shared_ptr<const Tile> tile);
-  void clear();
-  [[nodiscard]] std::size_t bytes() const;
-  [[nodiscard]] std::size_t count() const;
-
- private:
-  struct Hash {
-    std::size_t operator()(const TileKey& key) const;
-  };
-  struct Entry {
-    TileKey key;
-    std::shared_ptr<const Tile> tile;
-  };
-  std::shared_ptr<const Tile> findLocked(const TileKey& key);
-
-  mutable std::mutex mutex_;
-  std::size_t limit_;
-  std::size_t bytes_ = 0;
-  std::list<Entry> entries_;  // the latest used first
-  std::unordered_map<TileKey, std::list<Entry>::iterator, Hash> places_;
-};
 
 }  // namespace lvx::view

@@ -15,6 +15,7 @@
 #include "gtest/gtest.h"
 #include "support/random_numbers.h"
 #include "view/surface_border.h"
+#include "view/tile_cache.h"
 
 namespace lvx::view {
 namespace {

@@ -60,11 +60,6 @@ void ChartCanvas::setHighlighted(int index) {
   changed();
 }
 
-void ChartCanvas::setMark(std::optional<double> x) {
-  mark_ = x;
-  update();
-}
-
 void ChartCanvas::changed() {
   isStale_ = true;
   update();
@@ -107,7 +102,6 @@ void ChartCanvas::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.drawPixmap(0, 0, picture_);
   if (isEmpty()) return;
-  if (mark_) chart.paintMark(painter, rect(), port_, *mark_);
   if (!mouse_ || isDragging_) return;
   chart.paintCross(painter, rect(), port_, *mouse_);
   if (const auto snap = owner_.snap(*mouse_, reach())) chart.paintSnap(painter, rect(), port_, snap->place, snap->text);

@@ -29,7 +29,6 @@ class ChartCanvas final : public QWidget {
   /// 0: the largest that has room.
   void setExaggeration(double factor);
   void setHighlighted(int index);
-  void setMark(std::optional<double> x);
   /// What stands still has to be painted anew.
   void changed();
   /// After another chart came, or its lines changed.
@@ -71,7 +70,6 @@ class ChartCanvas final : public QWidget {
   bool isStale_ = true;
   QPixmap picture_;
   std::optional<civil::Vec2> mouse_;
-  std::optional<double> mark_;
   std::optional<QPointF> pressed_;
   QPointF last_;
   Qt::MouseButton pressedButton_ = Qt::NoButton;

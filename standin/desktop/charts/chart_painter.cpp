@@ -50,6 +50,41 @@ std::vector<double> multiples(double step, double from, double to) {
   return places;
 }
 
+/// What stands at an element of the axis where there is room, and what where there is less.
+QStringList bandTexts(const view::AxisElement& element) {
+  QString size;
+  switch (element.kind) {
+    case civil::ElementKind::Line:
+    case civil::ElementKind::Bloss:
+    case civil::ElementKind::Cosine:
+    case civil::ElementKind::Biquadratic:
+    case civil::ElementKind::Sinusoid:
+      break;
+    case civil::ElementKind::Arc:
+      size = QStringLiteral("R=") + toQt(text::shortText(1.0 / std::abs(element.startCurvature)));
+      break;
+    case civil::ElementKind::Clothoid:
+      size = QStringLiteral("A=") + toQt(text::shortText(element.parameter()));
+      break;
+  }
+  const QString length = QStringLiteral("L=") + toQt(text::shortText(element.length()));
+  return size.isEmpty() ? QStringList{length} : QStringList{size + QStringLiteral("  ") + length, size};
+}
+
+/// Between `from` and `to`, above or below the band's `middle`.
+void paintBandText(QPainter& painter, const view::AxisElement& element, double from, double to, double middle) {
+  const QFontMetricsF metrics(painter.font());
+  // In the half that the picture of the turn leaves free.
+  const double turn = element.startCurvature + element.endCurvature;
+  const double base = turn > 0.0 ? middle - 5.0 : middle + metrics.ascent() + 3.0;
+  for (const QString& text : bandTexts(element)) {
+    const double width = metrics.horizontalAdvance(text);
+    if (width + kRoom > to - from) continue;
+    painter.drawText(QPointF((from + to - width) / 2, base), text);
+    break;
+  }
+}
+
 /// Where a place of the drawing stands on the paper.
 QPointF pointOf(const QRect& plot, const view::Viewport& port, Vec2 place) {
   const Vec2 pixel = port.toPixels(place);
@@ -303,11 +338,11 @@ void ChartPainter::paintAxes(QPainter& painter, const QRectF& area, const QRect&
   }
 }
 
-// The usual curvature picture: straight in the middle, turns to the right above it, to the left below, clothoids aslant, other transitions by their laws.
+// The usual curvature picture: straight in the middle, turns to the right above it, to the left below, clothoids aslant,
+// other transitions by their laws.
 void ChartPainter::paintBand(QPainter& painter, const QRect& plot, const view::Viewport& port) const {
   QFont small = font_;
   small.setPixelSize(std::max(font_.pixelSize() - 1, 8));
-  const QFontMetricsF metrics(small);
   painter.save();
   painter.setFont(small);
   const QRectF band(plot.left(), plot.top() + plot.height(), plot.width(), kBandHeight);
@@ -350,35 +385,8 @@ void ChartPainter::paintBand(QPainter& painter, const QRect& plot, const view::V
     }
     curvature << QPointF(to, heightAt(end));
     painter.drawPolyline(curvature);
-
-    QString size;
-    switch (element.kind) {
-      case civil::ElementKind::Line:
-      case civil::ElementKind::Bloss:
-      case civil::ElementKind::Cosine:
-      case civil::ElementKind::Biquadratic:
-      case civil::ElementKind::Sinusoid:
-        break;
-      case civil::ElementKind::Arc:
-        size = QStringLiteral("R=") + toQt(text::shortText(1.0 / std::abs(element.startCurvature)));
-        break;
-      case civil::ElementKind::Clothoid:
-        size = QStringLiteral("A=") + toQt(text::shortText(element.parameter()));
-        break;
-    }
-    const QString length = QStringLiteral("L=") + toQt(text::shortText(element.length()));
-    // In the half that the picture of the turn leaves free.
-    const double turn = element.startCurvature + element.endCurvature;
-    const double base = turn > 0.0 ? middle - 5.0 : middle + metrics.ascent() + 3.0;
-    const QStringList texts =
-        size.isEmpty() ? QStringList{length} : QStringList{size + QStringLiteral("  ") + length, size};
-    for (const QString& text : texts) {
-      const double width = metrics.horizontalAdvance(text);
-      if (width + kRoom > to - from) continue;
-      painter.setPen(look_.ink);
-      painter.drawText(QPointF((from + to - width) / 2, base), text);
-      break;
-    }
+    painter.setPen(look_.ink);
+    paintBandText(painter, element, from, to, middle);
   }
   painter.setPen(QPen(look_.ink, 1.0));
   painter.setBrush(Qt::NoBrush);
@@ -491,17 +499,6 @@ void ChartPainter::paintCross(QPainter& painter, const QRectF& area, const view:
   const double yWidth = metrics.horizontalAdvance(y) + kRoom;
   paintTag(painter, {plot.left() - yWidth - 2.0, at.y() - metrics.height() / 2 - 1.0, yWidth, metrics.height() + 2.0},
            y);
-  painter.restore();
-}
-
-void ChartPainter::paintMark(QPainter& painter, const QRectF& area, const view::Viewport& port, double x) const {
-  const QRect plot = plotArea(area);
-  const double at = port.toPixels({x, 0.0}).x;
-  if (!(at >= 0.0 && at <= plot.width())) return;
-  painter.save();
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(look_.highlight, 1.6));
-  painter.drawLine(QPointF(plot.left() + at, plot.top()), QPointF(plot.left() + at, plot.bottom()));
   painter.restore();
 }
 

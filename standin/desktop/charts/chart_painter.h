@@ -36,8 +36,6 @@ class ChartPainter {
   void paintSample(QPainter& painter, const QRectF& area, const ChartPen& pen) const;
   /// The cross hair, with the values on the axes.
   void paintCross(QPainter& painter, const QRectF& area, const view::Viewport& port, civil::Vec2 place) const;
-  /// A station or offset that is marked from elsewhere.
-  void paintMark(QPainter& painter, const QRectF& area, const view::Viewport& port, double x) const;
   /// A point with its text beside it, inside the plot.
   void paintSnap(QPainter& painter, const QRectF& area, const view::Viewport& port, civil::Vec2 place,
                  const QString& text) const;

@@ -153,7 +153,6 @@ void ChartView::setExaggeration(double factor) {
 double ChartView::exaggeration() const { return canvas_->port().exaggeration(); }
 const view::Viewport& ChartView::viewport() const { return canvas_->port(); }
 QPoint ChartView::pixelOf(Vec2 place) const { return canvas_->pixelOf(place); }
-void ChartView::setMark(std::optional<double> x) { canvas_->setMark(x); }
 void ChartView::setHighlighted(int index) { canvas_->setHighlighted(index); }
 
 void ChartView::setChart(Chart chart, bool keepsPlace) {
@@ -281,7 +280,6 @@ bool ChartView::exportTo(const QString& path, QString& whyNot) {
     whyNot = tr("%1 can't be written: %2.").arg(shown, file.errorString());
     return false;
   }
-  Q_EMIT exported(path);
   return true;
 }
 

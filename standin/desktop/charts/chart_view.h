@@ -42,8 +42,6 @@ class ChartView : public QWidget {
   [[nodiscard]] const view::Viewport& viewport() const;
   /// Where a place lies on the canvas (object name "canvas").
   [[nodiscard]] QPoint pixelOf(civil::Vec2 place) const;
-  /// Draws a line at an x that is pointed at elsewhere; empty for none.
-  void setMark(std::optional<double> x);
 
   /// Writes the whole chart, as its legend is ticked, as a page in print colours: by the name's end .svg or .pdf. The
   /// file that was there stays whole unless the new one is complete. False, with the reason to show, where it can't be
@@ -56,7 +54,6 @@ class ChartView : public QWidget {
   /// Where the mouse is.
   void mouseAt(QPointF place);
   void mouseGone();
-  void exported(const QString& path);
 
  protected:
   explicit ChartView(QWidget* parent);

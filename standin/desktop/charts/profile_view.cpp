@@ -51,6 +51,31 @@ void ProfileView::clear() {
   setChart(std::move(chart));
 }
 
+ChartSeries ProfileView::seriesOf(const view::ProfileLine& profile, const ChartPen& pen) {
+  ChartSeries series;
+  series.handle = profile.handle;
+  series.name = toQt(profile.name);
+  series.pen = pen;
+  series.lines = profile.lines;
+  for (const view::ProfileMark& point : profile.marks) {
+    ChartMark mark;
+    mark.place = point.place;
+    mark.curveStart = point.curveStart;
+    mark.curveEnd = point.curveEnd;
+    mark.isTextAbove = point.isCrest();
+    mark.text = {toQt(text::stationText(point.place.x)), toQt(text::fixedText(point.place.y))};
+    if (point.lengthOut > 0.0)
+      mark.text.append(tr("L=%1 + %2").arg(sizeText(point.length), sizeText(point.lengthOut)));
+    else if (point.length > 0.0)
+      mark.text.append(tr("L=%1").arg(sizeText(point.length)));
+    if (point.radius > 0.0) mark.text.append(tr("R=%1").arg(sizeText(point.radius)));
+    series.marks.push_back(std::move(mark));
+  }
+  for (const view::ProfileTangent& tangent : profile.tangents)
+    series.notes.push_back({tangent.start, tangent.end, gradeText(tangent.grade)});
+  return series;
+}
+
 void ProfileView::show(const civil::Drawing& drawing, civil::Handle alignment) {
   auto model = view::profilesOf(drawing, alignment);
   if (!model) {
@@ -76,28 +101,7 @@ void ProfileView::show(const civil::Drawing& drawing, civil::Handle alignment) {
   std::size_t designs = 0;
   std::size_t grounds = 0;
   for (const view::ProfileLine& profile : model_->profiles) {
-    ChartSeries series;
-    series.handle = profile.handle;
-    series.name = toQt(profile.name);
-    series.pen = profile.isGround ? groundPen(grounds++) : designPen(designs++);
-    series.lines = profile.lines;
-    for (const view::ProfileMark& point : profile.marks) {
-      ChartMark mark;
-      mark.place = point.place;
-      mark.curveStart = point.curveStart;
-      mark.curveEnd = point.curveEnd;
-      mark.isTextAbove = point.isCrest();
-      mark.text = {toQt(text::stationText(point.place.x)), toQt(text::fixedText(point.place.y))};
-      if (point.lengthOut > 0.0)
-        mark.text.append(tr("L=%1 + %2").arg(sizeText(point.length), sizeText(point.lengthOut)));
-      else if (point.length > 0.0)
-        mark.text.append(tr("L=%1").arg(sizeText(point.length)));
-      if (point.radius > 0.0) mark.text.append(tr("R=%1").arg(sizeText(point.radius)));
-      series.marks.push_back(std::move(mark));
-    }
-    for (const view::ProfileTangent& tangent : profile.tangents)
-      series.notes.push_back({tangent.start, tangent.end, gradeText(tangent.grade)});
-    chart.series.push_back(std::move(series));
+    chart.series.push_back(seriesOf(profile, profile.isGround ? groundPen(grounds++) : designPen(designs++)));
   }
   for (const view::ProfileSurface& surface : model_->surfaces) {
     ChartSeries series;

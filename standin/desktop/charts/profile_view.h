@@ -38,6 +38,8 @@ class ProfileView final : public ChartView {
   [[nodiscard]] QString exportName() const override;
 
  private:
+  [[nodiscard]] static ChartSeries seriesOf(const view::ProfileLine& profile, const ChartPen& pen);
+
   std::optional<view::ProfileModel> model_;
   civil::Handle selected_ = 0;
 };

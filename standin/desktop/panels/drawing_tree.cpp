@@ -79,123 +79,128 @@ void DrawingTreeModel::setFilter(const QString& text) {
   endResetModel();
 }
 
-void DrawingTreeModel::rebuild() {
-  using civil::AlignmentObject;
-  root_ = std::make_unique<Node>();
-  root_->made = true;
-  found_ = 0;
-  if (drawing_ == nullptr) return;
+/// The rows of a drawing's parts. Each makes its children when they are looked at.
+struct DrawingTreeModel::Rows {
+  /// A heading over `objects`, which `makeChildren` lists; it can't be opened where there are none.
+  template <class Objects>
+  static Node& addHeading(Node& into, const QString& text, const char* icon, const Objects& objects,
+                          std::function<void(Node&)> makeChildren) {
+    Node& heading = into.add(0, text, icon);
+    heading.isHeading = true;
+    heading.count = countOf(objects);
+    if (!objects.empty()) heading.makeChildren = std::move(makeChildren);
+    return heading;
+  }
 
-  const auto addAlignment = [](Node& into, const AlignmentObject& alignment) {
-    Node& node = into.add(alignment.handle, nameOf(alignment.name), "alignment");
-    node.tip = toQt(alignment.description);
-    if (alignment.profiles.empty() && alignment.sampleLineGroups.empty()) return;
-    node.makeChildren = [&alignment](Node& self) {
-      if (!alignment.profiles.empty()) {
-        Node& profiles = self.add(0, tr("Profiles"), "profile");
-        profiles.count = countOf(alignment.profiles);
-        profiles.isHeading = true;
-        profiles.makeChildren = [&alignment](Node& heading) {
-          for (const civil::ProfileObject& profile : alignment.profiles) {
-            Node& row = heading.add(profile.handle, nameOf(profile.name), "profile");
-            row.tip = profile.profile.isGround() ? tr("Ground") : tr("Design");
-          }
+  static void addProfiles(Node& into, const civil::AlignmentObject& alignment) {
+    if (alignment.profiles.empty()) return;
+    addHeading(into, DrawingTreeModel::tr("Profiles"), "profile", alignment.profiles, [&alignment](Node& heading) {
+      for (const civil::ProfileObject& profile : alignment.profiles) {
+        Node& row = heading.add(profile.handle, nameOf(profile.name), "profile");
+        row.tip = profile.profile.isGround() ? DrawingTreeModel::tr("Ground") : DrawingTreeModel::tr("Design");
+      }
+    });
+  }
+
+  static void addSampleLineGroups(Node& into, const civil::AlignmentObject& alignment) {
+    if (alignment.sampleLineGroups.empty()) return;
+    const auto& groups = alignment.sampleLineGroups;
+    addHeading(into, DrawingTreeModel::tr("Sample line groups"), "sample_line_group", groups, [&groups](Node& heading) {
+      for (const civil::SampleLineGroup& group : groups) {
+        Node& row = heading.add(group.handle, nameOf(group.name), "sample_line_group");
+        row.count = countOf(group.lines);
+        row.tip = toQt(group.description);
+        if (group.lines.empty()) continue;
+        row.makeChildren = [&group](Node& self) {
+          for (const civil::SampleLine& line : group.lines) self.add(line.handle, nameOf(line.name), "sample_line");
         };
       }
-      if (!alignment.sampleLineGroups.empty()) {
-        Node& groups = self.add(0, tr("Sample line groups"), "sample_line_group");
-        groups.count = countOf(alignment.sampleLineGroups);
-        groups.isHeading = true;
-        groups.makeChildren = [&alignment](Node& heading) {
-          for (const civil::SampleLineGroup& group : alignment.sampleLineGroups) {
-            Node& row = heading.add(group.handle, nameOf(group.name), "sample_line_group");
-            row.count = countOf(group.lines);
-            row.tip = toQt(group.description);
-            if (group.lines.empty()) continue;
-            row.makeChildren = [&group](Node& lines) {
-              for (const civil::SampleLine& line : group.lines)
-                lines.add(line.handle, nameOf(line.name), "sample_line");
-            };
-          }
-        };
-      }
-    };
-  };
+    });
+  }
 
-  Node& sites = root_->add(0, tr("Sites"), "site");
-  sites.isHeading = true;
-  sites.count = countOf(drawing_->sites);
-  if (!drawing_->sites.empty()) {
-    sites.makeChildren = [this, addAlignment](Node& heading) {
-      for (const civil::Site& site : drawing_->sites) {
+  static void addAlignments(Node& into, const civil::Site& site) {
+    for (const auto& alignment : site.alignments) {
+      Node& row = into.add(alignment->handle, nameOf(alignment->name), "alignment");
+      row.tip = toQt(alignment->description);
+      if (alignment->profiles.empty() && alignment->sampleLineGroups.empty()) continue;
+      row.makeChildren = [&object = *alignment](Node& self) {
+        addProfiles(self, object);
+        addSampleLineGroups(self, object);
+      };
+    }
+  }
+
+  static void addSites(Node& into, const civil::Drawing& drawing) {
+    addHeading(into, DrawingTreeModel::tr("Sites"), "site", drawing.sites, [&drawing](Node& heading) {
+      for (const civil::Site& site : drawing.sites) {
         Node& row = heading.add(site.handle, nameOf(site.name), "site");
         row.count = countOf(site.alignments);
         row.tip = toQt(site.description);
-        if (site.alignments.empty()) continue;
-        row.makeChildren = [&site, addAlignment](Node& self) {
-          for (const auto& alignment : site.alignments) addAlignment(self, *alignment);
-        };
+        if (!site.alignments.empty()) row.makeChildren = [&site](Node& self) { addAlignments(self, site); };
       }
-    };
+    });
+    const civil::Site& siteless = drawing.siteless;
+    if (!siteless.alignments.empty())
+      addHeading(into, DrawingTreeModel::tr("Alignments without a site"), "alignment", siteless.alignments,
+                 [&siteless](Node& heading) { addAlignments(heading, siteless); });
   }
-  if (!drawing_->siteless.alignments.empty()) {
-    Node& siteless = root_->add(0, tr("Alignments without a site"), "alignment");
-    siteless.isHeading = true;
-    siteless.count = countOf(drawing_->siteless.alignments);
-    siteless.makeChildren = [this, addAlignment](Node& heading) {
-      for (const auto& alignment : drawing_->siteless.alignments) addAlignment(heading, *alignment);
-    };
-  }
-  Node& surfaces = root_->add(0, tr("Surfaces"), "surface");
-  surfaces.isHeading = true;
-  surfaces.count = countOf(drawing_->surfaces);
-  if (!drawing_->surfaces.empty()) {
-    surfaces.makeChildren = [this](Node& heading) {
-      for (const civil::SurfaceObject& surface : drawing_->surfaces) {
+
+  static void addSurfaces(Node& into, const civil::Drawing& drawing) {
+    addHeading(into, DrawingTreeModel::tr("Surfaces"), "surface", drawing.surfaces, [&drawing](Node& heading) {
+      for (const civil::SurfaceObject& surface : drawing.surfaces) {
         Node& row = heading.add(surface.handle, nameOf(surface.name), "surface");
         const civil::TinSurface::Counts counts = surface.surface.counts();
-        row.count = tr("%1 triangles").arg(grouped(counts.triangles));
-        row.tip = tr("%1 points, %2 triangles, elevations %3 to %4")
+        row.count = DrawingTreeModel::tr("%1 triangles").arg(grouped(counts.triangles));
+        row.tip = DrawingTreeModel::tr("%1 points, %2 triangles, elevations %3 to %4")
                       .arg(grouped(counts.points), grouped(counts.triangles),
                            QString::number(surface.surface.minElevation(), 'f', 3),
                            QString::number(surface.surface.maxElevation(), 'f', 3));
       }
-    };
+    });
   }
-  Node& groups = root_->add(0, tr("Point groups"), "point_group");
-  groups.isHeading = true;
-  groups.count = countOf(drawing_->pointGroups);
-  groups.tip = tr("%1 points in the drawing").arg(countOf(drawing_->points));
-  if (!drawing_->pointGroups.empty()) {
-    groups.makeChildren = [this](Node& heading) {
-      for (const civil::PointGroup& group : drawing_->pointGroups) {
-        Node& row = heading.add(group.handle, nameOf(group.name), "point_group");
-        row.count = countOf(group.numbers);
-        row.tip = toQt(group.description);
-      }
-    };
+
+  static void addPointGroups(Node& into, const civil::Drawing& drawing) {
+    Node& groups = addHeading(into, DrawingTreeModel::tr("Point groups"), "point_group", drawing.pointGroups,
+                              [&drawing](Node& heading) {
+                                for (const civil::PointGroup& group : drawing.pointGroups) {
+                                  Node& row = heading.add(group.handle, nameOf(group.name), "point_group");
+                                  row.count = countOf(group.numbers);
+                                  row.tip = toQt(group.description);
+                                }
+                              });
+    groups.tip = DrawingTreeModel::tr("%1 points in the drawing").arg(countOf(drawing.points));
   }
-  Node& corridors = root_->add(0, tr("Corridors"), "corridor");
-  corridors.isHeading = true;
-  corridors.count = countOf(drawing_->corridors);
-  if (!drawing_->corridors.empty()) {
-    corridors.makeChildren = [this](Node& heading) {
-      for (const civil::Corridor& corridor : drawing_->corridors) {
+
+  static void addBaselines(Node& into, const civil::Corridor& corridor) {
+    for (const civil::Baseline& baseline : corridor.baselines) {
+      // A baseline is no object of the drawing; it is found by its alignment.
+      Node& row =
+          into.add(baseline.alignment == nullptr ? 0 : baseline.alignment->handle, nameOf(baseline.name), "alignment");
+      row.count = DrawingTreeModel::tr("%n region(s)", nullptr, static_cast<int>(baseline.regions.size()));
+    }
+  }
+
+  static void addCorridors(Node& into, const civil::Drawing& drawing) {
+    addHeading(into, DrawingTreeModel::tr("Corridors"), "corridor", drawing.corridors, [&drawing](Node& heading) {
+      for (const civil::Corridor& corridor : drawing.corridors) {
         Node& row = heading.add(corridor.handle, nameOf(corridor.name), "corridor");
         row.count = countOf(corridor.baselines);
         row.tip = toQt(corridor.description);
-        if (corridor.baselines.empty()) continue;
-        row.makeChildren = [&corridor](Node& self) {
-          for (const civil::Baseline& baseline : corridor.baselines) {
-            // A baseline is no object of the drawing; it is found by its alignment.
-            Node& line = self.add(baseline.alignment == nullptr ? 0 : baseline.alignment->handle, nameOf(baseline.name),
-                                  "alignment");
-            line.count = tr("%n region(s)", nullptr, static_cast<int>(baseline.regions.size()));
-          }
-        };
+        if (!corridor.baselines.empty()) row.makeChildren = [&corridor](Node& self) { addBaselines(self, corridor); };
       }
-    };
+    });
   }
+};
+
+void DrawingTreeModel::rebuild() {
+  root_ = std::make_unique<Node>();
+  root_->made = true;
+  found_ = 0;
+  if (drawing_ == nullptr) return;
+  Rows::addSites(*root_, *drawing_);
+  Rows::addSurfaces(*root_, *drawing_);
+  Rows::addPointGroups(*root_, *drawing_);
+  Rows::addCorridors(*root_, *drawing_);
   if (!filter_.isEmpty()) keepMatches(*root_, filter_);
 }
 

@@ -42,6 +42,7 @@ class DrawingTreeModel : public QAbstractItemModel {
 
  private:
   struct Node;
+  struct Rows;
   [[nodiscard]] Node* nodeOf(const QModelIndex& index) const;
   void expand(Node& node) const;
   bool keepMatches(Node& node, const QString& text);

@@ -173,14 +173,19 @@ void HelpWindow::makeTools() {
   connect(back, &QAction::triggered, browser_, &QTextBrowser::backward);
   connect(forward, &QAction::triggered, browser_, &QTextBrowser::forward);
   connect(home, &QAction::triggered, this, &HelpWindow::showContents);
-
   tools->addSeparator();
+  addZooms(*tools);
+  addFind(*tools);
+  addFindKeys();
+}
+
+void HelpWindow::addZooms(QToolBar& tools) {
   const auto addZoom = [&](const char* name, const QString& text, const QString& tip, const QList<QKeySequence>& keys) {
     auto* action = new QAction(text, this);
     action->setObjectName(QLatin1String(name));
     action->setToolTip(tip);
     action->setShortcuts(keys);
-    tools->addAction(action);
+    tools.addAction(action);
     return action;
   };
   const QAction* smaller =
@@ -193,22 +198,26 @@ void HelpWindow::makeTools() {
   connect(larger, &QAction::triggered, browser_, [this] {
     if (browser_->font().pointSizeF() < 32) browser_->zoomIn();
   });
+}
 
+void HelpWindow::addFind(QToolBar& tools) {
   auto* space = new QWidget;
   space->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-  tools->addWidget(space);
+  tools.addWidget(space);
   findResult_ = new QLabel;
   findResult_->setObjectName(QStringLiteral("helpFindResult"));
   findResult_->setMargin(4);
-  tools->addWidget(findResult_);
+  tools.addWidget(findResult_);
   findBox_ = new QLineEdit;
   findBox_->setObjectName(QStringLiteral("helpFind"));
   findBox_->setPlaceholderText(tr("Find in page"));
   findBox_->setClearButtonEnabled(true);
   findBox_->setMaximumWidth(220);
-  tools->addWidget(findBox_);
+  tools.addWidget(findBox_);
   connect(findBox_, &QLineEdit::textEdited, this, [this] { findResult_->clear(); });
+}
 
+void HelpWindow::addFindKeys() {
   const auto addKey = [&](const QList<QKeySequence>& keys, auto&& what) {
     auto* action = new QAction(this);
     action->setShortcuts(keys);

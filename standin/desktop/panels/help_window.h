@@ -10,6 +10,7 @@ class QAction;
 class QLabel;
 class QLineEdit;
 class QListWidget;
+class QToolBar;
 
 namespace lvx::desktop {
 
@@ -37,6 +38,9 @@ class HelpWindow final : public QWidget {
 
  private:
   void makeTools();
+  void addZooms(QToolBar& tools);
+  void addFind(QToolBar& tools);
+  void addFindKeys();
   void fillContents();
   void comeToFront();
   void open(const QUrl& page);

@@ -32,10 +32,7 @@ NoticeBar::NoticeBar(QWidget* parent)
     hide();
     Q_EMIT accepted();
   });
-  connect(second_, &QPushButton::clicked, this, [this] {
-    hide();
-    Q_EMIT dismissed();
-  });
+  connect(second_, &QPushButton::clicked, this, [this] { hide(); });
   colour();
   hide();
 }

@@ -17,7 +17,6 @@ class NoticeBar : public QFrame {
 
  Q_SIGNALS:
   void accepted();
-  void dismissed();
 
  protected:
   void changeEvent(QEvent* event) override;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QColor>
-#include <QFont>
 #include <QRectF>
 #include <QString>
 #include <unordered_map>
@@ -9,11 +8,10 @@
 
 #include "desktop/plan/halo_text.h"
 #include "desktop/plan/label_placer.h"
-#include "desktop/plan/plan_colours.h"
-#include "desktop/plan/plan_look.h"
-#include "desktop/plan/plan_selection.h"
+#include "desktop/plan/plan_frame.h"
 #include "view/plan_scene.h"
 #include "view/surface_tiles.h"
+#include "view/tile_cache.h"
 #include "view/viewport.h"
 
 class QPainter;
@@ -26,13 +24,7 @@ namespace lvx::desktop {
 ///     painter.paint(onImage, frame, cache, PlanPainter::Tiles::AllNow);   // a finished picture
 class PlanPainter {
  public:
-  struct Frame {
-    const view::PlanScene& scene;
-    const view::Viewport& viewport;  ///< in logical pixels
-    const PlanLook& look;
-    const PlanSelection* selected = nullptr;
-    QFont font;
-  };
+  using Frame = PlanFrame;
   enum class Tiles : std::uint8_t {
     AsThere,  ///< takes coarser or finer tiles where one isn't there, and some new labels a frame; never waits
     AllNow,   ///< draws all that isn't there
@@ -65,16 +57,11 @@ class PlanPainter {
     std::size_t index = 0;
   };
 
-  void paintTiles(QPainter& painter, const Frame& frame, view::TileCache& cache, Tiles tiles, Result& result);
   void paintLines(QPainter& painter, const Frame& frame);
   void paintSelected(QPainter& painter, const Frame& frame);
   void preparePoints(const Frame& frame);
   void paintPoints(QPainter& painter, const Frame& frame);
   void judgeCrowd(const view::Viewport& viewport);
-  void paintLabels(QPainter& painter, const Frame& frame, LabelPlacer& placer);
-  void labelAlignment(QPainter& painter, const Frame& frame, const view::AlignmentShape& shape, LabelPlacer& placer);
-  void labelSampleLines(QPainter& painter, const Frame& frame, LabelPlacer& placer);
-  void labelPoints(QPainter& painter, const Frame& frame, LabelPlacer& placer);
   void paintObject(QPainter& painter, const Frame& frame, civil::Handle handle, const QColor& colour, double width);
   void find(const view::PlanScene& scene);
 

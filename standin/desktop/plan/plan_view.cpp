@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QCursor>
-#include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -17,6 +16,7 @@
 #include "desktop/common/qt_text.h"
 #include "desktop/plan/object_names.h"
 #include "desktop/plan/plan_colours.h"
+#include "desktop/plan/plan_pointer.h"
 
 namespace lvx::desktop {
 
@@ -27,43 +27,20 @@ using civil::Vec2;
 
 namespace {
 
-/// How near the mouse must be to a thing, as far as the pick box reaches.
-constexpr double kPickRadius = 6.0;
 constexpr double kZoomStep = 1.25;
 constexpr double kWheelClick = 120.0;
 /// Of the window, for an arrow key.
 constexpr double kKeyPan = 1.0 / 8.0;
 constexpr std::chrono::milliseconds kHintTime{2500};
+/// Of the window, around an object that is shown alone.
+constexpr double kZoomMargin = 0.15;
+/// A point alone is shown with its neighbourhood, not at whatever scale there was; drawing units.
+constexpr double kLeastExtent = 20.0;
 
 Vec2 vec(QPointF point) { return {point.x(), point.y()}; }
 QPointF point(Vec2 place) { return {place.x, place.y}; }
-
-Box boxOf(Vec2 one, Vec2 other) {
-  return {std::min(one.x, other.x), std::min(one.y, other.y), std::max(one.x, other.x), std::max(one.y, other.y)};
-}
-
 bool isDragDistance(QPointF from, QPointF to) {
   return (to - from).manhattanLength() >= QGuiApplication::styleHints()->startDragDistance();
-}
-
-/// A cross with the box in which things are picked.
-QCursor pickCursor(double pixelRatio) {
-  constexpr int kSize = 41;
-  constexpr double kMiddle = kSize / 2.0;
-  QImage image(QSize(kSize, kSize) * pixelRatio, QImage::Format_ARGB32_Premultiplied);
-  image.setDevicePixelRatio(pixelRatio);
-  image.fill(Qt::transparent);
-  QPainter painter(&image);
-  for (const auto& [colour, width] : {std::pair(QColor(Qt::white), 3.0), std::pair(QColor(Qt::black), 1.0)}) {
-    painter.setPen(QPen(colour, width));
-    for (const double side : {-1.0, 1.0}) {
-      painter.drawLine(QPointF(kMiddle + side * kPickRadius, kMiddle), QPointF(kMiddle + side * 18.0, kMiddle));
-      painter.drawLine(QPointF(kMiddle, kMiddle + side * kPickRadius), QPointF(kMiddle, kMiddle + side * 18.0));
-    }
-    painter.drawRect(QRectF(kMiddle - kPickRadius, kMiddle - kPickRadius, 2 * kPickRadius, 2 * kPickRadius));
-  }
-  painter.end();
-  return QCursor(QPixmap::fromImage(image), kSize / 2, kSize / 2);
 }
 
 }  // namespace
@@ -126,14 +103,7 @@ void PlanView::zoomTo(Handle handle) {
   const std::optional<Box> box = scene_->boxOf(handle);
   if (!box || box->isEmpty()) return;
   showsAll_ = false;
-  constexpr double kRoom = 0.15;
-  // A point alone is shown with its neighbourhood, not at whatever scale there was.
-  constexpr double kLeastExtent = 20.0;
-  const Vec2 centre{(box->minX + box->maxX) / 2, (box->minY + box->maxY) / 2};
-  const double half = kLeastExtent / 2;
-  viewport_.show({std::min(box->minX, centre.x - half), std::min(box->minY, centre.y - half),
-                  std::max(box->maxX, centre.x + half), std::max(box->maxY, centre.y + half)},
-                 kRoom);
+  viewport_.show(view::withLeastExtent(*box, kLeastExtent), kZoomMargin);
   viewChanged();
 }
 
@@ -242,7 +212,7 @@ void PlanView::take(std::span<const Handle> handles, bool remove) {
 
 void PlanView::endRectangle(QPointF place, Qt::KeyboardModifiers modifiers) {
   const bool crossing = place.x() < cornerPixel().x();
-  const Box box = boxOf(*corner_, viewport_.toDrawing(vec(place)));
+  const Box box = view::boxOf(*corner_, viewport_.toDrawing(vec(place)));
   corner_.reset();
   if (const std::optional<view::KindSet> wanted = kinds(); scene_ && wanted)
     take(scene_->inside(box, crossing, *wanted), isRemoving_ || modifiers.testFlag(Qt::ShiftModifier));
@@ -526,7 +496,6 @@ QPointF PlanView::zoomPlace() const { return mouse_ ? *mouse_ : QRectF(rect()).c
 void PlanView::viewChanged() {
   if (mouse_ && !panFrom_ && !(press_ && press_->pans)) hover(*mouse_);
   invalidate();
-  Q_EMIT viewportChanged();
 }
 
 void PlanView::invalidate() {
@@ -594,15 +563,7 @@ void PlanView::paintEvent(QPaintEvent* event) {
 }
 
 void PlanView::paintRectangle(QPainter& painter) const {
-  const QPointF from = cornerPixel();
-  const bool crossing = mouse_->x() < from.x();
-  const PlanColours& colours = planColours(look_.dark);
-  QColor colour = crossing ? colours.crossing : colours.window;
-  painter.setRenderHint(QPainter::Antialiasing, false);
-  painter.setPen(QPen(colour, 1.4, crossing ? Qt::DashLine : Qt::SolidLine));
-  colour.setAlpha(46);
-  painter.setBrush(colour);
-  painter.drawRect(QRectF(from, *mouse_).normalized());
+  paintSelectionWindow(painter, cornerPixel(), *mouse_, planColours(look_.dark));
 }
 
 QStringList PlanView::pointerBox() const {
@@ -628,50 +589,12 @@ QString PlanView::pointerHint() const {
 }
 
 void PlanView::paintPointerBox(QPainter& painter) const {
-  const QStringList lines = pointerBox();
-  if (lines.isEmpty() || panFrom_ || (press_ && press_->pans)) return;
+  const PointerBox box{.lines = pointerBox(),
+                       .hasPrompt = mode_ != Mode::None && !prompt().isEmpty(),
+                       .hasHint = !pointerHint().isEmpty()};
+  if (box.lines.isEmpty() || panFrom_ || (press_ && press_->pans)) return;
   if (!mouse_ && mode_ == Mode::None) return;
-  constexpr double kPadding = 7.0;
-  constexpr QPointF kBeside(18.0, 18.0);
-  const PlanColours& colours = planColours(look_.dark);
-  QFont bold = font();
-  bold.setBold(true);
-  const bool hasPrompt = mode_ != Mode::None && !prompt().isEmpty();
-  const QFontMetricsF metrics(font());
-  const double line = metrics.height() + 2.0;
-  double across = 0.0;
-  for (const QString& text : lines) {
-    const bool isFirst = hasPrompt && &text == &lines.first();
-    across = std::max(across, (isFirst ? QFontMetricsF(bold) : metrics).horizontalAdvance(text));
-  }
-  QRectF box(0, 0, std::min(across + 2 * kPadding, width() - 8.0),
-             line * static_cast<double>(lines.size()) + 2 * kPadding - 2.0);
-  // Right below the pointer; on its other side where the window ends. Without a pointer in the view, in its corner.
-  QPointF corner(12.0, 12.0);
-  if (mouse_) {
-    corner = *mouse_ + kBeside;
-    if (corner.x() + box.width() > width() - 4.0) corner.setX(mouse_->x() - kBeside.x() - box.width());
-    if (corner.y() + box.height() > height() - 4.0) corner.setY(mouse_->y() - kBeside.y() - box.height());
-    corner.setX(std::clamp(corner.x(), 4.0, std::max(4.0, width() - 4.0 - box.width())));
-    corner.setY(std::clamp(corner.y(), 4.0, std::max(4.0, height() - 4.0 - box.height())));
-  }
-  box.moveTopLeft(corner);
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(colours.boxFrame, 1.0));
-  painter.setBrush(colours.boxFill);
-  painter.drawRoundedRect(box, 5, 5);
-  const bool hasHint = !pointerHint().isEmpty();
-  double baseline = box.top() + kPadding + metrics.ascent();
-  for (const QString& text : lines) {
-    const bool isFirst = hasPrompt && &text == &lines.first();
-    const bool isHint = hasHint && &text == &lines.last();
-    painter.setFont(isFirst ? bold : font());
-    painter.setPen(isHint ? colours.quietText : colours.text);
-    painter.drawText(QPointF(box.left() + kPadding, baseline),
-                     painter.fontMetrics().elidedText(text, Qt::ElideRight,
-                                                      static_cast<int>(std::ceil(box.width() - 2 * kPadding)) + 1));
-    baseline += line;
-  }
+  lvx::desktop::paintPointerBox(painter, QRectF(rect()), box, mouse_, font(), planColours(look_.dark));
 }
 
 }  // namespace lvx::desktop

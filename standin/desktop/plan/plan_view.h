@@ -86,8 +86,6 @@ class PlanView : public QWidget {
   void gaveUp();
   /// What the user is asked; empty when the interaction ends.
   void promptChanged(const QString& prompt);
-  /// The part that shows has changed.
-  void viewportChanged();
 
  protected:
   bool event(QEvent* event) override;

@@ -11,6 +11,7 @@
 
 #include "view/plan_scene.h"
 #include "view/surface_tiles.h"
+#include "view/tile_cache.h"
 
 namespace lvx::desktop {
 

@@ -193,15 +193,16 @@ bool Document::saveTo(const QString& target) {
                   tr("The file was changed by another program since it was opened, and saving would undo that."));
     return false;
   }
+  const QString from = file_.readablePath();
   QString problem;
   bool isCancelled = false;
   try {
-    write(target);
+    write(from, target);
   } catch (const landxml::Cancelled&) {
     isCancelled = true;
   } catch (const landxml::SaveError& error) {
     // The user knows what was opened by its path, whatever it was read under.
-    const bool isOwn = error.file() == QFile::encodeName(file_.readablePath()).toStdString();
+    const bool isOwn = error.file() == QFile::encodeName(from).toStdString();
     problem = toQt(isOwn ? error.description(toUtf8(path())) : error.description());
   } catch (const std::exception& error) {
     problem = toQt(std::string(error.what()));
@@ -225,8 +226,8 @@ bool Document::saveTo(const QString& target) {
   return true;
 }
 
-void Document::write(const QString& target) {
-  const std::string sourcePath = QFile::encodeName(file_.readablePath()).toStdString();
+void Document::write(const QString& from, const QString& target) {
+  const std::string sourcePath = QFile::encodeName(from).toStdString();
   const std::string targetPath = QFile::encodeName(target).toStdString();
   const QString words = tr("Saving %1").arg(QFileInfo(target).fileName());
   const LongWork::Run run(work_, words);

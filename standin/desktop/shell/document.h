@@ -87,7 +87,7 @@ class Document : public QObject {
   void tellOpened();
   void tellReadError(const LoadFailure& failure);
   /// Throws as landxml::saveDrawing does.
-  void write(const QString& target);
+  void write(const QString& from, const QString& target);
   void tellSaveError(const QString& target, const QString& reason);
 
   DocumentSurroundings at_;

@@ -104,7 +104,6 @@ CommandReport Session::run(const QString& name) {
   const QString missing = takeMissingFolder();
   if (report.files.empty() && !report.interrupted && report.exception.isEmpty()) report.missingFolder = missing;
   running_.clear();
-  Q_EMIT commandEnded(report);
   return report;
 }
 

@@ -64,7 +64,6 @@ class Session : public QObject {
 
  Q_SIGNALS:
   void commandStarted(const QString& name);
-  void commandEnded(const lvx::desktop::CommandReport& report);
 
  private:
   void loadModule();
