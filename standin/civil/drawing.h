@@ -39,18 +39,18 @@ struct SampleLine {
 
 struct SampleLineGroup {
   Handle handle = 0;
-  FileNumber file = 0;
   std::string name;
   std::string description;
   std::vector<SampleLine> lines;
+  FileNumber file = 0;
 };
 
 struct ProfileObject {
   Handle handle = 0;
-  FileNumber file = 0;
   std::string name;
   std::string description;
   Profile profile;
+  FileNumber file = 0;
 };
 
 /// A station equation: kept and reported, never applied.
@@ -63,35 +63,35 @@ struct StationEquation {
 
 struct AlignmentObject {
   Handle handle = 0;
-  FileNumber file = 0;
   std::string name;
   std::string description;
   Alignment geometry;
   std::vector<ProfileObject> profiles;
   std::vector<SampleLineGroup> sampleLineGroups;
   std::vector<StationEquation> stationEquations;
+  FileNumber file = 0;
 };
 
 struct Site {
   Handle handle = 0;
-  FileNumber file = 0;
   std::string name;
   std::string description;
   std::vector<std::unique_ptr<AlignmentObject>> alignments;
+  FileNumber file = 0;
 };
 
 struct SurfaceObject {
   Handle handle = 0;
-  FileNumber file = 0;
   std::string name;
   std::string description;
   TinSurface surface;
+  FileNumber file = 0;
 };
 
 struct Point {
   Handle handle = 0;
-  FileNumber file = 0;
   std::int32_t number = 0;
+  FileNumber file = 0;
   /// The file's own name text where that isn't just the number; else empty.
   std::string name;
   Vec3 position;  ///< x east, y north
@@ -102,11 +102,11 @@ struct Point {
 
 struct PointGroup {
   Handle handle = 0;
-  FileNumber file = 0;
   std::string name;
   std::string description;
   /// Numbers in file order; a number may stand in many groups.
   std::vector<std::int32_t> numbers;
+  FileNumber file = 0;
 };
 
 // ---------------------------------------------------------------- corridors
@@ -159,10 +159,10 @@ struct Baseline {
 
 struct Corridor {
   Handle handle = 0;
-  FileNumber file = 0;
   std::string name;
   std::string description;
   std::vector<Baseline> baselines;
+  FileNumber file = 0;
 };
 
 // ---------------------------------------------------------------- the drawing

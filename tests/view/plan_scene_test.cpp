@@ -81,7 +81,7 @@ Drawing drawing() {
   site.alignments.push_back(alignment(kBranch, "Branch", "at 50 350 heading 90; line 50; arc 100 R 100 right"));
   made.surfaces.push_back({kLower, "Ground", "", ring()});
   made.surfaces.push_back({kUpper, "Plot", "", square(250, 290)});
-  made.points.push_back({kPoint, 7, "", {270, 270, 1}, true, "", ""});
+  made.points.push_back({kPoint, 7, 0, "", {270, 270, 1}, true, "", ""});
   made.points.push_back({kNamedPoint, 8, "FP8", {500, -20, 1}, true, "", ""});
   made.pointGroups.push_back({kPointGroup, "Survey", "", {8, 9}});
   civil::Corridor corridor;
