@@ -28,6 +28,17 @@ void eachFilledSlot(Slots<Entry> slots, Use use) {
     if (entry != nullptr) use(*entry);
 }
 
+/// Removes a class that was made, after those of the module that derive from it: no class outlives its parent.
+void removeClass(host::Host& host, Slots<ClassEntry> classes, ClassEntry& entry) {
+  if (!entry.registered) return;
+  entry.registered = false;
+  eachFilledSlot(classes, [&](ClassEntry& derived) {
+    const host::VnRxClass* parent = derived.description->myParent();
+    if (parent != nullptr && parent->isDerivedFrom(entry.description)) removeClass(host, classes, derived);
+  });
+  host.runTime().deleteVnRxClass(entry.description);
+}
+
 }  // namespace
 
 std::int32_t VnRxDmxApp::onInitApp(void*) { return kHandled; }
@@ -92,11 +103,8 @@ std::int32_t VnRxVmxApp::onInitApp(void* appId) {
 std::int32_t VnRxVmxApp::onUnloadApp(void*) {
   host::Host* loader = host();
   if (loader == nullptr) return kHandled;
-  eachFilledSlot(tables().classes, [loader](ClassEntry& entry) {
-    if (!entry.registered) return;
-    loader->runTime().deleteVnRxClass(entry.description);
-    entry.registered = false;
-  });
+  const Slots<ClassEntry> classes = tables().classes;
+  eachFilledSlot(classes, [&](ClassEntry& entry) { removeClass(*loader, classes, entry); });
   eachFilledSlot(tables().commands, [loader](const CommandEntry& command) {
     if (host::VnEdCommandStack* stack = findCommandStack(*loader))
       stack->removeCmd(command.groupName, command.globalName);

@@ -29,8 +29,7 @@ struct DialogUnits {
   int height = 0;
 };
 
-/// One control. A caption that begins with a star is a placeholder that the message file's text replaces at each
-/// opening;
+/// One control. A caption that begins with a star is a placeholder: the message file's text replaces it at each opening.
 /// `&` marks an access key, `&&` is one ampersand.
 struct ControlTemplate {
   int id = 0;

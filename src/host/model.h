@@ -10,12 +10,10 @@
 /// with the operations' own names.
 ///
 /// For all of it:
-/// - An object that an operation hands out is shared with the caller, who holds it as long as it is needed and keeps
-/// none
-///   of them beyond the command.
+/// - An object that an operation hands out is shared with the caller, who holds it as long as it is needed, at most
+///   until the command ends.
 /// - An operation that fails leaves its output empty: an empty reference, the number 0, an empty text, no array. There
-/// is
-///   no status to read.
+///   is no status to read.
 /// - Collections count from 0; `item` outside gives an empty reference.
 /// - Coordinates and lengths are in drawing units, x to the east, y to the north. Stations are continuous: station
 ///   equations are never applied. A negative offset lies on the left of the direction of travel.

@@ -14,11 +14,14 @@
 namespace lvx::host {
 
 /// Status values that callers test against.
-inline constexpr std::int32_t kNormal = 5100;  ///< RTNORM: a pick, a found file
-inline constexpr std::int32_t kUserGaveUp =
-    -5002;  ///< Escape or nothing picked; any value other than 5100 means the same
-inline constexpr std::int32_t kEntityStart = 5020;  ///< group code of the class name in a selection filter
-inline constexpr std::int32_t kSuccess = 0;         ///< of the vndb functions
+/// The request was met: an object was picked, a file was found.
+inline constexpr std::int32_t kNormal = 5100;
+/// The user pressed Escape or picked nothing. Callers test for kNormal alone: any other value means the same to them.
+inline constexpr std::int32_t kUserGaveUp = -5002;
+/// Group code of the class name in a selection filter.
+inline constexpr std::int32_t kEntityStart = 5020;
+/// What the functions whose names begin with vndb answer when they did what was asked.
+inline constexpr std::int32_t kSuccess = 0;
 
 /// A class of the host's run-time type system. Host and module each hold constants of their own for one class, so
 /// classes are the same where their tags are.
@@ -27,6 +30,7 @@ class VnRxClass {
   constexpr VnRxClass(const wchar_t* classTag, const VnRxClass* parent) : classTag_(classTag), parent_(parent) {}
   /// The class name, for instance "QMT_ALIGNMENT".
   [[nodiscard]] constexpr const wchar_t* classTag() const { return classTag_; }
+  /// The class that this one derives from directly; null for one that derives from none.
   [[nodiscard]] constexpr const VnRxClass* myParent() const { return parent_; }
   /// True for the class itself too.
   [[nodiscard]] constexpr bool isDerivedFrom(const VnRxClass* other) const {
@@ -99,17 +103,11 @@ class VnApDocument {
   virtual ~VnApDocument() = default;
 };
 
-/// Told of what happens to documents. Every notification is empty unless a reactor takes it.
+/// Told when a document is about to go, while it still stands.
 class VnApDocManagerReactor : public VnRxObject {
  public:
   [[nodiscard]] const VnRxClass* isA() const override;
-  virtual void documentCreateStarted(VnApDocument*) {}
-  virtual void documentCreated(VnApDocument*) {}
-  virtual void documentToBeDestroyed(VnApDocument*) {}
-  virtual void documentDestroyed(const CString& /*fileName*/) {}
-  virtual void documentBecameCurrent(VnApDocument*) {}
-  virtual void documentToBeActivated(VnApDocument*) {}
-  virtual void documentActivated(VnApDocument*) {}
+  virtual void documentToBeDestroyed(VnApDocument* document) = 0;
 };
 
 inline constexpr std::int32_t kLockForPick = 4;

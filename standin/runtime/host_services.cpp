@@ -90,32 +90,20 @@ void DocumentManager::addReactor(host::VnApDocManagerReactor* reactor) {
 
 void DocumentManager::removeReactor(host::VnApDocManagerReactor* reactor) { std::erase(reactors_, reactor); }
 
-template <class Notify>
-void DocumentManager::tell(Notify notify) {
-  // A reactor may take itself off the list while it is told.
-  const auto told = reactors_;
-  for (host::VnApDocManagerReactor* reactor : told)
-    if (std::find(reactors_.begin(), reactors_.end(), reactor) != reactors_.end()) notify(*reactor);
-}
-
-void DocumentManager::open(const CString& fileName) {
+void DocumentManager::open() {
   close();
-  auto document = std::make_unique<Document>(fileName);
-  tell([&](auto& reactor) { reactor.documentCreateStarted(document.get()); });
-  document_ = std::move(document);
-  tell([&](auto& reactor) { reactor.documentCreated(document_.get()); });
-  tell([&](auto& reactor) { reactor.documentToBeActivated(document_.get()); });
-  tell([&](auto& reactor) { reactor.documentBecameCurrent(document_.get()); });
-  tell([&](auto& reactor) { reactor.documentActivated(document_.get()); });
+  document_ = std::make_unique<Document>();
 }
 
 void DocumentManager::close() {
   if (!document_) return;
-  tell([&](auto& reactor) { reactor.documentToBeDestroyed(document_.get()); });
-  const CString fileName = document_->fileName();
+  // A reactor may take itself off the list while it is told.
+  const auto told = reactors_;
+  for (host::VnApDocManagerReactor* reactor : told)
+    if (std::find(reactors_.begin(), reactors_.end(), reactor) != reactors_.end())
+      reactor->documentToBeDestroyed(document_.get());
   document_.reset();
   locks_ = 0;
-  tell([&](auto& reactor) { reactor.documentDestroyed(fileName); });
 }
 
 }  // namespace lvx::runtime

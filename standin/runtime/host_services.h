@@ -77,14 +77,7 @@ class SystemRegistry final : public host::VnRxDictionary {
 };
 
 /// The open document of this process.
-class Document final : public host::VnApDocument {
- public:
-  explicit Document(host::CString fileName) : fileName_(std::move(fileName)) {}
-  [[nodiscard]] const host::CString& fileName() const { return fileName_; }
-
- private:
-  host::CString fileName_;
-};
+class Document final : public host::VnApDocument {};
 
 /// One document at a time. Locks are counted, so that one left over can be reported.
 class DocumentManager final : public host::VnApDocManager {
@@ -100,17 +93,14 @@ class DocumentManager final : public host::VnApDocManager {
   void addReactor(host::VnApDocManagerReactor* reactor) override;
   void removeReactor(host::VnApDocManagerReactor* reactor) override;
 
-  /// Makes a document and tells the reactors; the one that was open is closed first.
-  void open(const host::CString& fileName);
-  /// Closes the document, if there is one, and tells the reactors.
+  /// Makes a document; the one that was open is closed first.
+  void open();
+  /// Tells the reactors that the document is about to go, and closes it. Nothing where there is none.
   void close();
   [[nodiscard]] std::size_t lockCount() const { return locks_; }
   [[nodiscard]] std::size_t reactorCount() const { return reactors_.size(); }
 
  private:
-  template <class Notify>
-  void tell(Notify notify);
-
   std::unique_ptr<Document> document_;
   std::vector<host::VnApDocManagerReactor*> reactors_;
   std::size_t locks_ = 0;

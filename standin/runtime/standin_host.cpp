@@ -34,13 +34,12 @@ void StandinHost::open(civil::Drawing drawing) {
 
 void StandinHost::open(OpenDrawingRef drawing) {
   close();
-  const host::CString fileName = platform::fromUtf8(drawing->drawing().path);
   drawing_ = std::move(drawing);
   drawing_->isInterrupted = options_.isInterrupted;
   drawing_->startProgress = options_.startProgress;
   activeDrawing_->drawing = drawing_;
   runTime_.setDrawing(drawing_);
-  documents_.open(fileName);
+  documents_.open();
 }
 
 void StandinHost::close() {

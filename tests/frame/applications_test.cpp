@@ -224,6 +224,36 @@ TEST_F(ApplicationTest, MakesCustomClassesBeforeTheHierarchyAndDeletesOnlyMarked
   EXPECT_FALSE(entry.registered);
 }
 
+TEST_F(ApplicationTest, RemovesTheClassesThatDeriveFromAnotherBeforeIt) {
+  host::VnRxClass base(L"LVX_BASE", nullptr);
+  const host::VnRxClass baseAsOthersKnowIt(L"LVX_BASE", nullptr);
+  host::VnRxClass child(L"LVX_CHILD", &baseAsOthersKnowIt);
+  host::VnRxClass grandchild(L"LVX_GRANDCHILD", &child);
+  host::VnRxClass sibling(L"LVX_SIBLING", &base);
+  host::VnRxClass stranger(L"LVX_STRANGER", nullptr);
+  ClassEntry b{&base, &nothing};
+  ClassEntry s{&stranger, &nothing};
+  ClassEntry c{&child, &nothing};
+  ClassEntry g{&grandchild, &nothing};
+  ClassEntry i{&sibling, &nothing};
+  const auto unloadOrder = [this](const std::vector<ClassEntry*>& table) {
+    app_.classes = table;
+    app_.dispatch(1, nullptr);
+    log_.lines.clear();
+    app_.dispatch(2, nullptr);
+    return log_.lines;
+  };
+  using Lines = std::vector<std::wstring>;
+  EXPECT_EQ(unloadOrder({&b, &s, &c, &g, &i}),
+            (Lines{L"delete LVX_GRANDCHILD", L"delete LVX_CHILD", L"delete LVX_SIBLING", L"delete LVX_BASE",
+                   L"delete LVX_STRANGER"}));
+  EXPECT_EQ(unloadOrder({&g, &s, nullptr, &c, &b}),
+            (Lines{L"delete LVX_GRANDCHILD", L"delete LVX_STRANGER", L"delete LVX_CHILD", L"delete LVX_BASE"}));
+  EXPECT_EQ(unloadOrder({&b, &g}), (Lines{L"delete LVX_GRANDCHILD", L"delete LVX_BASE"}))
+      << "the class between them isn't the module's";
+  for (const ClassEntry* entry : {&b, &s, &c, &g, &i}) EXPECT_FALSE(entry->registered);
+}
+
 TEST(Application, AnswersEveryMessageWithoutAHost) {
   TestApp app(nullptr);
   app.commands = {&kFirst};
