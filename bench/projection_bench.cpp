@@ -47,13 +47,15 @@ void require(bool holds, const char* what) {
   std::exit(1);
 }
 
-/// Takes its cells and keeps none, so that only the writer's own time is seen.
-class NullSheet final : public lvx::host::Sheet {
+/// Answers every automation call and keeps nothing, so that only the writer's own time is seen.
+class SilentProgram final : public lvx::host::AutomationObject, public std::enable_shared_from_this<SilentProgram> {
  public:
-  [[nodiscard]] bool start() override { return true; }
-  void writeCell(const lvx::host::CString&, const lvx::host::CString&) override {}
-  void writeNumberCell(const lvx::host::CString&, const lvx::host::CString&) override {}
-  void finish(const lvx::host::CString&) override {}
+  lvx::host::AutomationValue get(lvx::host::DispatchId, lvx::host::AutomationArguments) override { return itself(); }
+  void put(lvx::host::DispatchId, const lvx::host::AutomationValue&) override {}
+  lvx::host::AutomationValue call(lvx::host::DispatchId, lvx::host::AutomationArguments) override { return itself(); }
+
+ private:
+  lvx::host::AutomationValue itself() { return lvx::host::AutomationValue::ofObject(shared_from_this()); }
 };
 
 /// What one job does at one size, in two parts: `prepare` isn't timed.
@@ -90,7 +92,7 @@ void measure(const Job& job, const std::vector<int>& sizes, int rounds) {
 class Bench {
  public:
   Bench() {
-    host_.setSheetFactory([] { return std::make_unique<NullSheet>(); });
+    host_.setAutomationFactory([](const lvx::host::CString&) { return std::make_shared<SilentProgram>(); });
     host_.useMessageBytes("101 Profiles\n122 Profile\n123 Station\n124 Offset\n125 Elevation\n");
   }
 

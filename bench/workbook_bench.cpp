@@ -1,4 +1,4 @@
-// A large table as a workbook: our sheet beside the bare library in constant memory, each in a process of its own so that
+// A large table as a workbook: our driver and server beside the bare library in constant memory, each in a process of its own so that
 // its peak memory is its own. Prints one JSON line each; exits with 1 if the two disagree.
 //
 //   bench_workbook [rows=100000] [rounds=3] [out=FOLDER]
@@ -19,9 +19,10 @@
 #include <unistd.h>
 #include <xlsxwriter.h>
 
+#include "doubles/fake_host.h"
 #include "platform/posix/posix_platform.h"
 #include "services/excel_driver.h"
-#include "workbook/workbook_sheet.h"
+#include "workbook/workbook_server.h"
 
 namespace {
 
@@ -60,10 +61,13 @@ double writeByLibrary(const std::string& path, std::uint32_t rows) {
   return sum;
 }
 
-/// As a report's writer does it: names and numbers as texts, through the driver's four operations.
-double writeBySheet(const std::string& path, std::uint32_t rows) {
-  lvx::services::ExcelLink link{std::make_unique<lvx::workbook::WorkbookSheet>()};
-  if (!link.sheet->start()) std::exit(1);
+/// As a report's writer does it: names and numbers as texts, through the driver's four operations and the automation
+/// calls behind them.
+double writeByDriver(const std::string& path, std::uint32_t rows) {
+  lvx::test::FakeHost host;
+  host.setAutomationFactory([](const lvx::host::CString&) { return lvx::workbook::startWorkbookServer(); });
+  lvx::services::ExcelLink link;
+  if (!lvx::services::startExcel(link)) std::exit(1);
   double sum = 0;
   for (std::uint32_t r = 0; r < rows; ++r) {
     const TableRow row = tableRow(r);
@@ -163,7 +167,7 @@ int main(int argc, char** argv) {
   std::vector<Outcome> their;
   for (std::uint32_t round = 0; round < rounds; ++round) {
     their.push_back(run([&] { return writeByLibrary(theirs, rows); }));
-    our.push_back(run([&] { return writeBySheet(ours, rows); }));
+    our.push_back(run([&] { return writeByDriver(ours, rows); }));
   }
   const Outcome a = median(our);
   const Outcome b = median(their);

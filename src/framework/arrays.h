@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -95,6 +96,12 @@ class CTypedPtrArray : private Base {
   [[nodiscard]] T operator[](ArrayIndex index) const { return at(index); }
   void setAt(ArrayIndex index, T pointer) { Base::setAt(index, pointer); }
   ArrayIndex add(T pointer) { return Base::add(pointer); }
+  /// Appends a record that belongs to the array's owner from here on. Where the array can't grow, the record is destroyed
+  /// and the array is as it was.
+  T append(std::unique_ptr<std::remove_pointer_t<T>> record) {
+    Base::add(record.get());
+    return record.release();
+  }
   void insertAt(ArrayIndex index, T pointer) { Base::insertAt(index, pointer); }
 
   class Iterator {

@@ -21,16 +21,16 @@ Ref<QmtAlignment> foundInSites(host::QmtDatabase& database, const CString& siteN
 }
 
 /// The end is set once the piece behind it is known.
-tverticalElement* tangentFrom(double station, double elevation, double grade) {
-  auto* tangent = new tverticalElement;
+std::unique_ptr<tverticalElement> tangentFrom(double station, double elevation, double grade) {
+  auto tangent = std::make_unique<tverticalElement>();
   tangent->startStation = station;
   tangent->startElevation = elevation;
   tangent->startGrade = grade;
   return tangent;
 }
 
-tverticalElement* curveAt(const tvert& point) {
-  auto* curve = new tverticalElement;
+std::unique_ptr<tverticalElement> curveAt(const tvert& point) {
+  auto curve = std::make_unique<tverticalElement>();
   curve->startStation = point.station - point.halfLength;
   curve->startElevation = point.elevation - point.gradeIn * point.halfLength;
   curve->startGrade = point.gradeIn;
@@ -60,16 +60,16 @@ std::int32_t findAlignment(const Ref<host::QmtDocument>& document, const Ref<hos
 void buildVerticalElements(const host::RecordList<tvert>& records, VerticalElementList& elements) {
   const framework::ArrayIndex count = records.size();
   if (count < 2) return;
-  tverticalElement* tangent = tangentFrom(records[0]->station, records[0]->elevation, records[1]->gradeIn);
-  elements.add(tangent);
+  tverticalElement* tangent =
+      elements.append(tangentFrom(records[0]->station, records[0]->elevation, records[1]->gradeIn));
   for (framework::ArrayIndex k = 1; k < count - 1; ++k) {
     const tvert& point = *records[k];
     tangent->endStation = point.station - point.halfLength;
-    elements.add(curveAt(point));
+    elements.append(curveAt(point));
     // The difference is the half length as the stations round it, so that the chain meets at its own stations.
     const double curveEnd = point.station + point.halfLength;
-    tangent = tangentFrom(curveEnd, (curveEnd - point.station) * point.gradeOut + point.elevation, point.gradeOut);
-    elements.add(tangent);
+    tangent = elements.append(
+        tangentFrom(curveEnd, (curveEnd - point.station) * point.gradeOut + point.elevation, point.gradeOut));
   }
   tangent->endStation = records[count - 1]->station;
 }

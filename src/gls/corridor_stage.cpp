@@ -165,11 +165,7 @@ class CorridorReader {
     record.description = corridor.description();
     record.handle = corridor.handle();
     host::forEachObject(corridor.baselines(), [&](const Ref<host::QmtBaseline>& baseline) {
-      auto baselineRecord = std::make_unique<tbaseline>();
-      tbaseline& kept = *baselineRecord;
-      record.baselines.add(baselineRecord.get());
-      static_cast<void>(baselineRecord.release());
-      readBaseline(corridor, *baseline, kept);
+      readBaseline(corridor, *baseline, *record.baselines.append(std::make_unique<tbaseline>()));
       return true;
     });
   }
@@ -236,9 +232,7 @@ void readCorridorData(host::Host& host, CorridorList& corridors, tglsReport& rep
   const Ref<host::QmtRoadwayDocument> document = host::roadwayDocument();
   if (!document) return;
   host::forEachObject(document->corridors(), [&](const Ref<host::QmtCorridor>& corridor) {
-    auto record = std::make_unique<tcorridor>();
-    corridors.add(record.get());
-    reader.read(*corridor, *record.release());
+    reader.read(*corridor, *corridors.append(std::make_unique<tcorridor>()));
     return true;
   });
 }

@@ -207,10 +207,10 @@ std::vector<bool> breakFlags(const framework::CArray<std::int32_t>& breakRows, A
 
 }  // namespace
 
-void writeGlsAscii(const CString& fileName, const CString& /*alignmentText*/, const tglsReport& report) {
+bool writeGlsAscii(const CString& fileName, const CString& /*alignmentText*/, const tglsReport& report) {
   const Widths widths = widthsFor(report);
   const platform::FileHandle file = vnrxHost()->platform().openFile(fileName, "wb");
-  if (!file) return;  // quiet: the command goes on to its next form
+  if (!file) return false;  // quiet: the command goes on to its next form
   services::writeAsciiHeader(file.get(), Message::GlsTitle, fileName, services::headerTime());
   services::writeNarrow(file.get(), tableHead(widths));
 
@@ -224,6 +224,7 @@ void writeGlsAscii(const CString& fileName, const CString& /*alignmentText*/, co
     services::writeNarrow(
         file.get(), r + 1 == count ? border(L'\\', L'/', widths) : ruleLine(widths, tangentEnds[i], elementEnds[i]));
   }
+  return true;
 }
 
 }  // namespace lvx::gls

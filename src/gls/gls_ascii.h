@@ -16,7 +16,8 @@ namespace lvx::gls {
 /// any other percent sign starts a conversion: of "5.25% ,Fall" the sign and its blank go, the comma stays, and the bars
 /// behind it move to the left. Readers of these tables split them at the bars.
 ///
-/// `fileName` is the full name with ".txt"; where it can't be opened nothing happens. `alignmentText` isn't used.
-void writeGlsAscii(const CString& fileName, const CString& alignmentText, const tglsReport& report);
+/// `fileName` is the full name with ".txt"; `alignmentText` isn't used. True when written, false where the file couldn't
+/// be opened, without a word.
+bool writeGlsAscii(const CString& fileName, const CString& alignmentText, const tglsReport& report);
 
 }  // namespace lvx::gls

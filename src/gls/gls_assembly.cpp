@@ -114,10 +114,10 @@ double parameterOf(const taxel& element) {
 }
 
 void addRow(tglsReport& report, double station, CString name) {
-  auto* row = new tglsRow;
+  auto row = std::make_unique<tglsRow>();
   row->station = station;
   row->name = std::move(name);
-  report.rows.add(row);
+  report.rows.append(std::move(row));
 }
 
 /// Fills `horElems`, and `rows` with a row for each transition and one that closes the alignment. An alignment that
@@ -131,8 +131,7 @@ void addHorizontalElements(const host::Ref<host::QmtAlignment>& alignment, tglsR
   TransitionNames names;
   const taxel* before = nullptr;
   for (const taxel* element : elements.get()) {
-    auto* record = new tglsHorElem;
-    report.horElems.add(record);
+    tglsHorElem* record = report.horElems.append(std::make_unique<tglsHorElem>());
     record->start = station;
     record->end = station + element->length;
     record->length = element->length;
@@ -168,8 +167,7 @@ void addVerticalElements(const host::RecordList<tvert>& points, tglsReport& repo
   for (ArrayIndex k = 1; k < points.size(); ++k) {
     const tvert& before = *points[k - 1];
     const tvert& point = *points[k];
-    auto* record = new tglsVerElem;
-    report.verElems.add(record);
+    tglsVerElem* record = report.verElems.append(std::make_unique<tglsVerElem>());
     if (k > 1) record->gradeChange = std::abs(point.gradeIn - before.gradeIn) * 100.0;
     record->grade = point.gradeIn * 100.0;
     record->length = std::abs(point.station - before.station);

@@ -116,8 +116,7 @@ void CMyDialog3::loadCorridors() {
     if (!corridor) continue;
     auto record = std::make_unique<gls::tcorridor>();
     record->name = corridor->name();
-    gls::tcorridor& listed = *record;
-    corridorList.add(record.release());
+    gls::tcorridor& listed = *corridorList.append(std::move(record));
     const host::Ref<host::QmtBaselines> baselines = corridor->baselines();
     if (!baselines) continue;
     // As many baselines are looked at as the drawing has corridors: in a drawing with few corridors the later baselines
@@ -128,7 +127,7 @@ void CMyDialog3::loadCorridors() {
       if (!alignment) continue;
       auto line = std::make_unique<gls::tbaseline>();
       line->alignmentHandle = alignment->handle();
-      listed.baselines.add(line.release());
+      listed.baselines.append(std::move(line));
     }
   }
 }

@@ -171,9 +171,9 @@ void appendElement(CString& page, const tglsReport& report, ArrayIndex first, Ar
 
 }  // namespace
 
-std::int32_t writeGlsHtml(const CString& fileName, const CString& /*alignmentText*/, const tglsReport& report) {
+bool writeGlsHtml(const CString& fileName, const CString& /*alignmentText*/, const tglsReport& report) {
   const platform::FileHandle file = vnrxHost()->platform().openFile(fileName, "wb");
-  if (!file) return 0;  // quiet: the command goes on
+  if (!file) return false;  // quiet: the command goes on
   services::NarrowPiece page(file.get());
   CString part;
   services::appendHtmlHeader(part, Message::GlsTitle, fileName, services::headerTime());
@@ -198,7 +198,7 @@ std::int32_t writeGlsHtml(const CString& fileName, const CString& /*alignmentTex
   }
 
   page.add(L"</table></Body></HTML>");
-  return 1;
+  return true;
 }
 
 }  // namespace lvx::gls

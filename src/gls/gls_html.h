@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 #include "gls/gls_records.h"
 
 namespace lvx::gls {
@@ -14,8 +12,8 @@ namespace lvx::gls {
 /// beyond the report's code page ends the page there. A percent sign at the end of a row's notes is written as a
 /// character reference.
 ///
-/// `fileName` is the full name with ".html"; `alignmentText` isn't used. 1 when written, 0 where the file couldn't be
-/// opened, without a word. Raises framework::InvalidArgumentException where a break row lies beyond the rows.
-std::int32_t writeGlsHtml(const CString& fileName, const CString& alignmentText, const tglsReport& report);
+/// `fileName` is the full name with ".html"; `alignmentText` isn't used. True when written, false where the file
+/// couldn't be opened, without a word. Raises framework::InvalidArgumentException where a break row lies beyond the rows.
+bool writeGlsHtml(const CString& fileName, const CString& alignmentText, const tglsReport& report);
 
 }  // namespace lvx::gls

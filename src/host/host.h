@@ -1,11 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include "framework/module_state.h"
+#include "host/automation.h"
 #include "host/roadway_model.h"
 #include "host/run_time.h"
-#include "host/sheet.h"
 #include "host/user_interface.h"
 
 namespace lvx::platform {
@@ -36,8 +34,8 @@ class Host {
   [[nodiscard]] virtual DialogRunner& dialogs() = 0;
   [[nodiscard]] virtual platform::Platform& platform() = 0;
   [[nodiscard]] virtual framework::ModuleState& moduleState() = 0;
-  /// A new sheet, not started yet; never empty.
-  [[nodiscard]] virtual std::unique_ptr<Sheet> createSheet() = 0;
+  /// Starts a program of that identifier for automation and gives its application object; empty where it can't be started.
+  [[nodiscard]] virtual Ref<AutomationObject> createAutomationObject(const CString& programId) = 0;
   /// The running application of a program identifier.
   [[nodiscard]] virtual ActiveApplication activeApplication(const CString& programId) = 0;
 };

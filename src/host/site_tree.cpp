@@ -41,7 +41,7 @@ class AlignmentLoader {
   void append(const Ref<QmtAlignmentList>& alignments) {
     const std::int32_t count = alignments ? alignments->count() : 0;
     for (std::int32_t i = 0; i < count; ++i) {
-      talignment2* record = appendRecord(list_);
+      talignment2* record = list_.append(std::make_unique<talignment2>());
       const auto alignment = alignments->item(i);
       fill(*record, alignment);
       appendGroups(*record, alignment ? alignment->sampleLineGroups() : nullptr);
@@ -52,17 +52,9 @@ class AlignmentLoader {
   void appendGroups(talignment2& alignment, const Ref<QmtSampleLineGroupList>& groups) {
     const std::int32_t count = groups ? groups->count() : 0;
     for (std::int32_t i = 0; i < count; ++i) {
-      tslgroup* record = appendRecord(alignment.children);
+      tslgroup* record = alignment.children.append(std::make_unique<tslgroup>());
       fill(*record, groups->item(i));
     }
-  }
-
-  /// The list owns the record from the start, so that what was built is freed whatever happens next.
-  template <class Record>
-  static Record* appendRecord(RecordList<Record>& list) {
-    auto record = std::make_unique<Record>();
-    list.add(record.get());
-    return record.release();
   }
 
   template <class Record, class Object>

@@ -64,7 +64,7 @@ void collectPoints(const Ref<host::QmtDocument>& document, const Ref<host::QmtDa
                                                 : numbersOfGroup(groups, groupText);
 
   rows.reserve(rows.size() + static_cast<framework::ArrayIndex>(numbers.size()));
-  for (const std::int32_t number : numbers) rows.add(rowOf(number, points, *alignment, alignmentText).release());
+  for (const std::int32_t number : numbers) rows.append(rowOf(number, points, *alignment, alignmentText));
 }
 
 }  // namespace lvx::points

@@ -13,8 +13,7 @@ void addRow(PointGroupList& list, CString name, std::int32_t count) {
   auto row = std::make_unique<tptgroup>();
   row->name = std::move(name);
   row->count = count;
-  list.add(row.get());
-  static_cast<void>(row.release());  // the list has it now
+  list.append(std::move(row));
 }
 
 }  // namespace

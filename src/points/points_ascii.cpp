@@ -31,10 +31,10 @@ void writeLine(std::FILE* stream, CString& line) {
 
 }  // namespace
 
-void writePointsAscii(const CString& fileName, const PointList& list) {
+bool writePointsAscii(const CString& fileName, const PointList& list) {
   const std::int64_t time = services::headerTime();
   const platform::FileHandle file = vnrxHost()->platform().openFile(fileName, "wb");
-  if (!file) return;  // quiet: the command goes on to its next form
+  if (!file) return false;  // quiet: the command goes on to its next form
   services::writeAsciiHeader(file.get(), services::Message::PointsTitle, fileName, time);
 
   CString line;
@@ -52,6 +52,7 @@ void writePointsAscii(const CString& fileName, const PointList& list) {
     for (std::size_t k = 0; k < kPointColumns.size(); ++k) appendPadded(line, kPointColumns[k].text(*row), widths[k]);
     writeLine(file.get(), line);
   }
+  return true;
 }
 
 }  // namespace lvx::points

@@ -12,7 +12,7 @@ namespace lvx::points {
 /// Each line passes through services::writeNarrow on its own, so a percent sign in a point's texts starts a conversion
 /// and a letter beyond the report's code page ends its line, line end included.
 ///
-/// `fileName` is the full name with ".txt"; where it can't be opened nothing happens.
-void writePointsAscii(const CString& fileName, const PointList& list);
+/// `fileName` is the full name with ".txt". True when written, false where the file couldn't be opened, without a word.
+bool writePointsAscii(const CString& fileName, const PointList& list);
 
 }  // namespace lvx::points

@@ -31,10 +31,10 @@ void appendCells(CString& text, CellText cellText) {
 
 }  // namespace
 
-std::int32_t writePointsHtml(const CString& fileName, const PointList& list) {
+bool writePointsHtml(const CString& fileName, const PointList& list) {
   const std::int64_t time = services::headerTime();
   const platform::FileHandle file = vnrxHost()->platform().openFile(fileName, "wb");
-  if (!file) return 0;  // quiet: nobody looks
+  if (!file) return false;  // quiet: the command goes on
   CString header;
   services::appendHtmlHeader(header, services::Message::PointsTitle, fileName, time);
   services::writeNarrow(file.get(), header);
@@ -51,7 +51,7 @@ std::int32_t writePointsHtml(const CString& fileName, const PointList& list) {
     table.add(part);
   }
   table.add(kPageEnd);
-  return 1;
+  return true;
 }
 
 }  // namespace lvx::points

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 #include "points/tpoint.h"
 
 namespace lvx::points {
@@ -12,7 +10,7 @@ namespace lvx::points {
 /// The page leaves in two narrow writes, the header and the table. A percent sign anywhere in them starts a conversion;
 /// a letter beyond the report's code page ends its piece, so in the table everything after it is lost.
 ///
-/// `fileName` is the full name with ".html". 1 when written, 0 where the file couldn't be opened, without a word.
-std::int32_t writePointsHtml(const CString& fileName, const PointList& list);
+/// `fileName` is the full name with ".html". True when written, false where the file couldn't be opened, without a word.
+bool writePointsHtml(const CString& fileName, const PointList& list);
 
 }  // namespace lvx::points

@@ -37,14 +37,15 @@ void writeBlock(std::FILE* stream, const tsl& record) {
 
 }  // namespace
 
-void writeProjectionAscii(const CString& fileName, const CString& /*alignmentText*/, const SampleLineList& list) {
+bool writeProjectionAscii(const CString& fileName, const CString& /*alignmentText*/, const SampleLineList& list) {
   const platform::FileHandle file = vnrxHost()->platform().openFile(fileName, "wb");
-  if (!file) return;  // quiet: the command goes on to its next form
+  if (!file) return false;  // quiet: the command goes on to its next form
   services::writeAsciiHeader(file.get(), services::Message::ProjectionTitle, fileName, services::headerTime());
   for (framework::ArrayIndex i = 0; i < list.size(); ++i) {
     writeBlock(file.get(), *list[i]);
     if (i + 1 < list.size()) services::writeNarrow(file.get(), L"&\r\n");
   }
+  return true;
 }
 
 }  // namespace lvx::projection

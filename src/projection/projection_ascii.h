@@ -10,8 +10,9 @@ namespace lvx::projection {
 /// Each piece of text passes through services::writeNarrow, so a percent sign in a sample line's name starts a
 /// conversion and a letter beyond the report's code page ends its heading, line end included.
 ///
-/// `fileName` is the full name with ".txt"; where it can't be opened nothing happens. `alignmentText` isn't used.
+/// `fileName` is the full name with ".txt"; `alignmentText` isn't used. True when written, false where the file couldn't
+/// be opened, without a word.
 /// Raises framework::InvalidArgumentException where a list of offsets is shorter than its list of points.
-void writeProjectionAscii(const CString& fileName, const CString& alignmentText, const SampleLineList& list);
+bool writeProjectionAscii(const CString& fileName, const CString& alignmentText, const SampleLineList& list);
 
 }  // namespace lvx::projection

@@ -35,10 +35,9 @@ std::int32_t writeBlock(ExcelLink& link, std::int32_t row, const tsl& record) {
 
 }  // namespace
 
-std::int32_t writeProjectionExcel(const CString& fileName, const CString& /*alignmentText*/,
-                                  const SampleLineList& list) {
+bool writeProjectionExcel(const CString& fileName, const CString& /*alignmentText*/, const SampleLineList& list) {
   ExcelLink link;
-  if (!services::startExcel(link)) return 0;
+  if (!services::startExcel(link)) return false;
   services::writeExcelHeader(link, services::Message::ProjectionTitle, fileName, services::headerTime());
   std::int32_t row = kRowsBeforeContent;
   for (framework::ArrayIndex i = 0; i < list.size(); ++i) {
@@ -46,7 +45,7 @@ std::int32_t writeProjectionExcel(const CString& fileName, const CString& /*alig
     if (i + 1 < list.size()) services::writeCell(link, cellName(L'A', row), L"&");
   }
   services::finishExcel(link, fileName);
-  return 1;
+  return true;
 }
 
 }  // namespace lvx::projection

@@ -56,10 +56,9 @@ void appendBlock(CString& page, const Labels& labels, const tsl& record) {
 
 }  // namespace
 
-std::int32_t writeProjectionHtml(const CString& fileName, const CString& /*alignmentText*/,
-                                 const SampleLineList& list) {
+bool writeProjectionHtml(const CString& fileName, const CString& /*alignmentText*/, const SampleLineList& list) {
   const platform::FileHandle file = vnrxHost()->platform().openFile(fileName, "wb");
-  if (!file) return 0;  // quiet: the command goes on
+  if (!file) return false;  // quiet: the command goes on
   const std::int64_t time = services::headerTime();
   CString page;
   services::appendHtmlHeader(page, Message::ProjectionTitle, fileName, time);
@@ -67,7 +66,7 @@ std::int32_t writeProjectionHtml(const CString& fileName, const CString& /*align
   for (const tsl* record : list) appendBlock(page, labels, *record);
   page += L"</Body></HTML>";
   services::writeNarrow(file.get(), page);
-  return 1;
+  return true;
 }
 
 }  // namespace lvx::projection

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 #include "projection/tsl.h"
 
 namespace lvx::projection {
@@ -13,9 +11,9 @@ namespace lvx::projection {
 /// The page is one text and leaves in one services::writeNarrow, so a percent sign anywhere in it starts a conversion
 /// and a letter beyond the report's code page ends the page there.
 ///
-/// `fileName` is the full name with ".html"; `alignmentText` isn't used. 1 when written, 0 where the file couldn't be
-/// opened, without a word. Raises framework::InvalidArgumentException where a list of offsets is shorter than its list
+/// `fileName` is the full name with ".html"; `alignmentText` isn't used. True when written, false where the file
+/// couldn't be opened, without a word. Raises framework::InvalidArgumentException where a list of offsets is shorter than its list
 /// of points.
-std::int32_t writeProjectionHtml(const CString& fileName, const CString& alignmentText, const SampleLineList& list);
+bool writeProjectionHtml(const CString& fileName, const CString& alignmentText, const SampleLineList& list);
 
 }  // namespace lvx::projection

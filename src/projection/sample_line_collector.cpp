@@ -131,7 +131,7 @@ class StationOrder {
     settleFront();
     list.reserve(list.size() + static_cast<framework::ArrayIndex>(settled_.size()));
     while (!settled_.empty()) {
-      list.add(settled_.back().release());
+      list.append(std::move(settled_.back()));
       settled_.pop_back();
     }
   }

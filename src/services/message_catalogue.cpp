@@ -92,8 +92,7 @@ void CxMsg::addLine(host::Host& host, std::string_view line) {
   auto message = std::make_unique<msgstr>();
   message->id = id;
   message->text = replaceEscapes(host.platform().widenAnsi(line));
-  messages_.add(message.get());
-  static_cast<void>(message.release());
+  messages_.append(std::move(message));
 }
 
 CString CxMsg::lookup(std::uint32_t id) const {

@@ -57,21 +57,12 @@ std::unique_ptr<Record> recordWithHandle(const Object& object) {
   return record;
 }
 
-/// Appends and hands over; the record stays owned here where the list can't grow.
-template <class List, class Record>
-void append(List& list, std::unique_ptr<Record> record) {
-  list.add(record.get());
-  [[maybe_unused]] Record* const ownedByList = record.release();
-}
-
 void appendSite(lvx::host::SiteTree& sites, const Site& site) {
-  append(sites, namedRecord<lvx::host::tsite>(site));
-  lvx::host::tsite& record = *sites[sites.size() - 1];
+  lvx::host::tsite& record = *sites.append(namedRecord<lvx::host::tsite>(site));
   for (const auto& alignment : site.alignments) {
-    append(record.alignments, recordWithHandle<lvx::host::tsiteAlignment>(*alignment));
-    auto& children = record.alignments[record.alignments.size() - 1]->children;
+    auto& children = record.alignments.append(recordWithHandle<lvx::host::tsiteAlignment>(*alignment))->children;
     for (const ProfileObject& profile : alignment->profiles)
-      append(children, recordWithHandle<lvx::host::tprofile>(profile));
+      children.append(recordWithHandle<lvx::host::tprofile>(profile));
   }
 }
 
@@ -168,7 +159,7 @@ std::int32_t pvsa_lvx_gethelemp(const lvx::host::Ref<lvx::host::QmtAlignment>& a
   points.empty();
   for (const Element& element : object->geometry.elements()) {
     if (element.length == 0.0) continue;  // real files hold them; they are no element of the design
-    append(elements, elementRecord(element));
+    elements.append(elementRecord(element));
     points.append({element.start.x, element.start.y, 0.0});
   }
   if (!object->geometry.isEmpty()) {
@@ -195,7 +186,7 @@ std::int32_t pvsa_lvx_getvelem(const CString& siteName, const CString& alignment
     record->halfLength = given.halfLength;
     record->gradeIn = given.gradeIn;
     record->gradeOut = given.gradeOut;
-    append(records, std::move(record));
+    records.append(std::move(record));
   }
   return kDone;
 }

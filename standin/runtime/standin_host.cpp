@@ -3,8 +3,10 @@
 #include <utility>
 
 #include "accessor/host_accessor.h"
+#include "host/excel_operations.h"
 #include "runtime/model_objects.h"
-#include "workbook/workbook_sheet.h"
+#include "runtime/observed_workbook.h"
+#include "workbook/workbook_server.h"
 
 namespace lvx::runtime {
 
@@ -56,8 +58,10 @@ LoadedModule StandinHost::loadModule(const std::filesystem::path& file) {
   return module;
 }
 
-std::unique_ptr<host::Sheet> StandinHost::createSheet() {
-  return std::make_unique<ObservedSheet>(std::make_unique<workbook::WorkbookSheet>(), journal_, options_.isInterrupted);
+host::Ref<host::AutomationObject> StandinHost::createAutomationObject(const host::CString& programId) {
+  // Workbooks are written in this process; no other program is started.
+  if (programId != host::kExcelProgramId) return nullptr;
+  return workbook::startWorkbookServer(std::make_unique<ObservedWorkbook>(journal_, options_.isInterrupted));
 }
 
 host::ActiveApplication StandinHost::activeApplication(const host::CString& programId) {

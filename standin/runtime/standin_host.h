@@ -15,7 +15,6 @@
 #include "runtime/host_services.h"
 #include "runtime/module_loader.h"
 #include "runtime/observed_platform.h"
-#include "runtime/observed_sheet.h"
 #include "runtime/open_drawing.h"
 #include "runtime/roadway_objects.h"
 #include "runtime/standin_run_time.h"
@@ -74,7 +73,7 @@ class StandinHost final : public host::Host, public companion::CompanionAccess {
   [[nodiscard]] host::DialogRunner& dialogs() override { return frontEnd_.dialogs(); }
   [[nodiscard]] platform::Platform& platform() override { return observedPlatform_; }
   [[nodiscard]] framework::ModuleState& moduleState() override { return moduleState_; }
-  [[nodiscard]] std::unique_ptr<host::Sheet> createSheet() override;
+  [[nodiscard]] host::Ref<host::AutomationObject> createAutomationObject(const host::CString& programId) override;
   [[nodiscard]] host::ActiveApplication activeApplication(const host::CString& programId) override;
 
   // ---- for the companion library

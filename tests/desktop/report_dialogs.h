@@ -54,7 +54,9 @@ class WindowedHost final : public host::Host {
   [[nodiscard]] host::RunTime& runTime() override { return fake.runTime(); }
   [[nodiscard]] host::UserInterface& userInterface() override { return user; }
   [[nodiscard]] platform::Platform& platform() override { return fake.platform(); }
-  [[nodiscard]] std::unique_ptr<host::Sheet> createSheet() override { return fake.createSheet(); }
+  [[nodiscard]] host::Ref<host::AutomationObject> createAutomationObject(const CString& programId) override {
+    return fake.createAutomationObject(programId);
+  }
   [[nodiscard]] host::DialogRunner& dialogs() override { return fake.dialogs(); }
   [[nodiscard]] framework::ModuleState& moduleState() override { return fake.moduleState(); }
   [[nodiscard]] host::ActiveApplication activeApplication(const CString& programId) override {

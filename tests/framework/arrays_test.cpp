@@ -36,6 +36,19 @@ TEST(PointerArray, IsDestroyedWithItsRecordsOnlyOnDemand) {
   EXPECT_EQ(list.size(), 0);
 }
 
+TEST(PointerArray, TakesARecordOverAndGivesItsPlaceToTheCaller) {
+  int alive = 0;
+  {
+    OwnedList<Counted> owned;
+    Counted* const first = owned.get().append(std::make_unique<Counted>(&alive));
+    Counted* const second = owned.get().append(std::make_unique<Counted>(&alive));
+    EXPECT_EQ(owned.get()[0], first);
+    EXPECT_EQ(owned.get()[1], second);
+    EXPECT_EQ(alive, 2);
+  }
+  EXPECT_EQ(alive, 0);
+}
+
 TEST(PointerArray, OwnedListDestroysItsRecordsOnEveryWayOut) {
   int alive = 0;
   try {

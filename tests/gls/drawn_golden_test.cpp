@@ -7,7 +7,7 @@
 
 #include "command_drawing.h"
 #include "dialogs/dialog_services.h"
-#include "doubles/recording_sheet.h"
+#include "doubles/recording_excel.h"
 #include "gls/gls_command.h"
 #include "golden_case.h"
 #include "host/dialog_controls.h"
@@ -112,8 +112,8 @@ TEST_P(GlsDrawingGolden, ReportIsRightToTheByteInAllForms) {
   const auto group = axis->addGroup(L"Lines");
   for (const json& line : content.at("lines")) group->addLine(wideText(line.at(0)), line.at(1).get<double>());
   addCorridors(drawing.roadway, axis, content.value("corridors", json::array()));
-  const auto record = std::make_shared<test::SheetRecord>();
-  drawing.host.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
+  const auto record = std::make_shared<test::ExcelRecord>();
+  drawing.host.setAutomationFactory(test::recordedBy(record));
 
   // The reports show the path that was asked for: a short name keeps the golden files free of this machine's.
   std::filesystem::current_path(platform::toUtf8(drawing.host.folder()));

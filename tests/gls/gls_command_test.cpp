@@ -10,7 +10,7 @@
 
 #include "command_drawing.h"
 #include "dialogs/dialog_services.h"
-#include "doubles/recording_sheet.h"
+#include "doubles/recording_excel.h"
 #include "framework/exceptions.h"
 #include "gls/gls_dialog.h"
 #include "host/dialog_controls.h"
@@ -293,10 +293,10 @@ TEST_F(GlsCommandTest, GoesOnToTheNextFormsWhereOneIsNotToBeOverwritten) {
 TEST_F(GlsCommandTest, RemovesAnExistingWorkbookBeforeItsWriterRuns) {
   write(L".xls", "old");
   bool stoodAtStart = true;
-  const auto record = std::make_shared<test::SheetRecord>();
-  host.setSheetFactory([&] {
+  const auto record = std::make_shared<test::ExcelRecord>();
+  host.setAutomationFactory([&](const CString& programId) {
     stoodAtStart = stands(L".xls");
-    return std::make_unique<test::RecordingSheet>(record);
+    return test::recordedBy(record)(programId);
   });
   user.steps = {okWith({kExcel})};
   host.users().answers = {BoxAnswer::Yes};

@@ -47,13 +47,13 @@ TEST_P(GlsRowsGolden, TextIsRightToTheByte) {
 }
 
 TEST_P(GlsRowsGolden, PageIsRightToTheByte) {
-  EXPECT_EQ(writeGlsHtml(L"./report.html", L"Axis 1", report_), 1);
+  EXPECT_TRUE(writeGlsHtml(L"./report.html", L"Axis 1", report_));
   EXPECT_TRUE(test::matchesGolden(test::readBytes("report.html"), case_.file("expected.html")));
 }
 
 TEST_P(GlsRowsGolden, WorkbookGetsTheRightCellsInOrder) {
-  const auto record = std::make_shared<test::SheetRecord>();
-  host_.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
+  const auto record = std::make_shared<test::ExcelRecord>();
+  host_.setAutomationFactory(test::recordedBy(record));
   EXPECT_TRUE(writeGlsExcel(L"./report.xls", L"Axis 1", report_));
   EXPECT_TRUE(test::matchesGolden(cellLog(*record), case_.file("expected.cells")));
 }

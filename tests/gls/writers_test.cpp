@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "doubles/fake_host.h"
-#include "doubles/recording_sheet.h"
+#include "doubles/recording_excel.h"
 #include "framework/exceptions.h"
 #include "gls/gls_ascii.h"
 #include "gls/gls_excel.h"
@@ -52,7 +52,7 @@ class GlsWriters : public testing::Test {
   [[nodiscard]] CString path(const CString& name) { return host_.folder() + name; }
   [[nodiscard]] std::string written(const CString& name) { return test::readBytes(platform::toUtf8(path(name))); }
   [[nodiscard]] std::string page() {
-    EXPECT_EQ(writeGlsHtml(path(L"r.html"), L"", report_), 1);
+    EXPECT_TRUE(writeGlsHtml(path(L"r.html"), L"", report_));
     return written(L"r.html");
   }
   /// The text file's lines without their line ends.
@@ -75,12 +75,12 @@ class GlsWriters : public testing::Test {
   [[nodiscard]] std::string textLine(std::size_t row) { return lines().at(kHeaderLines + kHeadLines + 2 * row); }
   [[nodiscard]] std::string ruleLine(std::size_t row) { return lines().at(kHeaderLines + kHeadLines + 2 * row + 1); }
 
-  std::shared_ptr<test::SheetRecord> recordSheets() {
-    auto record = std::make_shared<test::SheetRecord>();
-    host_.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
+  std::shared_ptr<test::ExcelRecord> recordSheets() {
+    auto record = std::make_shared<test::ExcelRecord>();
+    host_.setAutomationFactory(test::recordedBy(record));
     return record;
   }
-  std::shared_ptr<test::SheetRecord> sheet() {
+  std::shared_ptr<test::ExcelRecord> sheet() {
     auto record = recordSheets();
     EXPECT_TRUE(writeGlsExcel(path(L"r.xls"), L"", report_));
     return record;
@@ -106,8 +106,8 @@ class GlsWriters : public testing::Test {
 
 TEST_F(GlsWriters, ReturnQuietlyWhereTheirFileCannotBeOpened) {
   station(L"A", 0);
-  writeGlsAscii(path(L"no such folder/r.txt"), L"", report_);
-  EXPECT_EQ(writeGlsHtml(path(L"no such folder/r.html"), L"", report_), 0);
+  EXPECT_FALSE(writeGlsAscii(path(L"no such folder/r.txt"), L"", report_));
+  EXPECT_FALSE(writeGlsHtml(path(L"no such folder/r.html"), L"", report_));
   EXPECT_FALSE(std::filesystem::exists(platform::toUtf8(path(L"no such folder"))));
   EXPECT_THAT(host_.users().boxes, IsEmpty());
   EXPECT_THAT(host_.run().console, IsEmpty());

@@ -56,13 +56,13 @@ TEST_P(PointsGolden, TextIsRightToTheByte) {
 
 TEST_P(PointsGolden, PageIsRightToTheByte) {
   const CString fileName = case_.stem + L".html";
-  EXPECT_EQ(writePointsHtml(fileName, case_.rows.get()), 1);
+  EXPECT_TRUE(writePointsHtml(fileName, case_.rows.get()));
   EXPECT_TRUE(test::matchesGolden(written(fileName), caseFile("expected.html")));
 }
 
 TEST_P(PointsGolden, WorkbookGetsTheRightCellsInOrder) {
-  const auto record = std::make_shared<test::SheetRecord>();
-  host_.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
+  const auto record = std::make_shared<test::ExcelRecord>();
+  host_.setAutomationFactory(test::recordedBy(record));
   EXPECT_TRUE(writePointsExcel(case_.stem + L".xls", case_.rows.get()));
   EXPECT_TRUE(test::matchesGolden(test::cellLog(*record), caseFile("expected.cells")));
 }

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "dialogs/dialog_services.h"
-#include "doubles/recording_sheet.h"
+#include "doubles/recording_excel.h"
 #include "framework/exceptions.h"
 #include "host/dialog_controls.h"
 #include "host/picking.h"
@@ -184,8 +184,8 @@ TEST_F(PointsCommandTest, WritesNothingInADrawingWithoutAlignments) {
 
 TEST_F(PointsCommandTest, GoesOnToTheNextFormsWhereOneIsNotToBeOverwritten) {
   write(L".txt", "old");
-  const auto record = std::make_shared<test::SheetRecord>();
-  host.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
+  const auto record = std::make_shared<test::ExcelRecord>();
+  host.setAutomationFactory(test::recordedBy(record));
   user.steps = {okWith({kAscii, kExcel, kHtml})};
   host.users().answers = {BoxAnswer::No};
   run();
@@ -218,9 +218,9 @@ TEST_F(PointsCommandTest, LeavesNoWorkbookWhereTheFormerOneWasGivenUpAndTheProgr
 }
 
 TEST_F(PointsCommandTest, GivesEverythingBackWhenAnExceptionEndsIt) {
-  const auto record = std::make_shared<test::SheetRecord>();
+  const auto record = std::make_shared<test::ExcelRecord>();
   record->failFinish = true;
-  host.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
+  host.setAutomationFactory(test::recordedBy(record));
   user.steps = {click(host::kIdPickPoints), okWith({kExcel, kHtml})};
   select({3});
   const auto references = drawing.document.use_count();

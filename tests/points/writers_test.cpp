@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "doubles/fake_host.h"
-#include "doubles/recording_sheet.h"
+#include "doubles/recording_excel.h"
 #include "framework/exceptions.h"
 #include "points/points_ascii.h"
 #include "points/points_columns.h"
@@ -78,7 +78,7 @@ class PointsWriters : public testing::Test {
 
   std::string page() {
     const CString name = host_.folder() + L"report.html";
-    EXPECT_EQ(writePointsHtml(name, rows_.get()), 1);
+    EXPECT_TRUE(writePointsHtml(name, rows_.get()));
     return test::readBytes(platform::toUtf8(name));
   }
 
@@ -179,7 +179,7 @@ TEST_F(PointsWriters, LoseTheRestOfThePageBehindALetterThatTheReportsCannotExpre
 TEST_F(PointsWriters, KeepTheTableWhereTheHeaderHoldsSuchALetter) {
   addExample();
   const CString name = host_.folder() + L"\u0416.html";
-  EXPECT_EQ(writePointsHtml(name, rows_.get()), 1);
+  EXPECT_TRUE(writePointsHtml(name, rows_.get()));
   const std::string bytes = test::readBytes(platform::toUtf8(name));
   EXPECT_NE(bytes.find("/<table border='1'"), std::string::npos)
       << "the header ends within the path, the table is a write of its own: " << bytes;
@@ -214,8 +214,8 @@ TEST_F(PointsWriters, GiveEmptyTextsEmptyCells) {
 
 TEST_F(PointsWriters, WriteTheFirstPointInRow11AndTheThirdInRow13) {
   for (int i = 0; i < 3; ++i) addExample().number = 100 + i;
-  const auto record = std::make_shared<test::SheetRecord>();
-  host_.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
+  const auto record = std::make_shared<test::ExcelRecord>();
+  host_.setAutomationFactory(test::recordedBy(record));
   EXPECT_TRUE(writePointsExcel(L"report.xls", rows_.get()));
   EXPECT_EQ(record->texts.at(L"A11"), L"100");
   EXPECT_EQ(record->texts.at(L"A13"), L"102");
@@ -229,8 +229,8 @@ TEST_F(PointsWriters, HandTextsToTheSheetAsTheyAre) {
   tpoint& row = addRow();
   row.name = L"=1+1";
   row.description = L"100 % c";
-  const auto record = std::make_shared<test::SheetRecord>();
-  host_.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
+  const auto record = std::make_shared<test::ExcelRecord>();
+  host_.setAutomationFactory(test::recordedBy(record));
   EXPECT_TRUE(writePointsExcel(L"report.xls", rows_.get()));
   EXPECT_EQ(record->texts.at(L"E11"), L"=1+1");
   EXPECT_EQ(record->texts.at(L"F11"), L"100 % c");
@@ -246,9 +246,9 @@ TEST_F(PointsWriters, TellThatTheSpreadsheetProgramIsMissing) {
 
 TEST_F(PointsWriters, LetAFailureOfTheSpreadsheetProgramThrough) {
   addExample();
-  const auto record = std::make_shared<test::SheetRecord>();
+  const auto record = std::make_shared<test::ExcelRecord>();
   record->failAtWrite = 20;
-  host_.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
+  host_.setAutomationFactory(test::recordedBy(record));
   EXPECT_THROW(writePointsExcel(L"report.xls", rows_.get()), framework::AutomationException);
   EXPECT_EQ(record->givenUp, 1);
 }
@@ -256,8 +256,8 @@ TEST_F(PointsWriters, LetAFailureOfTheSpreadsheetProgramThrough) {
 TEST_F(PointsWriters, WriteNothingAndSayNothingWhereAFileCannotBeOpened) {
   addExample();
   const CString name = host_.folder() + L"missing/report";
-  writePointsAscii(name + L".txt", rows_.get());
-  EXPECT_EQ(writePointsHtml(name + L".html", rows_.get()), 0);
+  EXPECT_FALSE(writePointsAscii(name + L".txt", rows_.get()));
+  EXPECT_FALSE(writePointsHtml(name + L".html", rows_.get()));
   EXPECT_FALSE(std::filesystem::exists(platform::toUtf8(host_.folder()) + "missing"));
   EXPECT_TRUE(host_.users().boxes.empty());
 }

@@ -56,7 +56,7 @@ TEST_P(ProjectionGolden, TextIsRightToTheByte) {
 
 TEST_P(ProjectionGolden, PageIsRightToTheByte) {
   const CString fileName = case_.stem + L".html";
-  EXPECT_EQ(writeProjectionHtml(fileName, case_.alignment, case_.lines.get()), 1);
+  EXPECT_TRUE(writeProjectionHtml(fileName, case_.alignment, case_.lines.get()));
   EXPECT_TRUE(test::matchesGolden(written(fileName), caseFile("expected.html")));
 }
 
@@ -74,9 +74,9 @@ TEST_P(ProjectionGolden, DocumentIsRightToTheByte) {
 }
 
 TEST_P(ProjectionGolden, WorkbookGetsTheRightCellsInOrder) {
-  const auto record = std::make_shared<test::SheetRecord>();
-  host_.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
-  EXPECT_EQ(writeProjectionExcel(case_.stem + L".xls", case_.alignment, case_.lines.get()), 1);
+  const auto record = std::make_shared<test::ExcelRecord>();
+  host_.setAutomationFactory(test::recordedBy(record));
+  EXPECT_TRUE(writeProjectionExcel(case_.stem + L".xls", case_.alignment, case_.lines.get()));
   EXPECT_TRUE(test::matchesGolden(test::cellLog(*record), caseFile("expected.cells")));
 }
 

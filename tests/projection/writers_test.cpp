@@ -14,7 +14,7 @@
 #include "case_maker.h"
 #include "doubles/fake_host.h"
 #include "doubles/fake_model.h"
-#include "doubles/recording_sheet.h"
+#include "doubles/recording_excel.h"
 #include "framework/exceptions.h"
 #include "projection/projection_ascii.h"
 #include "projection/projection_computation.h"
@@ -42,9 +42,9 @@ class Writers : public testing::Test {
   [[nodiscard]] std::string written(const CString& name) { return test::readBytes(platform::toUtf8(path(name))); }
 
   /// What the next sheets are told.
-  std::shared_ptr<test::SheetRecord> recordSheets() {
-    auto record = std::make_shared<test::SheetRecord>();
-    host_.setSheetFactory([record] { return std::make_unique<test::RecordingSheet>(record); });
+  std::shared_ptr<test::ExcelRecord> recordSheets() {
+    auto record = std::make_shared<test::ExcelRecord>();
+    host_.setAutomationFactory(test::recordedBy(record));
     return record;
   }
 
@@ -56,8 +56,8 @@ class Writers : public testing::Test {
 TEST_F(Writers, ReturnQuietlyWhereTheirFileCannotBeOpened) {
   add(makeRecord(L"SL1", 120.0, {{-1, 2}}, {{0, 3}}));
   const CString nowhere = path(L"no such folder/report");
-  writeProjectionAscii(nowhere + L".txt", L"", list_.get());
-  EXPECT_EQ(writeProjectionHtml(nowhere + L".html", L"", list_.get()), 0);
+  EXPECT_FALSE(writeProjectionAscii(nowhere + L".txt", L"", list_.get()));
+  EXPECT_FALSE(writeProjectionHtml(nowhere + L".html", L"", list_.get()));
   tcentreRows rows = centres(1);
   EXPECT_FALSE(writeProjectionXml(nowhere + L".xml", L"", list_.get(), rows));
   EXPECT_FALSE(std::filesystem::exists(platform::toUtf8(path(L"no such folder"))));
@@ -111,7 +111,7 @@ TEST_F(Writers, ShowValuesThatAreNoNumbersWithoutHarm) {
 
 TEST_F(Writers, TellTheUserThatTheSpreadsheetProgramCannotBeStarted) {
   add(makeRecord(L"SL1", 120.0, {}, {}));
-  EXPECT_EQ(writeProjectionExcel(path(L"r.xls"), L"", list_.get()), 0);
+  EXPECT_FALSE(writeProjectionExcel(path(L"r.xls"), L"", list_.get()));
   ASSERT_EQ(host_.users().boxes.size(), 1U);
   EXPECT_EQ(host_.users().boxes[0].text, L"Couldn't start Excel and get Application object.");
   EXPECT_FALSE(std::filesystem::exists(platform::toUtf8(path(L"r.xls"))));
@@ -120,7 +120,7 @@ TEST_F(Writers, TellTheUserThatTheSpreadsheetProgramCannotBeStarted) {
 TEST_F(Writers, LetAFailureOfTheSpreadsheetProgramEndTheCommand) {
   add(makeRecord(L"SL1", 120.0, {{-1, 2}}, {}));
   const auto whole = recordSheets();
-  ASSERT_EQ(writeProjectionExcel(path(L"r.xls"), L"", list_.get()), 1);
+  ASSERT_TRUE(writeProjectionExcel(path(L"r.xls"), L"", list_.get()));
   ASSERT_EQ(whole->writes.size(), 7U + 2U + 2U);
   for (std::size_t place = 0; place < whole->writes.size(); ++place) {
     const auto sheet = recordSheets();

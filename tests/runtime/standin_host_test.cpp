@@ -9,6 +9,7 @@
 
 #include "host/picking.h"
 #include "host/site_tree.h"
+#include "services/excel_driver.h"
 #include "small_drawing.h"
 #include "support/run_program.h"
 
@@ -209,40 +210,61 @@ TEST(StandinHost, TheOverallListFindsItsHandlesThroughTheRunTime) {
   EXPECT_EQ(host.standinRunTime().openObjectCount(), 0U);
 }
 
-// ---------------------------------------------------------------- sheets
+// ---------------------------------------------------------------- workbooks
 
-class FailingSheet final : public host::Sheet {
- public:
-  bool start() override { return true; }
-  void writeCell(const host::CString&, const host::CString&) override {}
-  void writeNumberCell(const host::CString&, const host::CString&) override {}
-  void finish(const host::CString&) override { throw framework::AutomationException("the disk is full"); }
-};
-
-TEST(ObservedSheet, RecordsAFailedSaveAndLetsItEndTheCommand) {
-  FileJournal journal;
-  ObservedSheet sheet(std::make_unique<FailingSheet>(), journal);
-  ASSERT_TRUE(sheet.start());
-  sheet.writeCell(L"A1", L"text");
-  EXPECT_THROW(sheet.finish(L"road.xls"), framework::AutomationException);
-  ASSERT_EQ(journal.events().size(), 1U);
-  EXPECT_EQ(journal.events()[0].fate, FileFate::Failed);
-  EXPECT_EQ(journal.events()[0].path, "road.xls");
-  EXPECT_EQ(journal.events()[0].reason, "the disk is full");
+/// A workbook with one cell, saved under `path` through the module's own driver.
+void writeWorkbook(const std::string& path) {
+  services::ExcelLink link;
+  ASSERT_TRUE(services::startExcel(link));
+  services::writeCell(link, L"A1", L"text");
+  services::finishExcel(link, platform::fromUtf8(path));
 }
 
-TEST(ObservedSheet, RecordsWhatARealWorkbookBecame) {
+TEST(HostWorkbooks, LeaveTheReasonOfAFailedSaveInTheJournalAndEndTheCommand) {
   const test::TemporaryFolder folder;
   TestFrontEnd frontEnd;
   StandinHost host(frontEnd);
-  auto sheet = host.createSheet();
-  ASSERT_TRUE(sheet->start());
-  sheet->writeCell(L"A1", L"text");
+  const std::string path = (folder / "missing/road.xls").string();
+  EXPECT_THROW(writeWorkbook(path), framework::AutomationException);
+  ASSERT_EQ(host.journal().events().size(), 1U);
+  EXPECT_EQ(host.journal().events()[0].fate, FileFate::Failed);
+  EXPECT_EQ(host.journal().events()[0].path, path);
+  EXPECT_EQ(host.journal().events()[0].reason, "workbook: no file can be made in its folder");
+}
+
+TEST(HostWorkbooks, LeaveTheirSizeInTheJournal) {
+  const test::TemporaryFolder folder;
+  TestFrontEnd frontEnd;
+  StandinHost host(frontEnd);
   const std::string path = (folder / "road.xls").string();
-  sheet->finish(platform::fromUtf8(path));
-  ASSERT_NE(host.journal().last(path), nullptr);
-  EXPECT_EQ(host.journal().last(path)->fate, FileFate::Written);
-  EXPECT_EQ(host.journal().last(path)->bytes, std::filesystem::file_size(path));
+  writeWorkbook(path);
+  ASSERT_EQ(host.journal().events().size(), 1U);
+  EXPECT_EQ(host.journal().events()[0].fate, FileFate::Written);
+  EXPECT_EQ(host.journal().events()[0].path, path);
+  EXPECT_EQ(host.journal().events()[0].bytes, std::filesystem::file_size(path));
+}
+
+TEST(HostWorkbooks, StopWhereTheUserWantsToAndLeaveNoFile) {
+  const test::TemporaryFolder folder;
+  TestFrontEnd frontEnd;
+  int cellsLeft = 2;
+  HostOptions options;
+  options.isInterrupted = [&cellsLeft] { return cellsLeft-- == 0; };
+  const StandinHost host(frontEnd, options);
+  services::ExcelLink link;
+  ASSERT_TRUE(services::startExcel(link));
+  services::writeCell(link, L"A1", L"text");
+  services::writeNumberCell(link, L"A2", L"1.000");
+  EXPECT_THROW(services::finishExcel(link, platform::fromUtf8((folder / "road.xls").string())), Interrupted);
+  EXPECT_TRUE(host.journal().events().empty());
+  EXPECT_FALSE(std::filesystem::exists(folder / "road.xls"));
+}
+
+TEST(HostWorkbooks, AreTheOnlyProgramThatCanBeStarted) {
+  TestFrontEnd frontEnd;
+  StandinHost host(frontEnd);
+  EXPECT_NE(host.createAutomationObject(L"Excel.Application"), nullptr);
+  EXPECT_EQ(host.createAutomationObject(L"Other.Application"), nullptr);
 }
 
 }  // namespace

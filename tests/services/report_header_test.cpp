@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "doubles/fake_host.h"
+#include "doubles/recording_excel.h"
 #include "services/narrow_write.h"
 
 namespace lvx::services {
@@ -45,25 +46,18 @@ CString htmlHeader(Message title, const CString& path, std::int64_t time = kMome
   return text;
 }
 
-/// Records cells in the order in which they are written.
-class CellRecorder final : public host::Sheet {
- public:
-  [[nodiscard]] bool start() override { return true; }
-  void writeCell(const CString& cell, const CString& text) override { cells.emplace_back(cell, text); }
-  void writeNumberCell(const CString& cell, const CString& text) override {
-    cells.emplace_back(cell, L"number " + text);
-  }
-  void finish(const CString&) override {}
-  std::vector<std::pair<CString, CString>> cells;
-};
-
-std::vector<std::pair<CString, CString>> excelHeader(Message title, const CString& path, std::int64_t time = kMoment) {
-  auto sheet = std::make_unique<CellRecorder>();
-  CellRecorder& cells = *sheet;
+/// The header's cells in the order in which they are written.
+std::vector<std::pair<CString, CString>> excelHeader(FakeHost& host, Message title, const CString& path,
+                                                     std::int64_t time = kMoment) {
+  const auto record = std::make_shared<test::ExcelRecord>();
+  host.setAutomationFactory(test::recordedBy(record));
   ExcelLink link;
-  link.sheet = std::move(sheet);
+  EXPECT_TRUE(startExcel(link));
   writeExcelHeader(link, title, path, time);
-  return cells.cells;
+  std::vector<std::pair<CString, CString>> cells;
+  for (const test::ExcelRecord::Write& write : record->writes)
+    cells.emplace_back(write.cell, (write.number ? L"number " : L"") + write.text);
+  return cells;
 }
 
 const std::string kStarLine(55, '*');
@@ -195,7 +189,7 @@ TEST(ExcelHeader, FillsSevenCellsOfColumnA) {
   FakeHost host({.fixedMoment = kMoment});
   host.useMessageBytes(kMessages);
   const std::wstring stars(55, L'*');
-  EXPECT_EQ(excelHeader(Message::PointsTitle, L"out/50% road.xls"),
+  EXPECT_EQ(excelHeader(host, Message::PointsTitle, L"out/50% road.xls"),
             (std::vector<std::pair<CString, CString>>{{L"A1", stars},
                                                       {L"A2", L"* Points"},
                                                       {L"A3", L"* Vantor Lorvix 2021\r\n"},
@@ -228,7 +222,7 @@ TEST(HtmlHeader, AddsToWhatStandsThere) {
 TEST(ReportHeader, PercentSignsOfItsMessagesAreConversions) {
   FakeHost host({.fixedMoment = kMoment});
   host.useMessageBytes("101 100%% of %d %s\r\n118 %d file\r\n119 %d Date\r\n120 Time %\r\n");
-  const auto cells = excelHeader(Message::ProjectionTitle, L"path");
+  const auto cells = excelHeader(host, Message::ProjectionTitle, L"path");
   EXPECT_EQ(cells[1].second, L"* 100% of 0 (null)");
   // The conversion of the label takes the path, which is no integer; nothing is left for the line's own.
   EXPECT_EQ(cells[3].second, L"* 0 file  : (null)");
@@ -244,7 +238,7 @@ TEST(ReportHeader, AMomentWithoutACalendarDateShowsNoughtsAndMinusOnes) {
   FakeHost host;
   host.useMessageBytes(kMessages);
   for (const std::int64_t moment : {std::int64_t{-1}, std::numeric_limits<std::int64_t>::max()}) {
-    const auto cells = excelHeader(Message::ProjectionTitle, L"p", moment);
+    const auto cells = excelHeader(host, Message::ProjectionTitle, L"p", moment);
     EXPECT_EQ(cells[4].second, L"* Date  : 00.00.0000");
     EXPECT_EQ(cells[5].second, L"* Time   : -1:-1:-1");
     EXPECT_NE(asciiHeader(host, Message::ProjectionTitle, L"p", moment)

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "doubles/recording_sheet.h"
+#include "doubles/recording_excel.h"
 #include "platform/posix/posix_platform.h"
 
 namespace lvx::test {
@@ -22,13 +22,13 @@ inline std::string quoted(const CString& text) {
   return all + '"';
 }
 
-/// What came to a sheet, one line a call:
+/// What came to a sheet, one line a cell:
 ///     A1 text "* Profiles"
 ///     B11 number "-5.000"
 ///     save "report.xls"
-inline std::string cellLog(const SheetRecord& record) {
+inline std::string cellLog(const ExcelRecord& record) {
   std::string log;
-  for (const SheetRecord::Write& write : record.writes)
+  for (const ExcelRecord::Write& write : record.writes)
     log += platform::toUtf8(write.cell) + (write.number ? " number " : " text ") + quoted(write.text) + '\n';
   if (record.finishedAs) log += "save " + quoted(*record.finishedAs) + '\n';
   return log;

@@ -6,8 +6,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include "doubles/fake_host.h"
 #include "platform/posix/posix_platform.h"
-#include "workbook/workbook_sheet.h"
+#include "services/excel_driver.h"
+#include "workbook/workbook_server.h"
 
 namespace {
 
@@ -22,18 +24,20 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: workbook_sample WORKBOOK EXPECTATION\n");
     return 2;
   }
-  lvx::workbook::WorkbookSheet sheet;
-  if (!sheet.start()) return 1;
+  lvx::test::FakeHost host;
+  host.setAutomationFactory([](const std::wstring&) { return lvx::workbook::startWorkbookServer(); });
+  lvx::services::ExcelLink sheet;
+  if (!lvx::services::startExcel(sheet)) return 1;
   nlohmann::json shown = nlohmann::json::object();
   const auto name = [](int row, int column) {
     return std::string(1, static_cast<char>('A' + column)) + std::to_string(row);
   };
   const auto text = [&](int row, int column, const std::string& value, const std::string& seen) {
-    sheet.writeCell(fromUtf8(name(row, column)), fromUtf8(value));
+    lvx::services::writeCell(sheet, fromUtf8(name(row, column)), fromUtf8(value));
     shown[name(row, column)] = {"string", seen};
   };
   const auto number = [&](int row, int column, const std::string& value, const char* kind = "float") {
-    sheet.writeNumberCell(fromUtf8(name(row, column)), fromUtf8(value));
+    lvx::services::writeNumberCell(sheet, fromUtf8(name(row, column)), fromUtf8(value));
     shown[name(row, column)] = {kind, value == "-0.000" ? "0.000" : value};
   };
 
@@ -80,7 +84,7 @@ int main(int argc, char** argv) {
   }
   text(3, 3, "late", "late");
 
-  sheet.finish(fromUtf8(argv[1]));
+  lvx::services::finishExcel(sheet, fromUtf8(argv[1]));
   std::ofstream expectation(argv[2], std::ios::binary);
   expectation << shown.dump();
   expectation.close();

@@ -12,22 +12,6 @@
 
 namespace lvx::test {
 
-namespace {
-
-/// What stands in place of the spreadsheet program where a test set none.
-class AbsentSheet final : public host::Sheet {
- public:
-  [[nodiscard]] bool start() override { return false; }
-  void writeCell(const CString&, const CString&) override { fail(); }
-  void writeNumberCell(const CString&, const CString&) override { fail(); }
-  void finish(const CString&) override { fail(); }
-
- private:
-  static void fail() { throw framework::AutomationException("a sheet that was never started"); }
-};
-
-}  // namespace
-
 host::VnRxObject* FakeDictionary::at(const CString& name) {
   const auto found = objects.find(name);
   return found == objects.end() ? nullptr : found->second;
@@ -166,8 +150,8 @@ CString FakeHost::folder() {
   return platform::fromUtf8(folder_ + "/");
 }
 
-std::unique_ptr<host::Sheet> FakeHost::createSheet() {
-  return sheetFactory_ ? sheetFactory_() : std::make_unique<AbsentSheet>();
+host::Ref<host::AutomationObject> FakeHost::createAutomationObject(const CString& programId) {
+  return automationFactory_ ? automationFactory_(programId) : nullptr;
 }
 
 host::DialogRunner& FakeHost::dialogs() {

@@ -135,8 +135,10 @@ class FakeHost final : public host::Host {
   void useMessages(const std::string& language);
   /// Writes `bytes` as the message file into the scope's own folder and uses it.
   void useMessageBytes(const std::string& bytes);
-  /// What createSheet gives; without it a sheet whose program isn't there.
-  void setSheetFactory(std::function<std::unique_ptr<host::Sheet>()> factory) { sheetFactory_ = std::move(factory); }
+  /// What starts programs for automation; without it none can be started.
+  void setAutomationFactory(std::function<host::Ref<host::AutomationObject>(const CString& programId)> factory) {
+    automationFactory_ = std::move(factory);
+  }
   /// A running application; without it the look-up of the identifier fails. An empty reference is an application that
   /// is found but hands out nothing.
   void setApplication(const CString& programId, host::Ref<host::VantorApplication> application);
@@ -152,7 +154,7 @@ class FakeHost final : public host::Host {
   [[nodiscard]] host::RunTime& runTime() override { return *runTime_; }
   [[nodiscard]] host::UserInterface& userInterface() override { return userInterface_; }
   [[nodiscard]] platform::Platform& platform() override { return *platform_; }
-  [[nodiscard]] std::unique_ptr<host::Sheet> createSheet() override;
+  [[nodiscard]] host::Ref<host::AutomationObject> createAutomationObject(const CString& programId) override;
   [[nodiscard]] host::DialogRunner& dialogs() override;
   [[nodiscard]] framework::ModuleState& moduleState() override { return moduleState_; }
   [[nodiscard]] host::ActiveApplication activeApplication(const CString& programId) override;
@@ -161,7 +163,7 @@ class FakeHost final : public host::Host {
   std::unique_ptr<FakeRunTime> runTime_;
   FakeUserInterface userInterface_;
   std::unique_ptr<platform::PosixPlatform> platform_;
-  std::function<std::unique_ptr<host::Sheet>()> sheetFactory_;
+  std::function<host::Ref<host::AutomationObject>(const CString& programId)> automationFactory_;
   std::map<CString, host::Ref<host::VantorApplication>> applications_;
   host::DialogRunner* dialogRunner_ = nullptr;
   framework::ModuleState moduleState_;

@@ -47,8 +47,9 @@ void Row::put(std::uint16_t column, const CellValue& value) {
     cells_.push_back({0.0, 0, 0, column, CellKind::Empty, false});
   }
   Cell& cell = cells_[static_cast<std::size_t>(slot)];
-  cell.kind = value.kind;
   cell.threeDecimals = cell.threeDecimals || value.threeDecimals;
+  if (value.kind == CellKind::Kept) return;
+  cell.kind = value.kind;
   cell.number = value.number;
   cell.textBegin = texts_.size();
   cell.textLength = value.text.size();

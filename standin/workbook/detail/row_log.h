@@ -12,7 +12,12 @@
 /// The rows of a sheet on their way into a workbook file.
 namespace lvx::workbook::detail {
 
-enum class CellKind : std::uint8_t { Empty, Text, Number };
+enum class CellKind : std::uint8_t {
+  Empty,
+  Text,
+  Number,
+  Kept,  ///< only given to a row: the cell keeps what it holds and gets the format
+};
 
 /// What a cell holds. The text is UTF-8 and belongs to the row that gave the value.
 struct CellValue {

@@ -1,4 +1,4 @@
-#include "workbook/workbook_sheet.h"
+#include "workbook/detail/workbook_file.h"
 
 #include <charconv>
 #include <cstdlib>
@@ -18,15 +18,12 @@
 #include "standin_platform/atomic_file.h"
 #include "standin_platform/c_locale_scope.h"
 #include "standin_platform/temporary_stream.h"
-#include "workbook/detail/cell_text.h"
 #include "workbook/detail/row_log.h"
 
-namespace lvx::workbook {
+namespace lvx::workbook::detail {
 
 namespace {
 
-using detail::CellKind;
-using detail::CellValue;
 using framework::AutomationException;
 using standin_platform::AtomicFile;
 using standin_platform::AtomicFileError;
@@ -52,7 +49,7 @@ void check(lxw_error error) {
   if (error != LXW_NO_ERROR) throw AutomationException(kCantWrite);
 }
 
-void writeRow(lxw_worksheet* sheet, std::uint32_t number, const detail::Row& row, lxw_format* threeDecimals,
+void writeRow(lxw_worksheet* sheet, std::uint32_t number, const Row& row, lxw_format* threeDecimals,
               std::string& text) {
   row.forEach([&](std::uint16_t column, const CellValue& value) {
     lxw_format* format = value.threeDecimals ? threeDecimals : nullptr;
@@ -64,6 +61,7 @@ void writeRow(lxw_worksheet* sheet, std::uint32_t number, const detail::Row& row
         text.assign(value.text);
         check(worksheet_write_string(sheet, number, column, text.c_str(), format));
         break;
+      case CellKind::Kept:  // no row gives it out
       case CellKind::Empty:
         if (format != nullptr) check(worksheet_write_blank(sheet, number, column, format));
         break;
@@ -84,31 +82,29 @@ bool holdsAllRows(const std::filesystem::path& archive, std::uint64_t rowBytes) 
 
 }  // namespace
 
-/// Cells of the current row gather in `row`; a cell of a later row sends it to the log. Only `finish` knows where the
+/// Cells of the current row gather in `row`; a cell of a later row sends it to the log. Only `save` knows where the
 /// workbook goes and hands the rows to the library, whose constant-memory mode takes them in ascending order only: a cell
 /// of an earlier row waits in `late` and is put into its row then.
-struct WorkbookSheet::State {
-  detail::RowLog log;
-  detail::Row row;
+struct WorkbookFile::State {
+  RowLog log;
+  Row row;
   std::uint32_t rowNumber = 0;
   std::map<std::uint32_t, std::vector<std::pair<std::uint16_t, std::pair<CellValue, std::string>>>> late;
   std::uint64_t lateBytes = 0;
   std::string text;  // reused
 
-  void put(const host::CString& cellName, CellValue value) {
-    const auto place = detail::parseCellName(cellName);
-    if (!place) throw AutomationException("workbook: a cell outside the sheet's 16384 columns and 1048576 rows");
-    if (place->row < rowNumber) {
-      late[place->row].emplace_back(place->column, std::pair(value, std::string(value.text)));
+  void put(CellPlace place, CellValue value) {
+    if (place.row < rowNumber) {
+      late[place.row].emplace_back(place.column, std::pair(value, std::string(value.text)));
       lateBytes += value.text.size();
       return;
     }
-    if (place->row > rowNumber) {
+    if (place.row > rowNumber) {
       if (!row.empty()) log.append(rowNumber, row);
       row.clear();
-      rowNumber = place->row;
+      rowNumber = place.row;
     }
-    row.put(place->column, value);
+    row.put(place.column, value);
   }
 
   /// Calls use(number, row) for every row that has a cell, ascending.
@@ -116,8 +112,8 @@ struct WorkbookSheet::State {
   void replay(Use use) {
     if (!row.empty()) log.append(rowNumber, row);
     log.rewind();
-    detail::Row passedOver;  // of a row that only late cells have
-    const auto addLate = [](const auto& cells, detail::Row& to) {
+    Row passedOver;  // of a row that only late cells have
+    const auto addLate = [](const auto& cells, Row& to) {
       for (const auto& [column, cell] : cells) {
         CellValue value = cell.first;
         value.text = cell.second;
@@ -140,38 +136,47 @@ struct WorkbookSheet::State {
       }
       use(number, row);
     }
-    useBefore(detail::kRowLimit);
+    useBefore(kRowLimit);
   }
 };
 
-WorkbookSheet::WorkbookSheet() = default;
-WorkbookSheet::~WorkbookSheet() = default;
+WorkbookFile::WorkbookFile() : state_(std::make_unique<State>()) {}
+WorkbookFile::~WorkbookFile() = default;
 
-bool WorkbookSheet::start() {
-  state_ = std::make_unique<State>();
-  return true;
+WorkbookFile::State& WorkbookFile::gathered() {
+  if (!state_) throw AutomationException("workbook: it was saved and takes nothing more");
+  return *state_;
 }
 
-void WorkbookSheet::writeCell(const host::CString& cellName, const host::CString& text) {
-  if (!state_) throw AutomationException("workbook: not started");
-  state_->text.clear();
-  detail::appendCellText(text, state_->text);
-  state_->put(cellName, {state_->text.empty() ? CellKind::Empty : CellKind::Text, false, 0.0, state_->text});
+void WorkbookFile::writeText(CellPlace place, std::wstring_view text) {
+  State& sheet = gathered();
+  sheet.text.clear();
+  appendCellText(text, sheet.text);
+  sheet.put(place, {sheet.text.empty() ? CellKind::Empty : CellKind::Text, false, 0.0, sheet.text});
 }
 
-void WorkbookSheet::writeNumberCell(const host::CString& cellName, const host::CString& text) {
-  if (!state_) throw AutomationException("workbook: not started");
-  if (const auto number = detail::parseNumber(text)) {
-    state_->put(cellName, {CellKind::Number, true, *number, {}});
+void WorkbookFile::writeNumber(CellPlace place, std::wstring_view text) {
+  State& sheet = gathered();
+  if (formatOnly_ == place) formatOnly_.reset();
+  if (const auto number = parseNumber(text)) {
+    sheet.put(place, {CellKind::Number, true, *number, {}});
     return;
   }
-  state_->text.clear();
-  detail::appendCellText(text, state_->text);
-  state_->put(cellName, {state_->text.empty() ? CellKind::Empty : CellKind::Text, true, 0.0, state_->text});
+  sheet.text.clear();
+  appendCellText(text, sheet.text);
+  sheet.put(place, {sheet.text.empty() ? CellKind::Empty : CellKind::Text, true, 0.0, sheet.text});
 }
 
-void WorkbookSheet::finish(const host::CString& path) {
-  if (!state_) throw AutomationException("workbook: not started");
+void WorkbookFile::setThreeDecimals(CellPlace place) {
+  State& sheet = gathered();
+  if (formatOnly_ && *formatOnly_ != place) sheet.put(*formatOnly_, {CellKind::Kept, true, 0.0, {}});
+  formatOnly_ = place;
+}
+
+void WorkbookFile::save(const framework::CString& path) {
+  State& cells = gathered();
+  if (formatOnly_) cells.put(*formatOnly_, {CellKind::Kept, true, 0.0, {}});
+  formatOnly_.reset();
   std::unique_ptr<State> state = std::move(state_);
 
   // The library prints numbers by the thread's locale, and a workbook knows only the point.
@@ -202,8 +207,7 @@ void WorkbookSheet::finish(const host::CString& path) {
   check(workbook_set_properties(book.get(), &properties));
 
   std::string text;
-  state->replay(
-      [&](std::uint32_t number, const detail::Row& row) { writeRow(sheet, number, row, threeDecimals, text); });
+  state->replay([&](std::uint32_t number, const Row& row) { writeRow(sheet, number, row, threeDecimals, text); });
   state.reset();
 
   lxw_worksheet_write_single_row(sheet);  // the last row still waits in the library
@@ -219,4 +223,4 @@ void WorkbookSheet::finish(const host::CString& path) {
   }
 }
 
-}  // namespace lvx::workbook
+}  // namespace lvx::workbook::detail

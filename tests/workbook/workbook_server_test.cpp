@@ -1,18 +1,26 @@
-#include "workbook/workbook_sheet.h"
+#include "workbook/workbook_server.h"
 
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <memory>
 #include <random>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include "doubles/fake_host.h"
 #include "framework/exceptions.h"
+#include "host/excel_operations.h"
 #include "platform/posix/posix_platform.h"
+#include "services/excel_driver.h"
 #include "support/workbook_reader.h"
 
 namespace {
@@ -21,11 +29,29 @@ namespace fs = std::filesystem;
 using lvx::framework::AutomationException;
 using lvx::test::readWorkbook;
 using lvx::test::WorkbookCell;
-using lvx::workbook::WorkbookSheet;
+using lvx::workbook::startWorkbookServer;
 
-class WorkbookSheetTest : public testing::Test {
+/// One workbook after another through the module's driver, as a report's writer makes them.
+class DrivenSheet {
+ public:
+  [[nodiscard]] bool start() {
+    link_ = std::make_unique<lvx::services::ExcelLink>();
+    return lvx::services::startExcel(*link_);
+  }
+  void writeCell(const std::wstring& cell, const std::wstring& text) { lvx::services::writeCell(*link_, cell, text); }
+  void writeNumberCell(const std::wstring& cell, const std::wstring& text) {
+    lvx::services::writeNumberCell(*link_, cell, text);
+  }
+  void finish(const std::wstring& path) { lvx::services::finishExcel(*link_, path); }
+
+ private:
+  std::unique_ptr<lvx::services::ExcelLink> link_;
+};
+
+class WorkbookServerTest : public testing::Test {
  protected:
   void SetUp() override {
+    host_.setAutomationFactory([](const std::wstring&) { return startWorkbookServer(); });
     std::string pattern = fs::temp_directory_path() / "lvx-workbook-XXXXXX";
     ASSERT_NE(mkdtemp(pattern.data()), nullptr);
     folder_ = pattern;
@@ -45,12 +71,13 @@ class WorkbookSheetTest : public testing::Test {
   }
 
   fs::path folder_;
-  WorkbookSheet sheet_;
+  lvx::test::FakeHost host_;
+  DrivenSheet sheet_;
 };
 
 const WorkbookCell kNumber{"-12.5", true, "0.000"};
 
-TEST_F(WorkbookSheetTest, KeepsTextsAsStringsAndNumbersAsNumbers) {
+TEST_F(WorkbookServerTest, KeepsTextsAsStringsAndNumbersAsNumbers) {
   sheet_.writeCell(L"A1", L"title");
   sheet_.writeCell(L"B1", L"1234.5");
   sheet_.writeNumberCell(L"C1", L"-12.500");
@@ -61,7 +88,7 @@ TEST_F(WorkbookSheetTest, KeepsTextsAsStringsAndNumbersAsNumbers) {
   EXPECT_EQ(cells.at("C1"), kNumber);
 }
 
-TEST_F(WorkbookSheetTest, NeverMakesAFormula) {
+TEST_F(WorkbookServerTest, NeverMakesAFormula) {
   const std::wstring texts[] = {
       L"=1+1", L"{=A1}", L"+1", L"-1", L"@x", L"'quoted", L"*******************", L"http://x.example", L"#N/A"};
   int row = 0;
@@ -73,7 +100,7 @@ TEST_F(WorkbookSheetTest, NeverMakesAFormula) {
     EXPECT_EQ(cells.at("A" + std::to_string(++row)).text, std::string(text.begin(), text.end()));
 }
 
-TEST_F(WorkbookSheetTest, KeepsControlCharactersMarkupAndBlanks) {
+TEST_F(WorkbookServerTest, KeepsControlCharactersMarkupAndBlanks) {
   sheet_.writeCell(L"A3", L"* Vantor Lorvix 2021\r\n");
   sheet_.writeCell(L"A4", L"  <a href=\"x\">&amp;</a>  ");
   sheet_.writeCell(L"A5", L"\x01\x1B\t\x7F");
@@ -87,7 +114,7 @@ TEST_F(WorkbookSheetTest, KeepsControlCharactersMarkupAndBlanks) {
   EXPECT_EQ(cells.at("A7").text, "\xC3\x84\xE2\x82\xAC\xF0\x9F\x9B\xA3");
 }
 
-TEST_F(WorkbookSheetTest, SurvivesTextsThatNoFileCanHold) {
+TEST_F(WorkbookServerTest, SurvivesTextsThatNoFileCanHold) {
   sheet_.writeCell(L"A1", std::wstring{L'a', L'\xDC80', L'\xD800', L'\xFFFF'});
   sheet_.writeCell(L"A2", std::wstring(100000, L'\r'));
   sheet_.writeCell(L"A3", std::wstring(100000, L'\xFFFE'));
@@ -97,7 +124,7 @@ TEST_F(WorkbookSheetTest, SurvivesTextsThatNoFileCanHold) {
   EXPECT_EQ(cells.at("A3").text.size(), 32767U / 7 * 3);
 }
 
-TEST_F(WorkbookSheetTest, PutsATextThatIsNoNumberIntoANumberCellAsAString) {
+TEST_F(WorkbookServerTest, PutsATextThatIsNoNumberIntoANumberCellAsAString) {
   int row = 0;
   for (const wchar_t* text : {L"nan", L"-inf", L"---"}) sheet_.writeNumberCell(L"B" + std::to_wstring(++row), text);
   const auto cells = finished();
@@ -106,7 +133,7 @@ TEST_F(WorkbookSheetTest, PutsATextThatIsNoNumberIntoANumberCellAsAString) {
   EXPECT_EQ(cells.at("B3"), (WorkbookCell{"---", false, "0.000"}));
 }
 
-TEST_F(WorkbookSheetTest, KeepsEveryDigitOfACoordinate) {
+TEST_F(WorkbookServerTest, KeepsEveryDigitOfACoordinate) {
   sheet_.writeNumberCell(L"A1", L"480012345.678");
   sheet_.writeNumberCell(L"A2", L"-0.000");
   sheet_.writeNumberCell(L"A3", L"0.001");
@@ -116,7 +143,7 @@ TEST_F(WorkbookSheetTest, KeepsEveryDigitOfACoordinate) {
   EXPECT_EQ(cells.at("A3").text, "0.001");
 }
 
-TEST_F(WorkbookSheetTest, LeavesEmptyTextsOutAndLetsThemEmptyACell) {
+TEST_F(WorkbookServerTest, LeavesEmptyTextsOutAndLetsThemEmptyACell) {
   sheet_.writeCell(L"A1", L"");
   sheet_.writeCell(L"B1", L"gone");
   sheet_.writeCell(L"B1", L"");
@@ -124,7 +151,7 @@ TEST_F(WorkbookSheetTest, LeavesEmptyTextsOutAndLetsThemEmptyACell) {
   EXPECT_EQ(finished(), (std::map<std::string, WorkbookCell>{{"C1", {"stays"}}}));
 }
 
-TEST_F(WorkbookSheetTest, TakesTheLastWordOnACellAndKeepsItsFormat) {
+TEST_F(WorkbookServerTest, TakesTheLastWordOnACellAndKeepsItsFormat) {
   sheet_.writeNumberCell(L"A1", L"-12.500");
   sheet_.writeCell(L"A1", L"text");
   sheet_.writeCell(L"B1", L"text");
@@ -134,14 +161,14 @@ TEST_F(WorkbookSheetTest, TakesTheLastWordOnACellAndKeepsItsFormat) {
   EXPECT_EQ(cells.at("B1"), kNumber);
 }
 
-TEST_F(WorkbookSheetTest, TakesColumnsOfARowInAnyOrder) {
+TEST_F(WorkbookServerTest, TakesColumnsOfARowInAnyOrder) {
   for (const wchar_t* name : {L"D12", L"Q12", L"A12", L"AA12", L"B12"}) sheet_.writeCell(name, name);
   const auto cells = finished();
   ASSERT_EQ(cells.size(), 5U);
   for (const auto& [name, cell] : cells) EXPECT_EQ(cell.text, name);
 }
 
-TEST_F(WorkbookSheetTest, TakesCellsOfEarlierRows) {
+TEST_F(WorkbookServerTest, TakesCellsOfEarlierRows) {
   sheet_.writeCell(L"A10", L"ten");
   sheet_.writeNumberCell(L"B10", L"1.000");
   sheet_.writeCell(L"A20", L"twenty");
@@ -157,7 +184,7 @@ TEST_F(WorkbookSheetTest, TakesCellsOfEarlierRows) {
   EXPECT_EQ(finished(), expected);
 }
 
-TEST_F(WorkbookSheetTest, AgreesWithAPlainMapOnRandomWrites) {
+TEST_F(WorkbookServerTest, AgreesWithAPlainMapOnRandomWrites) {
   const unsigned seed = 20401;
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937 random(seed);
@@ -185,30 +212,28 @@ TEST_F(WorkbookSheetTest, AgreesWithAPlainMapOnRandomWrites) {
   EXPECT_EQ(finished(), expected);
 }
 
-TEST_F(WorkbookSheetTest, SavesAnEmptySheet) { EXPECT_TRUE(finished().empty()); }
+TEST_F(WorkbookServerTest, SavesAnEmptySheet) { EXPECT_TRUE(finished().empty()); }
 
-TEST_F(WorkbookSheetTest, HoldsALastRowAndNoFurther) {
+TEST_F(WorkbookServerTest, HoldsALastRowAndNoFurther) {
   sheet_.writeCell(L"XFD1048576", L"corner");
   EXPECT_THROW(sheet_.writeCell(L"A1048577", L"beyond"), AutomationException);
   EXPECT_EQ(finished().at("XFD1048576").text, "corner");
 }
 
-TEST_F(WorkbookSheetTest, RefusesANameThatIsNoCell) {
+TEST_F(WorkbookServerTest, RefusesANameThatIsNoCell) {
   EXPECT_THROW(sheet_.writeCell(L"A-1", L"x"), AutomationException);
   EXPECT_THROW(sheet_.writeNumberCell(L"", L"1.000"), AutomationException);
 }
 
-TEST_F(WorkbookSheetTest, TakesNothingBeforeStartOrAfterFinish) {
-  WorkbookSheet idle;
-  EXPECT_THROW(idle.writeCell(L"A1", L"x"), AutomationException);
-  EXPECT_THROW(idle.finish(wide("x.xls")), AutomationException);
+TEST_F(WorkbookServerTest, TakesNothingAfterItsEnd) {
   (void)finished();
+  EXPECT_THROW(sheet_.writeCell(L"A1", L"x"), AutomationException);
   EXPECT_THROW(sheet_.writeNumberCell(L"A1", L"1.000"), AutomationException);
   EXPECT_THROW(sheet_.finish(wide("road.xls")), AutomationException);
   EXPECT_EQ(filesInFolder(), 1U);
 }
 
-TEST_F(WorkbookSheetTest, StartsAnewAfterItsEnd) {
+TEST_F(WorkbookServerTest, StartsAnewAfterItsEnd) {
   sheet_.writeCell(L"A1", L"first");
   (void)finished();
   ASSERT_TRUE(sheet_.start());
@@ -216,16 +241,16 @@ TEST_F(WorkbookSheetTest, StartsAnewAfterItsEnd) {
   EXPECT_EQ(finished(), (std::map<std::string, WorkbookCell>{{"B2", {"second"}}}));
 }
 
-TEST_F(WorkbookSheetTest, LeavesNothingWhenGivenUp) {
+TEST_F(WorkbookServerTest, LeavesNothingWhenGivenUp) {
   {
-    WorkbookSheet unfinished;
+    DrivenSheet unfinished;
     ASSERT_TRUE(unfinished.start());
     unfinished.writeCell(L"A1", L"x");
   }
   EXPECT_EQ(filesInFolder(), 0U);
 }
 
-TEST_F(WorkbookSheetTest, FailsCleanlyWhereItsPlaceIsTakenOrMissing) {
+TEST_F(WorkbookServerTest, FailsCleanlyWhereItsPlaceIsTakenOrMissing) {
   fs::create_directories(folder_ / "road.xls" / "inside");
   sheet_.writeCell(L"A1", L"x");
   EXPECT_THROW(sheet_.finish(wide("road.xls")), AutomationException);
@@ -235,7 +260,7 @@ TEST_F(WorkbookSheetTest, FailsCleanlyWhereItsPlaceIsTakenOrMissing) {
   EXPECT_EQ(filesInFolder(), 1U);
 }
 
-TEST_F(WorkbookSheetTest, TakesAnOddFileName) {
+TEST_F(WorkbookServerTest, TakesAnOddFileName) {
   sheet_.writeCell(L"A1", L"x");
   sheet_.finish(
       wide("stra\xC3\x9F"
@@ -247,7 +272,7 @@ TEST_F(WorkbookSheetTest, TakesAnOddFileName) {
   EXPECT_EQ(filesInFolder(), 1U);
 }
 
-TEST_F(WorkbookSheetTest, GivesTheSameBytesForTheSameMoment) {
+TEST_F(WorkbookServerTest, GivesTheSameBytesForTheSameMoment) {
   ::setenv("SOURCE_DATE_EPOCH", "1700000000", 1);
   std::string bytes[2];
   for (auto& copy : bytes) {
@@ -285,7 +310,7 @@ class FileSizeLimit {
   void (*before_)(int) = nullptr;
 };
 
-TEST_F(WorkbookSheetTest, LeavesTheOlderFileAndNothingElseWhenTheDiskFillsUp) {
+TEST_F(WorkbookServerTest, LeavesTheOlderFileAndNothingElseWhenTheDiskFillsUp) {
   std::ofstream(folder_ / "road.xls") << "older";
   int failures = 0;
   // The rows take about 190,000 bytes: limits below, just around and above that size, the archive's own included.
@@ -317,7 +342,7 @@ TEST_F(WorkbookSheetTest, LeavesTheOlderFileAndNothingElseWhenTheDiskFillsUp) {
   EXPECT_LT(failures, 80);
 }
 
-TEST_F(WorkbookSheetTest, SaysWhenTheTemporaryFolderIsFull) {
+TEST_F(WorkbookServerTest, SaysWhenTheTemporaryFolderIsFull) {
   const FileSizeLimit full(500000);
   const std::wstring text(30000, L'x');
   EXPECT_THROW(
@@ -329,7 +354,7 @@ TEST_F(WorkbookSheetTest, SaysWhenTheTemporaryFolderIsFull) {
   EXPECT_EQ(filesInFolder(), 0U);
 }
 
-TEST_F(WorkbookSheetTest, HoldsAHundredThousandRowsInConstantMemory) {
+TEST_F(WorkbookServerTest, HoldsAHundredThousandRowsInConstantMemory) {
   const auto peak = [] {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
@@ -354,6 +379,167 @@ TEST_F(WorkbookSheetTest, HoldsAHundredThousandRowsInConstantMemory) {
     ASSERT_EQ(cells.at("A" + number).text, "survey point " + number);
     for (const char column : {'B', 'C', 'D'}) ASSERT_EQ(cells.at(column + number).text, number + ".125");
   }
+}
+
+// ---------------------------------------------------------------- the server's objects
+
+namespace excel = lvx::host::excel;
+using lvx::host::AutomationObject;
+using lvx::host::AutomationValue;
+using Object = lvx::host::Ref<AutomationObject>;
+using Values = std::vector<AutomationValue>;
+
+AutomationValue text(const std::wstring& value) { return AutomationValue::ofText(value); }
+
+Object addBook(AutomationObject& app) {
+  const Object books = app.get(excel::kApplicationWorkbooks, {}).takeObject();
+  return books->call(excel::kWorkbooksAdd, Values{AutomationValue::missing()}).takeObject();
+}
+
+Object firstSheet(AutomationObject& book) {
+  return book.get(excel::kWorkbookWorksheets, {})
+      .takeObject()
+      ->get(excel::kWorksheetsItem, Values{AutomationValue::ofInteger(1)})
+      .takeObject();
+}
+
+Object cell(AutomationObject& sheet, const std::wstring& name) {
+  return sheet.get(excel::kWorksheetRange, Values{text(name), text(name)}).takeObject();
+}
+
+void save(AutomationObject& sheet, const std::wstring& path) {
+  Values arguments(lvx::host::kSaveAsArguments, AutomationValue::missing());
+  arguments[0] = text(path);
+  sheet.call(excel::kWorksheetSaveAs, arguments);
+}
+
+TEST_F(WorkbookServerTest, KeepsEveryRangeOnItsCellForAsLongAsItIsHeld) {
+  const Object sheet = firstSheet(*addBook(*startWorkbookServer()));
+  std::vector<Object> ranges;
+  for (const wchar_t* name : {L"A1", L"B1", L"C1", L"D1"}) ranges.push_back(cell(*sheet, name));
+  ranges[1]->put(excel::kRangeNumberFormatLocal, text(L"0,000"));
+  for (std::size_t i = 0; i < ranges.size(); ++i) ranges[i]->put(excel::kRangeValue, text(std::to_wstring(i) + L".5"));
+  ranges.clear();
+  cell(*sheet, L"E1")->put(excel::kRangeValue, text(L"4.5"));
+  save(*sheet, wide("road.xls"));
+  EXPECT_EQ(readWorkbook(folder_ / "road.xls"),
+            (std::map<std::string, WorkbookCell>{
+                {"A1", {"0.5"}}, {"B1", {"1.5", true, "0.000"}}, {"C1", {"2.5"}}, {"D1", {"3.5"}}, {"E1", {"4.5"}}}));
+}
+
+TEST_F(WorkbookServerTest, GivesACellItsFormatWhetherOrNotAValueFollows) {
+  const Object sheet = firstSheet(*addBook(*startWorkbookServer()));
+  const auto format = [&sheet](const wchar_t* name) {
+    cell(*sheet, name)->put(excel::kRangeNumberFormatLocal, text(L"0,000"));
+  };
+  cell(*sheet, L"A2")->put(excel::kRangeValue, text(L"stays"));
+  format(L"A2");
+  format(L"B2");
+  format(L"A1");
+  const Object last = cell(*sheet, L"A3");
+  last->put(excel::kRangeValue, text(L"first"));
+  last->put(excel::kRangeNumberFormatLocal, text(L"0,000"));
+  last->put(excel::kRangeValue, text(L"2.000"));
+  last->put(excel::kRangeValue, text(L"3.000"));
+  format(L"A4");
+  save(*sheet, wide("road.xls"));
+  EXPECT_EQ(readWorkbook(folder_ / "road.xls"), (std::map<std::string, WorkbookCell>{{"A1", {"", false, "0.000"}},
+                                                                                     {"A2", {"stays", false, "0.000"}},
+                                                                                     {"B2", {"", false, "0.000"}},
+                                                                                     {"A3", {"3", true, "0.000"}},
+                                                                                     {"A4", {"", false, "0.000"}}}));
+}
+
+TEST_F(WorkbookServerTest, KeepsTwoWorkbooksApart) {
+  const Object app = startWorkbookServer();
+  const Object first = firstSheet(*addBook(*app));
+  const Object second = firstSheet(*addBook(*app));
+  cell(*first, L"A1")->put(excel::kRangeValue, text(L"first"));
+  cell(*second, L"A1")->put(excel::kRangeValue, text(L"second"));
+  save(*first, wide("first.xls"));
+  save(*second, wide("second.xls"));
+  EXPECT_EQ(readWorkbook(folder_ / "first.xls").at("A1").text, "first");
+  EXPECT_EQ(readWorkbook(folder_ / "second.xls").at("A1").text, "second");
+}
+
+TEST_F(WorkbookServerTest, RefusesOperationsThatAnObjectHasNot) {
+  const Object app = startWorkbookServer();
+  const Object books = app->get(excel::kApplicationWorkbooks, {}).takeObject();
+  const Object book = addBook(*app);
+  const Object sheets = book->get(excel::kWorkbookWorksheets, {}).takeObject();
+  const Object sheet = firstSheet(*book);
+  const Object range = cell(*sheet, L"A1");
+  constexpr lvx::host::DispatchId kNone = 1;
+  for (const Object& object : {app, books, book, sheets, sheet, range}) {
+    EXPECT_THROW((void)object->get(kNone, {}), AutomationException);
+    EXPECT_THROW(object->put(kNone, text(L"x")), AutomationException);
+    EXPECT_THROW(object->call(kNone, {}), AutomationException);
+  }
+}
+
+TEST_F(WorkbookServerTest, RefusesArgumentsThatItWouldHaveToPassOver) {
+  const Object app = startWorkbookServer();
+  const Object books = app->get(excel::kApplicationWorkbooks, {}).takeObject();
+  const Object book = addBook(*app);
+  const Object sheets = book->get(excel::kWorkbookWorksheets, {}).takeObject();
+  const Object sheet = firstSheet(*book);
+  const Object range = cell(*sheet, L"A1");
+  EXPECT_THROW((void)app->get(excel::kApplicationWorkbooks, Values(1)), AutomationException);
+  EXPECT_THROW(books->call(excel::kWorkbooksAdd, {}), AutomationException);
+  EXPECT_THROW(books->call(excel::kWorkbooksAdd, Values{text(L"road.xlt")}), AutomationException);
+  EXPECT_THROW((void)sheets->get(excel::kWorksheetsItem, Values{AutomationValue::ofInteger(2)}), AutomationException);
+  EXPECT_THROW((void)sheets->get(excel::kWorksheetsItem, Values{text(L"1")}), AutomationException);
+  EXPECT_THROW((void)sheet->get(excel::kWorksheetRange, Values{text(L"A1"), text(L"B2")}), AutomationException);
+  EXPECT_THROW((void)sheet->get(excel::kWorksheetRange, Values{text(L"A1")}), AutomationException);
+  EXPECT_THROW(range->put(excel::kRangeValue, AutomationValue::ofInteger(1)), AutomationException);
+  EXPECT_THROW(range->put(excel::kRangeNumberFormatLocal, text(L"0.00")), AutomationException);
+  Values arguments(lvx::host::kSaveAsArguments, AutomationValue::missing());
+  arguments[0] = text(wide("road.xls"));
+  arguments[1] = AutomationValue::ofInteger(51);
+  EXPECT_THROW(sheet->call(excel::kWorksheetSaveAs, arguments), AutomationException);
+  EXPECT_EQ(filesInFolder(), 0U);
+}
+
+TEST_F(WorkbookServerTest, EndsItsApplicationAtQuit) {
+  const Object app = startWorkbookServer();
+  app->call(excel::kApplicationQuit, {});
+  EXPECT_THROW((void)app->get(excel::kApplicationWorkbooks, {}), AutomationException);
+  EXPECT_THROW(app->call(excel::kApplicationQuit, {}), AutomationException);
+}
+
+/// Writes down what it is told and stops the writing where it is asked to.
+class Follower final : public lvx::workbook::WorkbookObserver {
+ public:
+  explicit Follower(std::vector<std::wstring>& told) : told_(told) {}
+  void beforeWriting() override {
+    told_.emplace_back(L"before");
+    if (told_.size() == 4) throw std::runtime_error("stop");
+  }
+  void saved(const std::wstring& path) override { told_.push_back(L"saved " + path); }
+  void notSaved(const std::wstring& path, const char* reason) override {
+    told_.push_back(L"not saved " + path + L": " + std::wstring(reason, reason + std::strlen(reason)));
+  }
+
+ private:
+  std::vector<std::wstring>& told_;
+};
+
+TEST_F(WorkbookServerTest, AsksItsObserverBeforeEachCellAndSavingAndTellsItTheOutcome) {
+  std::vector<std::wstring> told;
+  const Object app = startWorkbookServer(std::make_unique<Follower>(told));
+  const Object sheet = firstSheet(*addBook(*app));
+  const Object range = cell(*sheet, L"A1");
+  range->put(excel::kRangeNumberFormatLocal, text(L"0,000"));
+  range->put(excel::kRangeValue, text(L"1.000"));
+  save(*sheet, wide("road.xls"));
+  const std::vector<std::wstring> wanted{L"before", L"before", L"saved " + wide("road.xls")};
+  EXPECT_EQ(told, wanted);
+
+  const Object other = firstSheet(*addBook(*app));
+  EXPECT_THROW(cell(*other, L"A1")->put(excel::kRangeValue, text(L"x")), std::runtime_error);
+  cell(*other, L"B1")->put(excel::kRangeValue, text(L"y"));
+  EXPECT_THROW(save(*other, wide("missing/road.xls")), AutomationException);
+  EXPECT_EQ(told.back(), L"not saved " + wide("missing/road.xls") + L": workbook: no file can be made in its folder");
 }
 
 }  // namespace

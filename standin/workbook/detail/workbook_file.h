@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "framework/text.h"
+#include "workbook/detail/cell_text.h"
+
+/// A workbook on its way into a file.
+namespace lvx::workbook::detail {
+
+/// One worksheet's cells, gathered until the file's path is known. What becomes of texts, numbers and rows is said at
+/// workbook::startWorkbookServer. Every failure to write raises framework::AutomationException; so does everything after
+/// the saving.
+class WorkbookFile {
+ public:
+  WorkbookFile();
+  WorkbookFile(const WorkbookFile&) = delete;
+  WorkbookFile& operator=(const WorkbookFile&) = delete;
+  ~WorkbookFile();
+
+  /// The cell holds this text from here on.
+  void writeText(CellPlace place, std::wstring_view text);
+  /// The cell holds the number that `text` spells, or the text where it spells none, under the format of three decimals.
+  void writeNumber(CellPlace place, std::wstring_view text);
+  /// The cell shows three decimals from here on; what it holds stays. Free where writeNumber of that cell follows.
+  void setThreeDecimals(CellPlace place);
+  void save(const framework::CString& path);
+
+ private:
+  struct State;
+  [[nodiscard]] State& gathered();
+
+  std::unique_ptr<State> state_;
+  std::optional<CellPlace> formatOnly_;  // given a format, and no number since
+};
+
+}  // namespace lvx::workbook::detail

@@ -1,0 +1,213 @@
+#include "workbook/workbook_server.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+#include "framework/exceptions.h"
+#include "host/excel_operations.h"
+#include "workbook/detail/cell_text.h"
+#include "workbook/detail/workbook_file.h"
+
+namespace lvx::workbook {
+
+namespace {
+
+namespace excel = host::excel;
+using framework::AutomationException;
+using host::AutomationArguments;
+using host::AutomationObject;
+using host::AutomationValue;
+using host::DispatchId;
+
+constexpr std::wstring_view kThreeDecimals = L"0,000";
+
+/// An object without operations; each class adds its own.
+class ServerObject : public AutomationObject {
+ public:
+  AutomationValue get(DispatchId, AutomationArguments) override { fail(); }
+  void put(DispatchId, const AutomationValue&) override { fail(); }
+  AutomationValue call(DispatchId, AutomationArguments) override { fail(); }
+
+ protected:
+  static void require(bool holds, const char* reason) {
+    if (!holds) throw AutomationException(reason);
+  }
+  static void requireOperation(DispatchId asked, DispatchId known, AutomationArguments arguments, std::size_t count) {
+    if (asked != known) fail();
+    require(arguments.size() == count, "workbook: an operation with too many or too few arguments");
+  }
+
+ private:
+  [[noreturn]] static void fail() { throw AutomationException("workbook: an object hasn't got that operation"); }
+};
+
+using ObserverRef = std::shared_ptr<WorkbookObserver>;
+
+/// What a workbook's objects share.
+struct Book {
+  explicit Book(ObserverRef theObserver) : observer(std::move(theObserver)) {}
+  void beforeWriting() const {
+    if (observer) observer->beforeWriting();
+  }
+
+  detail::WorkbookFile file;
+  ObserverRef observer;
+};
+using BookRef = std::shared_ptr<Book>;
+
+class Range final : public ServerObject {
+ public:
+  Range(BookRef book, detail::CellPlace place) : book_(std::move(book)), place_(place) {}
+  /// Becomes the range of another cell.
+  void moveTo(detail::CellPlace place) {
+    place_ = place;
+    threeDecimals_ = false;
+  }
+
+  void put(DispatchId property, const AutomationValue& value) override {
+    switch (property) {
+      case excel::kRangeValue:
+        book_->beforeWriting();
+        if (threeDecimals_)
+          book_->file.writeNumber(place_, value.text());
+        else
+          book_->file.writeText(place_, value.text());
+        break;
+      case excel::kRangeNumberFormatLocal:
+        require(value.text() == kThreeDecimals, "workbook: a number format other than three decimals");
+        book_->file.setThreeDecimals(place_);
+        threeDecimals_ = true;
+        break;
+      default:
+        ServerObject::put(property, value);
+    }
+  }
+
+ private:
+  BookRef book_;
+  detail::CellPlace place_;
+  bool threeDecimals_ = false;
+};
+
+class Worksheet final : public ServerObject {
+ public:
+  explicit Worksheet(BookRef book) : book_(std::move(book)) {}
+
+  AutomationValue get(DispatchId property, AutomationArguments arguments) override {
+    requireOperation(property, excel::kWorksheetRange, arguments, 2);
+    const framework::CString& name = arguments[0].text();
+    require(arguments[1].text() == name, "workbook: a range of more than one cell");
+    const auto place = detail::parseCellName(name);
+    require(place.has_value(), "workbook: a cell outside the sheet's 16384 columns and 1048576 rows");
+    return AutomationValue::ofObject(rangeAt(*place));
+  }
+
+  AutomationValue call(DispatchId method, AutomationArguments arguments) override {
+    requireOperation(method, excel::kWorksheetSaveAs, arguments, host::kSaveAsArguments);
+    for (const AutomationValue& argument : arguments.subspan(1))
+      require(argument.isMissing(), "workbook: saving in another form than the default one");
+    save(arguments[0].text());
+    return {};
+  }
+
+ private:
+  /// Callers hold a cell's range until they have the next one's. So two objects serve all cells; more are made for who
+  /// keeps more.
+  std::shared_ptr<Range> rangeAt(detail::CellPlace place) {
+    for (std::shared_ptr<Range>& range : ranges_) {
+      if (!range) return range = std::make_shared<Range>(book_, place);
+      if (range.use_count() == 1) {
+        range->moveTo(place);
+        return range;
+      }
+    }
+    return std::make_shared<Range>(book_, place);
+  }
+
+  void save(const framework::CString& path) {
+    book_->beforeWriting();
+    try {
+      book_->file.save(path);
+    } catch (const AutomationException& failure) {
+      if (book_->observer) book_->observer->notSaved(path, failure.what());
+      throw;
+    }
+    if (book_->observer) book_->observer->saved(path);
+  }
+
+  BookRef book_;
+  std::array<std::shared_ptr<Range>, 2> ranges_;
+};
+
+class Worksheets final : public ServerObject {
+ public:
+  explicit Worksheets(BookRef book) : sheet_(std::make_shared<Worksheet>(std::move(book))) {}
+
+  AutomationValue get(DispatchId property, AutomationArguments arguments) override {
+    requireOperation(property, excel::kWorksheetsItem, arguments, 1);
+    require(arguments[0].integer() == 1, "workbook: there is one worksheet");
+    return AutomationValue::ofObject(sheet_);
+  }
+
+ private:
+  std::shared_ptr<Worksheet> sheet_;
+};
+
+class Workbook final : public ServerObject {
+ public:
+  explicit Workbook(BookRef book) : sheets_(std::make_shared<Worksheets>(std::move(book))) {}
+
+  AutomationValue get(DispatchId property, AutomationArguments arguments) override {
+    requireOperation(property, excel::kWorkbookWorksheets, arguments, 0);
+    return AutomationValue::ofObject(sheets_);
+  }
+
+ private:
+  std::shared_ptr<Worksheets> sheets_;
+};
+
+class Workbooks final : public ServerObject {
+ public:
+  explicit Workbooks(ObserverRef observer) : observer_(std::move(observer)) {}
+
+  AutomationValue call(DispatchId method, AutomationArguments arguments) override {
+    requireOperation(method, excel::kWorkbooksAdd, arguments, 1);
+    require(arguments[0].isMissing(), "workbook: a template other than the default one");
+    return AutomationValue::ofObject(std::make_shared<Workbook>(std::make_shared<Book>(observer_)));
+  }
+
+ private:
+  ObserverRef observer_;
+};
+
+class Application final : public ServerObject {
+ public:
+  explicit Application(ObserverRef observer) : books_(std::make_shared<Workbooks>(std::move(observer))) {}
+
+  AutomationValue get(DispatchId property, AutomationArguments arguments) override {
+    requireOperation(property, excel::kApplicationWorkbooks, arguments, 0);
+    requireRunning();
+    return AutomationValue::ofObject(books_);
+  }
+
+  AutomationValue call(DispatchId method, AutomationArguments arguments) override {
+    requireOperation(method, excel::kApplicationQuit, arguments, 0);
+    requireRunning();
+    books_.reset();
+    return {};
+  }
+
+ private:
+  void requireRunning() const { require(books_ != nullptr, "workbook: the application has quit"); }
+
+  std::shared_ptr<Workbooks> books_;
+};
+
+}  // namespace
+
+host::Ref<AutomationObject> startWorkbookServer(std::unique_ptr<WorkbookObserver> observer) {
+  return std::make_shared<Application>(std::move(observer));
+}
+
+}  // namespace lvx::workbook
