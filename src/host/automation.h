@@ -13,7 +13,7 @@
 /// spreadsheet program, a server that writes workbook files, or a double that records every call.
 ///
 ///     Ref<AutomationObject> app = vnrxHost()->createAutomationObject(L"Excel.Application");
-///     Ref<AutomationObject> books = app->get(kWorkbooks).takeObject();
+///     Ref<AutomationObject> books = app->get(excel::kApplicationWorkbooks, {}).takeObject();
 ///
 /// For all of it:
 /// - An operation that fails raises framework::AutomationException.

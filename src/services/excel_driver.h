@@ -14,8 +14,8 @@
 ///     writeNumberCell(link, cellName(L'B', 1), L"12.500");
 ///     finishExcel(link, L"C:\\out\\road.xls");
 ///
-/// An automation call that fails raises framework::AutomationException, which nothing here catches. The program isn't
-/// told to quit then: its state is unknown, and what it holds may be worth a look.
+/// An automation call that fails raises framework::AutomationException, which nothing here catches. All references are
+/// released on its way; the program isn't told to quit, so that an invisible copy of it may stay behind.
 namespace lvx::services {
 
 using framework::CString;
