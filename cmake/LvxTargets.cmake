@@ -117,6 +117,27 @@ function(lvx_library name)
     target_compile_features(${target} INTERFACE cxx_std_20)
   endif()
   add_library(lvx::${name} ALIAS ${target})
+  set_property(GLOBAL APPEND PROPERTY LVX_LIBRARIES ${name})
+  set_target_properties(${target} PROPERTIES LVX_FOLDER "${arg_FOLDER}")
+endfunction()
+
+# Writes libraries.txt for the tests of the tree itself: a line for each folder that is a target, with the include
+# directories that a source of its own is compiled with, all divided by tabs.
+function(lvx_list_libraries)
+  get_property(names GLOBAL PROPERTY LVX_LIBRARIES)
+  set(lines)
+  foreach(name IN LISTS names)
+    get_target_property(folder lvx_${name} LVX_FOLDER)
+    get_target_property(type lvx_${name} TYPE)
+    set(property INCLUDE_DIRECTORIES)
+    set(own)
+    if(type STREQUAL "INTERFACE_LIBRARY")
+      set(property INTERFACE_INCLUDE_DIRECTORIES)
+      get_target_property(own lvx_${name} LVX_INSIDE)
+    endif()
+    string(APPEND lines "${folder}\t${own}\t$<JOIN:$<TARGET_PROPERTY:lvx_${name},${property}>,\t>\n")
+  endforeach()
+  file(GENERATE OUTPUT "${PROJECT_BINARY_DIR}/libraries.txt" CONTENT "${lines}")
 endfunction()
 
 # Lets a target include a folder of data as "<last path component>/…".
@@ -152,10 +173,11 @@ function(lvx_qt_library name)
   target_compile_definitions(lvx_${name} PUBLIC QT_NO_KEYWORDS PRIVATE QT_NO_CAST_TO_ASCII)
 endfunction()
 
-# One test program per area; each of its tests becomes a test of CTest's. LABELS lets ./lvx pick (unit, golden, e2e).
-# INSIDE names libraries whose detail/ it tests.
+# One test program per area. Each of its tests becomes a test of CTest's; with WHOLE the program becomes one, for tests whose
+# common start is dear, and writes a record of its tests by which ./lvx counts them. LABELS lets ./lvx pick (unit, golden,
+# e2e). INSIDE names libraries whose detail/ it tests.
 function(lvx_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "LABELS;TIMEOUT" "SOURCES;LINK;INSIDE;DEFINITIONS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "WHOLE" "LABELS;TIMEOUT" "SOURCES;LINK;INSIDE;DEFINITIONS")
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 300)
   endif()
@@ -170,8 +192,21 @@ function(lvx_test name)
   _lvx_look_inside(${target} ${arg_INSIDE})
   target_compile_definitions(${target} PRIVATE LVX_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
                                                LVX_BINARY_DIR="${PROJECT_BINARY_DIR}" ${arg_DEFINITIONS})
-  gtest_discover_tests(${target} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-                       PROPERTIES LABELS "${arg_LABELS}" TIMEOUT ${arg_TIMEOUT})
+  if(arg_WHOLE)
+    lvx_whole_test(${name} ${target} LABELS "${arg_LABELS}" TIMEOUT ${arg_TIMEOUT})
+  else()
+    gtest_discover_tests(${target} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+                         PROPERTIES LABELS "${arg_LABELS}" TIMEOUT ${arg_TIMEOUT})
+  endif()
+endfunction()
+
+# Registers one run of a test program with CTest as a whole. ENVIRONMENT and ARGUMENTS are those of this run.
+function(lvx_whole_test name program)
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "LABELS;TIMEOUT" "ENVIRONMENT;ARGUMENTS")
+  add_test(NAME ${name} COMMAND ${program} --gtest_brief=1 ${arg_ARGUMENTS})
+  set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT ${arg_TIMEOUT}
+    ENVIRONMENT "LVX_TEST_RECORD=${PROJECT_BINARY_DIR}/test-records/${name};${arg_ENVIRONMENT}")
+  set_property(GLOBAL APPEND PROPERTY LVX_WHOLE_TESTS ${name})
 endfunction()
 
 # Each benchmark prints the compiler and the flags that it was built with.
@@ -206,6 +241,13 @@ function(lvx_fuzz name)
   endif()
 endfunction()
 
+# Writes test-records.txt: the tests of CTest's that stand for a whole program each, one a line.
+function(lvx_list_whole_tests)
+  get_property(names GLOBAL PROPERTY LVX_WHOLE_TESTS)
+  list(JOIN names "\n" text)
+  file(WRITE "${PROJECT_BINARY_DIR}/test-records.txt" "${text}\n")
+endfunction()
+
 # Nothing lies in the tree that looks like a test and never runs: a test file in no lvx_test(), a golden case that no test
 # names, a seed corpus without its fuzz target stop the configure step. Called once, after everything is registered.
 function(lvx_check_registration)
@@ -222,16 +264,20 @@ function(lvx_check_registration)
       endif()
     endforeach()
 
-    set(texts)
+    # Two reports may have a case of the same name: a bare name counts for the report whose folder of tests names it.
     foreach(source IN LISTS registered)
       file(READ "${source}" text)
+      get_filename_component(area "${source}" DIRECTORY)
+      get_filename_component(area "${area}" NAME)
+      string(APPEND texts_of_${area} "${text}")
       string(APPEND texts "${text}")
     endforeach()
-    file(GLOB cases CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/golden/*/*")
+    file(GLOB cases CONFIGURE_DEPENDS RELATIVE "${PROJECT_SOURCE_DIR}/tests/golden" "${PROJECT_SOURCE_DIR}/tests/golden/*/*")
     foreach(case IN LISTS cases)
+      get_filename_component(report "${case}" DIRECTORY)
       get_filename_component(name "${case}" NAME)
-      if(NOT (texts MATCHES "[\"/]${name}[\"/]"))
-        list(APPEND forgotten "${case}: named by no test")
+      if(NOT "${texts_of_${report}}" MATCHES "\"${name}[\"/]" AND NOT "${texts}" MATCHES "[\"/]${case}[\"/]")
+        list(APPEND forgotten "tests/golden/${case}: named by no test of ${report}")
       endif()
     endforeach()
   endif()

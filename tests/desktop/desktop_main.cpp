@@ -1,4 +1,5 @@
-// Tests of windows: they run on a thread of their own beside the windows' event loop, on a display without a screen.
+// Tests of windows: they run on a thread of their own beside the windows' event loop, on a display without a screen. All
+// tests of a program share display, window manager and event loop, and find them as if they were the first.
 #include <QApplication>
 #include <clocale>
 #include <cstdlib>
@@ -7,8 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include "desktop_user/fresh_desktop.h"
 #include "desktop_user/virtual_display.h"
 #include "support/run_program.h"
+#include "support/test_record.h"
 
 namespace {
 
@@ -24,6 +27,7 @@ int main(int argc, char** argv) {
   const bool lists = onlyLists(argc, argv);
   testing::InitGoogleTest(&argc, argv);
   if (lists) return RUN_ALL_TESTS();
+  lvx::test::TestRecord::keepIfWanted();
 
   const lvx::test::VirtualDisplay display;
   // No setting of the machine's user plays a part, and none is changed.
@@ -40,6 +44,9 @@ int main(int argc, char** argv) {
   // As the program itself: Qt takes the environment's locale, numbers stay as they are.
   std::setlocale(LC_NUMERIC, "C");
   QApplication::setQuitOnLastWindowClosed(false);
+  lvx::test::FreshDesktop fresh(home.path());
+  testing::TestEventListeners& listeners = testing::UnitTest::GetInstance()->listeners();
+  listeners.Append(&fresh);
   int result = 1;
   std::thread tests([&result] {
     result = RUN_ALL_TESTS();
@@ -48,5 +55,6 @@ int main(int argc, char** argv) {
   });
   QApplication::exec();
   tests.join();
+  listeners.Release(&fresh);
   return result;
 }

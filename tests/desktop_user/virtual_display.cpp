@@ -76,14 +76,14 @@ bool isManaged(const std::string& display) {
 }
 
 /// Whether a window that opens now gets the keyboard. A manager says that it is there before it looks after new windows:
-/// one that opens meanwhile is taken for an old one, which never gets it.
-bool givesFocus(const std::string& display) {
+/// one that opens meanwhile is taken for an old one, which never gets it. `patience`: in hundredths of a second.
+bool givesFocus(const std::string& display, int patience) {
   Display* const connection = XOpenDisplay(display.c_str());
   if (connection == nullptr) return false;
   const Window window = XCreateSimpleWindow(connection, DefaultRootWindow(connection), 0, 0, 50, 50, 0, 0, 0);
   XMapWindow(connection, window);
   bool hasFocus = false;
-  for (int tries = 0; tries < 100 && !hasFocus; ++tries) {
+  for (int tries = 0; tries < patience && !hasFocus; ++tries) {
     XSync(connection, False);
     Window focused = None;
     int revert = 0;
@@ -116,7 +116,9 @@ VirtualDisplay::VirtualDisplay(const std::string& size) {
   manager_ = start({"openbox", "--sm-disable", "--config-file", LVX_SOURCE_DIR "/tests/desktop/openbox.xml"});
   for (int tries = 0; tries < 1000 && !isManaged(name_); ++tries) usleep(10'000);
   bool isReady = false;
-  for (int tries = 0; tries < 20 && !isReady && isManaged(name_); ++tries) isReady = givesFocus(name_);
+  constexpr int kMostPatience = 400;
+  for (int patience = 5; patience < kMostPatience && !isReady && isManaged(name_); patience *= 2)
+    isReady = givesFocus(name_, patience);
   if (!isReady) {
     stop(manager_);
     stop(server_);
