@@ -8,6 +8,7 @@
 
 #include "host/dialog_controls.h"
 #include "program_window.h"
+#include "report_user.h"
 #include "runtime/standin_host.h"
 
 namespace lvx::test {
@@ -222,61 +223,39 @@ TEST(Saving, UnderTheNameOfTheExampleGivesItsBytes) {
 // ---------------------------------------------------------------- reports
 
 /// Fills the points dialog and presses OK.
-void writePoints(ProgramWindow& program, const std::string& stem) {
-  program.enter("lvx_Report_Points");
-  QWidget* const dialog = program.waitForNamed(host::kPointsDialog);
-  ASSERT_NE(dialog, nullptr);
-  const auto pick = [&](int control, int downs) {
-    program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(control)); }));
-    ASSERT_TRUE(program.user.waitFor([] { return QApplication::activePopupWidget() != nullptr; }));
-    program.user.key(Qt::Key_Home);
-    for (int step = 0; step < downs; ++step) program.user.key(Qt::Key_Down);
-    program.user.key(Qt::Key_Return);
-    ASSERT_TRUE(program.user.waitFor([] { return QApplication::activePopupWidget() == nullptr; }));
-  };
-  pick(host::kIdSites, 1);
-  pick(host::kIdAlignments, 0);
-  pick(host::kIdPointGroups, 0);
-  program.user.click(
-      onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdOutputStem)); }));
-  program.user.type(stem);
-  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdOk)); }));
+void writePoints(ReportUser& user, const std::filesystem::path& stem) {
+  user.start("lvx_Report_Points", host::kPointsDialog);
+  user.choose(host::kIdSites, "Valley road upgrade");
+  user.choose(host::kIdAlignments, "Valley road");
+  user.choose(host::kIdPointGroups, "Control points");
+  user.typeStem(stem);
+  user.press(host::kIdOk);
 }
 
 TEST(Report, ThatCantWriteAFileSaysWhichAndWhyAndWhatToDo) {
-  ProgramWindow program;
+  ReportUser user;
   // A folder stands where the text form belongs; the command asks whether to replace it.
-  std::filesystem::create_directory(program.folder / "points.txt");
-  writePoints(program, (program.folder / "points").string());
-  QWidget* question = nullptr;
-  ASSERT_TRUE(program.user.waitFor([&] {
-    question = QApplication::activeModalWidget();
-    return qobject_cast<QMessageBox*>(question) != nullptr && question->isActiveWindow();
-  }));
-  program.user.key(Qt::Key_Y, Qt::AltModifier);
-  QWidget* const box = program.waitForNamed("notWritten");
-  ASSERT_NE(box, nullptr);
+  std::filesystem::create_directory(user.stem("points.txt"));
+  writePoints(user, user.stem("points"));
+  user.answer(user.expectBox("messageBox", -1, "points.txt"), "Yes");
+  QWidget* const box = user.expectBox("notWritten", -1, "points.txt: " + systemWords(EISDIR));
   const std::string words = onGui([&] { return qobject_cast<QMessageBox*>(box)->informativeText().toStdString(); });
-  EXPECT_NE(words.find("points.txt: " + systemWords(EISDIR)), std::string::npos) << words;
   EXPECT_NE(words.find("choose a folder"), std::string::npos) << words;
-  program.user.key(Qt::Key_Return);
-  EXPECT_TRUE(program.waitUntilSaid("points.html"));
-  EXPECT_TRUE(std::filesystem::is_regular_file(program.folder / "points.html"));
+  user.program.user.key(Qt::Key_Return);
+  EXPECT_TRUE(user.program.waitUntilSaid("points.html"));
+  EXPECT_TRUE(std::filesystem::is_regular_file(user.stem("points.html")));
 }
 
 TEST(Report, IntoAFolderThatIsntThereBringsTheDialogBackWithItsText) {
-  ProgramWindow program;
-  const std::string stem = (program.folder / "missing/points").string();
-  writePoints(program, stem);
-  QWidget* dialog = nullptr;
-  ASSERT_TRUE(program.user.waitFor([&] {
-    dialog = QApplication::activeModalWidget();
-    return dialog != nullptr && dialog->isActiveWindow() && dialog->objectName() == QLatin1String(host::kPointsDialog);
-  }));
-  EXPECT_FALSE(std::filesystem::exists(program.folder / "missing"));
-  EXPECT_TRUE(program.waitUntilSaid("There is no folder"));
-  program.user.key(Qt::Key_Escape);
-  EXPECT_TRUE(program.waitUntilSaid("Points ended and wrote nothing"));
+  ReportUser user;
+  const std::filesystem::path stem = user.stem("missing") / "points";
+  writePoints(user, stem);
+  ASSERT_TRUE(user.program.waitUntilSaid("There is no folder"));
+  user.expectDialog();
+  EXPECT_EQ(user.textOf(host::kIdOutputStem), stem.string());
+  EXPECT_FALSE(std::filesystem::exists(user.stem("missing")));
+  user.program.user.key(Qt::Key_Escape);
+  EXPECT_TRUE(user.program.waitUntilSaid("Points ended and wrote nothing"));
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "host/dialog_controls.h"
 #include "large_drawing.h"
 #include "program_window.h"
+#include "report_user.h"
 #include "runtime/standin_host.h"
 
 namespace lvx::test {
@@ -21,22 +22,7 @@ bool closes(ProgramWindow& program) {
                               std::chrono::seconds(30));
 }
 
-void startPointsDialog(ProgramWindow& program) {
-  program.enter("lvx_Report_Points");
-  ASSERT_NE(program.waitForNamed(host::kPointsDialog), nullptr);
-}
-
-/// Presses a control of the dialog that is open.
-void press(ProgramWindow& program, int control) {
-  QWidget* const dialog = program.waitForNamed(host::kPointsDialog);
-  ASSERT_NE(dialog, nullptr);
-  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(control)); }));
-}
-
-void waitForPrompt(ProgramWindow& program, const char* prompt) {
-  auto* const label = program.part<QLabel>("consolePrompt");
-  ASSERT_TRUE(program.user.waitFor([&] { return label->text() == QString::fromUtf8(prompt); }));
-}
+void startPointsDialog(ReportUser& user) { user.start("lvx_Report_Points", host::kPointsDialog); }
 
 TEST(Closing, AnIdleWindow) {
   ProgramWindow program;
@@ -56,57 +42,51 @@ TEST(Closing, DuringALoad) {
 }
 
 TEST(Closing, WithADialogOpen) {
-  ProgramWindow program;
-  startPointsDialog(program);
-  closeByManager(program.window);
-  EXPECT_TRUE(closes(program));
+  ReportUser user;
+  startPointsDialog(user);
+  closeByManager(user.program.window);
+  EXPECT_TRUE(closes(user.program));
 }
 
 TEST(Closing, DuringAPick) {
-  ProgramWindow program;
-  startPointsDialog(program);
-  press(program, host::kIdPickAlignment);
-  waitForPrompt(program, "Pick an alignment:");
-  closeByManager(program.window);
-  EXPECT_TRUE(closes(program));
+  ReportUser user;
+  startPointsDialog(user);
+  user.press(host::kIdPickAlignment);
+  user.expectPrompt("Pick an alignment:");
+  closeByManager(user.program.window);
+  EXPECT_TRUE(closes(user.program));
 }
 
 TEST(Closing, DuringASelection) {
-  ProgramWindow program;
-  startPointsDialog(program);
-  press(program, host::kIdPickPoints);
-  auto* const label = program.part<QLabel>("consolePrompt");
-  ASSERT_TRUE(program.user.waitFor([&] { return label->text() != QStringLiteral("Command:"); }));
-  closeByManager(program.window);
-  EXPECT_TRUE(closes(program));
+  ReportUser user;
+  startPointsDialog(user);
+  user.press(host::kIdPickPoints);
+  auto* const label = user.program.part<QLabel>("consolePrompt");
+  ASSERT_TRUE(user.program.user.waitFor([&] { return label->text() != QStringLiteral("Command:"); }));
+  closeByManager(user.program.window);
+  EXPECT_TRUE(closes(user.program));
 }
 
 TEST(Closing, WithAMessageBoxOverTheDialogsPick) {
-  ProgramWindow program;
-  startPointsDialog(program);
-  press(program, host::kIdPickAlignment);
-  waitForPrompt(program, "Pick an alignment:");
-  // A surface is no alignment: the box says so.
-  QWidget* const tree = program.part("treeFind");
-  program.user.click(tree);
-  program.user.type("existing");
-  program.user.key(Qt::Key_Down);
-  program.user.key(Qt::Key_End);
-  program.user.key(Qt::Key_Return);
-  ASSERT_TRUE(program.user.waitFor([] { return QApplication::activeModalWidget() != nullptr; }));
-  closeByManager(program.window);
-  EXPECT_TRUE(closes(program));
+  ReportUser user;
+  startPointsDialog(user);
+  user.press(host::kIdPickAlignment);
+  user.expectPrompt("Pick an alignment:");
+  user.clickTree("Existing ground");
+  user.expectBox("messageBox", -1, "not an alignment");
+  closeByManager(user.program.window);
+  EXPECT_TRUE(closes(user.program));
 }
 
 TEST(Closing, WithTheFileBoxOverTheDialog) {
-  ProgramWindow program;
-  startPointsDialog(program);
-  QWidget* const dialog = program.waitForNamed(host::kPointsDialog);
-  press(program, host::kIdOutputFileBox);
-  ASSERT_TRUE(program.user.waitFor(
-      [&] { return QApplication::activeModalWidget() != nullptr && QApplication::activeModalWidget() != dialog; }));
-  closeByManager(program.window);
-  EXPECT_TRUE(closes(program));
+  ReportUser user;
+  startPointsDialog(user);
+  user.press(host::kIdOutputFileBox);
+  ASSERT_TRUE(user.program.user.waitFor([&] {
+    return QApplication::activeModalWidget() != nullptr && QApplication::activeModalWidget() != user.dialog();
+  }));
+  closeByManager(user.program.window);
+  EXPECT_TRUE(closes(user.program));
 }
 
 TEST(Closing, WithTheBoxInWhichADrawingIsChosen) {
@@ -135,63 +115,44 @@ TEST(Closing, WithHelpAndAReportOpenTakesTheirWindowsAlong) {
   }));
 }
 
-/// Runs the GLS report up to its end, with added sections.
-void addSections(ProgramWindow& program, const std::string& stem) {
-  program.enter("lvx_Report_GLS");
-  QWidget* const dialog = program.waitForNamed(host::kGlsDialog);
-  ASSERT_NE(dialog, nullptr);
-  const auto pick = [&](int control, int downs) {
-    program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(control)); }));
-    ASSERT_TRUE(program.user.waitFor([] { return QApplication::activePopupWidget() != nullptr; }));
-    program.user.key(Qt::Key_Home);
-    for (int step = 0; step < downs; ++step) program.user.key(Qt::Key_Down);
-    program.user.key(Qt::Key_Return);
-    ASSERT_TRUE(program.user.waitFor([] { return QApplication::activePopupWidget() == nullptr; }));
-  };
-  pick(host::kIdSites, 1);
-  pick(host::kIdAlignments, 0);
-  pick(host::kIdProfiles, 0);
-  pick(host::kIdSampleLineGroups, 1);  // the lines every 5 m, where the corridor has sections every 10 m elsewhere
-  program.user.click(
-      onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdOutputStem)); }));
-  program.user.type(stem);
-  program.user.click(onGui([&] { return dialog->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdOk)); }));
-  QWidget* const question = program.waitForNamed(host::kAddSectionsDialog);
-  ASSERT_NE(question, nullptr);
-  program.user.click(
-      onGui([&] { return question->findChild<QWidget*>(QStringLiteral("control%1").arg(host::kIdOk)); }));
-  ASSERT_TRUE(program.waitUntilSaid(".html"));
-  ASSERT_TRUE(onGui([&] { return program.window->session().drawing()->isChanged(); }));
+/// Runs the GLS report up to its end, with added sections, and asks the window to close; the box that then asks.
+QWidget* closeWithAddedSections(ReportUser& user) {
+  user.start("lvx_Report_GLS", host::kGlsDialog);
+  user.choose(host::kIdSites, "Valley road upgrade");
+  user.choose(host::kIdAlignments, "Valley road");
+  user.choose(host::kIdProfiles, "Valley road ground");
+  user.choose(host::kIdSampleLineGroups,
+              "Bridge 5 m");  // lines every 5 m, where the corridor has sections every 10 m elsewhere
+  user.typeStem(user.stem());
+  user.press(host::kIdOk);
+  user.expectDialog(host::kAddSectionsDialog);
+  user.press(host::kIdOk);
+  EXPECT_TRUE(user.program.waitUntilSaid(".html"));
+  EXPECT_TRUE(onGui([&] { return user.program.window->session().drawing()->isChanged(); }));
+  EXPECT_TRUE(onGui([&] { return user.program.window->isWindowModified(); }));
+  closeByManager(user.program.window);
+  return user.expectBox("saveChanges", -1, "aren't saved");
 }
 
 TEST(Closing, AsksWhetherAddedSectionsAreSavedAndGoesBackOnCancel) {
   const TemporaryFolder folder;
-  ProgramWindow program(copyOfExample(folder));
-  addSections(program, (folder / "gls").string());
-  EXPECT_TRUE(onGui([&] { return program.window->isWindowModified(); }));
-  closeByManager(program.window);
-  QWidget* const box = program.waitForNamed("saveChanges");
-  ASSERT_NE(box, nullptr);
-  program.user.click(program.button(box, "Cancel"));
-  ASSERT_TRUE(program.user.waitFor([] { return QApplication::activeModalWidget() == nullptr; }));
-  EXPECT_TRUE(onGui([&] { return program.window->isVisible(); }));
+  ReportUser user(copyOfExample(folder));
+  user.answer(closeWithAddedSections(user), "Cancel");
+  ASSERT_TRUE(user.program.user.waitFor([] { return QApplication::activeModalWidget() == nullptr; }));
+  EXPECT_TRUE(onGui([&] { return user.program.window->isVisible(); }));
   // Everything works as before.
-  startPointsDialog(program);
-  program.user.key(Qt::Key_Escape);
-  EXPECT_TRUE(program.waitUntilSaid("Points ended and wrote nothing"));
+  startPointsDialog(user);
+  user.program.user.key(Qt::Key_Escape);
+  EXPECT_TRUE(user.program.waitUntilSaid("Points ended and wrote nothing"));
 }
 
 TEST(Closing, SavesAddedSectionsOnSave) {
   const TemporaryFolder folder;
   const QString drawing = copyOfExample(folder);
   const std::string before = fileBytes(drawing.toStdString());
-  ProgramWindow program(drawing);
-  addSections(program, (folder / "gls").string());
-  closeByManager(program.window);
-  QWidget* const box = program.waitForNamed("saveChanges");
-  ASSERT_NE(box, nullptr);
-  program.user.click(program.button(box, "Save"));
-  EXPECT_TRUE(closes(program));
+  ReportUser user(drawing);
+  user.answer(closeWithAddedSections(user), "Save");
+  EXPECT_TRUE(closes(user.program));
   EXPECT_NE(fileBytes(drawing.toStdString()), before);
 }
 
@@ -199,13 +160,9 @@ TEST(Closing, LeavesTheFileAsItWasOnDontSave) {
   const TemporaryFolder folder;
   const QString drawing = copyOfExample(folder);
   const std::string before = fileBytes(drawing.toStdString());
-  ProgramWindow program(drawing);
-  addSections(program, (folder / "gls").string());
-  closeByManager(program.window);
-  QWidget* const box = program.waitForNamed("saveChanges");
-  ASSERT_NE(box, nullptr);
-  program.user.click(program.button(box, "Don't save"));
-  EXPECT_TRUE(closes(program));
+  ReportUser user(drawing);
+  user.answer(closeWithAddedSections(user), "Don't save");
+  EXPECT_TRUE(closes(user.program));
   EXPECT_EQ(fileBytes(drawing.toStdString()), before);
 }
 
