@@ -112,7 +112,7 @@ int run(int rounds) {
     const std::string text = bytesOf(stem + ".txt");
     const std::string page = bytesOf(stem + ".html");
     frontEnd.steps().expect(host::kProjectionDialog, {answers(stem)});
-    through.push_back(seconds([&] { same = runner.run(L"lvx_Report_Que").exception == nullptr && same; }));
+    through.push_back(seconds([&] { same = !runner.run(L"lvx_Report_Que").exception && same; }));
     same = same && !text.empty() && text == bytesOf(stem + ".txt") && page == bytesOf(stem + ".html");
   }
   std::filesystem::remove_all(folder);

@@ -28,17 +28,6 @@ std::vector<script::ScriptAction> readScript(const std::string& path) {
   }
 }
 
-/// What left a command, in words; what isn't the command's own doing goes on.
-std::string wordsFor(const std::exception_ptr& exception) {
-  try {
-    std::rethrow_exception(exception);
-  } catch (const script::ScriptMismatch&) {
-    throw;
-  } catch (...) {
-    return runtime::wordsOf(exception);
-  }
-}
-
 /// Plays the whole script; true where every command ended by itself and did nothing wrong.
 bool play(runtime::StandinHost& host, script::ScriptFrontEnd& frontEnd, script::Transcript& transcript, bool checks) {
   bool clean = true;
@@ -46,8 +35,8 @@ bool play(runtime::StandinHost& host, script::ScriptFrontEnd& frontEnd, script::
   while (const auto command = frontEnd.nextCommand()) {
     const runtime::CommandOutcome outcome = runner.run(platform::fromUtf8(*command));
     if (!outcome.found) throw script::ScriptMismatch("script: the module has no command '" + *command + "'");
-    if (outcome.exception) {
-      transcript.exception(wordsFor(outcome.exception));
+    if (const std::string words = runtime::wordsOf(outcome); !words.empty()) {
+      transcript.exception(words);
       clean = false;
     }
     for (const std::string& misuse : outcome.misuse) transcript.misuse(misuse);

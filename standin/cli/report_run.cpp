@@ -78,8 +78,7 @@ std::string runModuleCommand(runtime::StandinHost& host, const options::CommonOp
     const auto module = host.loadModule(runtime::chosenModule(common.host));
     const runtime::CommandOutcome outcome = runtime::CommandRunner(host, false).run(name);
     if (!outcome.found) return "the module registered no command '" + platform::toUtf8(name) + "'";
-    // Before the module goes: what it threw is its own.
-    return outcome.exception ? runtime::wordsOf(outcome.exception) : std::string();
+    return runtime::wordsOf(outcome);
   } catch (const runtime::ModuleError& error) {
     throw Failure(kNotWritten, error.what());
   }

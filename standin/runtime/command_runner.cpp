@@ -4,6 +4,8 @@
 #include <array>
 #include <utility>
 
+#include "runtime/raised_by_host.h"
+
 namespace lvx::runtime {
 
 namespace {
@@ -62,16 +64,10 @@ std::vector<std::string> difference(const Held& before, const Held& after) {
 
 }  // namespace
 
-std::string wordsOf(const std::exception_ptr& exception) {
-  try {
-    std::rethrow_exception(exception);
-  } catch (const Interrupted&) {
-    throw;
-  } catch (const std::exception& error) {
-    return error.what();
-  } catch (...) {
-    return "an exception of unknown kind";
-  }
+std::string wordsOf(const CommandOutcome& outcome) {
+  if (outcome.raisedByHost) std::rethrow_exception(outcome.raisedByHost);
+  if (!outcome.exception) return {};
+  return outcome.exception->words.empty() ? "an exception of unknown kind" : outcome.exception->words;
 }
 
 CommandRunner::CommandRunner(StandinHost& host, bool checks) : host_(host), checks_(checks) {
@@ -95,9 +91,13 @@ CommandOutcome CommandRunner::run(const host::CString& name) {
   running_ = true;
   try {
     function();
-  } catch (...) {
+  } catch (const RaisedByHost&) {
+    outcome.raisedByHost = std::current_exception();
+  } catch (const std::exception& exception) {
     // Whatever a command raises ends that command and nothing else; the caller tells the user.
-    outcome.exception = std::current_exception();
+    outcome.exception = ModuleException{exception.what()};
+  } catch (...) {
+    outcome.exception = ModuleException{};
   }
   running_ = false;
   if (checks_) outcome.misuse = difference(before, heldNow(host_));

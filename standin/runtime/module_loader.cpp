@@ -1,10 +1,12 @@
 #include "runtime/module_loader.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <optional>
 #include <sstream>
 #include <utility>
+#include <vector>
 
 #include "standin_platform/dynamic_library.h"
 
@@ -39,6 +41,21 @@ std::string explained(const DynamicLibraryError& error) {
   return error.what();
 }
 
+/// The files of all modules that are loaded in this process, whichever host loaded them: the system's loader would answer
+/// a second load with the first library, whose init would then run twice over the same data.
+std::vector<std::filesystem::path>& loadedFiles() {
+  static std::vector<std::filesystem::path> files;
+  return files;
+}
+
+/// The same file under whatever name: a link, a path with dots in it.
+bool isLoaded(const std::filesystem::path& file) {
+  return std::any_of(loadedFiles().begin(), loadedFiles().end(), [&file](const std::filesystem::path& loaded) {
+    std::error_code error;
+    return loaded == std::filesystem::weakly_canonical(file, error) || std::filesystem::equivalent(loaded, file, error);
+  });
+}
+
 template <class Function>
 Function exported(const DynamicLibrary& library, const char* name, const std::filesystem::path& file) {
   void* symbol = library.find(name);
@@ -65,6 +82,7 @@ struct LoadedModule::Guard {
       send(kUnloadMessage);
     }
     if (initialising && forget) forget(this);
+    if (library) std::erase(loadedFiles(), canonical);
   }
 
   /// A message on the way out. The module goes whatever it raises, and its library is detached next; the one who ends it
@@ -73,13 +91,20 @@ struct LoadedModule::Guard {
     try {
       entry(message, this);
     } catch (const std::exception& exception) {
-      std::fprintf(stderr, "module: %s: raised an exception while it was unloaded: %s\n", file.c_str(),
-                   exception.what());
+      tellRaised(exception.what());
+    } catch (...) {
+      tellRaised("one of unknown kind");
     }
+  }
+
+  void tellRaised(const char* words) const noexcept {
+    std::fprintf(stderr, "module: %s: raised an exception while it was unloaded: %s\n", file.c_str(), words);
   }
 
   std::optional<DynamicLibrary> library;
   std::filesystem::path file;
+  /// The file without links and dots on its way.
+  std::filesystem::path canonical;
   EntryPoint entry = nullptr;
   std::function<void(const void*)> forget;
   bool initialising = false;
@@ -94,12 +119,15 @@ LoadedModule LoadedModule::load(const std::filesystem::path& file, std::function
   std::error_code error;
   if (!std::filesystem::exists(file, error)) fail(file, "there is no such file");
   if (!std::filesystem::is_regular_file(file, error)) fail(file, "it is no file");
+  if (isLoaded(file)) fail(file, "it is loaded already");
 
   try {
     guard->library.emplace(file);
   } catch (const DynamicLibraryError& problem) {
     fail(file, explained(problem));
   }
+  guard->canonical = std::filesystem::canonical(file);
+  loadedFiles().push_back(guard->canonical);
   const auto version = exported<ApiVersion>(*guard->library, "vnrxGetApiVersion", file);
   guard->entry = exported<EntryPoint>(*guard->library, "vnrxEntryPoint", file);
 
@@ -114,6 +142,8 @@ LoadedModule LoadedModule::load(const std::filesystem::path& file, std::function
     answer = guard->entry(kInitMessage, guard.get());
   } catch (const std::exception& exception) {
     fail(file, std::string("its init raised an exception: ") + exception.what());
+  } catch (...) {
+    fail(file, "its init raised an exception of unknown kind");
   }
   // From here on the module has to be told that it goes, even where it didn't come up well.
   guard->initialised = true;

@@ -26,8 +26,8 @@ class LoadedModule {
   /// The interface version that this host offers.
   static constexpr std::uint32_t kApiVersion = 0x180000;
 
-  /// Throws ModuleError for a file that is missing, no module, of another interface version, or lacks its companion;
-  /// and where its init doesn't answer 0 or raises.
+  /// Throws ModuleError for a file that is missing, no module, of another interface version, loaded already in this
+  /// process, or lacks its companion; and where its init doesn't answer 0 or raises.
   /// `forget` is told the module's id once it is unloaded, and where its load failed after its init had begun.
   [[nodiscard]] static LoadedModule load(const std::filesystem::path& file,
                                          std::function<void(const void* appId)> forget = {});

@@ -12,6 +12,7 @@
 #include "civil/corridor.h"
 #include "civil/drawing.h"
 #include "framework/exceptions.h"
+#include "runtime/raised_by_host.h"
 
 namespace lvx::runtime {
 
@@ -74,7 +75,7 @@ class LiveObjects {
 
 /// The user asked to stop. Raised from the host's own operations, it unwinds whatever ran, the module included, so that
 /// no half-written file stays.
-class __attribute__((visibility("default"))) Interrupted : public framework::Exception {
+class __attribute__((visibility("default"))) Interrupted : public framework::Exception, public RaisedByHost {
  public:
   [[nodiscard]] const char* what() const noexcept override { return "interrupted"; }
 };

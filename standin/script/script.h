@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/user_interface.h"
+#include "runtime/raised_by_host.h"
 
 namespace lvx::script {
 
@@ -18,7 +19,7 @@ class ScriptError : public std::runtime_error {
 };
 
 /// A script doesn't fit what the command waits for. The text names the action and what waits.
-class ScriptMismatch : public std::runtime_error {
+class ScriptMismatch : public std::runtime_error, public runtime::RaisedByHost {
  public:
   using std::runtime_error::runtime_error;
 };

@@ -1,6 +1,8 @@
 // The checking layer, shown on commands that leave something behind and on the module, which leaves nothing.
 #include <filesystem>
+#include <vector>
 
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -16,6 +18,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 host::Host& loader() { return *vnrxHost(); }
 
@@ -98,8 +101,25 @@ TEST_F(ChecksTest, TellACallOutsideACommand) {
 
 TEST_F(ChecksTest, KeepTheHostAliveWhenACommandRaises) {
   const runtime::CommandOutcome outcome = run(raise);
-  EXPECT_THROW(std::rethrow_exception(outcome.exception), framework::InvalidArgumentException);
+  ASSERT_TRUE(outcome.exception.has_value());
+  EXPECT_EQ(outcome.exception->words, framework::InvalidArgumentException().what());
+  EXPECT_EQ(outcome.raisedByHost, nullptr);
   EXPECT_THAT(run(doNothing).misuse, IsEmpty());
+}
+
+TEST(ModuleExceptions, AreToldInTheirOwnWordsWhenTheLibraryThatTheyLieInHasGone) {
+  test::ModuleHost process;
+  std::vector<runtime::CommandOutcome> outcomes;
+  {
+    const runtime::LoadedModule module = process.host.loadModule(LVX_ODD_DIR "/raising_module.vmx");
+    for (const wchar_t* command : {L"Exception", L"Thing"}) outcomes.push_back(process.runner.run(command));
+  }
+  void* const library = dlopen(LVX_ODD_DIR "/raising_module.vmx", RTLD_NOLOAD | RTLD_NOW);
+  EXPECT_EQ(library, nullptr) << "the library has to be gone for this to show anything";
+  ASSERT_TRUE(outcomes[0].exception.has_value());
+  EXPECT_EQ(outcomes[0].exception->words, "words that lie in the module");
+  ASSERT_TRUE(outcomes[1].exception.has_value());
+  EXPECT_EQ(outcomes[1].exception->words, "") << "it has none";
 }
 
 // ---------------------------------------------------------------- the module under the checks
@@ -137,8 +157,8 @@ TEST(ModuleChecks, AreContentWhenAFailingSheetEndsTheCommandAndTheNextOneRuns) {
   test::ModuleHost process("[" + command(tooLong) + ", " + command(good) + "]");
   const runtime::LoadedModule module = process.host.loadModule(test::kModuleFile);
   EXPECT_THAT(process.playAll(), IsEmpty());
-  ASSERT_NE(process.lastException, nullptr);
-  EXPECT_THROW(std::rethrow_exception(process.lastException), framework::AutomationException);
+  ASSERT_TRUE(process.lastException.has_value());
+  EXPECT_THAT(process.lastException->words, Not(IsEmpty()));
   for (const char* form : {"road.txt", "road.xls", "road.html"})
     EXPECT_TRUE(std::filesystem::exists(folder / form)) << form;
 }
@@ -147,7 +167,9 @@ TEST(ModuleChecks, AreContentWhenTheScriptEndsInTheMiddleOfADialog) {
   test::ModuleHost process(R"([{"command": "lvx_Report_Que"}, {"select": 261, "row": 0}])");
   const runtime::LoadedModule module = process.host.loadModule(test::kModuleFile);
   EXPECT_THAT(process.playAll(), IsEmpty()) << "what the front end raises unwinds the module like any exception";
-  EXPECT_THROW(std::rethrow_exception(process.lastException), script::ScriptMismatch);
+  EXPECT_FALSE(process.lastException.has_value()) << "the module raised nothing of its own";
+  ASSERT_NE(process.lastRaisedByHost, nullptr);
+  EXPECT_THROW(std::rethrow_exception(process.lastRaisedByHost), script::ScriptMismatch);
 }
 
 }  // namespace

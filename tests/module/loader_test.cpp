@@ -120,8 +120,29 @@ TEST(ModuleLoader, SaysWhatIsWrongWithAFile) {
               HasSubstr("it was built for interface version 0x170000, this host offers 0x180000"));
   EXPECT_THAT(wordsFor(LVX_ODD_DIR "/odd_init.vmx"), HasSubstr("its init failed with 7"));
   EXPECT_THAT(wordsFor(LVX_ODD_DIR "/odd_raise.vmx"), HasSubstr("its init raised an exception: no licence"));
-  for (const char* name : {"/odd_entry.vmx", "/odd_version.vmx", "/odd_init.vmx", "/odd_raise.vmx"})
+  EXPECT_THAT(wordsFor(LVX_ODD_DIR "/odd_thing.vmx"), HasSubstr("its init raised an exception of unknown kind"));
+  for (const char* name : {"/odd_entry.vmx", "/odd_version.vmx", "/odd_init.vmx", "/odd_raise.vmx", "/odd_thing.vmx"})
     EXPECT_FALSE(isInMemory((std::string(LVX_ODD_DIR) + name).c_str())) << name;
+}
+
+TEST(ModuleLoader, RefusesAModuleThatIsLoadedAlreadyUnderWhateverNameAndLeavesTheFirstAlone) {
+  test::ModuleHost process;
+  const test::TemporaryFolder folder;
+  std::filesystem::create_symlink(test::kModuleFile, folder / "other.vmx");
+  std::filesystem::create_directory_symlink(LVX_BIN_DIR, folder / "bin");
+  {
+    const LoadedModule module = LoadedModule::load(test::kModuleFile);
+    for (const std::filesystem::path& name :
+         {std::filesystem::path(test::kModuleFile), folder / "other.vmx", folder / "bin/LVX_MirelReport.vmx",
+          folder / "bin/../bin/LVX_MirelReport.vmx"})
+      EXPECT_EQ(wordsFor(name), "module: " + name.string() + ": it is loaded already");
+    EXPECT_EQ(process.host.commands().commands().size(), 3U);
+    EXPECT_EQ(process.host.moduleState().attachedModules(), 1U);
+    EXPECT_EQ(process.host.documents().reactorCount(), 1U);
+  }
+  EXPECT_TRUE(process.host.commands().commands().empty());
+  EXPECT_FALSE(isInMemory(test::kModuleFile));
+  EXPECT_EQ(wordsFor(folder / "other.vmx"), "loaded") << "once the first has gone";
 }
 
 TEST(ModuleLoader, NamesTheCompanionThatIsMissing) {

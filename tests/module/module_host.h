@@ -1,5 +1,7 @@
 #pragma once
 
+#include <exception>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -44,13 +46,15 @@ class ModuleHost {
       const runtime::CommandOutcome outcome = runner.run(platform::fromUtf8(*command));
       if (!outcome.found) misuse.push_back("no command " + *command);
       if (outcome.exception) lastException = outcome.exception;
+      if (outcome.raisedByHost) lastRaisedByHost = outcome.raisedByHost;
       misuse.insert(misuse.end(), outcome.misuse.begin(), outcome.misuse.end());
     }
     return misuse;
   }
 
   std::vector<std::string> lines;
-  std::exception_ptr lastException;
+  std::optional<runtime::ModuleException> lastException;
+  std::exception_ptr lastRaisedByHost;
 
  private:
   static runtime::HostOptions options() {

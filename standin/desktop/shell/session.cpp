@@ -88,16 +88,10 @@ CommandReport Session::run(const QString& name) {
     const LongWork::Run run(work_, name);
     const runtime::CommandOutcome outcome = runner_->run(toWide(name));
     report.found = outcome.found;
+    report.interrupted = outcome.raisedByHost != nullptr;  // windows raise nothing else
     if (outcome.exception) {
-      try {
-        std::rethrow_exception(outcome.exception);
-      } catch (const runtime::Interrupted&) {
-        report.interrupted = true;
-      } catch (const std::exception& error) {
-        report.exception = toQt(std::string(error.what()));
-      } catch (...) {
-        report.exception = tr("something that has no words");
-      }
+      const std::string& words = outcome.exception->words;
+      report.exception = words.empty() ? tr("something that has no words") : toQt(words);
     }
   }
   report.files = outcomes(host_->journal().events(), before);
