@@ -156,6 +156,29 @@ TEST_F(PlayTest, ThePointsDialogComesBackAfterAPathThatLeadsNowhere) {
   EXPECT_FALSE(stands("out/points.txt"));
 }
 
+TEST_F(PlayTest, TheGlsReportOfAChosenProfileIsWritten) {
+  const test::RunResult result = playExample("gls-run");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/gls-run/transcript.jsonl"));
+  for (const char* form : {"out/gls.txt", "out/gls.xls", "out/gls.html"}) EXPECT_TRUE(stands(form)) << form;
+}
+
+TEST_F(PlayTest, TheQuestionAboutSectionsIsAnsweredNoAndThenYesInOneDrawing) {
+  const test::RunResult result = playExample("gls-add-sections");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/gls-add-sections/transcript.jsonl"));
+  for (const char* stem : {"out/as-it-is", "out/with-sections"})
+    for (const char* form : {".txt", ".xls", ".html"}) EXPECT_TRUE(stands(std::string(stem) + form)) << stem << form;
+}
+
+TEST_F(PlayTest, AProfileIsPickedBehindAWrongClassAndBringsItsAlignment) {
+  const test::RunResult result = playExample("gls-picks");
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_TRUE(matchesTranscript(result, "scripts/gls-picks/transcript.jsonl"));
+  EXPECT_TRUE(stands("out/picked.txt"));
+  EXPECT_FALSE(stands("out/picked.xls"));
+}
+
 TEST_F(PlayTest, EveryExampleScriptIsPlayedHere) {
   int scripts = 0;
   for (const auto& entry : std::filesystem::directory_iterator(LVX_SOURCE_DIR "/examples/scripts")) {
@@ -164,7 +187,7 @@ TEST_F(PlayTest, EveryExampleScriptIsPlayedHere) {
     EXPECT_TRUE(std::filesystem::exists(test::goldenFolder() + "/scripts/" + entry.path().stem().string()))
         << entry.path();
   }
-  EXPECT_GE(scripts, 14);
+  EXPECT_GE(scripts, 17);
 }
 
 TEST_F(PlayTest, DialogsAreInTheLanguageThatWasAskedFor) {
