@@ -1,0 +1,230 @@
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+
+#include "cli/detail/info_facts.h"
+#include "cli/drawing_file.h"
+#include "cli/info_command.h"
+#include "cli/name_lookup.h"
+#include "text/number_text.h"
+
+namespace lvx::cli {
+
+using civil::ElementKind;
+
+namespace {
+
+using detail::pointFacts;
+using detail::regionFacts;
+using detail::stationRange;
+
+std::string counted(std::size_t count, const char* one, const char* many) {
+  return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+std::string radiusText(double curvature) {
+  if (curvature == 0.0) return "straight";
+  return text::fixedText(std::abs(1.0 / curvature)) + (curvature > 0.0 ? " left" : " right");
+}
+
+std::string radiiText(const civil::Element& element) {
+  switch (element.kind) {
+    case ElementKind::Line:
+      return "";
+    case ElementKind::Arc:
+      return radiusText(element.startCurvature);
+    case ElementKind::Clothoid:
+    case ElementKind::Bloss:
+    case ElementKind::Cosine:
+    case ElementKind::Biquadratic:
+    case ElementKind::Sinusoid:
+      return radiusText(element.startCurvature) + " to " + radiusText(element.endCurvature);
+  }
+  return "";
+}
+
+std::size_t codePoints(std::string_view text) {
+  return static_cast<std::size_t>(
+      std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+}
+
+/// Rows whose columns stand under one another; numbers to the right.
+class Table {
+ public:
+  void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+  [[nodiscard]] bool isEmpty() const { return rows_.empty(); }
+
+  /// `toRight` holds an r for each column that is set to the right.
+  void print(std::string& text, std::string_view indent, std::string_view toRight = {}) const {
+    std::vector<std::size_t> widths;
+    for (const auto& row : rows_)
+      for (std::size_t i = 0; i < row.size(); ++i) {
+        if (i == widths.size()) widths.push_back(0);
+        widths[i] = std::max(widths[i], codePoints(row[i]));
+      }
+    for (const auto& row : rows_) {
+      std::string line(indent);
+      for (std::size_t i = 0; i < row.size(); ++i) {
+        const std::string padding(widths[i] - codePoints(row[i]), ' ');
+        const bool right = i < toRight.size() && toRight[i] == 'r';
+        line += right ? padding + row[i] : row[i] + padding;
+        line += "  ";
+      }
+      line.erase(line.find_last_not_of(' ') + 1);
+      text += line + "\n";
+    }
+  }
+
+ private:
+  std::vector<std::vector<std::string>> rows_;
+};
+
+std::string boxText(const civil::Box& box) {
+  return "x " + text::fixedText(box.minX) + " to " + text::fixedText(box.maxX) + ", y " + text::fixedText(box.minY) +
+         " to " + text::fixedText(box.maxY);
+}
+
+void addElements(std::string& text, const civil::Alignment& geometry) {
+  constexpr std::size_t kMost = 100;
+  const auto elements = geometry.elements();
+  Table table;
+  for (std::size_t i = 0; i < std::min(elements.size(), kMost); ++i)
+    table.add({std::to_string(i + 1), civil::kindName(elements[i].kind), text::fixedText(geometry.stationOfElement(i)),
+               text::fixedText(elements[i].length), radiiText(elements[i])});
+  text += "    elements (number, kind, station, length, radius)\n";
+  table.print(text, "      ", "r rr");
+  if (elements.size() > kMost)
+    text += "      and " + std::to_string(elements.size() - kMost) + " more; --json lists all of them\n";
+}
+
+void addProfiles(std::string& text, const std::vector<civil::ProfileObject>& profiles) {
+  if (profiles.empty()) return;
+  Table table;
+  for (const civil::ProfileObject& object : profiles) {
+    const civil::Profile& profile = object.profile;
+    std::string facts = counted(profile.points().size(), "point", "points");
+    if (profile.gapCount() > 0) facts += ", " + counted(profile.gapCount(), "gap", "gaps");
+    table.add({"'" + object.name + "'", profile.isGround() ? "ground" : "design",
+               profile.isEmpty()
+                   ? ""
+                   : text::fixedText(profile.startStation()) + " to " + text::fixedText(profile.endStation()),
+               facts});
+  }
+  text += "    profiles\n";
+  table.print(text, "      ");
+}
+
+void addGroups(std::string& text, const std::vector<civil::SampleLineGroup>& groups) {
+  if (groups.empty()) return;
+  Table table;
+  for (const civil::SampleLineGroup& group : groups) {
+    const detail::StationRange range = stationRange(group.lines);
+    table.add({"'" + group.name + "'", counted(group.lines.size(), "line", "lines"),
+               group.lines.empty() ? "" : text::fixedText(range.least) + " to " + text::fixedText(range.greatest)});
+  }
+  text += "    sample line groups\n";
+  table.print(text, "      ");
+}
+
+void addAlignment(std::string& text, const civil::AlignmentObject& object) {
+  const civil::Alignment& geometry = object.geometry;
+  text += "  alignment '" + object.name + "'  " +
+          (geometry.isEmpty()
+               ? std::string("without geometry")
+               : "station " + text::fixedText(geometry.startStation()) + " to " +
+                     text::fixedText(geometry.endStation()) + ", length " + text::fixedText(geometry.length())) +
+          "\n";
+  if (!geometry.isEmpty()) addElements(text, geometry);
+  for (const civil::StationEquation& equation : object.stationEquations)
+    text += "    station equation at " + text::fixedText(equation.internalStation) + ": " +
+            (equation.backStation ? "back " + text::fixedText(*equation.backStation) + ", " : std::string()) +
+            "ahead " + text::fixedText(equation.aheadStation) + (equation.increasing ? "" : ", decreasing") +
+            " (reports don't apply it)\n";
+  addProfiles(text, object.profiles);
+  addGroups(text, object.sampleLineGroups);
+}
+
+void addSites(std::string& text, const civil::Drawing& drawing) {
+  for (const civil::Site& site : drawing.sites)
+    if (site.alignments.empty()) text += "site '" + site.name + "': no alignments\n";
+  for (const civil::Site* site : siteRows(drawing)) {
+    text += (site->name.empty() ? std::string("without a site") : "site '" + site->name + "'") + "\n";
+    for (const auto& alignment : site->alignments) addAlignment(text, *alignment);
+  }
+  if (siteRows(drawing).empty()) text += "no alignments\n";
+}
+
+void addSurfaces(std::string& text, const civil::Drawing& drawing) {
+  if (drawing.surfaces.empty()) return;
+  text += "surfaces\n";
+  for (const civil::SurfaceObject& object : drawing.surfaces) {
+    const civil::TinSurface::Counts counts = object.surface.counts();
+    text += "  '" + object.name + "'  " + counted(counts.points, "point", "points") + ", " +
+            counted(counts.triangles, "triangle", "triangles") + "\n";
+    if (!object.surface.isEmpty())
+      text += "    " + boxText(object.surface.box()) + ", elevation " + text::fixedText(object.surface.minElevation()) +
+              " to " + text::fixedText(object.surface.maxElevation()) + "\n";
+    if (counts.degenerate > 0)
+      text += "    " + counted(counts.degenerate, "triangle", "triangles") + " without area in plan hold no ground\n";
+    if (counts.overlappingEdges > 0)
+      text += "    " + counted(counts.overlappingEdges, "edge", "edges") + " with more than two triangles\n";
+  }
+}
+
+void addPoints(std::string& text, const civil::Drawing& drawing) {
+  if (!drawing.points.empty()) {
+    const detail::PointFacts facts = pointFacts(drawing);
+    text += "points  " + std::to_string(drawing.points.size()) + ", numbers " + std::to_string(facts.leastNumber) +
+            " to " + std::to_string(facts.greatestNumber) + ", " + boxText(facts.box) + "\n";
+    if (facts.withoutElevation > 0)
+      text += "  " + std::to_string(facts.withoutElevation) + " of them without an elevation (reports show 0)\n";
+  }
+  if (drawing.pointGroups.empty()) return;
+  text += "point groups\n";
+  Table table;
+  for (const civil::PointGroup& group : drawing.pointGroups)
+    table.add({"'" + group.name + "'", counted(group.numbers.size(), "point", "points")});
+  table.print(text, "  ");
+}
+
+void addCorridors(std::string& text, const civil::Drawing& drawing) {
+  for (const civil::Corridor& corridor : drawing.corridors) {
+    text += "corridor '" + corridor.name + "'\n";
+    for (const civil::Baseline& baseline : corridor.baselines) {
+      text += "  baseline '" + baseline.name + "'" +
+              (baseline.alignment == nullptr ? std::string() : " on alignment '" + baseline.alignment->name + "'") +
+              (baseline.profile == nullptr ? std::string(" without a profile")
+                                           : " with profile '" + baseline.profile->name + "'") +
+              "\n";
+      Table table;
+      for (const civil::Region& region : baseline.regions) {
+        const detail::RegionFacts facts = regionFacts(region);
+        std::string sections = counted(facts.given, "section", "sections");
+        if (facts.computed > 0) sections += ", " + std::to_string(facts.computed) + " computed";
+        if (facts.pending > 0) sections += ", " + std::to_string(facts.pending) + " waiting for a rebuild";
+        table.add({"region '" + region.name + "'",
+                   text::fixedText(region.startStation) + " to " + text::fixedText(region.endStation), sections});
+      }
+      table.print(text, "    ");
+    }
+  }
+}
+
+}  // namespace
+
+std::string infoText(const civil::Drawing& drawing) {
+  std::string text = drawing.path + "  (unit: " +
+                     (drawing.linearUnit.empty() ? std::string("none given, metres assumed") : drawing.linearUnit) +
+                     ")\n";
+  addSites(text, drawing);
+  addSurfaces(text, drawing);
+  addPoints(text, drawing);
+  addCorridors(text, drawing);
+  if (drawing.diagnostics.empty()) return text;
+  text += "diagnostics\n";
+  for (const civil::Diagnostic& diagnostic : drawing.diagnostics)
+    text += "  " + diagnosticText(drawing, diagnostic) + "\n";
+  return text;
+}
+
+}  // namespace lvx::cli
