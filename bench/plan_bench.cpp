@@ -23,6 +23,7 @@
 #include "landxml/reader.h"
 #include "measuring.h"
 #include "view/plan_scene.h"
+#include "view/tile_cache.h"
 #include "view/viewport.h"
 
 namespace {
