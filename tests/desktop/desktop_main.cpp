@@ -1,4 +1,4 @@
-// Tests of windows: they run on a thread of their own beside the windows' event loop, on a display without a screen. All
+// Tests of windows: they run on a thread of their own next to the windows' event loop, on a virtual display. All
 // tests of a program share display, window manager and event loop, and find them as if they were the first.
 #include <QApplication>
 #include <clocale>

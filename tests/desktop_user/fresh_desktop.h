@@ -14,7 +14,7 @@ namespace lvx::test {
 /// the middle of the screen, no key or button down, the style, colours and font of the start, an empty home folder and the
 /// folder that the program was started in. A test that leaves a window open fails.
 ///
-/// To be added to GoogleTest's listeners, which run on the tests' thread beside the windows' event loop.
+/// To be added to GoogleTest's listeners, which run on the tests' thread next to the windows' event loop.
 class FreshDesktop final : public testing::EmptyTestEventListener {
  public:
   /// Windows' thread, before the tests start. `home`: the folder to empty behind every test.
