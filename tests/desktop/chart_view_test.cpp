@@ -523,7 +523,7 @@ TEST_F(SectionViewTest, TellsWhyAFileCannotBeWritten) {
   } rows[] = {
       {folder / "missing/section.svg", "No such file"},
       {folder / "missing/section.pdf", "No such file"},
-      {folder / "section.dwg", ".svg or .pdf"},
+      {folder / "section.sketch", ".svg or .pdf"},
       {folder / "section", ".svg or .pdf"},
   };
   for (const auto& row : rows) {
