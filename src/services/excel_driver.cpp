@@ -1,5 +1,9 @@
 #include "services/excel_driver.h"
 
+#include <algorithm>
+#include <array>
+#include <charconv>
+
 #include "host/excel_operations.h"
 #include "host/host.h"
 
@@ -81,6 +85,15 @@ void finishExcel(ExcelLink& link, const CString& path) {
   link.app.reset();
 }
 
-CString cellName(wchar_t column, int row) { return column + std::to_wstring(row); }
+CString cellName(wchar_t column, int row) {
+  // Every cell of a report passes here: std::to_wstring, which reads a format text first, costs as much as all the
+  // automation calls of a cell.
+  std::array<char, 12> digits;
+  char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), row).ptr;
+  std::array<wchar_t, 1 + digits.size()> name;
+  name[0] = column;
+  wchar_t* const nameEnd = std::copy(digits.data(), end, name.data() + 1);
+  return {name.data(), nameEnd};
+}
 
 }  // namespace lvx::services

@@ -3,6 +3,7 @@
 #include "services/excel_driver.h"
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -213,7 +214,10 @@ TEST_F(ExcelDriver, FailsWhereAnOperationGivesNoObject) {
 
 TEST(CellName, JoinsColumnAndRow) {
   EXPECT_EQ(cellName(L'B', 12), L"B12");
+  EXPECT_EQ(cellName(L'A', 1), L"A1");
   EXPECT_EQ(cellName(L'T', 1048576), L"T1048576");
+  EXPECT_EQ(cellName(L'C', std::numeric_limits<int>::max()), L"C2147483647");
+  EXPECT_EQ(cellName(L'C', std::numeric_limits<int>::min()), L"C-2147483648");
 }
 
 }  // namespace
