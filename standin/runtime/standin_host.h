@@ -42,7 +42,9 @@ struct HostOptions {
 ///     …                                   // commands run
 ///     host.close();
 ///     host.journal().events();            // what was written, and what couldn't be
-class StandinHost final : public host::Host, public companion::CompanionAccess {
+///
+/// A test of a host that fails overrides the operation that is to fail.
+class StandinHost : public host::Host, public companion::CompanionAccess {
  public:
   /// Throws std::invalid_argument where a code page of `options` is unknown.
   explicit StandinHost(FrontEnd& frontEnd, HostOptions options = {});

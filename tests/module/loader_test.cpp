@@ -142,7 +142,7 @@ TEST(ModuleLoader, RefusesAModuleThatIsLoadedAlreadyUnderWhateverNameAndLeavesTh
   }
   EXPECT_TRUE(process.host.commands().commands().empty());
   EXPECT_FALSE(isInMemory(test::kModuleFile));
-  EXPECT_EQ(wordsFor(folder / "other.vmx"), "loaded") << "once the first has gone";
+  EXPECT_EQ(wordsFor(folder / "bin/LVX_MirelReport.vmx"), "loaded") << "once the first has gone";
 }
 
 TEST(ModuleLoader, NamesTheCompanionThatIsMissing) {

@@ -27,10 +27,12 @@ inline const char* const kSmallDrawing = R"(<?xml version="1.0"?>
 <Faces><F>1 2 3</F><F>1 3 4</F></Faces></Definition></Surface></Surfaces>
 </LandXML>)";
 
-/// A stand-in host over the small drawing that a script works. The transcript's lines are kept.
-class ModuleHost {
+/// A stand-in host over the small drawing that a script works. The transcript's lines are kept. `Host` may be a class
+/// derived from the stand-in host that fails in some operation.
+template <class Host>
+class ModuleHostOf {
  public:
-  explicit ModuleHost(const std::string& script = "[]", bool checks = true)
+  explicit ModuleHostOf(const std::string& script = "[]", bool checks = true)
       : transcript_([this](std::string_view line) { lines.emplace_back(line); }),
         frontEnd_(script::parseScript(script, "script"), transcript_),
         host(frontEnd_, options()),
@@ -68,9 +70,11 @@ class ModuleHost {
   script::ScriptFrontEnd frontEnd_;
 
  public:
-  runtime::StandinHost host;
+  Host host;
   runtime::CommandRunner runner;
 };
+
+using ModuleHost = ModuleHostOf<runtime::StandinHost>;
 
 inline const char* const kModuleFile = LVX_BIN_DIR "/LVX_MirelReport.vmx";
 
