@@ -175,8 +175,8 @@ TEST_F(PlayTest, AProfileIsPickedBehindAWrongClassAndBringsItsAlignment) {
   const test::RunResult result = playExample("gls-picks");
   EXPECT_EQ(result.exitCode, 0) << result.errors;
   EXPECT_TRUE(matchesTranscript(result, "scripts/gls-picks/transcript.jsonl"));
-  EXPECT_TRUE(stands("out/picked.txt"));
-  EXPECT_FALSE(stands("out/picked.xls"));
+  EXPECT_TRUE(stands("out/gls-picked.txt"));
+  EXPECT_FALSE(stands("out/gls-picked.xls"));
 }
 
 TEST_F(PlayTest, EveryExampleScriptIsPlayedHere) {

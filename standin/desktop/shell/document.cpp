@@ -255,9 +255,7 @@ void Document::tellSaveError(const QString& target, const QString& reason) {
   box.addButton(QMessageBox::Close);
   box.setDefaultButton(elsewhere);
   box.exec();
-  if (box.clickedButton() == elsewhere)
-    QMetaObject::invokeMethod(
-        this, [this] { askSaveAs(); }, Qt::QueuedConnection);
+  if (box.clickedButton() == elsewhere) QMetaObject::invokeMethod(this, "askSaveAs", Qt::QueuedConnection);
 }
 
 }  // namespace lvx::desktop

@@ -62,7 +62,7 @@ class Document : public QObject {
 
   // These say whether the drawing is saved; what prevents it was told then.
   bool save();
-  bool askSaveAs();
+  Q_INVOKABLE bool askSaveAs();
   /// `target` is absolute.
   bool saveTo(const QString& target);
   /// Asks what to do with unsaved changes, if there are any. False where the user wants to go back.
