@@ -18,10 +18,8 @@ using dialogs::kPictureCorridor;
 using dialogs::kPictureProfile;
 using dialogs::kPictureSampleLineGroup;
 using dialogs::PictureOn;
-using dialogs::ReportDialog;
 using dialogs::ReportDialogParts;
 using dialogs::setFormChecks;
-using host::ControlKind;
 using host::ControlTemplate;
 using host::DialogTemplate;
 using host::DialogWindow;
@@ -30,7 +28,7 @@ using services::Message;
 
 namespace {
 
-using enum ControlKind;
+using enum host::ControlKind;
 
 // In tab order.
 constexpr std::array<ControlTemplate, 27> kControls{{

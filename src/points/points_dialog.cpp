@@ -15,10 +15,8 @@ using dialogs::kHelpPoints;
 using dialogs::kPicturePoint;
 using dialogs::kPicturePointGroup;
 using dialogs::PictureOn;
-using dialogs::ReportDialog;
 using dialogs::ReportDialogParts;
 using dialogs::setFormChecks;
-using host::ControlKind;
 using host::ControlTemplate;
 using host::DialogTemplate;
 using host::DialogWindow;
@@ -27,7 +25,7 @@ using services::Message;
 
 namespace {
 
-using enum ControlKind;
+using enum host::ControlKind;
 
 // In tab order.
 constexpr std::array<ControlTemplate, 24> kControls{{

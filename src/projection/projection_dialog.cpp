@@ -14,10 +14,8 @@ using dialogs::kHelpProjection;
 using dialogs::kPictureSampleLineGroup;
 using dialogs::kPictureSurface;
 using dialogs::PictureOn;
-using dialogs::ReportDialog;
 using dialogs::ReportDialogParts;
 using dialogs::setFormChecks;
-using host::ControlKind;
 using host::ControlTemplate;
 using host::DialogTemplate;
 using host::DialogWindow;
@@ -25,7 +23,7 @@ using services::Message;
 
 namespace {
 
-using enum ControlKind;
+using enum host::ControlKind;
 
 // In tab order.
 constexpr std::array<ControlTemplate, 24> kControls{{

@@ -199,7 +199,7 @@ std::string toUtf8(const CString& text) {
       continue;
     }
     if (character < 0 || character > 0x10FFFF || (character >= 0xD800 && character <= 0xDFFF)) character = kReplacement;
-    const auto point = static_cast<std::make_unsigned_t<wchar_t>>(character);
+    const auto point = static_cast<std::uint32_t>(std::int64_t{character});
     if (point < 0x80) {
       put(point);
     } else if (point < 0x800) {

@@ -43,7 +43,8 @@ std::array<double, kLawTerms> curvatureSeries(const Element& element, double fro
 // Whether `count` pieces of equal length between two distances have series that err by a rounding.
 bool isAccurate(const Element& element, double from, double to, double count) {
   const double step = (to - from) / count;
-  for (double k = 0.0; k < count; ++k) {
+  for (std::int64_t piece = 0; static_cast<double>(piece) < count; ++piece) {
+    const auto k = static_cast<double>(piece);
     if (!ClothoidSeries::isAccurate(curvatureSeries(element, from + k * step, from + (k + 1.0) * step), 0.5 * step)) {
       return false;
     }
