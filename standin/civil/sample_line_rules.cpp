@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <set>
 #include <utility>
 
@@ -298,7 +299,9 @@ void addIntervals(const SampleLineRules& rules, const Alignment& axis, double fr
     failAt("every", numberText(rules.every), "gives more than " + std::to_string(kMostSampleLines) + " lines");
   }
   CurvatureWalk curvature(axis);
-  for (double k = first; k <= last; ++k) {
+  const auto intervals = static_cast<std::int64_t>(last - first);
+  for (std::int64_t i = 0; i <= intervals; ++i) {
+    const double k = first + static_cast<double>(i);
     const double station = std::clamp(origin + k * step, from, to);
     const bool isHalf = halves && std::fmod(k, 2.0) != 0.0;
     if (isHalf && !(curvature.sharpestAt(station) * rules.halvedBelow > 1.0)) continue;
