@@ -145,9 +145,10 @@ void paintNote(QPainter& painter, const ChartNote& note, TextRoom& room) {
   constexpr double kOff = 4.0;
   const auto crossesLine = [&](QPointF centre) {
     // In pieces, since the line below is as slanted as the text.
-    const double half = size / 2 - 1.0;
-    for (double at = -width / 2 + half; at <= width / 2; at += half) {
-      const QPointF piece = centre + at * along;
+    const double half = std::max(size / 2 - 1.0, 1.0);
+    const int pieces = static_cast<int>(width / half);
+    for (int i = 1; i <= pieces; ++i) {
+      const QPointF piece = centre + (i * half - width / 2) * along;
       if (room.crossesLine(QRectF(piece - QPointF(half, half), QSizeF(2 * half, 2 * half)))) return true;
     }
     return false;
