@@ -7,7 +7,6 @@
 #include <QStyleFactory>
 #include <QStyleOption>
 #include <algorithm>
-#include <memory>
 
 namespace lvx::desktop {
 
@@ -100,7 +99,7 @@ bool isDarkPalette(const QPalette& palette) { return palette.color(QPalette::Win
 
 void applyScheme(Scheme scheme) {
   if (dynamic_cast<const OutlinedStyle*>(QApplication::style()) == nullptr)
-    QApplication::setStyle(std::make_unique<OutlinedStyle>().release());  // the application owns it
+    QApplication::setStyle(new OutlinedStyle);  // the application owns it
   bool dark = scheme == Scheme::Dark;
   if (scheme == Scheme::System) {
     QApplication::setPalette(QPalette());  // back to what the desktop says

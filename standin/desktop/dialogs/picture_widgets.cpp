@@ -33,7 +33,8 @@ QImage imageOf(const host::PictureBits& picture) {
   QImage image(host::kPictureSide, host::kPictureSide, QImage::Format_ARGB32);
   for (int y = 0; y < host::kPictureSide; ++y)
     for (int x = 0; x < host::kPictureSide; ++x) {
-      const std::uint8_t* pixel = &picture.bytes[static_cast<std::size_t>(4 * (y * host::kPictureSide + x))];
+      const int at = 4 * (y * host::kPictureSide + x);
+      const std::uint8_t* pixel = &picture.bytes[static_cast<std::size_t>(at)];
       image.setPixel(x, y, qRgb(pixel[2], pixel[1], pixel[0]));
     }
   return image;

@@ -108,7 +108,8 @@ class GroupFrame final : public QGroupBox {
     QColor line = palette().color(QPalette::WindowText);
     line.setAlphaF(kFrameStrength);
     painter.setPen(line);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5 + metrics.height() / 2, -0.5, -0.5), 2, 2);
+    const int middle = metrics.height() / 2;
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5 + middle, -0.5, -0.5), 2, 2);
     painter.restore();
     style()->drawItemText(&painter, text, Qt::AlignLeft | Qt::AlignTop | Qt::TextShowMnemonic, palette(), isEnabled(),
                           title(), QPalette::WindowText);

@@ -161,8 +161,9 @@ void PlanFurniture::paintLegend(QPainter& painter, const PlanColours& colours) c
   // Round heights, no nearer than a line and a half.
   double step = roundStep(range);
   while (step * ramp.height() / range > 3.9 * metrics.height()) step = roundStep(step * 0.51);
-  for (double height = std::ceil(heights_->least / step) * step; height <= heights_->most + step * 1e-9; height += step)
-    mark(height, step);
+  const double first = std::ceil(heights_->least / step) * step;
+  const int last = static_cast<int>(std::floor((heights_->most - first) / step + 1e-9));
+  for (int i = 0; i <= last; ++i) mark(first + i * step, step);
 }
 
 }  // namespace lvx::desktop

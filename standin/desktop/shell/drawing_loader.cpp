@@ -72,7 +72,7 @@ void DrawingLoader::start(const QString& path) {
 
 void DrawingLoader::cancel() { cancel_ = true; }
 
-void DrawingLoader::work(std::string path, std::uint64_t run) {
+void DrawingLoader::work(const std::string& path, std::uint64_t run) {
   auto outcome = std::make_shared<Outcome>();
   Throttle throttle;
   const auto tell = [this, run, &throttle](const QString& step, quint64 done, quint64 total) {

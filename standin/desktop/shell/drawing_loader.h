@@ -59,7 +59,7 @@ class DrawingLoader : public QObject {
 
  private:
   struct Outcome;
-  void work(std::string path, std::uint64_t run);
+  void work(const std::string& path, std::uint64_t run);
   void finish(std::uint64_t run, const std::shared_ptr<Outcome>& outcome);
   void join();
 
