@@ -9,8 +9,8 @@
 
 #include "doubles/fake_host.h"
 #include "doubles/message_file.h"
-#include "services/message_catalogue.h"
 #include "doubles/rescanned_escapes.h"
+#include "services/message_catalogue.h"
 
 namespace {
 

@@ -106,12 +106,8 @@ TEST(Translation, HoldsTheTextsOfTheSourcesAndNoOther) {
     std::filesystem::copy_file(wordsOf(language), fresh);
     RunRequest request;
     request.program = LVX_LUPDATE;
-    request.arguments = {"-locations",
-                         "none",
-                         "-no-obsolete",
-                         "-I",
-                         LVX_SOURCE_DIR "/standin",
-                         LVX_SOURCE_DIR "/standin/desktop"};
+    request.arguments = {
+        "-locations", "none", "-no-obsolete", "-I", LVX_SOURCE_DIR "/standin", LVX_SOURCE_DIR "/standin/desktop"};
     if (language == "en") request.arguments.emplace_back("-pluralonly");
     request.arguments.insert(request.arguments.end(), {"-ts", fresh.string()});
     const RunResult result = runProgram(request);
