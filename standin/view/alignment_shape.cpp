@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <utility>
 
 #include "text/number_text.h"
@@ -236,9 +237,10 @@ std::vector<Tick> ticks(const Alignment& alignment, const Box& visible, double s
     const double start = alignment.stationOfElement(i);
     for (const Part part : visibleParts(element, {0.0, element.length}, reach)) {
       const double last = std::floor((start + part.to) / steps.minor + 1e-9);
-      for (double number = std::max(std::ceil((start + part.from) / steps.minor - 1e-9), done + 1.0); number <= last;
-           ++number) {
+      const double first = std::max(std::ceil((start + part.from) / steps.minor - 1e-9), done + 1.0);
+      for (std::int64_t i = 0; first + static_cast<double>(i) <= last; ++i) {
         if (result.size() >= kMostTicks) return result;
+        const double number = first + static_cast<double>(i);
         const double station = number * steps.minor;
         const Pose pose = element.poseAt(std::clamp(station - start, 0.0, element.length));
         done = number;

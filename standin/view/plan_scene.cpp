@@ -13,7 +13,6 @@
 
 namespace lvx::view {
 
-using civil::AlignmentObject;
 using civil::Box;
 using civil::Corridor;
 using civil::Drawing;

@@ -146,7 +146,8 @@ class Raster::Paint {
       const auto centreX = static_cast<double>(x * kSub + kHalf);
       if (hasHeights_) {
         const double exact = face_.height[0] + heightX_ * (centreX - face_.x[0]) + heightY_ * (centreY - face_.y[0]);
-        height = static_cast<std::uint32_t>(std::clamp(exact, 0.0, 255.0) + 0.5);
+        const double halfUp = std::clamp(exact, 0.0, 255.0) + 0.5;  // cut off below, which rounds what isn't negative
+        height = static_cast<std::uint32_t>(halfUp);
       }
       gather(*pixel, face_.light, height, kWhole);
       pixel->hasGround = 1;
