@@ -238,9 +238,9 @@ std::vector<Tick> ticks(const Alignment& alignment, const Box& visible, double s
     for (const Part part : visibleParts(element, {0.0, element.length}, reach)) {
       const double last = std::floor((start + part.to) / steps.minor + 1e-9);
       const double first = std::max(std::ceil((start + part.from) / steps.minor - 1e-9), done + 1.0);
-      for (std::int64_t i = 0; first + static_cast<double>(i) <= last; ++i) {
+      for (std::int64_t mark = 0; first + static_cast<double>(mark) <= last; ++mark) {
         if (result.size() >= kMostTicks) return result;
-        const double number = first + static_cast<double>(i);
+        const double number = first + static_cast<double>(mark);
         const double station = number * steps.minor;
         const Pose pose = element.poseAt(std::clamp(station - start, 0.0, element.length));
         done = number;

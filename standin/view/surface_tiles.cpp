@@ -42,7 +42,7 @@ std::uint32_t lightOf(const Vec3& a, const Vec3& b, const Vec3& c) {
   // Beyond any map, floats end; such ground is as good as level.
   if (!(square > 0.0F) || !std::isfinite(square)) return static_cast<std::uint32_t>(255.0 * detail::kLevelLight);
   const float light = (0.5F * (ny - nx) + static_cast<float>(detail::kLevelLight) * nz) / std::sqrt(square);
-  return static_cast<std::uint32_t>(255.0F * (light > 0.0F ? light : 0.0F) + 0.5F);
+  return detail::rounded(255.0F * (light > 0.0F ? light : 0.0F));
 }
 
 /// Where the drawing lies in an area, in 256ths of a pixel from its upper left corner: whole numbers, the same for every
@@ -72,7 +72,8 @@ class AreaPlace {
  private:
   /// To the same 256th of a pixel for every area: first rounded, then moved.
   [[nodiscard]] double rounded(double distance) const {
-    return isExact_ ? static_cast<double>(static_cast<std::int64_t>(distance + 0.5)) : distance;
+    const double halfUp = distance + 0.5;
+    return isExact_ ? static_cast<double>(static_cast<std::int64_t>(halfUp)) : distance;
   }
 
   Vec2 origin_;
@@ -226,7 +227,7 @@ bool SurfaceTiles::fill(detail::Raster& raster, const PixelArea& area, const Sur
                         0};
       if (hasHeights) {
         face.height = {height(a.z), height(b.z), height(c.z)};
-        face.meanHeight = static_cast<std::uint32_t>((face.height[0] + face.height[1] + face.height[2]) / 3.0 + 0.5);
+        face.meanHeight = detail::rounded((face.height[0] + face.height[1] + face.height[2]) / 3.0);
       }
       raster.add(face);
     }

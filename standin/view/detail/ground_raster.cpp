@@ -146,8 +146,7 @@ class Raster::Paint {
       const auto centreX = static_cast<double>(x * kSub + kHalf);
       if (hasHeights_) {
         const double exact = face_.height[0] + heightX_ * (centreX - face_.x[0]) + heightY_ * (centreY - face_.y[0]);
-        const double halfUp = std::clamp(exact, 0.0, 255.0) + 0.5;  // cut off below, which rounds what isn't negative
-        height = static_cast<std::uint32_t>(halfUp);
+        height = rounded(std::clamp(exact, 0.0, 255.0));
       }
       gather(*pixel, face_.light, height, kWhole);
       pixel->hasGround = 1;

@@ -11,6 +11,13 @@
 /// numbers and each pixel's centre lies in exactly one triangle of a surface.
 namespace lvx::view::detail {
 
+/// The nearest whole number of one that isn't negative: what is cut off behind the half more. Quicker than std::lround.
+template <class Real>
+[[nodiscard]] inline std::uint32_t rounded(Real value) {
+  const Real halfMore = value + Real{0.5};
+  return static_cast<std::uint32_t>(halfMore);
+}
+
 inline constexpr int kSubBits = 8;
 /// Parts of a pixel that corners count in.
 inline constexpr std::int64_t kSub = std::int64_t{1} << kSubBits;
