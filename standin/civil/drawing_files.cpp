@@ -9,47 +9,15 @@
 #include <unordered_set>
 #include <utility>
 
+#include "civil/drawing_edit.h"
+#include "civil/each_object.h"
+
 namespace lvx::civil {
 
 namespace {
 
 /// Handles of an added file start behind a multiple of this, so that people still recognise the file's own in them.
 constexpr Handle kHandleStep = 0x1000000;
-
-/// Calls `use` for every object that has a handle.
-template <class Use>
-void eachObject(Drawing& drawing, Use use) {
-  const auto site = [&](Site& s) {
-    use(s);
-    for (auto& alignment : s.alignments) {
-      use(*alignment);
-      for (auto& profile : alignment->profiles) use(profile);
-      for (auto& group : alignment->sampleLineGroups) use(group);
-    }
-  };
-  site(drawing.siteless);
-  for (Site& s : drawing.sites) site(s);
-  for (auto& surface : drawing.surfaces) use(surface);
-  for (auto& point : drawing.points) use(point);
-  for (auto& group : drawing.pointGroups) use(group);
-  for (auto& corridor : drawing.corridors) use(corridor);
-}
-
-template <class Use>
-void eachHandle(Drawing& drawing, Use use) {
-  eachObject(drawing, [&](auto& object) {
-    use(object.handle);
-    if constexpr (requires { object.lines; }) {
-      for (SampleLine& line : object.lines) use(line.handle);
-    }
-  });
-}
-
-Handle largestHandle(Drawing& drawing) {
-  Handle largest = 0;
-  eachHandle(drawing, [&](Handle handle) { largest = std::max(largest, handle); });
-  return largest;
-}
 
 /// The lowest base for a file whose largest handle is `largestAdded`.
 Handle baseBehind(Handle largestWhole, Handle largestAdded) {

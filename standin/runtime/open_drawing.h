@@ -87,7 +87,8 @@ using StartProgress =
 /// A drawing while it is open: its data, the look-ups over it, the count of the model objects handed out. Shared by the
 /// host and by every model object, so that an object that somebody keeps too long still answers.
 ///
-/// Its corridors are all that a module can change; everything else stays as it was opened.
+/// Its corridors are all that a module can change; everything else stays as it was opened, but for what a person edits
+/// between commands.
 class OpenDrawing {
  public:
   explicit OpenDrawing(civil::Drawing drawing);
@@ -117,6 +118,19 @@ class OpenDrawing {
   [[nodiscard]] bool isChanged() const { return changeCount() != savedChanges_; }
   /// To be called when the drawing has been saved.
   void setSaved() { savedChanges_ = changeCount(); }
+  /// Lets `change` change any list of the drawing. Nobody may hold a model object or a pointer into the drawing: no
+  /// command runs. What `change` throws leaves the drawing as it left it.
+  template <class Change>
+  void edit(Change change) {
+    ++edits_;
+    try {
+      change(drawing_);
+    } catch (...) {
+      index_ = civil::DrawingIndex(drawing_);
+      throw;
+    }
+    index_ = civil::DrawingIndex(drawing_);
+  }
   /// Lets `write` save the drawing, which it may note in it; what it throws leaves the drawing changed.
   template <class Write>
   void save(Write write) {
@@ -128,12 +142,13 @@ class OpenDrawing {
   StartProgress startProgress;
 
  private:
-  [[nodiscard]] std::size_t changeCount() const { return addedStations_ + rebuilt_.computed; }
+  [[nodiscard]] std::size_t changeCount() const { return addedStations_ + rebuilt_.computed + edits_; }
 
   civil::Drawing drawing_;
   civil::DrawingIndex index_;
   LiveObjects liveObjects_;
   std::size_t addedStations_ = 0;
+  std::size_t edits_ = 0;
   std::size_t savedChanges_ = 0;
   civil::Rebuilt rebuilt_;
 };

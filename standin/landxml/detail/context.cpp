@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "civil/drawing_files.h"
+#include "civil/each_object.h"
 #include "landxml/detail/numbers.h"
 #include "landxml/detail/tree.h"
 #include "text/handle_text.h"
@@ -16,30 +17,6 @@ namespace {
 
 /// Diagnostics beyond this help nobody; the last one says how many there were.
 constexpr std::size_t kMostDiagnostics = 10'000;
-
-/// Calls `use(handle)` for every object of the drawing that has one.
-template <class Use>
-void eachHandle(civil::Drawing& drawing, Use use) {
-  const auto site = [&](civil::Site& s) {
-    for (auto& alignment : s.alignments) {
-      use(alignment->handle);
-      for (auto& profile : alignment->profiles) use(profile.handle);
-      for (auto& group : alignment->sampleLineGroups) {
-        use(group.handle);
-        for (auto& line : group.lines) use(line.handle);
-      }
-    }
-  };
-  site(drawing.siteless);
-  for (auto& s : drawing.sites) {
-    use(s.handle);
-    site(s);
-  }
-  for (auto& surface : drawing.surfaces) use(surface.handle);
-  for (auto& point : drawing.points) use(point.handle);
-  for (auto& group : drawing.pointGroups) use(group.handle);
-  for (auto& corridor : drawing.corridors) use(corridor.handle);
-}
 
 }  // namespace
 
@@ -285,7 +262,9 @@ void Context::settleHandles() {
     while (taken.count(next) > 0) ++next;
     handles[i] = next++;
   }
-  eachHandle(drawing, [&](civil::Handle& handle) { handle = handles[handle - 1]; });
+  civil::eachHandle(drawing, [&](civil::Handle& handle) {
+    if (handle != 0) handle = handles[handle - 1];
+  });
   if (trace == nullptr) return;
   trace->objects.reserve(order.size());
   for (const std::size_t i : order) {

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "civil/drawing.h"
+
+/// What a person makes in an open drawing: groups of sample lines and of points, profiles from ground. New objects get
+/// handles that no file of the drawing has, and belong to no file (kNoFile) until they are saved.
+///
+/// All of these change lists of the drawing: pointers into the changed list, and every DrawingIndex, are no longer valid.
+namespace lvx::civil {
+
+/// A change that can't be made; the text says why and names the object. The drawing is as it was.
+class EditError : public std::invalid_argument {
+ public:
+  using std::invalid_argument::invalid_argument;
+};
+
+/// The largest handle in the drawing; 0 where it holds none. O(n).
+[[nodiscard]] Handle largestHandle(const Drawing& drawing);
+
+/// The object of a drawing that may be changed, by one that was found in it. Null where the drawing hasn't got it.
+[[nodiscard]] AlignmentObject* changeable(Drawing& drawing, const AlignmentObject& alignment);
+
+/// A new group at the end of the alignment's, which is one of the drawing's. Lines get new handles. Throws EditError for
+/// an empty name and one that another group of the alignment has.
+SampleLineGroup& addSampleLineGroup(Drawing& drawing, AlignmentObject& alignment, const std::string& name,
+                                    std::vector<SampleLine> lines);
+
+/// A new profile at the end of the alignment's. Throws EditError for an empty name, one that another profile of the
+/// alignment has, and a profile without points.
+ProfileObject& addProfile(Drawing& drawing, AlignmentObject& alignment, const std::string& name, Profile profile);
+
+/// A new group of points at the end of the drawing's. Throws EditError for an empty name, one that another point group
+/// has, and a number that no point has.
+PointGroup& addPointGroup(Drawing& drawing, const std::string& name, std::vector<std::int32_t> numbers);
+
+}  // namespace lvx::civil
