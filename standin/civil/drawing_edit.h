@@ -31,7 +31,7 @@ class EditError : public std::invalid_argument {
 SampleLineGroup& addSampleLineGroup(Drawing& drawing, AlignmentObject& alignment, const std::string& name,
                                     std::vector<SampleLine> lines);
 
-/// A new profile at the end of the alignment's. Throws EditError for an empty name, one that another profile of the
+/// A new profile at the end of the alignment's; baselines of corridors keep theirs. Throws EditError for an empty name, one that another profile of the
 /// alignment has, and a profile without points.
 ProfileObject& addProfile(Drawing& drawing, AlignmentObject& alignment, const std::string& name, Profile profile);
 
