@@ -204,6 +204,12 @@ std::string knownKeys() {
   return text;
 }
 
+void requireKnown(std::string_view key) {
+  if (!PairReader::isKnown(key)) {
+    throw SampleLineError("there is no key " + quoted(key) + ", only " + knownKeys());
+  }
+}
+
 // ---------------------------------------------------------------- names
 
 /// A pattern cut into fixed texts and fields.
@@ -313,14 +319,21 @@ void checkSize(const char* key, double value, bool isAllowed, const char* wanted
   if (!std::isfinite(value) || !isAllowed) failAt(key, numberText(value), std::string(wanted) + " is wanted");
 }
 
+struct Side {
+  double width = 0.0;
+  SampleLineReach reach = SampleLineReach::Width;
+};
+
 /// How far out the surface reaches from `center` along `direction`, up to `largest`; that where it doesn't.
-double widthToBorder(const TinSurface& surface, Vec2 center, Vec2 direction, double largest,
-                     std::vector<Vec3>& scratch) {
+Side sideToBorder(const TinSurface& surface, Vec2 center, Vec2 direction, double largest, std::vector<Vec3>& scratch) {
   scratch.clear();
   surface.sample(center, center + largest * direction, scratch);
-  if (scratch.empty()) return largest;
+  if (scratch.empty()) return {largest, SampleLineReach::NoGround};
   const double width = length(Vec2{scratch.back().x, scratch.back().y} - center);
-  return width > kSamePoint ? width : largest;
+  if (width <= kSamePoint) return {largest, SampleLineReach::NoGround};
+  // The end of a line within the surface is a sample itself, but for the rounding of large coordinates.
+  constexpr double kRounding = 1e-6;
+  return {width, width < largest - kRounding ? SampleLineReach::Border : SampleLineReach::Largest};
 }
 
 }  // namespace
@@ -347,25 +360,34 @@ const char* kindName(SampleLineKind kind) {
 
 std::span<const SampleLineKey> sampleLineKeys() { return kKeys; }
 
-SampleLineRules parseSampleLineRules(std::string_view text) {
-  SampleLineRules rules;
-  std::set<std::string_view> given;
+std::vector<SampleLineRule> splitSampleLineRules(std::string_view text) {
+  std::vector<SampleLineRule> split;
   PairReader pairs(text);
   while (const auto pair = pairs.next()) {
-    if (!PairReader::isKnown(pair->key)) {
-      throw SampleLineError("there is no key " + quoted(pair->key) + ", only " + knownKeys());
-    }
-    if (!given.insert(pair->key).second) throw SampleLineError(std::string(pair->key) + ": given twice");
-    if (pair->value.empty()) throw SampleLineError(std::string(pair->key) + ": a value is wanted");
-    apply(rules, pair->key, pair->value);
+    requireKnown(pair->key);
+    split.push_back({std::string(pair->key), std::string(pair->value)});
+  }
+  return split;
+}
+
+SampleLineRules sampleLineRules(std::span<const SampleLineRule> pairs) {
+  SampleLineRules rules;
+  std::set<std::string_view> given;
+  for (const SampleLineRule& pair : pairs) {
+    requireKnown(pair.key);
+    if (!given.insert(pair.key).second) throw SampleLineError(pair.key + ": given twice");
+    if (pair.value.empty()) throw SampleLineError(pair.key + ": a value is wanted");
+    apply(rules, pair.key, pair.value);
     // 0 stands for none in the rules; who writes it means a length.
-    if (pair->key == "every") checkSize("every", rules.every, rules.every > 0.0, "a length above 0");
-    if (pair->key == "half-below")
+    if (pair.key == "every") checkSize("every", rules.every, rules.every > 0.0, "a length above 0");
+    if (pair.key == "half-below")
       checkSize("half-below", rules.halvedBelow, rules.halvedBelow > 0.0, "a radius above 0");
   }
   checkRules(rules);
   return rules;
 }
+
+SampleLineRules parseSampleLineRules(std::string_view text) { return sampleLineRules(splitSampleLineRules(text)); }
 
 std::string textOf(const SampleLineRules& rules) {
   const SampleLineRules defaults;
@@ -531,15 +553,22 @@ std::vector<MadeSampleLine> makeSampleLines(const SampleLineRules& rules, const 
     const std::optional<Pose> pose = ground.axis.poseAt(at.station);
     if (!pose) continue;  // an element of no finite shape
     const Vec2 right = unit(pose->direction - 0.5 * kPi - turn);
-    const auto width = [&](const std::optional<double>& given, Vec2 direction) {
-      if (given) return *given;
-      return wantsBorder ? widthToBorder(*ground.border, pose->point, direction, rules.largest, scratch)
-                         : SampleLineRules::kWidth;
+    const auto side = [&](const std::optional<double>& given, Vec2 direction) -> Side {
+      if (given) return {*given};
+      if (!wantsBorder) return {SampleLineRules::kWidth};
+      return sideToBorder(*ground.border, pose->point, direction, rules.largest, scratch);
     };
-    MadeSampleLine line{at.station, at.kind,     pattern.name(at, lines.size() + 1, ground.stationText),
-                        {},         pose->point, {}};
-    line.left = pose->point - width(rules.left, -1.0 * right) * right;
-    line.right = pose->point + width(rules.right, right) * right;
+    const Side toLeft = side(rules.left, -1.0 * right);
+    const Side toRight = side(rules.right, right);
+    MadeSampleLine line;
+    line.station = at.station;
+    line.kind = at.kind;
+    line.name = pattern.name(at, lines.size() + 1, ground.stationText);
+    line.left = pose->point - toLeft.width * right;
+    line.center = pose->point;
+    line.right = pose->point + toRight.width * right;
+    line.leftReach = toLeft.reach;
+    line.rightReach = toRight.reach;
     lines.push_back(std::move(line));
   }
   if (lines.empty()) throw SampleLineError("the alignment has no shape at the stations of the lines");

@@ -95,6 +95,21 @@ struct SampleLineKey {
 /// quotes. Stations may be written as numbers or as 1+020.5, several between semicolons. Throws SampleLineError for an
 /// unknown key, a key given twice, a value that isn't of its kind or range, and where nothing says where lines stand.
 [[nodiscard]] SampleLineRules parseSampleLineRules(std::string_view text);
+
+/// One key with its value as texts: "yes" for a flag that is set.
+struct SampleLineRule {
+  std::string key;
+  std::string value;
+
+  friend bool operator==(const SampleLineRule&, const SampleLineRule&) = default;
+};
+/// The pairs of such a text, quotes taken off; values aren't looked at yet. Throws SampleLineError for an unknown key, a
+/// key without its value and a quote that isn't closed.
+[[nodiscard]] std::vector<SampleLineRule> splitSampleLineRules(std::string_view text);
+/// Rules from pairs, as parseSampleLineRules makes them from the pairs of its text. For those who take each key by itself,
+/// with values that need no quotes.
+[[nodiscard]] SampleLineRules sampleLineRules(std::span<const SampleLineRule> pairs);
+
 /// The text that parses to the same rules; keys at their defaults left out.
 [[nodiscard]] std::string textOf(const SampleLineRules& rules);
 
@@ -117,6 +132,14 @@ struct SampleLineStation {
   SampleLineKind kind = SampleLineKind::Interval;
 };
 
+/// What set how far a line reaches on one side.
+enum class SampleLineReach : std::uint8_t {
+  Width,     ///< a fixed width
+  Border,    ///< the border of the surface
+  Largest,   ///< the largest width: the surface goes on behind it
+  NoGround,  ///< the largest width: the line doesn't meet the surface on this side
+};
+
 struct MadeSampleLine {
   double station = 0.0;
   SampleLineKind kind = SampleLineKind::Interval;
@@ -124,6 +147,8 @@ struct MadeSampleLine {
   Vec2 left;
   Vec2 center;  ///< on the alignment
   Vec2 right;
+  SampleLineReach leftReach = SampleLineReach::Width;
+  SampleLineReach rightReach = SampleLineReach::Width;
   [[nodiscard]] std::vector<Vec2> vertices() const { return {left, center, right}; }
 };
 

@@ -165,6 +165,16 @@ TEST(SampleLines, ReachTheBorderOfASurface) {
   EXPECT_THAT(widths("stations=140,border=Ground,largest=60"), ElementsAre(60, 60)) << "it never meets the surface";
   EXPECT_THAT(errorOf("stations=1050,border=Ground"),
               HasSubstr("border 'Ground': there is no such surface with ground"));
+
+  const auto reaches = [&](const char* rules) {
+    const auto lines = makeSampleLines(parseSampleLineRules(rules), {.axis = axis, .border = &ground});
+    return std::pair(lines.at(0).leftReach, lines.at(0).rightReach);
+  };
+  using enum SampleLineReach;
+  EXPECT_EQ(reaches("stations=50"), std::pair(Width, Width));
+  EXPECT_EQ(reaches("stations=50,border=Ground"), std::pair(Border, Border));
+  EXPECT_EQ(reaches("stations=50,border=Ground,largest=30,right=8"), std::pair(Largest, Width));
+  EXPECT_EQ(reaches("stations=140,border=Ground"), std::pair(NoGround, NoGround));
 }
 
 TEST(SampleLines, AreNamedByThePattern) {
@@ -275,6 +285,22 @@ TEST(SampleLineRules, ComeBackFromTheirText) {
     EXPECT_EQ(textOf(rules), text);
     EXPECT_EQ(parseSampleLineRules(textOf(rules)), rules);
   }
+}
+
+TEST(SampleLineRules, AreTheSameFromPairsAsFromTheirText) {
+  const std::vector<SampleLineRule> pairs =
+      splitSampleLineRules("every=20, ends,border='Ground, old',name=\"{n}\",left=1+000");
+  EXPECT_THAT(pairs, ElementsAre(SampleLineRule{"every", "20"}, SampleLineRule{"ends", "yes"},
+                                 SampleLineRule{"border", "Ground, old"}, SampleLineRule{"name", "{n}"},
+                                 SampleLineRule{"left", "1+000"}));
+  const std::vector<SampleLineRule> both = {{"every", "20"}, {"border", "it's \"so\", isn't it"}};
+  EXPECT_EQ(sampleLineRules(both).border, "it's \"so\", isn't it") << "no text with quotes could say that";
+  EXPECT_EQ(sampleLineRules(splitSampleLineRules("every=20,left=5")), parseSampleLineRules("every=20,left=5"));
+  const std::vector<SampleLineRule> twice = {{"every", "20"}, {"every", "25"}};
+  EXPECT_THROW(static_cast<void>(sampleLineRules(twice)), SampleLineError);
+  const std::vector<SampleLineRule> unknown = {{"evry", "20"}};
+  EXPECT_THROW(static_cast<void>(sampleLineRules(unknown)), SampleLineError);
+  EXPECT_THROW(static_cast<void>(sampleLineRules({})), SampleLineError) << "nothing says where lines stand";
 }
 
 TEST(SampleLineRules, HaveEveryKeyInTheirTable) {
