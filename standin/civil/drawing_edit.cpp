@@ -1,11 +1,11 @@
 #include "civil/drawing_edit.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <limits>
 #include <unordered_set>
 #include <utility>
 
+#include "civil/detail/profile_users.h"
 #include "civil/each_object.h"
 
 namespace lvx::civil {
@@ -71,17 +71,8 @@ ProfileObject& addProfile(Drawing& drawing, AlignmentObject& alignment, const st
   object.name = name;
   object.profile = std::move(profile);
   object.file = kNoFile;
-  // The list moves as it grows, and baselines of corridors point into it.
-  std::vector<std::pair<Baseline*, std::ptrdiff_t>> along;
-  for (Corridor& corridor : drawing.corridors) {
-    for (Baseline& baseline : corridor.baselines) {
-      if (baseline.alignment == &alignment && baseline.profile != nullptr)
-        along.emplace_back(&baseline, baseline.profile - alignment.profiles.data());
-    }
-  }
-  ProfileObject& added = alignment.profiles.emplace_back(std::move(object));
-  for (const auto& [baseline, index] : along) baseline->profile = alignment.profiles.data() + index;
-  return added;
+  keepingProfileUsers(drawing, alignment, [&] { alignment.profiles.push_back(std::move(object)); });
+  return alignment.profiles.back();
 }
 
 PointGroup& addPointGroup(Drawing& drawing, const std::string& name, std::vector<std::int32_t> numbers) {

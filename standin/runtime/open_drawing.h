@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "civil/corridor.h"
@@ -115,14 +116,22 @@ class OpenDrawing {
   /// every region as it was or finished. Sections that somebody still looks at stay in memory.
   void rebuild(civil::Corridor& corridor);
   /// Whether the drawing differs from what was opened, or saved last.
-  [[nodiscard]] bool isChanged() const { return changeCount() != savedChanges_; }
+  [[nodiscard]] bool isChanged() const { return corridorChanges() != savedChanges_ || editState_ != savedState_; }
   /// To be called when the drawing has been saved.
-  void setSaved() { savedChanges_ = changeCount(); }
+  void setSaved() {
+    savedChanges_ = corridorChanges();
+    savedState_ = editState_;
+  }
   /// Lets `change` change any list of the drawing. Nobody may hold a model object or a pointer into the drawing: no
-  /// command runs. What `change` throws leaves the drawing as it left it.
+  /// command runs. Where `change` throws, it has left the drawing as it was.
   template <class Change>
   void edit(Change change) {
-    ++edits_;
+    edit(std::move(change), lastState_ + 1);
+    ++lastState_;
+  }
+  /// The same for a change that leads back, or on, to an earlier state of edits (see EditHistory).
+  template <class Change>
+  void edit(Change change, std::size_t state) {
     try {
       change(drawing_);
     } catch (...) {
@@ -130,7 +139,10 @@ class OpenDrawing {
       throw;
     }
     index_ = civil::DrawingIndex(drawing_);
+    editState_ = state;
   }
+  /// Which of the states that edits led to the drawing is in; 0 as it was opened.
+  [[nodiscard]] std::size_t editState() const { return editState_; }
   /// Lets `write` save the drawing, which it may note in it; what it throws leaves the drawing changed.
   template <class Write>
   void save(Write write) {
@@ -142,14 +154,16 @@ class OpenDrawing {
   StartProgress startProgress;
 
  private:
-  [[nodiscard]] std::size_t changeCount() const { return addedStations_ + rebuilt_.computed + edits_; }
+  [[nodiscard]] std::size_t corridorChanges() const { return addedStations_ + rebuilt_.computed; }
 
   civil::Drawing drawing_;
   civil::DrawingIndex index_;
   LiveObjects liveObjects_;
   std::size_t addedStations_ = 0;
-  std::size_t edits_ = 0;
   std::size_t savedChanges_ = 0;
+  std::size_t editState_ = 0;
+  std::size_t lastState_ = 0;
+  std::size_t savedState_ = 0;
   civil::Rebuilt rebuilt_;
 };
 
