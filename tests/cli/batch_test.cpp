@@ -11,6 +11,7 @@
 #include "cli/failure.h"
 #include "cli/job_file.h"
 #include "support/golden.h"
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx::cli {
@@ -88,7 +89,7 @@ class BatchTest : public testing::Test {
  protected:
   [[nodiscard]] RunResult run(std::vector<std::string> arguments) {
     test::RunRequest request;
-    request.program = fs::path(LVX_BINARY_DIR) / "bin" / "lvxhost";
+    request.program = fs::path(test::inBuild("/bin/lvxhost"));
     request.folder = place_;
     request.arguments = std::move(arguments);
     request.environment = {{"SOURCE_DATE_EPOCH", "86400"}};
@@ -97,7 +98,7 @@ class BatchTest : public testing::Test {
   /// Reports of both commands into `folder`, the second of them failing.
   void writeJobs(const std::string& name, const std::string& folder) const {
     fs::create_directory(place_ / folder);
-    const std::string drawing = LVX_SOURCE_DIR "/examples/valley-road.xml";
+    const std::string drawing = test::inSource("/examples/valley-road.xml");
     std::ofstream(place_ / name) << R"({"command": "points", "drawing": ")" << drawing
                                  << R"(", "alignment": "Valley road", "point-group": )"
                                  << R"("Control points", "out": ")" << folder << "/control\"}\n"
@@ -155,7 +156,8 @@ TEST_F(BatchTest, StopsItsReportsWhenItIsStopped) {
   writeJobs("jobs.jsonl", "out");
   std::ofstream jobs(place_ / "many.jsonl");
   for (int i = 0; i < 500; ++i)
-    jobs << R"({"command": "points", "drawing": ")" << LVX_SOURCE_DIR << R"(/examples/valley-road.xml", "alignment": )"
+    jobs << R"({"command": "points", "drawing": ")" << test::inSource("")
+         << R"(/examples/valley-road.xml", "alignment": )"
          << R"("Valley road", "points": "1", "forms": "txt", "out": "out/many)" << i << "\"}\n";
   jobs.close();
   // The batch itself, not this shell, gets the signal.
@@ -165,7 +167,7 @@ TEST_F(BatchTest, StopsItsReportsWhenItIsStopped) {
   request.arguments = {"-c",
                        "\"$0\" batch many.jsonl --jobs 2 & pid=$!; while [ ! -e out/many1.txt ]; do sleep 0.01; done; "
                        "kill -TERM $pid; wait $pid",
-                       (fs::path(LVX_BINARY_DIR) / "bin" / "lvxhost").string()};
+                       (fs::path(test::inBuild("/bin/lvxhost"))).string()};
   const RunResult result = test::runProgram(request);
   EXPECT_EQ(result.exitCode, 130);
   EXPECT_THAT(result.errors, HasSubstr("interrupted"));

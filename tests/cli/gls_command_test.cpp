@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx {
@@ -17,13 +18,13 @@ using test::RunResult;
 using testing::HasSubstr;
 using testing::Not;
 
-const char* const kExample = LVX_SOURCE_DIR "/examples/valley-road.xml";
+const std::string kExample = test::inSource("/examples/valley-road.xml");
 
 class GlsCommandTest : public testing::Test {
  protected:
   [[nodiscard]] RunResult run(std::vector<std::string> arguments) const {
     test::RunRequest request;
-    request.program = LVX_BINARY_DIR "/bin/lvxhost";
+    request.program = test::inBuild("/bin/lvxhost");
     request.arguments = std::move(arguments);
     request.environment = {{"SOURCE_DATE_EPOCH", "0"}};
     request.folder = folder_.path();

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx::cli {
@@ -19,8 +20,8 @@ using test::RunResult;
 using testing::HasSubstr;
 using testing::Not;
 
-const fs::path kProgram = fs::path(LVX_BINARY_DIR) / "bin" / "lvxhost";
-const std::string kDrawing = LVX_SOURCE_DIR "/tests/cli/drawings/crossing.xml";
+const fs::path kProgram = fs::path(test::inBuild("/bin/lvxhost"));
+const std::string kDrawing = test::inSource("/tests/cli/drawings/crossing.xml");
 
 class LvxhostTest : public testing::Test {
  protected:
@@ -148,7 +149,7 @@ TEST_F(LvxhostTest, ASampleLineOffTheGroundHasItsHeadingAlone) {
 }
 
 TEST_F(LvxhostTest, WritesTheReportsOfTheExample) {
-  const RunResult result = run({"projection", LVX_SOURCE_DIR "/examples/valley-road.xml", "--alignment", "Valley road",
+  const RunResult result = run({"projection", test::inSource("/examples/valley-road.xml"), "--alignment", "Valley road",
                                 "--group", "Cross sections 20 m", "--surface", "Existing ground", "--out", stem()});
   EXPECT_EQ(result.exitCode, 0) << result.errors;
   EXPECT_EQ(fileCount(), 3U);
@@ -394,10 +395,10 @@ TEST_F(LvxhostTest, AModuleThatCantBeLoadedIsTold) {
 }
 
 TEST_F(LvxhostTest, ProgressGoesToStandardErrorWhereItIsAskedFor) {
-  const RunResult result = run({"info", LVX_SOURCE_DIR "/examples/valley-road.xml", "--progress", "always"});
+  const RunResult result = run({"info", test::inSource("/examples/valley-road.xml"), "--progress", "always"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_THAT(result.errors, HasSubstr("valley-road.xml: 100 %"));
-  EXPECT_EQ(run({"info", LVX_SOURCE_DIR "/examples/valley-road.xml"}).errors, "");
+  EXPECT_EQ(run({"info", test::inSource("/examples/valley-road.xml")}).errors, "");
 }
 
 // ---------------------------------------------------------------- info

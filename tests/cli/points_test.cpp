@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx::cli {
@@ -45,7 +46,7 @@ class PointsCliTest : public testing::Test {
 
   [[nodiscard]] RunResult run(std::vector<std::string> arguments) {
     RunRequest request;
-    request.program = fs::path(LVX_BINARY_DIR) / "bin" / "lvxhost";
+    request.program = fs::path(test::inBuild("/bin/lvxhost"));
     request.folder = folder_.path();
     request.arguments = std::move(arguments);
     request.environment = {{"SOURCE_DATE_EPOCH", "86400"}};

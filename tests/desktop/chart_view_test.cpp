@@ -27,6 +27,7 @@
 #include "desktop/charts/section_view.h"
 #include "desktop_user/desktop_user.h"
 #include "landxml/reader.h"
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx::desktop {
@@ -38,7 +39,7 @@ using test::onGui;
 using test::TemporaryFolder;
 
 const civil::Drawing& example() {
-  static const civil::Drawing drawing = landxml::readDrawing(LVX_SOURCE_DIR "/examples/valley-road.xml");
+  static const civil::Drawing drawing = landxml::readDrawing(test::inSource("/examples/valley-road.xml"));
   return drawing;
 }
 const civil::AlignmentObject& road() { return *example().sites[0].alignments[0]; }

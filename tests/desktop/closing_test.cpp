@@ -12,6 +12,7 @@
 #include "program_window.h"
 #include "report_user.h"
 #include "runtime/standin_host.h"
+#include "support/places.h"
 
 namespace lvx::test {
 namespace {
@@ -175,7 +176,7 @@ class Process {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), QString::fromStdString(settings_.path().string()));
     process_.setProcessEnvironment(environment);
-    process_.start(QStringLiteral(LVX_BIN_DIR "/lvxhost-desktop"), arguments);
+    process_.start(QString::fromStdString(test::inBuild("/bin/lvxhost-desktop")), arguments);
     if (!process_.waitForStarted()) throw std::runtime_error(process_.errorString().toStdString());
   }
   Process(const Process&) = delete;
@@ -243,7 +244,7 @@ TEST(ClosingTheProgram, ByASignalFromOutside) {
 
 TEST(StartingTheProgram, WithoutADisplaySaysSo) {
   RunRequest request;
-  request.program = LVX_BIN_DIR "/lvxhost-desktop";
+  request.program = test::inBuild("/bin/lvxhost-desktop");
   request.environment = {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}, {"QT_QPA_PLATFORM", ""}};
   const RunResult result = runProgram(request);
   EXPECT_EQ(result.exitCode, 1);
@@ -252,7 +253,7 @@ TEST(StartingTheProgram, WithoutADisplaySaysSo) {
 
 TEST(StartingTheProgram, OnADisplayThatDoesntAnswerSaysSo) {
   RunRequest request;
-  request.program = LVX_BIN_DIR "/lvxhost-desktop";
+  request.program = test::inBuild("/bin/lvxhost-desktop");
   request.environment = {{"DISPLAY", ":4711"}};
   const RunResult result = runProgram(request);
   EXPECT_EQ(result.exitCode, 1);
@@ -273,7 +274,7 @@ TEST(StartingTheProgram, TellsWhatIsWrongWithItsArguments) {
                                     {{"--report-code-page", "no-such"}, "no-such"}};
   for (const BadUsage& bad : cases) {
     RunRequest request;
-    request.program = LVX_BIN_DIR "/lvxhost-desktop";
+    request.program = test::inBuild("/bin/lvxhost-desktop");
     request.arguments = bad.arguments;
     const RunResult result = runProgram(request);
     EXPECT_EQ(result.exitCode, 2) << bad.words;
@@ -283,7 +284,7 @@ TEST(StartingTheProgram, TellsWhatIsWrongWithItsArguments) {
 
 TEST(StartingTheProgram, HelpsWithAnExampleWhereverItStands) {
   RunRequest request;
-  request.program = LVX_BIN_DIR "/lvxhost-desktop";
+  request.program = test::inBuild("/bin/lvxhost-desktop");
   request.environment = {{"DISPLAY", ""}, {"QT_QPA_PLATFORM", ""}};
   request.arguments = {"--help"};
   const RunResult help = runProgram(request);

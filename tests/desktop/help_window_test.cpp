@@ -21,6 +21,7 @@
 
 #include "desktop_user/desktop_user.h"
 #include "scheme_palettes.h"
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx::test {
@@ -45,7 +46,7 @@ class HelpWindowTest : public testing::Test {
   ~HelpWindowTest() override {
     onGui([this] { help_.reset(); });
   }
-  void make(const std::string& folder = LVX_SOURCE_DIR "/help/en") {
+  void make(const std::string& folder = test::inSource("/help/en")) {
     onGui([&] { help_ = std::make_unique<HelpWindow>(folder); });
   }
   bool showTopic(const framework::CString& topic) {

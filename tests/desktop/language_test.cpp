@@ -23,6 +23,7 @@
 
 #include "program_window.h"
 #include "services/messages.h"
+#include "support/places.h"
 
 namespace lvx::test {
 namespace {
@@ -30,7 +31,7 @@ namespace {
 constexpr const char* kLanguages[] = {"en", "de"};
 
 std::filesystem::path wordsOf(const std::string& language) {
-  return std::filesystem::path(LVX_SOURCE_DIR "/standin/desktop/translations") /
+  return std::filesystem::path(test::inSource("/standin/desktop/translations")) /
          ("lvxhost-desktop_" + language + ".ts");
 }
 
@@ -107,7 +108,7 @@ TEST(Translation, HoldsTheTextsOfTheSourcesAndNoOther) {
     RunRequest request;
     request.program = LVX_LUPDATE;
     request.arguments = {
-        "-locations", "none", "-no-obsolete", "-I", LVX_SOURCE_DIR "/standin", LVX_SOURCE_DIR "/standin/desktop"};
+        "-locations", "none", "-no-obsolete", "-I", test::inSource("/standin"), test::inSource("/standin/desktop")};
     if (language == "en") request.arguments.emplace_back("-pluralonly");
     request.arguments.insert(request.arguments.end(), {"-ts", fresh.string()});
     const RunResult result = runProgram(request);
@@ -168,7 +169,7 @@ std::map<int, QString> messagesOf(const std::filesystem::path& path) {
 
 TEST(Translation, NamesThingsAsTheReportsDo) {
   using services::Message;
-  const auto messages = messagesOf(LVX_SOURCE_DIR "/messages/de/LVX_MIRELREPORT.txt");
+  const auto messages = messagesOf(test::inSource("/messages/de/LVX_MIRELREPORT.txt"));
   std::map<QString, QString> words;
   for (const Text& text : readWords(wordsOf("de"))) words[text.source] = text.translations.value(0);
   const auto message = [&](Message wanted) {

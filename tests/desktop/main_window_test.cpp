@@ -16,6 +16,7 @@
 #include "host/dialog_controls.h"
 #include "program_window.h"
 #include "runtime/standin_host.h"
+#include "support/places.h"
 
 namespace lvx::test {
 namespace {
@@ -176,7 +177,7 @@ TEST(MainWindow, WritesTheProjectionReportThatTheCommandLineWrites) {
   std::map<std::string, std::string> written;
   for (const char* form : {"road.txt", "road.xls", "road.html"}) written[form] = fileBytes(program.folder / form);
   RunRequest request;
-  request.program = LVX_BIN_DIR "/lvxhost";
+  request.program = test::inBuild("/bin/lvxhost");
   request.arguments = {"projection", kExample.toStdString(), "--alignment", "Valley road",
                        "--group",    "Cross sections 20 m",  "--surface",   "Existing ground",
                        "--out",      stem.string(),          "--overwrite"};
@@ -224,7 +225,7 @@ TEST(MainWindow, KeepsItsSchemeAndItsLayersForTheNextStart) {
   }
   onGui([&] {
     desktop::DesktopOptions again;
-    again.choices.bin = LVX_BIN_DIR;
+    again.choices.bin = test::inBuild("/bin");
     again.settingsFile = options.settingsFile;
     const desktop::MainWindow window(again);
     EXPECT_TRUE(desktop::isDark());

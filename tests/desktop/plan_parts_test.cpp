@@ -18,6 +18,7 @@
 #include "desktop/plan/tile_worker.h"
 #include "desktop_user/desktop_user.h"
 #include "landxml/reader.h"
+#include "support/places.h"
 
 namespace lvx::test {
 namespace {
@@ -92,7 +93,7 @@ class PlanPicture : public testing::Test {
   static constexpr int kWidth = 640;
   static constexpr int kHeight = 400;
 
-  PlanPicture() : drawing(landxml::readDrawing(LVX_SOURCE_DIR "/examples/valley-road.xml")) {
+  PlanPicture() : drawing(landxml::readDrawing(test::inSource("/examples/valley-road.xml"))) {
     scene = std::make_shared<view::PlanScene>(drawing);
     port.show(scene->box());
   }

@@ -19,11 +19,12 @@
 
 #include "desktop/shell/main_window.h"
 #include "desktop_user/desktop_user.h"
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx::test {
 
-inline const QString kExample = QStringLiteral(LVX_SOURCE_DIR "/examples/valley-road.xml");
+inline const QString kExample = QString::fromStdString(test::inSource("/examples/valley-road.xml"));
 
 /// The program's window as main() builds it, with the module of the build tree and settings of its own, and somebody
 /// before it.
@@ -32,7 +33,7 @@ class ProgramWindow {
   /// Opens `drawing` and waits until it is there; empty: none.
   explicit ProgramWindow(const QString& drawing = kExample, const desktop::DesktopOptions& wanted = {}) {
     desktop::DesktopOptions options = wanted;
-    options.choices.bin = LVX_BIN_DIR;
+    options.choices.bin = test::inBuild("/bin");
     if (!options.scheme) options.scheme = desktop::Scheme::Light;
     if (options.settingsFile.isEmpty()) options.settingsFile = path("settings.ini");
     options.drawing = drawing;

@@ -18,6 +18,7 @@
 #include "doubles/fake_roadway.h"
 #include "fake_companion/fake_companion.h"
 #include "host/run_time.h"
+#include "support/places.h"
 
 /// The module's own dialogs over a small drawing, with a user whose boxes are windows.
 namespace lvx::test {
@@ -34,7 +35,7 @@ class WindowedUser final : public host::UserInterface {
     return desktop::toWide(*path);
   }
   void showHelp(const CString& topic) override {
-    if (!help_) help_ = std::make_unique<desktop::HelpWindow>(std::string(LVX_SOURCE_DIR "/help/") + language);
+    if (!help_) help_ = std::make_unique<desktop::HelpWindow>(test::inSource("/help/") + language);
     help_->showTopic(topic);
   }
   std::uint32_t buttonFaceColour() override { return desktop::faceColour(QApplication::palette()); }

@@ -14,6 +14,7 @@
 #include "desktop/plan/plan_view.h"
 #include "host/dialog_controls.h"
 #include "runtime/open_drawing.h"
+#include "support/places.h"
 #include "text/number_text.h"
 
 namespace lvx::test {
@@ -289,7 +290,7 @@ void ReportUser::expectAsTheLineWrites(const std::filesystem::path& stem, std::v
   }
   arguments.insert(arguments.end(), {"--forms", forms, "--out", stem.string()});
   RunRequest request;
-  request.program = LVX_BIN_DIR "/lvxhost";
+  request.program = test::inBuild("/bin/lvxhost");
   request.arguments = std::move(arguments);
   const RunResult line = runProgram(request);
   ASSERT_EQ(line.exitCode, 0) << line.errors;

@@ -22,6 +22,7 @@
 #include "desktop_user/desktop_user.h"
 #include "host/dialog_controls.h"
 #include "landxml/reader.h"
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx::test {
@@ -34,7 +35,7 @@ using desktop::Session;
 /// A session whose dialogs are answered by steps.
 struct Host {
   explicit Host(runtime::HostChoices choices = {}) {
-    choices.bin = LVX_BIN_DIR;
+    choices.bin = test::inBuild("/bin");
     onGui([&] {
       strip = std::make_unique<desktop::ProgressStrip>();
       work = std::make_unique<desktop::LongWork>(*strip);
@@ -50,7 +51,7 @@ struct Host {
   }
   void openExample() {
     auto drawing =
-        std::make_shared<runtime::OpenDrawing>(landxml::readDrawing(LVX_SOURCE_DIR "/examples/valley-road.xml"));
+        std::make_shared<runtime::OpenDrawing>(landxml::readDrawing(test::inSource("/examples/valley-road.xml")));
     onGui([&] { session->open(std::move(drawing)); });
   }
   void expectPoints(const std::string& stem) {
@@ -178,7 +179,7 @@ std::string refusal(const runtime::HostChoices& choices) {
 
 TEST(Session, RefusesAMessageFileThatIsntThereAndACodePageThatNobodyKnows) {
   runtime::HostChoices choices;
-  choices.bin = LVX_BIN_DIR;
+  choices.bin = test::inBuild("/bin");
   EXPECT_EQ(refusal(choices), "");
   choices.messages = "/nowhere.txt";
   EXPECT_NE(refusal(choices).find("/nowhere.txt"), std::string::npos);

@@ -13,6 +13,7 @@
 #include "gls/gls_dialog.h"
 #include "points/points_dialog.h"
 #include "projection/projection_dialog.h"
+#include "support/places.h"
 
 namespace lvx::dialogs {
 namespace {
@@ -44,7 +45,7 @@ std::vector<std::string> cellsOf(const std::string& row) {
 
 /// The rows of the table that begins with "| Control |".
 std::vector<std::vector<std::string>> tableForScripts() {
-  std::ifstream page(LVX_SOURCE_DIR "/docs/scripts.md");
+  std::ifstream page(test::inSource("/docs/scripts.md"));
   std::vector<std::vector<std::string>> table;
   for (std::string line; std::getline(page, line);)
     if (line.starts_with("| Control |") || (!table.empty() && line.starts_with('|')))

@@ -20,6 +20,7 @@
 
 #include "generator/text_output.h"
 #include "generator/valley_road.h"
+#include "support/places.h"
 #include "support/xml_number.h"
 
 /// The committed example, read here by its elements alone: no reader and no geometry of ours stands between.
@@ -29,7 +30,7 @@ namespace {
 using test::numberIn;
 
 std::string committedText() {
-  std::ifstream file(LVX_SOURCE_DIR "/examples/valley-road.xml", std::ios::binary);
+  std::ifstream file(test::inSource("/examples/valley-road.xml"), std::ios::binary);
   EXPECT_TRUE(file);
   return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -74,7 +75,7 @@ class ExampleDrawing : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     document_ = std::make_unique<pugi::xml_document>();
-    ASSERT_TRUE(document_->load_file(LVX_SOURCE_DIR "/examples/valley-road.xml"));
+    ASSERT_TRUE(document_->load_file(test::inSource("/examples/valley-road.xml").c_str()));
   }
   static void TearDownTestSuite() { document_.reset(); }
 

@@ -17,6 +17,7 @@
 #include "civil/element.h"
 #include "civil/profile.h"
 #include "civil/tin_surface.h"
+#include "support/places.h"
 #include "support/xml_number.h"
 
 /// The example against the civil geometry: two independent computations of the same roads have to agree.
@@ -87,7 +88,7 @@ civil::Profile designOf(const pugi::xml_node& profile) {
 
 class ExampleGeometry : public testing::Test {
  protected:
-  void SetUp() override { ASSERT_TRUE(document_.load_file(LVX_SOURCE_DIR "/examples/valley-road.xml")); }
+  void SetUp() override { ASSERT_TRUE(document_.load_file(test::inSource("/examples/valley-road.xml").c_str())); }
   pugi::xml_document document_;
 };
 

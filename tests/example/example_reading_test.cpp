@@ -7,6 +7,7 @@
 #include "generator/scaled_drawing.h"
 #include "generator/text_output.h"
 #include "landxml/reader.h"
+#include "support/places.h"
 
 /// Generated drawings as the stand-in reads them.
 namespace lvx {
@@ -26,7 +27,7 @@ std::vector<std::string> namesOf(const List& list) {
 }
 
 TEST(ExampleReading, FindsTheJobAndNothingOdd) {
-  const civil::Drawing drawing = landxml::readDrawing(LVX_SOURCE_DIR "/examples/valley-road.xml");
+  const civil::Drawing drawing = landxml::readDrawing(test::inSource("/examples/valley-road.xml"));
   // The orchard's hidden triangles are worth a note; nothing is worth a warning.
   ASSERT_THAT(textsOf(drawing.diagnostics), testing::ElementsAre(testing::HasSubstr("499 invisible faces")));
   EXPECT_EQ(drawing.diagnostics[0].severity, civil::Severity::Note);
@@ -62,7 +63,7 @@ TEST(ExampleReading, FindsTheJobAndNothingOdd) {
 }
 
 TEST(ExampleReading, CodesOfTheVillageFallApart) {
-  const civil::Drawing drawing = landxml::readDrawing(LVX_SOURCE_DIR "/examples/valley-road.xml");
+  const civil::Drawing drawing = landxml::readDrawing(test::inSource("/examples/valley-road.xml"));
   const civil::CorridorSection& section = drawing.corridors.at(0).baselines.at(0).regions.at(1).sections.at(0);
   const civil::SectionPart& paved = section.parts.at(0);
   EXPECT_THAT(paved.codes, testing::ElementsAre("Pave", "Top", "Belag"));

@@ -18,6 +18,7 @@
 #include "platform/posix/posix_platform.h"
 #include "projection/projection_dialog.h"
 #include "services/message_catalogue.h"
+#include "support/places.h"
 #include "support/run_program.h"
 #include "windowless/dialog_state.h"
 
@@ -30,7 +31,7 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 
-const fs::path kHelp = fs::path(LVX_SOURCE_DIR) / "help";
+const fs::path kHelp = fs::path(test::inSource("/help"));
 const std::vector<std::string> kLanguages{"en", "de"};
 const std::vector<std::string> kPages{"index.html", "project-resources/LVX_015_001.html",
                                       "project-resources/LVX_015_002.html", "project-resources/LVX_015_003.html"};
@@ -371,10 +372,10 @@ TEST(HelpPages, ShowTheProjectionReportAsItIsWritten) {
   test::TemporaryFolder folder;
   for (const std::string& language : kLanguages) {
     test::RunRequest request;
-    request.program = fs::path(LVX_BINARY_DIR) / "bin" / "lvxhost";
+    request.program = fs::path(test::inBuild("/bin/lvxhost"));
     request.arguments = {"--lang",      language,
                          "--forms",     "txt",
-                         "projection",  LVX_SOURCE_DIR "/examples/valley-road.xml",
+                         "projection",  test::inSource("/examples/valley-road.xml"),
                          "--alignment", "Valley road",
                          "--group",     "Cross sections 20 m",
                          "--surface",   "Existing ground",
@@ -407,7 +408,7 @@ TEST(HelpPages, ShowTheProjectionReportAsItIsWritten) {
 
 TEST(HelpPages, ShowEveryPictureOfTheDialogs) {
   std::set<std::string> drawn;
-  for (const fs::directory_entry& entry : fs::directory_iterator(fs::path(LVX_SOURCE_DIR) / "resources"))
+  for (const fs::directory_entry& entry : fs::directory_iterator(fs::path(test::inSource("/resources"))))
     if (entry.path().extension() == ".xpm") drawn.insert(entry.path().stem().string());
   std::set<std::string> shown;
   for (const std::string& name : kPages)

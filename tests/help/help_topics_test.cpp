@@ -7,6 +7,7 @@
 
 #include "cli/command_line_front_end.h"
 #include "dialogs/dialog_services.h"
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx::runtime {
@@ -15,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 using framework::CString;
 
-const fs::path kHelp = fs::path(LVX_SOURCE_DIR) / "help";
+const fs::path kHelp = fs::path(test::inSource("/help"));
 const CString kFile = L"Vantor Lorvix Extension.chm";
 
 TEST(HelpTopics, LeadEveryDialogToItsPageInEveryLanguage) {

@@ -17,6 +17,7 @@
 #include "drawing_compare.h"
 #include "landxml/detail/markup.h"
 #include "saved_file.h"
+#include "support/places.h"
 #include "support/random_numbers.h"
 
 namespace lvx::landxml {
@@ -462,7 +463,7 @@ TEST_F(Saving, RefusesADrawingWithOtherCorridorsThanItsFile) {
 }
 
 TEST_F(Saving, GivesBackTheExampleWithItsNewSections) {
-  const std::string example = std::string(LVX_SOURCE_DIR) + "/examples/valley-road.xml";
+  const std::string example = test::inSource("/examples/valley-road.xml");
   civil::Drawing drawing = readDrawing(example);
   saveDrawing(drawing, example, target_);
   const std::string before = bytesOf(example);

@@ -10,6 +10,7 @@
 #include "host/companion.h"
 #include "module_host.h"
 #include "runtime/model_objects.h"
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx {
@@ -111,10 +112,10 @@ TEST(ModuleExceptions, AreToldInTheirOwnWordsWhenTheLibraryThatTheyLieInHasGone)
   test::ModuleHost process;
   std::vector<runtime::CommandOutcome> outcomes;
   {
-    const runtime::LoadedModule module = process.host.loadModule(LVX_ODD_DIR "/raising_module.vmx");
+    const runtime::LoadedModule module = process.host.loadModule(test::inBuild("/tests/module/odd/raising_module.vmx"));
     for (const wchar_t* command : {L"Exception", L"Thing"}) outcomes.push_back(process.runner.run(command));
   }
-  void* const library = dlopen(LVX_ODD_DIR "/raising_module.vmx", RTLD_NOLOAD | RTLD_NOW);
+  void* const library = dlopen(test::inBuild("/tests/module/odd/raising_module.vmx").c_str(), RTLD_NOLOAD | RTLD_NOW);
   EXPECT_EQ(library, nullptr) << "the library has to be gone for this to show anything";
   ASSERT_TRUE(outcomes[0].exception.has_value());
   EXPECT_EQ(outcomes[0].exception->words, "words that lie in the module");

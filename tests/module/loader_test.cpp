@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "module_host.h"
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx {
@@ -70,13 +71,13 @@ TEST(ModuleLoader, LeavesNothingBehindAndLoadsAgain) {
       EXPECT_EQ(process.host.commands().commands().size(), 3U);
       EXPECT_EQ(process.host.documents().reactorCount(), 1U);
       EXPECT_EQ(process.host.moduleState().attachedModules(), 1U);
-      EXPECT_TRUE(isInMemory(test::kModuleFile));
+      EXPECT_TRUE(isInMemory(test::kModuleFile.c_str()));
     }
     EXPECT_THAT(commandNames(process.host), IsEmpty());
     EXPECT_EQ(process.host.documents().reactorCount(), 0U);
     EXPECT_EQ(process.host.moduleState().attachedModules(), 0U);
     EXPECT_EQ(process.host.moduleState().chainedLibraries(), 0U);
-    EXPECT_FALSE(isInMemory(test::kModuleFile)) << "the library itself goes";
+    EXPECT_FALSE(isInMemory(test::kModuleFile.c_str())) << "the library itself goes";
   }
   EXPECT_THAT(process.runner.takeOutsideCalls(), IsEmpty());
 }
@@ -114,22 +115,25 @@ TEST(ModuleLoader, SaysWhatIsWrongWithAFile) {
   EXPECT_THAT(wordsFor(folder.path()), HasSubstr("it is no file"));
   EXPECT_THAT(wordsFor(text), HasSubstr("it is no module for this system"));
   EXPECT_THAT(wordsFor(empty), HasSubstr("it is no module for this system"));
-  EXPECT_THAT(wordsFor(LVX_BIN_DIR "/LVX_MIRELLIB.vmx"), HasSubstr("it doesn't export 'vnrxGetApiVersion'"));
-  EXPECT_THAT(wordsFor(LVX_ODD_DIR "/odd_entry.vmx"), HasSubstr("it doesn't export 'vnrxEntryPoint'"));
-  EXPECT_THAT(wordsFor(LVX_ODD_DIR "/odd_version.vmx"),
+  EXPECT_THAT(wordsFor(test::inBuild("/bin/LVX_MIRELLIB.vmx")), HasSubstr("it doesn't export 'vnrxGetApiVersion'"));
+  EXPECT_THAT(wordsFor(test::inBuild("/tests/module/odd/odd_entry.vmx")),
+              HasSubstr("it doesn't export 'vnrxEntryPoint'"));
+  EXPECT_THAT(wordsFor(test::inBuild("/tests/module/odd/odd_version.vmx")),
               HasSubstr("it was built for interface version 0x170000, this host offers 0x180000"));
-  EXPECT_THAT(wordsFor(LVX_ODD_DIR "/odd_init.vmx"), HasSubstr("its init failed with 7"));
-  EXPECT_THAT(wordsFor(LVX_ODD_DIR "/odd_raise.vmx"), HasSubstr("its init raised an exception: no licence"));
-  EXPECT_THAT(wordsFor(LVX_ODD_DIR "/odd_thing.vmx"), HasSubstr("its init raised an exception of unknown kind"));
+  EXPECT_THAT(wordsFor(test::inBuild("/tests/module/odd/odd_init.vmx")), HasSubstr("its init failed with 7"));
+  EXPECT_THAT(wordsFor(test::inBuild("/tests/module/odd/odd_raise.vmx")),
+              HasSubstr("its init raised an exception: no licence"));
+  EXPECT_THAT(wordsFor(test::inBuild("/tests/module/odd/odd_thing.vmx")),
+              HasSubstr("its init raised an exception of unknown kind"));
   for (const char* name : {"/odd_entry.vmx", "/odd_version.vmx", "/odd_init.vmx", "/odd_raise.vmx", "/odd_thing.vmx"})
-    EXPECT_FALSE(isInMemory((std::string(LVX_ODD_DIR) + name).c_str())) << name;
+    EXPECT_FALSE(isInMemory((test::inBuild("/tests/module/odd") + name).c_str())) << name;
 }
 
 TEST(ModuleLoader, RefusesAModuleThatIsLoadedAlreadyUnderWhateverNameAndLeavesTheFirstAlone) {
   test::ModuleHost process;
   const test::TemporaryFolder folder;
   std::filesystem::create_symlink(test::kModuleFile, folder / "other.vmx");
-  std::filesystem::create_directory_symlink(LVX_BIN_DIR, folder / "bin");
+  std::filesystem::create_directory_symlink(test::inBuild("/bin"), folder / "bin");
   {
     const LoadedModule module = LoadedModule::load(test::kModuleFile);
     for (const std::filesystem::path& name :
@@ -141,7 +145,7 @@ TEST(ModuleLoader, RefusesAModuleThatIsLoadedAlreadyUnderWhateverNameAndLeavesTh
     EXPECT_EQ(process.host.documents().reactorCount(), 1U);
   }
   EXPECT_TRUE(process.host.commands().commands().empty());
-  EXPECT_FALSE(isInMemory(test::kModuleFile));
+  EXPECT_FALSE(isInMemory(test::kModuleFile.c_str()));
   EXPECT_EQ(wordsFor(folder / "bin/LVX_MirelReport.vmx"), "loaded") << "once the first has gone";
 }
 
@@ -151,7 +155,7 @@ TEST(ModuleLoader, NamesTheCompanionThatIsMissing) {
   std::filesystem::copy_file(test::kModuleFile, folder / "LVX_MirelReport.vmx");
   EXPECT_THAT(wordsFor(folder / "LVX_MirelReport.vmx"), HasSubstr("it needs 'LVX_MIRELLIB.vmx'"));
   EXPECT_TRUE(process.host.commands().commands().empty());
-  std::filesystem::copy_file(LVX_BIN_DIR "/LVX_MIRELLIB.vmx", folder / "LVX_MIRELLIB.vmx");
+  std::filesystem::copy_file(test::inBuild("/bin/LVX_MIRELLIB.vmx"), folder / "LVX_MIRELLIB.vmx");
   EXPECT_EQ(wordsFor(folder / "LVX_MirelReport.vmx"), "loaded");
 }
 

@@ -10,6 +10,7 @@
 #include "runtime/module_loader.h"
 #include "runtime/standin_host.h"
 #include "script/script_front_end.h"
+#include "support/places.h"
 
 namespace lvx::test {
 
@@ -62,7 +63,7 @@ class ModuleHostOf {
   static runtime::HostOptions options() {
     runtime::HostOptions options;
     options.platform.fixedMoment = 0;
-    options.supportPaths = {LVX_SOURCE_DIR "/messages/en"};
+    options.supportPaths = {test::inSource("/messages/en")};
     return options;
   }
 
@@ -76,6 +77,6 @@ class ModuleHostOf {
 
 using ModuleHost = ModuleHostOf<runtime::StandinHost>;
 
-inline const char* const kModuleFile = LVX_BIN_DIR "/LVX_MirelReport.vmx";
+inline const std::string kModuleFile = test::inBuild("/bin/LVX_MirelReport.vmx");
 
 }  // namespace lvx::test

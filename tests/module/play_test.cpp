@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "support/golden.h"
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx {
@@ -39,18 +40,18 @@ class PlayTest : public testing::Test {
   PlayTest() { std::filesystem::create_directory(folder_ / "out"); }
 
   test::RunResult play(const std::filesystem::path& script, std::vector<std::string> more = {}) const {
-    std::vector<std::string> arguments{"play", LVX_SOURCE_DIR "/examples/valley-road.xml", script.string(), "--check",
+    std::vector<std::string> arguments{"play", test::inSource("/examples/valley-road.xml"), script.string(), "--check",
                                        "--quiet"};
     arguments.insert(arguments.end(), more.begin(), more.end());
     test::RunRequest request;
-    request.program = LVX_BIN_DIR "/lvxhost";
+    request.program = test::inBuild("/bin/lvxhost");
     request.arguments = std::move(arguments);
     request.environment = {{"SOURCE_DATE_EPOCH", "1767225600"}};
     request.folder = folder_.path();
     return test::runProgram(request);
   }
   test::RunResult playExample(const std::string& name, std::vector<std::string> more = {}) const {
-    return play(LVX_SOURCE_DIR "/examples/scripts/" + name + ".json", std::move(more));
+    return play(test::inSource("/examples/scripts/") + name + ".json", std::move(more));
   }
   test::RunResult playText(const std::string& json) const {
     std::ofstream(folder_ / "script.json") << json;
@@ -181,7 +182,7 @@ TEST_F(PlayTest, AProfileIsPickedBehindAWrongClassAndBringsItsAlignment) {
 
 TEST_F(PlayTest, EveryExampleScriptIsPlayedHere) {
   int scripts = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(LVX_SOURCE_DIR "/examples/scripts")) {
+  for (const auto& entry : std::filesystem::directory_iterator(test::inSource("/examples/scripts"))) {
     if (entry.path().extension() != ".json") continue;
     ++scripts;
     EXPECT_TRUE(std::filesystem::exists(test::goldenFolder() + "/scripts/" + entry.path().stem().string()))

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx {
@@ -61,19 +62,19 @@ class SharedLibrary {
 };
 
 TEST(ModuleFile, ExportsItsTwoFunctionsAndNothingElse) {
-  const SharedLibrary module(LVX_BIN_DIR "/LVX_MirelReport.vmx");
+  const SharedLibrary module(test::inBuild("/bin/LVX_MirelReport.vmx"));
   EXPECT_THAT(module.exported, ElementsAre("vnrxEntryPoint", "vnrxGetApiVersion"));
 }
 
 TEST(ModuleFile, ImportsItsCompanionByAnOrdinaryLoadTimeImport) {
-  const SharedLibrary module(LVX_BIN_DIR "/LVX_MirelReport.vmx");
+  const SharedLibrary module(test::inBuild("/bin/LVX_MirelReport.vmx"));
   EXPECT_THAT(module.needed, Contains("LVX_MIRELLIB.vmx"));
   EXPECT_THAT(module.imported, Contains("pvsa_lvx_getQmtObject"));
   EXPECT_THAT(module.imported, Contains("vnrxHost"));
 }
 
 TEST(CompanionFile, ExportsItsSixFunctionsAndNothingElse) {
-  const SharedLibrary companion(LVX_BIN_DIR "/LVX_MIRELLIB.vmx");
+  const SharedLibrary companion(test::inBuild("/bin/LVX_MIRELLIB.vmx"));
   EXPECT_THAT(companion.exported, ElementsAre("pvsa_lvx_getQmtObject", "pvsa_lvx_gethelemp", "pvsa_lvx_getsites",
                                               "pvsa_lvx_getvelem", "pvsa_lvx_releaseQmtObject", "pvsa_lvx_relsites"));
 }

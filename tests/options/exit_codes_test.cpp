@@ -6,12 +6,14 @@
 
 #include <gtest/gtest.h>
 
+#include "support/places.h"
+
 namespace lvx::options {
 namespace {
 
 /// The rows of the README's table of exit codes, as they stand there.
 std::vector<std::string> readmeRows() {
-  std::ifstream readme(LVX_SOURCE_DIR "/README.md");
+  std::ifstream readme(test::inSource("/README.md"));
   std::vector<std::string> rows;
   bool inside = false;
   for (std::string line; std::getline(readme, line);) {

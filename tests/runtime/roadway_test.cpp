@@ -11,6 +11,7 @@
 #include "runtime/roadway_objects.h"
 #include "small_drawing.h"
 #include "support/corridor_makers.h"
+#include "support/places.h"
 
 namespace lvx::runtime {
 namespace {
@@ -311,7 +312,7 @@ TEST_F(RoadwayChecksTest, NameEveryFurtherReference) {
 
 class ExampleRoadTest : public RoadwayTest {
  protected:
-  ExampleRoadTest() { host_.open(landxml::readDrawing(LVX_SOURCE_DIR "/examples/valley-road.xml")); }
+  ExampleRoadTest() { host_.open(landxml::readDrawing(test::inSource("/examples/valley-road.xml"))); }
 
   static bool hasCode(const host::Ref<host::QmtCodes>& codes, const host::CString& wanted) {
     for (std::int32_t i = 0; i < codes->count(); ++i)

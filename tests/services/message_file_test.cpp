@@ -16,6 +16,7 @@
 
 #include "doubles/fake_host.h"
 #include "services/message_catalogue.h"
+#include "support/places.h"
 
 namespace lvx::test {
 namespace {
@@ -32,7 +33,7 @@ std::string fileBytes(const std::filesystem::path& path) {
 }
 
 std::string messageFile(const std::string& language) {
-  return fileBytes(std::filesystem::path(LVX_SOURCE_DIR) / "messages" / language / "LVX_MIRELREPORT.txt");
+  return fileBytes(std::filesystem::path(test::inSource("")) / "messages" / language / "LVX_MIRELREPORT.txt");
 }
 
 /// The English file with the text of one message changed.
@@ -46,7 +47,8 @@ std::string changed(Message message, const std::string& text) {
 
 TEST(MessageFiles, OfEveryLanguageCanBeShipped) {
   std::size_t languages = 0;
-  for (const auto& folder : std::filesystem::directory_iterator(std::filesystem::path(LVX_SOURCE_DIR) / "messages")) {
+  for (const auto& folder :
+       std::filesystem::directory_iterator(std::filesystem::path(test::inSource("")) / "messages")) {
     const std::string language = folder.path().filename().string();
     EXPECT_THAT(messageFileComplaints(messageFile(language)), testing::IsEmpty()) << language;
     ++languages;
@@ -118,7 +120,7 @@ TEST(MessageNumbers, StandInEveryMessageFileAndNoOthersDo) {
 }
 
 TEST(MessageNumbers, AreExplainedToTranslatorsEachInItsRow) {
-  const std::string page = fileBytes(std::filesystem::path(LVX_SOURCE_DIR) / "docs" / "messages.md");
+  const std::string page = fileBytes(test::inSource("/docs/messages.md"));
   EXPECT_THAT(numbersOfLines(page, "| "), testing::ElementsAreArray(listed()));
 }
 

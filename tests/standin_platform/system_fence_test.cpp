@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx {
@@ -81,7 +82,7 @@ TEST(SystemFence, KnowsASystemsHeaderAndWordWhenItSeesThem) {
 }
 
 TEST(SystemFence, OnlyThePlatformFoldersCallTheSystem) {
-  const fs::path root = LVX_SOURCE_DIR;
+  const fs::path root = test::inSource("");
   std::size_t looked = 0;
   std::map<std::string, std::set<std::string>> used;
   for (const char* part : {"src", "standin"}) {

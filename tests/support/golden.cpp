@@ -9,6 +9,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "support/places.h"
+
 namespace lvx::test {
 
 namespace {
@@ -77,6 +79,6 @@ testing::AssertionResult matchesGolden(const std::string& actual, const std::str
   return sameBytes(actual, readBytes(path)) << "\n  golden:   " << path;
 }
 
-std::string goldenFolder() { return std::string(LVX_SOURCE_DIR) + "/tests/golden"; }
+std::string goldenFolder() { return test::inSource("/tests/golden"); }
 
 }  // namespace lvx::test

@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx {
@@ -20,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kTree = LVX_SOURCE_DIR;
+const fs::path kTree = test::inSource("");
 constexpr const char* kDocument = "docs/architecture.md";
 
 /// A folder that is a target.
@@ -54,7 +55,7 @@ std::string joined(const std::set<std::string>& names) {
 /// Every folder that is a target, as CMake lists them.
 std::vector<Library> readLibraries() {
   std::vector<Library> libraries;
-  std::ifstream file(LVX_BINARY_DIR "/libraries.txt");
+  std::ifstream file(test::inBuild("/libraries.txt"));
   for (std::string line; std::getline(file, line);) {
     std::vector<std::string> fields = split(line, '\t');
     Library& library = libraries.emplace_back();

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "landxml/reader.h"
+#include "support/places.h"
 
 namespace lvx::view {
 namespace {
@@ -63,7 +64,7 @@ TEST(ProfileModel, DrawsCurvesWithinHalfAMillimetreOfTheProfile) {
 }
 
 TEST(ProfileModel, DrawsTheDesignsOfTheExampleAsTheyAre) {
-  const civil::Drawing drawing = landxml::readDrawing(LVX_SOURCE_DIR "/examples/valley-road.xml");
+  const civil::Drawing drawing = landxml::readDrawing(test::inSource("/examples/valley-road.xml"));
   std::size_t designs = 0;
   for (const auto& alignment : drawing.sites[0].alignments) {
     const auto model = profilesOf(drawing, alignment->handle);
@@ -191,7 +192,7 @@ TEST(ProfileModel, FindsTheProfileThatIsMeant) {
 }
 
 TEST(ProfileModel, ListsTheElementsOfTheAxis) {
-  const civil::Drawing drawing = landxml::readDrawing(LVX_SOURCE_DIR "/examples/valley-road.xml");
+  const civil::Drawing drawing = landxml::readDrawing(test::inSource("/examples/valley-road.xml"));
   const auto model = profilesOf(drawing, drawing.sites[0].alignments[0]->handle);
   ASSERT_EQ(model->elements.size(), 11U);
   EXPECT_EQ(model->elements[0].parameter(), 0.0);
@@ -207,7 +208,7 @@ TEST(ProfileModel, ListsTheElementsOfTheAxis) {
 // ---------------------------------------------------------------- surfaces along the axis
 
 TEST(GroundAlong, LiesOnTheSurfaceUnderTheAxis) {
-  const civil::Drawing drawing = landxml::readDrawing(LVX_SOURCE_DIR "/examples/valley-road.xml");
+  const civil::Drawing drawing = landxml::readDrawing(test::inSource("/examples/valley-road.xml"));
   const civil::TinSurface& surface = drawing.surfaces[0].surface;
   std::size_t points = 0;
   for (const auto& alignment : drawing.sites[0].alignments) {

@@ -17,6 +17,7 @@
 #include "runtime/model_objects.h"
 #include "section_drawings.h"
 #include "support/corridor_makers.h"
+#include "support/places.h"
 #include "support/random_numbers.h"
 
 namespace lvx::view {
@@ -87,7 +88,7 @@ Compared compareWithReport(const runtime::OpenDrawingRef& drawing, const wchar_t
 
 TEST(SectionModel, HasTheNumbersOfTheProjectionReport) {
   const auto drawing =
-      std::make_shared<runtime::OpenDrawing>(landxml::readDrawing(LVX_SOURCE_DIR "/examples/valley-road.xml"));
+      std::make_shared<runtime::OpenDrawing>(landxml::readDrawing(test::inSource("/examples/valley-road.xml")));
   const std::pair<const wchar_t*, const wchar_t*> alignments[] = {
       {L"", L"Forest track"}, {L"Valley road upgrade", L"Valley road"}, {L"Valley road upgrade", L"Mill lane"}};
   Compared all;
@@ -156,7 +157,7 @@ TEST(SectionModel, MeasuresRandomSampleLinesAsTheProjectionReportDoes) {
 }
 
 TEST(SectionModel, StandsOnTheSurfaceEverywhere) {
-  const civil::Drawing drawing = landxml::readDrawing(LVX_SOURCE_DIR "/examples/valley-road.xml");
+  const civil::Drawing drawing = landxml::readDrawing(test::inSource("/examples/valley-road.xml"));
   const civil::AlignmentObject& road = *drawing.sites[0].alignments[0];
   const civil::TinSurface& ground = drawing.surfaces[0].surface;
   std::size_t points = 0;
