@@ -5,8 +5,8 @@
 
 #include "cli/failure.h"
 #include "cli/terminal.h"
+#include "landxml/project.h"
 #include "landxml/reader.h"
-#include "landxml/writer.h"
 #include "runtime/open_drawing.h"
 #include "standin_platform/interruption.h"
 
@@ -40,7 +40,7 @@ void saveDrawing(civil::Drawing& drawing, const std::string& target, ProgressMod
     return !isInterrupted();
   };
   try {
-    landxml::saveDrawing(drawing, drawing.path, target, options);
+    landxml::saveProject(drawing, target, options);
   } catch (const landxml::Error& error) {
     if (isInterrupted()) throw runtime::Interrupted();
     throw Failure(kBadDrawing, error.what());

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "civil/drawing_files.h"
+#include "civil/each_object.h"
 
 namespace lvx::landxml {
 
@@ -37,6 +38,12 @@ double factorFor(const civil::Drawing& drawing, const std::string& path, const s
 bool isSameFile(const std::string& a, const std::string& b) {
   std::error_code error;
   return std::filesystem::equivalent(a, b, error) || (error && a == b);
+}
+
+std::string nameOf(const civil::Point& point) { return std::to_string(point.number); }
+template <class Object>
+std::string nameOf(const Object& object) {
+  return object.name;
 }
 
 void refuseTwice(const civil::Drawing& drawing, const std::string& path) {
@@ -74,6 +81,17 @@ civil::Drawing readProject(const std::vector<ProjectFile>& files, const ProjectO
   civil::Drawing drawing = readDrawing(files.front().path, readOptions(files.front(), options));
   for (std::size_t i = 1; i < files.size(); ++i) addFile(drawing, files[i], options);
   return drawing;
+}
+
+std::vector<SavedFile> saveProject(civil::Drawing& drawing, const std::string& firstTarget,
+                                   const SaveOptions& options) {
+  if (!drawing.addedFiles.empty()) throw SaveError("drawings of several files can't be saved yet", firstTarget);
+  civil::eachObject(drawing, [&](const auto& object) {
+    if (object.file == civil::kNoFile)
+      throw SaveError("'" + nameOf(object) + "' was made in the open drawing and can't be saved yet", firstTarget);
+  });
+  const std::string source = options.sourceOf ? options.sourceOf(0) : std::string();
+  return {{firstTarget, saveDrawing(drawing, source.empty() ? drawing.path : source, firstTarget, options)}};
 }
 
 }  // namespace lvx::landxml

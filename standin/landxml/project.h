@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "landxml/reader.h"
+#include "landxml/writer.h"
 
 /// Drawings of several files: real projects keep the alignment in one file, the ground in another, points in a third.
 namespace lvx::landxml {
@@ -32,5 +33,19 @@ struct ProjectOptions {
 /// Adds one more file to a drawing that is open already; by the same rules and with the same errors, after which the
 /// drawing is as it was.
 void addFile(civil::Drawing& drawing, const ProjectFile& file, const ProjectOptions& options = {});
+
+/// A file that saving wrote, or found to hold what it should.
+struct SavedFile {
+  std::string path;
+  civil::FileMark mark;
+};
+
+/// Writes every file of the drawing that changed, each its own (saveDrawing); the first one, with what was made in the
+/// open drawing, to `firstTarget` (drawing.path: in place). What hangs on an alignment goes into the alignment's file.
+/// All targets are checked before the first one is replaced. Gives what was written, the first file in front.
+///
+/// Throws SaveError as saveDrawing does, and where objects were made or removed that can't be written yet.
+std::vector<SavedFile> saveProject(civil::Drawing& drawing, const std::string& firstTarget,
+                                   const SaveOptions& options = {});
 
 }  // namespace lvx::landxml

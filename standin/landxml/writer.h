@@ -15,6 +15,9 @@ struct SaveOptions {
   /// (of a total of twice the source's bytes), on the thread that saves; returning false ends the saving
   /// with Cancelled.
   std::function<bool(const Progress&)> progress;
+  /// Where the content of the drawing's file of that number can be read, for a caller that holds files of which the name
+  /// leads elsewhere by now. Where it or its answer is empty: under the file's path. Asked by saveProject only.
+  std::function<std::string(civil::FileNumber)> sourceOf = {};
 };
 
 /// Writes `drawing`, which was read from `sourcePath`, to `targetPath`, which may be the same file. Station lists,

@@ -19,7 +19,7 @@
 #include "desktop/shell/leave_wish.h"
 #include "desktop/shell/long_work.h"
 #include "desktop/shell/session.h"
-#include "landxml/writer.h"
+#include "landxml/project.h"
 
 namespace lvx::desktop {
 
@@ -237,8 +237,9 @@ void Document::write(const QString& from, const QString& target) {
     work_.setProgress(words, progress.bytesDone, progress.bytesTotal);
     return !work_.check();
   };
+  options.sourceOf = [&](civil::FileNumber file) { return file == 0 ? sourcePath : std::string(); };
   session_.drawing()->save([&](civil::Drawing& drawing) {
-    drawing.file = landxml::saveDrawing(drawing, sourcePath, targetPath, options);
+    drawing.file = landxml::saveProject(drawing, targetPath, options).front().mark;
     drawing.path = targetPath;
   });
 }

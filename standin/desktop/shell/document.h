@@ -86,7 +86,7 @@ class Document : public QObject {
   void take(const LoadedDrawing& loaded);
   void tellOpened();
   void tellReadError(const LoadFailure& failure);
-  /// Throws as landxml::saveDrawing does.
+  /// Throws as landxml::saveProject does.
   void write(const QString& from, const QString& target);
   void tellSaveError(const QString& target, const QString& reason);
 
