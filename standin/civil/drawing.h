@@ -177,6 +177,9 @@ struct Diagnostic {
   /// 1-based line of the file; 0 where no line applies.
   std::size_t line = 0;
   FileNumber file = 0;
+  /// The object that it is about, the nearest one of the drawing: of a sample line its own, of an element of an alignment
+  /// the alignment's. 0 for the file as a whole and for what came to no object.
+  Handle object = 0;
 };
 
 enum class ObjectKind : std::uint8_t {

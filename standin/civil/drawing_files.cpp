@@ -28,10 +28,6 @@ Handle baseBehind(Handle largestWhole, Handle largestAdded) {
   return steps * kHandleStep;
 }
 
-void tell(Drawing& drawing, FileNumber file, Severity severity, std::string text) {
-  drawing.diagnostics.push_back({severity, std::move(text), 0, file});
-}
-
 /// New numbers for the points of `added` whose numbers are taken.
 std::unordered_map<std::int32_t, std::int32_t> renumber(const Drawing& whole, Drawing& added, FileNumber file) {
   std::unordered_set<std::int32_t> taken;
@@ -54,9 +50,11 @@ std::unordered_map<std::int32_t, std::int32_t> renumber(const Drawing& whole, Dr
     while (taken.count(static_cast<std::int32_t>(next)) > 0) ++next;
     const auto number = static_cast<std::int32_t>(next++);
     taken.insert(number);
-    tell(added, file, Severity::Warning,
-         "point " + std::to_string(point->number) + ": its number stands in another file of the drawing; it gets " +
-             std::to_string(number));
+    added.diagnostics.push_back({Severity::Warning,
+                                 "point " + std::to_string(point->number) +
+                                     ": its number stands in another file of the drawing; it gets " +
+                                     std::to_string(number),
+                                 0, file, point->handle});
     renumbered.emplace(point->number, number);
     if (point->name.empty()) point->name = std::to_string(point->number);
     point->number = number;
@@ -208,7 +206,10 @@ void addDrawing(Drawing& whole, Drawing added, AddedFile file) {
     if (handle != 0) handle += file.handleBase;
   });
   eachObject(added, [&](auto& object) { object.file = number; });
-  for (Diagnostic& diagnostic : added.diagnostics) diagnostic.file = number;
+  for (Diagnostic& diagnostic : added.diagnostics) {
+    diagnostic.file = number;
+    if (diagnostic.object != 0) diagnostic.object += file.handleBase;
+  }
 
   const auto renumbered = renumber(whole, added, number);
   if (!renumbered.empty()) {

@@ -75,6 +75,7 @@ void readAlignment(Context& context, pugi::xml_node node, civil::Site& site, std
   object->name = attributeText(node, "name");
   object->description = attributeText(node, "desc");
   const std::string speaker = "alignment '" + object->name + "'";
+  Context::Subject subject(context);
   const auto start = context.number(node, "staStart", speaker);
   if (!start) context.warn(node, speaker + ": has no start station; 0 is assumed");
   auto geometry = readGeometry(context, node, speaker, start.value_or(0.0));
@@ -85,6 +86,7 @@ void readAlignment(Context& context, pugi::xml_node node, civil::Site& site, std
   AlignmentRecord record{object.get(), node, {}, {}, speaker};
   const auto given = property(feature(node, "lvx_object"), "handle");
   object->handle = context.ticket(node, given);
+  subject.is(object->handle);
   record.givenHandle = Context::parseHandle(given);
   ReadProfiles profiles = readProfiles(context, node, speaker);
   object->profiles = std::move(profiles.profiles);

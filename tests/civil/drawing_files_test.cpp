@@ -53,7 +53,7 @@ Drawing fileWith(const std::string& site, const std::string& alignment) {
   drawing.corridors[0].baselines.resize(1);
   drawing.corridors[0].baselines[0].alignment = &axis;
   drawing.corridors[0].baselines[0].profile = &axis.profiles[0];
-  drawing.diagnostics.push_back({Severity::Warning, "odd", 7});
+  drawing.diagnostics.push_back({.severity = Severity::Warning, .text = "odd", .line = 7, .object = 0x103});
   return drawing;
 }
 
@@ -88,6 +88,18 @@ TEST(DrawingFiles, GivesEveryObjectAHandleOfItsOwnAndItsFile) {
   EXPECT_EQ(pathOf(whole, 2), "c.xml");
   EXPECT_EQ(pathOf(whole, 3), "");
   EXPECT_EQ(pathOf(whole, kNoFile), "");
+}
+
+TEST(DrawingFiles, DiagnosticsGoOnKnowingTheirObject) {
+  Drawing whole = fileWith("Valley", "A");
+  Drawing added = fileWith("Hill", "B");
+  added.diagnostics.push_back({Severity::Note, "odd as a whole", 8});
+  addDrawing(whole, std::move(added), named("b.xml"));
+  std::vector<Handle> objects;
+  for (const Diagnostic& diagnostic : whole.diagnostics) objects.push_back(diagnostic.object);
+  const Handle base = whole.addedFiles[0].handleBase;
+  EXPECT_THAT(objects, ElementsAre(0x103, base + 0x103, 0, base + 0x106, base + 0x107))
+      << "the last two are the points that got new numbers";
 }
 
 TEST(DrawingFiles, MakesOneOfSitesOfOneName) {

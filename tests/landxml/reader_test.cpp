@@ -1,3 +1,7 @@
+#include <array>
+#include <variant>
+#include <vector>
+
 #include "drawing_text.h"
 
 namespace lvx::landxml::testing {
@@ -145,6 +149,85 @@ TEST(Reader, DiagnosticsGiveTheFilesOwnLines) {
                "staStart=\"x\"/>"
                "</Alignments></LandXML>"));
   EXPECT_THAT(diagnosticsOf(drawing), HasSubstr("13: alignment 'A': staStart 'x' is not a number"));
+}
+
+/// "kind name", of the object that a diagnostic is about; "file" for the file as a whole, "gone" for a handle of nothing.
+std::string subjectOf(const civil::Drawing& drawing, const civil::Diagnostic& diagnostic) {
+  if (diagnostic.object == 0) return "file";
+  const auto entry = civil::DrawingIndex(drawing).byHandle(diagnostic.object);
+  if (!entry) return "gone";
+  constexpr std::array kKinds{"site",    "alignment", "profile", "group",   "line",
+                              "surface", "point",     "points",  "corridor"};
+  const std::string name = std::visit(
+      [](const auto* object) {
+        if constexpr (requires { object->number; }) return std::to_string(object->number);
+        return object->name;
+      },
+      entry->object);
+  return std::string(kKinds.at(static_cast<std::size_t>(entry->kind()))) + " " + name;
+}
+
+TEST(Reader, EachDiagnosticKnowsTheObjectThatItIsAbout) {
+  struct Row {
+    const char* content;
+    const char* text;
+    const char* about;
+  };
+  const std::string line = "<CoordGeom><Line><Start>0 0</Start><End>100 0</End></Line></CoordGeom>";
+  const std::string inAlignment = "<Alignments name=\"S\"><Alignment name=\"A\" staStart=\"0\">" + line;
+  const std::string behind = "</Alignment></Alignments>";
+  const std::string design = inAlignment +
+                             "<CrossSects name=\"G\"><CrossSect name=\"L\" sta=\"10\"><DesignCrossSectSurf>" +
+                             "<CrossSectPnt>1</CrossSectPnt></DesignCrossSectSurf></CrossSect></CrossSects>" + behind;
+  const std::string equation = inAlignment + "<StaEquation staInternal=\"1\"/>" + behind;
+  const std::string profile =
+      inAlignment + "<Profile><ProfAlign name=\"P\"><PVI>1</PVI></ProfAlign></Profile>" + behind;
+  const std::string noStation = inAlignment + "<CrossSects name=\"G\"><CrossSect name=\"L\"/></CrossSects>" + behind;
+  const std::string oddSkew =
+      inAlignment + "<CrossSects name=\"G\"><CrossSect name=\"L\" sta=\"1\" angleSkew=\"x\"/></CrossSects>" + behind;
+  const std::string twice =
+      inAlignment + "<CrossSects name=\"G\"><Feature code=\"lvx_sampleLineGroup\"><Property label=\"handle\" " +
+      "value=\"7\"/></Feature></CrossSects><CrossSects name=\"H\"><Feature code=\"lvx_sampleLineGroup\"><Property " +
+      "label=\"handle\" value=\"7\"/></Feature></CrossSects>" + behind;
+  const Row rows[] = {
+      {"", "names no units", "file"},
+      {"<Surfaces><Surface name=\"T\"/></Surfaces>", "has no Definition", "surface T"},
+      {"<Alignments><Alignment name=\"A\" staStart=\"0\"/></Alignments>", "has no geometry", "alignment A"},
+      {"<Alignments><Alignment name=\"A\" staStart=\"0\"><CoordGeom><Line/></CoordGeom></Alignment></Alignments>",
+       "the alignment is left out", "file"},
+      {equation.c_str(), "lacks staInternal or staAhead", "alignment A"},
+      {profile.c_str(), "doesn't hold a station and an elevation", "profile P"},
+      {noStation.c_str(), "has no station; left out", "group G"},
+      {oddSkew.c_str(), "angleSkew 'x' is not an angle", "line L"},
+      {twice.c_str(), "handle 7 stands twice", "group H"},
+      {design.c_str(), "section at 10: a CrossSectPnt holds no offset and elevation", "corridor A"},
+      {design.c_str(), "sample line 'L': a CrossSectPnt holds no offset and elevation", "line L"},
+      {"<CgPoints><CgPoint name=\"5\">0 0 0</CgPoint><CgPoint name=\"5\">0 1 0</CgPoint></CgPoints>",
+       "its number stands twice", "point 6"},
+      {"<CgPoints><CgPoint name=\"5\">0</CgPoint></CgPoints>", "point '5': holds 1 numbers", "file"},
+      {"<CgPoints><CgPoint name=\"5\">- 1 0 0</CgPoint></CgPoints>", "a sign stood apart", "point 5"},
+      {"<CgPoints name=\"Trees\"><CgPoint name=\"5\">1 0 0</CgPoint><CgPoint pntRef=\"6\"/></CgPoints>",
+       "there is no point '6'", "points Trees"},
+      {"<Survey><X/></Survey>", "'Survey' isn't read", "file"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.text);
+    const auto drawing = read(std::string("<LandXML>") + row.content + "</LandXML>");
+    std::vector<std::string> subjects;
+    for (const auto& diagnostic : drawing.diagnostics)
+      if (diagnostic.text.find(row.text) != std::string::npos) subjects.push_back(subjectOf(drawing, diagnostic));
+    EXPECT_THAT(subjects, ElementsAre(row.about)) << diagnosticsOf(drawing);
+  }
+}
+
+TEST(Reader, SaysHowManyDiagnosticsItDoesntList) {
+  std::string points = "<CgPoints>";
+  for (int i = 0; i < 10'004; ++i) points += "<CgPoint name=\"1\">0 0 0</CgPoint>";
+  const auto drawing = read(metric(points + "</CgPoints>"));
+  ASSERT_EQ(drawing.diagnostics.size(), 10'000U);
+  EXPECT_EQ(subjectOf(drawing, drawing.diagnostics[9'998]), "point 10000");
+  EXPECT_EQ(drawing.diagnostics.back().text, "4 more diagnostics aren't listed");
+  EXPECT_EQ(drawing.diagnostics.back().object, 0U);
 }
 
 }  // namespace

@@ -113,11 +113,16 @@ std::size_t Context::lineOf(pugi::xml_node where) const {
 void Context::report(civil::Severity severity, pugi::xml_node where, std::string message) {
   if (drawing.diagnostics.size() >= kMostDiagnostics) {
     ++unreported_;
-    drawing.diagnostics.back() = {civil::Severity::Warning,
-                                  std::to_string(unreported_ + 1) + " more diagnostics aren't listed", 0};
     return;
   }
   drawing.diagnostics.push_back({severity, std::move(message), lineOf(where)});
+}
+
+Context::Subject::~Subject() {
+  auto& diagnostics = context_.drawing.diagnostics;
+  for (std::size_t i = first_; i < diagnostics.size(); ++i) {
+    if (diagnostics[i].object == 0) diagnostics[i].object = ticket_;
+  }
 }
 
 std::optional<double> Context::number(pugi::xml_node node, const char* name, const std::string& speaker) {
@@ -251,9 +256,10 @@ void Context::settleHandles() {
     }
     if (drawing.diagnostics.size() < kMostDiagnostics) {
       drawing.diagnostics.push_back(
-          {civil::Severity::Warning,
-           "handle " + text::handleText(*tickets_[i].given) + " stands twice; the first object keeps it",
-           tickets_[i].line});
+          {.severity = civil::Severity::Warning,
+           .text = "handle " + text::handleText(*tickets_[i].given) + " stands twice; the first object keeps it",
+           .line = tickets_[i].line,
+           .object = i + 1});
     }
   }
   civil::Handle next = 0x100;
@@ -265,6 +271,13 @@ void Context::settleHandles() {
   civil::eachHandle(drawing, [&](civil::Handle& handle) {
     if (handle != 0) handle = handles[handle - 1];
   });
+  for (civil::Diagnostic& diagnostic : drawing.diagnostics) {
+    if (diagnostic.object != 0) diagnostic.object = handles[diagnostic.object - 1];
+  }
+  if (unreported_ > 0) {
+    drawing.diagnostics.back() = {civil::Severity::Warning,
+                                  std::to_string(unreported_ + 1) + " more diagnostics aren't listed"};
+  }
   if (trace == nullptr) return;
   trace->objects.reserve(order.size());
   for (const std::size_t i : order) {

@@ -57,6 +57,27 @@ class Context {
   void note(pugi::xml_node where, std::string text) { report(civil::Severity::Note, where, std::move(text)); }
   [[nodiscard]] std::size_t lineOf(pugi::xml_node where) const;
 
+  /// While it lives, what is reported is about one object, unless a Subject within says that it is about a part of it.
+  /// Which object that is may come out late, or never: then it is about whatever the Subject around is about.
+  ///     Context::Subject subject(context);
+  ///     auto geometry = readGeometry(...);      // may report
+  ///     if (!geometry) return;                  // no such object: the file as a whole
+  ///     subject.is(object.handle = context.ticket(node, given));
+  class Subject {
+   public:
+    explicit Subject(Context& context) : context_(context), first_(context.drawing.diagnostics.size()) {}
+    Subject(Context& context, civil::Handle ticket) : Subject(context) { is(ticket); }
+    ~Subject();
+    Subject(const Subject&) = delete;
+    Subject& operator=(const Subject&) = delete;
+    void is(civil::Handle ticket) { ticket_ = ticket; }
+
+   private:
+    Context& context_;
+    std::size_t first_;
+    civil::Handle ticket_ = 0;
+  };
+
   /// Attribute as a number; empty where it is absent or isn't one, which is then reported for `speaker`.
   std::optional<double> number(pugi::xml_node node, const char* name, const std::string& speaker);
   /// The text of an element as numbers; what is wrong is reported for `speaker`, and the list is then empty.
@@ -72,6 +93,7 @@ class Context {
   /// file's where it has one, else the next free one from 0x100 in the order of the document.
   [[nodiscard]] civil::Handle ticket(pugi::xml_node position, const std::optional<std::string>& handleText);
   [[nodiscard]] static std::optional<civil::Handle> parseHandle(const std::optional<std::string>& text);
+  /// Ends the reading: also tells how many diagnostics aren't listed.
   void settleHandles();
   /// Place of the object with that ticket in the document.
   [[nodiscard]] std::ptrdiff_t positionOf(civil::Handle ticket) const { return tickets_[ticket - 1].position; }

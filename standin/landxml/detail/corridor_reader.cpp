@@ -209,6 +209,7 @@ void CorridorReader::readOurs(pugi::xml_node roadway, pugi::xml_node ours) {
   corridor.name = attributeText(roadway, "name");
   corridor.description = attributeText(roadway, "desc");
   corridor.handle = context_.ticket(roadway, property(ours, "handle"));
+  const Context::Subject subject(context_, corridor.handle);
   const std::string speaker = "corridor '" + corridor.name + "'";
   CorridorTrace trace{roadway, ours, {}};
   eachChild(ours, "Feature", [&](pugi::xml_node child) {
@@ -247,6 +248,7 @@ void CorridorReader::readForeign(const AlignmentRecord& alignment, const std::ve
   corridor.name = roadway ? attributeText(roadway, "name") : object.name;
   corridor.description = roadway ? attributeText(roadway, "desc") : "";
   corridor.handle = context_.ticket(roadway ? roadway : designs.front(), std::nullopt);
+  const Context::Subject subject(context_, corridor.handle);
   const std::string speaker = "corridor '" + corridor.name + "'";
 
   civil::Baseline baseline;

@@ -81,6 +81,7 @@ void PointReader::readCollection(pugi::xml_node collection, const std::string& i
 
 std::size_t PointReader::readPoint(pugi::xml_node node, const std::string& inheritedCode) {
   const std::string name = attributeText(node, "name");
+  Context::Subject subject(context_);
   const PlacedPoint placed = context_.place(node);
   if (!placed.isPlaced()) {
     context_.warn(node, "point '" + shown(name) + "': " + placed.problem + "; left out");
@@ -109,6 +110,7 @@ std::size_t PointReader::readPoint(pugi::xml_node node, const std::string& inher
     }
   }
   point.handle = context_.ticket(node, handle);
+  subject.is(point.handle);
   pointOfNode_.emplace(node.offset_debug(), context_.drawing.points.size());
   nodes_.push_back(node);
   context_.drawing.points.push_back(std::move(point));
@@ -142,6 +144,7 @@ void PointReader::number() {
     taken.insert(point.number);
     const auto given = plainInteger(attribute(nodes_[i], "name"));
     if (given) {
+      const Context::Subject subject(context_, point.handle);
       context_.warn(nodes_[i], "point " + std::to_string(*given) + ": its number stands twice; the later point gets " +
                                    std::to_string(point.number));
     }
@@ -156,6 +159,7 @@ void PointReader::readGroups() {
         std::any_of(members.begin(), members.end(), [](const Member& m) { return m.point == kReference; });
     const bool isGroup = ours || (!name.empty() && (context_.isOurs() ? hasReferences : !members.empty()));
     civil::PointGroup group;
+    Context::Subject subject(context_);
     std::unordered_set<std::int32_t> seen;
     const auto add = [&](std::size_t point) {
       const std::int32_t number = context_.drawing.points[point].number;
@@ -179,6 +183,7 @@ void PointReader::readGroups() {
     group.name = name;
     group.description = property(ours, "desc").value_or(attributeText(collection, "desc"));
     group.handle = context_.ticket(collection, property(ours, "handle"));
+    subject.is(group.handle);
     context_.drawing.pointGroups.push_back(std::move(group));
   }
 }

@@ -146,6 +146,7 @@ ReadProfiles readProfiles(Context& context, pugi::xml_node alignment, const std:
       object.description = attributeText(node, "desc");
       const auto given = property(feature(node, "lvx_object"), "handle");
       object.handle = context.ticket(node, given);
+      const Context::Subject subject(context, object.handle);
       result.givenHandles.push_back(Context::parseHandle(given));
       const std::string who = speaker + ": profile '" + object.name + "'";
       object.profile = isDesign ? readDesign(context, node, who) : readGround(context, node, who);

@@ -202,6 +202,7 @@ void SampleLineReader::readLine(pugi::xml_node section) {
   line.name = given.empty() ? text::stationText(*station) : given;
   const std::string speaker = who_ + ": sample line '" + line.name + "'";
   line.handle = context_.ticket(section, property(feature(section, "lvx_sampleLine"), "handle"));
+  const Context::Subject subject(context_, line.handle);
   line.vertices = verticesOf(section, line.station, speaker);
   if (line.vertices.empty()) unplaced_.push_back(extentAndSkewOf(section, speaker));
   lines_.push_back(std::move(line));
@@ -290,6 +291,7 @@ civil::SampleLineGroup readSampleLines(Context& context, pugi::xml_node crossSec
   civil::SampleLineGroup group;
   const pugi::xml_node ours = feature(crossSects, "lvx_sampleLineGroup");
   group.handle = context.ticket(crossSects, property(ours, "handle"));
+  const Context::Subject subject(context, group.handle);
   group.name = attributeText(crossSects, "name");
   if (group.name.empty()) group.name = "SL - " + alignment.name + " (" + std::to_string(number) + ")";
   group.description = attributeText(crossSects, "desc");

@@ -76,6 +76,7 @@ void readSurfaces(Context& context, std::map<std::size_t, TinCollector>& definit
       surface.name = attributeText(node, "name");
       surface.description = attributeText(node, "desc");
       surface.handle = context.ticket(node, property(feature(node, "lvx_object"), "handle"));
+      const Context::Subject subject(context, surface.handle);
       const std::string speaker = "surface '" + surface.name + "'";
       bool hasDefinition = false;
       bool isFilled = false;
