@@ -225,6 +225,8 @@ struct Drawing {
   FileMark file;
   /// "meter", "foot", "USSurveyFoot", ...; empty where the file names none (then metres are assumed).
   std::string linearUnit;
+  /// Northing and easting of the first file's coordinates were read the other way round.
+  bool axesSwapped = false;
   /// The files behind the first one, in the order in which they were added.
   std::vector<AddedFile> addedFiles;
   /// The alignments outside any site; its name is empty.

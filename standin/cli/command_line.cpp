@@ -33,6 +33,15 @@ CLI::Option* addOption(CLI::App& app, const OptionDescription& option, Options& 
     added = app.add_option_function<int>(
         name, [&option, &values](int value) { apply(option, values, std::to_string(value)); }, help);
     added->check(CLI::Range(1, option.greatest));
+  } else if (std::holds_alternative<std::vector<std::string>*>(field)) {
+    added = app.add_option_function<std::vector<std::string>>(
+        name,
+        [&option, &values](const std::vector<std::string>& given) {
+          for (const std::string& value : given) apply(option, values, value);
+        },
+        help);
+    // Each time it is given it takes one value, so that an argument may follow.
+    added->type_size(1)->allow_extra_args(false);
   } else {
     added = app.add_option_function<std::string>(
         name, [&option, &values](const std::string& value) { apply(option, values, value); }, help);

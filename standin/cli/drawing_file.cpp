@@ -1,12 +1,18 @@
 #include "cli/drawing_file.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <new>
+#include <optional>
+#include <system_error>
+#include <utility>
+#include <vector>
 
+#include "civil/drawing_files.h"
 #include "cli/failure.h"
+#include "cli/name_lookup.h"
 #include "cli/terminal.h"
 #include "landxml/project.h"
-#include "landxml/reader.h"
 #include "runtime/open_drawing.h"
 #include "standin_platform/interruption.h"
 
@@ -14,21 +20,56 @@ namespace lvx::cli {
 
 using standin_platform::isInterrupted;
 
-civil::Drawing loadDrawing(const std::string& path, ProgressMode progress) {
-  ProgressLine line(progress, "reading " + path);
-  landxml::ReadOptions options;
-  options.progress = [&line](const landxml::Progress& state) {
-    line.update(state.bytesDone, state.bytesTotal);
+namespace {
+
+bool isSameFile(const std::string& a, const std::string& b) {
+  std::error_code error;
+  return a == b || std::filesystem::equivalent(a, b, error);
+}
+
+/// The files of the drawing in their order.
+std::vector<landxml::ProjectFile> projectFiles(const options::Options& options) {
+  std::vector<landxml::ProjectFile> files{{options.drawing}};
+  for (const std::string& path : options.files.with) files.push_back({path});
+  for (const std::string& swapped : options.files.swapAxes) {
+    const auto file = std::find_if(files.begin(), files.end(), [&](const landxml::ProjectFile& candidate) {
+      return isSameFile(candidate.path, swapped);
+    });
+    if (file == files.end()) {
+      std::vector<std::string> paths;
+      for (const landxml::ProjectFile& known : files) paths.push_back(known.path);
+      throw Failure(kUsage, "--swap-axes names '" + swapped + "', which is none of the drawing's files; there is " +
+                                offered(std::move(paths), swapped));
+    }
+    file->swapAxes = true;
+  }
+  return files;
+}
+
+}  // namespace
+
+civil::Drawing loadDrawing(const options::Options& options) {
+  const std::vector<landxml::ProjectFile> files = projectFiles(options);
+  std::string reading = options.drawing;
+  std::optional<ProgressLine> line(std::in_place, options.common.progressMode(), "reading " + reading);
+  landxml::ProjectOptions project;
+  project.convertUnits = options.files.convertUnits;
+  project.progress = [&](const std::string& path, const landxml::Progress& state) {
+    if (path != reading) {
+      reading = path;
+      line.emplace(options.common.progressMode(), "reading " + reading);
+    }
+    line->update(state.bytesDone, state.bytesTotal);
     return !isInterrupted();
   };
   try {
-    return landxml::readDrawing(path, options);
+    return landxml::readProject(files, project);
   } catch (const landxml::Error& error) {
     // Cancelled, or a system call that the user's signal broke off.
     if (isInterrupted()) throw runtime::Interrupted();
     throw Failure(kBadDrawing, error.what());
   } catch (const std::bad_alloc&) {
-    throw Failure(kBadDrawing, landxml::ReadError("not enough memory for this drawing", path).what());
+    throw Failure(kBadDrawing, landxml::ReadError("not enough memory for this drawing", reading).what());
   }
 }
 
@@ -48,7 +89,8 @@ void saveDrawing(civil::Drawing& drawing, const std::string& target, ProgressMod
 }
 
 std::string diagnosticText(const civil::Drawing& drawing, const civil::Diagnostic& diagnostic) {
-  std::string text = drawing.path;
+  const std::string& path = civil::pathOf(drawing, diagnostic.file);
+  std::string text = path.empty() ? drawing.path : path;
   if (diagnostic.line != 0) text += ":" + std::to_string(diagnostic.line);
   switch (diagnostic.severity) {
     case civil::Severity::Note:

@@ -6,7 +6,7 @@
 namespace lvx::cli {
 
 options::ExitCode runInfo(const options::Options& options) {
-  const civil::Drawing drawing = loadDrawing(options.drawing, options.common.progressMode());
+  const civil::Drawing drawing = loadDrawing(options);
   print(options.json ? infoJson(drawing) : infoText(drawing));
   return options::kDone;
 }

@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "civil/drawing_files.h"
 #include "cli/detail/info_facts.h"
 #include "cli/info_command.h"
 #include "text/handle_text.h"
@@ -16,6 +17,31 @@ namespace {
 using detail::pointFacts;
 using detail::regionFacts;
 using detail::stationRange;
+
+Json unitJson(const std::string& linearUnit) { return linearUnit.empty() ? Json(nullptr) : Json(linearUnit); }
+
+/// Adds the file of an object, null where it is in none, to what a drawing of several files tells of it.
+template <class Object>
+Json withFile(Json json, const civil::Drawing& drawing, const Object& object) {
+  if (drawing.addedFiles.empty()) return json;
+  const std::string& path = civil::pathOf(drawing, object.file);
+  json["file"] = path.empty() ? Json(nullptr) : Json(path);
+  return json;
+}
+
+Json filesJson(const civil::Drawing& drawing) {
+  Json list = Json::array();
+  list.push_back({{"path", drawing.path},
+                  {"linearUnit", unitJson(drawing.linearUnit)},
+                  {"lengthFactor", 1.0},
+                  {"axesSwapped", drawing.axesSwapped}});
+  for (const civil::AddedFile& file : drawing.addedFiles)
+    list.push_back({{"path", file.path},
+                    {"linearUnit", unitJson(file.linearUnit)},
+                    {"lengthFactor", file.lengthFactor},
+                    {"axesSwapped", file.axesSwapped}});
+  return list;
+}
 
 Json boxJson(const civil::Box& box) {
   if (box.isEmpty()) return nullptr;
@@ -44,7 +70,7 @@ Json elementsJson(const civil::Alignment& geometry) {
   return list;
 }
 
-Json alignmentJson(const civil::AlignmentObject& object) {
+Json alignmentJson(const civil::Drawing& drawing, const civil::AlignmentObject& object) {
   Json equations = Json::array();
   for (const civil::StationEquation& equation : object.stationEquations)
     equations.push_back({{"internalStation", equation.internalStation},
@@ -54,38 +80,41 @@ Json alignmentJson(const civil::AlignmentObject& object) {
   Json profiles = Json::array();
   for (const civil::ProfileObject& entry : object.profiles) {
     const civil::Profile& profile = entry.profile;
-    profiles.push_back({{"name", entry.name},
-                        {"handle", text::handleText(entry.handle)},
-                        {"kind", profile.isGround() ? "ground" : "design"},
-                        {"points", profile.points().size()},
-                        {"gaps", profile.gapCount()},
-                        {"startStation", profile.isEmpty() ? Json(nullptr) : Json(profile.startStation())},
-                        {"endStation", profile.isEmpty() ? Json(nullptr) : Json(profile.endStation())}});
+    profiles.push_back(withFile({{"name", entry.name},
+                                 {"handle", text::handleText(entry.handle)},
+                                 {"kind", profile.isGround() ? "ground" : "design"},
+                                 {"points", profile.points().size()},
+                                 {"gaps", profile.gapCount()},
+                                 {"startStation", profile.isEmpty() ? Json(nullptr) : Json(profile.startStation())},
+                                 {"endStation", profile.isEmpty() ? Json(nullptr) : Json(profile.endStation())}},
+                                drawing, entry));
   }
   Json groups = Json::array();
   for (const civil::SampleLineGroup& group : object.sampleLineGroups) {
     const detail::StationRange range = stationRange(group.lines);
-    groups.push_back({{"name", group.name},
-                      {"handle", text::handleText(group.handle)},
-                      {"lines", group.lines.size()},
-                      {"leastStation", group.lines.empty() ? Json(nullptr) : Json(range.least)},
-                      {"greatestStation", group.lines.empty() ? Json(nullptr) : Json(range.greatest)}});
+    groups.push_back(withFile({{"name", group.name},
+                               {"handle", text::handleText(group.handle)},
+                               {"lines", group.lines.size()},
+                               {"leastStation", group.lines.empty() ? Json(nullptr) : Json(range.least)},
+                               {"greatestStation", group.lines.empty() ? Json(nullptr) : Json(range.greatest)}},
+                              drawing, group));
   }
-  return {{"name", object.name},
-          {"description", object.description},
-          {"handle", text::handleText(object.handle)},
-          {"startStation", object.geometry.startStation()},
-          {"endStation", object.geometry.endStation()},
-          {"length", object.geometry.length()},
-          {"elements", elementsJson(object.geometry)},
-          {"stationEquations", equations},
-          {"profiles", profiles},
-          {"sampleLineGroups", groups}};
+  return withFile({{"name", object.name},
+                   {"description", object.description},
+                   {"handle", text::handleText(object.handle)},
+                   {"startStation", object.geometry.startStation()},
+                   {"endStation", object.geometry.endStation()},
+                   {"length", object.geometry.length()},
+                   {"elements", elementsJson(object.geometry)},
+                   {"stationEquations", equations},
+                   {"profiles", profiles},
+                   {"sampleLineGroups", groups}},
+                  drawing, object);
 }
 
-Json siteJson(const civil::Site& site) {
+Json siteJson(const civil::Drawing& drawing, const civil::Site& site) {
   Json alignments = Json::array();
-  for (const auto& alignment : site.alignments) alignments.push_back(alignmentJson(*alignment));
+  for (const auto& alignment : site.alignments) alignments.push_back(alignmentJson(drawing, *alignment));
   return {{"name", site.name},
           {"description", site.description},
           {"handle", text::handleText(site.handle)},
@@ -97,16 +126,17 @@ Json surfacesJson(const civil::Drawing& drawing) {
   for (const civil::SurfaceObject& object : drawing.surfaces) {
     const civil::TinSurface::Counts counts = object.surface.counts();
     const bool empty = object.surface.isEmpty();
-    list.push_back({{"name", object.name},
-                    {"description", object.description},
-                    {"handle", text::handleText(object.handle)},
-                    {"points", counts.points},
-                    {"triangles", counts.triangles},
-                    {"degenerateTriangles", counts.degenerate},
-                    {"overlappingEdges", counts.overlappingEdges},
-                    {"box", boxJson(object.surface.box())},
-                    {"minElevation", empty ? Json(nullptr) : Json(object.surface.minElevation())},
-                    {"maxElevation", empty ? Json(nullptr) : Json(object.surface.maxElevation())}});
+    list.push_back(withFile({{"name", object.name},
+                             {"description", object.description},
+                             {"handle", text::handleText(object.handle)},
+                             {"points", counts.points},
+                             {"triangles", counts.triangles},
+                             {"degenerateTriangles", counts.degenerate},
+                             {"overlappingEdges", counts.overlappingEdges},
+                             {"box", boxJson(object.surface.box())},
+                             {"minElevation", empty ? Json(nullptr) : Json(object.surface.minElevation())},
+                             {"maxElevation", empty ? Json(nullptr) : Json(object.surface.maxElevation())}},
+                            drawing, object));
   }
   return list;
 }
@@ -143,10 +173,11 @@ Json corridorsJson(const civil::Drawing& drawing) {
            {"profile", baseline.profile == nullptr ? Json(nullptr) : Json(baseline.profile->name)},
            {"regions", regions}});
     }
-    list.push_back({{"name", corridor.name},
-                    {"description", corridor.description},
-                    {"handle", text::handleText(corridor.handle)},
-                    {"baselines", baselines}});
+    list.push_back(withFile({{"name", corridor.name},
+                             {"description", corridor.description},
+                             {"handle", text::handleText(corridor.handle)},
+                             {"baselines", baselines}},
+                            drawing, corridor));
   }
   return list;
 }
@@ -155,9 +186,10 @@ Json diagnosticsJson(const civil::Drawing& drawing) {
   constexpr std::array<const char*, 3> kSeverities{"note", "warning", "error"};
   Json list = Json::array();
   for (const civil::Diagnostic& diagnostic : drawing.diagnostics)
-    list.push_back({{"severity", kSeverities[static_cast<std::size_t>(diagnostic.severity)]},
-                    {"text", diagnostic.text},
-                    {"line", diagnostic.line}});
+    list.push_back(withFile({{"severity", kSeverities[static_cast<std::size_t>(diagnostic.severity)]},
+                             {"text", diagnostic.text},
+                             {"line", diagnostic.line}},
+                            drawing, diagnostic));
   return list;
 }
 
@@ -165,22 +197,24 @@ Json diagnosticsJson(const civil::Drawing& drawing) {
 
 std::string infoJson(const civil::Drawing& drawing) {
   Json sites = Json::array();
-  if (!drawing.siteless.alignments.empty()) sites.push_back(siteJson(drawing.siteless));
-  for (const civil::Site& site : drawing.sites) sites.push_back(siteJson(site));
+  if (!drawing.siteless.alignments.empty()) sites.push_back(siteJson(drawing, drawing.siteless));
+  for (const civil::Site& site : drawing.sites) sites.push_back(siteJson(drawing, site));
   Json groups = Json::array();
   for (const civil::PointGroup& group : drawing.pointGroups)
-    groups.push_back({{"name", group.name},
-                      {"description", group.description},
-                      {"handle", text::handleText(group.handle)},
-                      {"points", group.numbers.size()}});
-  const Json all = {{"file", drawing.path},
-                    {"linearUnit", drawing.linearUnit.empty() ? Json(nullptr) : Json(drawing.linearUnit)},
-                    {"sites", sites},
-                    {"surfaces", surfacesJson(drawing)},
-                    {"points", pointsJson(drawing)},
-                    {"pointGroups", groups},
-                    {"corridors", corridorsJson(drawing)},
-                    {"diagnostics", diagnosticsJson(drawing)}};
+    groups.push_back(withFile({{"name", group.name},
+                               {"description", group.description},
+                               {"handle", text::handleText(group.handle)},
+                               {"points", group.numbers.size()}},
+                              drawing, group));
+  Json all = {{"file", drawing.path},
+              {"linearUnit", unitJson(drawing.linearUnit)},
+              {"sites", sites},
+              {"surfaces", surfacesJson(drawing)},
+              {"points", pointsJson(drawing)},
+              {"pointGroups", groups},
+              {"corridors", corridorsJson(drawing)},
+              {"diagnostics", diagnosticsJson(drawing)}};
+  if (drawing.axesSwapped || !drawing.addedFiles.empty()) all["files"] = filesJson(drawing);
   // A name that isn't UTF-8 shows the replacement character; the rest of the drawing is told all the same.
   return all.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

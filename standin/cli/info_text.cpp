@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <string_view>
 
+#include "civil/drawing_files.h"
 #include "cli/detail/info_facts.h"
 #include "cli/drawing_file.h"
 #include "cli/info_command.h"
@@ -84,6 +86,36 @@ std::string boxText(const civil::Box& box) {
          " to " + text::fixedText(box.maxY);
 }
 
+/// "  (ground.xml)" behind what an object is, in a drawing of several files; empty in one of a single file.
+std::string fileText(const civil::Drawing& drawing, civil::FileNumber file) {
+  if (drawing.addedFiles.empty()) return {};
+  const std::string& path = civil::pathOf(drawing, file);
+  return "  (" + (path.empty() ? std::string("in no file") : path) + ")";
+}
+
+/// The same for what belongs to an object, where that is in another file.
+std::string fileText(const civil::Drawing& drawing, civil::FileNumber file, civil::FileNumber fileOfOwner) {
+  return file == fileOfOwner ? std::string() : fileText(drawing, file);
+}
+
+std::string fileLine(const std::string& path, const std::string& unitAndMore, bool axesSwapped) {
+  return path + "  (unit: " + unitAndMore + (axesSwapped ? ", northing and easting swapped" : "") + ")\n";
+}
+
+std::string unitText(const std::string& linearUnit) {
+  return linearUnit.empty() ? std::string("none given, metres assumed") : linearUnit;
+}
+
+void addFiles(std::string& text, const civil::Drawing& drawing) {
+  text += fileLine(drawing.path, unitText(drawing.linearUnit), drawing.axesSwapped);
+  for (const civil::AddedFile& file : drawing.addedFiles) {
+    std::string unit = unitText(file.linearUnit);
+    if (file.lengthFactor != 1.0)
+      unit += ", converted to " + (drawing.linearUnit.empty() ? std::string("metres") : drawing.linearUnit);
+    text += fileLine(file.path, unit, file.axesSwapped);
+  }
+}
+
 void addElements(std::string& text, const civil::Alignment& geometry) {
   constexpr std::size_t kMost = 100;
   const auto elements = geometry.elements();
@@ -97,10 +129,10 @@ void addElements(std::string& text, const civil::Alignment& geometry) {
     text += "      and " + std::to_string(elements.size() - kMost) + " more; --json lists all of them\n";
 }
 
-void addProfiles(std::string& text, const std::vector<civil::ProfileObject>& profiles) {
-  if (profiles.empty()) return;
+void addProfiles(std::string& text, const civil::Drawing& drawing, const civil::AlignmentObject& alignment) {
+  if (alignment.profiles.empty()) return;
   Table table;
-  for (const civil::ProfileObject& object : profiles) {
+  for (const civil::ProfileObject& object : alignment.profiles) {
     const civil::Profile& profile = object.profile;
     std::string facts = counted(profile.points().size(), "point", "points");
     if (profile.gapCount() > 0) facts += ", " + counted(profile.gapCount(), "gap", "gaps");
@@ -108,40 +140,41 @@ void addProfiles(std::string& text, const std::vector<civil::ProfileObject>& pro
                profile.isEmpty()
                    ? ""
                    : text::fixedText(profile.startStation()) + " to " + text::fixedText(profile.endStation()),
-               facts});
+               facts + fileText(drawing, object.file, alignment.file)});
   }
   text += "    profiles\n";
   table.print(text, "      ");
 }
 
-void addGroups(std::string& text, const std::vector<civil::SampleLineGroup>& groups) {
-  if (groups.empty()) return;
+void addGroups(std::string& text, const civil::Drawing& drawing, const civil::AlignmentObject& alignment) {
+  if (alignment.sampleLineGroups.empty()) return;
   Table table;
-  for (const civil::SampleLineGroup& group : groups) {
+  for (const civil::SampleLineGroup& group : alignment.sampleLineGroups) {
     const detail::StationRange range = stationRange(group.lines);
     table.add({"'" + group.name + "'", counted(group.lines.size(), "line", "lines"),
-               group.lines.empty() ? "" : text::fixedText(range.least) + " to " + text::fixedText(range.greatest)});
+               (group.lines.empty() ? "" : text::fixedText(range.least) + " to " + text::fixedText(range.greatest)) +
+                   fileText(drawing, group.file, alignment.file)});
   }
   text += "    sample line groups\n";
   table.print(text, "      ");
 }
 
-void addAlignment(std::string& text, const civil::AlignmentObject& object) {
+void addAlignment(std::string& text, const civil::Drawing& drawing, const civil::AlignmentObject& object) {
   const civil::Alignment& geometry = object.geometry;
   text += "  alignment '" + object.name + "'  " +
           (geometry.isEmpty()
                ? std::string("without geometry")
                : "station " + text::fixedText(geometry.startStation()) + " to " +
                      text::fixedText(geometry.endStation()) + ", length " + text::fixedText(geometry.length())) +
-          "\n";
+          fileText(drawing, object.file) + "\n";
   if (!geometry.isEmpty()) addElements(text, geometry);
   for (const civil::StationEquation& equation : object.stationEquations)
     text += "    station equation at " + text::fixedText(equation.internalStation) + ": " +
             (equation.backStation ? "back " + text::fixedText(*equation.backStation) + ", " : std::string()) +
             "ahead " + text::fixedText(equation.aheadStation) + (equation.increasing ? "" : ", decreasing") +
             " (reports don't apply it)\n";
-  addProfiles(text, object.profiles);
-  addGroups(text, object.sampleLineGroups);
+  addProfiles(text, drawing, object);
+  addGroups(text, drawing, object);
 }
 
 void addSites(std::string& text, const civil::Drawing& drawing) {
@@ -149,7 +182,7 @@ void addSites(std::string& text, const civil::Drawing& drawing) {
     if (site.alignments.empty()) text += "site '" + site.name + "': no alignments\n";
   for (const civil::Site* site : siteRows(drawing)) {
     text += (site->name.empty() ? std::string("without a site") : "site '" + site->name + "'") + "\n";
-    for (const auto& alignment : site->alignments) addAlignment(text, *alignment);
+    for (const auto& alignment : site->alignments) addAlignment(text, drawing, *alignment);
   }
   if (siteRows(drawing).empty()) text += "no alignments\n";
 }
@@ -160,7 +193,7 @@ void addSurfaces(std::string& text, const civil::Drawing& drawing) {
   for (const civil::SurfaceObject& object : drawing.surfaces) {
     const civil::TinSurface::Counts counts = object.surface.counts();
     text += "  '" + object.name + "'  " + counted(counts.points, "point", "points") + ", " +
-            counted(counts.triangles, "triangle", "triangles") + "\n";
+            counted(counts.triangles, "triangle", "triangles") + fileText(drawing, object.file) + "\n";
     if (!object.surface.isEmpty())
       text += "    " + boxText(object.surface.box()) + ", elevation " + text::fixedText(object.surface.minElevation()) +
               " to " + text::fixedText(object.surface.maxElevation()) + "\n";
@@ -171,6 +204,14 @@ void addSurfaces(std::string& text, const civil::Drawing& drawing) {
   }
 }
 
+/// How many of the points each file holds, where there are several.
+void addPointsOfFiles(std::string& text, const civil::Drawing& drawing) {
+  if (drawing.addedFiles.empty()) return;
+  std::map<civil::FileNumber, std::size_t> counts;
+  for (const civil::Point& point : drawing.points) ++counts[point.file];
+  for (const auto& [file, count] : counts) text += "  " + std::to_string(count) + fileText(drawing, file) + "\n";
+}
+
 void addPoints(std::string& text, const civil::Drawing& drawing) {
   if (!drawing.points.empty()) {
     const detail::PointFacts facts = pointFacts(drawing);
@@ -178,18 +219,20 @@ void addPoints(std::string& text, const civil::Drawing& drawing) {
             " to " + std::to_string(facts.greatestNumber) + ", " + boxText(facts.box) + "\n";
     if (facts.withoutElevation > 0)
       text += "  " + std::to_string(facts.withoutElevation) + " of them without an elevation (reports show 0)\n";
+    addPointsOfFiles(text, drawing);
   }
   if (drawing.pointGroups.empty()) return;
   text += "point groups\n";
   Table table;
   for (const civil::PointGroup& group : drawing.pointGroups)
-    table.add({"'" + group.name + "'", counted(group.numbers.size(), "point", "points")});
+    table.add(
+        {"'" + group.name + "'", counted(group.numbers.size(), "point", "points") + fileText(drawing, group.file)});
   table.print(text, "  ");
 }
 
 void addCorridors(std::string& text, const civil::Drawing& drawing) {
   for (const civil::Corridor& corridor : drawing.corridors) {
-    text += "corridor '" + corridor.name + "'\n";
+    text += "corridor '" + corridor.name + "'" + fileText(drawing, corridor.file) + "\n";
     for (const civil::Baseline& baseline : corridor.baselines) {
       text += "  baseline '" + baseline.name + "'" +
               (baseline.alignment == nullptr ? std::string() : " on alignment '" + baseline.alignment->name + "'") +
@@ -213,9 +256,8 @@ void addCorridors(std::string& text, const civil::Drawing& drawing) {
 }  // namespace
 
 std::string infoText(const civil::Drawing& drawing) {
-  std::string text = drawing.path + "  (unit: " +
-                     (drawing.linearUnit.empty() ? std::string("none given, metres assumed") : drawing.linearUnit) +
-                     ")\n";
+  std::string text;
+  addFiles(text, drawing);
   addSites(text, drawing);
   addSurfaces(text, drawing);
   addPoints(text, drawing);

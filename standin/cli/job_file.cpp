@@ -39,8 +39,14 @@ class JobReader {
     return found->get<std::string>();
   }
 
-  void append(std::vector<std::string>& arguments, const std::string& option, const Json& value) const {
+  /// An option of a job; `known` is null where its command has none of that name, which the command says itself.
+  void append(std::vector<std::string>& arguments, const std::string& option, const Json& value,
+              const options::OptionDescription* known) const {
     const std::string name = "--" + option;
+    if (known != nullptr && known->isList()) {
+      appendList(arguments, name, option, value);
+      return;
+    }
     if (value.is_boolean()) {
       if (value.get<bool>()) arguments.push_back(name);
       return;
@@ -48,6 +54,15 @@ class JobReader {
     if (!value.is_string() && !value.is_number_integer())
       fail("\"" + option + "\" is neither a text nor a whole number nor true or false");
     appendText(arguments, name, value.is_string() ? value.get<std::string>() : value.dump());
+  }
+
+  void appendList(std::vector<std::string>& arguments, const std::string& name, const std::string& option,
+                  const Json& value) const {
+    const Json list = value.is_array() ? value : Json::array({value});
+    for (const Json& entry : list) {
+      if (!entry.is_string()) fail("\"" + option + "\" is neither a text nor a list of texts");
+      appendText(arguments, name, entry.get<std::string>());
+    }
   }
 
   /// A value that begins with a hyphen is no option; an empty one stands by itself.
@@ -76,6 +91,12 @@ std::string reportCommands() {
 bool isReportCommand(const std::string& name) {
   const options::CommandDescription* const command = options::findCommand(name);
   return command != nullptr && options::kReportCommands.contains(command->command);
+}
+
+const options::OptionDescription* optionOf(const std::string& command, const std::string& name) {
+  for (const options::OptionDescription* option : options::optionsOf(options::findCommand(command)->command))
+    if (!option->isArgument && option->name == name) return option;
+  return nullptr;
 }
 
 /// A common option as the whole batch has it.
@@ -149,7 +170,8 @@ std::vector<Job> parseJobs(std::string_view text, const std::string& name, const
       reader.fail("writes the same files as line " + std::to_string(other->second) + ": " + stem);
 
     for (const auto& [option, value] : json.items())
-      if (option != "command" && option != "drawing") reader.append(job.arguments, option, value);
+      if (option != "command" && option != "drawing")
+        reader.append(job.arguments, option, value, optionOf(job.arguments[0], option));
     appendCommon(job.arguments, json, batchArguments);
     job.arguments.insert(job.arguments.end(), {"--", drawing});
     jobs.push_back(std::move(job));

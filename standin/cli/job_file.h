@@ -25,7 +25,8 @@ struct Job {
 ///     {"command": "projection", "drawing": "road.xml", "alignment": "A1", "group": "SL", "surface": "EG",
 ///      "out": "out/ground", "forms": "txt", "overwrite": true}                                (on one line)
 ///
-/// Members are texts, whole numbers and true or false (an option without a value, or its absence). `common` holds for
+/// Members are texts, whole numbers and true or false (an option without a value, or its absence); an option that may be
+/// given many times takes a list of texts, or one text. `common` holds for
 /// every job that doesn't have the option itself. `name` stands for the file in messages. Throws Failure (kUsage) for a
 /// line that is no such object, and where two jobs would write the same files.
 [[nodiscard]] std::vector<Job> parseJobs(std::string_view text, const std::string& name,

@@ -57,7 +57,7 @@ ExitCode runPlay(const options::Options& options) {
   script::Transcript transcript(print);
   script::ScriptFrontEnd frontEnd(std::move(actions), transcript);
   const auto host = makeHost(frontEnd, options.common);
-  civil::Drawing drawing = loadDrawing(options.drawing, options.common.progressMode());
+  civil::Drawing drawing = loadDrawing(options);
   if (!options.common.quiet) tellDiagnostics(drawing);
 
   bool allWritten = true;

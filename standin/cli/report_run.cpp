@@ -114,7 +114,7 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, cons
   const std::string stem = dialogStem(options.report.stem);
   CommandLineFrontEnd frontEnd(common.overwriteMode(), runtime::helpFolder(common.host.language));
   const auto host = makeHost(frontEnd, common);
-  civil::Drawing drawing = loadDrawing(options.drawing, common.progressMode());
+  civil::Drawing drawing = loadDrawing(options);
   if (!common.quiet) tellDiagnostics(drawing);
   host->open(std::move(drawing));
   const std::string nothingWritten = plan(*host->openDrawing(), closingSteps(common, stem), frontEnd);

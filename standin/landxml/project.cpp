@@ -79,6 +79,7 @@ void addFile(civil::Drawing& drawing, const ProjectFile& file, const ProjectOpti
 
 civil::Drawing readProject(const std::vector<ProjectFile>& files, const ProjectOptions& options) {
   civil::Drawing drawing = readDrawing(files.front().path, readOptions(files.front(), options));
+  drawing.axesSwapped = files.front().swapAxes;
   for (std::size_t i = 1; i < files.size(); ++i) addFile(drawing, files[i], options);
   return drawing;
 }

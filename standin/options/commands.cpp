@@ -27,7 +27,9 @@ constexpr std::string_view kProjectionFooter =
     "      of the ground from far left to far right\n"
     "  lvxhost projection drawing.xml --alignment A1 --site \"\" --group SL --surface Ground \\\n"
     "      --out a1 --forms txt,html --overwrite\n"
-    "      an alignment outside any site, two forms, into the current folder\n";
+    "      an alignment outside any site, two forms, into the current folder\n"
+    "  lvxhost projection road.xml --with ground.xml --alignment A1 --group SL --surface Ground --out a1\n"
+    "      the alignment of one file over the ground of another\n";
 
 constexpr std::string_view kPointsFooter =
     "Examples:\n"
@@ -50,7 +52,8 @@ constexpr std::string_view kGlsFooter =
 
 constexpr std::string_view kBatchFooter =
     "Each line is an object with a report command, its drawing and its options under their own names; blank lines are\n"
-    "skipped. Paths are seen from the current folder. The common options hold for every job without its own:\n"
+    "skipped. Paths are seen from the current folder. An option that may be given many times takes a list, as in\n"
+    "\"with\": [\"ground.xml\", \"points.xml\"]. The common options hold for every job without its own:\n"
     "  {\"command\": \"points\", \"drawing\": \"road.xml\", \"alignment\": \"A1\", \"point-group\": \"Edge\", \"out\": \"edge\"}\n"
     "Example:\n"
     "  lvxhost batch examples/reports.jsonl --jobs 4 --overwrite\n"

@@ -28,8 +28,10 @@ class CommandSet {
 [[nodiscard]] constexpr CommandSet operator|(Command a, Command b) { return CommandSet(a) | CommandSet(b); }
 
 inline constexpr CommandSet kReportCommands = Command::Projection | Command::Points | Command::Gls;
+/// The commands of lvxhost that open a drawing.
+inline constexpr CommandSet kDrawingCommands = kReportCommands | Command::Info | Command::Play;
 /// Every command of lvxhost. What all of them have may also stand before the name of the command.
-inline constexpr CommandSet kEveryCommand = kReportCommands | Command::Info | Command::Batch | Command::Play;
+inline constexpr CommandSet kEveryCommand = kDrawingCommands | Command::Batch;
 
 /// A command of lvxhost as its help tells it.
 struct CommandDescription {

@@ -40,7 +40,7 @@ constexpr std::string_view kModuleHelp = "Report module to load in place of the 
 constexpr std::array kTable{
     // ---- arguments
     OptionDescription{.name = "DRAWING",
-                      .commands = kReportCommands | Command::Info | Command::Play,
+                      .commands = kDrawingCommands,
                       .field = [](Options& o) -> Field { return &o.drawing; },
                       .help = "LandXML file",
                       .isArgument = true,
@@ -62,6 +62,22 @@ constexpr std::array kTable{
                       .help = "JSON array of what a user does",
                       .isArgument = true,
                       .isRequired = true},
+
+    // ---- the drawing's files
+    OptionDescription{.name = "with",
+                      .commands = kDrawingCommands,
+                      .field = [](Options& o) -> Field { return &o.files.with; },
+                      .help = "One more file of the drawing; may be given many times",
+                      .valueName = "FILE"},
+    OptionDescription{.name = "convert-units",
+                      .commands = kDrawingCommands,
+                      .field = [](Options& o) -> Field { return &o.files.convertUnits; },
+                      .help = "Convert files in another unit of length than DRAWING's, which are an error otherwise"},
+    OptionDescription{.name = "swap-axes",
+                      .commands = kDrawingCommands,
+                      .field = [](Options& o) -> Field { return &o.files.swapAxes; },
+                      .help = "A file of the drawing whose coordinates hold easting before northing; may be given many times",
+                      .valueName = "FILE"},
 
     // ---- what to report
     OptionDescription{.name = "alignment",
@@ -280,6 +296,11 @@ bool OptionDescription::isFlag() const {
   return std::holds_alternative<bool*>(field(options));
 }
 
+bool OptionDescription::isList() const {
+  Options options;
+  return std::holds_alternative<std::vector<std::string>*>(field(options));
+}
+
 std::span<const OptionDescription> optionTable() { return kTable; }
 
 std::vector<const OptionDescription*> optionsOf(Command command) {
@@ -303,7 +324,8 @@ void apply(const OptionDescription& option, Options& options, const std::string&
                         [&](std::optional<std::string>* text) {
                           *text = isNone ? std::nullopt : std::optional<std::string>(value);
                         },
-                        [&](std::optional<int>* number) { *number = numberOf(option, value); }},
+                        [&](std::optional<int>* number) { *number = numberOf(option, value); },
+                        [&](std::vector<std::string>* list) { list->push_back(value); }},
              option.field(options));
 }
 
@@ -314,6 +336,9 @@ std::optional<std::string> valueOf(const OptionDescription& option, const Option
                                [](const std::optional<std::string>* text) { return *text; },
                                [](const std::optional<int>* number) {
                                  return *number ? std::optional<std::string>(std::to_string(**number)) : std::nullopt;
+                               },
+                               [](const std::vector<std::string>* list) {
+                                 return list->empty() ? std::nullopt : std::optional<std::string>(list->back());
                                }},
                     option.field(read));
 }

@@ -14,8 +14,9 @@
 /// built from this table, and so can be whatever else lists options.
 namespace lvx::options {
 
-/// Where an option's value is kept. A bool is an option without a value.
-using Field = std::variant<bool*, std::string*, std::optional<std::string>*, std::optional<int>*>;
+/// Where an option's value is kept. A bool is an option without a value; a list is one that may be given many times.
+using Field =
+    std::variant<bool*, std::string*, std::optional<std::string>*, std::optional<int>*, std::vector<std::string>*>;
 
 /// What an empty text given for an option means.
 enum class EmptyText : std::uint8_t {
@@ -62,6 +63,7 @@ struct OptionDescription {
   const OptionGroup* group = nullptr;
 
   [[nodiscard]] bool isFlag() const;
+  [[nodiscard]] bool isList() const;
 };
 
 /// Heads what every command of lvxhost has.
@@ -77,11 +79,12 @@ inline constexpr OptionGroup kCommonGroup{"Common options", "", false};
 [[nodiscard]] std::vector<const OptionDescription*> commonOptions();
 
 /// Takes a value that was given into `options`: any text for an option with a text, a whole number's digits; for one
-/// without a value whatever stands here turns it on. Throws std::invalid_argument with a sentence for a value that isn't
+/// without a value whatever stands here turns it on, a list has it as its last from then on. Throws std::invalid_argument with a sentence for a value that isn't
 /// one of the option's.
 void apply(const OptionDescription& option, Options& options, const std::string& value);
 
-/// The value as it would be given on a command line, a flag that is on as "true"; empty where there is none.
+/// The value as it would be given on a command line, a flag that is on as "true", of a list the last one; empty
+/// where there is none.
 [[nodiscard]] std::optional<std::string> valueOf(const OptionDescription& option, const Options& options);
 
 /// "en, de and fr"

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "runtime/host_choices.h"
 
@@ -32,6 +33,15 @@ struct CommonOptions {
   [[nodiscard]] bool writes(const std::string& form) const {
     return ("," + forms + ",").find("," + form + ",") != std::string::npos;
   }
+};
+
+/// The files of a drawing, and how they are read.
+struct DrawingOptions {
+  /// The files that are added to the first one, in their order.
+  std::vector<std::string> with;
+  bool convertUnits = false;
+  /// Those of the files whose northing and easting are swapped.
+  std::vector<std::string> swapAxes;
 };
 
 /// The options of the report commands; each command has some of them.
@@ -75,6 +85,7 @@ struct Options {
   CommonOptions common;
   /// Of every command of lvxhost that opens one.
   std::string drawing;
+  DrawingOptions files;
   /// Of info: a form that programs read.
   bool json = false;
   ReportOptions report;

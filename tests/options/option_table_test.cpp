@@ -84,6 +84,33 @@ TEST(OptionTable, GivesBackWhatItTook) {
   EXPECT_GT(taken, optionTable().size());
 }
 
+TEST(OptionTable, CollectsWhatIsGivenManyTimes) {
+  Options options;
+  const OptionDescription& with = optionOf(Command::Gls, "with");
+  EXPECT_TRUE(with.isList());
+  EXPECT_FALSE(optionOf(Command::Gls, "out").isList());
+  EXPECT_EQ(valueOf(with, options), std::nullopt);
+  for (const char* file : {"b.xml", "", "b.xml"}) apply(with, options, file);
+  EXPECT_EQ(options.files.with, (std::vector<std::string>{"b.xml", "", "b.xml"}));
+  EXPECT_EQ(valueOf(with, options), "b.xml");
+}
+
+// A batch hands each of them on to its jobs as one value.
+TEST(OptionTable, HasNoListAmongTheCommonOptions) {
+  for (const OptionDescription* option : commonOptions()) EXPECT_FALSE(option->isList()) << option->name;
+}
+
+TEST(OptionTable, OpensEveryDrawingByTheSameOptions) {
+  std::size_t commandsWithDrawing = 0;
+  for (const CommandDescription& command : commands()) {
+    if (!kDrawingCommands.contains(command.command)) continue;
+    for (const char* name : {"with", "convert-units", "swap-axes"})
+      EXPECT_NO_THROW(static_cast<void>(optionOf(command.command, name))) << command.name;
+    ++commandsWithDrawing;
+  }
+  EXPECT_EQ(commandsWithDrawing, commands().size() - 1) << "all but batch";
+}
+
 TEST(OptionTable, KnowsWhereAnEmptyTextIsNone) {
   struct Row {
     Command command;
