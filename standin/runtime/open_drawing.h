@@ -141,6 +141,8 @@ class OpenDrawing {
     index_ = civil::DrawingIndex(drawing_);
     editState_ = state;
   }
+  /// Whether some of that are edits.
+  [[nodiscard]] bool isEdited() const { return editState_ != savedState_; }
   /// Which of the states that edits led to the drawing is in; 0 as it was opened.
   [[nodiscard]] std::size_t editState() const { return editState_; }
   /// Lets `write` save the drawing, which it may note in it; what it throws leaves the drawing changed.

@@ -142,13 +142,7 @@ struct PlanScene::Named {
 };
 
 PlanScene::PlanScene(const Drawing& drawing, const Progress& progress) : drawing_(drawing) {
-  addAlignments(drawing.siteless);
-  for (const Site& site : drawing.sites) addAlignments(site);
-  for (const civil::PointGroup& group : drawing.pointGroups) named_.push_back({group.handle, {&group}});
-  for (const Corridor& corridor : drawing.corridors) named_.push_back({corridor.handle, {&corridor}});
-  for (const SurfaceObject& surface : drawing.surfaces) named_.push_back({surface.handle, {&surface}});
-  // Of several objects with one handle the first counts.
-  std::stable_sort(named_.begin(), named_.end(), [](const Named& a, const Named& b) { return a.handle < b.handle; });
+  addLists();
 
   // Points and triangles by what they cost.
   double whole = 1.0 + 4.0 * static_cast<double>(drawing.points.size());
@@ -177,6 +171,19 @@ PlanScene::PlanScene(const Drawing& drawing, const Progress& progress) : drawing
 }
 
 PlanScene::~PlanScene() = default;
+
+void PlanScene::addLists() {
+  alignments_.clear();
+  sampleLines_.clear();
+  named_.clear();
+  addAlignments(drawing_.siteless);
+  for (const Site& site : drawing_.sites) addAlignments(site);
+  for (const civil::PointGroup& group : drawing_.pointGroups) named_.push_back({group.handle, {&group}});
+  for (const Corridor& corridor : drawing_.corridors) named_.push_back({corridor.handle, {&corridor}});
+  for (const SurfaceObject& surface : drawing_.surfaces) named_.push_back({surface.handle, {&surface}});
+  // Of several objects with one handle the first counts.
+  std::stable_sort(named_.begin(), named_.end(), [](const Named& a, const Named& b) { return a.handle < b.handle; });
+}
 
 void PlanScene::addAlignments(const Site& site) {
   named_.push_back({site.handle, {&site}});
@@ -249,6 +256,11 @@ void PlanScene::refreshCorridors() {
   corridors_.reserve(drawing_.corridors.size());
   for (const Corridor& corridor : drawing_.corridors) corridors_.push_back(shapeOf(corridor));
   measure();
+}
+
+void PlanScene::refreshLists() {
+  addLists();
+  refreshCorridors();
 }
 
 void PlanScene::measure() {

@@ -69,8 +69,8 @@ struct VisiblePoints {
 
 /// What is drawn of a drawing in plan, where its objects lie and what they are called. Built once, which takes a while
 /// for large surfaces and may happen in a worker thread. It holds pointers into the drawing, which must live longer and
-/// keep its lists; only corridors may change. Queries may run in several threads at once, but none beside
-/// refreshCorridors().
+/// keep its lists, but for what refreshCorridors() and refreshLists() take over. Queries may run in several threads at
+/// once, but none beside these two, surfaces apart.
 ///
 ///     PlanScene scene(drawing);
 ///     for (const AlignmentShape& shape : scene.alignments())
@@ -89,6 +89,9 @@ class PlanScene {
   [[nodiscard]] const civil::Drawing& drawing() const { return drawing_; }
   /// After a rebuild: takes the corridors' sections over again. O(points of all sections).
   void refreshCorridors();
+  /// After an edit of the drawing: takes over all lists but those of surfaces and points, which are the same. Nothing may
+  /// be asked between the edit and this. O(objects, points apart).
+  void refreshLists();
 
   // All in drawing order.
   [[nodiscard]] std::span<const AlignmentShape> alignments() const { return alignments_; }
@@ -122,6 +125,7 @@ class PlanScene {
 
  private:
   struct Named;
+  void addLists();
   void addAlignments(const civil::Site& site);
   void addPoints(const Progress& progress);
   void measure();

@@ -76,7 +76,7 @@ ChartSeries ProfileView::seriesOf(const view::ProfileLine& profile, const ChartP
   return series;
 }
 
-void ProfileView::show(const civil::Drawing& drawing, civil::Handle alignment) {
+void ProfileView::show(const civil::Drawing& drawing, civil::Handle alignment, bool keepsPlace) {
   auto model = view::profilesOf(drawing, alignment);
   if (!model) {
     clear();
@@ -118,7 +118,7 @@ void ProfileView::show(const civil::Drawing& drawing, civil::Handle alignment) {
     for (ChartSeries& series : chart.series) series.isShown = true;
   chart.emptyText = model_->profiles.empty() ? tr("Alignment %1 has no profiles.").arg(toQt(model_->alignmentName))
                                              : tr("Nothing of alignment %1 is shown.").arg(toQt(model_->alignmentName));
-  setChart(std::move(chart));
+  setChart(std::move(chart), keepsPlace);
   setSelected(selected_);
 }
 

@@ -18,7 +18,7 @@ class ProfileView final : public ChartView {
   using QWidget::show;
   /// Shows an alignment; 0, or one that the drawing doesn't have, clears. The drawing must live until the view is cleared
   /// or shows another.
-  void show(const civil::Drawing& drawing, civil::Handle alignment);
+  void show(const civil::Drawing& drawing, civil::Handle alignment, bool keepsPlace = false);
   void clear();
   /// 0 while nothing is shown.
   [[nodiscard]] civil::Handle alignment() const { return model_ ? model_->alignment : 0; }

@@ -88,7 +88,7 @@ void SectionView::clear() {
   setChart(std::move(chart));
 }
 
-void SectionView::show(const civil::Drawing& drawing, civil::Handle sampleLine) {
+void SectionView::show(const civil::Drawing& drawing, civil::Handle sampleLine, bool keepsPlace) {
   auto model = view::sectionOf(drawing, sampleLine);
   if (!model) {
     clear();
@@ -142,7 +142,7 @@ void SectionView::show(const civil::Drawing& drawing, civil::Handle sampleLine) 
                         : tr("Sample line %1 lies off every surface that is shown, and no corridor that is shown has a "
                              "section at %2.")
                               .arg(name, station);
-  setChart(std::move(chart));
+  setChart(std::move(chart), keepsPlace);
 }
 
 void SectionView::fillNeighbours() {

@@ -18,7 +18,7 @@ class SectionView final : public ChartView {
   using QWidget::show;
   /// Shows a sample line; 0, or one that the drawing doesn't have, clears. The drawing must live until the view is cleared
   /// or shows another. After a corridor was rebuilt, it is called again.
-  void show(const civil::Drawing& drawing, civil::Handle sampleLine);
+  void show(const civil::Drawing& drawing, civil::Handle sampleLine, bool keepsPlace = false);
   void clear();
   /// 0 while nothing is shown.
   [[nodiscard]] civil::Handle sampleLine() const { return model_ ? model_->sampleLine : 0; }

@@ -3,6 +3,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QScrollBar>
 #include <QTreeView>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -69,6 +70,21 @@ void DrawingTreeModel::setDrawing(const civil::Drawing* drawing) {
   drawing_ = drawing;
   rebuild();
   endResetModel();
+}
+
+void DrawingTreeModel::refresh() {
+  beginResetModel();
+  rebuild();
+  endResetModel();
+}
+
+QString DrawingTreeModel::placeOf(const QModelIndex& index) {
+  QString place;
+  for (QModelIndex row = index; row.isValid(); row = row.parent()) {
+    const auto* const node = static_cast<const Node*>(row.internalPointer());
+    place.prepend(QLatin1Char('/') + (node->handle == 0 ? node->text : QString::number(node->handle)));
+  }
+  return place;
 }
 
 void DrawingTreeModel::setFilter(const QString& text) {
@@ -346,6 +362,43 @@ void DrawingTree::setDrawing(const civil::Drawing* drawing) {
   }
   const QModelIndex sites = model_->index(0, 0);
   if (model_->rowCount(sites) == 1) view_->expand(model_->index(0, 0, sites));
+}
+
+QSet<QString> DrawingTree::openRows() const {
+  QSet<QString> rows;
+  const std::function<void(const QModelIndex&)> look = [&](const QModelIndex& parent) {
+    for (int row = 0; row < model_->rowCount(parent); ++row) {
+      const QModelIndex index = model_->index(row, 0, parent);
+      // What isn't open has rows that nobody made, and whoever makes them looks at the drawing.
+      if (!model_->hasChildren(index) || !view_->isExpanded(index)) continue;
+      rows.insert(DrawingTreeModel::placeOf(index));
+      look(index);
+    }
+  };
+  look({});
+  return rows;
+}
+
+void DrawingTree::openAgain(const QSet<QString>& rows) {
+  const std::function<void(const QModelIndex&)> look = [&](const QModelIndex& parent) {
+    for (int row = 0; row < model_->rowCount(parent); ++row) {
+      const QModelIndex index = model_->index(row, 0, parent);
+      if (!model_->hasChildren(index) || !rows.contains(DrawingTreeModel::placeOf(index))) continue;
+      view_->expand(index);
+      look(index);
+    }
+  };
+  look({});
+}
+
+void DrawingTree::refresh() {
+  revealing_ = true;
+  const QSet<QString> rows = openRows();
+  const int top = view_->verticalScrollBar()->value();
+  model_->refresh();
+  openAgain(rows);
+  view_->verticalScrollBar()->setValue(top);
+  revealing_ = false;
 }
 
 void DrawingTree::filter(const QString& text) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QAbstractItemModel>
+#include <QSet>
+#include <QString>
 #include <QWidget>
 #include <memory>
 #include <vector>
@@ -20,6 +22,8 @@ class DrawingTreeModel : public QAbstractItemModel {
  public:
   /// The object; whether something that the filter found stands below.
   enum Role { HandleRole = Qt::UserRole, LeadsOnRole };
+  /// What stays of a row when the drawing is edited: an object's handle, a heading's text, below those that it stands in.
+  [[nodiscard]] static QString placeOf(const QModelIndex& index);
 
   explicit DrawingTreeModel(QObject* parent = nullptr);
   ~DrawingTreeModel() override;
@@ -28,6 +32,8 @@ class DrawingTreeModel : public QAbstractItemModel {
   void setDrawing(const civil::Drawing* drawing);
   /// Leaves the objects whose name contains `text` in any case, with what they stand in; empty: all.
   void setFilter(const QString& text);
+  /// The drawing's lists were edited.
+  void refresh();
   /// How many objects the filter leaves, up to what is shown.
   [[nodiscard]] std::size_t found() const { return found_; }
   /// The row of an object; invalid where it isn't in the tree.
@@ -61,6 +67,9 @@ class DrawingTree : public QWidget {
   explicit DrawingTree(QWidget* parent = nullptr);
 
   void setDrawing(const civil::Drawing* drawing);
+  /// The drawing was edited: shows it anew, with the find text, what was open and what stood at the top. Its lists may
+  /// have moved: nothing of what was shown before is looked at.
+  void refresh();
   /// Shows where an object stands, without telling that it was selected.
   void reveal(civil::Handle handle);
   void focusFind();
@@ -78,6 +87,8 @@ class DrawingTree : public QWidget {
 
  private:
   void filter(const QString& text);
+  [[nodiscard]] QSet<QString> openRows() const;
+  void openAgain(const QSet<QString>& rows);
 
   QLineEdit* find_;
   QTreeView* view_;

@@ -44,7 +44,7 @@ class PlanView : public QWidget {
   /// Shows all of the scene; null: nothing is shown. Ends a running interaction as Escape does. When it returns, nothing
   /// looks at the scene before, or at its drawing, any more.
   void setScene(std::shared_ptr<view::PlanScene> scene);
-  /// The scene's corridors were refreshed.
+  /// The scene's corridors, or its lists, were refreshed.
   void refresh();
   void setLook(const PlanLook& look);
   [[nodiscard]] const PlanLook& look() const { return look_; }

@@ -157,11 +157,14 @@ bool Document::isQuestion(const QWidget& box) const {
 
 bool Document::settleChanges() {
   if (!asksForChanges_ || !isChanged()) return true;
+  const bool isEdited = session_.drawing()->isEdited();
   QMessageBox box(QMessageBox::Question, tr("Save the drawing?"),
-                  tr("%1 has sections that aren't saved.").arg(QFileInfo(path()).fileName()),
+                  (isEdited ? tr("%1 has changes that aren't saved.") : tr("%1 has sections that aren't saved."))
+                      .arg(QFileInfo(path()).fileName()),
                   QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, &at_.window);
   box.setObjectName(QLatin1String(kSaveQuestion));
-  box.setInformativeText(tr("Without saving, the sections that the GLS report added are lost."));
+  box.setInformativeText(isEdited ? tr("Without saving, what was made and changed in it is lost.")
+                                  : tr("Without saving, the sections that the GLS report added are lost."));
   box.button(QMessageBox::Discard)->setText(tr("&Don't save"));
   box.setDefaultButton(QMessageBox::Save);
   switch (box.exec()) {

@@ -95,6 +95,19 @@ void DrawingViews::refresh() {
   if (at_.section->sampleLine() != 0) at_.section->show(session_.drawing()->drawing(), at_.section->sampleLine());
 }
 
+void DrawingViews::followEdit(civil::Handle about) {
+  if (!scene_) return;
+  const civil::Drawing& drawing = session_.drawing()->drawing();
+  scene_->refreshLists();
+  at_.plan->refresh();
+  at_.tree->refresh();
+  if (const civil::Handle alignment = at_.profile->alignment(); alignment != 0)
+    at_.profile->show(drawing, alignment, true);
+  if (const civil::Handle line = at_.section->sampleLine(); line != 0) at_.section->show(drawing, line, true);
+  const bool isThere = session_.drawing()->index().byHandle(about).has_value();
+  selection_.select(isThere ? about : selection_.handle(), this);
+}
+
 void DrawingViews::refreshDiagnostics() { at_.diagnostics->setDrawing(&session_.drawing()->drawing()); }
 
 void DrawingViews::zoomTo(civil::Handle handle) {

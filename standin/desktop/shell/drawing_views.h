@@ -32,6 +32,8 @@ class DrawingViews : public QObject {
   void clear();
   /// A command may have changed the corridors.
   void refresh();
+  /// The drawing was edited: shows it as it is now, without another zoom, and chooses `about` if it is there.
+  void followEdit(civil::Handle about);
   /// The drawing was saved: what was read of its file is new.
   void refreshDiagnostics();
 

@@ -25,6 +25,7 @@
 #include "desktop/shell/desktop_front_end.h"
 #include "desktop/shell/document.h"
 #include "desktop/shell/drawing_views.h"
+#include "desktop/shell/edits.h"
 #include "desktop/shell/leave_wish.h"
 #include "desktop/shell/long_work.h"
 #include "desktop/shell/look_menus.h"
@@ -58,6 +59,7 @@ MainWindow::MainWindow(const DesktopOptions& options)
                                                   runtime::helpFolder(options.choices.language, options.choices.bin))),
       session_(std::make_unique<Session>(options.choices, *frontEnd_, *work_)),
       place_(std::make_unique<PlaceLine>(*statusBar())),
+      edits_(std::make_unique<Edits>(*this, *session_, *work_)),
       views_(std::make_unique<DrawingViews>(panels_, *place_, *session_, *frontEnd_)),
       recent_(std::make_unique<RecentDrawings>(*settings_)),
       document_(
@@ -92,12 +94,16 @@ MainWindow::MainWindow(const DesktopOptions& options)
 MainWindow::~MainWindow() {
   // The parts go one after the other, the last one first; nobody has to follow that.
   views_->disconnect(this);
+  edits_->disconnect();
   document_->disconnect(this);
 }
 
 void MainWindow::connectDocument() {
   connect(document_.get(), &Document::letGo, views_.get(), &DrawingViews::clear);
   connect(document_.get(), &Document::opened, views_.get(), &DrawingViews::show);
+  connect(document_.get(), &Document::letGo, edits_.get(), &Edits::forget);
+  connect(edits_.get(), &Edits::changed, views_.get(), &DrawingViews::followEdit);
+  connect(edits_.get(), &Edits::changed, this, &MainWindow::updateState);
   connect(document_.get(), &Document::saved, views_.get(), &DrawingViews::refreshDiagnostics);
   connect(document_.get(), &Document::stateChanged, this, &MainWindow::updateState);
   connect(views_.get(), &DrawingViews::selectionChanged, this, &MainWindow::updateState);
@@ -113,6 +119,8 @@ void MainWindow::connectActions() {
   actions_->onTrigger(WindowAction::Save, [this] { document_->save(); });
   actions_->onTrigger(WindowAction::SaveAs, [this] { document_->askSaveAs(); });
   actions_->onTrigger(WindowAction::Quit, [this] { close(); });
+  actions_->onTrigger(WindowAction::Undo, [this] { edits_->undo(); });
+  actions_->onTrigger(WindowAction::Redo, [this] { edits_->redo(); });
   actions_->onTrigger(WindowAction::ZoomAll, [this] { panels_.plan->zoomToAll(); });
   actions_->onTrigger(WindowAction::ZoomSelection, [this] { views_->zoomToSelection(); });
   actions_->onTrigger(WindowAction::Find, [this] {
@@ -191,7 +199,8 @@ void MainWindow::applyLook() {
 void MainWindow::updateState() {
   const bool isOpen = document_->isOpen();
   const bool isChanged = document_->isChanged();
-  actions_->update({!document_->isBusy(), isOpen, isChanged, views_->selection().handle() != 0});
+  actions_->update({!document_->isBusy(), isOpen, isChanged, views_->selection().handle() != 0, edits_->undoName(),
+                    edits_->redoName()});
   setWindowTitle(isOpen ? tr("%1[*] – lvxhost-desktop").arg(QFileInfo(document_->path()).fileName())
                         : QStringLiteral("lvxhost-desktop"));
   setWindowModified(isChanged);

@@ -17,6 +17,7 @@ class CommandPrompt;
 class DesktopFrontEnd;
 class Document;
 class DrawingViews;
+class Edits;
 class LeaveWish;
 class LongWork;
 class PlaceLine;
@@ -37,6 +38,7 @@ class WindowActions;
 /// - Document: open, save, what others do to the file
 /// - DrawingViews: plan, tree, charts over one drawing and one selection
 /// - CommandPrompt: what is typed
+/// - Edits: what the user changes in the drawing, to be undone and redone
 /// - Session, DesktopFrontEnd, LongWork: the module's commands, their questions, their progress
 /// - ReportOutcome: what came of a command
 class MainWindow : public QMainWindow {
@@ -48,6 +50,7 @@ class MainWindow : public QMainWindow {
   /// See Document::open.
   void openDrawing(const QString& path);
   [[nodiscard]] Session& session() { return *session_; }
+  [[nodiscard]] Edits& edits() { return *edits_; }
   [[nodiscard]] PlanView& plan() { return *panels_.plan; }
   [[nodiscard]] ConsoleView& console() { return *panels_.console; }
   /// Closes without questions, as a session's end asks for.
@@ -84,6 +87,7 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<DesktopFrontEnd> frontEnd_;
   std::unique_ptr<Session> session_;
   std::unique_ptr<PlaceLine> place_;
+  std::unique_ptr<Edits> edits_;
   std::unique_ptr<DrawingViews> views_;
   std::unique_ptr<RecentDrawings> recent_;
   std::unique_ptr<Document> document_;

@@ -59,6 +59,12 @@ void Session::open(runtime::OpenDrawingRef drawing) {
   loadModule();
 }
 
+void Session::freeDrawing() {
+  if (!std::exchange(mayHold_, false)) return;
+  module_.reset();
+  loadModule();
+}
+
 QStringList Session::commands() const {
   QStringList names;
   for (const runtime::RegisteredCommand& command : host_->commands().commands()) names << toQt(command.localName);
@@ -83,6 +89,7 @@ CommandReport Session::run(const QString& name) {
   const std::size_t before = host_->journal().events().size();
   host_->journal().forgetMissing();
   running_ = name;
+  mayHold_ = true;
   Q_EMIT commandStarted(name);
   {
     const LongWork::Run run(work_, name);

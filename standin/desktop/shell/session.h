@@ -47,6 +47,8 @@ class Session : public QObject {
 
   /// Opens a drawing in place of the one that was open; not while a command runs.
   void open(runtime::OpenDrawingRef drawing);
+  /// Makes the module let go of what it keeps of the open drawing, which may be edited then; not while a command runs.
+  void freeDrawing();
   /// Empty where none is open.
   [[nodiscard]] const runtime::OpenDrawingRef& drawing() const { return host_->openDrawing(); }
 
@@ -75,6 +77,8 @@ class Session : public QObject {
   std::optional<runtime::CommandRunner> runner_;
   QString moduleProblem_;
   QString running_;
+  /// A command ran since the module was loaded.
+  bool mayHold_ = false;
 };
 
 }  // namespace lvx::desktop

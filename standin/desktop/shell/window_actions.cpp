@@ -23,11 +23,12 @@ namespace {
 constexpr int kToolSide = 24;
 
 /// What has to hold for an action: bits.
-enum Need : unsigned { Nothing = 0, Idle = 1, Open = 2, Changes = 4, Selection = 8 };
+enum Need : unsigned { Nothing = 0, Idle = 1, Open = 2, Changes = 4, Selection = 8, Undoable = 16, Redoable = 32 };
 
 unsigned heldBy(const WindowState& state) {
   return (state.isIdle ? Idle : 0U) | (state.isOpen ? Open : 0U) | (state.isChanged ? Changes : 0U) |
-         (state.hasSelection ? Selection : 0U);
+         (state.hasSelection ? Selection : 0U) | (state.undo.isEmpty() ? 0U : Undoable) |
+         (state.redo.isEmpty() ? 0U : Redoable);
 }
 
 bool areMet(unsigned needs, const WindowState& state) { return (needs & ~heldBy(state)) == 0; }
@@ -60,6 +61,12 @@ const std::vector<Row>& rows() {
        Qt::CTRL | Qt::SHIFT | Qt::Key_S, Open | Idle, true},
       {WindowAction::Quit, "quit", "quit", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Quit"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Close the program"), Qt::CTRL | Qt::Key_Q, Nothing, true},
+      {WindowAction::Undo, "undo", "undo", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Undo"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Take back the last change of the drawing"),
+       Qt::CTRL | Qt::Key_Z, Idle | Undoable, false},
+      {WindowAction::Redo, "redo", "redo", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Redo"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Make the change again that was taken back"),
+       Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Idle | Redoable, false},
       {WindowAction::ZoomAll, "zoomAll", "zoom_all", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Zoom to &all"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Show the whole drawing"), Qt::CTRL | Qt::Key_0, Open, false},
       {WindowAction::ZoomSelection, "zoomSelection", "zoom_selection",
@@ -92,6 +99,7 @@ WindowActions::WindowActions(QMainWindow& window, QSettings& settings, std::opti
     actions_[static_cast<std::size_t>(row.action)] =
         add(QString::fromLatin1(row.name), QString::fromLatin1(row.icon), tr(row.text), tr(row.tip), row.keys);
   buildFileMenu();
+  buildEditMenu();
   buildViewMenu(settings, askedScheme);
   reportMenu_ = window_.menuBar()->addMenu(tr("&Reports"));
   reportMenu_->setObjectName(QStringLiteral("reportMenu"));
@@ -127,6 +135,13 @@ void WindowActions::buildFileMenu() {
   menu->addAction(at(WindowAction::SaveAs));
   menu->addSeparator();
   menu->addAction(at(WindowAction::Quit));
+}
+
+void WindowActions::buildEditMenu() {
+  QMenu* const menu = window_.menuBar()->addMenu(tr("&Edit"));
+  menu->setObjectName(QStringLiteral("editMenu"));
+  menu->addAction(at(WindowAction::Undo));
+  menu->addAction(at(WindowAction::Redo));
 }
 
 void WindowActions::buildViewMenu(QSettings& settings, std::optional<Scheme> askedScheme) {
@@ -167,6 +182,9 @@ void WindowActions::buildTools() {
   }
   tools_->addAction(at(WindowAction::Save));
   tools_->addAction(at(WindowAction::SaveAs));
+  tools_->addSeparator();
+  tools_->addAction(at(WindowAction::Undo));
+  tools_->addAction(at(WindowAction::Redo));
   tools_->addSeparator();
   tools_->addAction(at(WindowAction::ZoomAll));
   tools_->addAction(at(WindowAction::ZoomSelection));
@@ -210,6 +228,13 @@ void WindowActions::update(const WindowState& state) {
   for (const Row& row : rows()) at(row.action)->setEnabled(areMet(row.needs, state));
   for (QAction* const command : commands_) command->setEnabled(areMet(kCommandNeeds, state));
   recentMenu_->setEnabled(state.isIdle);
+  // An "&" in a name is no access key.
+  const auto named = [](const QString& text, const QString& name) {
+    return name.isEmpty() ? text
+                          : QStringLiteral("%1: %2").arg(text, QString(name).replace(u'&', QStringLiteral("&&")));
+  };
+  at(WindowAction::Undo)->setText(named(tr("&Undo"), state.undo));
+  at(WindowAction::Redo)->setText(named(tr("&Redo"), state.redo));
 }
 
 }  // namespace lvx::desktop

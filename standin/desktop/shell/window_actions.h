@@ -31,6 +31,8 @@ enum class WindowAction : std::uint8_t {
   Save,
   SaveAs,
   Quit,
+  Undo,
+  Redo,
   ZoomAll,
   ZoomSelection,
   Find,
@@ -46,6 +48,9 @@ struct WindowState {
   bool isOpen = false;
   bool isChanged = false;
   bool hasSelection = false;
+  /// What would be undone and redone; empty for nothing.
+  QString undo;
+  QString redo;
 };
 
 /// The window's actions, by menus, tools, keys and the status line's words. A new one is a row of the table in
@@ -77,6 +82,7 @@ class WindowActions : public QObject {
                const QKeySequence& keys);
   [[nodiscard]] QAction* at(WindowAction action) const { return actions_[static_cast<std::size_t>(action)]; }
   void buildFileMenu();
+  void buildEditMenu();
   void buildViewMenu(QSettings& settings, std::optional<Scheme> askedScheme);
   void buildHelpMenu();
   void buildTools();

@@ -453,6 +453,14 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <source>Save &amp;as…</source>
         <translation>Speichern &amp;unter…</translation>
     </message>
+    <message>
+        <source>%1 has changes that aren&apos;t saved.</source>
+        <translation>%1 hat Änderungen, die nicht gespeichert sind.</translation>
+    </message>
+    <message>
+        <source>Without saving, what was made and changed in it is lost.</source>
+        <translation>Ohne Speichern geht verloren, was darin angelegt und geändert wurde.</translation>
+    </message>
 </context>
 <context>
     <name>lvx::desktop::DrawingLoader</name>
@@ -564,6 +572,17 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
             <numerusform>%n Abschnitt</numerusform>
             <numerusform>%n Abschnitte</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::Edits</name>
+    <message>
+        <source>The drawing can&apos;t be changed so</source>
+        <translation>Die Zeichnung lässt sich so nicht ändern</translation>
+    </message>
+    <message>
+        <source>“%1” can&apos;t be done.</source>
+        <translation>„%1“ ist nicht möglich.</translation>
     </message>
 </context>
 <context>
@@ -1191,6 +1210,26 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>%1 (%2)</source>
         <translation>%1 (%2)</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>&amp;Rückgängig</translation>
+    </message>
+    <message>
+        <source>Take back the last change of the drawing</source>
+        <translation>Die letzte Änderung der Zeichnung zurücknehmen</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>Make the change again that was taken back</source>
+        <translation>Die zurückgenommene Änderung wieder ausführen</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>B&amp;earbeiten</translation>
     </message>
 </context>
 </TS>
