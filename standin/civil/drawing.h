@@ -40,6 +40,8 @@ struct SampleLine {
 struct SampleLineGroup {
   Handle handle = 0;
   std::string name;
+  /// Its name in its file where it is called otherwise here, since another object has that name (sibling_names.h).
+  std::optional<std::string> nameInFile;
   std::string description;
   std::vector<SampleLine> lines;
   FileNumber file = 0;
@@ -48,6 +50,7 @@ struct SampleLineGroup {
 struct ProfileObject {
   Handle handle = 0;
   std::string name;
+  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
   std::string description;
   Profile profile;
   FileNumber file = 0;
@@ -64,6 +67,7 @@ struct StationEquation {
 struct AlignmentObject {
   Handle handle = 0;
   std::string name;
+  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
   std::string description;
   Alignment geometry;
   std::vector<ProfileObject> profiles;
@@ -83,6 +87,7 @@ struct Site {
 struct SurfaceObject {
   Handle handle = 0;
   std::string name;
+  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
   std::string description;
   TinSurface surface;
   FileNumber file = 0;
@@ -103,6 +108,7 @@ struct Point {
 struct PointGroup {
   Handle handle = 0;
   std::string name;
+  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
   std::string description;
   /// Numbers in file order; a number may stand in many groups.
   std::vector<std::int32_t> numbers;

@@ -11,6 +11,7 @@
 
 #include "civil/drawing_edit.h"
 #include "civil/each_object.h"
+#include "civil/sibling_names.h"
 
 namespace lvx::civil {
 
@@ -227,6 +228,9 @@ void addDrawing(Drawing& whole, Drawing added, AddedFile file) {
   moveBehind(whole.corridors, added.corridors);
   moveBehind(whole.diagnostics, added.diagnostics);
   whole.addedFiles.push_back(std::move(file));
+  tellSiblingsApart(whole, [&](const std::string& text, Handle object, FileNumber of) {
+    whole.diagnostics.push_back({Severity::Warning, text, 0, of, object});
+  });
 }
 
 }  // namespace lvx::civil

@@ -20,7 +20,7 @@ void scaleLengths(Drawing& drawing, double factor);
 /// one), alignments, surfaces, points, groups, corridors.
 ///
 /// Handles of `added` move up by a round number, so that they are unique over all and a file's own can be told from them
-/// (AddedFile::handleBase). A point whose number is taken gets the next free number above the largest, and so do its
+/// (AddedFile::handleBase). Objects of `added` that have the name of a sibling get another one (sibling_names.h). A point whose number is taken gets the next free number above the largest, and so do its
 /// entries in the groups of its file; a diagnostic tells each. O(n log n).
 ///
 /// Units are the caller's business: lengths of both are in one unit already, `file.lengthFactor` says how. Throws

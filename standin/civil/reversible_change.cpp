@@ -221,12 +221,16 @@ class ChangeSampleLineGroup final : public ReversibleChange {
         throw EditError("there is a sample line group '" + *name_ + "' of alignment '" + alignment.name + "' already");
   }
   void swap(SampleLineGroup& group) {
-    if (name_) std::swap(group.name, *name_);
+    if (name_) {
+      std::swap(group.name, *name_);
+      std::swap(group.nameInFile, nameInFile_);
+    }
     if (lines_) std::swap(group.lines, *lines_);
   }
 
   Handle handle_;
   std::optional<std::string> name_;
+  std::optional<std::string> nameInFile_;  // a name that a person chose is the file's as well
   std::optional<std::vector<SampleLine>> lines_;
   bool hasHandles_ = false;
 };

@@ -7,6 +7,7 @@
 #include <pugixml.hpp>
 
 #include "civil/drawing_files.h"
+#include "civil/sibling_names.h"
 #include "landxml/detail/context.h"
 #include "landxml/detail/corridor_reader.h"
 #include "landxml/detail/geometry_reader.h"
@@ -140,6 +141,11 @@ civil::Drawing readScanned(ScannedDocument& scanned, pugi::xml_document& tree, s
   const std::vector<AlignmentRecord> alignments = readAlignments(context);
   readCorridors(context, alignments);
   readSurfaces(context, scanned.definitions, lengthFactor, goOn);
+  // Behind all that goes by the file's names.
+  civil::tellSiblingsApart(drawing, [&](const std::string& text, civil::Handle ticket, civil::FileNumber) {
+    const Context::Subject subject(context, ticket);
+    context.warn(context.nodeOf(ticket), text);
+  });
   context.settleHandles();
   if (lengthFactor != 1.0) civil::scaleLengths(drawing, lengthFactor);
   return drawing;

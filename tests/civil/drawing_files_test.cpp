@@ -44,9 +44,11 @@ Drawing fileWith(const std::string& site, const std::string& alignment) {
   axis.sampleLineGroups[0].lines = {{0x104, "line", 110.0, {{0, 1}, {2, 3}}}};
   drawing.surfaces.resize(1);
   drawing.surfaces[0].handle = 0x105;
+  drawing.surfaces[0].name = alignment;
   drawing.points = {point(0x106, 1), point(0x107, 2)};
   drawing.pointGroups.resize(1);
   drawing.pointGroups[0].handle = 0x108;
+  drawing.pointGroups[0].name = alignment;
   drawing.pointGroups[0].numbers = {2, 1};
   drawing.corridors.resize(1);
   drawing.corridors[0].handle = 0x109;

@@ -220,6 +220,39 @@ TEST(Reader, EachDiagnosticKnowsTheObjectThatItIsAbout) {
   }
 }
 
+TEST(Reader, TellsSiblingsOfOneNameApartAndSaysWhere) {
+  const std::string line = "<CoordGeom><Line><Start>0 0</Start><End>100 0</End></Line></CoordGeom>";
+  const auto drawing = read(metric(
+      "<Alignments name=\"S\"><Alignment name=\"Bridge\" staStart=\"0\">" + line +
+      "<Profile>\n<ProfSurf name=\"Bridge\"><PntList2D>0 120 100 121</PntList2D></ProfSurf>\n<ProfAlign "
+      "name=\"Bridge\"><PVI>0 123</PVI><PVI>100 124</PVI></ProfAlign></Profile><CrossSects><CrossSect sta=\"50\">"
+      "<DesignCrossSectSurf name=\"Deck\"><Feature><Property label=\"profAlignRefs\" value=\"Bridge\"/></Feature>"
+      "<CrossSectPnt>0 123.5</CrossSectPnt></DesignCrossSectSurf></CrossSect><Feature><Property "
+      "label=\"profAlignRefs\" value=\"Bridge\"/></Feature></CrossSects></Alignment></Alignments>"
+      "<Alignments name=\"S\"><Alignment name=\"Bridge\" staStart=\"0\">" +
+      line + "</Alignment></Alignments><Roadways><Roadway name=\"R\" alignmentRefs=\"Bridge\"/></Roadways>"));
+  ASSERT_EQ(drawing.sites.size(), 1U);
+  const auto& alignments = drawing.sites[0].alignments;
+  ASSERT_EQ(alignments.size(), 2U);
+  EXPECT_EQ(alignments[1]->name, "Bridge (2)");
+  EXPECT_EQ(alignments[1]->nameInFile, "Bridge");
+  ASSERT_EQ(alignments[0]->profiles.size(), 2U);
+  EXPECT_EQ(alignments[0]->profiles[0].name, "Bridge");
+  EXPECT_TRUE(alignments[0]->profiles[0].profile.isGround());
+  EXPECT_EQ(alignments[0]->profiles[1].name, "Bridge (2)");
+  EXPECT_THAT(diagnosticsOf(drawing),
+              HasSubstr("3: alignment 'Bridge': design profile 'Bridge': another profile before "
+                        "it has that name; it is called 'Bridge (2)' here"));
+  ASSERT_EQ(drawing.diagnostics.size(), 2U) << diagnosticsOf(drawing);
+  EXPECT_EQ(drawing.diagnostics[0].object, alignments[1]->handle);
+  EXPECT_EQ(drawing.diagnostics[1].object, alignments[0]->profiles[1].handle);
+  // What the file refers to by that name is the first alignment and the design profile, as ever.
+  ASSERT_EQ(drawing.corridors.size(), 1U);
+  EXPECT_EQ(drawing.corridors[0].name, "R");
+  EXPECT_EQ(drawing.corridors[0].baselines.at(0).alignment, alignments[0].get());
+  EXPECT_EQ(drawing.corridors[0].baselines[0].profile, &alignments[0]->profiles[1]);
+}
+
 TEST(Reader, SaysHowManyDiagnosticsItDoesntList) {
   std::string points = "<CgPoints>";
   for (int i = 0; i < 10'004; ++i) points += "<CgPoint name=\"1\">0 0 0</CgPoint>";

@@ -432,6 +432,22 @@ TEST_F(Saving, KeepsTwoCorridorsThatOneRoadwayNames) {
   EXPECT_EQ(differenceAfterSaving(drawing, source_, target_), "");
 }
 
+TEST_F(Saving, LeavesObjectsOfOneNameTheirsInTheFile) {
+  std::string bytes = replaced(otherCorridor(), "name=\"B\"", "name=\"A\"");
+  bytes = replaced(bytes, "<ProfAlign name=\"FG\">", "<ProfAlign name=\"EG\">");
+  bytes = replaced(bytes, "<ProfSurf name=\"EG\"><PntList2D>0 9 200 19</PntList2D></ProfSurf></Profile>", "</Profile>");
+  bytes = replaced(bytes, "<Profile>", "<Profile><ProfSurf name=\"EG\"><PntList2D>0 9 200 19</PntList2D></ProfSurf>");
+  civil::Drawing drawing = open(bytes);
+  ASSERT_EQ(drawing.corridors.size(), 2U);
+  ASSERT_EQ(drawing.corridors[1].baselines.at(0).alignment->name, "A (2)");
+  ASSERT_EQ(drawing.corridors[0].baselines.at(0).profile->name, "EG (2)");
+  civil::addStation(regionOf(drawing, 0), 50.0, "Mid");
+  civil::addStation(regionOf(drawing, 1), 10.0, "End");
+  rebuildAll(drawing);
+  EXPECT_EQ(differenceAfterSaving(drawing, source_, target_), "");
+  EXPECT_THAT(bytesOf(target_), ::testing::Not(HasSubstr("(2)")));
+}
+
 TEST_F(Saving, GivesARegionItsOwnSectionsWhereTwoRegionsShareThem) {
   const std::string shared =
       replaced(ownCorridor(), "label=\"crossSects\" value=\"Bare\"", "label=\"crossSects\" value=\"Main | BL | R1\"");

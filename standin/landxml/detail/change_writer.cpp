@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "civil/section_shape.h"
+#include "civil/sibling_names.h"
 #include "landxml/detail/context.h"
 #include "landxml/detail/numbers.h"
 #include "landxml/detail/section_markup.h"
@@ -285,10 +286,11 @@ void ChangeWriter::adoptCorridor(std::size_t index) {
   for (const civil::Baseline& baseline : corridor.baselines) {
     ensureHandle(nodeOf(baseline.alignment->handle), baseline.alignment->handle);
     std::vector<std::pair<std::string, std::string>> properties{
-        {"alignment", baseline.alignment->name}, {"alignmentHandle", text::handleText(baseline.alignment->handle)}};
+        {"alignment", civil::savedName(*baseline.alignment)},
+        {"alignmentHandle", text::handleText(baseline.alignment->handle)}};
     if (baseline.profile != nullptr) {
       ensureHandle(nodeOf(baseline.profile->handle), baseline.profile->handle);
-      properties.emplace_back("profile", baseline.profile->name);
+      properties.emplace_back("profile", civil::savedName(*baseline.profile));
       properties.emplace_back("profileHandle", text::handleText(baseline.profile->handle));
     }
     Markup line = markup_.featureMarkup(root_, baseline.name, "lvx_baseline", properties);
@@ -305,7 +307,7 @@ void ChangeWriter::adoptCorridor(std::size_t index) {
   // Right behind its alignment's collection, where its place in the order of corridors is.
   const pugi::xml_node alignments = nodeOf(alignment.handle).parent();
   Markup roadway{FileEditor::nameLike(root_, "Roadway"),
-                 {{"name", corridor.name}, {"alignmentRefs", alignment.name}},
+                 {{"name", corridor.name}, {"alignmentRefs", civil::savedName(alignment)}},
                  {std::move(ours)},
                  false};
   auto& roadways = newRoadways_[alignments.offset_debug()];

@@ -97,6 +97,7 @@ class Context {
   void settleHandles();
   /// Place of the object with that ticket in the document.
   [[nodiscard]] std::ptrdiff_t positionOf(civil::Handle ticket) const { return tickets_[ticket - 1].position; }
+  [[nodiscard]] pugi::xml_node nodeOf(civil::Handle ticket) const { return tickets_[ticket - 1].node; }
 
  private:
   struct Ticket {
