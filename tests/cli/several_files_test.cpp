@@ -9,6 +9,7 @@
 
 #include "cli/failure.h"
 #include "cli/job_file.h"
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace lvx::cli {
@@ -54,7 +55,7 @@ class SeveralFiles : public testing::Test {
  protected:
   [[nodiscard]] RunResult run(std::vector<std::string> arguments) {
     test::RunRequest request;
-    request.program = fs::path(LVX_BINARY_DIR) / "bin" / "lvxhost";
+    request.program = test::inBuild("/bin/lvxhost");
     request.folder = folder_.path();
     request.arguments = std::move(arguments);
     request.environment = {{"SOURCE_DATE_EPOCH", "86400"}};
