@@ -13,7 +13,6 @@ namespace lvx::services {
 
 namespace {
 
-constexpr wchar_t kMessageFile[] = L"LVX_MIRELREPORT.txt";
 /// Room for a found path, its closing zero included.
 constexpr std::size_t kLargestPath = 2048;
 /// A line is read in pieces of this size less one; a longer one goes on as a line of its own.

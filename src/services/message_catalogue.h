@@ -15,6 +15,9 @@ namespace lvx::services {
 
 using framework::CString;
 
+/// The module's message file, which is looked for in the host's support paths.
+inline constexpr const wchar_t* kMessageFile = L"LVX_MIRELREPORT.txt";
+
 /// Every word that a user reads, by number, from one plain text file beside the module. One instance serves the whole
 /// module: getMessage builds it at the first lookup, whether or not the file could be read, and never again.
 ///

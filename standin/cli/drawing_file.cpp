@@ -103,15 +103,33 @@ std::string diagnosticText(const civil::Drawing& drawing, const civil::Diagnosti
   return text + ": " + diagnostic.text;
 }
 
+namespace {
+
+/// Of many diagnostics as many are told.
+constexpr std::size_t kMostTold = 10;
+
+}  // namespace
+
 void tellDiagnostics(const civil::Drawing& drawing) {
-  constexpr std::size_t kMost = 10;
   std::size_t told = 0;
   for (const civil::Diagnostic& diagnostic : drawing.diagnostics) {
     if (diagnostic.severity == civil::Severity::Note) continue;
-    if (++told <= kMost) tell(diagnosticText(drawing, diagnostic) + "\n");
+    if (++told <= kMostTold) tell(diagnosticText(drawing, diagnostic) + "\n");
   }
-  if (told > kMost)
-    tell(drawing.path + ": " + std::to_string(told - kMost) + " more warnings; 'lvxhost info' lists all of them\n");
+  if (told > kMostTold)
+    tell(drawing.path + ": " + std::to_string(told - kMostTold) + " more warnings; 'lvxhost info' lists all of them\n");
+}
+
+void tellDiagnostics(const civil::Drawing& drawing, const advice::SortedDiagnostics& diagnostics) {
+  const std::size_t told = std::min(kMostTold, diagnostics.ofReport.size());
+  for (std::size_t i = 0; i < told; ++i) tell(diagnosticText(drawing, *diagnostics.ofReport[i]) + "\n");
+  const std::size_t others = diagnostics.ofReport.size() - told + diagnostics.others;
+  if (others == 0) return;
+  tell(drawing.path + ": " + (told > 0 ? "and " : "") + std::to_string(others) +
+       (told > 0 ? (others == 1 ? " other warning" : " other warnings")
+                 : (others == 1 ? " warning, of nothing that the report uses"
+                                : " warnings, of nothing that the report uses")) +
+       "; 'lvxhost info' lists all of them\n");
 }
 
 }  // namespace lvx::cli

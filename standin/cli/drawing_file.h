@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "advice/report_advice.h"
 #include "civil/drawing.h"
 #include "options/options.h"
 
@@ -20,5 +21,8 @@ void saveDrawing(civil::Drawing& drawing, const std::string& target, options::Pr
 
 /// Warnings and errors of the reader on standard error; of many the first ones and how many more there are.
 void tellDiagnostics(const civil::Drawing& drawing);
+
+/// Those of a report's objects on standard error, of many the first ones, and how many others there are.
+void tellDiagnostics(const civil::Drawing& drawing, const advice::SortedDiagnostics& diagnostics);
 
 }  // namespace lvx::cli

@@ -29,12 +29,18 @@ void tellGaps(const civil::Drawing& drawing, const civil::AlignmentObject& align
 }
 
 std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const options::ReportOptions& options, bool quiet,
-                                 const std::vector<DialogStep>& closing) {
+                                 const std::vector<DialogStep>& closing, advice::ReportObjects& objects) {
   using Kind = DialogStep::Kind;
   const FoundAlignment found = findAlignment(drawing, options.alignment, options.site);
   const civil::ProfileObject& profile = findProfile(*found.alignment, options.profile);
   const civil::SampleLineGroup& group = findGroup(*found.alignment, options.group);
   if (!quiet) tellGaps(drawing, *found.alignment, profile);
+
+  objects.report = advice::Report::Gls;
+  objects.site = found.site;
+  objects.alignment = found.alignment;
+  objects.profile = &profile;
+  objects.group = &group;
 
   // The profile comes after the alignment: choosing that one puts a corridor's name in the profile's place.
   std::vector<DialogStep> steps = alignmentSteps(drawing, found);
@@ -52,12 +58,13 @@ options::ExitCode runGls(const options::Options& options) {
   return runReport(
       options, L"lvx_Report_GLS",
       [&](const runtime::OpenDrawing& drawing, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
-        frontEnd.steps().expect(host::kGlsDialog,
-                                {stepsFor(drawing.drawing(), options.report, options.common.quiet, closing)});
+        PlannedReport planned;
+        frontEnd.steps().expect(host::kGlsDialog, {stepsFor(drawing.drawing(), options.report, options.common.quiet,
+                                                            closing, planned.objects)});
         frontEnd.steps().expect(
             host::kAddSectionsDialog,
             {{{DialogStep::Kind::Click, options.report.addSections ? host::kIdOk : host::kIdCancel, 0, {}}}});
-        return std::string();
+        return planned;
       });
 }
 

@@ -22,10 +22,13 @@ void tellWithoutElevation(std::size_t count) {
 
 /// Chooses a group in the dialog; the sentence for a report without rows.
 std::string planGroup(const runtime::OpenDrawing& drawing, const std::string& name, bool quiet,
-                      std::vector<DialogStep>& steps) {
+                      std::vector<DialogStep>& steps, advice::ReportObjects& objects) {
   const civil::PointGroup& group = findPointGroup(drawing.drawing(), name);
   steps.push_back({DialogStep::Kind::SelectRow, host::kIdPointGroups, rowOf(drawing.drawing().pointGroups, &group),
                    fromUtf8(group.name)});
+  objects.pointGroup = &group;
+  for (const std::int32_t number : group.numbers)
+    if (const civil::Point* point = drawing.index().pointByNumber(number)) objects.points.push_back(point);
   if (!quiet) {
     tellWithoutElevation(static_cast<std::size_t>(
         std::count_if(group.numbers.begin(), group.numbers.end(), [&drawing](std::int32_t number) {
@@ -39,7 +42,7 @@ std::string planGroup(const runtime::OpenDrawing& drawing, const std::string& na
 
 /// Picks points before the dialog opens for good; it then opens with them chosen.
 std::string planPicked(const runtime::OpenDrawing& drawing, const std::vector<NumberRange>& numbers, bool quiet,
-                       CommandLineFrontEnd& frontEnd) {
+                       CommandLineFrontEnd& frontEnd, advice::ReportObjects& objects) {
   std::vector<civil::Handle> handles = handlesOfPoints(drawing.index(), numbers);
   if (!quiet) {
     tellWithoutElevation(
@@ -47,6 +50,8 @@ std::string planPicked(const runtime::OpenDrawing& drawing, const std::vector<Nu
           return !drawing.index().byHandle(handle)->as<civil::Point>()->hasElevation;
         })));
   }
+  for (const civil::Handle handle : handles)
+    objects.points.push_back(drawing.index().byHandle(handle)->as<civil::Point>());
   frontEnd.selectPoints(std::move(handles));
   return "nothing was written: the report found none of the points";
 }
@@ -60,20 +65,24 @@ options::ExitCode runPoints(const options::Options& options) {
   return runReport(
       options, L"lvx_Report_Points",
       [&](const runtime::OpenDrawing& drawing, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
-        std::vector<DialogStep> steps =
-            alignmentSteps(drawing.drawing(), findAlignment(drawing.drawing(), report.alignment, report.site));
+        const FoundAlignment found = findAlignment(drawing.drawing(), report.alignment, report.site);
+        std::vector<DialogStep> steps = alignmentSteps(drawing.drawing(), found);
+        PlannedReport planned;
+        planned.objects.report = advice::Report::Points;
+        planned.objects.site = found.site;
+        planned.objects.alignment = found.alignment;
         std::vector<std::vector<DialogStep>> openings;
-        std::string withoutRows;
         if (report.points) {
           openings.push_back({{DialogStep::Kind::Click, host::kIdPickPoints, 0, {}}});
-          withoutRows = planPicked(drawing, numbers, options.common.quiet, frontEnd);
+          planned.nothingWritten = planPicked(drawing, numbers, options.common.quiet, frontEnd, planned.objects);
         } else {
-          withoutRows = planGroup(drawing, report.pointGroup.value(), options.common.quiet, steps);
+          planned.nothingWritten =
+              planGroup(drawing, report.pointGroup.value(), options.common.quiet, steps, planned.objects);
         }
         steps.insert(steps.end(), closing.begin(), closing.end());
         openings.push_back(std::move(steps));
         frontEnd.steps().expect(host::kPointsDialog, std::move(openings));
-        return withoutRows;
+        return planned;
       });
 }
 

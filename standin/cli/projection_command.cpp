@@ -13,7 +13,7 @@ using platform::fromUtf8;
 namespace {
 
 std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const options::ReportOptions& options,
-                                 const std::vector<DialogStep>& closing) {
+                                 const std::vector<DialogStep>& closing, advice::ReportObjects& objects) {
   using Kind = DialogStep::Kind;
   const FoundAlignment found = findAlignment(drawing, options.alignment, options.site);
   const civil::SampleLineGroup& group = findGroup(*found.alignment, options.group);
@@ -22,6 +22,12 @@ std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const options::R
     say("sample line group '" + group.name + "' holds no sample lines: the reports have their header alone");
   if (surface.surface.isEmpty())
     say("surface '" + surface.name + "' holds no triangles: the reports have headings without rows");
+
+  objects.report = advice::Report::Projection;
+  objects.site = found.site;
+  objects.alignment = found.alignment;
+  objects.group = &group;
+  objects.surface = &surface;
 
   std::vector<DialogStep> steps = alignmentSteps(drawing, found);
   steps.push_back({Kind::SelectRow, host::kIdSampleLineGroups, rowOf(found.alignment->sampleLineGroups, &group),
@@ -37,8 +43,10 @@ options::ExitCode runProjection(const options::Options& options) {
   return runReport(
       options, L"lvx_Report_Que",
       [&](const runtime::OpenDrawing& drawing, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
-        frontEnd.steps().expect(host::kProjectionDialog, {stepsFor(drawing.drawing(), options.report, closing)});
-        return std::string();
+        PlannedReport planned;
+        frontEnd.steps().expect(host::kProjectionDialog,
+                                {stepsFor(drawing.drawing(), options.report, closing, planned.objects)});
+        return planned;
       });
 }
 

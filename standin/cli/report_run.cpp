@@ -7,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "advice/exception_advice.h"
 #include "cli/drawing_file.h"
 #include "cli/failure.h"
 #include "cli/host_setup.h"
@@ -84,6 +85,25 @@ std::string runModuleCommand(runtime::StandinHost& host, const options::CommonOp
   }
 }
 
+/// What the user should know of the report's objects before the command runs.
+void tellAdvice(runtime::StandinHost& host, const options::CommonOptions& common, const std::string& stem,
+                const advice::ReportObjects& objects) {
+  const civil::Drawing& drawing = host.openDrawing()->drawing();
+  tellDiagnostics(drawing, advice::diagnosticsOf(drawing, objects));
+  const advice::Forms forms{common.writes("txt"), common.writes("xls"), common.writes("html")};
+  for (const std::string& warning : advice::warnings(drawing, objects, stem, forms, host.platform()))
+    say("warning: " + warning);
+}
+
+/// Behind the technical text of an exception: what the user can change.
+void tellWhatToChange(runtime::StandinHost& host, const advice::ReportObjects& objects, const std::string& stem) {
+  for (const std::string& sentence : advice::whatToChange(objects, advice::messagesOf(host))) say(sentence);
+  const std::string workbook = stem + ".xls";
+  if (const auto* event = host.journal().last(workbook); event != nullptr && event->fate == runtime::FileFate::Failed)
+    say("the command ends where its workbook can't be saved, so that a page behind it is missing too; make '" +
+        workbook + "' a place that can be written, or leave the workbook out by --forms");
+}
+
 bool nothingHappened(const runtime::StandinHost& host, const CommandLineFrontEnd& frontEnd,
                      const std::vector<Expected>& expected) {
   if (frontEnd.questions() > 0) return false;
@@ -115,9 +135,18 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, cons
   CommandLineFrontEnd frontEnd(common.overwriteMode(), runtime::helpFolder(common.host.language));
   const auto host = makeHost(frontEnd, common);
   civil::Drawing drawing = loadDrawing(options);
-  if (!common.quiet) tellDiagnostics(drawing);
   host->open(std::move(drawing));
-  const std::string nothingWritten = plan(*host->openDrawing(), closingSteps(common, stem), frontEnd);
+  PlannedReport planned;
+  try {
+    planned = plan(*host->openDrawing(), closingSteps(common, stem), frontEnd);
+  } catch (const Failure&) {
+    // What the reader left out may be what was looked for.
+    if (!common.quiet) tellDiagnostics(host->openDrawing()->drawing());
+    throw;
+  }
+  if (!common.quiet) tellAdvice(*host, common, stem, planned.objects);
+  if (const std::string reason = advice::whyOutOfReach(planned.objects); !reason.empty())
+    throw Failure(kNotWritten, "nothing was written: " + reason);
   requireFolder(*host, stem);
 
   std::vector<Expected> expected;
@@ -129,14 +158,15 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, cons
   }
 
   const std::string endedBy = runModuleCommand(*host, common, command);
-  if (endedBy.empty() && !nothingWritten.empty() && nothingHappened(*host, frontEnd, expected)) {
-    say(nothingWritten);
+  if (endedBy.empty() && !planned.nothingWritten.empty() && nothingHappened(*host, frontEnd, expected)) {
+    say(planned.nothingWritten);
     return kNotWritten;
   }
   bool complete = true;
   for (const Expected& form : expected) complete = tellOutcome(*host, form, common.quiet) && complete;
   if (!endedBy.empty()) {
     say("the command ended by an exception: " + endedBy);
+    tellWhatToChange(*host, planned.objects, stem);
     return kException;
   }
   if (const auto& saveTo = options.report.saveTo) {

@@ -5,6 +5,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "advice/report_advice.h"
 #include "cli/command_line_front_end.h"
 #include "cli/name_lookup.h"
 #include "options/exit_codes.h"
@@ -15,15 +16,24 @@
 /// would, and tell what became of the files.
 namespace lvx::cli {
 
+/// What a plan found in the drawing.
+struct PlannedReport {
+  /// What the report is asked of.
+  advice::ReportObjects objects;
+  /// The sentence for a command that ends without having written or asked anything; empty where that can't be.
+  std::string nothingWritten;
+};
+
 /// Tells the front end what to do in the command's dialogs, given the open drawing. `closing` are the steps with which the
 /// last opening ends: stem typed, forms ticked, OK clicked. Every name is looked up here, before the command runs, so that
-/// a wrong one is told (Failure, kUnknownName) with what the dialog's lists would offer. The result is the sentence for a
-/// command that then ends without having written or asked anything; empty where that can't be.
-using ReportPlan = std::function<std::string(const runtime::OpenDrawing& drawing,
-                                             const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd)>;
+/// a wrong one is told (Failure, kUnknownName) with what the dialog's lists would offer.
+using ReportPlan = std::function<PlannedReport(const runtime::OpenDrawing& drawing,
+                                               const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd)>;
 
 /// Runs the module's command over the drawing of `options` and lists what was written on standard output, what wasn't on
-/// standard error. Where the options say so, saves the drawing once the command ended by itself. Throws Failure, and
+/// standard error, where before it stands what is odd about the report's objects and behind it what the user can change
+/// about an exception. A report that would be of another alignment than the one asked for isn't run (Failure,
+/// kNotWritten). Where the options say so, saves the drawing once the command ended by itself. Throws Failure, and
 /// runtime::Interrupted where the user stopped it.
 [[nodiscard]] options::ExitCode runReport(const options::Options& options, const wchar_t* command,
                                           const ReportPlan& plan);

@@ -1,0 +1,227 @@
+#include "advice/report_advice.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <set>
+
+#include "civil/boxes_apart.h"
+#include "civil/drawing_files.h"
+#include "host/site_tree.h"
+#include "platform/posix/posix_platform.h"
+#include "text/number_text.h"
+#include "view/alignment_shape.h"
+
+namespace lvx::advice {
+
+using civil::Box;
+using platform::fromUtf8;
+using platform::toUtf8;
+
+namespace {
+
+// ---------------------------------------------------------------- where things lie
+
+void extend(Box& box, double x, double y) {
+  box.minX = std::min(box.minX, x);
+  box.minY = std::min(box.minY, y);
+  box.maxX = std::max(box.maxX, x);
+  box.maxY = std::max(box.maxY, y);
+}
+
+/// Something of the report with its box.
+struct Placed {
+  std::string words;
+  Box box;
+  civil::FileNumber file = 0;
+};
+
+Placed placedAlignment(const civil::AlignmentObject& alignment) {
+  return {"alignment '" + alignment.name + "'", view::boxAround(alignment.geometry), alignment.file};
+}
+
+/// The sample lines, which is where the report asks for ground; without any, their alignment.
+Placed placedLines(const civil::AlignmentObject& alignment, const civil::SampleLineGroup* group) {
+  Placed placed{"", {}, alignment.file};
+  if (group != nullptr) {
+    placed.words = "sample line group '" + group->name + "'";
+    for (const civil::SampleLine& line : group->lines)
+      for (const civil::Vec2& vertex : line.vertices) extend(placed.box, vertex.x, vertex.y);
+  }
+  return placed.box.isEmpty() ? placedAlignment(alignment) : placed;
+}
+
+/// Of points of several files the file of the first.
+Placed placedPoints(const std::vector<const civil::Point*>& points) {
+  Placed placed{points.size() == 1 ? "the point" : "the points", {}, points.front()->file};
+  for (const civil::Point* point : points) extend(placed.box, point->position.x, point->position.y);
+  return placed;
+}
+
+std::string boxText(const Box& box) {
+  return "x " + text::fixedText(box.minX) + " to " + text::fixedText(box.maxX) + ", y " + text::fixedText(box.minY) +
+         " to " + text::fixedText(box.maxY);
+}
+
+bool axesSwapped(const civil::Drawing& drawing, civil::FileNumber file) {
+  if (file == 0) return drawing.axesSwapped;
+  return file <= drawing.addedFiles.size() && drawing.addedFiles[file - 1].axesSwapped;
+}
+
+/// How the two would meet, where swapping the axes of one file does it.
+std::string swapHint(const civil::Drawing& drawing, civil::FileNumber a, civil::FileNumber b) {
+  if (a == b) return {};
+  for (const civil::FileNumber file : {a, b})
+    if (axesSwapped(drawing, file)) return "; without --swap-axes '" + civil::pathOf(drawing, file) + "' they would";
+  // Either would do; what was added is more likely the odd one.
+  const std::string& path = civil::pathOf(drawing, std::max(a, b));
+  return path.empty() ? std::string() : "; with --swap-axes '" + path + "' they would";
+}
+
+void warnApart(std::vector<std::string>& list, const civil::Drawing& drawing, const Placed& what, const Placed& from,
+               double reach) {
+  const auto apart = civil::boxesApart(what.box, from.box, reach);
+  if (!apart) return;
+  list.push_back(what.words + " (" + boxText(apart->first) + ") and " + from.words + " (" + boxText(apart->second) +
+                 ") don't meet" + (apart->meetSwapped ? swapHint(drawing, what.file, from.file) : std::string()));
+}
+
+void warnOfPlaces(std::vector<std::string>& list, const civil::Drawing& drawing, const ReportObjects& objects) {
+  if (objects.alignment == nullptr) return;
+  if (objects.surface != nullptr)
+    warnApart(list, drawing,
+              {"surface '" + objects.surface->name + "'", objects.surface->surface.box(), objects.surface->file},
+              placedLines(*objects.alignment, objects.group), 0.0);
+  if (objects.points.empty()) return;
+  // Points lie beside the alignment or beyond its ends by nature; what is farther off than it is long isn't its own.
+  const Placed alignment = placedAlignment(*objects.alignment);
+  const double reach = std::hypot(alignment.box.maxX - alignment.box.minX, alignment.box.maxY - alignment.box.minY);
+  warnApart(list, drawing, placedPoints(objects.points), alignment, reach);
+}
+
+// ---------------------------------------------------------------- letters
+
+/// Collects the texts that a report prints and finds those that its code page cuts.
+class Letters {
+ public:
+  explicit Letters(platform::Platform& platform) : platform_(platform) {}
+
+  /// `words` tells what the text is of, and is asked only for the first that is cut.
+  template <class Words>
+  void look(const std::string& text, Words words) {
+    if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) return;
+    const host::CString wide = fromUtf8(text);
+    const std::size_t kept = platform_.narrow(wide).size();
+    if (kept >= wide.size()) return;
+    if (++count_ > 1) return;
+    first_ = words() + ": the reports' code page has no letter '" + toUtf8(host::CString(1, wide[kept])) + "' (" +
+             codePoint(wide[kept]) + ")";
+  }
+
+  [[nodiscard]] bool isEmpty() const { return count_ == 0; }
+  [[nodiscard]] std::string sentence(const Forms& forms) const {
+    std::string text = first_;
+    if (count_ > 1)
+      text += ", and " + std::to_string(count_ - 1) + " more " + (count_ == 2 ? "text has" : "texts have") +
+              " such letters";
+    text += "; ";
+    if (forms.text) text += "the text form loses the rest of the line";
+    if (forms.text && forms.page) text += " and ";
+    if (forms.page) text += "the page form ends there";
+    return text + (forms.workbook ? "; the workbook is whole" : "; a workbook would be whole") +
+           ", and --report-code-page names another code page";
+  }
+
+ private:
+  static std::string codePoint(wchar_t letter) {
+    char buffer[16];
+    std::snprintf(buffer, sizeof buffer, "U+%04X", static_cast<unsigned>(letter));
+    return buffer;
+  }
+
+  platform::Platform& platform_;
+  std::size_t count_ = 0;
+  std::string first_;
+};
+
+void lookAtPoints(Letters& letters, const std::vector<const civil::Point*>& points) {
+  for (const civil::Point* point : points) {
+    const auto words = [point](const char* what) {
+      return [point, what] { return "point " + std::to_string(point->number) + ", " + what; };
+    };
+    letters.look(point->name, words("name"));
+    letters.look(point->description, words("raw description"));
+    letters.look(point->fullDescription, words("full description"));
+  }
+}
+
+void warnOfLetters(std::vector<std::string>& list, const ReportObjects& objects, const std::string& stem,
+                   const Forms& forms, platform::Platform& platform) {
+  if (!forms.text && !forms.page) return;
+  Letters letters(platform);
+  letters.look(stem, [&] { return "the path '" + stem + "'"; });
+  if (objects.group != nullptr)
+    for (const civil::SampleLine& line : objects.group->lines)
+      letters.look(line.name, [&] { return "sample line '" + line.name + "'"; });
+  if (objects.report == Report::Points) {
+    if (objects.alignment != nullptr && !objects.points.empty())
+      letters.look(objects.alignment->name, [&] { return "alignment '" + objects.alignment->name + "'"; });
+    lookAtPoints(letters, objects.points);
+  }
+  if (!letters.isEmpty()) list.push_back(letters.sentence(forms));
+}
+
+}  // namespace
+
+std::string whyOutOfReach(const ReportObjects& objects) {
+  if (objects.site == nullptr || objects.site->name.empty() || !host::meansNoSite(fromUtf8(objects.site->name)))
+    return {};
+  return "the reports take a site whose name begins with '*' for the alignments outside any site, so alignment '" +
+         (objects.alignment == nullptr ? std::string() : objects.alignment->name) + "' of site '" + objects.site->name +
+         "' can't be reported; give the site another name";
+}
+
+std::vector<std::string> warnings(const civil::Drawing& drawing, const ReportObjects& objects, const std::string& stem,
+                                  const Forms& forms, platform::Platform& platform) {
+  std::vector<std::string> list;
+  if (civil::metresPerUnit(drawing.linearUnit).value_or(1.0) != 1.0)
+    list.push_back("the drawing's unit of length is " + drawing.linearUnit +
+                   ": the report gives its lengths in it, also where its texts say m");
+  warnOfPlaces(list, drawing, objects);
+  warnOfLetters(list, objects, stem, forms, platform);
+  return list;
+}
+
+SortedDiagnostics diagnosticsOf(const civil::Drawing& drawing, const ReportObjects& objects) {
+  std::set<civil::Handle> used;
+  const auto use = [&used](const auto* object) {
+    if (object != nullptr) used.insert(object->handle);
+  };
+  use(objects.alignment);
+  use(objects.profile);
+  use(objects.group);
+  use(objects.surface);
+  use(objects.pointGroup);
+  if (objects.group != nullptr)
+    for (const civil::SampleLine& line : objects.group->lines) use(&line);
+  for (const civil::Point* point : objects.points) use(point);
+  if (objects.report == Report::Gls)
+    for (const civil::Corridor& corridor : drawing.corridors) use(&corridor);
+  used.erase(0);
+
+  SortedDiagnostics sorted;
+  std::vector<const civil::Diagnostic*> ofFiles;
+  for (const civil::Diagnostic& diagnostic : drawing.diagnostics) {
+    if (diagnostic.severity == civil::Severity::Note) continue;
+    if (diagnostic.object == 0)
+      ofFiles.push_back(&diagnostic);
+    else if (used.count(diagnostic.object) > 0)
+      sorted.ofReport.push_back(&diagnostic);
+    else
+      ++sorted.others;
+  }
+  sorted.ofReport.insert(sorted.ofReport.end(), ofFiles.begin(), ofFiles.end());
+  return sorted;
+}
+
+}  // namespace lvx::advice
