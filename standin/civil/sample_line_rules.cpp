@@ -16,25 +16,25 @@ namespace {
 
 // ---------------------------------------------------------------- the text form
 
-constexpr std::array<SampleLineKey, 18> kKeys{{
+constexpr std::array<SampleLineKey, kSampleLineKeyCount> kKeys{{
     {"every", "N", "a line every N, at multiples of N"},
     {"count-from-start", "yes", "multiples count from the start of the range"},
     {"half-below", "RADIUS", "half of N where the alignment curves with a smaller radius"},
-    {"from", "STATION", "no lines before it"},
-    {"to", "STATION", "no lines behind it"},
+    {"from", "STATION", "no lines before it (default: the alignment's start)"},
+    {"to", "STATION", "no lines behind it (default: the alignment's end)"},
     {"ends", "yes", "lines at both ends of the range"},
     {"elements", "yes", "lines at the ends of horizontal elements"},
     {"pvis", "yes", "lines at the profile's points of intersection"},
     {"curve-ends", "yes", "lines at the ends of the profile's vertical curves"},
-    {"profile", "NAME", "the profile of pvis and curve-ends"},
+    {"profile", "NAME", "the profile of pvis and curve-ends (default: the first design profile)"},
     {"stations", "STATION;STATION", "lines at these stations"},
-    {"tolerance", "LENGTH", "lines this close are one"},
-    {"left", "WIDTH", "width to the left"},
-    {"right", "WIDTH", "width to the right"},
+    {"tolerance", "LENGTH", "lines this close are one (default: 0.001)"},
+    {"left", "WIDTH", "width to the left (default: 30, or to the border)"},
+    {"right", "WIDTH", "width to the right (default: 30, or to the border)"},
     {"border", "SURFACE", "sides without a width reach to this surface's border"},
-    {"largest", "WIDTH", "largest width up to a border"},
-    {"skew", "DEGREES", "turn of the lines against square, clockwise"},
-    {"name", "PATTERN", "names, with {station}, {kind} and {n}"},
+    {"largest", "WIDTH", "largest width up to a border (default: 200)"},
+    {"skew", "DEGREES", "turn of the lines against square, clockwise (default: 0)"},
+    {"name", "PATTERN", "names, with {station}, {kind} and {n} (default: {station})"},
 }};
 
 std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }

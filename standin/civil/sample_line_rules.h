@@ -88,6 +88,7 @@ struct SampleLineKey {
   std::string_view value;
   std::string_view meaning;
 };
+inline constexpr std::size_t kSampleLineKeyCount = 18;
 [[nodiscard]] std::span<const SampleLineKey> sampleLineKeys();
 
 /// Rules from "key=value" pairs between commas: "every=20,left=30,right=30,border=Existing ground". Keys are those of

@@ -73,19 +73,26 @@ civil::Drawing loadDrawing(const options::Options& options) {
   }
 }
 
-void saveDrawing(civil::Drawing& drawing, const std::string& target, ProgressMode progress) {
-  ProgressLine line(progress, "saving " + target);
-  landxml::SaveOptions options;
-  options.progress = [&line](const landxml::Progress& state) {
-    line.update(state.bytesDone, state.bytesTotal);
-    return !isInterrupted();
-  };
-  try {
-    landxml::saveProject(drawing, target, options);
-  } catch (const landxml::Error& error) {
-    if (isInterrupted()) throw runtime::Interrupted();
-    throw Failure(kBadDrawing, error.what());
+void saveAndTell(civil::Drawing& drawing, const options::Options& options, const std::string& made) {
+  const std::string target = options.report.saveTo.value_or(drawing.path);
+  std::vector<landxml::SavedFile> saved;
+  {
+    ProgressLine line(options.common.progressMode(), "saving " + target);
+    landxml::SaveOptions saving;
+    saving.progress = [&line](const landxml::Progress& state) {
+      line.update(state.bytesDone, state.bytesTotal);
+      return !isInterrupted();
+    };
+    try {
+      saved = landxml::saveProject(drawing, target, saving);
+    } catch (const landxml::Error& error) {
+      if (isInterrupted()) throw runtime::Interrupted();
+      throw Failure(kBadDrawing, error.what());
+    }
   }
+  if (options.common.quiet) return;
+  print(made);
+  for (const landxml::SavedFile& file : saved) print(file.path + "  " + std::to_string(file.mark.size) + " bytes\n");
 }
 
 std::string diagnosticText(const civil::Drawing& drawing, const civil::Diagnostic& diagnostic) {

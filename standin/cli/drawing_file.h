@@ -12,9 +12,10 @@ namespace lvx::cli {
 /// and for --swap-axes of what is none of its files (kUsage), and runtime::Interrupted where the user stopped it.
 [[nodiscard]] civil::Drawing loadDrawing(const options::Options& options);
 
-/// Saves a drawing, which was read from its own path, with progress. Throws Failure (kBadDrawing) where it can't be saved
-/// and runtime::Interrupted where the user stopped it; what stood under `target` then still does.
-void saveDrawing(civil::Drawing& drawing, const std::string& target, options::ProgressMode progress);
+/// Saves the files of a drawing that changed, with progress: the first one under --save, else in its place. Then tells
+/// `made` and the files on standard output, unless --quiet. Throws Failure (kBadDrawing) where one can't be saved and
+/// runtime::Interrupted where the user stopped it; what stood there then still does.
+void saveAndTell(civil::Drawing& drawing, const options::Options& options, const std::string& made);
 
 /// "road.xml:118: warning: …", with the file that it is of; the line left out where there is none.
 [[nodiscard]] std::string diagnosticText(const civil::Drawing& drawing, const civil::Diagnostic& diagnostic);

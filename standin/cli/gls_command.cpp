@@ -4,6 +4,7 @@
 #include "cli/report_run.h"
 #include "cli/terminal.h"
 #include "host/dialog_controls.h"
+#include "options/option_table.h"
 #include "platform/posix/posix_platform.h"
 
 namespace lvx::cli {
@@ -28,13 +29,24 @@ void tellGaps(const civil::Drawing& drawing, const civil::AlignmentObject& align
   }
 }
 
-std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const options::ReportOptions& options, bool quiet,
+/// The profile of --profile, or the ground that --ground-profile asks for, which is made.
+const civil::ProfileObject& profileFor(MadeForReport& made, const civil::AlignmentObject& alignment,
+                                       const options::Options& options) {
+  const options::ReportOptions& report = options.report;
+  if (!report.groundProfile) return findProfile(alignment, report.profile.value());
+  const double tolerance = options::lengthOf(report.groundTolerance.value_or("0"));
+  return made.addGroundProfile(alignment, findSurface(made.drawing().drawing(), *report.groundProfile), tolerance,
+                               options.common.quiet);
+}
+
+std::vector<DialogStep> stepsFor(MadeForReport& made, const options::Options& options,
                                  const std::vector<DialogStep>& closing, advice::ReportObjects& objects) {
   using Kind = DialogStep::Kind;
-  const FoundAlignment found = findAlignment(drawing, options.alignment, options.site);
-  const civil::ProfileObject& profile = findProfile(*found.alignment, options.profile);
-  const civil::SampleLineGroup& group = findGroup(*found.alignment, options.group);
-  if (!quiet) tellGaps(drawing, *found.alignment, profile);
+  const civil::Drawing& drawing = made.drawing().drawing();
+  const FoundAlignment found = findAlignment(drawing, options.report.alignment, options.report.site);
+  const civil::ProfileObject& profile = profileFor(made, *found.alignment, options);
+  const civil::SampleLineGroup& group = groupFor(made, *found.alignment, options, profile.name);
+  if (!options.common.quiet) tellGaps(drawing, *found.alignment, profile);
 
   objects.report = advice::Report::Gls;
   objects.site = found.site;
@@ -57,10 +69,9 @@ std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const options::R
 options::ExitCode runGls(const options::Options& options) {
   return runReport(
       options, L"lvx_Report_GLS",
-      [&](const runtime::OpenDrawing& drawing, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
+      [&](MadeForReport& made, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
         PlannedReport planned;
-        frontEnd.steps().expect(host::kGlsDialog, {stepsFor(drawing.drawing(), options.report, options.common.quiet,
-                                                            closing, planned.objects)});
+        frontEnd.steps().expect(host::kGlsDialog, {stepsFor(made, options, closing, planned.objects)});
         frontEnd.steps().expect(
             host::kAddSectionsDialog,
             {{{DialogStep::Kind::Click, options.report.addSections ? host::kIdOk : host::kIdCancel, 0, {}}}});

@@ -6,7 +6,9 @@
 #include "cli/command_line.h"
 #include "cli/failure.h"
 #include "cli/gls_command.h"
+#include "cli/group_command.h"
 #include "cli/info_command.h"
+#include "cli/lines_command.h"
 #include "cli/play_command.h"
 #include "cli/points_command.h"
 #include "cli/projection_command.h"
@@ -29,6 +31,10 @@ ExitCode runCommand(const CommandLine& line) {
       return runPoints(line.options);
     case Command::Gls:
       return runGls(line.options);
+    case Command::Lines:
+      return runLines(line.options);
+    case Command::Group:
+      return runGroup(line.options);
     case Command::Batch:
       return runBatch(line.options);
     case Command::Play:

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "cli/name_lookup.h"
-#include "cli/point_numbers.h"
+#include "cli/point_choice.h"
 #include "cli/report_run.h"
 #include "cli/terminal.h"
 #include "host/dialog_controls.h"
@@ -40,19 +40,22 @@ std::string planGroup(const runtime::OpenDrawing& drawing, const std::string& na
                                : "nothing was written: the report found no points of group '" + name + "'";
 }
 
+std::vector<civil::Handle> wantedHandles(const runtime::OpenDrawing& drawing, const WantedPoints& wanted, bool quiet) {
+  const civil::FilteredPoints found = findPoints(drawing.drawing(), drawing.index(), wanted, quiet);
+  if (!quiet) tellWithoutElevation(found.withoutElevation);
+  std::vector<civil::Handle> handles;
+  handles.reserve(found.numbers.size());
+  for (const std::int32_t number : found.numbers) handles.push_back(drawing.index().pointByNumber(number)->handle);
+  return handles;
+}
+
 /// Picks points before the dialog opens for good; it then opens with them chosen.
-std::string planPicked(const runtime::OpenDrawing& drawing, const std::vector<NumberRange>& numbers, bool quiet,
+std::string planPicked(const runtime::OpenDrawing& drawing, const std::vector<civil::Handle>& handles,
                        CommandLineFrontEnd& frontEnd, advice::ReportObjects& objects) {
-  std::vector<civil::Handle> handles = handlesOfPoints(drawing.index(), numbers);
-  if (!quiet) {
-    tellWithoutElevation(
-        static_cast<std::size_t>(std::count_if(handles.begin(), handles.end(), [&drawing](civil::Handle handle) {
-          return !drawing.index().byHandle(handle)->as<civil::Point>()->hasElevation;
-        })));
-  }
+  objects.points.reserve(handles.size());
   for (const civil::Handle handle : handles)
     objects.points.push_back(drawing.index().byHandle(handle)->as<civil::Point>());
-  frontEnd.selectPoints(std::move(handles));
+  frontEnd.selectPoints(handles);
   return "nothing was written: the report found none of the points";
 }
 
@@ -60,30 +63,33 @@ std::string planPicked(const runtime::OpenDrawing& drawing, const std::vector<Nu
 
 options::ExitCode runPoints(const options::Options& options) {
   const options::ReportOptions& report = options.report;
-  const std::vector<NumberRange> numbers =
-      report.points ? parsePointNumbers(*report.points) : std::vector<NumberRange>();
-  return runReport(
-      options, L"lvx_Report_Points",
-      [&](const runtime::OpenDrawing& drawing, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
-        const FoundAlignment found = findAlignment(drawing.drawing(), report.alignment, report.site);
-        std::vector<DialogStep> steps = alignmentSteps(drawing.drawing(), found);
-        PlannedReport planned;
-        planned.objects.report = advice::Report::Points;
-        planned.objects.site = found.site;
-        planned.objects.alignment = found.alignment;
-        std::vector<std::vector<DialogStep>> openings;
-        if (report.points) {
-          openings.push_back({{DialogStep::Kind::Click, host::kIdPickPoints, 0, {}}});
-          planned.nothingWritten = planPicked(drawing, numbers, options.common.quiet, frontEnd, planned.objects);
-        } else {
-          planned.nothingWritten =
-              planGroup(drawing, report.pointGroup.value(), options.common.quiet, steps, planned.objects);
-        }
-        steps.insert(steps.end(), closing.begin(), closing.end());
-        openings.push_back(std::move(steps));
-        frontEnd.steps().expect(host::kPointsDialog, std::move(openings));
-        return planned;
-      });
+  const WantedPoints wanted = parsePoints(report.points);
+  const bool quiet = options.common.quiet;
+  return runReport(options, L"lvx_Report_Points",
+                   [&](MadeForReport& made, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
+                     const runtime::OpenDrawing& drawing = made.drawing();
+                     const FoundAlignment found = findAlignment(drawing.drawing(), report.alignment, report.site);
+                     std::vector<DialogStep> steps = alignmentSteps(drawing.drawing(), found);
+                     PlannedReport planned;
+                     planned.objects.report = advice::Report::Points;
+                     planned.objects.site = found.site;
+                     planned.objects.alignment = found.alignment;
+                     std::vector<std::vector<DialogStep>> openings;
+                     if (const auto& group = report.points.group) {
+                       planned.nothingWritten = planGroup(drawing, *group, quiet, steps, planned.objects);
+                     } else {
+                       openings.push_back({{DialogStep::Kind::Click, host::kIdPickPoints, 0, {}}});
+                       const auto& surface = report.points.ofSurface;
+                       const std::vector<civil::Handle> handles =
+                           surface ? made.addPointsOf(findSurface(drawing.drawing(), *surface), quiet)
+                                   : wantedHandles(drawing, wanted, quiet);
+                       planned.nothingWritten = planPicked(drawing, handles, frontEnd, planned.objects);
+                     }
+                     steps.insert(steps.end(), closing.begin(), closing.end());
+                     openings.push_back(std::move(steps));
+                     frontEnd.steps().expect(host::kPointsDialog, std::move(openings));
+                     return planned;
+                   });
 }
 
 }  // namespace lvx::cli

@@ -12,12 +12,13 @@ using platform::fromUtf8;
 
 namespace {
 
-std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const options::ReportOptions& options,
+std::vector<DialogStep> stepsFor(MadeForReport& made, const options::Options& options,
                                  const std::vector<DialogStep>& closing, advice::ReportObjects& objects) {
   using Kind = DialogStep::Kind;
-  const FoundAlignment found = findAlignment(drawing, options.alignment, options.site);
-  const civil::SampleLineGroup& group = findGroup(*found.alignment, options.group);
-  const civil::SurfaceObject& surface = findSurface(drawing, options.surface);
+  const civil::Drawing& drawing = made.drawing().drawing();
+  const FoundAlignment found = findAlignment(drawing, options.report.alignment, options.report.site);
+  const civil::SampleLineGroup& group = groupFor(made, *found.alignment, options, "");
+  const civil::SurfaceObject& surface = findSurface(drawing, options.report.surface);
   if (group.lines.empty())
     say("sample line group '" + group.name + "' holds no sample lines: the reports have their header alone");
   if (surface.surface.isEmpty())
@@ -40,14 +41,13 @@ std::vector<DialogStep> stepsFor(const civil::Drawing& drawing, const options::R
 }  // namespace
 
 options::ExitCode runProjection(const options::Options& options) {
-  return runReport(
-      options, L"lvx_Report_Que",
-      [&](const runtime::OpenDrawing& drawing, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
-        PlannedReport planned;
-        frontEnd.steps().expect(host::kProjectionDialog,
-                                {stepsFor(drawing.drawing(), options.report, closing, planned.objects)});
-        return planned;
-      });
+  return runReport(options, L"lvx_Report_Que",
+                   [&](MadeForReport& made, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
+                     PlannedReport planned;
+                     frontEnd.steps().expect(host::kProjectionDialog,
+                                             {stepsFor(made, options, closing, planned.objects)});
+                     return planned;
+                   });
 }
 
 }  // namespace lvx::cli

@@ -122,6 +122,12 @@ std::string dialogStem(const std::string& given) {
   return mark == std::string::npos ? "./" + given : given;
 }
 
+const civil::SampleLineGroup& groupFor(MadeForReport& made, const civil::AlignmentObject& alignment,
+                                       const options::Options& options, const std::string& profile) {
+  if (const auto& rules = options.report.lines) return made.addLines(alignment, *rules, profile, options.common.quiet);
+  return findGroup(alignment, options.report.group.value());
+}
+
 std::vector<DialogStep> alignmentSteps(const civil::Drawing& drawing, const FoundAlignment& found) {
   using Kind = DialogStep::Kind;
   return {{Kind::SelectRow, host::kIdSites, rowOf(siteRows(drawing), found.site), fromUtf8(found.site->name)},
@@ -136,9 +142,10 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, cons
   const auto host = makeHost(frontEnd, common);
   civil::Drawing drawing = loadDrawing(options);
   host->open(std::move(drawing));
+  MadeForReport made(*host->openDrawing());
   PlannedReport planned;
   try {
-    planned = plan(*host->openDrawing(), closingSteps(common, stem), frontEnd);
+    planned = plan(made, closingSteps(common, stem), frontEnd);
   } catch (const Failure&) {
     // What the reader left out may be what was looked for.
     if (!common.quiet) tellDiagnostics(host->openDrawing()->drawing());
@@ -169,9 +176,9 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, cons
     tellWhatToChange(*host, planned.objects, stem);
     return kException;
   }
-  if (const auto& saveTo = options.report.saveTo) {
-    host->openDrawing()->save([&](civil::Drawing& changed) { saveDrawing(changed, *saveTo, common.progressMode()); });
-    if (!common.quiet) print(*saveTo + "  " + std::to_string(std::filesystem::file_size(*saveTo)) + " bytes\n");
+  if (options.report.saveTo) {
+    made.remove();
+    host->openDrawing()->save([&](civil::Drawing& changed) { saveAndTell(changed, options, ""); });
   }
   return complete ? kDone : kNotWritten;
 }

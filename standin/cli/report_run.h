@@ -7,10 +7,10 @@
 
 #include "advice/report_advice.h"
 #include "cli/command_line_front_end.h"
+#include "cli/made_objects.h"
 #include "cli/name_lookup.h"
 #include "options/exit_codes.h"
 #include "options/options.h"
-#include "runtime/open_drawing.h"
 
 /// What the report commands share: they run the module's own command over one drawing, answer its dialog as a user
 /// would, and tell what became of the files.
@@ -24,16 +24,17 @@ struct PlannedReport {
   std::string nothingWritten;
 };
 
-/// Tells the front end what to do in the command's dialogs, given the open drawing. `closing` are the steps with which the
-/// last opening ends: stem typed, forms ticked, OK clicked. Every name is looked up here, before the command runs, so that
+/// Tells the front end what to do in the command's dialogs, given the open drawing, and makes there what the report alone
+/// needs. `closing` are the steps with which the last opening ends: stem typed, forms ticked, OK clicked. Every name is looked up here, before the command runs, so that
 /// a wrong one is told (Failure, kUnknownName) with what the dialog's lists would offer.
-using ReportPlan = std::function<PlannedReport(const runtime::OpenDrawing& drawing,
-                                               const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd)>;
+using ReportPlan = std::function<PlannedReport(MadeForReport& made, const std::vector<DialogStep>& closing,
+                                               CommandLineFrontEnd& frontEnd)>;
 
 /// Runs the module's command over the drawing of `options` and lists what was written on standard output, what wasn't on
 /// standard error, where before it stands what is odd about the report's objects and behind it what the user can change
 /// about an exception. A report that would be of another alignment than the one asked for isn't run (Failure,
-/// kNotWritten). Where the options say so, saves the drawing once the command ended by itself. Throws Failure, and
+/// kNotWritten). Where the options say so, saves the drawing once the command ended by itself, without what was
+/// made for the report. Throws Failure, and
 /// runtime::Interrupted where the user stopped it.
 [[nodiscard]] options::ExitCode runReport(const options::Options& options, const wchar_t* command,
                                           const ReportPlan& plan);
@@ -41,6 +42,11 @@ using ReportPlan = std::function<PlannedReport(const runtime::OpenDrawing& drawi
 /// The stem as it goes into the dialog: the module wants a folder in it, so a bare name gets the current one. Throws
 /// Failure (kUsage) for a stem without a file name.
 [[nodiscard]] std::string dialogStem(const std::string& given);
+
+/// The group of --group, or the one that --lines asks for, which is made; `profile` is for rules that need one and name
+/// none. Throws Failure as findGroup() and MadeForReport::addLines() do.
+[[nodiscard]] const civil::SampleLineGroup& groupFor(MadeForReport& made, const civil::AlignmentObject& alignment,
+                                                     const options::Options& options, const std::string& profile);
 
 /// The steps that select an alignment in the dialogs' lists of sites and alignments.
 [[nodiscard]] std::vector<DialogStep> alignmentSteps(const civil::Drawing& drawing, const FoundAlignment& found);

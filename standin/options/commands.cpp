@@ -1,8 +1,11 @@
 #include "options/commands.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <string>
 
+#include "civil/point_filter.h"
 #include "host/dialog_controls.h"
 
 namespace lvx::options {
@@ -28,6 +31,9 @@ constexpr std::string_view kProjectionFooter =
     "  lvxhost projection drawing.xml --alignment A1 --site \"\" --group SL --surface Ground \\\n"
     "      --out a1 --forms txt,html --overwrite\n"
     "      an alignment outside any site, two forms, into the current folder\n"
+    "  lvxhost projection drawing.xml --alignment A1 --lines every=20,ends,left=30,right=30 \\\n"
+    "      --surface Ground --out a1\n"
+    "      over sample lines made for this report; 'lvxhost lines --help' tells the rules\n"
     "  lvxhost projection road.xml --with ground.xml --alignment A1 --group SL --surface Ground --out a1\n"
     "      the alignment of one file over the ground of another\n";
 
@@ -39,7 +45,13 @@ constexpr std::string_view kPointsFooter =
     "      of each point, in ascending order of stations\n"
     "  lvxhost points examples/valley-road.xml --alignment 'Mill lane' --points 1,5,7-9 --out some \\\n"
     "      --forms txt\n"
-    "      five points by their numbers, the text form alone\n";
+    "      five points by their numbers, the text form alone\n"
+    "  lvxhost points drawing.xml --alignment A1 --points all --out all\n"
+    "  lvxhost points drawing.xml --alignment A1 --points-where 'description=TREE*,elevation=100..120' --out trees\n"
+    "      points by what they are\n"
+    "  lvxhost points road.xml --with ground.xml --alignment A1 --surface-points Ground --out ground\n"
+    "      the points of a surface, where the drawing has no others\n"
+    "\n";
 
 constexpr std::string_view kGlsFooter =
     "Examples:\n"
@@ -48,7 +60,32 @@ constexpr std::string_view kGlsFooter =
     "      one table: stations, vertical design, cross-falls, widths, edges, horizontal elements\n"
     "  lvxhost gls examples/valley-road.xml --alignment 'Mill lane' --profile 'Mill lane design' \\\n"
     "      --group 'Mill lane 25 m' --out mill --add-sections --save mill.xml\n"
-    "      the same after adding corridor sections, and the drawing with them in another file\n";
+    "      the same after adding corridor sections, and the drawing with them in another file\n"
+    "  lvxhost gls drawing.xml --alignment A1 --ground-profile Ground --ground-tolerance 0.02 \\\n"
+    "      --lines every=20,ends --out a1\n"
+    "      without profile and sample lines in the drawing: the ground under the alignment, a line every 20;\n"
+    "      'lvxhost lines --help' tells the rules\n";
+
+constexpr std::string_view kLinesFooter =
+    "Rules add up; lines closer to each other than the tolerance are one. Every rule may stand in --rules too, under its\n"
+    "own name ('names' as 'name'), which is also how --lines of projection and gls takes them.\n"
+    "Examples:\n"
+    "  lvxhost lines road.xml --alignment A1 --name 'Every 20' --every 20 --ends --left 25 --right 25\n"
+    "      a line at each multiple of 20 and at both ends, saved in road.xml\n"
+    "  lvxhost lines examples/valley-road.xml --alignment 'Valley road' --name Border --every 50 --elements \\\n"
+    "      --border 'Existing ground' --largest 120 --names 'SL {n}' --save out/with-lines.xml\n"
+    "      lines out to the border of the ground, at the ends of elements too, saved in another file\n"
+    "  lvxhost lines road.xml --alignment A1 --name Design --replace --rules pvis,curve-ends,left=10,right=10\n"
+    "      at the profile's points, in place of the lines that the group has\n";
+
+constexpr std::string_view kGroupFooter =
+    "Examples:\n"
+    "  lvxhost group road.xml --name Trees --points-where 'description=TREE*;BUSH*'\n"
+    "      all points of these descriptions as a group, saved in road.xml\n"
+    "  lvxhost group examples/valley-road.xml --name Low --points-where elevation=..105,number=1-50 \\\n"
+    "      --save out/with-group.xml\n"
+    "      points by elevation and number, saved in another file\n"
+    "\n";
 
 constexpr std::string_view kBatchFooter =
     "Each line is an object with a report command, its drawing and its options under their own names; blank lines are\n"
@@ -58,6 +95,21 @@ constexpr std::string_view kBatchFooter =
     "Example:\n"
     "  lvxhost batch examples/reports.jsonl --jobs 4 --overwrite\n"
     "      every report in a process of its own; one that fails doesn't stop the others\n";
+
+/// "Conditions of --points-where: …", a line for each key.
+std::string conditionsOfPoints() {
+  constexpr std::size_t kColumn = 24;
+  std::string text =
+    "Conditions of --points-where, all of which have to hold, joined by commas or each in an option of its own:\n";
+  for (const civil::PointFilterKey& key : civil::pointFilterKeys()) {
+    std::string pair = "  " + std::string(key.key) + "=" + std::string(key.value);
+    pair.resize(std::max(pair.size() + 1, kColumn), ' ');
+    text += pair + std::string(key.meaning) + "\n";
+  }
+  return text +
+    "In a pattern * stands for any letters and ? for one. Alternatives stand between semicolons: 'TREE*;BUSH*', '1-50;60'.\n"
+    "A text with a comma or a semicolon stands in quotes of its own.\n";
+}
 
 /// The controls are those of the report dialogs, by the numbers that scripts use.
 std::string playFooter() {
@@ -87,14 +139,18 @@ std::string playFooter() {
 
 std::span<const CommandDescription> commands() {
   static const std::string playText = playFooter();
-  static const std::array<CommandDescription, 6> commands{{
+  static const std::string pointsText = std::string(kPointsFooter) + conditionsOfPoints();
+  static const std::string groupText = std::string(kGroupFooter) + conditionsOfPoints();
+  static const std::array<CommandDescription, 8> commands{{
       {Command::Info, "info", "Tell what a drawing holds", kInfoFooter},
       {Command::Projection, "projection", "Write the profile projection report: the ground across an alignment",
        kProjectionFooter},
       {Command::Points, "points", "Write the points report: points with station and offset against an alignment",
-       kPointsFooter},
+       pointsText},
       {Command::Gls, "gls", "Write the GLS report: an alignment with its profile and corridors in one table",
        kGlsFooter},
+      {Command::Lines, "lines", "Make a group of sample lines by rules and save it", kLinesFooter},
+      {Command::Group, "group", "Make a group of points by conditions or numbers and save it", groupText},
       {Command::Batch, "batch", "Write many reports from a file of jobs", kBatchFooter},
       {Command::Play, "play", "Run commands by a script of what a user does", playText},
   }};

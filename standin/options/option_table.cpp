@@ -2,9 +2,17 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <limits>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
+
+#include "civil/point_filter.h"
+#include "civil/sample_line_rules.h"
 
 namespace lvx::options {
 
@@ -27,15 +35,43 @@ std::string complaintAboutForms(const std::string& given) {
   return {};
 }
 
-constexpr OptionGroup kPointsGroup{"Points", "Which points are reported: one of", true};
+std::string complaintAboutLines(const std::string& given) {
+  try {
+    static_cast<void>(civil::parseSampleLineRules(given));
+    return {};
+  } catch (const civil::SampleLineError& error) {
+    return error.what();
+  }
+}
+
+std::string complaintAboutConditions(const std::string& given) {
+  try {
+    static_cast<void>(civil::PointFilter::parse(given));
+    return {};
+  } catch (const civil::PointFilterError& error) {
+    return error.what();
+  }
+}
+
+std::string complaintAboutLength(const std::string& given) {
+  const double length = lengthOf(given);
+  return length >= 0.0 && std::isfinite(length) ? std::string() : "'" + given + "' is no length of at least 0";
+}
+
+constexpr OptionGroup kPointsGroup{"Points", "Which points are meant: one of", true};
+constexpr OptionGroup kSampleLinesGroup{"Sample lines", "Which sample lines are reported: one of", true};
+constexpr OptionGroup kProfileGroup{"Profile", "Which profile is reported: one of", true};
+constexpr OptionGroup kRulesGroup{"Rules", "Where lines stand, how far they reach, what they are called", false};
 
 constexpr int kMostJobsAtOnce = 1024;
 
 constexpr std::string_view kSiteHelp =
     "Its site; \"\" for the alignments outside any site (default: where the name is)";
+constexpr std::string_view kLinesHelp =
+    "Rules of sample lines that are made for this report alone, such as every=20,ends,left=30,right=30";
 constexpr std::string_view kModuleHelp = "Report module to load in place of the program's own";
 
-/// Rows stand in the order of the helps; where those differ, or their words, an option has a row for each.
+/// Rows stand in the order of the helps, those of sample line rules between the two tables; where those differ, or their words, an option has a row for each.
 // clang-format off
 constexpr std::array kTable{
     // ---- arguments
@@ -81,7 +117,7 @@ constexpr std::array kTable{
 
     // ---- what to report
     OptionDescription{.name = "alignment",
-                      .commands = Command::Projection | Command::Gls,
+                      .commands = Command::Projection | Command::Gls | Command::Lines,
                       .field = [](Options& o) -> Field { return &o.report.alignment; },
                       .help = "Name of the alignment",
                       .valueName = "NAME",
@@ -93,7 +129,7 @@ constexpr std::array kTable{
                       .valueName = "NAME",
                       .isRequired = true},
     OptionDescription{.name = "site",
-                      .commands = kReportCommands,
+                      .commands = kReportCommands | Command::Lines,
                       .field = [](Options& o) -> Field { return &o.report.site; },
                       .help = kSiteHelp,
                       .valueName = "NAME"},
@@ -102,19 +138,39 @@ constexpr std::array kTable{
                       .field = [](Options& o) -> Field { return &o.report.profile; },
                       .help = "Profile of the alignment",
                       .valueName = "NAME",
-                      .isRequired = true},
+                      .group = &kProfileGroup},
+    OptionDescription{.name = "ground-profile",
+                      .commands = Command::Gls,
+                      .field = [](Options& o) -> Field { return &o.report.groundProfile; },
+                      .help = "The ground of this surface under the alignment",
+                      .valueName = "SURFACE",
+                      .group = &kProfileGroup},
+    OptionDescription{.name = "ground-tolerance",
+                      .commands = Command::Gls,
+                      .field = [](Options& o) -> Field { return &o.report.groundTolerance; },
+                      .help = "Fewer points of --ground-profile, which stays this close to the ground (default: 0, a point at every edge of a triangle)",
+                      .valueName = "LENGTH",
+                      .check = {"LENGTH", complaintAboutLength},
+                      .needs = "ground-profile"},
     OptionDescription{.name = "group",
                       .commands = Command::Projection,
                       .field = [](Options& o) -> Field { return &o.report.group; },
                       .help = "Sample line group whose lines are reported",
                       .valueName = "NAME",
-                      .isRequired = true},
+                      .group = &kSampleLinesGroup},
     OptionDescription{.name = "group",
                       .commands = Command::Gls,
                       .field = [](Options& o) -> Field { return &o.report.group; },
                       .help = "Sample line group whose stations get rows",
                       .valueName = "NAME",
-                      .isRequired = true},
+                      .group = &kSampleLinesGroup},
+    OptionDescription{.name = "lines",
+                      .commands = Command::Projection | Command::Gls,
+                      .field = [](Options& o) -> Field { return &o.report.lines; },
+                      .help = kLinesHelp,
+                      .valueName = "RULES",
+                      .check = {"RULES", complaintAboutLines},
+                      .group = &kSampleLinesGroup},
     OptionDescription{.name = "surface",
                       .commands = Command::Projection,
                       .field = [](Options& o) -> Field { return &o.report.surface; },
@@ -123,15 +179,34 @@ constexpr std::array kTable{
                       .isRequired = true},
     OptionDescription{.name = "point-group",
                       .commands = Command::Points,
-                      .field = [](Options& o) -> Field { return &o.report.pointGroup; },
+                      .field = [](Options& o) -> Field { return &o.report.points.group; },
                       .help = "All points of this group",
                       .valueName = "NAME",
                       .group = &kPointsGroup},
     OptionDescription{.name = "points",
                       .commands = Command::Points,
-                      .field = [](Options& o) -> Field { return &o.report.points; },
-                      .help = "Points by their numbers, as if picked by hand: 1,5,7-9",
+                      .field = [](Options& o) -> Field { return &o.report.points.numbers; },
+                      .help = "Points by their numbers, as if picked by hand: 1,5,7-9; or all",
                       .valueName = "NUMBERS",
+                      .group = &kPointsGroup},
+    OptionDescription{.name = "points",
+                      .commands = Command::Group,
+                      .field = [](Options& o) -> Field { return &o.report.points.numbers; },
+                      .help = "Points by their numbers: 1,5,7-9; or all",
+                      .valueName = "NUMBERS",
+                      .group = &kPointsGroup},
+    OptionDescription{.name = "points-where",
+                      .commands = Command::Points | Command::Group,
+                      .field = [](Options& o) -> Field { return &o.report.points.where; },
+                      .help = "Points by what they are, such as description=TREE*; may be given many times",
+                      .valueName = "CONDITIONS",
+                      .check = {"CONDITIONS", complaintAboutConditions},
+                      .group = &kPointsGroup},
+    OptionDescription{.name = "surface-points",
+                      .commands = Command::Points,
+                      .field = [](Options& o) -> Field { return &o.report.points.ofSurface; },
+                      .help = "The points of this surface, numbered for the report from west to east",
+                      .valueName = "SURFACE",
                       .group = &kPointsGroup},
     OptionDescription{.name = "out",
                       .commands = kReportCommands,
@@ -151,6 +226,30 @@ constexpr std::array kTable{
                       .emptyText = EmptyText::None,
                       .needs = "add-sections"},
 
+    // ---- what to make
+    OptionDescription{.name = "name",
+                      .commands = kMakingCommands,
+                      .field = [](Options& o) -> Field { return &o.newGroup.name; },
+                      .help = "Name of the new group",
+                      .valueName = "NAME",
+                      .isRequired = true},
+    OptionDescription{.name = "replace",
+                      .commands = kMakingCommands,
+                      .field = [](Options& o) -> Field { return &o.newGroup.replace; },
+                      .help = "Replace what a group of that name holds"},
+    OptionDescription{.name = "save",
+                      .commands = kMakingCommands,
+                      .field = [](Options& o) -> Field { return &o.report.saveTo; },
+                      .help = "Save into this file (default: DRAWING itself)",
+                      .valueName = "FILE",
+                      .emptyText = EmptyText::None},
+    OptionDescription{.name = "rules",
+                      .commands = Command::Lines,
+                      .field = [](Options& o) -> Field { return &o.lines.rules; },
+                      .help = "Rules in one text, beside those below: every=20,ends,left=30",
+                      .valueName = "RULES",
+                      .group = &kRulesGroup},
+
     // ---- of single commands
     OptionDescription{.name = "json",
                       .commands = Command::Info,
@@ -166,7 +265,10 @@ constexpr std::array kTable{
                       .commands = Command::Play,
                       .field = [](Options& o) -> Field { return &o.play.checks; },
                       .help = "Also report what the module didn't give back to its host"},
+};
 
+/// Behind the rows of the rules.
+constexpr std::array kCommonTable{
     // ---- of every command, and of the windows
     OptionDescription{.name = "forms",
                       .commands = kEveryCommand,
@@ -264,6 +366,50 @@ constexpr std::array kTable{
 };
 // clang-format on
 
+// ---------------------------------------------------------------- sample line rules
+
+template <std::size_t Key>
+Field flagOfRule(Options& options) {
+  return &options.lines.keys[Key].isSet;
+}
+template <std::size_t Key>
+Field textOfRule(Options& options) {
+  return &options.lines.keys[Key].text;
+}
+
+/// A row for each key of the rules, under the key's own name but for one that `name` has already.
+template <std::size_t... Keys>
+std::vector<OptionDescription> rowsOfRules(std::index_sequence<Keys...> /*all*/) {
+  static std::array<std::string, sizeof...(Keys)> helps;
+  std::vector<OptionDescription> rows;
+  const auto add = [&](std::size_t index, auto flag, auto text) {
+    const civil::SampleLineKey& key = civil::sampleLineKeys()[index];
+    helps[index] = key.meaning;
+    helps[index].front() = static_cast<char>(std::toupper(static_cast<unsigned char>(helps[index].front())));
+    const bool isFlag = key.value == "yes";
+    OptionDescription row{.name = key.key == "name" ? "names" : key.key,
+                          .commands = Command::Lines,
+                          .field = isFlag ? flag : text,
+                          .help = helps[index],
+                          .valueName = isFlag ? std::string_view() : key.value,
+                          .group = &kRulesGroup};
+    rows.push_back(row);
+  };
+  (add(Keys, &flagOfRule<Keys>, &textOfRule<Keys>), ...);
+  return rows;
+}
+
+const std::vector<OptionDescription>& wholeTable() {
+  static const std::vector<OptionDescription> table = [] {
+    std::vector<OptionDescription> rows(kTable.begin(), kTable.end());
+    for (const OptionDescription& row : rowsOfRules(std::make_index_sequence<civil::kSampleLineKeyCount>()))
+      rows.push_back(row);
+    rows.insert(rows.end(), kCommonTable.begin(), kCommonTable.end());
+    return rows;
+  }();
+  return table;
+}
+
 int numberOf(const OptionDescription& option, const std::string& value) {
   int number = 0;
   const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
@@ -301,18 +447,18 @@ bool OptionDescription::isList() const {
   return std::holds_alternative<std::vector<std::string>*>(field(options));
 }
 
-std::span<const OptionDescription> optionTable() { return kTable; }
+std::span<const OptionDescription> optionTable() { return wholeTable(); }
 
 std::vector<const OptionDescription*> optionsOf(Command command) {
   std::vector<const OptionDescription*> options;
-  for (const OptionDescription& option : kTable)
+  for (const OptionDescription& option : wholeTable())
     if (option.commands.contains(command)) options.push_back(&option);
   return options;
 }
 
 std::vector<const OptionDescription*> commonOptions() {
   std::vector<const OptionDescription*> options;
-  for (const OptionDescription& option : kTable)
+  for (const OptionDescription& option : wholeTable())
     if (option.commands.contains(kEveryCommand)) options.push_back(&option);
   return options;
 }
@@ -341,6 +487,12 @@ std::optional<std::string> valueOf(const OptionDescription& option, const Option
                                  return list->empty() ? std::nullopt : std::optional<std::string>(list->back());
                                }},
                     option.field(read));
+}
+
+double lengthOf(const std::string& value) {
+  double length = 0.0;
+  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), length);
+  return error == std::errc() && end == value.data() + value.size() ? length : std::numeric_limits<double>::quiet_NaN();
 }
 
 std::string listed(std::span<const std::string_view> choices) {

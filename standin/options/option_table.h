@@ -87,6 +87,9 @@ void apply(const OptionDescription& option, Options& options, const std::string&
 /// where there is none.
 [[nodiscard]] std::optional<std::string> valueOf(const OptionDescription& option, const Options& options);
 
+/// The length that an option's text means; not a number for one that means none.
+[[nodiscard]] double lengthOf(const std::string& value);
+
 /// "en, de and fr"
 [[nodiscard]] std::string listed(std::span<const std::string_view> choices);
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "civil/sample_line_rules.h"
 #include "runtime/host_choices.h"
 
 namespace lvx::options {
@@ -44,23 +46,59 @@ struct DrawingOptions {
   std::vector<std::string> swapAxes;
 };
 
-/// The options of the report commands; each command has some of them.
+/// Which points of a drawing are meant; one of them.
+struct PointChoice {
+  std::optional<std::string> group;
+  /// "1,5,7-9", or "all"
+  std::optional<std::string> numbers;
+  /// Conditions that all have to hold.
+  std::vector<std::string> where;
+  /// The corners of a surface, which become points for the report.
+  std::optional<std::string> ofSurface;
+};
+
+/// The options of the report commands, and of those that make objects in a drawing; each command has some of them.
 struct ReportOptions {
   std::string alignment;
   /// Empty text: the alignments outside any site. None: wherever the name is.
   std::optional<std::string> site;
-  std::string profile;
+  std::optional<std::string> profile;
+  /// A surface whose ground along the alignment is the profile.
+  std::optional<std::string> groundProfile;
+  /// How far the ground may be missed by fewer points, a length; none: 0.
+  std::optional<std::string> groundTolerance;
   /// Sample line group.
-  std::string group;
+  std::optional<std::string> group;
+  /// Rules of a group that is made for the report.
+  std::optional<std::string> lines;
   std::string surface;
-  std::optional<std::string> pointGroup;
-  /// "1,5,7-9"
-  std::optional<std::string> points;
+  PointChoice points;
   /// Path of the report files without extension.
   std::string stem;
   bool addSections = false;
-  /// Where the drawing with its added sections goes; none: they stay in memory.
+  /// Where the drawing with what was added to it goes. None: sections stay in memory, groups go into the drawing itself.
   std::optional<std::string> saveTo;
+};
+
+/// The value of one key of sample line rules.
+struct RuleValue {
+  std::optional<std::string> text;
+  /// Of a key that stands for yes.
+  bool isSet = false;
+};
+
+/// Of the commands that make a group and save it.
+struct NewGroupOptions {
+  std::string name;
+  bool replace = false;
+};
+
+/// Of the command that makes a sample line group.
+struct LinesOptions {
+  /// "every=20,left=30"
+  std::string rules;
+  /// In the order of civil::sampleLineKeys().
+  std::array<RuleValue, civil::kSampleLineKeyCount> keys;
 };
 
 struct BatchOptions {
@@ -89,6 +127,8 @@ struct Options {
   /// Of info: a form that programs read.
   bool json = false;
   ReportOptions report;
+  NewGroupOptions newGroup;
+  LinesOptions lines;
   BatchOptions batch;
   PlayOptions play;
   WindowOptions window;

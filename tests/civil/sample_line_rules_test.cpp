@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "civil_makers.h"
+#include "text/number_text.h"
 
 namespace lvx::civil {
 namespace {
@@ -301,6 +302,29 @@ TEST(SampleLineRules, AreTheSameFromPairsAsFromTheirText) {
   const std::vector<SampleLineRule> unknown = {{"evry", "20"}};
   EXPECT_THROW(static_cast<void>(sampleLineRules(unknown)), SampleLineError);
   EXPECT_THROW(static_cast<void>(sampleLineRules({})), SampleLineError) << "nothing says where lines stand";
+}
+
+TEST(SampleLineRules, TellTheDefaultsThatHold) {
+  const SampleLineRules defaults;
+  const struct {
+    const char* key;
+    std::string value;
+  } rows[] = {
+      {"tolerance", text::shortText(defaults.tolerance)},
+      {"left", text::shortText(SampleLineRules::kWidth) + ", or to the border"},
+      {"right", text::shortText(SampleLineRules::kWidth) + ", or to the border"},
+      {"largest", text::shortText(defaults.largest)},
+      {"skew", text::shortText(defaults.skew)},
+      {"name", defaults.name},
+  };
+  std::size_t told = 0;
+  for (const auto& row : rows)
+    for (const SampleLineKey& key : sampleLineKeys()) {
+      if (key.key != row.key) continue;
+      EXPECT_THAT(std::string(key.meaning), HasSubstr("(default: " + row.value + ")"));
+      ++told;
+    }
+  EXPECT_EQ(told, 6u);
 }
 
 TEST(SampleLineRules, HaveEveryKeyInTheirTable) {

@@ -75,13 +75,30 @@ TEST(OptionTable, GivesBackWhatItTook) {
       std::string value = "7";
       if (option->isFlag()) value = "true";
       if (!option->choices.empty()) value = option->choices.back();
-      if (option->check.complaint != nullptr) value = "html,txt";
+      if (option->check.name == "FORMS") value = "html,txt";
+      if (option->check.name == "RULES") value = "every=20,left=30";
+      if (option->check.name == "CONDITIONS") value = "description=TREE*";
       Options options;
       apply(*option, options, value);
       EXPECT_EQ(valueOf(*option, options), value) << option->name;
       ++taken;
     }
   EXPECT_GT(taken, optionTable().size());
+}
+
+TEST(OptionTable, HasAnOptionForEveryKeyOfSampleLineRules) {
+  std::size_t found = 0;
+  for (const civil::SampleLineKey& key : civil::sampleLineKeys()) {
+    // --name is that of the group.
+    const OptionDescription& option = optionOf(Command::Lines, key.key == "name" ? "names" : key.key);
+    EXPECT_EQ(option.isFlag(), key.value == "yes") << key.key;
+    EXPECT_EQ(option.help.substr(1), key.meaning.substr(1));
+    Options options;
+    apply(option, options, "7");
+    const RuleValue& value = options.lines.keys.at(found++);
+    EXPECT_TRUE(option.isFlag() ? value.isSet : value.text == "7") << key.key;
+  }
+  EXPECT_EQ(found, civil::kSampleLineKeyCount);
 }
 
 TEST(OptionTable, CollectsWhatIsGivenManyTimes) {
@@ -147,6 +164,10 @@ TEST(OptionTable, RefusesWhatIsNoneOfTheValues) {
   const std::vector<Row> table{
       {Command::Desktop, "lang", "fr", "--lang is 'fr'; there is en and de"},
       {Command::Desktop, "scheme", "", "--scheme is ''; there is system, light and dark"},
+      {Command::Gls, "lines", "every=-1", "--lines: sample lines: every '-1': a length above 0 is wanted"},
+      {Command::Gls, "ground-tolerance", "-0.5", "--ground-tolerance: '-0.5' is no length of at least 0"},
+      {Command::Points, "points-where", "size=1",
+       "--points-where: points: there is no key 'size', only description, name, elevation, number"},
       {Command::Info, "forms", "txt,pdf", "--forms: 'pdf' is no form of a report; there is txt, xls, html"},
       {Command::Batch, "jobs", "0", "--jobs is '0', which is no number from 1 to 1024"},
       {Command::Batch, "jobs", "1x", "--jobs is '1x', which is no number from 1 to 1024"},

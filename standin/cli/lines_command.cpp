@@ -1,0 +1,61 @@
+#include "cli/lines_command.h"
+
+#include <utility>
+#include <vector>
+
+#include "cli/drawing_file.h"
+#include "cli/failure.h"
+#include "cli/made_objects.h"
+#include "cli/name_lookup.h"
+#include "cli/terminal.h"
+#include "text/number_text.h"
+
+namespace lvx::cli {
+
+namespace {
+
+/// The group to replace; null for a new one.
+const civil::SampleLineGroup* groupToReplace(const civil::AlignmentObject& alignment,
+                                             const options::NewGroupOptions& wanted) {
+  std::vector<std::string> names;
+  const civil::SampleLineGroup* taken = nullptr;
+  for (const civil::SampleLineGroup& group : alignment.sampleLineGroups) {
+    names.push_back(group.name);
+    if (group.name == wanted.name && taken == nullptr) taken = &group;
+  }
+  if (taken != nullptr && !wanted.replace)
+    throw Failure(kNotWritten, "nothing was written: alignment '" + alignment.name + "' has a sample line group '" +
+                                   wanted.name + "' already; --replace gives it the new lines. There is " +
+                                   offered(std::move(names), wanted.name));
+  return taken;
+}
+
+std::string toldLines(const std::string& group, const civil::AlignmentObject& alignment,
+                      const std::vector<civil::MadeSampleLine>& lines) {
+  return "'" + group + "' on alignment '" + alignment.name + "': " + std::to_string(lines.size()) +
+         (lines.size() == 1 ? " sample line, " : " sample lines, ") + text::stationText(lines.front().station) +
+         " to " + text::stationText(lines.back().station) + "\n";
+}
+
+}  // namespace
+
+ExitCode runLines(const options::Options& options) {
+  const options::NewGroupOptions& wanted = options.newGroup;
+  if (wanted.name.empty()) throw Failure(kUsage, "--name: a sample line group needs a name");
+  const civil::SampleLineRules rules = rulesOf(options.lines);
+  const bool quiet = options.common.quiet;
+  civil::Drawing drawing = loadDrawing(options);
+  if (!quiet) tellDiagnostics(drawing);
+  const civil::AlignmentObject& alignment =
+      *findAlignment(drawing, options.report.alignment, options.report.site).alignment;
+  const civil::SampleLineGroup* const taken = groupToReplace(alignment, wanted);
+  const std::vector<civil::MadeSampleLine> lines = makeLines(drawing, alignment, rules, "", quiet);
+  if (taken != nullptr)
+    civil::changingSampleLineGroup(taken->handle, std::nullopt, civil::sampleLinesOf(lines))->make(drawing);
+  else
+    civil::addingSampleLineGroup(alignment.handle, wanted.name, civil::sampleLinesOf(lines))->make(drawing);
+  saveAndTell(drawing, options, toldLines(wanted.name, alignment, lines));
+  return kDone;
+}
+
+}  // namespace lvx::cli
