@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <set>
 
 #include "civil/boxes_apart.h"
 #include "civil/drawing_files.h"
@@ -193,9 +192,10 @@ std::vector<std::string> warnings(const civil::Drawing& drawing, const ReportObj
 }
 
 SortedDiagnostics diagnosticsOf(const civil::Drawing& drawing, const ReportObjects& objects) {
-  std::set<civil::Handle> used;
+  if (drawing.diagnostics.empty()) return {};
+  std::vector<civil::Handle> used;
   const auto use = [&used](const auto* object) {
-    if (object != nullptr) used.insert(object->handle);
+    if (object != nullptr) used.push_back(object->handle);
   };
   use(objects.alignment);
   use(objects.profile);
@@ -207,7 +207,7 @@ SortedDiagnostics diagnosticsOf(const civil::Drawing& drawing, const ReportObjec
   for (const civil::Point* point : objects.points) use(point);
   if (objects.report == Report::Gls)
     for (const civil::Corridor& corridor : drawing.corridors) use(&corridor);
-  used.erase(0);
+  std::sort(used.begin(), used.end());
 
   SortedDiagnostics sorted;
   std::vector<const civil::Diagnostic*> ofFiles;
@@ -215,7 +215,7 @@ SortedDiagnostics diagnosticsOf(const civil::Drawing& drawing, const ReportObjec
     if (diagnostic.severity == civil::Severity::Note) continue;
     if (diagnostic.object == 0)
       ofFiles.push_back(&diagnostic);
-    else if (used.count(diagnostic.object) > 0)
+    else if (std::binary_search(used.begin(), used.end(), diagnostic.object))
       sorted.ofReport.push_back(&diagnostic);
     else
       ++sorted.others;

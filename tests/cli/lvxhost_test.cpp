@@ -292,6 +292,8 @@ TEST_F(LvxhostTest, AWorkbookThatFailsToBeSavedEndsTheCommandAndIsTold) {
   EXPECT_THAT(result.errors, HasSubstr("can't write '" + tooLong + ".xls'"));
   EXPECT_THAT(result.errors, HasSubstr("'" + tooLong + ".html' was not written"));
   EXPECT_THAT(result.errors, HasSubstr("the command ended by an exception"));
+  EXPECT_THAT(result.errors,
+              HasSubstr("make '" + tooLong + ".xls' a place that can be written, or leave the workbook out"));
   EXPECT_EQ(fileCount(), 0U);
 }
 
