@@ -112,6 +112,8 @@ struct PointGroup {
   std::string description;
   /// Numbers in file order; a number may stand in many groups.
   std::vector<std::int32_t> numbers;
+  /// Members in files that aren't part of the drawing; they join the numbers when those files are added.
+  std::vector<std::int32_t> numbersElsewhere = {};
   FileNumber file = 0;
 };
 
@@ -206,8 +208,13 @@ struct FileMark {
   bool isKnown = false;
   std::uint64_t size = 0;
   std::uint64_t hash = 0;
+  /// Stands for what the drawing had of the file, as far as that can change, when it was read or saved: by it saving
+  /// passes over files without a change. 0 where nobody took it. No part of the comparison.
+  std::uint64_t content = 0;
 
-  friend bool operator==(const FileMark&, const FileMark&) = default;
+  friend bool operator==(const FileMark& a, const FileMark& b) {
+    return a.isKnown == b.isKnown && a.size == b.size && a.hash == b.hash;
+  }
 };
 
 /// A file that was added to a drawing.

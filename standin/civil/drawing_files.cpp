@@ -81,6 +81,23 @@ void addSites(Drawing& whole, Drawing& added) {
   }
 }
 
+/// Groups get the members that they have in other files, as far as these are there.
+void findMembersElsewhere(Drawing& whole) {
+  const bool isAnyWaiting = std::any_of(whole.pointGroups.begin(), whole.pointGroups.end(),
+                                        [](const PointGroup& group) { return !group.numbersElsewhere.empty(); });
+  if (!isAnyWaiting) return;
+  std::unordered_set<std::int32_t> known;
+  known.reserve(whole.points.size());
+  for (const Point& point : whole.points) known.insert(point.number);
+  for (PointGroup& group : whole.pointGroups) {
+    std::erase_if(group.numbersElsewhere, [&](std::int32_t number) {
+      if (known.count(number) == 0) return false;
+      group.numbers.push_back(number);
+      return true;
+    });
+  }
+}
+
 std::vector<VerticalPoint> scaled(std::span<const VerticalPoint> points, double factor) {
   std::vector<VerticalPoint> list(points.begin(), points.end());
   for (VerticalPoint& point : list) {
@@ -92,18 +109,7 @@ std::vector<VerticalPoint> scaled(std::span<const VerticalPoint> points, double 
 
 Profile scaled(const Profile& profile, double factor) {
   if (!profile.isGround()) return Profile::design(scaled(profile.points(), factor));
-  std::vector<std::vector<VerticalPoint>> pieces(1);
-  std::size_t gap = 0;
-  for (const VerticalPoint& point : profile.points()) {
-    const bool isBehindGap = gap < profile.gaps().size() && !pieces.back().empty() &&
-                             pieces.back().back().station <= profile.gaps()[gap].startStation &&
-                             point.station >= profile.gaps()[gap].endStation;
-    if (isBehindGap) {
-      pieces.emplace_back();
-      ++gap;
-    }
-    pieces.back().push_back(point);
-  }
+  std::vector<std::vector<VerticalPoint>> pieces = groundPieces(profile);
   for (auto& piece : pieces) piece = scaled(piece, factor);
   return Profile::ground(std::move(pieces));
 }
@@ -227,6 +233,7 @@ void addDrawing(Drawing& whole, Drawing added, AddedFile file) {
   moveBehind(whole.pointGroups, added.pointGroups);
   moveBehind(whole.corridors, added.corridors);
   moveBehind(whole.diagnostics, added.diagnostics);
+  findMembersElsewhere(whole);
   whole.addedFiles.push_back(std::move(file));
   tellSiblingsApart(whole, [&](const std::string& text, Handle object, FileNumber of) {
     whole.diagnostics.push_back({Severity::Warning, text, 0, of, object});

@@ -368,4 +368,20 @@ std::vector<VerticalRecord> Profile::records() const {
   return records;
 }
 
+std::vector<std::vector<VerticalPoint>> groundPieces(const Profile& profile) {
+  std::vector<std::vector<VerticalPoint>> pieces(1);
+  std::size_t gap = 0;
+  for (const VerticalPoint& point : profile.points()) {
+    const bool isBehindGap = gap < profile.gaps().size() && !pieces.back().empty() &&
+                             pieces.back().back().station <= profile.gaps()[gap].startStation &&
+                             point.station >= profile.gaps()[gap].endStation;
+    if (isBehindGap) {
+      pieces.emplace_back();
+      ++gap;
+    }
+    pieces.back().push_back(point);
+  }
+  return pieces;
+}
+
 }  // namespace lvx::civil

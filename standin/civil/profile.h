@@ -140,4 +140,7 @@ class Profile {
   bool ground_ = false;
 };
 
+/// The polylines of a ground profile, parted at its gaps; one of all points where it has none.
+[[nodiscard]] std::vector<std::vector<VerticalPoint>> groundPieces(const Profile& profile);
+
 }  // namespace lvx::civil

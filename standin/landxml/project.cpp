@@ -1,11 +1,12 @@
 #include "landxml/project.h"
 
 #include <filesystem>
+#include <memory>
 #include <stdexcept>
 #include <utility>
 
 #include "civil/drawing_files.h"
-#include "civil/each_object.h"
+#include "landxml/detail/file_saving.h"
 
 namespace lvx::landxml {
 
@@ -40,12 +41,6 @@ bool isSameFile(const std::string& a, const std::string& b) {
   return std::filesystem::equivalent(a, b, error) || (error && a == b);
 }
 
-std::string nameOf(const civil::Point& point) { return std::to_string(point.number); }
-template <class Object>
-std::string nameOf(const Object& object) {
-  return object.name;
-}
-
 void refuseTwice(const civil::Drawing& drawing, const std::string& path) {
   for (civil::FileNumber file = 0; file <= drawing.addedFiles.size(); ++file) {
     const std::string& known = civil::pathOf(drawing, file);
@@ -75,6 +70,8 @@ void addFile(civil::Drawing& drawing, const ProjectFile& file, const ProjectOpti
   } catch (const std::overflow_error& error) {
     throw ReadError(error.what(), file.path);
   }
+  drawing.addedFiles.back().mark.content =
+      detail::contentOf(drawing, static_cast<civil::FileNumber>(drawing.addedFiles.size()));
 }
 
 civil::Drawing readProject(const std::vector<ProjectFile>& files, const ProjectOptions& options) {
@@ -86,13 +83,49 @@ civil::Drawing readProject(const std::vector<ProjectFile>& files, const ProjectO
 
 std::vector<SavedFile> saveProject(civil::Drawing& drawing, const std::string& firstTarget,
                                    const SaveOptions& options) {
-  if (!drawing.addedFiles.empty()) throw SaveError("drawings of several files can't be saved yet", firstTarget);
-  civil::eachObject(drawing, [&](const auto& object) {
-    if (object.file == civil::kNoFile)
-      throw SaveError("'" + nameOf(object) + "' was made in the open drawing and can't be saved yet", firstTarget);
-  });
-  const std::string source = options.sourceOf ? options.sourceOf(0) : std::string();
-  return {{firstTarget, saveDrawing(drawing, source.empty() ? drawing.path : source, firstTarget, options)}};
+  const auto count = static_cast<civil::FileNumber>(drawing.addedFiles.size() + 1);
+  const auto sourceOf = [&](civil::FileNumber file) {
+    const std::string source = options.sourceOf ? options.sourceOf(file) : std::string();
+    return source.empty() ? civil::pathOf(drawing, file) : source;
+  };
+  const auto markOf = [&](civil::FileNumber file) -> const civil::FileMark& {
+    return file == 0 ? drawing.file : drawing.addedFiles[file - 1].mark;
+  };
+  for (civil::FileNumber file = 1; file < count; ++file) {
+    if (isSameFile(firstTarget, civil::pathOf(drawing, file)))
+      throw SaveError("the drawing's first file can't be saved under this name: the file was added to the drawing",
+                      firstTarget);
+  }
+
+  struct Work {
+    civil::FileNumber file = 0;
+    std::string target;
+    std::unique_ptr<detail::FileSaving> saving;
+  };
+  std::vector<Work> works;
+  std::uint64_t total = 0;
+  for (civil::FileNumber file = 0; file < count; ++file) {
+    // The only file of a drawing is looked at in any case, as is one that goes elsewhere.
+    const bool isAsked = file == 0 && (count == 1 || !isSameFile(firstTarget, sourceOf(0)));
+    const bool isAsRead = markOf(file).content != 0 && markOf(file).content == detail::contentOf(drawing, file);
+    if (!isAsked && isAsRead) continue;
+    Work work{file, file == 0 ? firstTarget : civil::pathOf(drawing, file), nullptr};
+    work.saving = std::make_unique<detail::FileSaving>(drawing, file, sourceOf(file), work.target);
+    total += work.saving->work();
+    works.push_back(std::move(work));
+  }
+  std::uint64_t before = 0;
+  for (Work& work : works) {
+    work.saving->write([&](std::uint64_t done) {
+      if (options.progress && !options.progress({before + done, total})) throw Cancelled(work.target);
+    });
+    before += work.saving->work();
+  }
+
+  std::vector<SavedFile> saved;
+  if (works.empty() || works.front().file != 0) saved.push_back({firstTarget, drawing.file});
+  for (Work& work : works) saved.push_back({work.target, work.saving->replace()});
+  return saved;
 }
 
 }  // namespace lvx::landxml

@@ -40,11 +40,25 @@ struct SavedFile {
   civil::FileMark mark;
 };
 
-/// Writes every file of the drawing that changed, each its own (saveDrawing); the first one, with what was made in the
-/// open drawing, to `firstTarget` (drawing.path: in place). What hangs on an alignment goes into the alignment's file.
-/// All targets are checked before the first one is replaced. Gives what was written, the first file in front.
+/// Writes every file of the drawing that changed, each its own (saveDrawing): added ones in their places, the first one
+/// to `firstTarget` (drawing.path: in place). What hangs on an alignment, sample line groups and profiles, goes into the
+/// alignment's file; a group of points that was made in the open drawing into the file that holds them all, or into the
+/// first. Each file is written in its own unit, order of axes, handles and point numbers. Gives the files that hold the
+/// drawing now: `firstTarget` in front, then the added ones that were written.
 ///
-/// Throws SaveError as saveDrawing does, and where objects were made or removed that can't be written yet.
+/// Files whose content in the drawing is that of their marks aren't even read, but for the only one of a drawing. What was
+/// made in the open drawing belongs to its file then.
+///
+/// All new files are written beside their targets, flushed to the disk, and all targets looked at, before the first one is
+/// replaced: whatever is found until then leaves all files as they were. Replacing itself is atomic for each file but not
+/// over several: a crash between two of them, or a name that can't be taken at that very moment, leaves the earlier ones
+/// new and the later ones old, and the drawing knows which.
+///
+/// Throws SaveError as saveDrawing does, naming the file; for a `firstTarget` that is one of the added files; and for what
+/// a file can't hold: a profile gone that a corridor is measured from; a group of points losing one that stands in the
+/// group itself. Throws Cancelled.
+///
+/// Memory: as saveDrawing for the largest of the files.
 std::vector<SavedFile> saveProject(civil::Drawing& drawing, const std::string& firstTarget,
                                    const SaveOptions& options = {});
 

@@ -10,6 +10,7 @@
 #include "civil/sibling_names.h"
 #include "landxml/detail/context.h"
 #include "landxml/detail/corridor_reader.h"
+#include "landxml/detail/file_saving.h"
 #include "landxml/detail/geometry_reader.h"
 #include "landxml/detail/numbers.h"
 #include "landxml/detail/point_reader.h"
@@ -171,6 +172,7 @@ civil::Drawing readDrawing(const std::string& path, const ReadOptions& options) 
   civil::FileMark mark;
   civil::Drawing drawing = readBytes(openFile(path, &mark), path, options);
   drawing.file = mark;
+  drawing.file.content = contentOf(drawing, 0);
   return drawing;
 }
 

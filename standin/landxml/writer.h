@@ -20,9 +20,9 @@ struct SaveOptions {
   std::function<std::string(civil::FileNumber)> sourceOf = {};
 };
 
-/// Writes `drawing`, which was read from `sourcePath`, to `targetPath`, which may be the same file. Station lists,
-/// labels and sections of corridor regions are compared with what the source says; where they differ the source's bytes
-/// are edited at that place. All other bytes are copied: encoding, line ends, comments, order and unknown elements stay.
+/// Writes the first file of `drawing`, which was read from `sourcePath`, to `targetPath`, which may be the same file.
+/// Sample line groups, profiles, point groups, and station lists, labels and sections of corridor regions are compared with
+/// what the source says; where they differ the source's bytes are edited at that place. All other bytes are copied: encoding, line ends, comments, order and unknown elements stay.
 /// A drawing without changes gives the source's bytes.
 ///
 /// The first save of a drawing of another program adds our FeatureDictionary, the corridors as the reader understood

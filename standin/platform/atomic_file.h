@@ -69,6 +69,9 @@ class AtomicFile {
   /// For a library that writes to a file by its name: the unfinished file, which nobody else holds open from here on.
   /// `write` may not follow. Not for policies that write in place.
   [[nodiscard]] const std::filesystem::path& lend();
+  /// All that `commit` does but taking the name, so that of several files none takes its name before all could. Nothing is
+  /// written any more then.
+  void settle();
   /// Once, at the end. In this order: content to the disk, close, look at the target, take its name, folder to the disk.
   void commit();
 

@@ -78,6 +78,26 @@ TEST_F(AtomicFileTest, ShowsNothingBeforeItsCommitAndAllAfterIt) {
   }
 }
 
+TEST_F(AtomicFileTest, SettledStillShowsNothingBeforeItsCommit) {
+  for (const auto& [name, policy] : kPolicies) {
+    const fs::path target = put("road.xml", "former");
+    {
+      AtomicFile left(target, policy);
+      left.write("new");
+      left.settle();
+    }
+    EXPECT_EQ(fileBytes(target), "former") << name;
+    EXPECT_EQ(fileCount(), 1U) << name;
+    AtomicFile file(target, policy);
+    file.write("new");
+    file.settle();
+    EXPECT_EQ(fileBytes(target), "former") << name;
+    file.commit();
+    EXPECT_EQ(fileBytes(target), "new") << name;
+    EXPECT_EQ(fileCount(), 1U) << name;
+  }
+}
+
 TEST_F(AtomicFileTest, LeavesNothingWithoutItsCommit) {
   for (const auto& [name, policy] : kPolicies) {
     const fs::path target = put("road.xml", "former");
@@ -217,6 +237,19 @@ TEST_F(AtomicFileTest, RefusesATargetThatChangedMeanwhileWhereItIsAskedTo) {
     change(target);
     EXPECT_EQ(failureOf([&] { file.commit(); }).value().problem(), Problem::TargetChanged) << name;
     EXPECT_NE(fs::exists(target) ? fileBytes(target) : "", "new") << name;
+
+    for (const bool isBefore : {false, true}) {
+      put("road.xml", "former");
+      AtomicFile settled(target, kDocument);
+      settled.write("new");
+      if (isBefore) change(target);
+      const auto atSettling = failureOf([&] { settled.settle(); });
+      EXPECT_EQ(atSettling.has_value(), isBefore) << name;
+      if (isBefore) continue;
+      change(target);
+      EXPECT_EQ(failureOf([&] { settled.commit(); }).value().problem(), Problem::TargetChanged) << name;
+      EXPECT_NE(fs::exists(target) ? fileBytes(target) : "", "new") << name;
+    }
   }
   fs::remove(target);
   AtomicFile file(target, kDocument);

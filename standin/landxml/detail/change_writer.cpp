@@ -10,11 +10,13 @@
 
 #include "civil/section_shape.h"
 #include "civil/sibling_names.h"
+#include "landxml/detail/alignment_writer.h"
 #include "landxml/detail/context.h"
+#include "landxml/detail/file_change.h"
 #include "landxml/detail/numbers.h"
+#include "landxml/detail/point_group_writer.h"
 #include "landxml/detail/section_markup.h"
 #include "landxml/detail/tree.h"
-#include "text/handle_text.h"
 
 namespace lvx::landxml::detail {
 
@@ -27,14 +29,6 @@ using civil::kSameStation;
 
 bool isSameSection(const CorridorSection& a, const CorridorSection& b) {
   return a.label == b.label && a.origin == b.origin && civil::haveSamePoints(a, b);
-}
-
-pugi::xml_node propertyNode(pugi::xml_node feature, std::string_view label) {
-  for (const pugi::xml_node node : feature.children()) {
-    if (node.type() == pugi::node_element && isNamed(node, "Property") && attribute(node, "label") == label)
-      return node;
-  }
-  return {};
 }
 
 /// One pair of a section in memory and one in the file; either may be missing.
@@ -84,14 +78,14 @@ struct Place {
 
 class ChangeWriter {
  public:
-  ChangeWriter(const civil::Drawing& drawing, const civil::Drawing& stored, const Trace& trace, FileEditor& editor,
-               const std::string& path);
+  explicit ChangeWriter(FileChange& change);
   void run();
 
  private:
   void pairRegions();
 
   // What a first save adds.
+  void ensureHandles();
   void becomeOurs();
   void ensureHandle(pugi::xml_node node, civil::Handle handle);
   void writeSites();
@@ -108,44 +102,41 @@ class ChangeWriter {
   void writeOwnCrossSects(const Place& place);
   [[nodiscard]] std::vector<std::pair<double, std::string>> newLabels(const Place& place) const;
 
-  [[nodiscard]] pugi::xml_node nodeOf(civil::Handle handle) const;
-  [[nodiscard]] civil::Handle handleOf(pugi::xml_node node) const;
+  [[nodiscard]] pugi::xml_node nodeOf(civil::Handle handle) const { return change_.places.nodeOf(handle); }
 
-  const civil::Drawing& drawing_;
+  FileChange& change_;
   const civil::Drawing& stored_;
   const Trace& trace_;
   FileEditor& editor_;
+  const FileTerms& terms_;
   const std::string& path_;
-  pugi::xml_node root_;
-  SectionMarkup markup_;
-  std::vector<std::vector<Place>> places_;  // by corridor
-  std::unordered_map<civil::Handle, const ObjectTrace*> objects_;
-  std::unordered_map<std::ptrdiff_t, civil::Handle> handles_;
-  std::unordered_set<civil::Handle> ensured_;
+  const pugi::xml_node root_;
+  const SectionMarkup& markup_;
+  std::vector<const civil::Corridor*> corridors_;  // of the file, as in the drawing
+  std::vector<std::vector<Place>> places_;         // by corridor
   std::unordered_map<std::ptrdiff_t, int> users_;  // regions by the place of their CrossSects
   std::map<std::ptrdiff_t, std::pair<pugi::xml_node, std::vector<Markup>>> newRoadways_;  // by their Alignments
 };
 
-ChangeWriter::ChangeWriter(const civil::Drawing& drawing, const civil::Drawing& stored, const Trace& trace,
-                           FileEditor& editor, const std::string& path)
-    : drawing_(drawing),
-      stored_(stored),
-      trace_(trace),
-      editor_(editor),
-      path_(path),
-      root_(trace.tree.document_element()),
-      markup_(trace, editor) {
-  for (const ObjectTrace& object : trace.objects) {
-    objects_.emplace(object.handle, &object);
-    handles_.emplace(object.node.offset_debug(), object.handle);
+ChangeWriter::ChangeWriter(FileChange& change)
+    : change_(change),
+      stored_(change.stored),
+      trace_(change.trace),
+      editor_(change.editor),
+      terms_(change.terms),
+      path_(change.path),
+      root_(change.root),
+      markup_(change.markup) {
+  for (const civil::Corridor& corridor : change.drawing.corridors) {
+    if (corridor.file == terms_.file) corridors_.push_back(&corridor);
   }
   pairRegions();
 }
 
 void ChangeWriter::pairRegions() {
-  bool fits = drawing_.corridors.size() == stored_.corridors.size();
+  bool fits = corridors_.size() == stored_.corridors.size();
   for (std::size_t c = 0; fits && c < stored_.corridors.size(); ++c) {
-    const auto& now = drawing_.corridors[c];
+    const auto& now = *corridors_[c];
     const auto& old = stored_.corridors[c];
     auto& places = places_.emplace_back();
     fits = now.handle == old.handle && now.baselines.size() == old.baselines.size();
@@ -162,29 +153,29 @@ void ChangeWriter::pairRegions() {
 }
 
 void ChangeWriter::run() {
+  writeAlignments(change_);
+  writePointGroups(change_);
   const auto isChanged = [](const Place& place) { return !isSameRegion(*place.now, *place.stored); };
-  bool anyChange = false;
   bool changesOthers = false;  // a corridor of another program
   for (std::size_t c = 0; c < places_.size(); ++c) {
-    if (!std::any_of(places_[c].begin(), places_[c].end(), isChanged)) continue;
-    anyChange = true;
-    changesOthers = changesOthers || !trace_.corridors[c].feature;
-  }
-  if (!anyChange) return;
-  if (trace_.scanned.isConverted) {
-    failSaving("drawings in this file's encoding can be read but not changed; save it as UTF-8 first", path_);
-  }
-  for (const auto& places : places_) {
-    for (const Place& place : places) {
-      if (isChanged(place)) writeRegion(place);
+    for (const Place& place : places_[c]) {
+      if (place.trace->sections.node && change_.isSeparated(place.trace->sections.node))
+        changesOthers = changesOthers || !trace_.corridors[c].feature;
+      if (!isChanged(place)) continue;
+      change_.begin();
+      writeRegion(place);
+      changesOthers = changesOthers || !trace_.corridors[c].feature;
     }
   }
+  if (!change_.hasBegun()) return;
   // All of them together: the order of corridors is that of their Roadways.
   if (changesOthers || !trace_.hasDictionary) {
     for (std::size_t c = 0; c < places_.size(); ++c) {
       if (!trace_.corridors[c].feature) adoptCorridor(c);
     }
   }
+  // What has its handle by its place in the order of all keeps it where one of them goes.
+  if (change_.hasRemoved() || !trace_.hasDictionary) ensureHandles();
   if (!trace_.hasDictionary) becomeOurs();
   for (auto& [unused, roadways] : newRoadways_) {
     Markup collection{FileEditor::nameLike(root_, "Roadways"), {}, std::move(roadways.second), false};
@@ -194,19 +185,9 @@ void ChangeWriter::run() {
 
 // ---------------------------------------------------------------- objects
 
-pugi::xml_node ChangeWriter::nodeOf(civil::Handle handle) const {
-  const auto found = objects_.find(handle);
-  return found == objects_.end() ? pugi::xml_node() : found->second->node;
-}
-
-civil::Handle ChangeWriter::handleOf(pugi::xml_node node) const {
-  const auto found = handles_.find(node.offset_debug());
-  return found == handles_.end() ? 0 : found->second;
-}
-
 void ChangeWriter::ensureHandle(pugi::xml_node node, civil::Handle handle) {
-  const auto object = objects_.find(handle);
-  if (object == objects_.end() || object->second->isGiven || !ensured_.insert(handle).second) return;
+  if (handle == 0 || !node || change_.places.isGiven(handle) || change_.places.isRemoved(node)) return;
+  change_.places.setGiven(handle);
   struct Row {
     std::string_view element;
     const char* code;
@@ -219,7 +200,7 @@ void ChangeWriter::ensureHandle(pugi::xml_node node, civil::Handle handle) {
       std::find_if(std::begin(kRows), std::end(kRows), [&](const Row& r) { return isNamed(node, r.element); });
   if (row == std::end(kRows))
     return;  // points keep theirs by their order, sites and corridors have Features of their own
-  const std::string text = text::handleText(handle);
+  const std::string text = terms_.handleText(handle);
   const pugi::xml_node existing = feature(node, row->code);
   if (!existing)
     editor_.append(node, markup_.featureMarkup(node, {}, row->code, {{"handle", text}}));
@@ -229,10 +210,13 @@ void ChangeWriter::ensureHandle(pugi::xml_node node, civil::Handle handle) {
     editor_.addProperty(existing, "handle", text);
 }
 
-void ChangeWriter::becomeOurs() {
+void ChangeWriter::ensureHandles() {
   // Corridors have their handles in Features of their own; their place may be that of a sample line group.
-  for (const civil::Corridor& corridor : drawing_.corridors) ensured_.insert(corridor.handle);
+  for (const civil::Corridor& corridor : stored_.corridors) change_.places.setGiven(corridor.handle);
   for (const ObjectTrace& object : trace_.objects) ensureHandle(object.node, object.handle);
+}
+
+void ChangeWriter::becomeOurs() {
   writeSites();
   if (markup_.hasDictionaries()) {
     editor_.append(root_, Markup{FileEditor::nameLike(root_, "FeatureDictionary"),
@@ -245,10 +229,10 @@ void ChangeWriter::becomeOurs() {
 void ChangeWriter::writeSites() {
   const pugi::xml_node project = child(root_, "Project");
   // Without a Project the sites go on by their order: we don't name the user's project for him.
-  if (!project || drawing_.sites.empty() || feature(project, "lvx_sites")) return;
+  if (!project || stored_.sites.empty() || feature(project, "lvx_sites")) return;
   Markup list = markup_.featureMarkup(project, {}, "lvx_sites", {});
-  for (const civil::Site& site : drawing_.sites) {
-    std::vector<std::pair<std::string, std::string>> properties{{"handle", text::handleText(site.handle)}};
+  for (const civil::Site& site : stored_.sites) {
+    std::vector<std::pair<std::string, std::string>> properties{{"handle", terms_.handleText(site.handle)}};
     if (!site.description.empty()) properties.emplace_back("desc", site.description);
     list.children.push_back(markup_.featureMarkup(project, site.name, "lvx_site", properties));
   }
@@ -257,20 +241,22 @@ void ChangeWriter::writeSites() {
 
 Markup ChangeWriter::regionFeature(const Place& place, pugi::xml_node like) {
   const pugi::xml_node sections = place.trace->sections.node;
-  const civil::Handle handle = handleOf(sections);
+  const civil::Handle handle = change_.places.handleOf(sections);
   ensureHandle(sections, handle);
   if (!feature(sections, "lvx_corridorSections")) {
-    editor_.append(sections,
-                   markup_.featureMarkup(sections, {}, "lvx_corridorSections",
-                                         {{"elevation", place.trace->sections.isAbsolute ? "absolute" : "relative"}}));
+    std::vector<std::pair<std::string, std::string>> properties{
+        {"elevation", place.trace->sections.isAbsolute ? "absolute" : "relative"}};
+    if (change_.isSeparated(sections)) properties.emplace_back("handle", terms_.handleText(handle));
+    editor_.append(sections, markup_.featureMarkup(sections, {}, "lvx_corridorSections", properties));
   }
   std::string stations;
-  for (const double station : place.now->stations) stations += (stations.empty() ? "" : " ") + numberText(station);
+  for (const double station : place.now->stations)
+    stations += (stations.empty() ? "" : " ") + terms_.lengthText(station);
   Markup region = markup_.featureMarkup(like, place.now->name, "lvx_region",
-                                        {{"staStart", numberText(place.now->startStation)},
-                                         {"staEnd", numberText(place.now->endStation)},
+                                        {{"staStart", terms_.lengthText(place.now->startStation)},
+                                         {"staEnd", terms_.lengthText(place.now->endStation)},
                                          {"crossSects", attributeText(sections, "name")},
-                                         {"crossSectsHandle", text::handleText(handle)},
+                                         {"crossSectsHandle", terms_.handleText(handle)},
                                          {"stations", stations}});
   for (const auto& [station, label] : newLabels(place))
     region.children.push_back(markup_.addedStation(like, station, label));
@@ -279,19 +265,19 @@ Markup ChangeWriter::regionFeature(const Place& place, pugi::xml_node like) {
 
 /// Gives a corridor that the reader made of another program's sections its Features, so that it can hold stations.
 void ChangeWriter::adoptCorridor(std::size_t index) {
-  const civil::Corridor& corridor = drawing_.corridors[index];
+  const civil::Corridor& corridor = *corridors_[index];
   const CorridorTrace& trace = trace_.corridors[index];
-  Markup ours = markup_.featureMarkup(root_, {}, "lvx_corridor", {{"handle", text::handleText(corridor.handle)}});
+  Markup ours = markup_.featureMarkup(root_, {}, "lvx_corridor", {{"handle", terms_.handleText(corridor.handle)}});
   auto place = places_[index].begin();
   for (const civil::Baseline& baseline : corridor.baselines) {
     ensureHandle(nodeOf(baseline.alignment->handle), baseline.alignment->handle);
     std::vector<std::pair<std::string, std::string>> properties{
         {"alignment", civil::savedName(*baseline.alignment)},
-        {"alignmentHandle", text::handleText(baseline.alignment->handle)}};
+        {"alignmentHandle", terms_.handleText(baseline.alignment->handle)}};
     if (baseline.profile != nullptr) {
       ensureHandle(nodeOf(baseline.profile->handle), baseline.profile->handle);
       properties.emplace_back("profile", civil::savedName(*baseline.profile));
-      properties.emplace_back("profileHandle", text::handleText(baseline.profile->handle));
+      properties.emplace_back("profileHandle", terms_.handleText(baseline.profile->handle));
     }
     Markup line = markup_.featureMarkup(root_, baseline.name, "lvx_baseline", properties);
     for (std::size_t r = 0; r < baseline.regions.size(); ++r) {
@@ -341,13 +327,13 @@ void ChangeWriter::writeStations(const Place& place) {
     while (i < given.size() && !isBlank(given[i])) ++i;
     double value = 0.0;
     const std::string word = given.substr(from, i - from);
-    if (readSingleNumber(word, value)) digits.emplace(value, word);
+    if (readSingleNumber(word, value)) digits.emplace(value * terms_.lengthFactor, word);
   }
   std::string text;
   for (const double station : place.now->stations) {
     const auto found = digits.find(station);
     if (!text.empty()) text += ' ';
-    text += found == digits.end() ? numberText(station) : found->second;
+    text += found == digits.end() ? terms_.lengthText(station) : found->second;
   }
   if (const pugi::xml_node node = propertyNode(place.trace->feature, "stations"))
     editor_.setAttribute(node, "value", text);
@@ -444,7 +430,7 @@ void ChangeWriter::writeSections(const Place& place) {
 void ChangeWriter::changeSection(const Place& place, const CorridorSection& now, const CorridorSection& stored,
                                  pugi::xml_node node) {
   const bool isAbsolute = place.trace->sections.isAbsolute;
-  if (now.station != stored.station) editor_.setAttribute(node, "sta", numberText(now.station));
+  if (now.station != stored.station) editor_.setAttribute(node, "sta", terms_.lengthText(now.station));
   if (now.label != stored.label && markup_.hasSectionNames()) {
     if (now.label.empty())
       editor_.removeAttribute(node, "name");
@@ -530,9 +516,10 @@ void ChangeWriter::writeOwnCrossSects(const Place& place) {
 
 }  // namespace
 
-void writeChanges(const civil::Drawing& drawing, const civil::Drawing& stored, const Trace& trace, FileEditor& editor,
-                  const std::string& path) {
-  ChangeWriter(drawing, stored, trace, editor, path).run();
+void writeChanges(const civil::Drawing& drawing, const civil::Drawing& stored, const Trace& trace,
+                  const FileTerms& terms, FileEditor& editor, const std::string& path) {
+  FileChange change(drawing, stored, trace, terms, editor, path);
+  ChangeWriter(change).run();
 }
 
 }  // namespace lvx::landxml::detail

@@ -36,7 +36,7 @@ class ContentHash {
     ContentHash end = *this;
     end.mix(word_);
     end.mix(size_);
-    return {true, size_, end.state_};
+    return {true, size_, end.state_, 0};
   }
 
  private:

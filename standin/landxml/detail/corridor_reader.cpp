@@ -94,17 +94,24 @@ std::optional<double> CorridorReader::stationProperty(pugi::xml_node node, const
 pugi::xml_node CorridorReader::sectionsOf(pugi::xml_node region, const AlignmentRecord& alignment) {
   const std::string name = property(region, "crossSects").value_or("");
   const auto handle = Context::parseHandle(property(region, "crossSectsHandle"));
+  // Another program's sections needn't have a name, or have one of their own; they go by their handle. Those that once
+  // were a sample line group as well kept its handle, which a group may have by now.
+  const auto fit = [&](pugi::xml_node candidate) {
+    const auto hasHandle = [&](const char* code) {
+      return handle && Context::parseHandle(property(feature(candidate, code), "handle")) == handle;
+    };
+    if (hasHandle("lvx_corridorSections")) return 4;
+    if (hasHandle("lvx_sampleLineGroup")) return 3;
+    if (name.empty() || attributeText(candidate, "name") != name) return 0;
+    return kindOf(candidate) == SectionsKind::Corridor ? 2 : 1;
+  };
   pugi::xml_node found;
-  bool byHandle = false;
+  int best = 0;
   eachChild(alignment.node, "CrossSects", [&](pugi::xml_node candidate) {
-    if (byHandle) return;
-    // Another program's sections needn't have a name, or have one of their own; they go by their handle.
-    byHandle = handle && Context::parseHandle(property(feature(candidate, "lvx_sampleLineGroup"), "handle")) == handle;
-    if (!byHandle && (name.empty() || attributeText(candidate, "name") != name)) return;
-    if (byHandle || !found ||
-        (kindOf(found) != SectionsKind::Corridor && kindOf(candidate) == SectionsKind::Corridor)) {
-      found = candidate;
-    }
+    const int its = fit(candidate);
+    if (its <= best) return;
+    best = its;
+    found = candidate;
   });
   if (found) used_.insert(found.offset_debug());
   return found;

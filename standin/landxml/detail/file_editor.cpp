@@ -251,7 +251,10 @@ void FileEditor::settleAppends() {
 
 void FileEditor::write(SafeFile& to, ContentHash& check, const std::function<void(std::uint64_t)>& progress) {
   settleAppends();
-  std::stable_sort(edits_.begin(), edits_.end(), [](const Edit& a, const Edit& b) { return a.at < b.at; });
+  // What is new comes in front of what goes from there.
+  std::stable_sort(edits_.begin(), edits_.end(), [](const Edit& a, const Edit& b) {
+    return a.at != b.at ? a.at < b.at : a.removed == 0 && b.removed > 0;
+  });
   std::vector<char> block(kBlock);
   std::uint64_t done = 0;
   const auto pass = [&](std::uint64_t until, bool copies) {

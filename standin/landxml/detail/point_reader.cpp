@@ -45,6 +45,8 @@ class PointReader {
   std::size_t readPoint(pugi::xml_node node, const std::string& inheritedCode);
   void number();
   void readGroups();
+  template <class Add>
+  void readNumbersOf(pugi::xml_node ours, Add add, civil::PointGroup& group);
 
   Context& context_;
   std::vector<std::pair<pugi::xml_node, std::vector<Member>>> collections_;
@@ -151,6 +153,27 @@ void PointReader::number() {
   }
 }
 
+/// Members of a group of ours that no reference can name: those of other files, and points under names that others have.
+template <class Add>
+void PointReader::readNumbersOf(pugi::xml_node ours, Add add, civil::PointGroup& group) {
+  const auto text = property(ours, "numbers");
+  if (!text) return;
+  std::unordered_map<std::int32_t, std::size_t> pointOfNumber;
+  for (std::size_t i = 0; i < context_.drawing.points.size(); ++i)
+    pointOfNumber.emplace(context_.drawing.points[i].number, i);
+  const NumberList list = readNumbers(*text);
+  if (!list.problem.empty())
+    context_.warn(ours, "a point group's numbers: " + list.problem + "; those before it are taken");
+  for (const double value : list.values) {
+    const auto number = plainInteger(std::to_string(static_cast<std::int64_t>(value)));
+    if (!number) continue;
+    if (const auto found = pointOfNumber.find(*number); found != pointOfNumber.end())
+      add(found->second);
+    else
+      group.numbersElsewhere.push_back(*number);
+  }
+}
+
 void PointReader::readGroups() {
   for (const auto& [collection, members] : collections_) {
     const std::string name = attributeText(collection, "name");
@@ -180,6 +203,7 @@ void PointReader::readGroups() {
                       "point group '" + shown(name) + "': there is no point '" + shown(reference) + "'; passed over");
     }
     if (!isGroup) continue;
+    readNumbersOf(ours, add, group);
     group.name = name;
     group.description = property(ours, "desc").value_or(attributeText(collection, "desc"));
     group.handle = context_.ticket(collection, property(ours, "handle"));

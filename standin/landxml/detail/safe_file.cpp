@@ -78,6 +78,8 @@ bool SafeFile::leadsTo(const std::string& path, const FileStamp& file) {
   return stamp && stamp->isSameFile(file);
 }
 
+bool SafeFile::isThere(const std::string& path) { return standin_platform::stampOf(path).has_value(); }
+
 SafeFile::SafeFile(const std::string& path)
     : path_(path), file_(saving(path, [&] {
         return std::make_unique<AtomicFile>(
@@ -92,8 +94,14 @@ void SafeFile::write(std::string_view bytes) {
 }
 
 void SafeFile::flush() {
+  if (buffer_.empty()) return;
   saving(path_, [&] { file_->write(buffer_); });
   buffer_.clear();
+}
+
+void SafeFile::settle() {
+  flush();
+  saving(path_, [&] { file_->settle(); });
 }
 
 void SafeFile::replace() {

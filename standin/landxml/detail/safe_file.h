@@ -42,7 +42,11 @@ class SafeFile {
 
   /// Whether `path` leads to that very file, under whatever name.
   [[nodiscard]] static bool leadsTo(const std::string& path, const standin_platform::FileStamp& file);
+  /// Whether anything stands under that name.
+  [[nodiscard]] static bool isThere(const std::string& path);
   void write(std::string_view bytes);
+  /// All that `replace` does but taking the target's place; nothing is written any more then.
+  void settle();
   /// Flushes to the disk and takes the target's place. Throws SaveError where that fails or where the target isn't any
   /// more what it was at the construction; it is whole then.
   void replace();

@@ -8,7 +8,8 @@ namespace lvx::landxml::detail {
 using civil::CorridorSection;
 using civil::SectionOrigin;
 
-SectionMarkup::SectionMarkup(const Trace& trace, const FileEditor& editor) : trace_(trace), editor_(editor) {
+SectionMarkup::SectionMarkup(const Trace& trace, const FileEditor& editor, const FileTerms& terms)
+    : trace_(trace), editor_(editor), terms_(terms) {
   const pugi::xml_node root = trace.tree.document_element();
   const std::string_view name = root.name();
   const auto colon = name.find(':');
@@ -37,7 +38,7 @@ Markup SectionMarkup::featureMarkup(pugi::xml_node like, const std::string& name
 }
 
 Markup SectionMarkup::addedStation(pugi::xml_node like, double station, const std::string& label) const {
-  return featureMarkup(like, label, "lvx_addedStation", {{"sta", numberText(station)}});
+  return featureMarkup(like, label, "lvx_addedStation", {{"sta", terms_.lengthText(station)}});
 }
 
 std::string SectionMarkup::codeText(const std::vector<std::string>& codes) const {
@@ -63,7 +64,7 @@ std::string SectionMarkup::pointText(const civil::Baseline& baseline, const Corr
   if (isAbsolute && baseline.profile != nullptr) {
     elevation += baseline.profile->profile.elevationAt(section.station).value_or(0.0);
   }
-  return numberText(point.offset) + ' ' + numberText(elevation);
+  return terms_.lengthText(point.offset) + ' ' + terms_.lengthText(elevation);
 }
 
 std::string SectionMarkup::partsText(const civil::Baseline& baseline, const CorridorSection& section,
@@ -114,7 +115,7 @@ std::string SectionMarkup::sectionText(const civil::Baseline& baseline, const Co
     close = partLead.empty() ? std::string() : editor_.closeLead(pattern);
   }
   const std::string name = FileEditor::nameLike(like, "CrossSect");
-  std::string text = '<' + name + " sta=\"" + numberText(section.station) + '"';
+  std::string text = '<' + name + " sta=\"" + terms_.lengthText(section.station) + '"';
   if (!section.label.empty() && hasSectionNames_) text += " name=\"" + escapedAttribute(section.label) + '"';
   text += '>' + partsText(baseline, section, like, pattern, isAbsolute, partLead);
   if (section.origin == SectionOrigin::Computed) {

@@ -8,6 +8,7 @@
 
 #include "civil/drawing.h"
 #include "landxml/detail/file_editor.h"
+#include "landxml/detail/file_terms.h"
 #include "landxml/detail/markup.h"
 #include "landxml/detail/trace.h"
 
@@ -17,8 +18,8 @@ namespace lvx::landxml::detail {
 /// the prefix and the layout of what stands around them. `like` is an element whose prefix they take over.
 class SectionMarkup {
  public:
-  /// Both must outlive it.
-  SectionMarkup(const Trace& trace, const FileEditor& editor);
+  /// All must outlive it.
+  SectionMarkup(const Trace& trace, const FileEditor& editor, const FileTerms& terms);
 
   /// Whether the version has CrossSect/@name and FeatureDictionary; 1.0 hasn't.
   [[nodiscard]] bool hasSectionNames() const { return hasSectionNames_; }
@@ -45,6 +46,7 @@ class SectionMarkup {
 
   const Trace& trace_;
   const FileEditor& editor_;
+  const FileTerms& terms_;
   bool hasNames_ = true;         // Feature/@name, not before 1.2
   bool hasSectionNames_ = true;  // CrossSect/@name, not in 1.0
   bool hasDictionaries_ = true;  // FeatureDictionary, not in 1.0

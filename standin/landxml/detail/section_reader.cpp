@@ -191,7 +191,9 @@ void SampleLineReader::readHalfWidth(pugi::xml_node ours) {
 void SampleLineReader::readLine(pugi::xml_node section) {
   // Another program's sections can be sample lines and corridor at once; what we computed among them is no line.
   if (isComputed(section)) return;
-  const std::string given = attributeText(section, "name");
+  std::string given = attributeText(section, "name");
+  // 1.0 has no name for a CrossSect.
+  if (given.empty()) given = property(feature(section, "lvx_sampleLine"), "name").value_or("");
   const auto station = context_.number(section, "sta", who_);
   if (!station) {
     context_.error(section, who_ + ": sample line '" + given + "' has no station; left out");

@@ -133,6 +133,7 @@ struct AtomicFile::State {
   fs::path draft;   ///< empty: written in place, or no longer there
   Descriptor file;
   std::optional<struct stat> former;  ///< the target at the construction
+  bool isSettled = false;
 };
 
 AtomicFile::AtomicFile(const fs::path& target, AtomicFilePolicy policy) : state_(std::make_unique<State>()) {
@@ -176,16 +177,25 @@ const fs::path& AtomicFile::lend() {
   return state_->draft;
 }
 
-void AtomicFile::commit() {
+void AtomicFile::settle() {
   State& state = *state_;
+  if (state.isSettled) return;
   if (state.policy.flushesToDisk) {
     if (!state.file.isOpen()) state.file = Descriptor(::open(state.draft.c_str(), O_WRONLY | O_CLOEXEC));  // was lent
     // Without this a power cut could leave the new name on an empty file.
     if (::fsync(state.file.number()) != 0) throw AtomicFileError(Problem::Writing, lastError());
   }
   if (!state.file.close()) throw AtomicFileError(Problem::Writing, lastError());
+  if (!state.draft.empty() && state.policy.refusesChangedTarget) state.checkTarget();
+  state.isSettled = true;
+}
+
+void AtomicFile::commit() {
+  State& state = *state_;
+  const bool wasSettled = state.isSettled;
+  settle();
   if (state.draft.empty()) return;
-  if (state.policy.refusesChangedTarget) state.checkTarget();
+  if (wasSettled && state.policy.refusesChangedTarget) state.checkTarget();
   if (std::rename(state.draft.c_str(), state.target.c_str()) != 0) throw AtomicFileError(Problem::Writing, lastError());
   state.draft.clear();
   if (!state.policy.flushesToDisk) return;

@@ -1,0 +1,92 @@
+#include "landxml/detail/file_change.h"
+
+#include "landxml/detail/tree.h"
+
+namespace lvx::landxml::detail {
+
+pugi::xml_node propertyNode(pugi::xml_node feature, std::string_view label) {
+  pugi::xml_node found;
+  eachChild(feature, "Property", [&](pugi::xml_node node) {
+    if (!found && attribute(node, "label") == label) found = node;
+  });
+  return found;
+}
+
+FileChange::FileChange(const civil::Drawing& d, const civil::Drawing& s, const Trace& t, const FileTerms& fileTerms,
+                       FileEditor& e, const std::string& p)
+    : drawing(d),
+      stored(s),
+      trace(t),
+      terms(fileTerms),
+      editor(e),
+      path(p),
+      root(t.tree.document_element()),
+      markup(t, e, fileTerms),
+      places(t) {}
+
+void FileChange::begin() {
+  if (hasBegun_) return;
+  if (trace.scanned.isConverted) {
+    failSaving("drawings in this file's encoding can be read but not changed; save it as UTF-8 first", path);
+  }
+  hasBegun_ = true;
+}
+
+void FileChange::remove(pugi::xml_node node) {
+  begin();
+  editor.remove(node);
+  places.setRemoved(node);
+  hasRemoved_ = true;
+}
+
+void FileChange::setText(pugi::xml_node node, const char* name, const std::string& text) {
+  begin();
+  if (text.empty())
+    editor.removeAttribute(node, name);
+  else
+    editor.setAttribute(node, name, text);
+}
+
+void FileChange::setProperty(pugi::xml_node ours, const std::string& label, const std::string& value) {
+  begin();
+  if (const pugi::xml_node existing = propertyNode(ours, label))
+    editor.setAttribute(existing, "value", value);
+  else
+    editor.addProperty(ours, label, value);
+}
+
+void FileChange::insertNew(pugi::xml_node parent, const std::vector<Item>& items) {
+  std::vector<pugi::xml_node> followers(items.size());
+  pugi::xml_node next;
+  for (std::size_t i = items.size(); i-- > 0;) {
+    followers[i] = next;
+    if (items[i].kept) next = items[i].kept;
+  }
+  pugi::xml_node previous;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    if (items[i].kept) {
+      previous = items[i].kept;
+      continue;
+    }
+    begin();
+    if (followers[i])
+      editor.insertBefore(followers[i], items[i].text);
+    else if (previous)
+      editor.insertAfter(previous, items[i].text);
+    else
+      editor.prepend(parent, editor.layoutInside(parent).lead + items[i].text);
+  }
+}
+
+Layout FileChange::layoutOfChildren(pugi::xml_node parent, std::string_view name) const {
+  const pugi::xml_node first = child(parent, name);
+  return first ? editor.layoutOf(first) : editor.layoutInside(parent);
+}
+
+pugi::xml_node FileChange::lastChildNamed(pugi::xml_node parent, std::string_view name) {
+  pugi::xml_node last;
+  eachChild(parent, name, [&](pugi::xml_node node) { last = node; });
+  return last;
+}
+
+}  // namespace lvx::landxml::detail
