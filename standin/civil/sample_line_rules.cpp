@@ -539,7 +539,14 @@ std::vector<SampleLineStation> sampleLineStations(const SampleLineRules& rules, 
 }
 
 std::vector<MadeSampleLine> makeSampleLines(const SampleLineRules& rules, const SampleLineGround& ground) {
-  const std::vector<SampleLineStation> stations = sampleLineStations(rules, ground.axis, ground.profile);
+  std::vector<MadeSampleLine> lines =
+      makeSampleLines(rules, ground, sampleLineStations(rules, ground.axis, ground.profile), 1);
+  if (lines.empty()) throw SampleLineError("the alignment has no shape at the stations of the lines");
+  return lines;
+}
+
+std::vector<MadeSampleLine> makeSampleLines(const SampleLineRules& rules, const SampleLineGround& ground,
+                                            std::span<const SampleLineStation> stations, std::size_t number) {
   const bool wantsBorder = !rules.border.empty() && (!rules.left || !rules.right);
   if (wantsBorder && (ground.border == nullptr || ground.border->isEmpty())) {
     failAt("border", rules.border, "there is no such surface with ground");
@@ -563,7 +570,7 @@ std::vector<MadeSampleLine> makeSampleLines(const SampleLineRules& rules, const 
     MadeSampleLine line;
     line.station = at.station;
     line.kind = at.kind;
-    line.name = pattern.name(at, lines.size() + 1, ground.stationText);
+    line.name = pattern.name(at, number + lines.size(), ground.stationText);
     line.left = pose->point - toLeft.width * right;
     line.center = pose->point;
     line.right = pose->point + toRight.width * right;
@@ -571,7 +578,6 @@ std::vector<MadeSampleLine> makeSampleLines(const SampleLineRules& rules, const 
     line.rightReach = toRight.reach;
     lines.push_back(std::move(line));
   }
-  if (lines.empty()) throw SampleLineError("the alignment has no shape at the stations of the lines");
   return lines;
 }
 

@@ -165,6 +165,11 @@ inline constexpr std::size_t kMostSampleLines = 1'000'000;
 /// `ground.border` is null or empty. 100 000 lines of fixed widths take well below a second; lines out to a border cost
 /// what sampling the surface along `largest` does.
 [[nodiscard]] std::vector<MadeSampleLine> makeSampleLines(const SampleLineRules& rules, const SampleLineGround& ground);
+/// A part of them, for those who make many in pieces: at `stations`, which follow one another in what sampleLineStations
+/// gave; {n} is `number` for the first. Stations where the alignment has no shape are left out.
+[[nodiscard]] std::vector<MadeSampleLine> makeSampleLines(const SampleLineRules& rules, const SampleLineGround& ground,
+                                                          std::span<const SampleLineStation> stations,
+                                                          std::size_t number);
 
 /// Lines as a drawing holds them, without handles.
 [[nodiscard]] std::vector<SampleLine> sampleLinesOf(const std::vector<MadeSampleLine>& lines);

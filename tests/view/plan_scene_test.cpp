@@ -146,6 +146,24 @@ TEST(PlanScene, KnowsWhereEveryObjectLies) {
   EXPECT_FALSE(scene.boxOf(999));
 }
 
+TEST(PlanScene, TakesListsOverThatWereEdited) {
+  Drawing edited = drawing();
+  PlanScene scene(edited);
+  AlignmentObject& axis = *edited.sites.front().alignments.front();
+  axis.sampleLineGroups.push_back({70, "New", "", {{71, "far", 100.0, {{-500.0, 100.0}, {600.0, 100.0}}}}});
+  axis.sampleLineGroups.erase(axis.sampleLineGroups.begin());
+  edited.pointGroups.clear();
+  scene.refreshLists();
+  EXPECT_EQ(scene.describe(71), (Description{ObjectKind::SampleLine, "far"}));
+  EXPECT_EQ(scene.hit({-490.0, 100.0}, 1.0)->handle, 71U);
+  EXPECT_EQ(scene.sampleLines().size(), 1U);
+  EXPECT_EQ(scene.box().minX, -500.0);
+  EXPECT_FALSE(scene.describe(kFirstLine).has_value());
+  EXPECT_FALSE(scene.describe(kPointGroup).has_value());
+  EXPECT_TRUE(scene.describe(kPoint).has_value());
+  EXPECT_EQ(scene.surfaces().size(), edited.surfaces.size());
+}
+
 TEST(PlanScene, HitsPointsBeforeLinesBeforeSurfaces) {
   const Drawing made = drawing();
   const PlanScene scene(made);

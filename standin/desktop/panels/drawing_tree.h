@@ -81,6 +81,8 @@ class DrawingTree : public QWidget {
   void clicked(quint64 handle);
   /// Double click, or Enter.
   void activated(quint64 handle);
+  /// A menu is asked for on an object's row, at a place of the screen.
+  void menuWanted(quint64 handle, QPoint global);
 
  protected:
   bool eventFilter(QObject* target, QEvent* event) override;

@@ -18,6 +18,7 @@ struct PlanColours {
   QColor triangles;
   QColor hover;
   QColor selected;
+  QColor preview;   ///< lines that would be made
   QColor window;    ///< selection rectangle that takes what lies wholly inside
   QColor crossing;  ///< the one that also takes what it touches
   QColor boxFill;   ///< of the prompt and of names beside the pointer

@@ -10,6 +10,7 @@
 #include "desktop/plan/plan_selection.h"
 #include "view/lines.h"
 #include "view/plan_scene.h"
+#include "view/plan_shapes.h"
 #include "view/viewport.h"
 
 namespace lvx::desktop {
@@ -20,6 +21,8 @@ struct PlanFrame {
   const view::Viewport& viewport;  ///< in logical pixels
   const PlanLook& look;
   const PlanSelection* selected = nullptr;
+  /// Lines that are no objects yet.
+  const view::LineSet* preview = nullptr;
   QFont font;
 };
 

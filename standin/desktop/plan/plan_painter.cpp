@@ -43,6 +43,8 @@ constexpr double kCrowdBegins = 1.7;
 constexpr double kCrowdEnds = 1.4;
 /// A selection larger than this is looked up among the points that show, not one by one.
 constexpr std::size_t kManySelected = 2'000;
+/// Of very many selected lines about so many are drawn.
+constexpr std::size_t kMostSelectedLines = 1000;
 /// Seen from farther away, roads lie too near one another for halos around their edges.
 constexpr double kLeastHaloScale = 0.5;
 /// New labels a frame, about ten milliseconds.
@@ -141,6 +143,12 @@ PlanPainter::Result PlanPainter::paint(QPainter& painter, const Frame& frame, vi
   // Dots by the thousand would hide the roads; crosses are few and belong on top.
   if (isCrowded_) paintPoints(painter, frame);
   paintLines(painter, frame);
+  if (frame.preview != nullptr) {
+    painter.setPen(roundPen(colours.preview, 1.6));
+    painter.setBrush(Qt::NoBrush);
+    drawLines(painter, frame.viewport,
+              frame.preview->lines(seen(frame.viewport), kLineTolerance / frame.viewport.scale()));
+  }
   if (!isCrowded_) paintPoints(painter, frame);
   if (frame.selected != nullptr && frame.selected->size() > 0) paintSelected(painter, frame);
 
@@ -300,8 +308,16 @@ void PlanPainter::paintSelected(QPainter& painter, const Frame& frame) {
     for (const Handle handle : frame.selected->handles()) paintObject(painter, frame, handle, colour, 2.6);
     return;
   }
+  const Box visible = seen(frame.viewport);
+  std::vector<Handle> lines;
+  for (const view::SampleLineShape& shape : frame.scene.sampleLines())
+    if (frame.selected->has(shape.line->handle) && view::meet(shape.box, visible)) lines.push_back(shape.line->handle);
   for (const auto& [handle, place] : places_)
-    if (frame.selected->has(handle)) paintObject(painter, frame, handle, colour, 2.6);
+    if (place.kind != civil::ObjectKind::SampleLine && frame.selected->has(handle))
+      paintObject(painter, frame, handle, colour, 2.6);
+  // Lines this close cover each other; some of them show that all are selected.
+  const std::size_t step = 1 + lines.size() / kMostSelectedLines;
+  for (std::size_t i = 0; i < lines.size(); i += step) paintObject(painter, frame, lines[i], colour, 2.6);
   const Stamp stamp(10.0, painter.device()->devicePixelRatioF(), [&](QPainter& mark) {
     mark.setPen(QPen(colour, 1.6));
     mark.setBrush(withAlpha(colour, 90));

@@ -1,10 +1,12 @@
 #include "desktop/plan/plan_view.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QCursor>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPolygonF>
 #include <QStyleHints>
 #include <QWheelEvent>
 #include <algorithm>
@@ -71,6 +73,9 @@ PlanView::~PlanView() { tiles_.setScene(nullptr); }
 
 void PlanView::setScene(std::shared_ptr<view::PlanScene> scene) {
   cancelInteraction();
+  endPull(false);
+  handles_.clear();
+  preview_.reset();
   tiles_.setScene(scene);
   scene_ = std::move(scene);
   hovered_.reset();
@@ -116,6 +121,73 @@ void PlanView::setSelected(const std::vector<Handle>& handles) {
   invalidate();
 }
 
+void PlanView::setPreview(std::shared_ptr<const view::LineSet> lines) {
+  preview_ = std::move(lines);
+  invalidate();
+}
+
+void PlanView::setHandles(std::vector<Vec2> places) {
+  endPull(false);
+  handles_ = std::move(places);
+  update();
+}
+
+void PlanView::setPulled(std::vector<Vec2> line) {
+  pulled_ = std::move(line);
+  update();
+}
+
+// ---------------------------------------------------------------- pulling at handles
+
+std::optional<int> PlanView::handleAt(QPointF place) const {
+  if (mode_ != Mode::None) return std::nullopt;
+  constexpr double kReach = kPickRadius + 2.0;
+  for (std::size_t i = 0; i < handles_.size(); ++i) {
+    const QPointF away = point(viewport_.toPixels(handles_[i])) - place;
+    if (std::max(std::abs(away.x()), std::abs(away.y())) <= kReach) return static_cast<int>(i);
+  }
+  return std::nullopt;
+}
+
+void PlanView::pull(QPointF place) {
+  if (!pull_->isMoved && !isDragDistance(pull_->place, place)) return;
+  pull_->isMoved = true;
+  pull_->place = place;
+  Q_EMIT handlePulled(pull_->index, point(viewport_.toDrawing(vec(place))));
+}
+
+void PlanView::endPull(bool drops) {
+  if (!pull_) return;
+  const Pull ended = *pull_;
+  pull_.reset();
+  pulled_.clear();
+  showCursor();
+  update();
+  if (drops && ended.isMoved)
+    Q_EMIT handleDropped(ended.index, point(viewport_.toDrawing(vec(ended.place))));
+  else
+    Q_EMIT handleLeft();
+}
+
+void PlanView::paintHandles(QPainter& painter) const {
+  const PlanColours& colours = planColours(look_.dark);
+  painter.setRenderHint(QPainter::Antialiasing);
+  if (pulled_.size() > 1) {
+    QPolygonF line;
+    for (const Vec2 vertex : pulled_) line.push_back(point(viewport_.toPixels(vertex)));
+    painter.setPen(QPen(colours.preview, 2.4, Qt::SolidLine, Qt::RoundCap));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPolyline(line);
+  }
+  constexpr double kHalf = 4.5;
+  painter.setPen(QPen(colours.ground, 1.0));
+  painter.setBrush(colours.selected);
+  for (const Vec2 place : handles_) {
+    const QPointF middle = point(viewport_.toPixels(place));
+    painter.drawRect(QRectF(middle - QPointF(kHalf, kHalf), QSizeF(2 * kHalf, 2 * kHalf)));
+  }
+}
+
 // ---------------------------------------------------------------- interactions
 
 void PlanView::startPick(const QString& prompt) {
@@ -134,6 +206,7 @@ void PlanView::startSelection(const QString& addPrompt, const QString& removePro
 }
 
 void PlanView::start(Mode mode) {
+  endPull(false);
   mode_ = mode;
   isRemoving_ = false;
   selection_.clear();
@@ -306,8 +379,14 @@ void PlanView::mousePressEvent(QMouseEvent* event) {
       clickAt(place, event->modifiers());
       return;
     }
+    if (const std::optional<int> handle = handleAt(place)) {
+      pull_ = Pull{.index = *handle, .place = place};
+      showCursor();
+      return;
+    }
     press_ = Press{.place = place};
   } else if (event->button() == Qt::RightButton) {
+    answeredByMenuButton_ = mode_ != Mode::None;
     if (mode_ == Mode::Pick)
       cancelInteraction();
     else if (mode_ == Mode::Select)
@@ -325,6 +404,8 @@ void PlanView::mouseMoveEvent(QMouseEvent* event) {
   if (panFrom_) {
     panBy(place - *panFrom_);
     panFrom_ = place;
+  } else if (pull_) {
+    pull(place);
   } else if (press_) {
     if (!press_->isDrag && isDragDistance(press_->place, place)) {
       press_->isDrag = true;
@@ -344,6 +425,7 @@ void PlanView::mouseMoveEvent(QMouseEvent* event) {
     }
   } else {
     hover(place);
+    if (mode_ == Mode::None && !handles_.empty()) showCursor();
   }
   if (corner_) update();
   Q_EMIT mouseAt(point(viewport_.toDrawing(vec(place))));
@@ -353,6 +435,9 @@ void PlanView::mouseReleaseEvent(QMouseEvent* event) {
   if (event->button() == Qt::MiddleButton) {
     panFrom_.reset();
     showCursor();
+  } else if (event->button() == Qt::LeftButton && pull_) {
+    endPull(true);
+    hover(event->position());
   } else if (event->button() == Qt::LeftButton && press_) {
     const Press press = *press_;
     press_.reset();
@@ -397,6 +482,8 @@ void PlanView::wheelEvent(QWheelEvent* event) {
 
 bool PlanView::event(QEvent* event) {
   // While something is asked its keys belong here, whatever shortcuts the window has.
+  if (event->type() == QEvent::ShortcutOverride && pull_ && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape)
+    event->accept();
   if (event->type() == QEvent::ShortcutOverride && mode_ != Mode::None) {
     switch (static_cast<QKeyEvent*>(event)->key()) {
       case Qt::Key_Escape:
@@ -418,6 +505,7 @@ void PlanView::keyPressEvent(QKeyEvent* event) {
   const double down = height() * kKeyPan;
   switch (event->key()) {
     case Qt::Key_Escape:
+      if (pull_) return endPull(false);
       if (mode_ == Mode::None) return event->ignore();
       return cancelInteraction();
     case Qt::Key_Return:
@@ -448,6 +536,14 @@ void PlanView::keyPressEvent(QKeyEvent* event) {
   }
 }
 
+void PlanView::contextMenuEvent(QContextMenuEvent* event) {
+  if (std::exchange(answeredByMenuButton_, false) || mode_ != Mode::None || !scene_) return;
+  const bool isMouse = event->reason() == QContextMenuEvent::Mouse;
+  const QPointF place = isMouse ? QPointF(event->pos()) : mouse_.value_or(QRectF(rect()).center());
+  const std::optional<view::Hit> hit = hitAt(place);
+  Q_EMIT menuWanted(hit ? hit->handle : 0, point(viewport_.toDrawing(vec(place))), mapToGlobal(place.toPoint()));
+}
+
 void PlanView::leaveEvent(QEvent* event) {
   QWidget::leaveEvent(event);
   mouse_.reset();
@@ -460,6 +556,7 @@ void PlanView::hideEvent(QHideEvent* event) {
   QWidget::hideEvent(event);
   panFrom_.reset();
   press_.reset();
+  endPull(false);
 }
 
 void PlanView::changeEvent(QEvent* event) {
@@ -508,6 +605,8 @@ void PlanView::showCursor() {
     setCursor(Qt::ClosedHandCursor);
   else if (mode_ != Mode::None)
     setCursor(pickCursor(devicePixelRatioF()));
+  else if (pull_ || (mouse_ && handleAt(*mouse_)))
+    setCursor(Qt::SizeAllCursor);
   else
     unsetCursor();
 }
@@ -528,6 +627,7 @@ PlanPainter::Frame PlanView::frame() const {
           .viewport = viewport_,
           .look = look_,
           .selected = mode_ == Mode::Select ? &selection_ : &selected_,
+          .preview = preview_.get(),
           .font = font()};
 }
 
@@ -557,6 +657,7 @@ void PlanView::paintEvent(QPaintEvent* event) {
     if (!isBaseCurrent_) paintBase();
     painter.drawImage(0, 0, base_);
     if (hovered_) painter_.paintHover(painter, frame(), hovered_->handle);
+    if (mode_ == Mode::None) paintHandles(painter);
   }
   if (corner_ && mouse_) paintRectangle(painter);
   paintPointerBox(painter);

@@ -56,6 +56,14 @@ class PlanView : public QWidget {
   /// Highlights objects, whoever chose them; unknown handles are passed over.
   void setSelected(const std::vector<civil::Handle>& handles);
 
+  /// Lines that would be made, over the plan; null: none.
+  void setPreview(std::shared_ptr<const view::LineSet> lines);
+  /// Places of the drawing that can be pulled with the left button while nothing is asked, shown as small squares. A pull
+  /// is told by handlePulled() and ends with handleDropped(), or with handleLeft() after Escape.
+  void setHandles(std::vector<civil::Vec2> places);
+  /// What a pull would give, shown until it ends.
+  void setPulled(std::vector<civil::Vec2> line);
+
   /// Ends with picked() or gaveUp().
   void startPick(const QString& prompt);
   /// Ends with selected() or gaveUp(). Only objects of one kind can be selected, if asked for.
@@ -84,6 +92,11 @@ class PlanView : public QWidget {
   void picked(quint64 handle);
   void selected(const QList<quint64>& handles);
   void gaveUp();
+  void handlePulled(int index, QPointF place);
+  void handleDropped(int index, QPointF place);
+  void handleLeft();
+  /// A menu is asked for, while nothing else is: what lies there (0: nothing), where it is in the drawing, on the screen.
+  void menuWanted(quint64 handle, QPointF place, QPoint global);
   /// What the user is asked; empty when the interaction ends.
   void promptChanged(const QString& prompt);
 
@@ -97,6 +110,7 @@ class PlanView : public QWidget {
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
   void leaveEvent(QEvent* event) override;
   void hideEvent(QHideEvent* event) override;
   void changeEvent(QEvent* event) override;
@@ -123,6 +137,10 @@ class PlanView : public QWidget {
   void clickAt(QPointF place, Qt::KeyboardModifiers modifiers);
   void take(std::span<const civil::Handle> handles, bool remove);
   void endRectangle(QPointF place, Qt::KeyboardModifiers modifiers);
+  [[nodiscard]] std::optional<int> handleAt(QPointF place) const;
+  void pull(QPointF place);
+  void endPull(bool drops);
+  void paintHandles(QPainter& painter) const;
   [[nodiscard]] QPointF cornerPixel() const;
   /// The last line beside the pointer: what could be done now.
   [[nodiscard]] QString pointerHint() const;
@@ -156,6 +174,19 @@ class PlanView : public QWidget {
   std::optional<QPointF> mouse_;
   std::optional<Press> press_;
   std::optional<QPointF> panFrom_;
+
+  /// A handle that the left button holds.
+  struct Pull {
+    int index = 0;
+    QPointF place;
+    bool isMoved = false;
+  };
+  std::shared_ptr<const view::LineSet> preview_;
+  std::vector<civil::Vec2> handles_;
+  std::vector<civil::Vec2> pulled_;
+  std::optional<Pull> pull_;
+  /// The right button went down for an answer, not for a menu.
+  bool answeredByMenuButton_ = false;
 
   Mode mode_ = Mode::None;
   QString addPrompt_;

@@ -6,6 +6,7 @@
 #include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QIcon>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QSettings>
@@ -30,6 +31,7 @@
 #include "desktop/shell/long_work.h"
 #include "desktop/shell/look_menus.h"
 #include "desktop/shell/report_outcome.h"
+#include "desktop/shell/sample_line_editing.h"
 #include "desktop/shell/scheme_menu.h"
 #include "desktop/shell/window_actions.h"
 #include "runtime/installation.h"
@@ -61,6 +63,7 @@ MainWindow::MainWindow(const DesktopOptions& options)
       place_(std::make_unique<PlaceLine>(*statusBar())),
       edits_(std::make_unique<Edits>(*this, *session_, *work_)),
       views_(std::make_unique<DrawingViews>(panels_, *place_, *session_, *frontEnd_)),
+      lines_(std::make_unique<SampleLineEditing>(*this, panels_, *session_, *edits_, views_->selection())),
       recent_(std::make_unique<RecentDrawings>(*settings_)),
       document_(
           std::make_unique<Document>(DocumentSurroundings{*this, *panels_.console, *panels_.notice, *panels_.progress},
@@ -101,6 +104,7 @@ MainWindow::~MainWindow() {
 void MainWindow::connectDocument() {
   connect(document_.get(), &Document::letGo, views_.get(), &DrawingViews::clear);
   connect(document_.get(), &Document::opened, views_.get(), &DrawingViews::show);
+  connect(document_.get(), &Document::letGo, lines_.get(), &SampleLineEditing::forget);
   connect(document_.get(), &Document::letGo, edits_.get(), &Edits::forget);
   connect(edits_.get(), &Edits::changed, views_.get(), &DrawingViews::followEdit);
   connect(edits_.get(), &Edits::changed, this, &MainWindow::updateState);
@@ -121,6 +125,14 @@ void MainWindow::connectActions() {
   actions_->onTrigger(WindowAction::Quit, [this] { close(); });
   actions_->onTrigger(WindowAction::Undo, [this] { edits_->undo(); });
   actions_->onTrigger(WindowAction::Redo, [this] { edits_->redo(); });
+  actions_->onTrigger(WindowAction::NewLines, [this] { lines_->askNew(); });
+  actions_->onTrigger(WindowAction::EditLines, [this] { lines_->askEdit(); });
+  actions_->onTrigger(WindowAction::AddLine, [this] { lines_->askAdd(); });
+  actions_->onTrigger(WindowAction::Delete, [this] { lines_->remove(); });
+  connect(panels_.tree, &DrawingTree::menuWanted, this,
+          [this](quint64 handle, QPoint global) { showMenu(handle, {}, global); });
+  connect(panels_.plan, &PlanView::menuWanted, this,
+          [this](quint64 handle, QPointF place, QPoint global) { showMenu(handle, place, global); });
   actions_->onTrigger(WindowAction::ZoomAll, [this] { panels_.plan->zoomToAll(); });
   actions_->onTrigger(WindowAction::ZoomSelection, [this] { views_->zoomToSelection(); });
   actions_->onTrigger(WindowAction::Find, [this] {
@@ -199,8 +211,8 @@ void MainWindow::applyLook() {
 void MainWindow::updateState() {
   const bool isOpen = document_->isOpen();
   const bool isChanged = document_->isChanged();
-  actions_->update({!document_->isBusy(), isOpen, isChanged, views_->selection().handle() != 0, edits_->undoName(),
-                    edits_->redoName()});
+  actions_->update({!document_->isBusy(), isOpen, isChanged, views_->selection().handle() != 0, lines_->hasChosen(),
+                    edits_->undoName(), edits_->redoName()});
   setWindowTitle(isOpen ? tr("%1[*] – lvxhost-desktop").arg(QFileInfo(document_->path()).fileName())
                         : QStringLiteral("lvxhost-desktop"));
   setWindowModified(isChanged);
@@ -218,6 +230,14 @@ void MainWindow::runCommand(const QString& name) {
   updateState();
   outcome_->tell(report, document_->isChanged());
   leave_->follow();
+}
+
+void MainWindow::showMenu(civil::Handle handle, std::optional<QPointF> place, QPoint global) {
+  if (document_->isBusy()) return;
+  QMenu menu(this);
+  menu.setObjectName(QStringLiteral("objectMenu"));
+  lines_->addEntries(menu, handle, place);
+  if (!menu.isEmpty()) menu.exec(global);
 }
 
 void MainWindow::showLine(quint64 line) { (new TextWindow(document_->path(), line, decodeUtf8OrLatin1, this))->show(); }

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPoint>
+#include <QPointF>
 #include <memory>
+#include <optional>
 
 #include "desktop/common/language.h"
 #include "desktop/shell/desktop_options.h"
@@ -23,6 +26,7 @@ class LongWork;
 class PlaceLine;
 class RecentDrawings;
 class ReportOutcome;
+class SampleLineEditing;
 class WindowActions;
 
 /// The program's window: the drawing in the middle, around it the tree of its objects, sections and profiles, the console
@@ -39,6 +43,7 @@ class WindowActions;
 /// - DrawingViews: plan, tree, charts over one drawing and one selection
 /// - CommandPrompt: what is typed
 /// - Edits: what the user changes in the drawing, to be undone and redone
+/// - SampleLineEditing: groups of sample lines and single ones
 /// - Session, DesktopFrontEnd, LongWork: the module's commands, their questions, their progress
 /// - ReportOutcome: what came of a command
 class MainWindow : public QMainWindow {
@@ -75,6 +80,7 @@ class MainWindow : public QMainWindow {
   void updateState();
   void runCommand(const QString& name);
   void showLine(quint64 line);
+  void showMenu(civil::Handle handle, std::optional<QPointF> place, QPoint global);
   void showAbout();
 
   DesktopOptions options_;
@@ -89,6 +95,7 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<PlaceLine> place_;
   std::unique_ptr<Edits> edits_;
   std::unique_ptr<DrawingViews> views_;
+  std::unique_ptr<SampleLineEditing> lines_;
   std::unique_ptr<RecentDrawings> recent_;
   std::unique_ptr<Document> document_;
   std::unique_ptr<WindowActions> actions_;

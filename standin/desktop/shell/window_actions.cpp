@@ -23,12 +23,21 @@ namespace {
 constexpr int kToolSide = 24;
 
 /// What has to hold for an action: bits.
-enum Need : unsigned { Nothing = 0, Idle = 1, Open = 2, Changes = 4, Selection = 8, Undoable = 16, Redoable = 32 };
+enum Need : unsigned {
+  Nothing = 0,
+  Idle = 1,
+  Open = 2,
+  Changes = 4,
+  Selection = 8,
+  Undoable = 16,
+  Redoable = 32,
+  Lines = 64
+};
 
 unsigned heldBy(const WindowState& state) {
   return (state.isIdle ? Idle : 0U) | (state.isOpen ? Open : 0U) | (state.isChanged ? Changes : 0U) |
          (state.hasSelection ? Selection : 0U) | (state.undo.isEmpty() ? 0U : Undoable) |
-         (state.redo.isEmpty() ? 0U : Redoable);
+         (state.redo.isEmpty() ? 0U : Redoable) | (state.hasLines ? Lines : 0U);
 }
 
 bool areMet(unsigned needs, const WindowState& state) { return (needs & ~heldBy(state)) == 0; }
@@ -67,6 +76,20 @@ const std::vector<Row>& rows() {
       {WindowAction::Redo, "redo", "redo", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Redo"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Make the change again that was taken back"),
        Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Idle | Redoable, false},
+      {WindowAction::NewLines, "newLines", "sample_line_group",
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Sample &lines…"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Make a group of sample lines by rules"), Qt::CTRL | Qt::Key_L,
+       Open | Idle, true},
+      {WindowAction::EditLines, "editLines", "",
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Edit sample lines…"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Change the group of the selected sample line"),
+       Qt::CTRL | Qt::SHIFT | Qt::Key_L, Idle | Lines, true},
+      {WindowAction::AddLine, "addLine", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Add a sample line…"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Add a line to the selected group, at a station"),
+       QKeySequence(), Idle | Lines, true},
+      {WindowAction::Delete, "delete", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Delete"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Delete the selected sample line or group"),
+       QKeySequence::Delete, Idle | Lines, false},
       {WindowAction::ZoomAll, "zoomAll", "zoom_all", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Zoom to &all"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Show the whole drawing"), Qt::CTRL | Qt::Key_0, Open, false},
       {WindowAction::ZoomSelection, "zoomSelection", "zoom_selection",
@@ -142,6 +165,10 @@ void WindowActions::buildEditMenu() {
   menu->setObjectName(QStringLiteral("editMenu"));
   menu->addAction(at(WindowAction::Undo));
   menu->addAction(at(WindowAction::Redo));
+  menu->addSeparator();
+  for (const WindowAction action :
+       {WindowAction::NewLines, WindowAction::EditLines, WindowAction::AddLine, WindowAction::Delete})
+    menu->addAction(at(action));
 }
 
 void WindowActions::buildViewMenu(QSettings& settings, std::optional<Scheme> askedScheme) {
@@ -185,6 +212,7 @@ void WindowActions::buildTools() {
   tools_->addSeparator();
   tools_->addAction(at(WindowAction::Undo));
   tools_->addAction(at(WindowAction::Redo));
+  tools_->addAction(at(WindowAction::NewLines));
   tools_->addSeparator();
   tools_->addAction(at(WindowAction::ZoomAll));
   tools_->addAction(at(WindowAction::ZoomSelection));

@@ -33,6 +33,10 @@ enum class WindowAction : std::uint8_t {
   Quit,
   Undo,
   Redo,
+  NewLines,
+  EditLines,
+  AddLine,
+  Delete,
   ZoomAll,
   ZoomSelection,
   Find,
@@ -48,6 +52,8 @@ struct WindowState {
   bool isOpen = false;
   bool isChanged = false;
   bool hasSelection = false;
+  /// A sample line or a group of them is chosen.
+  bool hasLines = false;
   /// What would be undone and redone; empty for nothing.
   QString undo;
   QString redo;

@@ -969,6 +969,341 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     </message>
 </context>
 <context>
+    <name>lvx::desktop::SampleLineEditing</name>
+    <message>
+        <source>New sample lines “%1”</source>
+        <translation>Neue Querprofile „%1“</translation>
+    </message>
+    <message>
+        <source>Edit sample lines “%1”</source>
+        <translation>Querprofile „%1“ bearbeiten</translation>
+    </message>
+    <message numerus="yes">
+        <source>Group “%1” has %n sample line(s).</source>
+        <translation>
+            <numerusform>Gruppe „%1“ hat %n Querprofil.</numerusform>
+            <numerusform>Gruppe „%1“ hat %n Querprofile.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>&amp;Name</source>
+        <translation>&amp;Name</translation>
+    </message>
+    <message>
+        <source>New width to the &amp;left</source>
+        <translation>Neue Breite nach &amp;links</translation>
+    </message>
+    <message>
+        <source>New width to the &amp;right</source>
+        <translation>Neue Breite nach &amp;rechts</translation>
+    </message>
+    <message>
+        <source>as it is</source>
+        <translation>wie sie ist</translation>
+    </message>
+    <message>
+        <source>A name is wanted.</source>
+        <translation>Ein Name wird erwartet.</translation>
+    </message>
+    <message>
+        <source>The alignment has a group of this name already.</source>
+        <translation>Die Achse hat schon eine Gruppe dieses Namens.</translation>
+    </message>
+    <message>
+        <source>A width above 0 is wanted, or nothing.</source>
+        <translation>Eine Breite über 0 wird erwartet, oder nichts.</translation>
+    </message>
+    <message>
+        <source>Delete sample line %1</source>
+        <translation>Querprofil %1 löschen</translation>
+    </message>
+    <message>
+        <source>Delete sample lines “%1”</source>
+        <translation>Querprofile „%1“ löschen</translation>
+    </message>
+    <message>
+        <source>Add a sample line</source>
+        <translation>Querprofil hinzufügen</translation>
+    </message>
+    <message>
+        <source>Station from %1 to %2:</source>
+        <translation>Station von %1 bis %2:</translation>
+    </message>
+    <message>
+        <source>New sample line %1</source>
+        <translation>Neues Querprofil %1</translation>
+    </message>
+    <message>
+        <source>Width of sample line %1</source>
+        <translation>Breite von Querprofil %1</translation>
+    </message>
+    <message>
+        <source>Sample &amp;lines…</source>
+        <translation>&amp;Querprofile …</translation>
+    </message>
+    <message>
+        <source>&amp;Add a line to “%1” here, at %2</source>
+        <translation>&amp;Hier ein Querprofil zu „%1“ hinzufügen, bei %2</translation>
+    </message>
+    <message>
+        <source>Add a line at a &amp;station…</source>
+        <translation>Querprofil bei &amp;Station hinzufügen …</translation>
+    </message>
+    <message>
+        <source>&amp;Edit the group…</source>
+        <translation>&amp;Gruppe bearbeiten …</translation>
+    </message>
+    <message>
+        <source>&amp;Delete the line</source>
+        <translation>Querprofil &amp;löschen</translation>
+    </message>
+    <message>
+        <source>&amp;Delete the group</source>
+        <translation>Gruppe &amp;löschen</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::SampleLinesDialog</name>
+    <message>
+        <source>Sample lines</source>
+        <translation>Querprofile</translation>
+    </message>
+    <message>
+        <source>Edit sample lines “%1”</source>
+        <translation>Querprofile „%1“ bearbeiten</translation>
+    </message>
+    <message>
+        <source>Group</source>
+        <translation>Gruppe</translation>
+    </message>
+    <message>
+        <source>&amp;Alignment</source>
+        <translation>&amp;Achse</translation>
+    </message>
+    <message>
+        <source>&amp;Group name</source>
+        <translation>&amp;Name der Gruppe</translation>
+    </message>
+    <message>
+        <source>Reports show the group under this name</source>
+        <translation>Unter diesem Namen steht die Gruppe in Berichten</translation>
+    </message>
+    <message>
+        <source>Where lines stand</source>
+        <translation>Wo Querprofile liegen</translation>
+    </message>
+    <message>
+        <source>A line &amp;every</source>
+        <translation>&amp;Ein Querprofil alle</translation>
+    </message>
+    <message>
+        <source>&amp;Counted</source>
+        <translation>&amp;Gezählt</translation>
+    </message>
+    <message>
+        <source>at multiples</source>
+        <translation>bei Vielfachen</translation>
+    </message>
+    <message>
+        <source>from the first station</source>
+        <translation>ab der ersten Station</translation>
+    </message>
+    <message>
+        <source>&amp;Half of that in curves with a radius below</source>
+        <translation>&amp;Halber Abstand in Bögen mit Radius unter</translation>
+    </message>
+    <message>
+        <source>&amp;From station</source>
+        <translation>&amp;Von Station</translation>
+    </message>
+    <message>
+        <source>Empty: from the start of the alignment</source>
+        <translation>Leer: vom Anfang der Achse</translation>
+    </message>
+    <message>
+        <source>&amp;To station</source>
+        <translation>&amp;Bis Station</translation>
+    </message>
+    <message>
+        <source>Empty: to the end of the alignment</source>
+        <translation>Leer: bis zum Ende der Achse</translation>
+    </message>
+    <message>
+        <source>At &amp;both ends</source>
+        <translation>An bei&amp;den Enden</translation>
+    </message>
+    <message>
+        <source>At the ends of hori&amp;zontal elements</source>
+        <translation>An den Enden der Lageelemen&amp;te</translation>
+    </message>
+    <message>
+        <source>&amp;Profile</source>
+        <translation>&amp;Längsschnitt</translation>
+    </message>
+    <message>
+        <source>At the &amp;intersection points of the profile</source>
+        <translation>An den Tangentenschnittpunkten des Längs&amp;schnitts</translation>
+    </message>
+    <message>
+        <source>At the ends of its &amp;vertical curves</source>
+        <translation>An den Enden seiner A&amp;usrundungen</translation>
+    </message>
+    <message>
+        <source>At the&amp;se stations</source>
+        <translation>An diesen Stati&amp;onen</translation>
+    </message>
+    <message>
+        <source>With semicolons: 0+020; 35.5</source>
+        <translation>Mit Strichpunkten: 0+020; 35.5</translation>
+    </message>
+    <message>
+        <source>&amp;Merge lines closer than</source>
+        <translation>&amp;Zusammenlegen, wenn näher als</translation>
+    </message>
+    <message>
+        <source>Lines as close as this are one</source>
+        <translation>So nahe Querprofile sind eines</translation>
+    </message>
+    <message>
+        <source>How wide</source>
+        <translation>Wie breit</translation>
+    </message>
+    <message>
+        <source>Fixed width to the &amp;left</source>
+        <translation>Feste Breite nach lin&amp;ks</translation>
+    </message>
+    <message>
+        <source>Fixed width to the &amp;right</source>
+        <translation>Feste Breite nach &amp;rechts</translation>
+    </message>
+    <message>
+        <source>&amp;Otherwise to the border of</source>
+        <translation>Sonst b&amp;is zum Rand von</translation>
+    </message>
+    <message>
+        <source>Largest &amp;width to the border</source>
+        <translation>Hö&amp;chstbreite bis zum Rand</translation>
+    </message>
+    <message>
+        <source>Lines that don&apos;t reach the border, or don&apos;t meet the surface, are this wide</source>
+        <translation>So breit sind Querprofile, die den Rand nicht erreichen oder das DGM nicht treffen</translation>
+    </message>
+    <message>
+        <source>S&amp;kew [°]</source>
+        <translation>Schie&amp;fe [°]</translation>
+    </message>
+    <message>
+        <source>By how much lines turn clockwise against square</source>
+        <translation>Um wie viel Querprofile im Uhrzeigersinn gegen die Senkrechte gedreht sind</translation>
+    </message>
+    <message>
+        <source>Names</source>
+        <translation>Namen</translation>
+    </message>
+    <message>
+        <source>Patter&amp;n of the names</source>
+        <translation>&amp;Muster der Namen</translation>
+    </message>
+    <message>
+        <source>{station} as reports print it, {kind} why the line stands there, {n} its number</source>
+        <translation>{station} wie in Berichten, {kind} warum das Querprofil dort liegt, {n} seine Nummer</translation>
+    </message>
+    <message>
+        <source>What the rules give</source>
+        <translation>Was die Regeln ergeben</translation>
+    </message>
+    <message>
+        <source>A number is wanted.</source>
+        <translation>Eine Zahl wird erwartet.</translation>
+    </message>
+    <message>
+        <source>A number above 0 is wanted.</source>
+        <translation>Eine Zahl über 0 wird erwartet.</translation>
+    </message>
+    <message>
+        <source>A station is wanted, as 1020.5 or 1+020.5.</source>
+        <translation>Eine Station wird erwartet, wie 1020.5 oder 1+020.5.</translation>
+    </message>
+    <message>
+        <source>The alignment runs from %1 to %2.</source>
+        <translation>Die Achse reicht von %1 bis %2.</translation>
+    </message>
+    <message>
+        <source>This lies before the first station.</source>
+        <translation>Das liegt vor der ersten Station.</translation>
+    </message>
+    <message>
+        <source>This alignment has no profile.</source>
+        <translation>Diese Achse hat keinen Längsschnitt.</translation>
+    </message>
+    <message>
+        <source>Stations between semicolons are wanted.</source>
+        <translation>Stationen zwischen Strichpunkten werden erwartet.</translation>
+    </message>
+    <message>
+        <source>A number of 0 or above is wanted.</source>
+        <translation>Eine Zahl ab 0 wird erwartet.</translation>
+    </message>
+    <message>
+        <source>The drawing has no surface: give both widths.</source>
+        <translation>Die Zeichnung hat kein DGM: beide Breiten angeben.</translation>
+    </message>
+    <message>
+        <source>This surface has no ground.</source>
+        <translation>Dieses DGM hat kein Gelände.</translation>
+    </message>
+    <message>
+        <source>An angle between -90 and 90 is wanted.</source>
+        <translation>Ein Winkel zwischen -90 und 90 wird erwartet.</translation>
+    </message>
+    <message>
+        <source>A name is wanted.</source>
+        <translation>Ein Name wird erwartet.</translation>
+    </message>
+    <message>
+        <source>The alignment has a group of this name already.</source>
+        <translation>Die Achse hat schon eine Gruppe dieses Namens.</translation>
+    </message>
+    <message>
+        <source>In braces only {station}, {kind} and {n} can stand.</source>
+        <translation>In Klammern können nur {station}, {kind} und {n} stehen.</translation>
+    </message>
+    <message>
+        <source>The drawing has no alignment.</source>
+        <translation>Die Zeichnung hat keine Achse.</translation>
+    </message>
+    <message>
+        <source>Something is missing above.</source>
+        <translation>Oben fehlt noch etwas.</translation>
+    </message>
+    <message>
+        <source>Nothing says where lines stand yet.</source>
+        <translation>Noch ist nicht gesagt, wo Querprofile liegen.</translation>
+    </message>
+    <message>
+        <source>This gives more than %1 lines.</source>
+        <translation>Das ergibt mehr als %1 Querprofile.</translation>
+    </message>
+    <message>
+        <source>These rules give no line here (%1).</source>
+        <translation>Diese Regeln ergeben hier kein Querprofil (%1).</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n line(s) so far…</source>
+        <translation>
+            <numerusform>Bisher %n Querprofil …</numerusform>
+            <numerusform>Bisher %n Querprofile …</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n line(s): %1</source>
+        <translation>
+            <numerusform>%n Querprofil: %1</numerusform>
+            <numerusform>%n Querprofile: %1</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>lvx::desktop::SchemeMenu</name>
     <message>
         <source>As the &amp;system</source>
@@ -1230,6 +1565,38 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>&amp;Edit</source>
         <translation>B&amp;earbeiten</translation>
+    </message>
+    <message>
+        <source>Sample &amp;lines…</source>
+        <translation>&amp;Querprofile …</translation>
+    </message>
+    <message>
+        <source>Make a group of sample lines by rules</source>
+        <translation>Eine Gruppe von Querprofilen nach Regeln anlegen</translation>
+    </message>
+    <message>
+        <source>&amp;Edit sample lines…</source>
+        <translation>Querprofile &amp;bearbeiten …</translation>
+    </message>
+    <message>
+        <source>Change the group of the selected sample line</source>
+        <translation>Die Gruppe des gewählten Querprofils ändern</translation>
+    </message>
+    <message>
+        <source>&amp;Add a sample line…</source>
+        <translation>Querprofil &amp;hinzufügen …</translation>
+    </message>
+    <message>
+        <source>Add a line to the selected group, at a station</source>
+        <translation>Der gewählten Gruppe ein Querprofil an einer Station hinzufügen</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>&amp;Löschen</translation>
+    </message>
+    <message>
+        <source>Delete the selected sample line or group</source>
+        <translation>Das gewählte Querprofil oder die gewählte Gruppe löschen</translation>
     </message>
 </context>
 </TS>

@@ -31,4 +31,31 @@
         </translation>
     </message>
 </context>
+<context>
+    <name>lvx::desktop::SampleLineEditing</name>
+    <message numerus="yes">
+        <source>Group “%1” has %n sample line(s).</source>
+        <translation>
+            <numerusform>Group “%1” has %n sample line.</numerusform>
+            <numerusform>Group “%1” has %n sample lines.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::SampleLinesDialog</name>
+    <message numerus="yes">
+        <source>%n line(s) so far…</source>
+        <translation>
+            <numerusform>%n line so far…</numerusform>
+            <numerusform>%n lines so far…</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n line(s): %1</source>
+        <translation>
+            <numerusform>%n line: %1</numerusform>
+            <numerusform>%n lines: %1</numerusform>
+        </translation>
+    </message>
+</context>
 </TS>
