@@ -32,6 +32,9 @@ const char* nameOf(VerticalCurveKind kind) {
   return "point";
 }
 
+/// What becomes of a point whose curve can't be.
+constexpr const char* kNoCurve = "; its curve is left out, the point is kept";
+
 std::string sentence(const VerticalPoint& point, const std::string& what) {
   return std::string(nameOf(point.kind)) + " at " + numberText(point.station) + ": " + what;
 }
@@ -44,7 +47,7 @@ void dropUnusable(std::vector<VerticalPoint>& points, std::vector<std::string>& 
   };
   if (const auto count = std::erase_if(points, isUnusable); count > 0) {
     warnings.push_back(std::to_string(count) + (count == 1 ? " point" : " points") +
-                       " without a finite station and elevation");
+                       " without a finite station and elevation, left out");
   }
 }
 
@@ -109,7 +112,7 @@ Profile Profile::ground(std::vector<std::vector<VerticalPoint>> polylines) {
     if (!profile.points_.empty()) {
       if (line.front().station > reached) profile.gaps_.push_back({reached, line.front().station});
       if (line.front().station < reached) {
-        profile.warnings_.push_back("ground lines overlap at " + numberText(line.front().station));
+        profile.warnings_.push_back("ground lines overlap at " + numberText(line.front().station) + "; both are kept");
       }
     }
     profile.points_.insert(profile.points_.end(), line.begin(), line.end());
@@ -156,26 +159,26 @@ void Profile::dropImpossibleCurves() {
       case VerticalCurveKind::None:
         continue;
       case VerticalCurveKind::Parabola:
-        if (!isLength(point.length)) drop("length " + numberText(point.length));
+        if (!isLength(point.length)) drop("length " + numberText(point.length) + kNoCurve);
         break;
       case VerticalCurveKind::UnsymmetricParabola:
         if (!isLength(point.length) || !isLength(point.lengthOut)) {
-          drop("lengths " + numberText(point.length) + " and " + numberText(point.lengthOut));
+          drop("lengths " + numberText(point.length) + " and " + numberText(point.lengthOut) + kNoCurve);
         }
         break;
       case VerticalCurveKind::Circle:
-        if (!std::isfinite(point.radius) || point.radius == 0.0) drop("radius " + numberText(point.radius));
+        if (!std::isfinite(point.radius) || point.radius == 0.0) drop("radius " + numberText(point.radius) + kNoCurve);
         break;
     }
     if (point.kind == VerticalCurveKind::None) continue;
     if (i == 0 || i + 1 == points_.size() || !gradeBetween(points_[i - 1], point) ||
         !gradeBetween(point, points_[i + 1])) {
-      drop("no tangent on one side, left out");
+      drop(std::string("no tangent on one side") + kNoCurve);
       continue;
     }
     const Reach reach = reachOf(point, gradeIn(i), gradeOut(i));
     if (!std::isfinite(point.station - reach.before) || !std::isfinite(point.station + reach.after))
-      drop("no finite size");
+      drop(std::string("no finite size") + kNoCurve);
   }
 }
 
@@ -227,7 +230,7 @@ void Profile::buildCurves() {
     if (start < taken - kTouch) {
       warnings_.push_back(sentence(point, "overlaps the curve before it, which goes first"));
     } else if (start < points_[i - 1].station - kTouch || end > points_[i + 1].station + kTouch) {
-      warnings_.push_back(sentence(point, "longer than its tangents"));
+      warnings_.push_back(sentence(point, "longer than its tangents; the curve is kept"));
     }
     Piece piece;
     piece.originStation = start;

@@ -1,6 +1,9 @@
 #include "landxml/reader.h"
 
+#include <algorithm>
+#include <initializer_list>
 #include <memory>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -60,16 +63,50 @@ std::vector<civil::StationEquation> readEquations(Context& context, pugi::xml_no
   std::vector<civil::StationEquation> equations;
   eachChild(alignment, "StaEquation", [&](pugi::xml_node node) {
     const std::string who = speaker + ": StaEquation " + std::to_string(equations.size() + 1);
-    const auto internal = context.number(node, "staInternal", who);
-    const auto ahead = context.number(node, "staAhead", who);
+    // Never applied, so nothing of it is worth more than a note.
+    const auto station = [&](const char* name, const char* otherwise) {
+      return context.number(node, name, who, {otherwise, civil::Severity::Note});
+    };
+    const auto internal = station("staInternal", "the equation is left out");
+    const auto ahead = station("staAhead", "the equation is left out");
     if (!internal || !ahead) {
-      context.warn(node, who + ": lacks staInternal or staAhead; left out");
+      const bool isMissing = attribute(node, "staInternal").empty() || attribute(node, "staAhead").empty();
+      if (isMissing) context.note(node, who + ": lacks staInternal or staAhead; left out");
       return;
     }
-    equations.push_back(
-        {*internal, *ahead, context.number(node, "staBack", who), attribute(node, "staIncrement") != "decreasing"});
+    equations.push_back({*internal, *ahead, station("staBack", "the equation is kept without it"),
+                         attribute(node, "staIncrement") != "decreasing"});
   });
   return equations;
+}
+
+/// Tells which elements are passed over: of each name how many there are, what they hold, and where the first stands.
+void noteUnread(Context& context, pugi::xml_node parent, const std::string& speaker,
+                std::initializer_list<std::string_view> known) {
+  struct Unread {
+    std::string_view name;
+    pugi::xml_node first;
+    std::size_t count = 0;
+    std::size_t content = 0;
+  };
+  std::vector<Unread> unread;  // in the order of the file
+  eachElement(parent, [&](pugi::xml_node node) {
+    const std::string_view name = localName(node);
+    if (std::find(known.begin(), known.end(), name) != known.end()) return;
+    auto at = std::find_if(unread.begin(), unread.end(), [&](const Unread& u) { return u.name == name; });
+    if (at == unread.end()) at = unread.insert(at, {.name = name, .first = node});
+    ++at->count;
+    eachElement(node, [&](pugi::xml_node) { ++at->content; });
+  });
+  for (const Unread& u : unread) context.note(u.first, speaker + unreadText(u.name, u.count, u.content));
+}
+
+/// What the file holds at its root besides the collections that the scan passed over and told.
+void noteUnreadOfRoot(Context& context) {
+  noteUnread(context, context.root, "",
+             {"Units", "CoordinateSystem", "Project", "Application", "Amendment", "DocFileRef", "FeatureDictionary",
+              "Feature", "CgPoints", "Alignments", "Surfaces", "Roadways", "Parcels", "PipeNetworks", "Survey",
+              "PlanFeatures", "GradeModel", "Monuments"});
 }
 
 void readAlignment(Context& context, pugi::xml_node node, civil::Site& site, std::vector<AlignmentRecord>& records) {
@@ -78,8 +115,10 @@ void readAlignment(Context& context, pugi::xml_node node, civil::Site& site, std
   object->description = attributeText(node, "desc");
   const std::string speaker = "alignment '" + object->name + "'";
   Context::Subject subject(context);
-  const auto start = context.number(node, "staStart", speaker);
-  if (!start) context.warn(node, speaker + ": has no start station; 0 is assumed");
+  const auto start = context.number(node, "staStart", speaker, {"0 is assumed", civil::Severity::Error});
+  if (!start && attribute(node, "staStart").empty()) {
+    context.warn(node, speaker + ": has no start station; 0 is assumed");
+  }
   auto geometry = readGeometry(context, node, speaker, start.value_or(0.0));
   if (!geometry) return;
   object->geometry = std::move(*geometry);
@@ -93,6 +132,9 @@ void readAlignment(Context& context, pugi::xml_node node, civil::Site& site, std
   ReadProfiles profiles = readProfiles(context, node, speaker);
   object->profiles = std::move(profiles.profiles);
   record.givenProfileHandles = std::move(profiles.givenHandles);
+
+  noteUnread(context, node, speaker + ": ",
+             {"CoordGeom", "AlignPIs", "Profile", "CrossSects", "StaEquation", "Feature"});
 
   std::size_t number = 0;
   eachChild(node, "CrossSects", [&](pugi::xml_node sections) {
@@ -137,11 +179,12 @@ civil::Drawing readScanned(ScannedDocument& scanned, pugi::xml_document& tree, s
   };
   const double lengthFactor = options.lengthFactor ? options.lengthFactor(drawing.linearUnit) : 1.0;
   goOn();
+  noteUnreadOfRoot(context);
   readSiteList(context);
   readPoints(context);
   const std::vector<AlignmentRecord> alignments = readAlignments(context);
   readCorridors(context, alignments);
-  readSurfaces(context, scanned.definitions, lengthFactor, goOn);
+  readSurfaces(context, scanned, lengthFactor, goOn);
   // Behind all that goes by the file's names.
   civil::tellSiblingsApart(drawing, [&](const std::string& text, civil::Handle ticket, civil::FileNumber) {
     const Context::Subject subject(context, ticket);

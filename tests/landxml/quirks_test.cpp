@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -8,6 +9,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 using ::testing::Not;
 
 const civil::Alignment& geometryOf(const civil::Drawing& drawing) {
@@ -246,7 +248,7 @@ TEST(IntersectionPoints, SpiralsAndArcTouchBothTangents) {
   ASSERT_TRUE(end);
   EXPECT_NEAR(end->point.x, 500.0, 1e-9);
   EXPECT_NEAR(end->point.y, 500.0, 1e-9);
-  EXPECT_EQ(drawing.diagnostics.size(), 1U) << diagnosticsOf(drawing);  // the stated length
+  EXPECT_EQ(drawing.diagnostics.size(), 2U) << diagnosticsOf(drawing);  // the stated length
 }
 
 TEST(IntersectionPoints, SpiralsOfAllLawsTouchBothTangents) {
@@ -412,6 +414,147 @@ TEST(SampleLines, DefaultsComeFromTheSections) {
   ASSERT_EQ(groups[0].lines[2].vertices.size(), 3U);
   EXPECT_NEAR(groups[0].lines[2].vertices[0].x, -7.0, 1e-12);
   EXPECT_THAT(diagnosticsOf(drawing), HasSubstr("sample line 'beyond': the alignment has no station 200; left out"));
+}
+
+TEST(SampleLines, WithoutAPlaceOnTheAlignmentAreLeftOut) {
+  const std::string own =
+      "<Feature code=\"lvx_sampleLine\"><Property label=\"vertices\" value=\"5 -9 5 9\"/></Feature>";
+  const auto drawing = read(metric(northward("<CrossSects name=\"G\"><CrossSect name=\"in\" sta=\"100\">" + own +
+                                             "</CrossSect>\n<CrossSect name=\"behind\" sta=\"100.5\">" + own +
+                                             "</CrossSect><CrossSect name=\"before\" sta=\"-1\"><CrossSectSurf>"
+                                             "<PntList2D>-30 1 20 1</PntList2D></CrossSectSurf></CrossSect>"
+                                             "<CrossSect name=\"wide\" sta=\"50\"/></CrossSects>")));
+  const auto& group = drawing.siteless.alignments.at(0)->sampleLineGroups.at(0);
+  ASSERT_EQ(group.lines.size(), 2U);
+  EXPECT_EQ(group.lines[0].name, "in");
+  EXPECT_EQ(group.lines[1].name, "wide");
+  EXPECT_NEAR(group.lines[1].vertices.back().x, 30.0, 1e-9) << "as wide as the widest of the file";
+  const std::string who = "alignment 'A': group 'G': sample line '";
+  EXPECT_THAT(diagnosticsOf(drawing), HasSubstr("2: " + who + "behind': the alignment has no station 100.5; left out"));
+  EXPECT_THAT(diagnosticsOf(drawing), HasSubstr(who + "before': the alignment has no station -1; left out"));
+  for (const auto& diagnostic : drawing.diagnostics) {
+    if (diagnostic.text.find("no station") == std::string::npos) continue;
+    EXPECT_EQ(diagnostic.severity, civil::Severity::Warning);
+    EXPECT_EQ(diagnostic.object, group.handle) << "the lines themselves aren't there";
+  }
+}
+
+TEST(SampleLines, OfAnAlignmentWithoutGeometryAreToldOnce) {
+  const auto drawing =
+      read(metric(alignment("<CrossSects name=\"G\"><CrossSect sta=\"1\"/><CrossSect sta=\"2\"/></CrossSects>")));
+  EXPECT_THAT(drawing.siteless.alignments.at(0)->sampleLineGroups.at(0).lines, IsEmpty());
+  EXPECT_THAT(diagnosticsOf(drawing),
+              HasSubstr("alignment 'A': group 'G': the alignment has no geometry; 2 sample lines are left out"));
+}
+
+TEST(Notes, SayWhatIsntReadHowOftenAndWhere) {
+  struct Row {
+    std::string content;
+    const char* note;  ///< with its line
+    const char* about;
+  };
+  const Row rows[] = {
+      {"\n<Parcels><Parcel/><Parcel/></Parcels><Parcels/><Parcels><Parcel/></Parcels>",
+       "2: 2 'Parcels' aren't read (3 elements in them)", ""},
+      {"<Survey>text</Survey>", "1: 'Survey' isn't read", ""},
+      {"\n\n<Drainage><Ditch/></Drainage>", "3: 'Drainage' isn't read (1 element in it)", ""},
+      {northward("\n<Cant name=\"c\"><CantStation/><CantStation/></Cant>"),
+       "2: alignment 'A': 'Cant' isn't read (2 elements in it)", "A"},
+      {northward("<Superelevation/>\n<Superelevation/>"), "1: alignment 'A': 2 'Superelevation' aren't read", "A"},
+      {"<Surfaces><Surface name=\"T\">\n<SourceData><Breaklines><Breakline/><Breakline/></Breaklines><Contours>"
+       "<Contour/></Contours><Boundaries><Boundary/></Boundaries></SourceData></Surface></Surfaces>",
+       "2: surface 'T': 2 breaklines, 1 contour, 1 boundary aren't read; only triangles count", "T"},
+      {"<Surfaces><Surface "
+       "name=\"T\"><SourceData><Breaklines><Breakline/></Breaklines></SourceData></Surface></Surfaces>",
+       "1: surface 'T': 1 breakline isn't read; only triangles count", "T"},
+      {alignment("\n<AlignPIs><AlignPI><PI>0 0</PI></AlignPI><AlignPI><PI>9 0</PI></AlignPI></AlignPIs>"),
+       "2: alignment 'A': its geometry is computed from intersection points (AlignPIs), since it has no elements in a "
+       "CoordGeom",
+       "A"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.note);
+    const auto drawing = read(metric(row.content));
+    std::vector<std::string> found;
+    for (const auto& diagnostic : drawing.diagnostics) {
+      if (std::to_string(diagnostic.line) + ": " + diagnostic.text != row.note) continue;
+      EXPECT_EQ(diagnostic.severity, civil::Severity::Note);
+      const auto entry = civil::DrawingIndex(drawing).byHandle(diagnostic.object);
+      const auto* const axis = entry ? entry->as<civil::AlignmentObject>() : nullptr;
+      const auto* const surface = entry ? entry->as<civil::SurfaceObject>() : nullptr;
+      found.push_back(axis != nullptr ? axis->name : surface != nullptr ? surface->name : "");
+    }
+    EXPECT_THAT(found, ElementsAre(row.about)) << diagnosticsOf(drawing);
+  }
+}
+
+TEST(Notes, KnownElementsAreNotTold) {
+  const auto drawing = read(metric("<Project name=\"p\"/><Application name=\"a\"/><CoordinateSystem/>" +
+                                   northward("<Feature code=\"x\"/><Profile/>")));
+  for (const auto& diagnostic : drawing.diagnostics) EXPECT_THAT(diagnostic.text, Not(HasSubstr("read")));
+}
+
+TEST(Diagnostics, SayWhatWasDoneAndWeighWhatCounts) {
+  using civil::Severity;
+  struct Row {
+    std::string content;
+    Severity severity;
+    const char* text;
+  };
+  const auto curve = [](const std::string& attributes, const std::string& end) {
+    return alignment("<CoordGeom><Curve rot=\"cw\" " + attributes + "><Start>0 0</Start><Center>0 100</Center><End>" +
+                     end + "</End></Curve></CoordGeom>");
+  };
+  const auto profile = [](const std::string& points) {
+    return northward("<Profile><ProfAlign name=\"P\"><PVI>0 1</PVI>" + points +
+                     "<PVI>100 1</PVI></ProfAlign></Profile>");
+  };
+  const Row rows[] = {
+      {northward("<StaEquation staInternal=\"5\" staAhead=\"10\" staBack=\"NaN\"/>"), Severity::Note,
+       "StaEquation 1: staBack 'NaN' is not a number that can be used; the equation is kept without it"},
+      {northward("<StaEquation staInternal=\"x\" staAhead=\"10\"/>"), Severity::Note,
+       "StaEquation 1: staInternal 'x' is not a number that can be used; the equation is left out"},
+      {northward("<StaEquation staInternal=\"5\"/>"), Severity::Note,
+       "StaEquation 1: lacks staInternal or staAhead; left out"},
+      {"<Alignments><Alignment name=\"A\" staStart=\"x\"/></Alignments>", Severity::Error,
+       "staStart 'x' is not a number that can be used; 0 is assumed"},
+      {"<Alignments><Alignment name=\"A\"/></Alignments>", Severity::Warning, "has no start station; 0 is assumed"},
+      {"<Alignments><Alignment name=\"A\" staStart=\"0\" length=\"x\"><CoordGeom><Line><Start>0 0</Start><End>9 0</End>"
+       "</Line></CoordGeom></Alignment></Alignments>",
+       Severity::Note, "length 'x' is not a number that can be used; its elements count"},
+      {curve("length=\"x\"", "100 100"), Severity::Warning, "the curve is kept without it"},
+      {curve("", "101 100"), Severity::Warning, "from the Center; the curve is kept, with the radius of its Start"},
+      {profile("<CircCurve length=\"x\" radius=\"50\">50 2</CircCurve>"), Severity::Note, "the radius counts"},
+      {profile("<ParaCurve length=\"x\">50 2</ParaCurve>"), Severity::Error, "can be used; taken as 0"},
+      {profile("<ParaCurve length=\"0\">50 2</ParaCurve>"), Severity::Warning,
+       "length 0; its curve is left out, the point is kept"},
+      {northward("<CrossSects name=\"G\"><CrossSect name=\"L\" sta=\"x\"/></CrossSects>"), Severity::Error,
+       "sample line 'L': sta 'x' is not a number that can be used; left out"},
+      {alignment("<CoordGeom><Line><Start>0 0</Start><End>9 - 1</End></Line></CoordGeom>"), Severity::Warning,
+       "End: a sign stood apart from its number; they were put together to -1"},
+      {northward("<Profile><ProfSurf name=\"P\"><PntList2D>0 - 1 5 - 2.5 9 1</PntList2D></ProfSurf></Profile>"),
+       Severity::Warning, "2 signs stood apart from their numbers; they were put together, the first one to -1"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.text);
+    const auto drawing = read(metric(row.content));
+    std::vector<Severity> severities;
+    for (const auto& diagnostic : drawing.diagnostics)
+      if (diagnostic.text.find(row.text) != std::string::npos) severities.push_back(diagnostic.severity);
+    EXPECT_THAT(severities, ElementsAre(row.severity)) << diagnosticsOf(drawing);
+    const auto isAboutIt = [](const auto& d) { return d.text.find("start station") != std::string::npos; };
+    if (row.severity == Severity::Error) {
+      EXPECT_TRUE(std::none_of(drawing.diagnostics.begin(), drawing.diagnostics.end(), isAboutIt)) << "told twice";
+    }
+  }
+}
+
+TEST(Points, ThatStandTwiceInAGroupStandThereTwice) {
+  const auto drawing =
+      read(metric("<CgPoints><CgPoint name=\"1\">0 0</CgPoint></CgPoints><CgPoints name=\"G\">"
+                  "<CgPoint pntRef=\"1\"/><CgPoint name=\"2\">1 1</CgPoint><CgPoint pntRef=\"1\"/>"
+                  "</CgPoints>"));
+  EXPECT_THAT(drawing.pointGroups.at(0).numbers, ElementsAre(1, 2, 1));
 }
 
 TEST(Points, NumbersNamesAndDescriptionsOfOtherPrograms) {

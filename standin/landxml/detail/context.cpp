@@ -125,12 +125,14 @@ Context::Subject::~Subject() {
   }
 }
 
-std::optional<double> Context::number(pugi::xml_node node, const char* name, const std::string& speaker) {
+std::optional<double> Context::number(pugi::xml_node node, const char* name, const std::string& speaker,
+                                      const Consequence& otherwise) {
   const std::string_view value = attribute(node, name);
   if (value.empty()) return std::nullopt;
   double result = 0.0;
   if (readSingleNumber(value, result)) return result;
-  error(node, speaker + ": " + name + " '" + shown(value) + "' is not a number that can be used");
+  report(otherwise.severity, node,
+         speaker + ": " + name + " '" + shown(value) + "' is not a number that can be used; " + otherwise.done);
   return std::nullopt;
 }
 
@@ -140,7 +142,7 @@ std::vector<double> Context::numbers(pugi::xml_node node, const std::string& spe
     error(node, speaker + ": " + list.problem + "; the list is left out");
     return {};
   }
-  if (list.signRepaired) warn(node, speaker + ": a sign stood apart from its number; they were put together");
+  if (list.repairedSigns > 0) warn(node, speaker + ": " + repairedSignsText(list));
   return std::move(list.values);
 }
 
@@ -196,9 +198,7 @@ PlacedPoint Context::place(pugi::xml_node point, int depth) {
   } else if (values.size() == 2 || values.size() == 3) {
     result.plan = plan(values[0], values[1]);
     if (values.size() == 3) result.elevation = values[2];
-    if (list.signRepaired) {
-      warn(point, std::string(localName(point)) + ": a sign stood apart from its number; they were put together");
-    }
+    if (list.repairedSigns > 0) warn(point, std::string(localName(point)) + ": " + repairedSignsText(list));
   } else if (!values.empty()) {
     result.problem =
         "holds " + std::to_string(values.size()) + " numbers where northing, easting and elevation are due";

@@ -78,8 +78,17 @@ class Context {
     civil::Handle ticket_ = 0;
   };
 
+  /// What follows from a number that can't be used.
+  struct Consequence {
+    std::string done = "taken as missing";
+    civil::Severity severity = civil::Severity::Error;
+  };
   /// Attribute as a number; empty where it is absent or isn't one, which is then reported for `speaker`.
-  std::optional<double> number(pugi::xml_node node, const char* name, const std::string& speaker);
+  std::optional<double> number(pugi::xml_node node, const char* name, const std::string& speaker,
+                               const Consequence& otherwise);
+  std::optional<double> number(pugi::xml_node node, const char* name, const std::string& speaker) {
+    return number(node, name, speaker, Consequence());
+  }
   /// The text of an element as numbers; what is wrong is reported for `speaker`, and the list is then empty.
   std::vector<double> numbers(pugi::xml_node node, const std::string& speaker);
 

@@ -86,7 +86,8 @@ std::optional<double> CorridorReader::stationProperty(pugi::xml_node node, const
   if (!text) return std::nullopt;
   double value = 0.0;
   if (readSingleNumber(*text, value)) return value;
-  context_.warn(node, speaker + ": " + label + " '" + shown(*text) + "' is not a number that can be used");
+  context_.warn(node,
+                speaker + ": " + label + " '" + shown(*text) + "' is not a number that can be used; taken as missing");
   return std::nullopt;
 }
 
@@ -162,7 +163,8 @@ civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRec
   if (const pugi::xml_node source = sectionsOf(node, alignment))
     region.sections = readCorridorSections(context_, source, profile, who, trace.sections);
   else if (!sections.empty())
-    context_.warn(node, who + ": its alignment has no CrossSects '" + shown(sections) + "'");
+    context_.warn(node,
+                  who + ": its alignment has no CrossSects '" + shown(sections) + "'; the region has no sections");
 
   std::vector<double> stations;
   if (const auto given = property(node, "stations")) {
@@ -180,7 +182,8 @@ civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRec
 
   const auto start = stationProperty(node, "staStart", who);
   const auto end = stationProperty(node, "staEnd", who);
-  if ((!start || !end) && stations.empty()) context_.warn(node, who + ": has neither bounds nor stations");
+  if ((!start || !end) && stations.empty())
+    context_.warn(node, who + ": has neither bounds nor stations; it is kept without length");
   region.startStation = start.value_or(stations.empty() ? end.value_or(0.0) : stations.front());
   region.endStation = end.value_or(stations.empty() ? region.startStation : stations.back());
   if (region.endStation < region.startStation) {
@@ -276,7 +279,9 @@ void CorridorReader::readForeign(const AlignmentRecord& alignment, const std::ve
           [&](const std::string& name) {
             if (baseline.profile == nullptr) baseline.profile = profileNamed(name);
           });
-      if (unknown) context_.warn(node, speaker + ": its alignment has no profile '" + shown(*unknown) + "'");
+      if (unknown)
+        context_.warn(node, speaker + ": its alignment has no profile '" + shown(*unknown) +
+                                "'; another design profile is taken, where there is one");
     });
   }
   if (baseline.profile == nullptr) {

@@ -38,6 +38,8 @@ class GeometryReader {
   std::vector<civil::Element> read(pugi::xml_node alignment);
   /// The transition before which the alignment ends, since its law isn't known; empty where it doesn't.
   [[nodiscard]] const std::optional<Unusable>& endsBefore() const { return endsBefore_; }
+  /// The AlignPIs that the elements were computed from; empty where the file gives them.
+  [[nodiscard]] pugi::xml_node intersections() const { return intersections_; }
 
  private:
   // CoordGeom
@@ -75,6 +77,7 @@ class GeometryReader {
   std::string label_;
   std::vector<Piece> pieces_;
   std::optional<Unusable> endsBefore_;
+  pugi::xml_node intersections_;
 };
 
 }  // namespace lvx::landxml::detail

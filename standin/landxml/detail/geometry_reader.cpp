@@ -74,7 +74,8 @@ std::optional<Turn> GeometryReader::rotation(pugi::xml_node node) {
   const std::string rot = lower(attribute(node, "rot"));
   if (rot == "cw") return Turn::Right;
   if (rot == "ccw") return Turn::Left;
-  if (!rot.empty()) context_.warn(node, speaker() + ": rot '" + shown(rot) + "' is neither cw nor ccw");
+  if (!rot.empty())
+    context_.warn(node, speaker() + ": rot '" + shown(rot) + "' is neither cw nor ccw; taken as missing");
   return std::nullopt;
 }
 
@@ -119,7 +120,8 @@ void GeometryReader::readCurve(pugi::xml_node node) {
   const Vec2 end = point(node, "End");
   const std::optional<Vec2> corner = pointIfPlaced(node, "PI");
   std::optional<Turn> turn = rotation(node);
-  const auto givenLength = context_.number(node, "length", speaker());
+  const auto givenLength =
+      context_.number(node, "length", speaker(), {"the curve is kept without it", civil::Severity::Warning});
   if (!turn && corner) {
     turn = civil::cross(*corner - start, end - start) > 0.0 ? Turn::Left : Turn::Right;
     context_.warn(node, speaker() + ": rot is taken from its points");
@@ -171,7 +173,8 @@ void GeometryReader::readCurve(pugi::xml_node node) {
   }
   add(node, arc);
   if (miss > context_.millimetre()) {
-    context_.warn(node, speaker() + ": Start and End lie " + shownNumber(miss) + " apart in distance from the Center");
+    context_.warn(node, speaker() + ": Start and End lie " + shownNumber(miss) +
+                            " apart in distance from the Center; the curve is kept, with the radius of its Start");
   }
 }
 
@@ -221,9 +224,7 @@ void GeometryReader::readIrregularLine(pugi::xml_node node) {
   if (list) {
     const NumberList numbers = readNumbers(text(list));
     if (!numbers.problem.empty()) refuse(list, numbers.problem);
-    if (numbers.signRepaired) {
-      context_.warn(list, speaker() + ": a sign stood apart from its number; they were put together");
-    }
+    if (numbers.repairedSigns > 0) context_.warn(list, speaker() + ": " + repairedSignsText(numbers));
     if (numbers.values.size() % step != 0) {
       refuse(list, "its list holds " + std::to_string(numbers.values.size()) + " numbers, no multiple of " +
                        std::to_string(step));
@@ -291,21 +292,21 @@ std::vector<Element> GeometryReader::checked() {
     if (i + 1 == pieces_.size()) {
       const double miss = civil::length(end.point - piece.element.givenEnd);
       if (miss > context_.millimetre()) {
-        context_.warn(piece.where,
-                      speaker_ + ": " + piece.label + ": its end misses the given End by " + shownNumber(miss));
+        context_.warn(piece.where, speaker_ + ": " + piece.label + ": its end misses the given End by " +
+                                       shownNumber(miss) + "; it is kept as computed");
       }
       continue;
     }
     const Piece& next = pieces_[i + 1];
     const double miss = civil::length(end.point - next.element.start);
     if (miss > context_.millimetre()) {
-      context_.warn(next.where,
-                    speaker_ + ": " + next.label + ": starts " + shownNumber(miss) + " off the end of " + piece.label);
+      context_.warn(next.where, speaker_ + ": " + next.label + ": starts " + shownNumber(miss) + " off the end of " +
+                                    piece.label + "; both are kept");
     }
     const double kink = std::abs(std::remainder(next.element.direction - end.direction, civil::kTwoPi));
     if (kink > kKink && !next.isPolyline) {
       context_.warn(next.where, speaker_ + ": " + next.label + ": turns by " + shownNumber(kink * 180.0 / civil::kPi) +
-                                    " degrees against the end of " + piece.label);
+                                    " degrees against the end of " + piece.label + "; both are kept");
     }
   }
   return elements;
@@ -328,7 +329,9 @@ std::vector<Element> GeometryReader::read(pugi::xml_node alignment) {
   });
   if (!isRead)
     eachChild(alignment, "AlignPIs", [&](pugi::xml_node node) {
-      if (pieces_.empty()) readIntersections(node);
+      if (!pieces_.empty()) return;
+      readIntersections(node);
+      intersections_ = node;
     });
   return checked();
 }
@@ -359,14 +362,20 @@ std::optional<civil::Alignment> readGeometry(Context& context, pugi::xml_node al
     GeometryReader reader(context, speaker);
     civil::Alignment geometry(startStation, reader.read(alignment));
     noteTransitions(context, alignment, speaker, geometry);
+    if (const auto& source = reader.intersections(); source && !geometry.isEmpty()) {
+      context.note(source, speaker +
+                               ": its geometry is computed from intersection points (AlignPIs), since it has no " +
+                               "elements in a CoordGeom");
+    }
     if (const auto& unusable = reader.endsBefore()) {
       context.error(unusable->where, speaker + ": " + unusable->text + "; " +
                                          (geometry.isEmpty() ? "nothing of the alignment stands before it"
                                                              : "the alignment ends there, at station " +
                                                                    shownNumber(geometry.endStation())));
     } else if (geometry.isEmpty()) {
-      context.warn(alignment, speaker + ": has no geometry");
-    } else if (const auto stated = context.number(alignment, "length", speaker);
+      context.warn(alignment, speaker + ": has no geometry; it is kept without stations");
+    } else if (const auto stated =
+                   context.number(alignment, "length", speaker, {"its elements count", civil::Severity::Note});
                stated && std::abs(*stated - geometry.length()) > 10.0 * context.millimetre()) {
       context.note(alignment, speaker + ": its length is stated as " + shownNumber(*stated) +
                                   ", its elements add up to " + shownNumber(geometry.length()) + ", which holds");

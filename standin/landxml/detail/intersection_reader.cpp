@@ -203,7 +203,8 @@ void GeometryReader::readIntersections(pugi::xml_node intersections) {
       pieces_.push_back({civil::makeLine(from, from + tangent * civil::unit(heading)), corner.where,
                          "tangent to " + corner.label, false});
     } else if (tangent < -context_.millimetre()) {
-      context_.warn(corner.where, speaker() + ": its curve overlaps the one before it by " + shownNumber(-tangent));
+      context_.warn(corner.where, speaker() + ": its curve overlaps the one before it by " + shownNumber(-tangent) +
+                                      "; both are kept");
     }
     // From the origin to the tangent point.
     const Vec2 origin = corner.point - corner.tangentIn * civil::unit(heading);

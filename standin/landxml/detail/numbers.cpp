@@ -1,5 +1,7 @@
 #include "landxml/detail/numbers.h"
 
+#include "text/number_text.h"
+
 namespace lvx::landxml::detail {
 
 NumberList readNumbers(std::string_view text) {
@@ -27,17 +29,34 @@ NumberList readNumbers(std::string_view text) {
           "'" + shown({word, static_cast<std::size_t>(wordEnd - word)}) + "' is not a number that can be used";
       return list;
     }
-    list.signRepaired = list.signRepaired || negate;
     list.values.push_back(negate ? -value : value);
+    if (negate && list.repairedSigns++ == 0) list.firstRepaired = list.values.back();
     at = next;
   }
   return list;
+}
+
+std::string repairedSignsText(const NumberList& list) {
+  const std::string first = text::shortText(list.firstRepaired, 4);
+  if (list.repairedSigns == 1) return "a sign stood apart from its number; they were put together to " + first;
+  return std::to_string(list.repairedSigns) +
+         " signs stood apart from their numbers; they were put together, the first one to " + first;
 }
 
 bool readSingleNumber(std::string_view text, double& value) {
   text = trimmed(text);
   const char* const end = text.data() + text.size();
   return !text.empty() && readNumber(text.data(), end, value) == end;
+}
+
+std::string unreadText(std::string_view name, std::size_t count, std::size_t content) {
+  std::string result = count == 1 ? std::string() : std::to_string(count) + " ";
+  result += "'" + shown(name) + (count == 1 ? "' isn't read" : "' aren't read");
+  if (content > 0) {
+    result += " (" + std::to_string(content) + (content == 1 ? " element in " : " elements in ") +
+              (count == 1 ? "it)" : "them)");
+  }
+  return result;
 }
 
 std::string shown(std::string_view text) {

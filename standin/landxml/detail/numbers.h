@@ -38,14 +38,22 @@ struct NumberList {
   std::vector<double> values;
   /// Empty, or what is wrong ("'1,5' is not a number"); the values before it stand.
   std::string problem;
-  /// A sign stood apart from its number ("- 1.2", as one exporter breaks its lines) and was put back.
-  bool signRepaired = false;
+  /// Signs that stood apart from their numbers ("- 1.2", as one exporter breaks its lines) and were put back.
+  std::size_t repairedSigns = 0;
+  /// The first of those numbers.
+  double firstRepaired = 0.0;
 };
+
+/// What was done with the signs of a list that has repaired ones, for a message.
+[[nodiscard]] std::string repairedSignsText(const NumberList& list);
 
 [[nodiscard]] NumberList readNumbers(std::string_view text);
 
 /// The one number that the text holds; empty text, text with more in it and NaN give no number.
 [[nodiscard]] bool readSingleNumber(std::string_view text, double& value);
+
+/// "'Cant' isn't read (7 elements in it)", "3 'Superelevation' aren't read".
+[[nodiscard]] std::string unreadText(std::string_view name, std::size_t count, std::size_t content);
 
 /// `text` cut to what a message can hold on one line, control characters as blanks.
 [[nodiscard]] std::string shown(std::string_view text);

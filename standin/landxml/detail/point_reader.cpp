@@ -183,11 +183,8 @@ void PointReader::readGroups() {
     const bool isGroup = ours || (!name.empty() && (context_.isOurs() ? hasReferences : !members.empty()));
     civil::PointGroup group;
     Context::Subject subject(context_);
-    std::unordered_set<std::int32_t> seen;
-    const auto add = [&](std::size_t point) {
-      const std::int32_t number = context_.drawing.points[point].number;
-      if (seen.insert(number).second) group.numbers.push_back(number);
-    };
+    // A point that stands twice in a group has two rows in its reports.
+    const auto add = [&](std::size_t point) { group.numbers.push_back(context_.drawing.points[point].number); };
     for (const Member& member : members) {
       if (member.point != kReference) {
         add(member.point);

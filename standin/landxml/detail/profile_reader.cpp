@@ -76,7 +76,8 @@ civil::Profile readDesign(Context& context, pugi::xml_node node, const std::stri
     const std::string who = speaker + ": " + name + " " + std::to_string(++count);
     VerticalPoint point;
     const auto length = [&](const char* attributeName) {
-      const double value = context.number(element, attributeName, who).value_or(0.0);
+      const double value =
+          context.number(element, attributeName, who, {"taken as 0", civil::Severity::Error}).value_or(0.0);
       if (value >= 0.0) return value;
       context.warn(element, who + ": " + attributeName + " is negative; taken as positive");
       return -value;
@@ -91,8 +92,10 @@ civil::Profile readDesign(Context& context, pugi::xml_node node, const std::stri
       point.lengthOut = length("lengthOut");
     } else if (name == "CircCurve") {
       point.kind = VerticalCurveKind::Circle;
-      point.length = length("length");
-      point.radius = context.number(element, "radius", who).value_or(0.0);
+      // The radius rules; a length that it doesn't need is no loss.
+      point.length =
+          std::abs(context.number(element, "length", who, {"the radius counts", civil::Severity::Note}).value_or(0.0));
+      point.radius = context.number(element, "radius", who, {"taken as 0", civil::Severity::Error}).value_or(0.0);
     } else {
       context.warn(element, who + ": isn't a point of a profile that is known; left out");
       return;
@@ -112,7 +115,7 @@ civil::Profile readDesign(Context& context, pugi::xml_node node, const std::stri
     context.warn(node, speaker + ": unsymmetric curve at " + shownNumber(points[i].station) +
                            ": its lengths overlap the neighbours and fit when halved; they are halved");
   }
-  if (points.empty()) context.warn(node, speaker + ": has no points");
+  if (points.empty()) context.warn(node, speaker + ": has no points; it is kept empty");
   return civil::Profile::design(std::move(points));
 }
 
@@ -129,7 +132,7 @@ civil::Profile readGround(Context& context, pugi::xml_node node, const std::stri
     }
     if (!polyline.empty()) polylines.push_back(std::move(polyline));
   });
-  if (polylines.empty()) context.warn(node, speaker + ": has no points");
+  if (polylines.empty()) context.warn(node, speaker + ": has no points; it is kept empty");
   return civil::Profile::ground(std::move(polylines));
 }
 

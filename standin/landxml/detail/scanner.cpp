@@ -64,7 +64,14 @@ class Scanner {
   bool rootSeen_ = false;
   std::size_t muteDepth_ = 0;  // names at this depth and deeper aren't kept; 0: all are
   std::size_t nodes_ = 0;
-  std::map<std::string, std::size_t> unread_;  // collections that were passed over, with the first one's line
+  struct UnreadCollection {
+    std::size_t line = 0;  // of the first
+    std::size_t count = 0;
+    std::size_t content = 0;  // elements directly in them
+  };
+  std::map<std::string, UnreadCollection> unread_;  // collections that were passed over
+  UnreadCollection* unreadCollection_ = nullptr;    // the one that is open
+  SourceDataCounts* sourceData_ = nullptr;          // of the SourceData that is open
   std::size_t badBytes_ = 0;
   std::size_t firstBadLine_ = 0;
   TinCollector* tin_ = nullptr;  // of the Definition that is open
@@ -134,6 +141,12 @@ void Scanner::start(const Token& token) {
   }
   const std::string_view local = localName(token.name);
   if (isMuted()) {
+    if (sourceData_ != nullptr) {
+      if (local == "Breakline") ++sourceData_->breaklines;
+      if (local == "Contour") ++sourceData_->contours;
+      if (local == "Boundary") ++sourceData_->boundaries;
+    }
+    if (unreadCollection_ != nullptr && open_.depth() == muteDepth_) ++unreadCollection_->content;
     if (!token.selfClosing) open_.push(token.name, in_);
     return;
   }
@@ -148,6 +161,7 @@ void Scanner::start(const Token& token) {
     role = Role::Surface;
   else if (local == "Definition" && parent == Role::Surface)
     role = Role::Definition;
+  const std::size_t nameOffset = result_.document.size() + 1;
   if (locates_) {
     const std::uint64_t from = in_.offsetOf(token.raw.data());
     const std::uint64_t to = from + token.raw.size();
@@ -172,7 +186,11 @@ void Scanner::start(const Token& token) {
       open_.depth() == 2 && (local == "Parcels" || local == "PipeNetworks" || local == "Survey" ||
                              local == "PlanFeatures" || local == "GradeModel" || local == "Monuments");
   if (unreadOfSurface || unreadOfRoot || (locates_ && role == Role::Definition)) {
-    if (unreadOfRoot) unread_.emplace(local, line);
+    if (unreadOfRoot) {
+      unreadCollection_ = &unread_.try_emplace(std::string(local), UnreadCollection{.line = line}).first->second;
+      ++unreadCollection_->count;
+    }
+    if (unreadOfSurface && local == "SourceData") sourceData_ = &result_.sourceData[nameOffset];
     muteDepth_ = open_.depth();
   }
 }
@@ -184,7 +202,11 @@ void Scanner::close(const Token& token) {
          file_, in_.lineAt(token.raw.data()));
   }
   const bool unmute = muteDepth_ > 0 && open_.depth() == muteDepth_;
-  if (unmute) muteDepth_ = 0;
+  if (unmute) {
+    muteDepth_ = 0;
+    sourceData_ = nullptr;
+    unreadCollection_ = nullptr;
+  }
   if (!isMuted()) append(token.raw);
   if (unmute) anchor();
   if (const std::size_t span = open_.span(); span > 0) {
@@ -250,8 +272,8 @@ ScannedDocument Scanner::run() {
                                    std::to_string(badBytes_) + " bytes aren't UTF-8; read as Windows-1252",
                                    firstBadLine_});
   }
-  for (const auto& [name, line] : unread_) {
-    result_.diagnostics.push_back({civil::Severity::Note, "'" + name + "' isn't read", line});
+  for (const auto& [name, unread] : unread_) {
+    result_.diagnostics.push_back({civil::Severity::Note, unreadText(name, unread.count, unread.content), unread.line});
   }
   return std::move(result_);
 }

@@ -48,11 +48,20 @@ struct ElementSpan {
   std::uint64_t end = 0;
 };
 
+/// What a surface was made from elsewhere; its triangles say all that counts.
+struct SourceDataCounts {
+  std::size_t breaklines = 0;
+  std::size_t contours = 0;
+  std::size_t boundaries = 0;
+};
+
 struct ScannedDocument {
   std::string document;
   LineMap lines;
   /// By the offset of the Definition's name in `document`.
   std::map<std::size_t, TinCollector> definitions;
+  /// What source data of surfaces, which aren't read, hold; by the offset of the element's name in `document`.
+  std::map<std::size_t, SourceDataCounts> sourceData;
   std::vector<civil::Diagnostic> diagnostics;
   /// When asked for: of every element in `document`, ascending by node.
   std::vector<ElementSpan> spans;

@@ -86,8 +86,7 @@ struct Unplaced {
   std::size_t line = 0;  // index in the group
   Extent extent;
   double skew = 0.0;
-  pugi::xml_node where;
-  std::string speaker;
+  civil::Pose pose;
 };
 
 std::vector<std::string> splitCodes(const Context& context, const std::string& text) {
@@ -166,9 +165,12 @@ class SampleLineReader {
   [[nodiscard]] std::vector<civil::SampleLine> placedLines();
 
  private:
-  [[nodiscard]] std::vector<Vec2> verticesOf(pugi::xml_node section, double station, const std::string& speaker);
-  [[nodiscard]] Unplaced extentAndSkewOf(pugi::xml_node section, const std::string& speaker);
-  [[nodiscard]] bool place(const Unplaced& unplaced, double defaultWidth);
+  [[nodiscard]] std::vector<Vec2> verticesOf(pugi::xml_node section, const civil::Pose& pose,
+                                             const std::string& speaker);
+  [[nodiscard]] Unplaced extentAndSkewOf(pugi::xml_node section, const civil::Pose& pose, const std::string& speaker);
+  void leaveOut(pugi::xml_node section, double station, const std::string& speaker);
+  void takeWidth(const Extent& extent);
+  void place(const Unplaced& unplaced, double defaultWidth);
 
   Context& context_;
   const civil::AlignmentObject& alignment_;
@@ -176,6 +178,9 @@ class SampleLineReader {
   std::optional<double> halfWidth_;
   std::vector<civil::SampleLine> lines_;
   std::vector<Unplaced> unplaced_;
+  double widest_ = 0.0;
+  std::size_t leftOut_ = 0;  // of an alignment without geometry
+  pugi::xml_node firstLeftOut_;
 };
 
 void SampleLineReader::readHalfWidth(pugi::xml_node ours) {
@@ -185,7 +190,7 @@ void SampleLineReader::readHalfWidth(pugi::xml_node ours) {
   if (readSingleNumber(*value, width) && width > 0.0)
     halfWidth_ = width;
   else
-    context_.warn(ours, who_ + ": halfWidth '" + shown(*value) + "' is not a width");
+    context_.warn(ours, who_ + ": halfWidth '" + shown(*value) + "' is not a width; taken as missing");
 }
 
 void SampleLineReader::readLine(pugi::xml_node section) {
@@ -194,9 +199,10 @@ void SampleLineReader::readLine(pugi::xml_node section) {
   std::string given = attributeText(section, "name");
   // 1.0 has no name for a CrossSect.
   if (given.empty()) given = property(feature(section, "lvx_sampleLine"), "name").value_or("");
-  const auto station = context_.number(section, "sta", who_);
+  const std::string named = who_ + ": sample line '" + given + "'";
+  const auto station = context_.number(section, "sta", named, {"left out", civil::Severity::Error});
   if (!station) {
-    context_.error(section, who_ + ": sample line '" + given + "' has no station; left out");
+    if (attribute(section, "sta").empty()) context_.error(section, named + " has no station; left out");
     return;
   }
   civil::SampleLine line;
@@ -204,14 +210,38 @@ void SampleLineReader::readLine(pugi::xml_node section) {
   line.name = given.empty() ? text::stationText(*station) : given;
   const std::string speaker = who_ + ": sample line '" + line.name + "'";
   line.handle = context_.ticket(section, property(feature(section, "lvx_sampleLine"), "handle"));
+  const auto pose = alignment_.geometry.poseAt(line.station);
+  if (!pose) {
+    leaveOut(section, line.station, speaker);
+    return;
+  }
   const Context::Subject subject(context_, line.handle);
-  line.vertices = verticesOf(section, line.station, speaker);
-  if (line.vertices.empty()) unplaced_.push_back(extentAndSkewOf(section, speaker));
+  line.vertices = verticesOf(section, *pose, speaker);
+  if (line.vertices.empty()) {
+    unplaced_.push_back(extentAndSkewOf(section, *pose, speaker));
+    takeWidth(unplaced_.back().extent);
+  }
   lines_.push_back(std::move(line));
 }
 
+/// There is no place on the alignment to measure offsets from. The element stays in the file when the drawing is saved.
+void SampleLineReader::leaveOut(pugi::xml_node section, double station, const std::string& speaker) {
+  // Its width says as much as those of the others how wide a line without one is.
+  if (!property(feature(section, "lvx_sampleLine"), "vertices")) takeWidth(extentOf(context_, section, speaker));
+  if (alignment_.geometry.isEmpty()) {
+    if (leftOut_++ == 0) firstLeftOut_ = section;
+    return;
+  }
+  context_.warn(section, speaker + ": the alignment has no station " + shownNumber(station) + "; left out");
+}
+
+void SampleLineReader::takeWidth(const Extent& extent) {
+  if (!extent.isEmpty()) widest_ = std::max({widest_, std::abs(extent.least), std::abs(extent.greatest)});
+}
+
 /// The line's own vertices; none where the file gives none that can be used.
-std::vector<Vec2> SampleLineReader::verticesOf(pugi::xml_node section, double station, const std::string& speaker) {
+std::vector<Vec2> SampleLineReader::verticesOf(pugi::xml_node section, const civil::Pose& pose,
+                                               const std::string& speaker) {
   const pugi::xml_node ours = feature(section, "lvx_sampleLine");
   const auto text = property(ours, "vertices");
   if (!text) return {};
@@ -225,15 +255,15 @@ std::vector<Vec2> SampleLineReader::verticesOf(pugi::xml_node section, double st
   std::vector<Vec2> vertices;
   for (std::size_t i = 0; i < list.values.size(); i += 2)
     vertices.push_back(context_.plan(list.values[i], list.values[i + 1]));
-  const auto pose = alignment_.geometry.poseAt(station);
-  if (pose && distanceToPolyline(pose->point, vertices) > kOnLine) {
+  if (distanceToPolyline(pose.point, vertices) > kOnLine) {
     context_.note(section, speaker + ": doesn't run through the alignment at its station; both are kept");
   }
   return vertices;
 }
 
-Unplaced SampleLineReader::extentAndSkewOf(pugi::xml_node section, const std::string& speaker) {
-  Unplaced unplaced{lines_.size(), extentOf(context_, section, speaker), 0.0, section, speaker};
+Unplaced SampleLineReader::extentAndSkewOf(pugi::xml_node section, const civil::Pose& pose,
+                                           const std::string& speaker) {
+  Unplaced unplaced{lines_.size(), extentOf(context_, section, speaker), 0.0, pose};
   if (const auto skew = attribute(section, "angleSkew"); !skew.empty()) {
     if (const auto angle = context_.angle(skew))
       unplaced.skew = *angle;
@@ -243,15 +273,9 @@ Unplaced SampleLineReader::extentAndSkewOf(pugi::xml_node section, const std::st
   return unplaced;
 }
 
-/// Gives a line its vertices; false where the alignment doesn't reach its station.
-bool SampleLineReader::place(const Unplaced& unplaced, double defaultWidth) {
+/// Gives a line its vertices.
+void SampleLineReader::place(const Unplaced& unplaced, double defaultWidth) {
   civil::SampleLine& line = lines_[unplaced.line];
-  const auto pose = alignment_.geometry.poseAt(line.station);
-  if (!pose) {
-    context_.warn(unplaced.where,
-                  unplaced.speaker + ": the alignment has no station " + shownNumber(line.station) + "; left out");
-    return false;
-  }
   double left = unplaced.extent.least;
   double right = unplaced.extent.greatest;
   if (unplaced.extent.isEmpty() || (left == 0.0 && right == 0.0)) {
@@ -263,25 +287,19 @@ bool SampleLineReader::place(const Unplaced& unplaced, double defaultWidth) {
     right = std::max(right, 0.0);
   }
   // Square to the right, turned on by the skew, which counts clockwise.
-  const Vec2 across = civil::unit(pose->direction - civil::kPi / 2.0 - unplaced.skew);
-  line.vertices.push_back(pose->point + left * across);
-  if (left < 0.0 && right > 0.0) line.vertices.push_back(pose->point);
-  line.vertices.push_back(pose->point + right * across);
-  return true;
+  const Vec2 across = civil::unit(unplaced.pose.direction - civil::kPi / 2.0 - unplaced.skew);
+  line.vertices.push_back(unplaced.pose.point + left * across);
+  if (left < 0.0 && right > 0.0) line.vertices.push_back(unplaced.pose.point);
+  line.vertices.push_back(unplaced.pose.point + right * across);
 }
 
 std::vector<civil::SampleLine> SampleLineReader::placedLines() {
-  double widest = 0.0;
-  for (const Unplaced& unplaced : unplaced_) {
-    if (unplaced.extent.isEmpty()) continue;
-    widest = std::max({widest, std::abs(unplaced.extent.least), std::abs(unplaced.extent.greatest)});
+  if (leftOut_ > 0) {
+    context_.warn(firstLeftOut_, who_ + ": the alignment has no geometry; " + std::to_string(leftOut_) +
+                                     (leftOut_ == 1 ? " sample line is" : " sample lines are") + " left out");
   }
-  const double defaultWidth = halfWidth_ ? *halfWidth_ : widest > 0.0 ? widest : kDefaultHalfWidth;
-  std::vector<std::size_t> lost;
-  for (const Unplaced& unplaced : unplaced_) {
-    if (!place(unplaced, defaultWidth)) lost.push_back(unplaced.line);
-  }
-  for (auto i = lost.rbegin(); i != lost.rend(); ++i) lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(*i));
+  const double defaultWidth = halfWidth_ ? *halfWidth_ : widest_ > 0.0 ? widest_ : kDefaultHalfWidth;
+  for (const Unplaced& unplaced : unplaced_) place(unplaced, defaultWidth);
   return std::move(lines_);
 }
 
@@ -328,9 +346,9 @@ civil::SectionPart readPart(Context& context, pugi::xml_node surface, const std:
 std::vector<PlacedSection> readPlaced(Context& context, pugi::xml_node crossSects, const std::string& speaker) {
   std::vector<PlacedSection> placed;
   eachChild(crossSects, "CrossSect", [&](pugi::xml_node node) {
-    const auto station = context.number(node, "sta", speaker);
+    const auto station = context.number(node, "sta", speaker + ": a section", {"left out", civil::Severity::Error});
     if (!station) {
-      context.error(node, speaker + ": a section has no station; left out");
+      if (attribute(node, "sta").empty()) context.error(node, speaker + ": a section has no station; left out");
       return;
     }
     civil::CorridorSection section;

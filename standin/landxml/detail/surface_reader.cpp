@@ -50,6 +50,20 @@ void reportFaults(Context& context, pugi::xml_node where, const std::string& spe
   }
 }
 
+void noteSourceData(Context& context, pugi::xml_node where, const std::string& speaker,
+                    const SourceDataCounts& counts) {
+  std::string text;
+  const auto add = [&](std::size_t count, const char* one, const char* many) {
+    if (count > 0) text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + (count == 1 ? one : many);
+  };
+  add(counts.breaklines, "breakline", "breaklines");
+  add(counts.contours, "contour", "contours");
+  add(counts.boundaries, "boundary", "boundaries");
+  if (text.empty()) return;
+  const bool isOne = counts.breaklines + counts.contours + counts.boundaries == 1;
+  context.note(where, speaker + ": " + text + (isOne ? " isn't" : " aren't") + " read; only triangles count");
+}
+
 /// A point by reference, which lies in its place already, among points in the file's order of axes.
 void addAsInFile(const Context& context, TinCollector& tin, std::int64_t id, civil::Vec3 place) {
   if (context.areAxesSwapped()) std::swap(place.x, place.y);
@@ -68,8 +82,7 @@ void moveIntoPlace(const Context& context, std::vector<civil::Vec3>& points, dou
 
 }  // namespace
 
-void readSurfaces(Context& context, std::map<std::size_t, TinCollector>& definitions, double lengthFactor,
-                  const std::function<void()>& goOn) {
+void readSurfaces(Context& context, ScannedDocument& scanned, double lengthFactor, const std::function<void()>& goOn) {
   eachChild(context.root, "Surfaces", [&](pugi::xml_node collection) {
     eachChild(collection, "Surface", [&](pugi::xml_node node) {
       civil::SurfaceObject& surface = context.drawing.surfaces.emplace_back();
@@ -78,14 +91,18 @@ void readSurfaces(Context& context, std::map<std::size_t, TinCollector>& definit
       surface.handle = context.ticket(node, property(feature(node, "lvx_object"), "handle"));
       const Context::Subject subject(context, surface.handle);
       const std::string speaker = "surface '" + surface.name + "'";
+      eachChild(node, "SourceData", [&](pugi::xml_node source) {
+        const auto found = scanned.sourceData.find(static_cast<std::size_t>(source.offset_debug()));
+        if (found != scanned.sourceData.end()) noteSourceData(context, source, speaker, found->second);
+      });
       bool hasDefinition = false;
       bool isFilled = false;
       eachChild(node, "Definition", [&](pugi::xml_node definition) {
         hasDefinition = true;
-        const auto found = definitions.find(static_cast<std::size_t>(definition.offset_debug()));
-        if (found == definitions.end()) return;
+        const auto found = scanned.definitions.find(static_cast<std::size_t>(definition.offset_debug()));
+        if (found == scanned.definitions.end()) return;
         TinCollector tin = std::move(found->second);
-        definitions.erase(found);
+        scanned.definitions.erase(found);
         if (isFilled) {
           context.warn(definition, speaker + ": has a second Definition, which isn't read");
           return;
@@ -112,12 +129,13 @@ void readSurfaces(Context& context, std::map<std::size_t, TinCollector>& definit
         if (counts.degenerate > 0) {
           context.note(definition, speaker + ": " + std::to_string(counts.degenerate) +
                                        (counts.degenerate == 1 ? " triangle has" : " triangles have") +
-                                       " no area in plan");
+                                       " no area in plan; there is no ground on " +
+                                       (counts.degenerate == 1 ? "it" : "them"));
         }
         if (counts.overlappingEdges > 0) {
           context.warn(definition, speaker + ": " + std::to_string(counts.overlappingEdges) +
                                        (counts.overlappingEdges == 1 ? " edge has" : " edges have") +
-                                       " more than two triangles");
+                                       " more than two triangles; all are kept");
         }
       });
       if (!hasDefinition)

@@ -329,7 +329,7 @@ void TinScanner::takePoint(std::string_view idText, std::string_view pointRef, s
   if (!numbers.problem.empty()) {
     tin_.note(&Faults::unreadablePoints, line, speaker + numbers.problem);
   } else if (numbers.values.size() >= 3) {
-    if (numbers.signRepaired) {
+    if (numbers.repairedSigns > 0) {
       tin_.note(&Faults::repairedSigns, line, speaker + "a sign stood apart from its number");
     }
     tin_.addPoint(id, numbers.values[0], numbers.values[1], numbers.values[2]);
