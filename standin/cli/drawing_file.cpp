@@ -92,7 +92,9 @@ void saveAndTell(civil::Drawing& drawing, const options::Options& options, const
   }
   if (options.common.quiet) return;
   print(made);
-  for (const landxml::SavedFile& file : saved) print(file.path + "  " + std::to_string(file.mark.size) + " bytes\n");
+  for (const landxml::SavedFile& file : saved) {
+    if (file.isWritten) print(file.path + "  " + std::to_string(file.mark.size) + " bytes\n");
+  }
 }
 
 std::string diagnosticText(const civil::Drawing& drawing, const civil::Diagnostic& diagnostic) {

@@ -123,7 +123,7 @@ std::vector<SavedFile> saveProject(civil::Drawing& drawing, const std::string& f
   }
 
   std::vector<SavedFile> saved;
-  if (works.empty() || works.front().file != 0) saved.push_back({firstTarget, drawing.file});
+  if (works.empty() || works.front().file != 0) saved.push_back({firstTarget, drawing.file, false});
   for (Work& work : works) saved.push_back({work.target, work.saving->replace()});
   return saved;
 }

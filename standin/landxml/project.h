@@ -38,13 +38,15 @@ void addFile(civil::Drawing& drawing, const ProjectFile& file, const ProjectOpti
 struct SavedFile {
   std::string path;
   civil::FileMark mark;
+  /// False for the first file where it stays in its place and nothing of it changed.
+  bool isWritten = true;
 };
 
 /// Writes every file of the drawing that changed, each its own (saveDrawing): added ones in their places, the first one
 /// to `firstTarget` (drawing.path: in place). What hangs on an alignment, sample line groups and profiles, goes into the
 /// alignment's file; a group of points that was made in the open drawing into the file that holds them all, or into the
 /// first. Each file is written in its own unit, order of axes, handles and point numbers. Gives the files that hold the
-/// drawing now: `firstTarget` in front, then the added ones that were written.
+/// drawing now: `firstTarget` in front in any case, then the added ones that were written.
 ///
 /// Files whose content in the drawing is that of their marks aren't even read, but for the only one of a drawing. What was
 /// made in the open drawing belongs to its file then.

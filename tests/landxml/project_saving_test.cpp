@@ -658,7 +658,10 @@ TEST_F(ProjectSaving, EachFileGetsItsOwnChangesAndOthersAreNotRead) {
   EXPECT_EQ(differenceOfFiles(drawing, again), "");
   EXPECT_EQ(otherVertices(drawing, again), "");
   // Nothing is left to do.
-  EXPECT_THAT(saveProject(drawing, road), SizeIs(1));
+  const auto nothing = saveProject(drawing, road);
+  ASSERT_THAT(nothing, SizeIs(1));
+  EXPECT_FALSE(nothing[0].isWritten);
+  EXPECT_EQ(nothing[0].mark, saved[0].mark);
 }
 
 TEST_F(ProjectSaving, AnAddedFileKeepsItsNameWhereTheFirstOneGoesElsewhere) {
