@@ -74,8 +74,8 @@ std::string ungrounded(const civil::AlignmentObject& alignment, const civil::Sur
 /// Points behind those of the drawing.
 class AddingPoints final : public civil::ReversibleChange {
  public:
-  AddingPoints(civil::Handle first, std::int32_t firstNumber, std::vector<civil::Vec3> places, std::string description)
-      : first_(first), firstNumber_(firstNumber), places_(std::move(places)), description_(std::move(description)) {}
+  AddingPoints(civil::Handle first, std::int32_t firstNumber, std::vector<civil::Vec3> places)
+      : first_(first), firstNumber_(firstNumber), places_(std::move(places)) {}
 
   void make(civil::Drawing& drawing) override {
     drawing.points.reserve(drawing.points.size() + places_.size());
@@ -85,7 +85,6 @@ class AddingPoints final : public civil::ReversibleChange {
       point.number = firstNumber_ + static_cast<std::int32_t>(i);
       point.file = civil::kNoFile;
       point.position = places_[i];
-      point.description = description_;
       drawing.points.push_back(std::move(point));
     }
   }
@@ -96,7 +95,6 @@ class AddingPoints final : public civil::ReversibleChange {
   civil::Handle first_;
   std::int32_t firstNumber_;
   std::vector<civil::Vec3> places_;
-  std::string description_;
 };
 
 }  // namespace
@@ -203,7 +201,7 @@ std::vector<civil::Handle> MadeForReport::addPointsOf(const civil::SurfaceObject
   handles.reserve(places.size());
   const civil::Handle first = civil::largestHandle(drawing_.drawing()) + 1;
   for (std::size_t i = 0; i < places.size(); ++i) handles.push_back(first + i);
-  make(std::make_unique<AddingPoints>(first, largest + 1, std::move(places), surface.name));
+  make(std::make_unique<AddingPoints>(first, largest + 1, std::move(places)));
   return handles;
 }
 

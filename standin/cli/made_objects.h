@@ -61,7 +61,7 @@ class MadeForReport {
   const civil::ProfileObject& addGroundProfile(const civil::AlignmentObject& alignment,
                                                const civil::SurfaceObject& surface, double tolerance, bool quiet);
   /// The points of a surface as points of the drawing, numbered by ascending easting, then northing, behind the largest
-  /// number that there is; their description is the surface's name. Gives their handles by number. Throws Failure
+  /// number that there is. Gives their handles by number. Throws Failure
   /// (kNotWritten) where there are none, or no numbers left.
   std::vector<civil::Handle> addPointsOf(const civil::SurfaceObject& surface, bool quiet);
 
