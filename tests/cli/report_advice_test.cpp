@@ -159,6 +159,20 @@ TEST_F(ReportAdviceTest, ShowsTheDiagnosticsOfItsObjectsAndCountsTheOthers) {
   EXPECT_THAT(unknown.errors, HasSubstr("quartic")) << "it may tell why the name isn't there";
 }
 
+TEST_F(ReportAdviceTest, HasTwoRowsForAPointThatStandsTwiceInItsGroup) {
+  write("road.xml", drawing(alignments(sampleLine("10", "L")) +
+                            "<CgPoints><CgPoint name=\"1\">1060 502 5</CgPoint><CgPoint name=\"2\">1070 503 6</CgPoint>"
+                            "</CgPoints><CgPoints name=\"G\"><CgPoint pntRef=\"1\"/><CgPoint pntRef=\"2\"/>"
+                            "<CgPoint pntRef=\"1\"/></CgPoints>"));
+  const RunResult result = run({"points", "road.xml", "--alignment", "A", "--point-group", "G", "--out", "out"});
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  const std::string text = test::fileBytes(folder_ / "out.txt");
+  const std::string row = "\r\n             1       502.000      1060.000";
+  const std::size_t first = text.find(row);
+  ASSERT_NE(first, std::string::npos) << text;
+  EXPECT_EQ(text.find(row, first + 1), text.find("\r\n", first + 2)) << "the second is the next row";
+}
+
 // ---------------------------------------------------------------- behind an exception
 
 TEST_F(ReportAdviceTest, TellsWhatToChangeWhereGlsEndsByAnException) {
