@@ -130,7 +130,6 @@ TEST_F(SampleLinesTest, AreMadeByRulesWithPreviewAndUndoneAsOneStep) {
   type(dialog, "linesEvery", "10");
   EXPECT_TRUE(waitForResult(dialog, "1+010.000, "));
   EXPECT_GT(purple(), 50) << "the plan shows what would be made";
-  DesktopUser::screenshot((std::filesystem::temp_directory_path() / "lvx_sample_lines_dialog.png").string());
   accept(dialog);
   ASSERT_TRUE(user_.waitFor([&] { return alignment().sampleLineGroups.size() == before + 1; }));
   onGui([&] {
@@ -247,7 +246,6 @@ TEST_F(SampleLinesTest, ArePulledAtTheirEndsAddedAndDeletedOneByOne) {
   user_.drag(&program_.window->plan(), pixelOf(line.vertices.back()), pixelOf(half));
   ASSERT_TRUE(user_.waitFor([&] { return civil::length(rightEnd() - line.vertices.back()) > 1.0; }));
   EXPECT_NEAR(onGui([&] { return civil::length(rightEnd() - center); }), 10.0, 0.5);
-  DesktopUser::screenshot((std::filesystem::temp_directory_path() / "lvx_sample_line_handles.png").string());
   user_.key(Qt::Key_Z, Qt::ControlModifier);
   ASSERT_TRUE(user_.waitFor([&] { return rightEnd() == line.vertices.back(); }));
 
@@ -277,6 +275,34 @@ TEST_F(SampleLinesTest, ArePulledAtTheirEndsAddedAndDeletedOneByOne) {
     EXPECT_NEAR(added.station, line.station + 6.0, 0.5);
     EXPECT_EQ(added.name, text::stationText(added.station));
   });
+}
+
+TEST_F(SampleLinesTest, AreSavedAndReadBackEqual) {
+  makeGroup("Mine");
+  const civil::SampleLineGroup made = onGui([&] { return lastGroup(); });
+  toWindow();
+  user_.key(Qt::Key_S, Qt::ControlModifier);
+  ASSERT_TRUE(user_.waitFor([&] { return !program_.window->isWindowModified(); }));
+  const civil::Drawing read = landxml::readDrawing((folder_ / "road.xml").string());
+  const auto& groups = read.sites.front().alignments.front()->sampleLineGroups;
+  ASSERT_FALSE(groups.empty());
+  EXPECT_EQ(groups.back().name, "Mine");
+  ASSERT_EQ(groups.back().lines.size(), made.lines.size());
+  for (std::size_t i = 0; i < made.lines.size(); ++i) {
+    EXPECT_EQ(groups.back().lines[i].name, made.lines[i].name);
+    EXPECT_NEAR(groups.back().lines[i].station, made.lines[i].station, 1e-9);
+    EXPECT_LT(civil::length(groups.back().lines[i].vertices.front() - made.lines[i].vertices.front()), 1e-6);
+  }
+  // What was saved can be undone, saved, and made again.
+  for (const Qt::KeyboardModifiers again : {Qt::KeyboardModifiers(), Qt::KeyboardModifiers(Qt::ShiftModifier)}) {
+    user_.key(Qt::Key_Z, Qt::ControlModifier | again);
+    ASSERT_TRUE(user_.waitFor([&] { return program_.window->isWindowModified(); }));
+    user_.key(Qt::Key_S, Qt::ControlModifier);
+    ASSERT_TRUE(user_.waitFor([&] { return !program_.window->isWindowModified(); }));
+    const civil::Drawing now = landxml::readDrawing((folder_ / "road.xml").string());
+    EXPECT_EQ(now.sites.front().alignments.front()->sampleLineGroups.back().name == "Mine",
+              again.testFlag(Qt::ShiftModifier));
+  }
 }
 
 TEST_F(SampleLinesTest, LeaveALineAsItIsWhenAPullIsGivenUp) {

@@ -116,9 +116,11 @@ QGridLayout* SampleLinesDialog::addBox(const QString& title) {
   constexpr int kGap = 4;
   grid->setVerticalSpacing(kGap);
   grid->setColumnStretch(2, 1);
-  constexpr int kLabelWidth = 230;
+  constexpr int kLabelWidth = 270;
+  constexpr int kFieldWidth = 190;
   constexpr int kErrorWidth = 230;
   grid->setColumnMinimumWidth(0, kLabelWidth);
+  grid->setColumnMinimumWidth(1, kFieldWidth);
   grid->setColumnMinimumWidth(2, kErrorWidth);
   static_cast<QVBoxLayout*>(layout())->addWidget(box);
   return grid;
