@@ -2,6 +2,7 @@
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <QLocale>
+#include <algorithm>
 #include <chrono>
 #include <clocale>
 #include <cstdio>
@@ -45,6 +46,8 @@ void addOptions(QCommandLineParser& parser) {
     const QString help = inQt(option->help) + QLatin1Char('.');
     if (option->isArgument)
       parser.addPositionalArgument(inQt(option->name), help, QLatin1Char('[') + inQt(option->name) + QLatin1Char(']'));
+    else if (option->isFlag())
+      parser.addOption(QCommandLineOption(inQt(option->name), help));
     else
       parser.addOption(QCommandLineOption(inQt(option->name), help, inQt(option->valueName)));
   }
@@ -54,20 +57,48 @@ void addOptions(QCommandLineParser& parser) {
 void applyGiven(const QCommandLineParser& parser, options::Options& values) {
   const QStringList drawings = parser.positionalArguments();
   if (drawings.size() > 1)
-    throw Failure(QStringLiteral("one drawing can be opened, and %1 are named: %2. See --help.")
-                      .arg(drawings.size())
-                      .arg(drawings.join(QStringLiteral(", "))));
+    throw Failure(
+        QStringLiteral("one drawing can be opened, and %1 are named: %2. --with adds a file to it. See --help.")
+            .arg(drawings.size())
+            .arg(drawings.join(QStringLiteral(", "))));
   for (const options::OptionDescription* option : options::optionsOf(options::Command::Desktop)) {
     try {
       if (option->isArgument) {
         if (!drawings.isEmpty()) apply(*option, values, toUtf8(drawings.front()));
-      } else if (parser.isSet(inQt(option->name))) {
-        apply(*option, values, toUtf8(parser.value(inQt(option->name))));
+      } else if (option->isFlag()) {
+        if (parser.isSet(inQt(option->name))) apply(*option, values, {});
+      } else {
+        // Of one that is given many times the last counts, or a list has all.
+        for (const QString& value : parser.values(inQt(option->name))) apply(*option, values, toUtf8(value));
       }
     } catch (const std::invalid_argument& error) {
       throw Failure(QString::fromUtf8(error.what()) + QLatin1Char('.'));
     }
   }
+}
+
+/// The files that are opened at the start.
+DrawingSources sourcesOf(const options::Options& values) {
+  const auto& drawing = values.window.drawing;
+  if (!drawing) {
+    if (!values.files.with.empty() || !values.files.swapAxes.empty())
+      throw Failure(QStringLiteral("--with and --swap-axes belong to a drawing, and none is named. See --help."));
+    return {};
+  }
+  QStringList paths{QString::fromStdString(*drawing)};
+  for (const std::string& path : values.files.with) paths << QString::fromStdString(path);
+  DrawingSources sources(paths);
+  sources.convertUnits = values.files.convertUnits;
+  for (const std::string& path : values.files.swapAxes) {
+    const QFileInfo wanted(QString::fromStdString(path));
+    const auto file = std::find_if(sources.files.begin(), sources.files.end(),
+                                   [&](const SourceFile& known) { return QFileInfo(known.path) == wanted; });
+    if (file == sources.files.end())
+      throw Failure(QStringLiteral("--swap-axes names '%1', which is none of the drawing's files: %2.")
+                        .arg(QString::fromStdString(path), paths.join(QStringLiteral(", "))));
+    file->swapAxes = true;
+  }
+  return sources;
 }
 
 Started parse(const QStringList& arguments) {
@@ -90,8 +121,8 @@ Started parse(const QStringList& arguments) {
   options::Options values;
   values.common.host.language = QLocale::system().language() == QLocale::German ? "de" : "en";
   applyGiven(parser, values);
+  started.options.drawing = sourcesOf(values);
   started.options.choices = std::move(values.common.host);
-  if (const auto& drawing = values.window.drawing) started.options.drawing = QString::fromStdString(*drawing);
   if (const auto& scheme = values.window.scheme) started.options.scheme = schemeOf(QString::fromStdString(*scheme));
   return started;
 }

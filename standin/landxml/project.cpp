@@ -1,8 +1,11 @@
 #include "landxml/project.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "civil/drawing_files.h"
@@ -31,9 +34,9 @@ double factorFor(const civil::Drawing& drawing, const std::string& path, const s
   // An unknown unit is told when its file is read and counts as metres.
   const double factor = own.value_or(1.0) / wanted.value_or(1.0);
   if (factor == 1.0 || convert) return factor;
-  throw ReadError("its linear unit is " + unitInWords(unit) + ", that of '" + drawing.path + "' is " +
-                      unitInWords(drawing.linearUnit) + "; --convert-units converts the added files",
-                  path);
+  throw UnitMismatch("its linear unit is " + unitInWords(unit) + ", that of '" + drawing.path + "' is " +
+                         unitInWords(drawing.linearUnit) + "; --convert-units converts the added files",
+                     path, unit, drawing.linearUnit);
 }
 
 bool isSameFile(const std::string& a, const std::string& b) {
@@ -41,16 +44,52 @@ bool isSameFile(const std::string& a, const std::string& b) {
   return std::filesystem::equivalent(a, b, error) || (error && a == b);
 }
 
-void refuseTwice(const civil::Drawing& drawing, const std::string& path) {
-  for (civil::FileNumber file = 0; file <= drawing.addedFiles.size(); ++file) {
-    const std::string& known = civil::pathOf(drawing, file);
-    if (!isSameFile(known, path)) continue;
+void refuseSame(const std::string& known, const std::string& path) {
+  if (isSameFile(known, path))
     throw ReadError(known == path ? "the file is given twice" : "the file is given twice, also as '" + known + "'",
                     path);
+}
+
+void refuseTwice(const civil::Drawing& drawing, const std::string& path) {
+  for (civil::FileNumber file = 0; file <= drawing.addedFiles.size(); ++file)
+    refuseSame(civil::pathOf(drawing, file), path);
+}
+
+/// Whether an element of that name begins somewhere in the file; comments aren't told from elements. False too once
+/// `goesOn` is.
+bool holdsAlignment(const std::string& path, const std::function<bool()>& goesOn) {
+  constexpr std::string_view kName = "Alignment";
+  constexpr std::size_t kBlock = std::size_t{1} << 20;
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return false;  // a pipe is read once
+  std::ifstream file(path, std::ios::binary);
+  std::string text;
+  while (file && (!goesOn || goesOn())) {
+    const std::size_t kept = std::min(text.size(), kName.size() + 1);
+    text.erase(0, text.size() - kept);
+    text.resize(kept + kBlock);
+    file.read(text.data() + kept, static_cast<std::streamsize>(kBlock));
+    text.resize(kept + static_cast<std::size_t>(file.gcount()));
+    for (std::size_t at = text.find(kName, 1); at != std::string::npos; at = text.find(kName, at + 1)) {
+      const char before = text[at - 1];
+      const std::size_t end = at + kName.size();
+      if ((before == '<' || before == ':') && end < text.size() &&
+          std::string_view(" \t\r\n/>").find(text[end]) != std::string_view::npos)
+        return true;
+    }
   }
+  return false;
 }
 
 }  // namespace
+
+std::vector<ProjectFile> alignmentFirst(std::vector<ProjectFile> files, const std::function<bool()>& goesOn) {
+  if (files.size() < 2) return files;
+  const auto first = std::find_if(files.begin(), files.end(),
+                                  [&](const ProjectFile& file) { return holdsAlignment(file.path, goesOn); });
+  if (first != files.end()) std::rotate(files.begin(), first, first + 1);
+  return files;
+}
 
 void addFile(civil::Drawing& drawing, const ProjectFile& file, const ProjectOptions& options) {
   refuseTwice(drawing, file.path);
@@ -75,6 +114,9 @@ void addFile(civil::Drawing& drawing, const ProjectFile& file, const ProjectOpti
 }
 
 civil::Drawing readProject(const std::vector<ProjectFile>& files, const ProjectOptions& options) {
+  // Before anything is read, which takes long.
+  for (std::size_t later = 1; later < files.size(); ++later)
+    for (std::size_t i = 0; i < later; ++i) refuseSame(files[i].path, files[later].path);
   civil::Drawing drawing = readDrawing(files.front().path, readOptions(files.front(), options));
   drawing.axesSwapped = files.front().swapAxes;
   for (std::size_t i = 1; i < files.size(); ++i) addFile(drawing, files[i], options);

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "landxml/reader.h"
@@ -24,10 +25,32 @@ struct ProjectOptions {
   bool convertUnits = false;
 };
 
+/// A file is in another unit of length than the drawing's first one, and nobody asked for it to be converted.
+class UnitMismatch : public ReadError {
+ public:
+  UnitMismatch(const std::string& reason, const std::string& file, std::string unit, std::string drawingUnit)
+      : ReadError(reason, file), unit_(std::move(unit)), drawingUnit_(std::move(drawingUnit)) {}
+
+  // As the files name them; empty where one names none, which means metres.
+  [[nodiscard]] const std::string& unit() const noexcept { return unit_; }
+  [[nodiscard]] const std::string& drawingUnit() const noexcept { return drawingUnit_; }
+
+ private:
+  std::string unit_;
+  std::string drawingUnit_;
+};
+
+/// Files that came in no order, in the one that a drawing of them has: in front the first one that holds an alignment, as
+/// users think of a road and what lies around it; the others as they came. Files that can't be read or are in an encoding
+/// of several bytes a letter other than UTF-8 count as without. Costs reading files up to their first alignment; ends
+/// early once `goesOn` is false, with the order as it came.
+[[nodiscard]] std::vector<ProjectFile> alignmentFirst(std::vector<ProjectFile> files,
+                                                      const std::function<bool()>& goesOn = {});
+
 /// Reads the first file and adds the others to it in their order (civil::addDrawing).
 ///
 /// Throws ReadError, which names the file: one of them can't be read, stands in the list twice (under whatever names), or
-/// is in another unit than the first, which names both units and files. Throws Cancelled. `files` is not empty.
+/// is in another unit than the first (UnitMismatch), which names both units and files. Throws Cancelled. `files` is not empty.
 [[nodiscard]] civil::Drawing readProject(const std::vector<ProjectFile>& files, const ProjectOptions& options = {});
 
 /// Adds one more file to a drawing that is open already; by the same rules and with the same errors, after which the

@@ -101,7 +101,7 @@ constexpr std::array kTable{
 
     // ---- the drawing's files
     OptionDescription{.name = "with",
-                      .commands = kDrawingCommands,
+                      .commands = kDrawingCommands | Command::Desktop,
                       .field = [](Options& o) -> Field { return &o.files.with; },
                       .help = "One more file of the drawing; may be given many times",
                       .valueName = "FILE"},
@@ -109,8 +109,12 @@ constexpr std::array kTable{
                       .commands = kDrawingCommands,
                       .field = [](Options& o) -> Field { return &o.files.convertUnits; },
                       .help = "Convert files in another unit of length than DRAWING's, which are an error otherwise"},
+    OptionDescription{.name = "convert-units",
+                      .commands = Command::Desktop,
+                      .field = [](Options& o) -> Field { return &o.files.convertUnits; },
+                      .help = "Convert files in another unit of length than DRAWING's, which are asked about otherwise"},
     OptionDescription{.name = "swap-axes",
-                      .commands = kDrawingCommands,
+                      .commands = kDrawingCommands | Command::Desktop,
                       .field = [](Options& o) -> Field { return &o.files.swapAxes; },
                       .help = "A file of the drawing whose coordinates hold easting before northing; may be given many times",
                       .valueName = "FILE"},

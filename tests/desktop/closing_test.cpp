@@ -2,6 +2,7 @@
 #include <QLineEdit>
 #include <QProcess>
 #include <csignal>
+#include <fstream>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -210,6 +211,19 @@ TEST(ClosingTheProgram, EndsItWithCode0) {
   EXPECT_EQ(process.errors(), "");
 }
 
+TEST(StartingTheProgram, OpensAllFilesOfItsDrawing) {
+  const TemporaryFolder folder;
+  std::ofstream(folder / "points.xml") << "<LandXML version=\"1.2\"><Units><Imperial linearUnit=\"foot\"/></Units>"
+                                          "<CgPoints><CgPoint name=\"1\">1 2 3</CgPoint></CgPoints></LandXML>";
+  const QString points = QString::fromStdString((folder / "points.xml").string());
+  Process process({QStringLiteral("--lang"), QStringLiteral("en"), kExample, QStringLiteral("--with"), points,
+                   QStringLiteral("--convert-units"), QStringLiteral("--swap-axes"), points});
+  const unsigned long window = waitForForeignWindow("valley-road.xml + 1 file");
+  ASSERT_NE(window, 0U);
+  closeByManager(window);
+  EXPECT_EQ(process.end(), 0) << process.errors();
+}
+
 TEST(ClosingTheProgram, DuringALoadToo) {
   const TemporaryFolder folder;
   writeLargeDrawing(folder / "large.xml");
@@ -268,6 +282,8 @@ struct BadUsage {
 TEST(StartingTheProgram, TellsWhatIsWrongWithItsArguments) {
   const std::vector<BadUsage> cases{{{"--frobnicate"}, "frobnicate"},
                                     {{"a.xml", "b.xml"}, "one drawing"},
+                                    {{"--with", "b.xml"}, "--with and --swap-axes belong to a drawing"},
+                                    {{"a.xml", "--with", "b.xml", "--swap-axes", "c.xml"}, "names 'c.xml'"},
                                     {{"--lang", "fr"}, "en and de"},
                                     {{"--scheme", "pink"}, "light and dark"},
                                     {{"--messages", "/nowhere.txt"}, "/nowhere.txt"},
@@ -290,8 +306,8 @@ TEST(StartingTheProgram, HelpsWithAnExampleWhereverItStands) {
   const RunResult help = runProgram(request);
   EXPECT_EQ(help.exitCode, 0);
   EXPECT_NE(help.output.find("lvxhost-desktop examples/valley-road.xml"), std::string::npos) << help.output;
-  for (const char* option : {"--lang", "--scheme", "--messages", "--module", "--release", "--report-code-page",
-                             "--message-code-page", "--version"})
+  for (const char* option : {"--with", "--convert-units", "--swap-axes", "--lang", "--scheme", "--messages", "--module",
+                             "--release", "--report-code-page", "--message-code-page", "--version"})
     EXPECT_NE(help.output.find(option), std::string::npos) << option;
   request.arguments = {"--version"};
   EXPECT_EQ(runProgram(request).output, "lvxhost-desktop 1.0.0\n");

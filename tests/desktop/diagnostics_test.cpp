@@ -48,7 +48,7 @@ class Diagnostics : public testing::Test {
       view->setWindowTitle(QStringLiteral("Diagnostics window"));
       view->resize(700, 300);
       QObject::connect(view, &DiagnosticsView::titleChanged, view, [this](const QString& text) { title = text; });
-      QObject::connect(view, &DiagnosticsView::lineWanted, view, [this](quint64 wanted) { line = wanted; });
+      QObject::connect(view, &DiagnosticsView::lineWanted, view, [this](quint32, quint64 wanted) { line = wanted; });
       view->setDrawing(&drawing);
       table = view->findChild<QTableView*>(QStringLiteral("diagnosticsTable"));
       view->show();

@@ -36,7 +36,7 @@ class ProgramWindow {
     options.choices.bin = test::inBuild("/bin");
     if (!options.scheme) options.scheme = desktop::Scheme::Light;
     if (options.settingsFile.isEmpty()) options.settingsFile = path("settings.ini");
-    options.drawing = drawing;
+    if (!drawing.isEmpty()) options.drawing = desktop::DrawingSources(drawing);
     onGui([&] {
       window = new desktop::MainWindow(options);
       window->show();

@@ -72,6 +72,51 @@ TEST_F(Project, RefusesAFileThatIsGivenTwice) {
   EXPECT_EQ(errorOf({{"road.xml"}, {"other.xml"}}), "landxml: the file is given twice, also as 'road.xml' (other.xml)");
 }
 
+TEST_F(Project, PutsTheFirstFileWithAnAlignmentInFront) {
+  const std::string far(std::size_t{3} << 20, ' ');
+  write("points.xml", metric("<CgPoints><CgPoint name=\"1\">0 0</CgPoint></CgPoints><Alignments/>"));
+  write("ground.xml", metric("<Survey note=\"the Alignment of it\"/>" + kGround));
+  write("road.xml", metric(far + northward("")));
+  write("rail.xml", metric(northward("")));
+  const auto order = [](const std::vector<ProjectFile>& files) {
+    std::string names;
+    for (const ProjectFile& file : files) names += file.path + (file.swapAxes ? "! " : " ");
+    return names;
+  };
+  EXPECT_EQ(order(alignmentFirst({{"points.xml"}, {"ground.xml"}, {"road.xml", true}, {"rail.xml"}})),
+            "road.xml! points.xml ground.xml rail.xml ");
+  EXPECT_EQ(order(alignmentFirst({{"rail.xml"}, {"road.xml"}})), "rail.xml road.xml ");
+  EXPECT_EQ(order(alignmentFirst({{"points.xml"}, {"gone.xml"}, {"ground.xml"}})), "points.xml gone.xml ground.xml ");
+  EXPECT_EQ(order(alignmentFirst({{"points.xml"}, {"road.xml"}}, [] { return false; })), "points.xml road.xml ");
+}
+
+TEST_F(Project, FindsAnAlignmentWhereverItsNameIsCut) {
+  write("points.xml", metric("<CgPoints/>"));
+  // Files are read by blocks; the tag stands at the end of one in every way.
+  for (std::size_t before = 0; before < 16; ++before) {
+    write("road.xml", std::string((std::size_t{1} << 20) - before, ' ') + "<lx:Alignment name=\"A\"/>");
+    EXPECT_EQ(alignmentFirst({{"points.xml"}, {"road.xml"}}).front().path, "road.xml") << before;
+  }
+}
+
+TEST_F(Project, TellsUnitsThatDifferAsSuch) {
+  write("road.xml", metric(northward("")));
+  write("ground.xml", inFeet("USSurveyFoot", kGround));
+  try {
+    (void)readProject({{"road.xml"}, {"ground.xml"}});
+    FAIL() << "nothing was thrown";
+  } catch (const UnitMismatch& error) {
+    EXPECT_EQ(error.file(), "ground.xml");
+    EXPECT_EQ(error.unit(), "USSurveyFoot");
+    EXPECT_EQ(error.drawingUnit(), "meter");
+  }
+}
+
+TEST_F(Project, RefusesAFileThatIsGivenTwiceBeforeItReadsAny) {
+  write("cut.xml", "<LandXML><Units>");
+  EXPECT_EQ(errorOf({{"cut.xml"}, {"ground.xml"}, {"ground.xml"}}), "landxml: the file is given twice (ground.xml)");
+}
+
 TEST_F(Project, RefusesAnotherUnitAndOffersToConvert) {
   write("road.xml", metric(northward("")));
   write("ground.xml", inFeet("USSurveyFoot", kGround));

@@ -14,7 +14,9 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
+#include "civil/drawing_files.h"
 #include "desktop/common/icons.h"
 #include "desktop/common/qt_text.h"
 
@@ -25,7 +27,6 @@ namespace lvx::desktop {
 void DiagnosticsModel::setDrawing(const civil::Drawing* drawing) {
   beginResetModel();
   drawing_ = drawing;
-  file_ = drawing == nullptr ? QString() : QFileInfo(toQt(drawing->path)).fileName();
   endResetModel();
 }
 
@@ -39,6 +40,7 @@ QVariant DiagnosticsModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
   const civil::Diagnostic& diagnostic = drawing_->diagnostics[static_cast<std::size_t>(index.row())];
   if (role == SeverityRole) return static_cast<int>(diagnostic.severity);
+  if (role == FileRole) return diagnostic.file;
   if (role == LineRole) return QVariant::fromValue<quint64>(diagnostic.line);
   if (role == Qt::ToolTipRole && index.column() == TextColumn) return toQt(diagnostic.text);
   if (role == Qt::DecorationRole && index.column() == SeverityColumn) {
@@ -63,8 +65,10 @@ QVariant DiagnosticsModel::data(const QModelIndex& index, int role) const {
           return tr("Error");
       }
       return {};
-    case PlaceColumn:
-      return diagnostic.line == 0 ? file_ : QStringLiteral("%1:%2").arg(file_).arg(diagnostic.line);
+    case PlaceColumn: {
+      const QString file = QFileInfo(toQt(civil::pathOf(*drawing_, diagnostic.file))).fileName();
+      return diagnostic.line == 0 ? file : QStringLiteral("%1:%2").arg(file).arg(diagnostic.line);
+    }
     case TextColumn:
       return toQt(diagnostic.text);
     default:
@@ -87,6 +91,11 @@ QVariant DiagnosticsModel::headerData(int section, Qt::Orientation orientation, 
 }
 
 namespace {
+
+/// File and line of a row.
+std::pair<quint32, quint64> placeOf(const QModelIndex& index) {
+  return {index.data(DiagnosticsModel::FileRole).toUInt(), index.data(DiagnosticsModel::LineRole).toULongLong()};
+}
 
 class Filter final : public QSortFilterProxyModel {
  public:
@@ -111,8 +120,7 @@ class Filter final : public QSortFilterProxyModel {
       case DiagnosticsModel::SeverityColumn:
         return left.data(DiagnosticsModel::SeverityRole).toInt() > right.data(DiagnosticsModel::SeverityRole).toInt();
       case DiagnosticsModel::PlaceColumn:
-        return left.data(DiagnosticsModel::LineRole).toULongLong() <
-               right.data(DiagnosticsModel::LineRole).toULongLong();
+        return placeOf(left) < placeOf(right);
       default:
         return QSortFilterProxyModel::lessThan(left, right);
     }
@@ -192,8 +200,8 @@ DiagnosticsView::DiagnosticsView(QWidget* parent)
   connect(filter_, &QLineEdit::textChanged, this, &DiagnosticsView::applyFilter);
   connect(copyRows, &QAction::triggered, this, &DiagnosticsView::copy);
   connect(table_, &QTableView::activated, this, [this](const QModelIndex& index) {
-    const quint64 line_ = index.data(DiagnosticsModel::LineRole).toULongLong();
-    if (line_ > 0) Q_EMIT lineWanted(line_);
+    const auto [file, line_] = placeOf(index);
+    if (line_ > 0) Q_EMIT lineWanted(file, line_);
   });
   setDrawing(nullptr);
 }

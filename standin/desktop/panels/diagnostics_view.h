@@ -18,8 +18,8 @@ class DiagnosticsModel : public QAbstractTableModel {
   Q_OBJECT
  public:
   enum Column { SeverityColumn, PlaceColumn, TextColumn, ColumnCount };
-  /// Severity as a number (2: error), and the line.
-  enum Role { SeverityRole = Qt::UserRole, LineRole };
+  /// Severity as a number (2: error), the number of the file and the line there.
+  enum Role { SeverityRole = Qt::UserRole, FileRole, LineRole };
   using QAbstractTableModel::QAbstractTableModel;
 
   void setDrawing(const civil::Drawing* drawing);
@@ -30,7 +30,6 @@ class DiagnosticsModel : public QAbstractTableModel {
 
  private:
   const civil::Drawing* drawing_ = nullptr;
-  QString file_;
 };
 
 /// The table with its filters.
@@ -44,8 +43,8 @@ class DiagnosticsView : public QWidget {
  Q_SIGNALS:
   /// The tab's title with the number of warnings and errors.
   void titleChanged(const QString& title);
-  /// The user wants to see a line of the drawing's file.
-  void lineWanted(quint64 line);
+  /// The user wants to see a line of one of the drawing's files.
+  void lineWanted(quint32 file, quint64 line);
 
  private:
   void applyFilter();

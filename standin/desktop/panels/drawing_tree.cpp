@@ -1,15 +1,21 @@
 #include "desktop/panels/drawing_tree.h"
 
+#include <QContextMenuEvent>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QScrollBar>
+#include <QStringList>
 #include <QTreeView>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <functional>
+#include <optional>
 #include <utility>
 
+#include "civil/drawing_files.h"
 #include "desktop/common/icons.h"
 #include "desktop/common/qt_text.h"
 
@@ -23,7 +29,9 @@ struct DrawingTreeModel::Node {
   QString count;  ///< in brackets behind the text
   const char* icon = nullptr;
   QString tip;
-  bool isHeading = false;
+  TreeRow::Kind kind = TreeRow::Kind::Object;
+  /// Of a file, and of an object the one that it came from.
+  std::optional<civil::FileNumber> file;
   bool leadsOn = false;  ///< what the filter found stands below
   /// Makes the children when they are looked at; empty: there are none.
   std::function<void(Node&)> makeChildren;
@@ -39,6 +47,7 @@ struct DrawingTreeModel::Node {
     child->icon = childIcon;
     return *children.emplace_back(std::move(child));
   }
+  [[nodiscard]] bool isHeading() const { return kind != TreeRow::Kind::Object && kind != TreeRow::Kind::File; }
 };
 
 namespace {
@@ -97,12 +106,19 @@ void DrawingTreeModel::setFilter(const QString& text) {
 
 /// The rows of a drawing's parts. Each makes its children when they are looked at.
 struct DrawingTreeModel::Rows {
+  template <class Object>
+  static Node& addObject(Node& into, const Object& object, const char* icon) {
+    Node& row = into.add(object.handle, nameOf(object.name), icon);
+    row.file = object.file;
+    return row;
+  }
+
   /// A heading over `objects`, which `makeChildren` lists; it can't be opened where there are none.
   template <class Objects>
   static Node& addHeading(Node& into, const QString& text, const char* icon, const Objects& objects,
                           std::function<void(Node&)> makeChildren) {
     Node& heading = into.add(0, text, icon);
-    heading.isHeading = true;
+    heading.kind = TreeRow::Kind::OtherHeading;
     heading.count = countOf(objects);
     if (!objects.empty()) heading.makeChildren = std::move(makeChildren);
     return heading;
@@ -112,7 +128,7 @@ struct DrawingTreeModel::Rows {
     if (alignment.profiles.empty()) return;
     addHeading(into, DrawingTreeModel::tr("Profiles"), "profile", alignment.profiles, [&alignment](Node& heading) {
       for (const civil::ProfileObject& profile : alignment.profiles) {
-        Node& row = heading.add(profile.handle, nameOf(profile.name), "profile");
+        Node& row = addObject(heading, profile, "profile");
         row.tip = profile.profile.isGround() ? DrawingTreeModel::tr("Ground") : DrawingTreeModel::tr("Design");
       }
     });
@@ -123,12 +139,13 @@ struct DrawingTreeModel::Rows {
     const auto& groups = alignment.sampleLineGroups;
     addHeading(into, DrawingTreeModel::tr("Sample line groups"), "sample_line_group", groups, [&groups](Node& heading) {
       for (const civil::SampleLineGroup& group : groups) {
-        Node& row = heading.add(group.handle, nameOf(group.name), "sample_line_group");
+        Node& row = addObject(heading, group, "sample_line_group");
         row.count = countOf(group.lines);
         row.tip = toQt(group.description);
         if (group.lines.empty()) continue;
         row.makeChildren = [&group](Node& self) {
-          for (const civil::SampleLine& line : group.lines) self.add(line.handle, nameOf(line.name), "sample_line");
+          for (const civil::SampleLine& line : group.lines)
+            self.add(line.handle, nameOf(line.name), "sample_line").file = group.file;
         };
       }
     });
@@ -136,7 +153,7 @@ struct DrawingTreeModel::Rows {
 
   static void addAlignments(Node& into, const civil::Site& site) {
     for (const auto& alignment : site.alignments) {
-      Node& row = into.add(alignment->handle, nameOf(alignment->name), "alignment");
+      Node& row = addObject(into, *alignment, "alignment");
       row.tip = toQt(alignment->description);
       if (alignment->profiles.empty() && alignment->sampleLineGroups.empty()) continue;
       row.makeChildren = [&object = *alignment](Node& self) {
@@ -149,7 +166,7 @@ struct DrawingTreeModel::Rows {
   static void addSites(Node& into, const civil::Drawing& drawing) {
     addHeading(into, DrawingTreeModel::tr("Sites"), "site", drawing.sites, [&drawing](Node& heading) {
       for (const civil::Site& site : drawing.sites) {
-        Node& row = heading.add(site.handle, nameOf(site.name), "site");
+        Node& row = addObject(heading, site, "site");
         row.count = countOf(site.alignments);
         row.tip = toQt(site.description);
         if (!site.alignments.empty()) row.makeChildren = [&site](Node& self) { addAlignments(self, site); };
@@ -164,7 +181,7 @@ struct DrawingTreeModel::Rows {
   static void addSurfaces(Node& into, const civil::Drawing& drawing) {
     addHeading(into, DrawingTreeModel::tr("Surfaces"), "surface", drawing.surfaces, [&drawing](Node& heading) {
       for (const civil::SurfaceObject& surface : drawing.surfaces) {
-        Node& row = heading.add(surface.handle, nameOf(surface.name), "surface");
+        Node& row = addObject(heading, surface, "surface");
         const civil::TinSurface::Counts counts = surface.surface.counts();
         row.count = DrawingTreeModel::tr("%1 triangles").arg(grouped(counts.triangles));
         row.tip = DrawingTreeModel::tr("%1 points, %2 triangles, elevations %3 to %4")
@@ -179,11 +196,12 @@ struct DrawingTreeModel::Rows {
     Node& groups = addHeading(into, DrawingTreeModel::tr("Point groups"), "point_group", drawing.pointGroups,
                               [&drawing](Node& heading) {
                                 for (const civil::PointGroup& group : drawing.pointGroups) {
-                                  Node& row = heading.add(group.handle, nameOf(group.name), "point_group");
+                                  Node& row = addObject(heading, group, "point_group");
                                   row.count = countOf(group.numbers);
                                   row.tip = toQt(group.description);
                                 }
                               });
+    groups.kind = TreeRow::Kind::PointGroupsHeading;
     groups.tip = DrawingTreeModel::tr("%1 points in the drawing").arg(countOf(drawing.points));
   }
 
@@ -196,10 +214,49 @@ struct DrawingTreeModel::Rows {
     }
   }
 
+  static void addFile(Node& into, civil::FileNumber number, const std::string& path, const QString& unit,
+                      double lengthFactor, bool areAxesSwapped, const QString& drawingUnit) {
+    const QString name = toQt(path);
+    Node& row = into.add(0, QFileInfo(name).fileName(), "file");
+    row.kind = TreeRow::Kind::File;
+    row.file = number;
+    QStringList marks{unit};
+    QStringList tip{name, DrawingTreeModel::tr("Unit: %1").arg(unit)};
+    if (lengthFactor != 1.0) {
+      marks << DrawingTreeModel::tr("converted");
+      constexpr int kDigits = 12;
+      tip << DrawingTreeModel::tr("Converted to %1: its lengths times %2")
+                 .arg(drawingUnit, QString::number(lengthFactor, 'g', kDigits));
+    }
+    if (areAxesSwapped) {
+      marks << DrawingTreeModel::tr("swapped");
+      tip << DrawingTreeModel::tr("Northing and easting are swapped");
+    }
+    row.count = marks.join(QStringLiteral(", "));
+    row.tip = tip.join(QLatin1Char('\n'));
+  }
+
+  static void addFiles(Node& into, const civil::Drawing& drawing) {
+    if (drawing.path.empty()) return;
+    Node& files = into.add(0, DrawingTreeModel::tr("Files"), "file");
+    files.kind = TreeRow::Kind::FilesHeading;
+    files.count = grouped(drawing.addedFiles.size() + 1);
+    files.makeChildren = [&drawing](Node& heading) {
+      const auto inWords = [](const std::string& unit) {
+        return unit.empty() ? DrawingTreeModel::tr("no unit") : toQt(unit);
+      };
+      const QString unit = inWords(drawing.linearUnit);
+      addFile(heading, 0, drawing.path, unit, 1.0, drawing.axesSwapped, unit);
+      civil::FileNumber number = 0;
+      for (const civil::AddedFile& file : drawing.addedFiles)
+        addFile(heading, ++number, file.path, inWords(file.linearUnit), file.lengthFactor, file.axesSwapped, unit);
+    };
+  }
+
   static void addCorridors(Node& into, const civil::Drawing& drawing) {
     addHeading(into, DrawingTreeModel::tr("Corridors"), "corridor", drawing.corridors, [&drawing](Node& heading) {
       for (const civil::Corridor& corridor : drawing.corridors) {
-        Node& row = heading.add(corridor.handle, nameOf(corridor.name), "corridor");
+        Node& row = addObject(heading, corridor, "corridor");
         row.count = countOf(corridor.baselines);
         row.tip = toQt(corridor.description);
         if (!corridor.baselines.empty()) row.makeChildren = [&corridor](Node& self) { addBaselines(self, corridor); };
@@ -217,13 +274,14 @@ void DrawingTreeModel::rebuild() {
   Rows::addSurfaces(*root_, *drawing_);
   Rows::addPointGroups(*root_, *drawing_);
   Rows::addCorridors(*root_, *drawing_);
+  Rows::addFiles(*root_, *drawing_);
   if (!filter_.isEmpty()) keepMatches(*root_, filter_);
 }
 
 bool DrawingTreeModel::keepMatches(Node& node, const QString& text) {
   expand(node);
   std::erase_if(node.children, [&](std::unique_ptr<Node>& child) {
-    const bool matches = !child->isHeading && child->text.contains(text, Qt::CaseInsensitive);
+    const bool matches = !child->isHeading() && child->text.contains(text, Qt::CaseInsensitive);
     if (matches) ++found_;
     child->leadsOn = keepMatches(*child, text);
     if (child->leadsOn) return false;
@@ -281,8 +339,10 @@ QVariant DrawingTreeModel::data(const QModelIndex& index, int role) const {
       return node->count.isEmpty() ? node->text : QStringLiteral("%1 (%2)").arg(node->text, node->count);
     case Qt::DecorationRole:
       return icon(QString::fromLatin1(node->icon));
-    case Qt::ToolTipRole:
-      return node->tip.isEmpty() ? QVariant() : QVariant(node->tip);
+    case Qt::ToolTipRole: {
+      const QString tip = toolTip(*node);
+      return tip.isEmpty() ? QVariant() : QVariant(tip);
+    }
     case HandleRole:
       return QVariant::fromValue<quint64>(node->handle);
     case LeadsOnRole:
@@ -290,6 +350,27 @@ QVariant DrawingTreeModel::data(const QModelIndex& index, int role) const {
     default:
       return {};
   }
+}
+
+QString DrawingTreeModel::toolTip(const Node& node) const {
+  // Where a drawing is one file its objects come from nowhere else.
+  if (node.kind != TreeRow::Kind::Object || !node.file || drawing_->addedFiles.empty()) return node.tip;
+  QString origin;
+  if (*node.file == civil::kNoFile)
+    origin = tr("Made here, not saved yet");
+  else
+    origin = tr("From %1").arg(QFileInfo(toQt(civil::pathOf(*drawing_, *node.file))).fileName());
+  return node.tip.isEmpty() ? origin : node.tip + QLatin1Char('\n') + origin;
+}
+
+TreeRow DrawingTreeModel::rowOf(const QModelIndex& index) const {
+  if (!index.isValid()) return {};
+  const Node& node = *nodeOf(index);
+  TreeRow row;
+  row.kind = node.kind;
+  row.handle = node.handle;
+  if (node.kind == TreeRow::Kind::File) row.file = *node.file;
+  return row;
 }
 
 QModelIndex DrawingTreeModel::indexOf(civil::Handle handle) const {
@@ -323,6 +404,7 @@ DrawingTree::DrawingTree(QWidget* parent)
   view_->setFrameShape(QFrame::NoFrame);
   view_->setExpandsOnDoubleClick(false);  // a double click zooms; the arrow and the keys open
   view_->installEventFilter(this);
+  view_->viewport()->installEventFilter(this);
   auto* const layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   constexpr int kGap = 4;
@@ -445,7 +527,29 @@ void DrawingTree::focusFind() {
   find_->selectAll();
 }
 
+bool DrawingTree::openMenu(const QModelIndex& index, const QPoint& place) {
+  if (!index.isValid()) return false;
+  auto* const menu = new QMenu(this);
+  menu->setObjectName(QStringLiteral("treeMenu"));
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  menu->setToolTipsVisible(true);
+  Q_EMIT menuOpening(*menu, model_->rowOf(index));
+  if (menu->isEmpty()) {
+    delete menu;
+    return false;
+  }
+  menu->popup(view_->viewport()->mapToGlobal(place));
+  return true;
+}
+
 bool DrawingTree::eventFilter(QObject* target, QEvent* event) {
+  if (event->type() == QEvent::ContextMenu && target != find_) {
+    // By the keyboard it is asked for where the keyboard is.
+    const auto* const asked = static_cast<QContextMenuEvent*>(event);
+    const bool isByMouse = asked->reason() == QContextMenuEvent::Mouse;
+    const QModelIndex index = isByMouse ? view_->indexAt(asked->pos()) : view_->currentIndex();
+    return openMenu(index, isByMouse ? asked->pos() : view_->visualRect(index).center());
+  }
   if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(target, event);
   const int key = static_cast<QKeyEvent*>(event)->key();
   if (target == find_ && key == Qt::Key_Down) {

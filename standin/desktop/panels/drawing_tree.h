@@ -9,13 +9,25 @@
 
 #include "civil/drawing.h"
 
+class QContextMenuEvent;
 class QLineEdit;
+class QMenu;
 class QTreeView;
 
 namespace lvx::desktop {
 
+/// What a row of the tree stands for.
+struct TreeRow {
+  enum class Kind { Object, File, FilesHeading, PointGroupsHeading, OtherHeading };
+  Kind kind = Kind::OtherHeading;
+  /// Of an object; else 0.
+  civil::Handle handle = 0;
+  /// Of a file; else 0.
+  civil::FileNumber file = 0;
+};
+
 /// The drawing's objects as a tree: sites, alignments with their profiles and sample line groups, the alignments without a
-/// site, surfaces, point groups, corridors with their baselines. Rows come into being when somebody looks at them, so a
+/// site, surfaces, point groups, corridors with their baselines, at last its files. Rows come into being when somebody looks at them, so a
 /// group of 10,000 lines costs nothing until it is opened. Points into the drawing.
 class DrawingTreeModel : public QAbstractItemModel {
   Q_OBJECT
@@ -24,6 +36,8 @@ class DrawingTreeModel : public QAbstractItemModel {
   enum Role { HandleRole = Qt::UserRole, LeadsOnRole };
   /// What stays of a row when the drawing is edited: an object's handle, a heading's text, below those that it stands in.
   [[nodiscard]] static QString placeOf(const QModelIndex& index);
+
+  [[nodiscard]] TreeRow rowOf(const QModelIndex& index) const;
 
   explicit DrawingTreeModel(QObject* parent = nullptr);
   ~DrawingTreeModel() override;
@@ -53,6 +67,7 @@ class DrawingTreeModel : public QAbstractItemModel {
   void expand(Node& node) const;
   bool keepMatches(Node& node, const QString& text);
   void rebuild();
+  [[nodiscard]] QString toolTip(const Node& node) const;
 
   const civil::Drawing* drawing_ = nullptr;
   QString filter_;
@@ -83,6 +98,9 @@ class DrawingTree : public QWidget {
   void activated(quint64 handle);
   /// A menu is asked for on an object's row, at a place of the screen.
   void menuWanted(quint64 handle, QPoint global);
+  /// The user asks for a row's menu: who has something to offer there adds it. Shown if anybody did. What an action does
+  /// begins from the event loop if it waits for the user.
+  void menuOpening(QMenu& menu, const lvx::desktop::TreeRow& row);
 
  protected:
   bool eventFilter(QObject* target, QEvent* event) override;
@@ -91,6 +109,8 @@ class DrawingTree : public QWidget {
   void filter(const QString& text);
   [[nodiscard]] QSet<QString> openRows() const;
   void openAgain(const QSet<QString>& rows);
+  /// False where nobody offers anything.
+  bool openMenu(const QModelIndex& index, const QPoint& place);
 
   QLineEdit* find_;
   QTreeView* view_;

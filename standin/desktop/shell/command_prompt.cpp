@@ -51,7 +51,7 @@ QStringList CommandPrompt::known() const {
 void CommandPrompt::enter(const QString& text) {
   const QString report = session_.commandOf(text);
   console_.print(QStringLiteral("> ") + (report.isEmpty() ? text : report));
-  if (document_.isBusy())
+  if (document_.isBusy() || frontEnd_.isPicking())
     tellBusy();
   else if (!report.isEmpty())
     Q_EMIT reportEntered(report);
@@ -60,9 +60,10 @@ void CommandPrompt::enter(const QString& text) {
 }
 
 void CommandPrompt::tellBusy() {
-  console_.print(frontEnd_.isPicking() ? tr("%1 waits for a pick in the drawing or in the tree; Escape ends it.")
-                                             .arg(ReportNames::title(session_.running()))
-                                       : tr("Something else is running; wait for its end or press Escape."));
+  console_.print(frontEnd_.isPicking() && session_.isRunning()
+                     ? tr("%1 waits for a pick in the drawing or in the tree; Escape ends it.")
+                           .arg(ReportNames::title(session_.running()))
+                     : tr("Something else is running; wait for its end or press Escape."));
 }
 
 bool CommandPrompt::runOwn(const QString& text) {

@@ -77,11 +77,13 @@ void DesktopFrontEnd::waitForPick(const std::function<void(QEventLoop&, QObject&
   bool ended = false;
   connect(&plan_, &PlanView::gaveUp, &context, [&ended] { ended = true; });
   picking_ = true;
+  Q_EMIT pickingChanged();
   window_.raise();
   window_.activateWindow();
   start(loop, context);
   if (!ended) loop.exec();
   picking_ = false;
+  Q_EMIT pickingChanged();
 }
 
 std::optional<civil::Handle> DesktopFrontEnd::pickEntity(const CString& prompt) {
@@ -100,6 +102,18 @@ std::optional<civil::Handle> DesktopFrontEnd::pickEntity(const CString& prompt) 
 std::optional<std::vector<civil::Handle>> DesktopFrontEnd::selectEntities(const CString& addPrompt,
                                                                           const CString& removePrompt,
                                                                           const CString& classTag) {
+  return select(toQt(addPrompt), toQt(removePrompt), kindOf(classTag), {});
+}
+
+std::optional<std::vector<civil::Handle>> DesktopFrontEnd::selectPoints(const QString& addPrompt,
+                                                                        const QString& removePrompt,
+                                                                        const std::vector<civil::Handle>& first) {
+  return select(addPrompt, removePrompt, civil::ObjectKind::Point, first);
+}
+
+std::optional<std::vector<civil::Handle>> DesktopFrontEnd::select(const QString& addPrompt, const QString& removePrompt,
+                                                                  std::optional<civil::ObjectKind> only,
+                                                                  const std::vector<civil::Handle>& first) {
   std::optional<std::vector<civil::Handle>> selected;
   if (givenUp_) return selected;
   waitForPick([&](QEventLoop& loop, QObject& context) {
@@ -107,7 +121,8 @@ std::optional<std::vector<civil::Handle>> DesktopFrontEnd::selectEntities(const 
       selected.emplace(handles.begin(), handles.end());
       loop.quit();
     });
-    plan_.startSelection(toQt(addPrompt), toQt(removePrompt), kindOf(classTag));
+    plan_.startSelection(addPrompt, removePrompt, only);
+    for (const civil::Handle handle : first) plan_.offerPick(handle);
   });
   return givenUp_ ? std::nullopt : std::move(selected);
 }

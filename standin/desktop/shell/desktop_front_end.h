@@ -37,6 +37,11 @@ class DesktopFrontEnd final : public QObject, public runtime::FrontEnd, private 
   void askAgain();
   /// True while the user is asked to pick or select.
   [[nodiscard]] bool isPicking() const { return picking_; }
+  /// Lets the user select points in the plan, no command being run; those of `first` are selected to begin with. Empty
+  /// where they gave it up.
+  [[nodiscard]] std::optional<std::vector<civil::Handle>> selectPoints(const QString& addPrompt,
+                                                                       const QString& removePrompt,
+                                                                       const std::vector<civil::Handle>& first);
   /// The help window at its first page, brought to the front.
   void showHelpContents();
   void closeHelp();
@@ -58,10 +63,16 @@ class DesktopFrontEnd final : public QObject, public runtime::FrontEnd, private 
   void printed(const QString& text);
   /// A dialog of the running command is about to open.
   void dialogOpening();
+  /// isPicking() is another.
+  void pickingChanged();
 
  private:
   int runModal(host::DialogBehaviour& dialog, void* parent) override;
   HelpWindow& help();
+  /// `first`: selected to begin with.
+  std::optional<std::vector<civil::Handle>> select(const QString& addPrompt, const QString& removePrompt,
+                                                   std::optional<civil::ObjectKind> only,
+                                                   const std::vector<civil::Handle>& first);
   /// Waits until the pick that `start` begins ends.
   void waitForPick(const std::function<void(QEventLoop& loop, QObject& context)>& start);
 

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "desktop/common/scheme.h"
+#include "desktop/shell/drawing_sources.h"
 #include "runtime/host_choices.h"
 
 namespace lvx::desktop {
@@ -12,8 +13,8 @@ namespace lvx::desktop {
 struct DesktopOptions {
   runtime::HostChoices choices;
   std::optional<Scheme> scheme;
-  /// Opened at the start; empty: none.
-  QString drawing;
+  /// Opened at the start; without a file: none.
+  DrawingSources drawing;
   /// Where the settings are kept (ini); empty: the user's own place.
   QString settingsFile;
 };

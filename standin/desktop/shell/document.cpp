@@ -36,7 +36,7 @@ Document::Document(const DocumentSurroundings& surroundings, Session& session, L
       leave_(leave),
       stopReading_(new QShortcut(QKeySequence(Qt::Key_Escape), &at_.window)) {
   connectReading();
-  connectFile();
+  connectFiles();
   connect(this, &Document::stateChanged, this, [this] { stopReading_->setEnabled(loader_.isRunning()); });
 }
 
@@ -45,32 +45,36 @@ Document::~Document() = default;
 void Document::connectReading() {
   connect(&at_.progress, &ProgressStrip::cancelled, &loader_, &DrawingLoader::cancel);
   connect(stopReading_, &QShortcut::activated, &loader_, &DrawingLoader::cancel);
-  connect(&loader_, &DrawingLoader::progressed, this, [this](const QString& step, quint64 done, quint64 total) {
-    const QString name = QFileInfo(loader_.path()).fileName();
-    // Bytes are told while the file is read; what follows has no unit.
-    at_.progress.setProgress(step == DrawingLoader::tr("Reading")
-                                 ? tr("%1 %2: %3 of %4").arg(step, name, sizeText(done), sizeText(total))
-                                 : tr("%1: %2").arg(name, step),
-                             done, total);
-  });
+  connect(&loader_, &DrawingLoader::progressed, this,
+          [this](const QString& step, const QString& path, quint64 done, quint64 total) {
+            const QString name = QFileInfo(path).fileName();
+            // Bytes are told while a file is read; what follows has no unit.
+            at_.progress.setProgress(step == DrawingLoader::tr("Reading")
+                                         ? tr("%1 %2: %3 of %4").arg(step, name, sizeText(done), sizeText(total))
+                                         : tr("%1: %2").arg(name, step),
+                                     done, total);
+          });
   connect(&loader_, &DrawingLoader::loaded, this, &Document::take);
-  connect(&loader_, &DrawingLoader::failed, this, &Document::tellReadError);
+  connect(&loader_, &DrawingLoader::failed, this, &Document::handleFailure);
   connect(&loader_, &DrawingLoader::cancelled, this, [this] {
     at_.progress.end();
-    at_.console.print(tr("Opening %1 was cancelled.").arg(loader_.path()));
+    at_.console.print(tr("Opening %1 was cancelled.").arg(loader_.sources().files.front().path));
     Q_EMIT stateChanged();
   });
 }
 
-void Document::connectFile() {
-  connect(&file_, &DrawingFile::changed, this,
-          [this] { at_.notice.tell(tr("%1 was changed by another program.").arg(path()), tr("Reload"), tr("Keep")); });
-  connect(&file_, &DrawingFile::vanished, this, [this] {
-    at_.notice.tell(
-        tr("%1 isn't there any more. The drawing stays open; Save as writes it to a new place.").arg(path()), {},
-        tr("Keep"));
+void Document::connectFiles() {
+  connect(&files_, &DrawingFileSet::changed, this, [this](const QString& changed) {
+    at_.notice.tell(tr("%1 was changed by another program.").arg(changed), tr("Reload"), tr("Keep"));
   });
-  connect(&file_, &DrawingFile::restored, &at_.notice, &NoticeBar::hide);
+  connect(&files_, &DrawingFileSet::vanished, this, [this](const QString& gone) {
+    at_.notice.tell(
+        (gone == path() ? tr("%1 isn't there any more. The drawing stays open; Save as writes it to a new place.")
+                        : tr("%1 isn't there any more. What was read of it stays open."))
+            .arg(gone),
+        {}, tr("Keep"));
+  });
+  connect(&files_, &DrawingFileSet::restored, &at_.notice, &NoticeBar::hide);
   connect(&at_.notice, &NoticeBar::accepted, this, &Document::askReload);
 }
 
@@ -88,21 +92,31 @@ QString Document::path() const {
 
 void Document::askOpen() {
   if (isBusy()) return;
-  const QString chosen = QFileDialog::getOpenFileName(&at_.window, tr("Open a drawing"), recent_.folder(),
-                                                      tr("LandXML drawings (*.xml *.landxml);;All files (*)"));
-  if (!chosen.isEmpty()) open(chosen);
+  const QStringList chosen = QFileDialog::getOpenFileNames(&at_.window, tr("Open a drawing"), recent_.folder(),
+                                                           tr("LandXML drawings (*.xml *.landxml);;All files (*)"));
+  if (!chosen.isEmpty()) open(DrawingSources(chosen), FileOrder::AlignmentFirst);
 }
 
 void Document::askReload() {
-  if (!isBusy() && isOpen()) open(path());
+  if (!isBusy() && isOpen()) open(sources_);
 }
 
-void Document::open(const QString& path) {
-  if (session_.isRunning() || work_.isRunning()) return;
+void Document::open(const DrawingSources& drawing, FileOrder order) {
+  if (session_.isRunning() || work_.isRunning() || drawing.files.isEmpty()) return;
   if (!settleChanges()) return;
-  const QString absolute = QFileInfo(path).absoluteFilePath();
-  loader_.start(absolute);
-  at_.progress.begin(tr("Reading %1").arg(QFileInfo(absolute).fileName()));
+  replaced_ = {};
+  read(drawing, order);
+}
+
+void Document::change(const DrawingSources& drawing, FileOrder order) {
+  if (isBusy() || drawing.files.isEmpty() || !settleChanges()) return;
+  replaced_ = sources_;
+  read(drawing, order);
+}
+
+void Document::read(const DrawingSources& drawing, FileOrder order) {
+  loader_.start(drawing, order);
+  at_.progress.begin(tr("Reading %1").arg(drawing.title()));
   Q_EMIT stateChanged();
 }
 
@@ -113,15 +127,18 @@ void Document::take(const LoadedDrawing& loaded) {
   Q_EMIT letGo();
   at_.notice.hide();
   session_.open(loaded.drawing);
-  file_.hold(path(), loaded.stamp);
+  sources_ = loaded.sources;
+  files_.hold(sources_.paths(), loaded.stamps);
   Q_EMIT opened(loaded);
   tellOpened();
-  recent_.remember(path());
+  recent_.remember(sources_, replaced_);
   Q_EMIT stateChanged();
 }
 
 void Document::tellOpened() {
-  at_.console.print(tr("%1 is open.").arg(path()));
+  const QStringList added = sources_.paths().mid(1);
+  at_.console.print(added.isEmpty() ? tr("%1 is open.").arg(path())
+                                    : tr("%1 is open, with %2.").arg(path(), added.join(QStringLiteral(", "))));
   const auto& diagnostics = session_.drawing()->drawing().diagnostics;
   const auto severe = std::count_if(diagnostics.begin(), diagnostics.end(), [](const civil::Diagnostic& diagnostic) {
     return diagnostic.severity != civil::Severity::Note;
@@ -131,9 +148,42 @@ void Document::tellOpened() {
         tr("The reader found %n odd thing(s) in it; see Diagnostics.", nullptr, static_cast<int>(severe)));
 }
 
-void Document::tellReadError(const LoadFailure& failure) {
+void Document::handleFailure(const LoadFailure& failure) {
   at_.progress.end();
   Q_EMIT stateChanged();
+  if (!failure.isUnitMismatch) {
+    tellReadError(failure);
+    return;
+  }
+  if (!asksToConvert(failure)) {
+    at_.console.print(tr("Opening %1 was cancelled.").arg(failure.sources.title()));
+    return;
+  }
+  DrawingSources converted = failure.sources;
+  converted.convertUnits = true;
+  read(converted, FileOrder::AsGiven);
+}
+
+bool Document::asksToConvert(const LoadFailure& failure) {
+  const auto inWords = [](const QString& unit) { return unit.isEmpty() ? tr("no unit, so in meters") : unit; };
+  const QString first = QFileInfo(failure.sources.files.front().path).fileName();
+  QMessageBox box(
+      QMessageBox::Question, tr("The files are in different units"),
+      tr("%1 is in %2, %3 in %4.")
+          .arg(QFileInfo(failure.path).fileName(), inWords(failure.unit), first, inWords(failure.drawingUnit)),
+      QMessageBox::Cancel, &at_.window);
+  box.setObjectName(QStringLiteral("convertUnits"));
+  box.setInformativeText(
+      tr("Lengths of the other files can be converted to the unit of %1, exactly by the definitions of the units. The "
+         "files themselves stay as they are.")
+          .arg(first));
+  QPushButton* const convert = box.addButton(tr("&Convert"), QMessageBox::AcceptRole);
+  box.setDefaultButton(convert);
+  box.exec();
+  return box.clickedButton() == convert;
+}
+
+void Document::tellReadError(const LoadFailure& failure) {
   at_.console.printError(tr("%1 can't be opened: %2").arg(failure.path, failure.reason));
   QMessageBox box(QMessageBox::Critical, tr("The drawing can't be opened"),
                   tr("%1 can't be opened.").arg(QFileInfo(failure.path).fileName()), QMessageBox::Ok, &at_.window);
@@ -191,22 +241,24 @@ bool Document::askSaveAs() {
 
 bool Document::saveTo(const QString& target) {
   const bool isOwnName = QFileInfo(target).absoluteFilePath() == QFileInfo(path()).absoluteFilePath();
-  if (isOwnName && file_.isReplaced()) {
+  if (isOwnName && files_.at(0).isReplaced()) {
     tellSaveError(target,
                   tr("The file was changed by another program since it was opened, and saving would undo that."));
     return false;
   }
-  const QString from = file_.readablePath();
   QString problem;
   bool isCancelled = false;
   try {
-    write(from, target);
+    write(target);
   } catch (const landxml::Cancelled&) {
     isCancelled = true;
   } catch (const landxml::SaveError& error) {
     // The user knows what was opened by its path, whatever it was read under.
-    const bool isOwn = error.file() == QFile::encodeName(from).toStdString();
-    problem = toQt(isOwn ? error.description(toUtf8(path())) : error.description());
+    std::string file = error.file();
+    for (std::size_t number = 0; number < files_.size(); ++number)
+      if (file == QFile::encodeName(files_.at(number).readablePath()).toStdString())
+        file = toUtf8(files_.at(number).path());
+    problem = toQt(error.description(file));
   } catch (const std::exception& error) {
     problem = toQt(std::string(error.what()));
   }
@@ -220,19 +272,17 @@ bool Document::saveTo(const QString& target) {
     if (!leave_.isThere()) tellSaveError(target, problem);
     return false;
   }
-  file_.hold(target, stampOf(target));
-  at_.notice.hide();
   Q_EMIT saved();
-  at_.console.print(tr("%1 is saved, %2.").arg(target, sizeText(file_.size())));
-  recent_.remember(target);
+  at_.console.print(tr("%1 is saved, %2.").arg(target, sizeText(files_.at(0).size())));
+  recent_.remember(sources_);
   Q_EMIT stateChanged();
   return true;
 }
 
-void Document::write(const QString& from, const QString& target) {
-  const std::string sourcePath = QFile::encodeName(from).toStdString();
+void Document::write(const QString& target) {
   const std::string targetPath = QFile::encodeName(target).toStdString();
-  const QString words = tr("Saving %1").arg(QFileInfo(target).fileName());
+  const QString words =
+      tr("Saving %1").arg(sources_.files.size() == 1 ? QFileInfo(target).fileName() : sources_.title());
   const LongWork::Run run(work_, words);
   Q_EMIT stateChanged();
   landxml::SaveOptions options;
@@ -240,11 +290,24 @@ void Document::write(const QString& from, const QString& target) {
     work_.setProgress(words, progress.bytesDone, progress.bytesTotal);
     return !work_.check();
   };
-  options.sourceOf = [&](civil::FileNumber file) { return file == 0 ? sourcePath : std::string(); };
+  options.sourceOf = [&](civil::FileNumber file) {
+    return QFile::encodeName(files_.at(file).readablePath()).toStdString();
+  };
+  std::vector<landxml::SavedFile> written;
   session_.drawing()->save([&](civil::Drawing& drawing) {
-    drawing.file = landxml::saveProject(drawing, targetPath, options).front().mark;
+    written = landxml::saveProject(drawing, targetPath, options);
+    drawing.file = written.front().mark;
     drawing.path = targetPath;
+    for (civil::AddedFile& file : drawing.addedFiles)
+      for (const landxml::SavedFile& saved : written)
+        if (saved.path == file.path) file.mark = saved.mark;
   });
+  files_.holdAgain(0, target);
+  sources_.files.front().path = target;
+  for (std::size_t file = 1; file < files_.size(); ++file)
+    for (const landxml::SavedFile& saved : written)
+      if (saved.path == QFile::encodeName(files_.at(file).path()).toStdString())
+        files_.holdAgain(file, files_.at(file).path());
 }
 
 void Document::tellSaveError(const QString& target, const QString& reason) {

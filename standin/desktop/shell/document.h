@@ -3,8 +3,9 @@
 #include <QObject>
 #include <QString>
 
-#include "desktop/shell/drawing_file.h"
+#include "desktop/shell/drawing_file_set.h"
 #include "desktop/shell/drawing_loader.h"
+#include "desktop/shell/drawing_sources.h"
 #include "desktop/shell/recent_drawings.h"
 
 class QShortcut;
@@ -47,17 +48,24 @@ class Document : public QObject {
   [[nodiscard]] bool isOpen() const;
   /// It has changes that aren't saved.
   [[nodiscard]] bool isChanged() const;
-  /// Of the open drawing's file; empty where none is open.
+  /// Of the open drawing's first file; empty where none is open.
   [[nodiscard]] QString path() const;
+  /// The files of the open drawing; without one where none is open.
+  [[nodiscard]] const DrawingSources& sources() const { return sources_; }
 
   /// Reads a drawing in place of the open one, which stays until the new one stands. Asks first where the open one has
-  /// changes. A reading that runs is cancelled; while a command or a saving runs nothing happens.
-  void open(const QString& path);
+  /// changes, and where units of its files differ. A reading that runs is cancelled; while a command or a saving runs
+  /// nothing happens.
+  void open(const DrawingSources& drawing, FileOrder order = FileOrder::AsGiven);
+  void open(const QString& path) { open(DrawingSources(path)); }
+  /// Reads the open drawing again with these files in place of its own: some more, some less, others swapped. Asks as
+  /// open() does.
+  void change(const DrawingSources& drawing, FileOrder order = FileOrder::AsGiven);
   /// Ends a reading; nothing happens where none runs.
   void cancelReading();
-  /// Asks for a file first. Nothing happens while something runs.
+  /// Asks for a file first; several are one drawing. Nothing happens while something runs.
   void askOpen();
-  /// Reads the open drawing's file again. Nothing happens while something runs.
+  /// Reads the open drawing's files again. Nothing happens while something runs.
   void askReload();
 
   // These say whether the drawing is saved; what prevents it was told then.
@@ -82,12 +90,16 @@ class Document : public QObject {
 
  private:
   void connectReading();
-  void connectFile();
+  void connectFiles();
+  void read(const DrawingSources& drawing, FileOrder order);
   void take(const LoadedDrawing& loaded);
   void tellOpened();
+  void handleFailure(const LoadFailure& failure);
+  /// Whether the user wants files in other units to be converted.
+  [[nodiscard]] bool asksToConvert(const LoadFailure& failure);
   void tellReadError(const LoadFailure& failure);
   /// Throws as landxml::saveProject does.
-  void write(const QString& from, const QString& target);
+  void write(const QString& target);
   void tellSaveError(const QString& target, const QString& reason);
 
   DocumentSurroundings at_;
@@ -96,7 +108,10 @@ class Document : public QObject {
   RecentDrawings& recent_;
   LeaveWish& leave_;
   DrawingLoader loader_;
-  DrawingFile file_;
+  DrawingSources sources_;
+  /// What the reading that runs takes the place of in the list of recent drawings, beside the drawing itself.
+  DrawingSources replaced_;
+  DrawingFileSet files_;
   QShortcut* stopReading_;
   bool asksForChanges_ = true;
 };

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "desktop/common/qt_text.h"
-#include "landxml/reader.h"
+#include "landxml/project.h"
 #include "view/plan_scene.h"
 
 namespace lvx::desktop {
@@ -38,6 +38,22 @@ QString adviceFor(const QString& path, quint64 line) {
   return DrawingLoader::tr("Export the drawing again as LandXML from the program that made it.");
 }
 
+QString fromFilePath(const std::string& path) { return QFile::decodeName(QByteArray::fromStdString(path)); }
+
+std::vector<landxml::ProjectFile> projectFiles(const DrawingSources& sources) {
+  std::vector<landxml::ProjectFile> files;
+  for (const SourceFile& file : sources.files)
+    files.push_back({QFile::encodeName(file.path).toStdString(), file.swapAxes});
+  return files;
+}
+
+DrawingSources sourcesOf(const std::vector<landxml::ProjectFile>& files, bool convertUnits) {
+  DrawingSources sources;
+  for (const landxml::ProjectFile& file : files) sources.files.append({fromFilePath(file.path), file.swapAxes});
+  sources.convertUnits = convertUnits;
+  return sources;
+}
+
 /// Lets through one call in 50 ms.
 class Throttle {
  public:
@@ -62,52 +78,67 @@ void DrawingLoader::join() {
   running_ = false;
 }
 
-void DrawingLoader::start(const QString& path) {
+void DrawingLoader::start(const DrawingSources& sources, FileOrder order) {
   join();
   cancel_ = false;
   running_ = true;
-  path_ = path;
-  thread_ = std::thread(&DrawingLoader::work, this, QFile::encodeName(path).toStdString(), ++run_);
+  sources_ = sources;
+  thread_ = std::thread(&DrawingLoader::work, this, sources, order, ++run_);
 }
 
 void DrawingLoader::cancel() { cancel_ = true; }
 
-void DrawingLoader::work(const std::string& path, std::uint64_t run) {
+void DrawingLoader::work(DrawingSources sources, FileOrder order, std::uint64_t run) {
   auto outcome = std::make_shared<Outcome>();
   Throttle throttle;
-  const auto tell = [this, run, &throttle](const QString& step, quint64 done, quint64 total) {
+  const auto tell = [this, run, &throttle](const QString& step, const QString& path, quint64 done, quint64 total) {
     if (throttle.isDue())
       QMetaObject::invokeMethod(
           this,
-          [this, run, step, done, total] {
-            if (run == run_ && running_) Q_EMIT progressed(step, done, total);
+          [this, run, step, path, done, total] {
+            if (run == run_ && running_) Q_EMIT progressed(step, path, done, total);
           },
           Qt::QueuedConnection);
     return !cancel_.load();
   };
+  LoadFailure& failure = outcome->failure;
   try {
-    outcome->drawing.stamp = stampOf(QFile::decodeName(QByteArray::fromStdString(path)));
-    landxml::ReadOptions options;
-    options.progress = [&](const landxml::Progress& progress) {
-      return tell(tr("Reading"), progress.bytesDone, progress.bytesTotal);
+    std::vector<landxml::ProjectFile> files = projectFiles(sources);
+    if (order == FileOrder::AlignmentFirst) files = landxml::alignmentFirst(std::move(files), [&] { return !cancel_; });
+    sources = sourcesOf(files, sources.convertUnits);
+    failure.sources = sources;
+    for (const SourceFile& file : sources.files) outcome->drawing.stamps.push_back(stampOf(file.path));
+    landxml::ProjectOptions options;
+    options.convertUnits = sources.convertUnits;
+    options.progress = [&](const std::string& path, const landxml::Progress& progress) {
+      return tell(tr("Reading"), fromFilePath(path), progress.bytesDone, progress.bytesTotal);
     };
-    outcome->drawing.drawing = std::make_shared<runtime::OpenDrawing>(landxml::readDrawing(path, options));
+    outcome->drawing.drawing = std::make_shared<runtime::OpenDrawing>(landxml::readProject(files, options));
+    const QString first = sources.files.front().path;
     constexpr double kWhole = 1000.0;
     outcome->drawing.scene = std::make_shared<view::PlanScene>(outcome->drawing.drawing->drawing(), [&](double done) {
-      return tell(tr("Preparing the view"), static_cast<quint64>(done * kWhole), static_cast<quint64>(kWhole));
+      return tell(tr("Preparing the view"), first, static_cast<quint64>(done * kWhole), static_cast<quint64>(kWhole));
     });
+    outcome->drawing.sources = sources;
   } catch (const view::Cancelled&) {
     outcome->cancelled = true;
   } catch (const landxml::Cancelled&) {
     outcome->cancelled = true;
+  } catch (const landxml::UnitMismatch& error) {
+    failure.reason = toQt(error.reason());
+    failure.path = fromFilePath(error.file());
+    failure.isUnitMismatch = true;
+    failure.unit = toQt(error.unit());
+    failure.drawingUnit = toQt(error.drawingUnit());
   } catch (const landxml::ReadError& error) {
-    outcome->failure.reason = toQt(error.description());
-    outcome->failure.line = error.line();
+    failure.reason = toQt(error.description());
+    failure.path = fromFilePath(error.file());
+    failure.line = error.line();
   } catch (const std::bad_alloc&) {
-    outcome->failure.reason = tr("There is not enough memory for this drawing.");
-    outcome->failure.advice = tr("Close other programs, or split the drawing.");
+    failure.reason = tr("There is not enough memory for this drawing.");
+    failure.advice = tr("Close other programs, or split the drawing.");
   } catch (const std::exception& error) {
-    outcome->failure.reason = toQt(std::string(error.what()));
+    failure.reason = toQt(std::string(error.what()));
   }
   QMetaObject::invokeMethod(
       this, [this, run, outcome] { finish(run, outcome); }, Qt::QueuedConnection);
@@ -127,8 +158,8 @@ void DrawingLoader::finish(std::uint64_t run, const std::shared_ptr<Outcome>& ou
     return;
   }
   LoadFailure& failure = outcome->failure;
-  failure.path = path_;
-  if (failure.advice.isEmpty()) failure.advice = adviceFor(path_, failure.line);
+  if (failure.path.isEmpty()) failure.path = sources_.files.front().path;
+  if (failure.advice.isEmpty()) failure.advice = adviceFor(failure.path, failure.line);
   Q_EMIT failed(failure);
 }
 

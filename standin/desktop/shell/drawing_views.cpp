@@ -108,7 +108,10 @@ void DrawingViews::followEdit(civil::Handle about) {
   selection_.select(isThere ? about : selection_.handle(), this);
 }
 
-void DrawingViews::refreshDiagnostics() { at_.diagnostics->setDrawing(&session_.drawing()->drawing()); }
+void DrawingViews::refreshDiagnostics() {
+  at_.diagnostics->setDrawing(&session_.drawing()->drawing());
+  at_.tree->refresh();  // what was made here stands in a file now
+}
 
 void DrawingViews::zoomTo(civil::Handle handle) {
   if (scene_) at_.plan->zoomTo(handle);

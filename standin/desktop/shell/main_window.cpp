@@ -4,6 +4,7 @@
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QDragEnterEvent>
+#include <QDragLeaveEvent>
 #include <QFileInfo>
 #include <QIcon>
 #include <QMenu>
@@ -13,6 +14,7 @@
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QUrl>
+#include <algorithm>
 
 #include "desktop/common/qt_text.h"
 #include "desktop/common/scheme.h"
@@ -25,11 +27,13 @@
 #include "desktop/shell/command_prompt.h"
 #include "desktop/shell/desktop_front_end.h"
 #include "desktop/shell/document.h"
+#include "desktop/shell/drawing_composer.h"
 #include "desktop/shell/drawing_views.h"
 #include "desktop/shell/edits.h"
 #include "desktop/shell/leave_wish.h"
 #include "desktop/shell/long_work.h"
 #include "desktop/shell/look_menus.h"
+#include "desktop/shell/object_maker.h"
 #include "desktop/shell/report_outcome.h"
 #include "desktop/shell/sample_line_editing.h"
 #include "desktop/shell/scheme_menu.h"
@@ -68,6 +72,9 @@ MainWindow::MainWindow(const DesktopOptions& options)
       document_(
           std::make_unique<Document>(DocumentSurroundings{*this, *panels_.console, *panels_.notice, *panels_.progress},
                                      *session_, *work_, *recent_, *leave_)),
+      composer_(std::make_unique<DrawingComposer>(*this, *document_, *recent_)),
+      maker_(std::make_unique<ObjectMaker>(
+          ObjectMakerSurroundings{*this, *session_, *document_, views_->selection(), *frontEnd_, *edits_})),
       actions_(std::make_unique<WindowActions>(*this, *settings_, options.scheme)),
       prompt_(std::make_unique<CommandPrompt>(*panels_.console, *panels_.plan, *session_, *document_, *frontEnd_)),
       outcome_(std::make_unique<ReportOutcome>(*this, *panels_.console, *leave_,
@@ -91,7 +98,7 @@ MainWindow::MainWindow(const DesktopOptions& options)
   if (!session_->moduleProblem().isEmpty())
     panels_.console->printError(
         tr("There are no reports: %1. Drawings can be looked at all the same.").arg(session_->moduleProblem()));
-  if (!options_.drawing.isEmpty()) openDrawing(options_.drawing);
+  openDrawing(options_.drawing);
 }
 
 MainWindow::~MainWindow() {
@@ -113,12 +120,15 @@ void MainWindow::connectDocument() {
   connect(views_.get(), &DrawingViews::selectionChanged, this, &MainWindow::updateState);
   connect(views_.get(), &DrawingViews::shown, this, &MainWindow::drawingShown);
   connect(panels_.diagnostics, &DiagnosticsView::lineWanted, this, &MainWindow::showLine);
+  connect(panels_.tree, &DrawingTree::menuOpening, composer_.get(), &DrawingComposer::offerIn);
+  connect(panels_.tree, &DrawingTree::menuOpening, maker_.get(), &ObjectMaker::offerIn);
   recent_->offerIn(actions_->recentMenu());
   connect(recent_.get(), &RecentDrawings::chosen, this, &MainWindow::openDrawing);
 }
 
 void MainWindow::connectActions() {
   actions_->onTrigger(WindowAction::Open, [this] { document_->askOpen(); });
+  actions_->onTrigger(WindowAction::AddDrawing, [this] { composer_->askAdd(); });
   actions_->onTrigger(WindowAction::Reload, [this] { document_->askReload(); });
   actions_->onTrigger(WindowAction::Save, [this] { document_->save(); });
   actions_->onTrigger(WindowAction::SaveAs, [this] { document_->askSaveAs(); });
@@ -133,6 +143,9 @@ void MainWindow::connectActions() {
           [this](quint64 handle, QPoint global) { showMenu(handle, {}, global); });
   connect(panels_.plan, &PlanView::menuWanted, this,
           [this](quint64 handle, QPointF place, QPoint global) { showMenu(handle, place, global); });
+  actions_->onTrigger(WindowAction::NewProfile, [this] { maker_->askProfile(); });
+  actions_->onTrigger(WindowAction::NewPointGroup, [this] { maker_->askPointGroup(); });
+  actions_->onTrigger(WindowAction::NewPointGroupOfSelection, [this] { maker_->askPointGroupOfSelection(); });
   actions_->onTrigger(WindowAction::ZoomAll, [this] { panels_.plan->zoomToAll(); });
   actions_->onTrigger(WindowAction::ZoomSelection, [this] { views_->zoomToSelection(); });
   actions_->onTrigger(WindowAction::Find, [this] {
@@ -146,7 +159,7 @@ void MainWindow::connectActions() {
   actions_->onTrigger(WindowAction::HelpContents, [this] { frontEnd_->showHelpContents(); });
   actions_->onTrigger(WindowAction::About, [this] { showAbout(); });
   connect(actions_.get(), &WindowActions::commandChosen, this, [this](const QString& command) {
-    if (document_->isBusy()) return;
+    if (isBusy()) return;
     panels_.console->print(QStringLiteral("> ") + command);
     runCommand(command);
   });
@@ -161,6 +174,10 @@ void MainWindow::connectCommands() {
     if (const QString folder = session_->takeMissingFolder(); !folder.isEmpty()) outcome_->printMissingFolder(folder);
   });
   connect(session_.get(), &Session::commandStarted, this, &MainWindow::updateState);
+  connect(frontEnd_.get(), &DesktopFrontEnd::pickingChanged, this, [this] {
+    // Within a command its start and its end tell.
+    if (!session_->isRunning()) updateState();
+  });
   connect(prompt_.get(), &CommandPrompt::reportEntered, this, &MainWindow::runCommand);
 }
 
@@ -170,6 +187,13 @@ void MainWindow::addOwnCommands() {
                     document_->askOpen();
                   else
                     document_->open(path);
+                  return true;
+                }});
+  prompt_->add({QStringLiteral("ADD"), false, [this](const QString& path) {
+                  if (path.isEmpty())
+                    composer_->askAdd();
+                  else
+                    composer_->add({path});
                   return true;
                 }});
   prompt_->add({QStringLiteral("SAVE"), true, [this](const QString& rest) {
@@ -200,7 +224,7 @@ void MainWindow::addOwnCommands() {
 
 // ---------------------------------------------------------------- between the parts
 
-void MainWindow::openDrawing(const QString& path) { document_->open(path); }
+void MainWindow::openDrawing(const DrawingSources& drawing) { document_->open(drawing); }
 
 void MainWindow::applyLook() {
   PlanLook look = actions_->look().look();
@@ -208,18 +232,20 @@ void MainWindow::applyLook() {
   panels_.plan->setLook(look);
 }
 
+bool MainWindow::isBusy() const { return document_->isBusy() || frontEnd_->isPicking(); }
+
 void MainWindow::updateState() {
   const bool isOpen = document_->isOpen();
   const bool isChanged = document_->isChanged();
-  actions_->update({!document_->isBusy(), isOpen, isChanged, views_->selection().handle() != 0, lines_->hasChosen(),
+  actions_->update({!isBusy(), isOpen, isChanged, views_->selection().handle() != 0, lines_->hasChosen(),
                     edits_->undoName(), edits_->redoName()});
-  setWindowTitle(isOpen ? tr("%1[*] – lvxhost-desktop").arg(QFileInfo(document_->path()).fileName())
+  setWindowTitle(isOpen ? tr("%1[*] – lvxhost-desktop").arg(document_->sources().title())
                         : QStringLiteral("lvxhost-desktop"));
   setWindowModified(isChanged);
 }
 
 void MainWindow::runCommand(const QString& name) {
-  if (document_->isBusy()) return;
+  if (isBusy()) return;
   if (!document_->isOpen()) {
     panels_.console->printError(tr("No drawing is open. OPEN opens one."));
     return;
@@ -233,14 +259,17 @@ void MainWindow::runCommand(const QString& name) {
 }
 
 void MainWindow::showMenu(civil::Handle handle, std::optional<QPointF> place, QPoint global) {
-  if (document_->isBusy()) return;
+  if (isBusy()) return;
   QMenu menu(this);
   menu.setObjectName(QStringLiteral("objectMenu"));
   lines_->addEntries(menu, handle, place);
   if (!menu.isEmpty()) menu.exec(global);
 }
 
-void MainWindow::showLine(quint64 line) { (new TextWindow(document_->path(), line, decodeUtf8OrLatin1, this))->show(); }
+void MainWindow::showLine(quint32 file, quint64 line) {
+  const QString path = document_->sources().paths().value(static_cast<qsizetype>(file));
+  if (!path.isEmpty()) (new TextWindow(path, line, decodeUtf8OrLatin1, this))->show();
+}
 
 void MainWindow::showAbout() {
   QMessageBox::about(this, tr("About lvxhost-desktop"),
@@ -280,6 +309,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     return;
   }
   document_->cancelReading();
+  panels_.plan->cancelInteraction();  // a selection without a command; those were given up before
   WindowPanels::save(*this, *settings_);
   frontEnd_->closeHelp();
   for (QWidget* const window : findChildren<QWidget*>())
@@ -289,15 +319,24 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
   const QList<QUrl> urls = event->mimeData()->urls();
-  if (!document_->isBusy() && urls.size() == 1 && urls.front().isLocalFile()) event->acceptProposedAction();
+  if (isBusy() || urls.isEmpty() ||
+      !std::all_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); }))
+    return;
+  event->acceptProposedAction();
+  if (document_->isOpen()) statusBar()->showMessage(tr("Drop to open; hold Ctrl to add to the open drawing"));
 }
 
+void MainWindow::dragLeaveEvent(QDragLeaveEvent* /*event*/) { statusBar()->clearMessage(); }
+
 void MainWindow::dropEvent(QDropEvent* event) {
-  const QString path = event->mimeData()->urls().value(0).toLocalFile();
+  QStringList paths;
+  for (const QUrl& url : event->mimeData()->urls()) paths << url.toLocalFile();
+  const bool isAddition = event->modifiers().testFlag(Qt::ControlModifier);
   event->acceptProposedAction();
-  // The program that the file comes from waits until the drop is over.
+  statusBar()->clearMessage();
+  // The program that the files come from waits until the drop is over.
   QMetaObject::invokeMethod(
-      this, [this, path] { openDrawing(path); }, Qt::QueuedConnection);
+      this, [this, paths, isAddition] { composer_->drop(paths, isAddition); }, Qt::QueuedConnection);
 }
 
 void MainWindow::changeEvent(QEvent* event) {

@@ -19,10 +19,12 @@ class CloseWatch;
 class CommandPrompt;
 class DesktopFrontEnd;
 class Document;
+class DrawingComposer;
 class DrawingViews;
 class Edits;
 class LeaveWish;
 class LongWork;
+class ObjectMaker;
 class PlaceLine;
 class RecentDrawings;
 class ReportOutcome;
@@ -39,7 +41,9 @@ class WindowActions;
 ///
 /// - WindowPanels: what the window is made of, and where it stands
 /// - WindowActions: menus, tools, keys
-/// - Document: open, save, what others do to the file
+/// - Document: open, save, what others do to the files
+/// - DrawingComposer: which files make up the drawing
+/// - ObjectMaker: profiles and point groups that the user makes
 /// - DrawingViews: plan, tree, charts over one drawing and one selection
 /// - CommandPrompt: what is typed
 /// - Edits: what the user changes in the drawing, to be undone and redone
@@ -53,7 +57,7 @@ class MainWindow : public QMainWindow {
   ~MainWindow() override;
 
   /// See Document::open.
-  void openDrawing(const QString& path);
+  void openDrawing(const DrawingSources& drawing);
   [[nodiscard]] Session& session() { return *session_; }
   [[nodiscard]] Edits& edits() { return *edits_; }
   [[nodiscard]] PlanView& plan() { return *panels_.plan; }
@@ -68,6 +72,7 @@ class MainWindow : public QMainWindow {
  protected:
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragLeaveEvent(QDragLeaveEvent* event) override;
   void dropEvent(QDropEvent* event) override;
   void changeEvent(QEvent* event) override;
 
@@ -78,9 +83,11 @@ class MainWindow : public QMainWindow {
   void addOwnCommands();
   void applyLook();
   void updateState();
+  /// Something runs that nothing else can begin beside.
+  [[nodiscard]] bool isBusy() const;
   void runCommand(const QString& name);
-  void showLine(quint64 line);
   void showMenu(civil::Handle handle, std::optional<QPointF> place, QPoint global);
+  void showLine(quint32 file, quint64 line);
   void showAbout();
 
   DesktopOptions options_;
@@ -98,6 +105,8 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<SampleLineEditing> lines_;
   std::unique_ptr<RecentDrawings> recent_;
   std::unique_ptr<Document> document_;
+  std::unique_ptr<DrawingComposer> composer_;
+  std::unique_ptr<ObjectMaker> maker_;
   std::unique_ptr<WindowActions> actions_;
   std::unique_ptr<CommandPrompt> prompt_;
   std::unique_ptr<ReportOutcome> outcome_;

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QMenu>
 #include <QSettings>
+#include <QStringList>
 
 namespace lvx::desktop {
 
@@ -16,20 +17,39 @@ constexpr int kRecentDrawings = 10;
 constexpr const char* kRecent = "drawings/recent";
 constexpr const char* kFolder = "drawings/folder";
 
+/// The first of a drawing's files that isn't there; empty where all are.
+QString missingFile(const DrawingSources& drawing) {
+  for (const SourceFile& file : drawing.files)
+    if (!QFileInfo(file.path).isFile()) return file.path;
+  return {};
+}
+
 }  // namespace
 
 RecentDrawings::RecentDrawings(QSettings& settings, QObject* parent) : QObject(parent), settings_(settings) {}
 
-void RecentDrawings::remember(const QString& path) {
-  QStringList recent = paths();
-  recent.removeAll(path);
-  recent.prepend(path);
+void RecentDrawings::remember(const DrawingSources& drawing, const DrawingSources& replaced) {
+  QList<DrawingSources> recent = drawings();
+  erase_if(recent,
+           [&](const DrawingSources& known) { return known.files == drawing.files || known.files == replaced.files; });
+  recent.prepend(drawing);
   while (recent.size() > kRecentDrawings) recent.removeLast();
-  settings_.setValue(QLatin1String(kRecent), recent);
-  settings_.setValue(QLatin1String(kFolder), QFileInfo(path).absolutePath());
+  keep(recent);
+  settings_.setValue(QLatin1String(kFolder), QFileInfo(drawing.files.front().path).absolutePath());
 }
 
-QStringList RecentDrawings::paths() const { return settings_.value(QLatin1String(kRecent)).toStringList(); }
+void RecentDrawings::keep(const QList<DrawingSources>& drawings) {
+  QStringList texts;
+  for (const DrawingSources& drawing : drawings) texts << drawing.toSetting();
+  settings_.setValue(QLatin1String(kRecent), texts);
+}
+
+QList<DrawingSources> RecentDrawings::drawings() const {
+  QList<DrawingSources> drawings;
+  for (const QString& text : settings_.value(QLatin1String(kRecent)).toStringList())
+    if (DrawingSources drawing = DrawingSources::fromSetting(text); !drawing.files.isEmpty()) drawings << drawing;
+  return drawings;
+}
 
 QString RecentDrawings::folder() const { return settings_.value(QLatin1String(kFolder), QDir::homePath()).toString(); }
 
@@ -39,19 +59,21 @@ void RecentDrawings::offerIn(QMenu& menu) {
 
 void RecentDrawings::fill(QMenu& menu) {
   menu.clear();
-  const QStringList recent = paths();
+  const QList<DrawingSources> recent = drawings();
   int number = 0;
   bool missing = false;
-  for (const QString& path : recent) {
-    const bool there = QFileInfo(path).isFile();
-    missing = missing || !there;
+  for (const DrawingSources& drawing : recent) {
+    const QString gone = missingFile(drawing);
+    missing = missing || !gone.isEmpty();
+    const QString words = QFileInfo(drawing.files.front().path).path() + QLatin1Char('/') + drawing.title();
     QAction* const action = menu.addAction(QStringLiteral("&%1  %2")
                                                .arg(++number % kRecentDrawings)
-                                               .arg(QString(path).replace(QLatin1Char('&'), QStringLiteral("&&"))));
-    action->setEnabled(there);
-    action->setStatusTip(there ? path : tr("%1 isn't there any more").arg(path));
+                                               .arg(QString(words).replace(QLatin1Char('&'), QStringLiteral("&&"))));
+    action->setEnabled(gone.isEmpty());
+    action->setStatusTip(gone.isEmpty() ? drawing.paths().join(QStringLiteral(" + "))
+                                        : tr("%1 isn't there any more").arg(gone));
     connect(
-        action, &QAction::triggered, this, [this, path] { Q_EMIT chosen(path); }, Qt::QueuedConnection);
+        action, &QAction::triggered, this, [this, drawing] { Q_EMIT chosen(drawing); }, Qt::QueuedConnection);
   }
   if (recent.isEmpty()) menu.addAction(tr("No drawing was opened yet"))->setEnabled(false);
   if (!missing) return;
@@ -60,9 +82,9 @@ void RecentDrawings::fill(QMenu& menu) {
 }
 
 void RecentDrawings::forgetMissing() {
-  QStringList kept = paths();
-  erase_if(kept, [](const QString& path) { return !QFileInfo(path).isFile(); });
-  settings_.setValue(QLatin1String(kRecent), kept);
+  QList<DrawingSources> kept = drawings();
+  erase_if(kept, [](const DrawingSources& drawing) { return !missingFile(drawing).isEmpty(); });
+  keep(kept);
 }
 
 }  // namespace lvx::desktop

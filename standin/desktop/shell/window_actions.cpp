@@ -59,8 +59,12 @@ const std::vector<Row>& rows() {
   static const std::vector<Row> kRows = {
       {WindowAction::Open, "open", "open", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Open…"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Open a LandXML drawing"), QKeySequence::Open, Idle, true},
+      {WindowAction::AddDrawing, "addDrawing", "add_drawing",
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "A&dd drawing…"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Add the contents of more LandXML files to the open drawing"),
+       Qt::CTRL | Qt::SHIFT | Qt::Key_O, Idle, true},
       {WindowAction::Reload, "reload", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Reload"),
-       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Read the open drawing's file again"), Qt::Key_F5, Open | Idle,
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Read the open drawing's files again"), Qt::Key_F5, Open | Idle,
        true},
       {WindowAction::Save, "save", "save", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Save"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Save the drawing with its added sections"), QKeySequence::Save,
@@ -90,6 +94,18 @@ const std::vector<Row>& rows() {
       {WindowAction::Delete, "delete", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Delete"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Delete the selected sample line or group"),
        QKeySequence::Delete, Idle | Lines, false},
+      {WindowAction::NewProfile, "newProfile", "profile",
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Profile from surface…"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Make a ground profile of an alignment from a surface"),
+       QKeySequence(), Open | Idle, true},
+      {WindowAction::NewPointGroup, "newPointGroup", "point_group",
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Point group from &filter…"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Make a group of the points that meet conditions"),
+       QKeySequence(), Open | Idle, true},
+      {WindowAction::NewPointGroupOfSelection, "newPointGroupOfSelection", "",
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Point group from &selection…"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Select points in the plan and make a group of them"),
+       QKeySequence(), Open | Idle, true},
       {WindowAction::ZoomAll, "zoomAll", "zoom_all", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Zoom to &all"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Show the whole drawing"), Qt::CTRL | Qt::Key_0, Open, false},
       {WindowAction::ZoomSelection, "zoomSelection", "zoom_selection",
@@ -152,6 +168,7 @@ void WindowActions::buildFileMenu() {
   menu->addAction(at(WindowAction::Open));
   recentMenu_ = menu->addMenu(tr("Open re&cent"));
   recentMenu_->setObjectName(QStringLiteral("recentMenu"));
+  menu->addAction(at(WindowAction::AddDrawing));
   menu->addAction(at(WindowAction::Reload));
   menu->addSeparator();
   menu->addAction(at(WindowAction::Save));
@@ -167,7 +184,8 @@ void WindowActions::buildEditMenu() {
   menu->addAction(at(WindowAction::Redo));
   menu->addSeparator();
   for (const WindowAction action :
-       {WindowAction::NewLines, WindowAction::EditLines, WindowAction::AddLine, WindowAction::Delete})
+       {WindowAction::NewLines, WindowAction::EditLines, WindowAction::AddLine, WindowAction::Delete,
+        WindowAction::NewProfile, WindowAction::NewPointGroup, WindowAction::NewPointGroupOfSelection})
     menu->addAction(at(action));
 }
 

@@ -27,6 +27,7 @@ class SchemeMenu;
 /// What a user can do in the window, beside the module's commands. In the order of the menus.
 enum class WindowAction : std::uint8_t {
   Open,
+  AddDrawing,
   Reload,
   Save,
   SaveAs,
@@ -37,6 +38,9 @@ enum class WindowAction : std::uint8_t {
   EditLines,
   AddLine,
   Delete,
+  NewProfile,
+  NewPointGroup,
+  NewPointGroupOfSelection,
   ZoomAll,
   ZoomSelection,
   Find,

@@ -36,6 +36,16 @@
     </message>
 </context>
 <context>
+    <name>DrawingSources</name>
+    <message numerus="yes">
+        <source>%1 + %n file(s)</source>
+        <translation>
+            <numerusform>%1 + %n Datei</numerusform>
+            <numerusform>%1 + %n Dateien</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>ObjectNames</name>
     <message>
         <source>Site</source>
@@ -461,6 +471,77 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <source>Without saving, what was made and changed in it is lost.</source>
         <translation>Ohne Speichern geht verloren, was darin angelegt und geändert wurde.</translation>
     </message>
+    <message>
+        <source>%1 isn&apos;t there any more. What was read of it stays open.</source>
+        <translation>%1 ist nicht mehr da. Was daraus gelesen wurde, bleibt offen.</translation>
+    </message>
+    <message>
+        <source>%1 is open, with %2.</source>
+        <translation>%1 ist offen, mit %2.</translation>
+    </message>
+    <message>
+        <source>no unit, so in meters</source>
+        <translation>ohne Einheit, also in Metern</translation>
+    </message>
+    <message>
+        <source>The files are in different units</source>
+        <translation>Die Dateien haben verschiedene Einheiten</translation>
+    </message>
+    <message>
+        <source>%1 is in %2, %3 in %4.</source>
+        <translation>%1 ist in %2, %3 in %4.</translation>
+    </message>
+    <message>
+        <source>Lengths of the other files can be converted to the unit of %1, exactly by the definitions of the units. The files themselves stay as they are.</source>
+        <translation>Die Längen der anderen Dateien können in die Einheit von %1 umgerechnet werden, genau nach den Definitionen der Einheiten. Die Dateien selbst bleiben, wie sie sind.</translation>
+    </message>
+    <message>
+        <source>&amp;Convert</source>
+        <translation>&amp;Umrechnen</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::DrawingComposer</name>
+    <message>
+        <source>Add to the drawing</source>
+        <translation>Zur Zeichnung hinzufügen</translation>
+    </message>
+    <message>
+        <source>LandXML drawings (*.xml *.landxml);;All files (*)</source>
+        <translation>LandXML-Zeichnungen (*.xml *.landxml);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>In the drawing already</source>
+        <translation>Schon in der Zeichnung</translation>
+    </message>
+    <message>
+        <source>The drawing has %1 already.</source>
+        <translation>Die Zeichnung enthält %1 schon.</translation>
+    </message>
+    <message>
+        <source>&amp;Add drawing…</source>
+        <translation>Zeichnung &amp;hinzufügen…</translation>
+    </message>
+    <message>
+        <source>&amp;Swap northing and easting</source>
+        <translation>Hoch- und Rechtswert &amp;vertauschen</translation>
+    </message>
+    <message>
+        <source>&amp;Make it the first file</source>
+        <translation>Zur &amp;ersten Datei machen</translation>
+    </message>
+    <message>
+        <source>&amp;Remove from the drawing</source>
+        <translation>Aus der Zeichnung &amp;nehmen</translation>
+    </message>
+    <message>
+        <source>Show in &amp;folder</source>
+        <translation>Im &amp;Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Show in folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
 </context>
 <context>
     <name>lvx::desktop::DrawingLoader</name>
@@ -573,6 +654,42 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
             <numerusform>%n Abschnitte</numerusform>
         </translation>
     </message>
+    <message>
+        <source>Unit: %1</source>
+        <translation>Einheit: %1</translation>
+    </message>
+    <message>
+        <source>converted</source>
+        <translation>umgerechnet</translation>
+    </message>
+    <message>
+        <source>Converted to %1: its lengths times %2</source>
+        <translation>Umgerechnet in %1: ihre Längen mal %2</translation>
+    </message>
+    <message>
+        <source>swapped</source>
+        <translation>vertauscht</translation>
+    </message>
+    <message>
+        <source>Northing and easting are swapped</source>
+        <translation>Hoch- und Rechtswert sind vertauscht</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Dateien</translation>
+    </message>
+    <message>
+        <source>no unit</source>
+        <translation>keine Einheit</translation>
+    </message>
+    <message>
+        <source>Made here, not saved yet</source>
+        <translation>Hier erstellt, noch nicht gespeichert</translation>
+    </message>
+    <message>
+        <source>From %1</source>
+        <translation>Aus %1</translation>
+    </message>
 </context>
 <context>
     <name>lvx::desktop::Edits</name>
@@ -583,6 +700,79 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>“%1” can&apos;t be done.</source>
         <translation>„%1“ ist nicht möglich.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::GroundProfileDialog</name>
+    <message>
+        <source>Profile from surface</source>
+        <translation>Längsschnitt aus DGM</translation>
+    </message>
+    <message>
+        <source>%1 (%2)</source>
+        <translation>%1 (%2)</translation>
+    </message>
+    <message>
+        <source>Points are left out where the profile without them stays this close in elevation. 0 keeps a point at every edge of a triangle.</source>
+        <translation>Punkte fallen weg, wo der Längsschnitt ohne sie in der Höhe so nahe bleibt. 0 behält an jeder Dreieckskante einen Punkt.</translation>
+    </message>
+    <message>
+        <source>&amp;Alignment:</source>
+        <translation>&amp;Achse:</translation>
+    </message>
+    <message>
+        <source>&amp;Surface:</source>
+        <translation>&amp;DGM:</translation>
+    </message>
+    <message>
+        <source>&amp;Name:</source>
+        <translation>&amp;Name:</translation>
+    </message>
+    <message>
+        <source>&amp;Tolerance:</source>
+        <translation>&amp;Toleranz:</translation>
+    </message>
+    <message>
+        <source>Outcome</source>
+        <translation>Ergebnis</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n point(s), stations %1 to %2.</source>
+        <translation>
+            <numerusform>%n Punkt, Station %1 bis %2.</numerusform>
+            <numerusform>%n Punkte, Station %1 bis %2.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n gap(s) without ground stay gaps.</source>
+        <translation>
+            <numerusform>%n Lücke ohne Gelände bleibt eine Lücke.</numerusform>
+            <numerusform>%n Lücken ohne Gelände bleiben Lücken.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The alignment runs from %1 to %2; the rest has no ground.</source>
+        <translation>Die Achse läuft von %1 bis %2; der Rest hat kein Gelände.</translation>
+    </message>
+    <message>
+        <source>The drawing has no alignment.</source>
+        <translation>Die Zeichnung hat keine Achse.</translation>
+    </message>
+    <message>
+        <source>The drawing has no surface. Add drawing in the menu File adds one.</source>
+        <translation>Die Zeichnung hat kein DGM. Zeichnung hinzufügen im Menü Datei fügt eines hinzu.</translation>
+    </message>
+    <message>
+        <source>The alignment meets the surface nowhere.</source>
+        <translation>Die Achse trifft das DGM nirgends.</translation>
+    </message>
+    <message>
+        <source>The profile needs a name.</source>
+        <translation>Der Längsschnitt braucht einen Namen.</translation>
+    </message>
+    <message>
+        <source>The alignment has a profile of this name already.</source>
+        <translation>Die Achse hat schon einen Längsschnitt dieses Namens.</translation>
     </message>
 </context>
 <context>
@@ -705,6 +895,41 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <source>No drawing is open. OPEN opens one.</source>
         <translation>Es ist keine Zeichnung geöffnet. OPEN öffnet eine.</translation>
     </message>
+    <message>
+        <source>Drop to open; hold Ctrl to add to the open drawing</source>
+        <translation>Loslassen öffnet; mit Strg wird zur offenen Zeichnung hinzugefügt</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::ObjectMaker</name>
+    <message>
+        <source>New profile “%1”</source>
+        <translation>Neuer Längsschnitt „%1“</translation>
+    </message>
+    <message>
+        <source>Select points for the group; Enter ends:</source>
+        <translation>Punkte für die Gruppe wählen; die Eingabetaste beendet:</translation>
+    </message>
+    <message>
+        <source>Select points to take away; Enter ends:</source>
+        <translation>Punkte wählen, die wegfallen; die Eingabetaste beendet:</translation>
+    </message>
+    <message>
+        <source>New point group “%1”</source>
+        <translation>Neue Punktgruppe „%1“</translation>
+    </message>
+    <message>
+        <source>&amp;Profile from surface…</source>
+        <translation>Längsschnitt aus D&amp;GM…</translation>
+    </message>
+    <message>
+        <source>Point group from &amp;filter…</source>
+        <translation>Punktgruppe aus &amp;Filter…</translation>
+    </message>
+    <message>
+        <source>Point group from &amp;selection…</source>
+        <translation>Pu&amp;nktgruppe aus Auswahl…</translation>
+    </message>
 </context>
 <context>
     <name>lvx::desktop::PlaceLine</name>
@@ -779,6 +1004,83 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>R or Shift removes, Enter ends</source>
         <translation>R oder Umschalt entfernt, Enter beendet</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::PointGroupDialog</name>
+    <message>
+        <source>Point group from filter</source>
+        <translation>Punktgruppe aus Filter</translation>
+    </message>
+    <message>
+        <source>Point group from selection</source>
+        <translation>Punktgruppe aus Auswahl</translation>
+    </message>
+    <message>
+        <source>%1 isn&apos;t a number, such as 7, or a range, such as 100..120.</source>
+        <translation>%1 ist weder eine Zahl wie 7 noch ein Bereich wie 100..120.</translation>
+    </message>
+    <message>
+        <source>Quotes in %1 come in pairs.</source>
+        <translation>Anführungszeichen in %1 brauchen ein Gegenstück.</translation>
+    </message>
+    <message>
+        <source>Number of points</source>
+        <translation>Zahl der Punkte</translation>
+    </message>
+    <message>
+        <source>&amp;Name:</source>
+        <translation>&amp;Name:</translation>
+    </message>
+    <message>
+        <source>&amp;Description:</source>
+        <translation>&amp;Beschreibung:</translation>
+    </message>
+    <message>
+        <source>Name o&amp;f the point:</source>
+        <translation>Name des &amp;Punkts:</translation>
+    </message>
+    <message>
+        <source>&amp;Elevation:</source>
+        <translation>&amp;Höhe:</translation>
+    </message>
+    <message>
+        <source>N&amp;umber:</source>
+        <translation>N&amp;ummer:</translation>
+    </message>
+    <message>
+        <source>* stands for any letters, ? for one; semicolons part what else may be</source>
+        <translation>* steht für beliebige Zeichen, ? für eines; Semikolons trennen, was auch sein darf</translation>
+    </message>
+    <message>
+        <source>A number or a range; .. stands between its ends, semicolons part what else may be</source>
+        <translation>Eine Zahl oder ein Bereich; zwischen seinen Enden steht .., Semikolons trennen, was auch sein darf</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n point(s) in the group.</source>
+        <translation>
+            <numerusform>%n Punkt in der Gruppe.</numerusform>
+            <numerusform>%n Punkte in der Gruppe.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n more can&apos;t be in a group: their numbers stand twice.</source>
+        <translation>
+            <numerusform>%n weiterer kann in keiner Gruppe sein: Seine Nummer steht zweimal da.</numerusform>
+            <numerusform>%n weitere können in keiner Gruppe sein: Ihre Nummern stehen zweimal da.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>No point fits.</source>
+        <translation>Kein Punkt passt.</translation>
+    </message>
+    <message>
+        <source>The group needs a name.</source>
+        <translation>Die Gruppe braucht einen Namen.</translation>
+    </message>
+    <message>
+        <source>There is a point group of this name already.</source>
+        <translation>Es gibt schon eine Punktgruppe dieses Namens.</translation>
     </message>
 </context>
 <context>
@@ -1419,10 +1721,6 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <translation>&amp;Neu laden</translation>
     </message>
     <message>
-        <source>Read the open drawing&apos;s file again</source>
-        <translation>Die Datei der geöffneten Zeichnung noch einmal lesen</translation>
-    </message>
-    <message>
         <source>&amp;Save</source>
         <translation>&amp;Speichern</translation>
     </message>
@@ -1597,6 +1895,42 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>Delete the selected sample line or group</source>
         <translation>Das gewählte Querprofil oder die gewählte Gruppe löschen</translation>
+    </message>
+    <message>
+        <source>A&amp;dd drawing…</source>
+        <translation>Zeichnung &amp;hinzufügen…</translation>
+    </message>
+    <message>
+        <source>Add the contents of more LandXML files to the open drawing</source>
+        <translation>Den Inhalt weiterer LandXML-Dateien zur offenen Zeichnung hinzufügen</translation>
+    </message>
+    <message>
+        <source>Read the open drawing&apos;s files again</source>
+        <translation>Die Dateien der offenen Zeichnung noch einmal lesen</translation>
+    </message>
+    <message>
+        <source>&amp;Profile from surface…</source>
+        <translation>Längsschnitt aus D&amp;GM…</translation>
+    </message>
+    <message>
+        <source>Make a ground profile of an alignment from a surface</source>
+        <translation>Aus einem DGM den Geländelängsschnitt einer Achse machen</translation>
+    </message>
+    <message>
+        <source>Point group from &amp;filter…</source>
+        <translation>Punktgruppe aus &amp;Filter…</translation>
+    </message>
+    <message>
+        <source>Make a group of the points that meet conditions</source>
+        <translation>Eine Gruppe der Punkte machen, die Bedingungen erfüllen</translation>
+    </message>
+    <message>
+        <source>Point group from &amp;selection…</source>
+        <translation>Pu&amp;nktgruppe aus Auswahl…</translation>
+    </message>
+    <message>
+        <source>Select points in the plan and make a group of them</source>
+        <translation>Punkte im Lageplan wählen und zu einer Gruppe machen</translation>
     </message>
 </context>
 </TS>

@@ -2,6 +2,16 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US">
 <context>
+    <name>DrawingSources</name>
+    <message numerus="yes">
+        <source>%1 + %n file(s)</source>
+        <translation>
+            <numerusform>%1 + %n file</numerusform>
+            <numerusform>%1 + %n files</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>lvx::desktop::Document</name>
     <message numerus="yes">
         <source>The reader found %n odd thing(s) in it; see Diagnostics.</source>
@@ -18,6 +28,40 @@
         <translation>
             <numerusform>%n region</numerusform>
             <numerusform>%n regions</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::GroundProfileDialog</name>
+    <message numerus="yes">
+        <source>%n point(s), stations %1 to %2.</source>
+        <translation>
+            <numerusform>%n point, stations %1 to %2.</numerusform>
+            <numerusform>%n points, stations %1 to %2.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n gap(s) without ground stay gaps.</source>
+        <translation>
+            <numerusform>%n gap without ground stays a gap.</numerusform>
+            <numerusform>%n gaps without ground stay gaps.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::PointGroupDialog</name>
+    <message numerus="yes">
+        <source>%n point(s) in the group.</source>
+        <translation>
+            <numerusform>%n point in the group.</numerusform>
+            <numerusform>%n points in the group.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n more can&apos;t be in a group: their numbers stand twice.</source>
+        <translation>
+            <numerusform>%n more can&apos;t be in a group: its number stands twice.</numerusform>
+            <numerusform>%n more can&apos;t be in a group: their numbers stand twice.</numerusform>
         </translation>
     </message>
 </context>
