@@ -7,8 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include <pugixml.hpp>
-
 #include "civil/drawing_files.h"
 #include "civil/sibling_names.h"
 #include "landxml/detail/context.h"
@@ -161,19 +159,12 @@ std::vector<AlignmentRecord> readAlignments(Context& context) {
   return records;
 }
 
-civil::Drawing readScanned(ScannedDocument& scanned, pugi::xml_document& tree, std::uint64_t total,
-                           const std::string& name, const ReadOptions& options, Trace* trace) {
-  const pugi::xml_parse_result parsed = tree.load_buffer_inplace(scanned.document.data(), scanned.document.size(),
-                                                                 pugi::parse_default, pugi::encoding_utf8);
-  if (!parsed) {
-    fail(std::string("not well-formed: ") + parsed.description(), name,
-         scanned.lines.lineAt(static_cast<std::size_t>(parsed.offset)));
-  }
-
+civil::Drawing readScanned(ScannedDocument& scanned, std::uint64_t total, const std::string& name,
+                           const ReadOptions& options, Trace* trace) {
   civil::Drawing drawing;
   drawing.path = name;
   drawing.diagnostics = std::move(scanned.diagnostics);
-  Context context(drawing, scanned.lines, tree.document_element(), options.swapAxes, trace);
+  Context context(drawing, scanned.document, options.swapAxes, trace);
   const auto goOn = [&] {
     if (options.progress && !options.progress({total, total})) throw Cancelled(name);
   };
@@ -198,8 +189,7 @@ civil::Drawing readScanned(ScannedDocument& scanned, pugi::xml_document& tree, s
 civil::Drawing readBytes(std::unique_ptr<ByteSource> bytes, const std::string& name, const ReadOptions& options) {
   const std::uint64_t total = bytes->totalBytes();
   ScannedDocument scanned = scanDocument(std::move(bytes), name, options);
-  pugi::xml_document tree;
-  return readScanned(scanned, tree, total, name, options, nullptr);
+  return readScanned(scanned, total, name, options, nullptr);
 }
 
 }  // namespace
@@ -208,7 +198,7 @@ civil::Drawing detail::readTraced(std::unique_ptr<ByteSource> bytes, const std::
                                   const ReadOptions& options, Trace& trace) {
   const std::uint64_t total = bytes->totalBytes();
   trace.scanned = scanDocument(std::move(bytes), name, options, ScanMode::Locate);
-  return readScanned(trace.scanned, trace.tree, total, name, options, &trace);
+  return readScanned(trace.scanned, total, name, options, &trace);
 }
 
 civil::Drawing readDrawing(const std::string& path, const ReadOptions& options) {

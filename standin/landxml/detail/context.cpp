@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <functional>
+#include <numeric>
 #include <unordered_set>
 
 #include "civil/drawing_files.h"
@@ -22,8 +24,8 @@ constexpr std::size_t kMostDiagnostics = 10'000;
 
 std::string shownNumber(double value) { return text::shortText(value, 4); }
 
-Context::Context(civil::Drawing& d, const LineMap& lines, pugi::xml_node r, bool swapAxes, Trace* t)
-    : drawing(d), root(r), trace(t), lines_(lines), swapAxes_(swapAxes) {
+Context::Context(civil::Drawing& d, const Document& document, bool swapAxes, Trace* t)
+    : drawing(d), root(document.root()), trace(t), document_(document), swapAxes_(swapAxes), points_(document) {
   eachChild(root, "FeatureDictionary", [&](pugi::xml_node node) {
     if (attribute(node, "name") != "lvx") return;
     if (attribute(node, "version") != kGuestVersion) ours_ = true;
@@ -106,8 +108,7 @@ std::optional<double> Context::angle(std::string_view text) const {
 }
 
 std::size_t Context::lineOf(pugi::xml_node where) const {
-  const auto offset = where ? where.offset_debug() : -1;
-  return offset < 0 ? 0 : lines_.lineAt(static_cast<std::size_t>(offset));
+  return where ? document_.lineAt(static_cast<std::size_t>(where.place())) : 0;
 }
 
 void Context::report(civil::Severity severity, pugi::xml_node where, std::string message) {
@@ -151,8 +152,7 @@ std::vector<double> Context::numbers(pugi::xml_node node, const std::string& spe
 void Context::collectPoints(pugi::xml_node collection) {
   eachElement(collection, [&](pugi::xml_node node) {
     if (isNamed(node, "CgPoint")) {
-      const std::string_view name = attribute(node, "name");
-      if (!name.empty()) points_.emplace(name, node);
+      points_.add(node);
     } else if (isNamed(node, "CgPoints")) {
       collectPoints(node);
     }
@@ -161,27 +161,49 @@ void Context::collectPoints(pugi::xml_node collection) {
 
 void Context::collectOtherPoints() {
   otherPointsCollected_ = true;
-  struct Walker : pugi::xml_tree_walker {
-    std::unordered_map<std::string, pugi::xml_node>* points = nullptr;
-    bool for_each(pugi::xml_node& node) override {
-      static const std::unordered_set<std::string_view> kinds{"Start", "End",      "Center",
-                                                              "PI",    "Location", "ControlPoint"};
-      if (node.type() == pugi::node_element && kinds.count(localName(node)) > 0) {
-        const std::string_view name = attribute(node, "name");
-        if (!name.empty()) points->emplace(name, node);
-      }
-      return true;
+  static const std::unordered_set<std::string_view> kKinds{"Start", "End", "Center", "PI", "Location", "ControlPoint"};
+  document_.eachElement([&](pugi::xml_node node) {
+    if (kKinds.count(localName(node)) == 0) return;
+    const std::string_view name = attribute(node, "name");
+    if (!name.empty()) otherPoints_.emplace(name, node);
+  });
+}
+
+std::size_t Context::PointNames::slotOf(std::string_view name) const {
+  std::size_t slot = std::hash<std::string_view>()(name) % slots_.size();
+  while (slots_[slot] != kFree && attribute(document_.at(slots_[slot]), "name") != name) {
+    slot = slot + 1 == slots_.size() ? 0 : slot + 1;
+  }
+  return slot;
+}
+
+void Context::PointNames::add(pugi::xml_node point) {
+  const std::string_view name = attribute(point, "name");
+  if (name.empty()) return;
+  if (10 * count_ >= 7 * slots_.size()) {
+    std::vector<std::size_t> old(2 * slots_.size() + 64, kFree);
+    old.swap(slots_);
+    for (const std::size_t place : old) {
+      if (place != kFree) slots_[slotOf(attribute(document_.at(place), "name"))] = place;
     }
-  } walker;
-  walker.points = &otherPoints_;
-  root.traverse(walker);
+  }
+  std::size_t& slot = slots_[slotOf(name)];
+  if (slot != kFree) return;
+  slot = static_cast<std::size_t>(point.place());
+  ++count_;
+}
+
+pugi::xml_node Context::PointNames::find(std::string_view name) const {
+  if (slots_.empty()) return {};
+  const std::size_t place = slots_[slotOf(name)];
+  return place == kFree ? pugi::xml_node() : document_.at(place);
 }
 
 pugi::xml_node Context::pointNamed(std::string_view name) {
-  const std::string key(trimmed(name));
-  if (const auto found = points_.find(key); found != points_.end()) return found->second;
+  name = trimmed(name);
+  if (const pugi::xml_node found = points_.find(name)) return found;
   if (!otherPointsCollected_) collectOtherPoints();
-  const auto found = otherPoints_.find(key);
+  const auto found = otherPoints_.find(std::string(name));
   return found == otherPoints_.end() ? pugi::xml_node() : found->second;
 }
 
@@ -237,33 +259,35 @@ std::optional<civil::Handle> Context::parseHandle(const std::optional<std::strin
 civil::Handle Context::ticket(pugi::xml_node position, const std::optional<std::string>& handleText) {
   const auto given = parseHandle(handleText);
   if (handleText && !given) warn(position, "'" + shown(*handleText) + "' is not a handle; another one is given");
-  tickets_.push_back({position, position.offset_debug(), given, given ? lineOf(position) : 0});
+  tickets_.push_back(static_cast<std::size_t>(position.place()));
+  if (given) given_.push_back({tickets_.size() - 1, *given});
   return tickets_.size();
 }
 
 void Context::settleHandles() {
-  std::vector<std::size_t> order(tickets_.size());
-  for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
-  std::stable_sort(order.begin(), order.end(),
-                   [&](std::size_t a, std::size_t b) { return tickets_[a].position < tickets_[b].position; });
+  const auto isBefore = [&](std::size_t a, std::size_t b) { return tickets_[a] < tickets_[b]; };
+  std::stable_sort(given_.begin(), given_.end(),
+                   [&](const GivenHandle& a, const GivenHandle& b) { return isBefore(a.ticket, b.ticket); });
   std::vector<civil::Handle> handles(tickets_.size(), 0);
   std::unordered_set<civil::Handle> taken;
-  for (const std::size_t i : order) {
-    if (!tickets_[i].given) continue;
-    if (taken.insert(*tickets_[i].given).second) {
-      handles[i] = *tickets_[i].given;
+  for (const GivenHandle& given : given_) {
+    if (taken.insert(given.handle).second) {
+      handles[given.ticket] = given.handle;
       continue;
     }
     if (drawing.diagnostics.size() < kMostDiagnostics) {
       drawing.diagnostics.push_back(
           {.severity = civil::Severity::Warning,
-           .text = "handle " + text::handleText(*tickets_[i].given) + " stands twice; the first object keeps it",
-           .line = tickets_[i].line,
-           .object = i + 1});
+           .text = "handle " + text::handleText(given.handle) + " stands twice; the first object keeps it",
+           .line = document_.lineAt(tickets_[given.ticket]),
+           .object = given.ticket + 1});
     }
   }
+  std::vector<std::uint32_t> order(tickets_.size());
+  std::iota(order.begin(), order.end(), 0U);
+  if (!std::is_sorted(tickets_.begin(), tickets_.end())) std::stable_sort(order.begin(), order.end(), isBefore);
   civil::Handle next = 0x100;
-  for (const std::size_t i : order) {
+  for (const std::uint32_t i : order) {
     if (handles[i] != 0) continue;
     while (taken.count(next) > 0) ++next;
     handles[i] = next++;
@@ -279,9 +303,11 @@ void Context::settleHandles() {
                                   std::to_string(unreported_ + 1) + " more diagnostics aren't listed"};
   }
   if (trace == nullptr) return;
+  std::vector<bool> isGiven(tickets_.size(), false);
+  for (const GivenHandle& given : given_) isGiven[given.ticket] = handles[given.ticket] == given.handle;
   trace->objects.reserve(order.size());
-  for (const std::size_t i : order) {
-    trace->objects.push_back({tickets_[i].node, handles[i], tickets_[i].given == handles[i]});
+  for (const std::uint32_t i : order) {
+    trace->objects.push_back({document_.at(tickets_[i]), handles[i], isGiven[i]});
   }
 }
 

@@ -8,9 +8,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include <pugixml.hpp>
-
 #include "civil/drawing.h"
+#include "landxml/detail/document.h"
 #include "landxml/detail/scanner.h"
 #include "landxml/detail/trace.h"
 
@@ -31,7 +30,7 @@ struct PlacedPoint {
 /// points that others refer to by name.
 class Context {
  public:
-  Context(civil::Drawing& drawing, const LineMap& lines, pugi::xml_node root, bool swapAxes, Trace* trace = nullptr);
+  Context(civil::Drawing& drawing, const Document& document, bool swapAxes, Trace* trace = nullptr);
 
   civil::Drawing& drawing;
   pugi::xml_node root;
@@ -105,15 +104,30 @@ class Context {
   /// Ends the reading: also tells how many diagnostics aren't listed.
   void settleHandles();
   /// Place of the object with that ticket in the document.
-  [[nodiscard]] std::ptrdiff_t positionOf(civil::Handle ticket) const { return tickets_[ticket - 1].position; }
-  [[nodiscard]] pugi::xml_node nodeOf(civil::Handle ticket) const { return tickets_[ticket - 1].node; }
+  [[nodiscard]] std::ptrdiff_t positionOf(civil::Handle ticket) const {
+    return static_cast<std::ptrdiff_t>(tickets_[ticket - 1]);
+  }
+  [[nodiscard]] pugi::xml_node nodeOf(civil::Handle ticket) const { return document_.at(tickets_[ticket - 1]); }
 
  private:
-  struct Ticket {
-    pugi::xml_node node;
-    std::ptrdiff_t position = 0;
-    std::optional<civil::Handle> given;
-    std::size_t line = 0;
+  /// Points by their names, of several the first: a table of places, since there may be millions.
+  class PointNames {
+   public:
+    explicit PointNames(const Document& document) : document_(document) {}
+    void add(pugi::xml_node point);
+    [[nodiscard]] pugi::xml_node find(std::string_view name) const;
+
+   private:
+    static constexpr std::size_t kFree = static_cast<std::size_t>(-1);
+    [[nodiscard]] std::size_t slotOf(std::string_view name) const;
+
+    const Document& document_;
+    std::vector<std::size_t> slots_;
+    std::size_t count_ = 0;
+  };
+  struct GivenHandle {
+    std::size_t ticket = 0;
+    civil::Handle handle = 0;
   };
 
   void readUnits();
@@ -122,13 +136,14 @@ class Context {
   void collectPoints(pugi::xml_node collection);
   void collectOtherPoints();
 
-  const LineMap& lines_;
+  const Document& document_;
   bool swapAxes_ = false;
   bool ours_ = false;
   double millimetre_ = 0.001;
   enum class AngularUnit { Radians, Grads, Degrees, DegreesMinutesSeconds } angularUnit_ = AngularUnit::Radians;
-  std::vector<Ticket> tickets_;
-  std::unordered_map<std::string, pugi::xml_node> points_;
+  std::vector<std::size_t> tickets_;  // places of the objects
+  std::vector<GivenHandle> given_;    // ascending by ticket
+  PointNames points_;
   std::unordered_map<std::string, pugi::xml_node> otherPoints_;
   bool otherPointsCollected_ = false;
   std::size_t unreported_ = 0;

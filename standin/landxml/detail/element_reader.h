@@ -4,9 +4,8 @@
 #include <string>
 #include <vector>
 
-#include <pugixml.hpp>
-
 #include "civil/element.h"
+#include "landxml/detail/document.h"
 #include "landxml/detail/context.h"
 
 namespace lvx::landxml::detail {

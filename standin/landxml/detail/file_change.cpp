@@ -20,7 +20,7 @@ FileChange::FileChange(const civil::Drawing& d, const civil::Drawing& s, const T
       terms(fileTerms),
       editor(e),
       path(p),
-      root(t.tree.document_element()),
+      root(t.scanned.document.root()),
       markup(t, e, fileTerms),
       places(t) {}
 

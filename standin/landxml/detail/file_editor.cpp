@@ -14,9 +14,9 @@ constexpr std::size_t kBlock = std::size_t{1} << 20;
 constexpr std::string_view kBlanks = " \t";
 
 pugi::xml_node lastElement(pugi::xml_node parent) {
-  pugi::xml_node node = parent.last_child();
-  while (node && node.type() != pugi::node_element) node = node.previous_sibling();
-  return node;
+  pugi::xml_node last;
+  for (const pugi::xml_node node : parent.children()) last = node;
+  return last;
 }
 
 /// Length of the UTF-8 character that begins with `lead`, which stands in text of ours and is well-formed.
@@ -105,7 +105,7 @@ Layout FileEditor::layoutOf(pugi::xml_node node) const {
   if (parent.type() == pugi::node_element) {
     std::string outer = leadBefore(span(parent).start);
     // Nothing need stand in front of the root, and whatever does doesn't indent it.
-    if (outer.empty() && parent == trace_.tree.document_element())
+    if (outer.empty() && parent == trace_.scanned.document.root())
       outer = layout.lead.substr(0, layout.lead.find('\n') + 1);
     if (layout.lead.size() > outer.size() && !outer.empty() && layout.lead.starts_with(outer)) {
       layout.unit = layout.lead.substr(outer.size());

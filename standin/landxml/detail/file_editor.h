@@ -7,8 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include <pugixml.hpp>
-
+#include "landxml/detail/document.h"
 #include "landxml/detail/markup.h"
 #include "landxml/detail/safe_file.h"
 #include "landxml/detail/trace.h"

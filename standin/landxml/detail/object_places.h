@@ -4,8 +4,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include <pugixml.hpp>
-
+#include "landxml/detail/document.h"
 #include "landxml/detail/trace.h"
 
 namespace lvx::landxml::detail {

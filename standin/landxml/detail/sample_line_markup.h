@@ -2,9 +2,8 @@
 
 #include <string>
 
-#include <pugixml.hpp>
-
 #include "civil/drawing.h"
+#include "landxml/detail/document.h"
 #include "landxml/detail/file_terms.h"
 #include "landxml/detail/markup.h"
 #include "landxml/detail/section_markup.h"

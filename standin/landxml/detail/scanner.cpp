@@ -10,36 +10,17 @@
 
 namespace lvx::landxml::detail {
 
-void LineMap::finish(std::string_view document) {
-  for (auto at = document.find('\n'); at != std::string_view::npos; at = document.find('\n', at + 1)) {
-    newlines_.push_back(at);
-  }
-}
-
-std::size_t LineMap::lineAt(std::size_t offset) const {
-  auto after = std::upper_bound(anchors_.begin(), anchors_.end(), offset,
-                                [](std::size_t o, const auto& anchor) { return o < anchor.first; });
-  std::size_t line = 1;
-  std::size_t from = 0;
-  if (after != anchors_.begin()) {
-    --after;
-    from = after->first;
-    line = after->second;
-  }
-  const auto first = std::lower_bound(newlines_.begin(), newlines_.end(), from);
-  const auto last = std::lower_bound(first, newlines_.end(), offset);
-  return line + static_cast<std::size_t>(last - first);
-}
-
 namespace {
 
-/// Elements and attributes outside the streamed parts; each costs some 60 bytes in the tree.
+/// Elements and attributes outside the streamed parts; a drawing has far fewer.
 constexpr std::size_t kMostNodes = 30'000'000;
 
 class Scanner {
  public:
   Scanner(std::unique_ptr<ByteSource> bytes, const std::string& file, const ReadOptions& options, ScanMode mode)
-      : in_(std::move(bytes), file, options), tokens_(in_), file_(file), locates_(mode == ScanMode::Locate) {}
+      : in_(std::move(bytes), file, options), tokens_(in_), file_(file), locates_(mode == ScanMode::Locate) {
+    if (locates_) result_.document.keepParents();
+  }
 
   ScannedDocument run();
 
@@ -50,15 +31,16 @@ class Scanner {
   void close(const Token& token);
   void text(const Token& token);
   void checkRoot(const Token& token);
-  void append(std::string_view piece);
-  void appendEscaped(std::string_view piece);
-  void checkEntities();
-  void anchor() { result_.lines.anchor(result_.document.size(), in_.line()); }
+  void checkName(std::string_view name, std::size_t line) const;
+  void noteBadEntity(std::size_t line, std::string_view piece);
+  std::string_view asUtf8(std::string_view piece);
   [[nodiscard]] bool isMuted() const { return muteDepth_ > 0 && open_.depth() >= muteDepth_; }
 
   Input in_;
   Tokenizer tokens_;
   std::string file_;
+  std::string attributeName_;
+  std::string utf8_;  // of the piece that was asked for last
   ScannedDocument result_;
   OpenElements open_;
   bool rootSeen_ = false;
@@ -72,46 +54,60 @@ class Scanner {
   std::map<std::string, UnreadCollection> unread_;  // collections that were passed over
   UnreadCollection* unreadCollection_ = nullptr;    // the one that is open
   SourceDataCounts* sourceData_ = nullptr;          // of the SourceData that is open
+  std::size_t badEntityLine_ = 0;
   std::size_t badBytes_ = 0;
   std::size_t firstBadLine_ = 0;
   TinCollector* tin_ = nullptr;  // of the Definition that is open
   bool locates_ = false;
 };
 
-/// Into the document, as UTF-8. A piece never ends within a character.
-void Scanner::append(std::string_view piece) {
-  std::string& document = result_.document;
+/// The piece itself where it is ASCII, else valid until the next call. A piece never ends within a character.
+std::string_view Scanner::asUtf8(std::string_view piece) {
+  const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80U; };
+  if (std::all_of(piece.begin(), piece.end(), isAscii)) return piece;
+  utf8_.clear();
   while (!piece.empty()) {
     std::size_t plain = 0;
-    while (plain < piece.size() && static_cast<unsigned char>(piece[plain]) < 0x80U) ++plain;
-    document += piece.substr(0, plain);
+    while (plain < piece.size() && isAscii(piece[plain])) ++plain;
+    utf8_ += piece.substr(0, plain);
     piece.remove_prefix(plain);
-    if (piece.empty()) return;
+    if (piece.empty()) break;
     const auto byte = static_cast<unsigned char>(piece.front());
     if (in_.upperHalf() != nullptr) {
-      document += (*in_.upperHalf())[byte - 0x80U];
+      utf8_ += (*in_.upperHalf())[byte - 0x80U];
       piece.remove_prefix(1);
     } else if (const std::size_t length = utf8Length(piece); length > 0) {
-      document += piece.substr(0, length);
+      utf8_ += piece.substr(0, length);
       piece.remove_prefix(length);
     } else {
       if (badBytes_++ == 0) firstBadLine_ = in_.line();
-      document += windows1252()[byte - 0x80U];
+      utf8_ += windows1252()[byte - 0x80U];
       piece.remove_prefix(1);
     }
   }
+  return utf8_;
 }
 
-void Scanner::appendEscaped(std::string_view piece) {
-  std::size_t from = 0;
-  for (std::size_t i = 0; i < piece.size(); ++i) {
-    const char c = piece[i];
-    if (c != '&' && c != '<' && c != '>') continue;
-    append(piece.substr(from, i - from));
-    result_.document += c == '&' ? "&amp;" : c == '<' ? "&lt;" : "&gt;";
-    from = i + 1;
+std::size_t lineEnds(std::string_view text) {
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+/// Where the document's first bad entity stands, if that came with this piece, which begins at `line`.
+void Scanner::noteBadEntity(std::size_t line, std::string_view piece) {
+  const auto& bad = result_.document.badEntity();
+  if (bad && badEntityLine_ == 0) badEntityLine_ = line + lineEnds(piece.substr(0, bad->at));
+}
+
+/// The tokenizer has seen how a name begins; this is about the rest of it, and about attributes.
+void Scanner::checkName(std::string_view name, std::size_t line) const {
+  const auto isLetter = [](char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == ':' ||
+           static_cast<unsigned char>(c) >= 0x80U;
+  };
+  const auto mayStand = [&](char c) { return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.'; };
+  if (!isLetter(name.front()) || !std::all_of(name.begin(), name.end(), mayStand)) {
+    fail("not well-formed: '" + shown(name) + "' isn't a name", file_, line);
   }
-  append(piece.substr(from));
 }
 
 void Scanner::checkRoot(const Token& token) {
@@ -151,8 +147,17 @@ void Scanner::start(const Token& token) {
     return;
   }
   const std::size_t line = in_.lineAt(token.raw.data());
+  checkName(token.name, line);
   ++nodes_;
-  eachAttribute(token, file_, line, [&](std::string_view, std::string_view) { ++nodes_; });
+  const std::size_t place = result_.document.open(asUtf8(token.name), line);
+  eachAttribute(token, file_, line, [&](std::string_view name, std::string_view value) {
+    ++nodes_;
+    checkName(name, line);
+    attributeName_.assign(asUtf8(name));
+    const std::string_view utf8 = asUtf8(value);
+    result_.document.attribute(attributeName_, utf8);
+    noteBadEntity(line + lineEnds({token.raw.data(), static_cast<std::size_t>(value.data() - token.raw.data())}), utf8);
+  });
   if (nodes_ > kMostNodes) fail("more than 30 million elements and attributes besides points and faces", file_, line);
 
   const Role parent = open_.role();
@@ -165,18 +170,19 @@ void Scanner::start(const Token& token) {
   if (locates_) {
     const std::uint64_t from = in_.offsetOf(token.raw.data());
     const std::uint64_t to = from + token.raw.size();
-    result_.spans.push_back({result_.document.size() + 1, from, to, 0, to});
+    result_.spans.push_back({place, from, to, 0, to});
   }
   if (role == Role::Definition && !token.selfClosing && !locates_) {
-    tin_ = &result_.definitions[result_.document.size() + 1];
+    tin_ = &result_.definitions[place];
   }
-  append(token.raw);
-  if (token.selfClosing) return;
+  if (token.selfClosing) {
+    result_.document.close();
+    return;
+  }
   if (parent == Role::Definition && !locates_ && (local == "Pnts" || local == "Faces")) {
     const std::string name(token.name);
     scanTin(in_, tokens_, open_, *tin_, name, local == "Pnts");
-    append("</" + name + ">");
-    anchor();
+    result_.document.close();
     return;
   }
   open_.push(token.name, in_, role, locates_ ? result_.spans.size() : 0);
@@ -207,8 +213,7 @@ void Scanner::close(const Token& token) {
     sourceData_ = nullptr;
     unreadCollection_ = nullptr;
   }
-  if (!isMuted()) append(token.raw);
-  if (unmute) anchor();
+  if (!isMuted()) result_.document.close();
   if (const std::size_t span = open_.span(); span > 0) {
     result_.spans[span - 1].closeStart = in_.offsetOf(token.raw.data());
     result_.spans[span - 1].end = result_.spans[span - 1].closeStart + token.raw.size();
@@ -223,14 +228,15 @@ void Scanner::text(const Token& token) {
                      : "not an XML file: it begins with '" + shown(trimmed(token.raw)) + "'",
            file_, in_.lineAt(trimmed(token.raw).data()));
     }
-    tokens_.dropped = true;
     return;
   }
   if (isMuted()) return;
+  const std::string_view utf8 = asUtf8(token.raw);
   if (token.kind == Token::Kind::RawText)
-    appendEscaped(token.raw);
+    result_.document.rawText(utf8);
   else
-    append(token.raw);
+    result_.document.text(utf8);
+  if (result_.document.badEntity() && badEntityLine_ == 0) noteBadEntity(in_.lineAt(token.raw.data()), utf8);
 }
 
 ScannedDocument Scanner::run() {
@@ -239,12 +245,6 @@ ScannedDocument Scanner::run() {
   }
   for (;;) {
     const Token token = tokens_.next();
-    if (tokens_.dropped) {
-      tokens_.dropped = false;
-      // The line at the token itself, not behind it.
-      result_.lines.anchor(result_.document.size(),
-                           token.kind == Token::Kind::End ? in_.line() : in_.lineAt(token.raw.data()));
-    }
     switch (token.kind) {
       case Token::Kind::Start:
         start(token);
@@ -263,10 +263,11 @@ ScannedDocument Scanner::run() {
   }
   if (!open_.isEmpty()) fail("the file ends inside <" + shown(open_.name()) + ">", file_, in_.line());
   if (!rootSeen_) fail("the file holds no XML: it is empty or has no element", file_);
-  result_.lines.finish(result_.document);
   result_.upperHalf = in_.source().upperHalf;
   result_.isConverted = in_.source().converted != nullptr;
-  checkEntities();
+  if (const auto& bad = result_.document.badEntity()) {
+    fail("'" + bad->shown + "' isn't an entity of XML", file_, badEntityLine_);
+  }
   if (badBytes_ > 0) {
     result_.diagnostics.push_back({civil::Severity::Warning,
                                    std::to_string(badBytes_) + " bytes aren't UTF-8; read as Windows-1252",
@@ -276,18 +277,6 @@ ScannedDocument Scanner::run() {
     result_.diagnostics.push_back({civil::Severity::Note, unreadText(name, unread.count, unread.content), unread.line});
   }
   return std::move(result_);
-}
-
-void Scanner::checkEntities() {
-  const std::string_view document = result_.document;
-  for (auto at = document.find('&'); at != std::string_view::npos; at = document.find('&', at + 1)) {
-    std::size_t length = 0;
-    if (entityText(document.substr(at + 1, 12), length).empty()) {
-      const auto end = document.find_first_of("; \n<\"'", at + 1);
-      fail("'" + shown(document.substr(at, std::min(end - at + 1, std::size_t{20}))) + "' isn't an entity of XML",
-           file_, result_.lines.lineAt(at));
-    }
-  }
 }
 
 }  // namespace

@@ -10,36 +10,18 @@
 #include <utility>
 #include <vector>
 
+#include "landxml/detail/document.h"
 #include "landxml/detail/source.h"
 #include "landxml/detail/tin_collector.h"
 #include "landxml/reader.h"
 
-/// One pass over the bytes of a drawing. The points and faces of surfaces go straight into arrays; what is left, a
-/// small well-formed document in UTF-8 without comments, is for the XML library.
+/// One pass over the bytes of a drawing. The points and faces of surfaces go straight into arrays; what is left becomes
+/// a document in UTF-8 without comments, for all other readers.
 namespace lvx::landxml::detail {
-
-/// Lines of the file for places in the document that the scan left.
-class LineMap {
- public:
-  /// From here on the document continues at this line of the file.
-  void anchor(std::size_t offset, std::size_t line) {
-    if (!anchors_.empty() && anchors_.back().first == offset)
-      anchors_.back().second = line;
-    else
-      anchors_.emplace_back(offset, line);
-  }
-  /// Takes note of the document's own line ends; call once it is complete.
-  void finish(std::string_view document);
-  [[nodiscard]] std::size_t lineAt(std::size_t offset) const;
-
- private:
-  std::vector<std::pair<std::size_t, std::size_t>> anchors_;
-  std::vector<std::size_t> newlines_;
-};
 
 /// Where an element stands in the file, in bytes.
 struct ElementSpan {
-  /// Offset of the element's name in the scanned document, as the XML library tells it.
+  /// Node::place of the element.
   std::size_t node = 0;
   std::uint64_t start = 0;
   std::uint64_t tagEnd = 0;  ///< behind the start tag
@@ -56,9 +38,8 @@ struct SourceDataCounts {
 };
 
 struct ScannedDocument {
-  std::string document;
-  LineMap lines;
-  /// By the offset of the Definition's name in `document`.
+  Document document;
+  /// By the place of the Definition in `document`.
   std::map<std::size_t, TinCollector> definitions;
   /// What source data of surfaces, which aren't read, hold; by the offset of the element's name in `document`.
   std::map<std::size_t, SourceDataCounts> sourceData;

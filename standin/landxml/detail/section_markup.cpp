@@ -10,7 +10,7 @@ using civil::SectionOrigin;
 
 SectionMarkup::SectionMarkup(const Trace& trace, const FileEditor& editor, const FileTerms& terms)
     : trace_(trace), editor_(editor), terms_(terms) {
-  const pugi::xml_node root = trace.tree.document_element();
+  const pugi::xml_node root = trace.scanned.document.root();
   const std::string_view name = root.name();
   const auto colon = name.find(':');
   const std::string declaration =

@@ -4,9 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include <pugixml.hpp>
-
 #include "civil/drawing.h"
+#include "landxml/detail/document.h"
 #include "landxml/detail/file_editor.h"
 #include "landxml/detail/file_terms.h"
 #include "landxml/detail/markup.h"

@@ -188,7 +188,6 @@ void TinScanner::scan(const std::string& name, bool points) {
     if (step == Step::NeedMore && static_cast<std::size_t>(in_.end - in_.at) < kLongestPoint && in_.more()) continue;
 
     const Token token = tokens_.next();
-    tokens_.dropped = false;
     switch (token.kind) {
       case Token::Kind::Start:
         if (localName(token.name) == (points ? "P" : "F")) {
@@ -224,7 +223,6 @@ void TinScanner::readChildText(std::string_view name, std::string& text) {
   const std::size_t depth = open_.depth();
   for (;;) {
     const Token token = tokens_.next();
-    tokens_.dropped = false;
     switch (token.kind) {
       case Token::Kind::Text:
       case Token::Kind::RawText:
@@ -282,7 +280,6 @@ void TinScanner::skipElement(const Token& token) {
   const std::size_t depth = open_.depth();
   while (open_.depth() >= depth) {
     const Token inner = tokens_.next();
-    tokens_.dropped = false;
     if (inner.kind == Token::Kind::Start && !inner.selfClosing) open_.push(inner.name, in_);
     if (inner.kind == Token::Kind::End)
       fail("the file ends inside <" + shown(open_.name()) + ">", in_.file(), in_.line());

@@ -65,7 +65,6 @@ Token Tokenizer::rawText() {
 Token Tokenizer::markup() {
   if (!reach(2)) failCut("a tag");
   if (in_.at[1] == '?') {
-    dropped = true;
     skipPast("?>", "a processing instruction");
     return next();
   }
@@ -73,13 +72,11 @@ Token Tokenizer::markup() {
     reach(9);
     const std::string_view window(in_.at, static_cast<std::size_t>(in_.end - in_.at));
     if (window.starts_with("<!--")) {
-      dropped = true;
       in_.at += 4;
       skipPast("-->", "a comment");
       return next();
     }
     if (window.starts_with("<![CDATA[")) {
-      dropped = true;
       in_.at += 9;
       inRawText_ = true;
       return rawText();

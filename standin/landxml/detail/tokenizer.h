@@ -11,13 +11,13 @@
 
 /// Markup of a drawing as tokens, straight out of the window of bytes that moves over the file.
 ///
-/// Why not the XML library: it wants the whole text in memory and makes a node of some 60 bytes of each element and of
-/// each piece of text. Of a surface with ten million points and twenty million faces that would be several gigabytes and
-/// most of the time, for elements of which three numbers are kept. So this tokenizer goes over the bytes once; the
-/// scanner takes P and F out of them into arrays, and hands what is left, a thousandth of a large file, to the XML
-/// library (pugixml), which makes the tree that all other readers work on. The price is that the rules of XML that
-/// drawings rest on stand here a second time: tags, quotes, comments, CDATA sections, processing instructions, and
-/// entities in entities.h. Document types, which drawings don't have, are refused.
+/// Why not an XML library: it wants the whole text in memory and makes a node of some 60 bytes of each element and of each
+/// piece of text. Of a surface with ten million points and twenty million faces that would be several gigabytes and most of
+/// the time, for elements of which three numbers are kept; sections and survey points come by the million too. So this
+/// tokenizer goes over the bytes once; the scanner takes P and F out of them into arrays, and writes what is left into a
+/// Document (document.h), on which all other readers work. The price is that the rules of XML that drawings rest on stand
+/// here: tags, quotes, comments, CDATA sections, processing instructions, and entities in entities.h. Document types, which
+/// drawings don't have, are refused.
 namespace lvx::landxml::detail {
 
 /// A name without its prefix.
@@ -35,12 +35,11 @@ struct Token {
   bool selfClosing = false;
 };
 
-/// Well-formed markup as tokens. Comments and processing instructions are passed over; `dropped` says that some were.
+/// Well-formed markup as tokens. Comments and processing instructions are passed over.
 class Tokenizer {
  public:
   explicit Tokenizer(Input& in) : in_(in) {}
 
-  bool dropped = false;
   /// Throws ReadError for what isn't well-formed, and for a document type.
   Token next();
 

@@ -5,8 +5,6 @@
 #include <string_view>
 #include <vector>
 
-#include <pugixml.hpp>
-
 #include "civil/drawing.h"
 #include "landxml/detail/scanner.h"
 #include "landxml/reader.h"
@@ -51,7 +49,6 @@ struct ObjectTrace {
 /// Where a drawing's things stand in its file: the reader's own view of it, so that saving never reads it differently.
 struct Trace {
   ScannedDocument scanned;
-  pugi::xml_document tree;  ///< over scanned.document
   bool hasDictionary = false;
   bool isOurs = false;
   std::vector<ObjectTrace> objects;      ///< in the order of the document

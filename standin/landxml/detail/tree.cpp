@@ -4,15 +4,9 @@
 
 namespace lvx::landxml::detail {
 
-std::string_view localName(pugi::xml_node node) {
-  const std::string_view name = node.name();
-  const auto colon = name.find(':');
-  return colon == std::string_view::npos ? name : name.substr(colon + 1);
-}
-
 pugi::xml_node child(pugi::xml_node parent, std::string_view name) {
   for (const pugi::xml_node node : parent.children()) {
-    if (node.type() == pugi::node_element && isNamed(node, name)) return node;
+    if (isNamed(node, name)) return node;
   }
   return {};
 }
@@ -27,24 +21,16 @@ std::string_view attribute(pugi::xml_node node, const char* name) { return trimm
 
 std::string attributeText(pugi::xml_node node, const char* name) { return node.attribute(name).value(); }
 
-std::string text(pugi::xml_node node) {
-  std::string result;
-  for (const pugi::xml_node part : node.children()) {
-    if (part.type() == pugi::node_pcdata || part.type() == pugi::node_cdata) result += part.value();
-  }
-  return result;
-}
-
 pugi::xml_node feature(pugi::xml_node parent, std::string_view code) {
   for (const pugi::xml_node node : parent.children()) {
-    if (node.type() == pugi::node_element && isNamed(node, "Feature") && attribute(node, "code") == code) return node;
+    if (isNamed(node, "Feature") && attribute(node, "code") == code) return node;
   }
   return {};
 }
 
 std::optional<std::string> property(pugi::xml_node feature, std::string_view label) {
   for (const pugi::xml_node node : feature.children()) {
-    if (node.type() == pugi::node_element && isNamed(node, "Property") && attribute(node, "label") == label) {
+    if (isNamed(node, "Property") && attribute(node, "label") == label) {
       return attributeText(node, "value");
     }
   }

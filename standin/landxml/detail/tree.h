@@ -6,12 +6,12 @@
 #include <string_view>
 #include <vector>
 
-#include <pugixml.hpp>
+#include "landxml/detail/document.h"
 
 /// The document's tree by local names: prefixes and namespaces differ from program to program and mean nothing here.
 namespace lvx::landxml::detail {
 
-[[nodiscard]] std::string_view localName(pugi::xml_node node);
+[[nodiscard]] inline std::string_view localName(pugi::xml_node node) { return node.localName(); }
 [[nodiscard]] inline bool isNamed(pugi::xml_node node, std::string_view name) { return localName(node) == name; }
 
 /// The first child element of that name; empty if there is none.
@@ -21,16 +21,14 @@ namespace lvx::landxml::detail {
 template <class Use>
 void eachChild(pugi::xml_node parent, std::string_view name, Use use) {
   for (const pugi::xml_node node : parent.children()) {
-    if (node.type() == pugi::node_element && isNamed(node, name)) use(node);
+    if (isNamed(node, name)) use(node);
   }
 }
 /// Those elements.
 [[nodiscard]] std::vector<pugi::xml_node> childrenNamed(pugi::xml_node parent, std::string_view name);
 template <class Use>
 void eachElement(pugi::xml_node parent, Use use) {
-  for (const pugi::xml_node node : parent.children()) {
-    if (node.type() == pugi::node_element) use(node);
-  }
+  for (const pugi::xml_node node : parent.children()) use(node);
 }
 
 /// Attribute value without blanks around it; empty where it is absent or empty, which mean the same in these files.
@@ -39,7 +37,7 @@ void eachElement(pugi::xml_node parent, Use use) {
 [[nodiscard]] std::string attributeText(pugi::xml_node node, const char* name);
 
 /// All text directly inside the element, joined.
-[[nodiscard]] std::string text(pugi::xml_node node);
+[[nodiscard]] inline std::string text(pugi::xml_node node) { return node.text(); }
 
 /// Our own extension: the child Feature of that code.
 [[nodiscard]] pugi::xml_node feature(pugi::xml_node parent, std::string_view code);
