@@ -7,8 +7,11 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 /// What the benchmarks share around what they time.
 namespace lvx::bench {
@@ -44,6 +47,37 @@ inline double peakMegabytes() {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   return static_cast<double>(usage.ru_maxrss) / 1024.0;
+}
+
+/// What a program took that ran to its end.
+struct Run {
+  double peakBytes = 0.0;
+  double processorSeconds = 0.0;
+  bool isGood = false;  ///< it ended with code 0
+};
+
+/// Runs a program with its output thrown away. `arguments` begin with its path.
+inline Run measured(std::vector<std::string> arguments) {
+  std::vector<char*> pointers;
+  for (std::string& argument : arguments) pointers.push_back(argument.data());
+  pointers.push_back(nullptr);
+  Run run;
+  std::fflush(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    if (std::freopen("/dev/null", "w", stdout) != nullptr) execv(pointers.front(), pointers.data());
+    _exit(127);
+  }
+  int status = 0;
+  rusage usage{};
+  if (child < 0 || wait4(child, &status, 0, &usage) != child) return run;
+  const auto seconds = [](const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+  };
+  run.peakBytes = static_cast<double>(usage.ru_maxrss) * 1024.0;
+  run.processorSeconds = seconds(usage.ru_utime) + seconds(usage.ru_stime);
+  run.isGood = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  return run;
 }
 
 }  // namespace lvx::bench

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "civil/alignment.h"
+#include "civil/code_list.h"
 #include "civil/profile.h"
 #include "civil/tin_surface.h"
 
@@ -126,11 +127,11 @@ struct SectionPoint {
   double offset = 0.0;
   /// Relative to the baseline's profile (a baseline without one: to 0).
   double elevation = 0.0;
-  std::vector<std::string> codes;
+  CodeList codes;
 };
 
 struct SectionPart {
-  std::vector<std::string> codes;
+  CodeList codes;
   std::vector<SectionPoint> points;
 };
 

@@ -134,9 +134,9 @@ SectionCorridor pictureOf(const civil::Corridor& corridor, const civil::Baseline
     picture.profileElevation = baseline.profile->profile.elevationAt(station).value_or(0.0);
   for (const civil::SectionPart& part : section.parts) {
     SectionShape& shape = picture.parts.emplace_back();
-    shape.codes = part.codes;
+    shape.codes = part.codes.list();
     for (const civil::SectionPoint& point : part.points)
-      shape.points.push_back({{point.offset, picture.profileElevation + point.elevation}, point.codes});
+      shape.points.push_back({{point.offset, picture.profileElevation + point.elevation}, point.codes.list()});
   }
   return picture;
 }

@@ -1,8 +1,13 @@
+#include <cstdint>
 #include <exception>
 #include <iostream>
+#include <map>
+#include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
+#include "generator/bulk_drawing.h"
 #include "generator/scaled_drawing.h"
 #include "generator/valley_road.h"
 
@@ -15,8 +20,19 @@ int main(int argc, char** argv) {
   std::string path;
   std::string example;
   app.add_option("--out", path, "File to write")->required();
-  app.add_option("--example", example, "Write this example instead of a drawing of the sizes below")
-      ->check(CLI::IsMember({"valley-road"}));
+  const std::map<std::string, lvx::generator::ValleyPart> parts{
+      {"valley-road", lvx::generator::ValleyPart::Whole},
+      {"valley-road/road", lvx::generator::ValleyPart::Road},
+      {"valley-road/ground", lvx::generator::ValleyPart::Ground},
+      {"valley-road/points", lvx::generator::ValleyPart::Points}};
+  std::string bulk;
+  std::uint64_t megabytes = 40;
+  std::vector<std::string> kinds;
+  for (const auto& kind : lvx::generator::bulkKinds()) kinds.emplace_back(kind.name);
+  app.add_option("--example", example, "Write this example, or a part of it, instead of a drawing of the sizes below")
+      ->check(CLI::IsMember(&parts));
+  app.add_option("--bulk", bulk, "Write a drawing of one kind of thing instead")->check(CLI::IsMember(kinds));
+  app.add_option("--megabytes", megabytes, "Size of that drawing, about");
   app.add_option("--triangles", size.triangles, "Triangles of the surface")->check(CLI::Range(1ULL, 1ULL << 32U));
   app.add_option("--lines", size.sampleLines, "Sample lines");
   app.add_option("--points", size.points, "Survey points, all in one group");
@@ -32,11 +48,12 @@ int main(int argc, char** argv) {
 
   try {
     lvx::generator::TextOutput out(path);
-    if (example.empty()) {
+    if (!example.empty())
+      lvx::generator::writeValleyRoad(out, parts.at(example));
+    else if (!bulk.empty())
+      lvx::generator::writeBulkDrawing(out, bulk, megabytes * 1'000'000);
+    else
       lvx::generator::writeScaledDrawing(out, size);
-    } else {
-      lvx::generator::writeValleyRoad(out);
-    }
     out.finish();
   } catch (const std::exception& error) {
     std::cerr << "lvx-make-drawing: " << error.what() << '\n';

@@ -559,31 +559,35 @@ void writeRegionFeature(TextOutput& out, std::string_view name, std::string_view
   out << "\"/></Feature>\n";
 }
 
-}  // namespace
+// ---------------------------------------------------------------- the parts of the drawing
 
-void writeValleyRoad(TextOutput& out) {
-  const RoadPlan road = valleyRoad();
-  const RoadPlan lane = millLane(road);
-  const RoadPlan track = forestTrack(road);
-  const DesignProfile design = valleyRoadProfile();
-  const ValleyGround ground(road, lane);
+/// The regions' stations.
+struct RegionStations {
   std::vector<double> openRoad;
   std::vector<double> village;
+};
+
+RegionStations regionStations(const RoadPlan& road, const DesignProfile& design) {
+  RegionStations stations;
   for (const double station : sectionStations(road, design)) {
     // Both regions hold the section at their common border.
-    if (station <= kRegionBorder) openRoad.push_back(station);
-    if (station >= kRegionBorder) village.push_back(station);
+    if (station <= kRegionBorder) stations.openRoad.push_back(station);
+    if (station >= kRegionBorder) stations.village.push_back(station);
   }
+  return stations;
+}
 
-  writeHead(out, "Valley road upgrade", "Site grid");
+void writeSites(TextOutput& out) {
   out << R"(    <Feature code="lvx_sites" source="lvx">
       <Feature name="Valley road upgrade" code="lvx_site" source="lvx">)";
   writeHandleProperty(out, kSiteHandle);
   writeProperty(out, "desc", "Road along the brook, with its side road");
-  out << "</Feature>\n    </Feature>\n  </Project>\n";
-  writeApplicationAndDictionary(out);
-  writePoints(out, survey(road, lane, ground).points());
+  out << "</Feature>\n    </Feature>\n";
+}
 
+void writeAlignments(TextOutput& out, const RoadPlan& road, const RoadPlan& lane, const DesignProfile& design,
+                     const ValleyGround& ground, const RegionStations& stations) {
+  const RoadPlan track = forestTrack(road);
   out << "  <Alignments name=\"Valley road upgrade\">\n";
   beginAlignment(out, road, "Valley road", "Main road, design speed 70");
   out << "      <Profile>\n";
@@ -594,8 +598,8 @@ void writeValleyRoad(TextOutput& out) {
   out << "        </ProfAlign>\n      </Profile>\n";
   writeRoadLines(out, road);
   CorridorWriter corridor(out, road, design, ground);
-  corridor.writeRegion(kOpenRoadSections, openRoad, false);
-  corridor.writeRegion(kVillageSections, village, true);
+  corridor.writeRegion(kOpenRoadSections, stations.openRoad, false);
+  corridor.writeRegion(kVillageSections, stations.village, true);
   endAlignment(out, kRoadHandle);
 
   beginAlignment(out, lane, "Mill lane", "Side road to the mill");
@@ -629,14 +633,18 @@ void writeValleyRoad(TextOutput& out) {
   trackLines.end(kTrackHandle + 3, "For the drainage of the track");
   endAlignment(out, kTrackHandle);
   out << "  </Alignments>\n";
+}
 
+void writeSurface(TextOutput& out, const ValleyGround& ground) {
   out << "  <Surfaces>\n    <Surface name=\"Existing ground\" desc=\"Survey of February 2026\">\n"
          "      <Definition surfType=\"TIN\">\n";
   ground.write(out, "        ");
   out << "      </Definition>\n";
   writeHandleFeature(out, "      ", "lvx_object", kSurfaceHandle);
   out << "    </Surface>\n  </Surfaces>\n";
+}
 
+void writeCorridor(TextOutput& out, const RoadPlan& road, const RegionStations& stations) {
   out << "  <Roadways>\n    <Roadway name=\"Valley road\" alignmentRefs=\"Valley road\" staStart=\"";
   out.number(road.startStation(), 6) << "\" staEnd=\"";
   out.number(road.endStation(), 6) << "\" desc=\"Design corridor\">\n"
@@ -649,9 +657,34 @@ void writeValleyRoad(TextOutput& out) {
   writeProperty(out, "profile", "Valley road design");
   out << R"(<Property label="profileHandle" value=")";
   out.hexadecimal(kRoadHandle + kDesignProfile) << "\"/>\n";
-  writeRegionFeature(out, "Open road", kOpenRoadSections, openRoad);
-  writeRegionFeature(out, "Village", kVillageSections, village);
-  out << "        </Feature>\n      </Feature>\n    </Roadway>\n  </Roadways>\n</LandXML>\n";
+  writeRegionFeature(out, "Open road", kOpenRoadSections, stations.openRoad);
+  writeRegionFeature(out, "Village", kVillageSections, stations.village);
+  out << "        </Feature>\n      </Feature>\n    </Roadway>\n  </Roadways>\n";
+}
+
+}  // namespace
+
+void writeValleyRoad(TextOutput& out, ValleyPart part) {
+  const auto holds = [&](ValleyPart other) { return part == ValleyPart::Whole || part == other; };
+  const RoadPlan road = valleyRoad();
+  const RoadPlan lane = millLane(road);
+  const ValleyGround ground(road, lane);
+
+  writeHead(out, "Valley road upgrade", "Site grid");
+  if (holds(ValleyPart::Road)) writeSites(out);
+  out << "  </Project>\n";
+  writeApplicationAndDictionary(out);
+  if (holds(ValleyPart::Points)) writePoints(out, survey(road, lane, ground).points());
+  if (holds(ValleyPart::Road)) {
+    const DesignProfile design = valleyRoadProfile();
+    const RegionStations stations = regionStations(road, design);
+    writeAlignments(out, road, lane, design, ground, stations);
+    if (holds(ValleyPart::Ground)) writeSurface(out, ground);
+    writeCorridor(out, road, stations);
+  } else if (holds(ValleyPart::Ground)) {
+    writeSurface(out, ground);
+  }
+  out << "</LandXML>\n";
 }
 
 }  // namespace lvx::generator

@@ -245,6 +245,42 @@ PlacedPoint Context::placeByName(std::string_view name, int depth) {
   return result;
 }
 
+// ---------------------------------------------------------------- codes
+
+namespace {
+
+std::vector<std::string> splitCodes(bool isOurs, const std::string& text) {
+  if (text.empty()) return {};
+  // Only our own files hold lists of codes; in others a comma is part of a name.
+  if (!isOurs) return {text};
+  std::vector<std::string> codes(1);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == ',') {
+      codes.emplace_back();
+    } else if (text.compare(i, 3, "%2C") == 0 || text.compare(i, 3, "%2c") == 0) {
+      codes.back() += ',';
+      i += 2;
+    } else if (text.compare(i, 3, "%25") == 0) {
+      codes.back() += '%';
+      i += 2;
+    } else {
+      codes.back() += text[i];
+    }
+  }
+  return codes;
+}
+
+}  // namespace
+
+civil::CodeList Context::codes(std::string_view text) {
+  constexpr std::size_t kMostShared = 4096;
+  const std::string key(text);
+  if (const auto found = codeLists_.find(key); found != codeLists_.end()) return found->second;
+  civil::CodeList codes(splitCodes(isOurs(), key));
+  if (codeLists_.size() < kMostShared) codeLists_.emplace(key, codes);
+  return codes;
+}
+
 // ---------------------------------------------------------------- handles
 
 std::optional<civil::Handle> Context::parseHandle(const std::optional<std::string>& handleText) {

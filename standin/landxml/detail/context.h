@@ -55,6 +55,8 @@ class Context {
   void error(pugi::xml_node where, std::string text) { report(civil::Severity::Error, where, std::move(text)); }
   void note(pugi::xml_node where, std::string text) { report(civil::Severity::Note, where, std::move(text)); }
   [[nodiscard]] std::size_t lineOf(pugi::xml_node where) const;
+  /// The element at a place that Node::place gave.
+  [[nodiscard]] pugi::xml_node nodeAt(std::size_t place) const { return document_.at(place); }
 
   /// While it lives, what is reported is about one object, unless a Subject within says that it is about a part of it.
   /// Which object that is may come out late, or never: then it is about whatever the Subject around is about.
@@ -96,6 +98,9 @@ class Context {
   [[nodiscard]] PlacedPoint placeByName(std::string_view name) { return placeByName(name, 0); }
   /// The first CgPoint of that name, or another point of the file; empty if there is none.
   [[nodiscard]] pugi::xml_node pointNamed(std::string_view name);
+
+  /// The codes that an attribute holds: several in files of ours alone. Equal texts share one list.
+  [[nodiscard]] civil::CodeList codes(std::string_view text);
 
   /// A ticket in place of a handle, until all objects are known: `settleHandles` then gives each object its own, the
   /// file's where it has one, else the next free one from 0x100 in the order of the document.
@@ -145,6 +150,7 @@ class Context {
   std::vector<GivenHandle> given_;    // ascending by ticket
   PointNames points_;
   std::unordered_map<std::string, pugi::xml_node> otherPoints_;
+  std::unordered_map<std::string, civil::CodeList> codeLists_;
   bool otherPointsCollected_ = false;
   std::size_t unreported_ = 0;
 };

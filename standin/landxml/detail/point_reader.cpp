@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <numeric>
+#include <optional>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -35,27 +37,45 @@ class PointReader {
   void read();
 
  private:
+  /// A point that was read, by its index in drawing.points, or a reference, by its place. There may be millions.
   struct Member {
-    pugi::xml_node node;
-    std::size_t point = 0;  // index in drawing.points, or kReference
+    static constexpr std::uint64_t kIsReference = std::uint64_t{1} << 63U;
+    std::uint64_t value = 0;
+    [[nodiscard]] bool isReference() const { return (value & kIsReference) != 0; }
+    [[nodiscard]] std::size_t place() const { return static_cast<std::size_t>(value & ~kIsReference); }
+    [[nodiscard]] std::size_t point() const { return static_cast<std::size_t>(value); }
   };
-  static constexpr std::size_t kReference = static_cast<std::size_t>(-1);
 
   void readCollection(pugi::xml_node collection, const std::string& inheritedCode);
-  std::size_t readPoint(pugi::xml_node node, const std::string& inheritedCode);
+  /// Index of the new point; empty where it has no place.
+  std::optional<std::size_t> readPoint(pugi::xml_node node, const std::string& inheritedCode);
   void number();
   void readGroups();
   template <class Add>
   void readNumbersOf(pugi::xml_node ours, Add add, civil::PointGroup& group);
+  [[nodiscard]] std::optional<std::size_t> pointAt(pugi::xml_node node) const;
 
   Context& context_;
   std::vector<std::pair<pugi::xml_node, std::vector<Member>>> collections_;
-  std::vector<pugi::xml_node> nodes_;  // of drawing.points
-  std::unordered_map<std::ptrdiff_t, std::size_t> pointOfNode_;
+  std::vector<std::size_t> places_;                           // of drawing.points
+  std::vector<std::uint32_t> byPlace_;                        // indices of drawing.points, by ascending place
   std::unordered_map<std::string, pugi::xml_node> features_;  // of the collection being read
 };
 
+std::size_t countPoints(pugi::xml_node collection) {
+  std::size_t count = 0;
+  eachElement(collection, [&](pugi::xml_node node) {
+    if (isNamed(node, "CgPoint")) ++count;
+    if (isNamed(node, "CgPoints")) count += countPoints(node);
+  });
+  return count;
+}
+
 void PointReader::read() {
+  std::size_t count = 0;
+  eachChild(context_.root, "CgPoints", [&](pugi::xml_node node) { count += countPoints(node); });
+  context_.drawing.points.reserve(count);
+  places_.reserve(count);
   eachChild(context_.root, "CgPoints", [&](pugi::xml_node node) { readCollection(node, {}); });
   number();
   readGroups();
@@ -70,24 +90,22 @@ void PointReader::readCollection(pugi::xml_node collection, const std::string& i
   });
   std::vector<Member> members;
   eachChild(collection, "CgPoint", [&](pugi::xml_node node) {
-    if (isReference(node)) {
-      members.push_back({node, kReference});
-      return;
-    }
-    const std::size_t point = readPoint(node, code);
-    if (point != kReference) members.push_back({node, point});
+    if (isReference(node))
+      members.push_back({static_cast<std::uint64_t>(node.place()) | Member::kIsReference});
+    else if (const auto point = readPoint(node, code))
+      members.push_back({*point});
   });
   collections_.emplace_back(collection, std::move(members));
   eachChild(collection, "CgPoints", [&](pugi::xml_node node) { readCollection(node, code); });
 }
 
-std::size_t PointReader::readPoint(pugi::xml_node node, const std::string& inheritedCode) {
+std::optional<std::size_t> PointReader::readPoint(pugi::xml_node node, const std::string& inheritedCode) {
   const std::string name = attributeText(node, "name");
   Context::Subject subject(context_);
   const PlacedPoint placed = context_.place(node);
   if (!placed.isPlaced()) {
     context_.warn(node, "point '" + shown(name) + "': " + placed.problem + "; left out");
-    return kReference;
+    return std::nullopt;
   }
   civil::Point point;
   point.position = {placed.plan.x, placed.plan.y, placed.elevation.value_or(0.0)};
@@ -113,8 +131,7 @@ std::size_t PointReader::readPoint(pugi::xml_node node, const std::string& inher
   }
   point.handle = context_.ticket(node, handle);
   subject.is(point.handle);
-  pointOfNode_.emplace(node.offset_debug(), context_.drawing.points.size());
-  nodes_.push_back(node);
+  places_.push_back(static_cast<std::size_t>(node.place()));
   context_.drawing.points.push_back(std::move(point));
   return context_.drawing.points.size() - 1;
 }
@@ -122,35 +139,68 @@ std::size_t PointReader::readPoint(pugi::xml_node node, const std::string& inher
 /// A name that is a plain integer is the number; other points, and repeated numbers, get the next free one.
 void PointReader::number() {
   auto& points = context_.drawing.points;
-  std::unordered_set<std::int32_t> taken;
-  std::vector<char> isNumbered(points.size(), 0);
-  std::int32_t largest = 0;
+  const auto numberGiven = [&](std::size_t point) {
+    return plainInteger(attribute(context_.nodeAt(places_[point]), "name"));
+  };
+  struct Given {
+    std::int32_t number = 0;
+    std::uint32_t point = 0;
+  };
+  std::vector<Given> given;
+  given.reserve(points.size());
   for (std::size_t i = 0; i < points.size(); ++i) {
-    const auto given = plainInteger(attribute(nodes_[i], "name"));
-    if (!given) continue;
-    if (!taken.insert(*given).second) continue;
-    points[i].number = *given;
-    isNumbered[i] = 1;
-    largest = std::max(largest, *given);
+    if (const auto number = numberGiven(i)) given.push_back({*number, static_cast<std::uint32_t>(i)});
   }
-  std::int64_t next = std::int64_t{largest} + 1;
+  const auto isLess = [](const Given& a, const Given& b) { return a.number < b.number; };
+  std::stable_sort(given.begin(), given.end(), isLess);
+  // Of several points of one number the first keeps it.
+  given.erase(
+      std::unique(given.begin(), given.end(), [](const Given& a, const Given& b) { return a.number == b.number; }),
+      given.end());
+  std::vector<bool> isNumbered(points.size(), false);
+  for (const Given& row : given) {
+    points[row.point].number = row.number;
+    isNumbered[row.point] = true;
+  }
+  const auto isTaken = [&](std::int64_t number) {
+    return std::binary_search(given.begin(), given.end(), Given{static_cast<std::int32_t>(number), 0}, isLess);
+  };
+  std::unordered_set<std::int32_t> wrapped;  // given out from below, since none above was left
+  std::int64_t next = given.empty() ? 1 : std::int64_t{given.back().number} + 1;
+  bool isWrapped = false;
   for (std::size_t i = 0; i < points.size(); ++i) {
     civil::Point& point = points[i];
     if (isNumbered[i]) {
       if (point.name == std::to_string(point.number)) point.name.clear();
       continue;
     }
-    if (next > std::numeric_limits<std::int32_t>::max()) next = 1;
-    while (taken.count(static_cast<std::int32_t>(next)) > 0) ++next;
+    if (next > std::numeric_limits<std::int32_t>::max()) {
+      next = 1;
+      isWrapped = true;
+    }
+    while (isTaken(next) || wrapped.count(static_cast<std::int32_t>(next)) > 0) ++next;
     point.number = static_cast<std::int32_t>(next++);
-    taken.insert(point.number);
-    const auto given = plainInteger(attribute(nodes_[i], "name"));
-    if (given) {
+    if (isWrapped) wrapped.insert(point.number);
+    if (const auto number = numberGiven(i)) {
       const Context::Subject subject(context_, point.handle);
-      context_.warn(nodes_[i], "point " + std::to_string(*given) + ": its number stands twice; the later point gets " +
-                                   std::to_string(point.number));
+      context_.warn(context_.nodeAt(places_[i]), "point " + std::to_string(*number) +
+                                                     ": its number stands twice; the later point gets " +
+                                                     std::to_string(point.number));
     }
   }
+
+  const auto isBefore = [&](std::uint32_t a, std::uint32_t b) { return places_[a] < places_[b]; };
+  byPlace_.resize(points.size());
+  std::iota(byPlace_.begin(), byPlace_.end(), 0U);
+  if (!std::is_sorted(places_.begin(), places_.end())) std::sort(byPlace_.begin(), byPlace_.end(), isBefore);
+}
+
+std::optional<std::size_t> PointReader::pointAt(pugi::xml_node node) const {
+  const auto place = static_cast<std::size_t>(node.place());
+  const auto found = std::lower_bound(byPlace_.begin(), byPlace_.end(), place,
+                                      [&](std::uint32_t point, std::size_t p) { return places_[point] < p; });
+  if (!node || found == byPlace_.end() || places_[*found] != place) return std::nullopt;
+  return *found;
 }
 
 /// Members of a group of ours that no reference can name: those of other files, and points under names that others have.
@@ -175,30 +225,33 @@ void PointReader::readNumbersOf(pugi::xml_node ours, Add add, civil::PointGroup&
 }
 
 void PointReader::readGroups() {
-  for (const auto& [collection, members] : collections_) {
+  for (auto& [collection, members] : collections_) {
     const std::string name = attributeText(collection, "name");
     const pugi::xml_node ours = feature(collection, "lvx_pointGroup");
     const bool hasReferences =
-        std::any_of(members.begin(), members.end(), [](const Member& m) { return m.point == kReference; });
+        std::any_of(members.begin(), members.end(), [](const Member& m) { return m.isReference(); });
     const bool isGroup = ours || (!name.empty() && (context_.isOurs() ? hasReferences : !members.empty()));
     civil::PointGroup group;
     Context::Subject subject(context_);
+    if (isGroup) group.numbers.reserve(members.size());
     // A point that stands twice in a group has two rows in its reports.
-    const auto add = [&](std::size_t point) { group.numbers.push_back(context_.drawing.points[point].number); };
+    const auto add = [&](std::size_t point) {
+      if (isGroup) group.numbers.push_back(context_.drawing.points[point].number);
+    };
     for (const Member& member : members) {
-      if (member.point != kReference) {
-        add(member.point);
+      if (!member.isReference()) {
+        add(member.point());
         continue;
       }
-      const std::string reference(attribute(member.node, "pntRef"));
-      const pugi::xml_node target = context_.pointNamed(reference);
-      const auto found = target ? pointOfNode_.find(target.offset_debug()) : pointOfNode_.end();
-      if (found != pointOfNode_.end())
-        add(found->second);
+      const pugi::xml_node node = context_.nodeAt(member.place());
+      const std::string reference(attribute(node, "pntRef"));
+      if (const auto found = pointAt(context_.pointNamed(reference)))
+        add(*found);
       else
-        context_.warn(member.node,
+        context_.warn(node,
                       "point group '" + shown(name) + "': there is no point '" + shown(reference) + "'; passed over");
     }
+    std::vector<Member>().swap(members);
     if (!isGroup) continue;
     readNumbersOf(ours, add, group);
     group.name = name;

@@ -166,7 +166,6 @@ void Scanner::start(const Token& token) {
     role = Role::Surface;
   else if (local == "Definition" && parent == Role::Surface)
     role = Role::Definition;
-  const std::size_t nameOffset = result_.document.size() + 1;
   if (locates_) {
     const std::uint64_t from = in_.offsetOf(token.raw.data());
     const std::uint64_t to = from + token.raw.size();
@@ -196,7 +195,7 @@ void Scanner::start(const Token& token) {
       unreadCollection_ = &unread_.try_emplace(std::string(local), UnreadCollection{.line = line}).first->second;
       ++unreadCollection_->count;
     }
-    if (unreadOfSurface && local == "SourceData") sourceData_ = &result_.sourceData[nameOffset];
+    if (unreadOfSurface && local == "SourceData") sourceData_ = &result_.sourceData[place];
     muteDepth_ = open_.depth();
   }
 }

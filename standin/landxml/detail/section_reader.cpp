@@ -89,27 +89,6 @@ struct Unplaced {
   civil::Pose pose;
 };
 
-std::vector<std::string> splitCodes(const Context& context, const std::string& text) {
-  if (text.empty()) return {};
-  // Only our own files hold lists of codes; in others a comma is part of a name.
-  if (!context.isOurs()) return {text};
-  std::vector<std::string> codes(1);
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == ',') {
-      codes.emplace_back();
-    } else if (text.compare(i, 3, "%2C") == 0 || text.compare(i, 3, "%2c") == 0) {
-      codes.back() += ',';
-      i += 2;
-    } else if (text.compare(i, 3, "%25") == 0) {
-      codes.back() += '%';
-      i += 2;
-    } else {
-      codes.back() += text[i];
-    }
-  }
-  return codes;
-}
-
 double median(std::vector<double>& values) {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
   std::nth_element(values.begin(), middle, values.end());
@@ -331,13 +310,20 @@ struct PlacedSection {
   pugi::xml_node node;
 };
 
+std::size_t countNamed(pugi::xml_node parent, std::string_view name) {
+  std::size_t count = 0;
+  eachChild(parent, name, [&](pugi::xml_node) { ++count; });
+  return count;
+}
+
 civil::SectionPart readPart(Context& context, pugi::xml_node surface, const std::string& speaker) {
   civil::SectionPart part;
-  part.codes = splitCodes(context, attributeText(surface, "name"));
+  part.codes = context.codes(surface.attribute("name").value());
+  part.points.reserve(countNamed(surface, "CrossSectPnt"));
   eachChild(surface, "CrossSectPnt", [&](pugi::xml_node node) {
     Vec2 point;
     if (!readSectionPoint(context, node, speaker, point)) return;
-    part.points.push_back({point.x, point.y, splitCodes(context, attributeText(node, "code"))});
+    part.points.push_back({point.x, point.y, context.codes(node.attribute("code").value())});
   });
   return part;
 }
@@ -356,6 +342,7 @@ std::vector<PlacedSection> readPlaced(Context& context, pugi::xml_node crossSect
     section.label = attributeText(node, "name");
     if (isComputed(node)) section.origin = civil::SectionOrigin::Computed;
     const std::string who = speaker + ": section at " + shownNumber(*station);
+    section.parts.reserve(countNamed(node, "DesignCrossSectSurf"));
     eachChild(node, "DesignCrossSectSurf",
               [&](pugi::xml_node surface) { section.parts.push_back(readPart(context, surface, who)); });
     placed.push_back({std::move(section), node});
