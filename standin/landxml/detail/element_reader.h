@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "civil/element.h"
-#include "landxml/detail/document.h"
 #include "landxml/detail/context.h"
+#include "landxml/detail/document.h"
 
 namespace lvx::landxml::detail {
 
