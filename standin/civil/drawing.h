@@ -41,20 +41,20 @@ struct SampleLine {
 struct SampleLineGroup {
   Handle handle = 0;
   std::string name;
-  /// Its name in its file where it is called otherwise here, since another object has that name (sibling_names.h).
-  std::optional<std::string> nameInFile;
   std::string description;
   std::vector<SampleLine> lines;
   FileNumber file = 0;
+  /// Its name in its file where it is called otherwise here, since another object has that name (sibling_names.h).
+  std::optional<std::string> nameInFile;
 };
 
 struct ProfileObject {
   Handle handle = 0;
   std::string name;
-  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
   std::string description;
   Profile profile;
   FileNumber file = 0;
+  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
 };
 
 /// A station equation: kept and reported, never applied.
@@ -68,13 +68,13 @@ struct StationEquation {
 struct AlignmentObject {
   Handle handle = 0;
   std::string name;
-  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
   std::string description;
   Alignment geometry;
   std::vector<ProfileObject> profiles;
   std::vector<SampleLineGroup> sampleLineGroups;
   std::vector<StationEquation> stationEquations;
   FileNumber file = 0;
+  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
 };
 
 struct Site {
@@ -88,10 +88,10 @@ struct Site {
 struct SurfaceObject {
   Handle handle = 0;
   std::string name;
-  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
   std::string description;
   TinSurface surface;
   FileNumber file = 0;
+  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
 };
 
 struct Point {
@@ -109,13 +109,13 @@ struct Point {
 struct PointGroup {
   Handle handle = 0;
   std::string name;
-  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
   std::string description;
   /// Numbers in file order; a number may stand in many groups.
   std::vector<std::int32_t> numbers;
   /// Members in files that aren't part of the drawing; they join the numbers when those files are added.
   std::vector<std::int32_t> numbersElsewhere = {};
   FileNumber file = 0;
+  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
 };
 
 // ---------------------------------------------------------------- corridors

@@ -38,7 +38,7 @@ class ExampleProject : public testing::TestWithParam<std::size_t> {
   /// The text and the page that the report gives over these files.
   [[nodiscard]] std::string report(const std::vector<std::string>& files) const {
     test::RunRequest request;
-    request.program = fs::path(LVX_BINARY_DIR) / "bin" / "lvxhost";
+    request.program = test::inBuild("/bin/lvxhost");
     request.folder = folder_.path();
     request.arguments = cases().at(GetParam()).arguments;
     for (std::size_t i = 0; i < files.size(); ++i) {

@@ -102,7 +102,7 @@ class PlanPicture : public testing::Test {
     // On the thread of the windows, as everything that asks for fonts.
     return onGui([&] {
       QPainter onImage(&image);
-      return painter.paint(onImage, {*scene, port, look, nullptr, QApplication::font()}, cache, tiles);
+      return painter.paint(onImage, {*scene, port, look, nullptr, nullptr, QApplication::font()}, cache, tiles);
     });
   }
   static QImage blank(double ratio) {
