@@ -73,7 +73,27 @@ civil::Drawing loadDrawing(const options::Options& options) {
   }
 }
 
+namespace {
+
+/// A user who names a file to save into wants the others to stay as they are.
+void refuseOtherTargets(const civil::Drawing& drawing, const options::Options& options) {
+  if (!options.report.saveTo) return;
+  if (isSameFile(*options.report.saveTo, drawing.path)) return;  // in place is meant
+  const std::vector<std::string> changed = landxml::changedAddedFiles(drawing);
+  if (changed.empty()) return;
+  // The GLS report saves only where --save says so.
+  const std::string orWithout =
+      options.newGroup.name.empty() ? "" : ", or leave --save out to have it saved in that file";
+  throw Failure(kBadDrawing, "the drawing isn't saved: --save names '" + *options.report.saveTo +
+                                 "', but what is new belongs into '" + changed.front() +
+                                 "', which stays as it is; give that file first and '" + drawing.path + "' by --with" +
+                                 orWithout);
+}
+
+}  // namespace
+
 void saveAndTell(civil::Drawing& drawing, const options::Options& options, const std::string& made) {
+  refuseOtherTargets(drawing, options);
   const std::string target = options.report.saveTo.value_or(drawing.path);
   std::vector<landxml::SavedFile> saved;
   {

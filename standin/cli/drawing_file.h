@@ -13,8 +13,9 @@ namespace lvx::cli {
 [[nodiscard]] civil::Drawing loadDrawing(const options::Options& options);
 
 /// Saves the files of a drawing that changed, with progress: the first one under --save, else in its place. Then tells
-/// `made` and the files on standard output, unless --quiet. Throws Failure (kBadDrawing) where one can't be saved and
-/// runtime::Interrupted where the user stopped it; what stood there then still does.
+/// `made` and the files on standard output, unless --quiet. Throws Failure (kBadDrawing) where one can't be saved, also
+/// where --save names a new file and what changed belongs into an added one, which would be written in its place; and
+/// runtime::Interrupted where the user stopped it. What stood there then still does.
 void saveAndTell(civil::Drawing& drawing, const options::Options& options, const std::string& made);
 
 /// "road.xml:118: warning: …", with the file that it is of; the line left out where there is none.

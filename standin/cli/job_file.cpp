@@ -51,8 +51,8 @@ class JobReader {
       if (value.get<bool>()) arguments.push_back(name);
       return;
     }
-    if (!value.is_string() && !value.is_number_integer())
-      fail("\"" + option + "\" is neither a text nor a whole number nor true or false");
+    if (!value.is_string() && !value.is_number())
+      fail("\"" + option + "\" is neither a text nor a number nor true or false");
     appendText(arguments, name, value.is_string() ? value.get<std::string>() : value.dump());
   }
 

@@ -44,7 +44,13 @@ WantedPoints parsePoints(const options::PointChoice& choice) {
 civil::FilteredPoints findPoints(const civil::Drawing& drawing, const civil::DrawingIndex& index,
                                  const WantedPoints& wanted, bool quiet) {
   if (!wanted.numbers.empty()) return numberedPoints(index, wanted.numbers);
-  if (drawing.points.empty()) throw Failure(kNotWritten, "nothing was written: the drawing holds no points");
+  if (drawing.points.empty()) {
+    const std::string others = drawing.surfaces.empty()
+                                   ? ""
+                                   : "; 'lvxhost points' reports those of a surface by --surface-points '" +
+                                         drawing.surfaces.front().name + "'";
+    throw Failure(kNotWritten, "nothing was written: the drawing holds no points" + others);
+  }
   civil::FilteredPoints found = civil::pointsWhere(drawing, index, wanted.filter);
   if (found.hidden > 0 && !quiet)
     say(pointsInWords(found.hidden) + " left out: another point of the same number stands before " +

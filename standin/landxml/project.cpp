@@ -81,6 +81,12 @@ bool holdsAlignment(const std::string& path, const std::function<bool()>& goesOn
   return false;
 }
 
+/// Whether the drawing still has of that file what was read from it, and nothing new.
+bool isAsRead(const civil::Drawing& drawing, civil::FileNumber file) {
+  const civil::FileMark& mark = file == 0 ? drawing.file : drawing.addedFiles[file - 1].mark;
+  return mark.content != 0 && mark.content == detail::contentOf(drawing, file);
+}
+
 }  // namespace
 
 std::vector<ProjectFile> alignmentFirst(std::vector<ProjectFile> files, const std::function<bool()>& goesOn) {
@@ -123,15 +129,19 @@ civil::Drawing readProject(const std::vector<ProjectFile>& files, const ProjectO
   return drawing;
 }
 
+std::vector<std::string> changedAddedFiles(const civil::Drawing& drawing) {
+  std::vector<std::string> changed;
+  for (civil::FileNumber file = 1; file <= drawing.addedFiles.size(); ++file)
+    if (!isAsRead(drawing, file)) changed.push_back(civil::pathOf(drawing, file));
+  return changed;
+}
+
 std::vector<SavedFile> saveProject(civil::Drawing& drawing, const std::string& firstTarget,
                                    const SaveOptions& options) {
   const auto count = static_cast<civil::FileNumber>(drawing.addedFiles.size() + 1);
   const auto sourceOf = [&](civil::FileNumber file) {
     const std::string source = options.sourceOf ? options.sourceOf(file) : std::string();
     return source.empty() ? civil::pathOf(drawing, file) : source;
-  };
-  const auto markOf = [&](civil::FileNumber file) -> const civil::FileMark& {
-    return file == 0 ? drawing.file : drawing.addedFiles[file - 1].mark;
   };
   for (civil::FileNumber file = 1; file < count; ++file) {
     if (isSameFile(firstTarget, civil::pathOf(drawing, file)))
@@ -149,8 +159,7 @@ std::vector<SavedFile> saveProject(civil::Drawing& drawing, const std::string& f
   for (civil::FileNumber file = 0; file < count; ++file) {
     // The only file of a drawing is looked at in any case, as is one that goes elsewhere.
     const bool isAsked = file == 0 && (count == 1 || !isSameFile(firstTarget, sourceOf(0)));
-    const bool isAsRead = markOf(file).content != 0 && markOf(file).content == detail::contentOf(drawing, file);
-    if (!isAsked && isAsRead) continue;
+    if (!isAsked && isAsRead(drawing, file)) continue;
     Work work{file, file == 0 ? firstTarget : civil::pathOf(drawing, file), nullptr};
     work.saving = std::make_unique<detail::FileSaving>(drawing, file, sourceOf(file), work.target);
     total += work.saving->work();

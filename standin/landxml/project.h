@@ -65,6 +65,10 @@ struct SavedFile {
   bool isWritten = true;
 };
 
+/// The added files that saveProject would write: those of which something changed, or into which something goes that was
+/// made in the open drawing. O(n).
+[[nodiscard]] std::vector<std::string> changedAddedFiles(const civil::Drawing& drawing);
+
 /// Writes every file of the drawing that changed, each its own (saveDrawing): added ones in their places, the first one
 /// to `firstTarget` (drawing.path: in place). What hangs on an alignment, sample line groups and profiles, goes into the
 /// alignment's file; a group of points that was made in the open drawing into the file that holds them all, or into the

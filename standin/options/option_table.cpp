@@ -244,7 +244,7 @@ constexpr std::array kTable{
     OptionDescription{.name = "save",
                       .commands = kMakingCommands,
                       .field = [](Options& o) -> Field { return &o.report.saveTo; },
-                      .help = "Save into this file (default: DRAWING itself)",
+                      .help = "Save DRAWING into this file (default: in place, whichever of the files changed)",
                       .valueName = "FILE",
                       .emptyText = EmptyText::None},
     OptionDescription{.name = "rules",

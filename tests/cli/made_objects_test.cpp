@@ -237,7 +237,8 @@ TEST_F(MadeObjectsTest, TellsWhenThereAreNoPointsAtAll) {
   std::ofstream(folder_ / "small.xml") << without;
   const RunResult result = report("points", {"--points", "all"});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_THAT(result.errors, HasSubstr("nothing was written: the drawing holds no points"));
+  EXPECT_THAT(result.errors, HasSubstr("nothing was written: the drawing holds no points; 'lvxhost points' reports "
+                                       "those of a surface by --surface-points 'Ground'"));
 }
 
 // ---------------------------------------------------------------- all of it

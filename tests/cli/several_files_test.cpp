@@ -233,7 +233,46 @@ TEST_F(SeveralFiles, AreNamedWhileTheyAreRead) {
   EXPECT_LT(road, ground);
 }
 
+// ---------------------------------------------------------------- saving
+
+TEST_F(SeveralFiles, KeepAnAddedFileWhereSavingNamesAnother) {
+  write("road.xml", drawing(kRoad));
+  write("ground.xml", drawing(kGround));
+  const auto lines = [this](const std::vector<std::string>& more) {
+    std::vector<std::string> arguments{"lines", "ground.xml", "--with", "road.xml", "--alignment",
+                                       "Axis",  "--name",     "New",    "--every",  "20"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return run(arguments);
+  };
+  const RunResult result = lines({"--save", "new.xml"});
+  EXPECT_EQ(result.exitCode, 3);
+  EXPECT_EQ(result.output, "");
+  EXPECT_THAT(
+      result.errors,
+      HasSubstr("the drawing isn't saved: --save names 'new.xml', but what is new belongs into 'road.xml', which "
+                "stays as it is; give that file first and 'ground.xml' by --with, or leave --save out"));
+  EXPECT_FALSE(fs::exists(folder_ / "new.xml"));
+  EXPECT_EQ(test::fileBytes(folder_ / "road.xml"), drawing(kRoad));
+  // In place it goes into the file of its alignment, which is told.
+  for (const std::vector<std::string>& more : {std::vector<std::string>{}, {"--replace", "--save", "./ground.xml"}}) {
+    write("road.xml", drawing(kRoad));
+    const RunResult inPlace = lines(more);
+    EXPECT_EQ(inPlace.exitCode, 0) << inPlace.errors;
+    EXPECT_THAT(inPlace.output, HasSubstr("\nroad.xml  "));
+    EXPECT_THAT(inPlace.output, Not(HasSubstr("ground.xml")));
+    EXPECT_NE(test::fileBytes(folder_ / "road.xml"), drawing(kRoad));
+    EXPECT_EQ(test::fileBytes(folder_ / "ground.xml"), drawing(kGround));
+  }
+}
+
 // ---------------------------------------------------------------- job files
+
+TEST(JobFile, TakesNumbersWithDecimals) {
+  const std::vector<Job> jobs =
+      parseJobs(R"({"command": "gls", "drawing": "a.xml", "ground-tolerance": 0.02, "out": "a"})", "jobs.jsonl", {});
+  ASSERT_EQ(jobs.size(), 1U);
+  EXPECT_THAT(jobs[0].arguments, testing::Contains("--ground-tolerance=0.02"));
+}
 
 TEST(JobFile, TakesListsOfFiles) {
   const std::vector<Job> jobs = parseJobs(
