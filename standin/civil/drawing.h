@@ -45,7 +45,7 @@ struct SampleLineGroup {
   std::vector<SampleLine> lines;
   FileNumber file = 0;
   /// Its name in its file where it is called otherwise here, since another object has that name (sibling_names.h).
-  std::optional<std::string> nameInFile;
+  std::optional<std::string> nameInFile = std::nullopt;
 };
 
 struct ProfileObject {
@@ -54,7 +54,7 @@ struct ProfileObject {
   std::string description;
   Profile profile;
   FileNumber file = 0;
-  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
+  std::optional<std::string> nameInFile = std::nullopt;  ///< as of a SampleLineGroup
 };
 
 /// A station equation: kept and reported, never applied.
@@ -74,7 +74,7 @@ struct AlignmentObject {
   std::vector<SampleLineGroup> sampleLineGroups;
   std::vector<StationEquation> stationEquations;
   FileNumber file = 0;
-  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
+  std::optional<std::string> nameInFile = std::nullopt;  ///< as of a SampleLineGroup
 };
 
 struct Site {
@@ -91,7 +91,7 @@ struct SurfaceObject {
   std::string description;
   TinSurface surface;
   FileNumber file = 0;
-  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
+  std::optional<std::string> nameInFile = std::nullopt;  ///< as of a SampleLineGroup
 };
 
 struct Point {
@@ -115,7 +115,7 @@ struct PointGroup {
   /// Members in files that aren't part of the drawing; they join the numbers when those files are added.
   std::vector<std::int32_t> numbersElsewhere = {};
   FileNumber file = 0;
-  std::optional<std::string> nameInFile;  ///< as of a SampleLineGroup
+  std::optional<std::string> nameInFile = std::nullopt;  ///< as of a SampleLineGroup
 };
 
 // ---------------------------------------------------------------- corridors
