@@ -68,34 +68,42 @@ bool axesSwapped(const civil::Drawing& drawing, civil::FileNumber file) {
 }
 
 /// How the two would meet, where swapping the axes of one file does it.
-std::string swapHint(const civil::Drawing& drawing, civil::FileNumber a, civil::FileNumber b) {
+std::string swapHint(const civil::Drawing& drawing, civil::FileNumber a, civil::FileNumber b, HintsFor hints) {
   if (a == b) return {};
+  const auto hint = [hints](const char* with, const std::string& path) {
+    return std::string("; ") + with +
+           (hints == HintsFor::CommandLine
+                ? " --swap-axes '" + path + "' they would"
+                : " northing and easting of '" + path + "' swapped they would: see the menu of the file in the tree");
+  };
   for (const civil::FileNumber file : {a, b})
-    if (axesSwapped(drawing, file)) return "; without --swap-axes '" + civil::pathOf(drawing, file) + "' they would";
+    if (axesSwapped(drawing, file)) return hint("without", civil::pathOf(drawing, file));
   // Either would do; what was added is more likely the odd one.
   const std::string& path = civil::pathOf(drawing, std::max(a, b));
-  return path.empty() ? std::string() : "; with --swap-axes '" + path + "' they would";
+  return path.empty() ? std::string() : hint("with", path);
 }
 
 void warnApart(std::vector<std::string>& list, const civil::Drawing& drawing, const Placed& what, const Placed& from,
-               double reach) {
+               double reach, HintsFor hints) {
   const auto apart = civil::boxesApart(what.box, from.box, reach);
   if (!apart) return;
   list.push_back(what.words + " (" + boxText(apart->first) + ") and " + from.words + " (" + boxText(apart->second) +
-                 ") don't meet" + (apart->meetSwapped ? swapHint(drawing, what.file, from.file) : std::string()));
+                 ") don't meet" +
+                 (apart->meetSwapped ? swapHint(drawing, what.file, from.file, hints) : std::string()));
 }
 
-void warnOfPlaces(std::vector<std::string>& list, const civil::Drawing& drawing, const ReportObjects& objects) {
+void warnOfPlaces(std::vector<std::string>& list, const civil::Drawing& drawing, const ReportObjects& objects,
+                  HintsFor hints) {
   if (objects.alignment == nullptr) return;
   if (objects.surface != nullptr)
     warnApart(list, drawing,
               {"surface '" + objects.surface->name + "'", objects.surface->surface.box(), objects.surface->file},
-              placedLines(*objects.alignment, objects.group), 0.0);
+              placedLines(*objects.alignment, objects.group), 0.0, hints);
   if (objects.points.empty()) return;
   // Points lie beside the alignment or beyond its ends by nature; what is farther off than it is long isn't its own.
   const Placed alignment = placedAlignment(*objects.alignment);
   const double reach = std::hypot(alignment.box.maxX - alignment.box.minX, alignment.box.maxY - alignment.box.minY);
-  warnApart(list, drawing, placedPoints(objects.points), alignment, reach);
+  warnApart(list, drawing, placedPoints(objects.points), alignment, reach, hints);
 }
 
 // ---------------------------------------------------------------- letters
@@ -181,12 +189,12 @@ std::string whyOutOfReach(const ReportObjects& objects) {
 }
 
 std::vector<std::string> warnings(const civil::Drawing& drawing, const ReportObjects& objects, const std::string& stem,
-                                  const Forms& forms, platform::Platform& platform) {
+                                  const Forms& forms, platform::Platform& platform, HintsFor hints) {
   std::vector<std::string> list;
   if (civil::metresPerUnit(drawing.linearUnit).value_or(1.0) != 1.0)
     list.push_back("the drawing's unit of length is " + drawing.linearUnit +
                    ": the report gives its lengths in it, also where its texts say m");
-  warnOfPlaces(list, drawing, objects);
+  warnOfPlaces(list, drawing, objects, hints);
   warnOfLetters(list, objects, stem, forms, platform);
   return list;
 }

@@ -38,6 +38,9 @@ struct Forms {
   bool page = true;
 };
 
+/// Whose words the hints use: options of the command line, or menus of the desktop.
+enum class HintsFor : std::uint8_t { CommandLine, Desktop };
+
 /// Why the report would be of another alignment than the chosen one, or of none; empty where it is of that one.
 [[nodiscard]] std::string whyOutOfReach(const ReportObjects& objects);
 
@@ -46,7 +49,7 @@ struct Forms {
 /// which its head shows. O(texts and coordinates of the report's objects).
 [[nodiscard]] std::vector<std::string> warnings(const civil::Drawing& drawing, const ReportObjects& objects,
                                                 const std::string& stem, const Forms& forms,
-                                                platform::Platform& platform);
+                                                platform::Platform& platform, HintsFor hints = HintsFor::CommandLine);
 
 /// Warnings and errors of the drawing's reader, those of a report's objects and those of others. Notes are in neither.
 struct SortedDiagnostics {

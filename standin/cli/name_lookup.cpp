@@ -82,14 +82,6 @@ std::string offered(std::vector<std::string> names, std::string_view wanted) {
   return text;
 }
 
-std::vector<const civil::Site*> siteRows(const civil::Drawing& drawing) {
-  std::vector<const civil::Site*> rows;
-  if (!drawing.siteless.alignments.empty()) rows.push_back(&drawing.siteless);
-  for (const civil::Site& site : drawing.sites)
-    if (!site.alignments.empty()) rows.push_back(&site);
-  return rows;
-}
-
 std::string siteWords(const civil::Site& site) {
   return site.name.empty() ? std::string("no site (--site \"\")") : "site '" + site.name + "'";
 }

@@ -5,10 +5,13 @@
 #include <string_view>
 #include <vector>
 
+#include "advice/dialog_choices.h"
 #include "civil/drawing.h"
 
 /// From the names of the command line to the drawing's objects, as the dialogs offer them.
 namespace lvx::cli {
+
+using advice::siteRows;
 
 /// Steps of inserting, removing or replacing one byte that lead from one text to the other, small and capital ASCII
 /// letters being one: how far a mistyped name is from one that exists.
@@ -35,10 +38,6 @@ struct FoundAlignment {
 [[nodiscard]] const civil::SurfaceObject& findSurface(const civil::Drawing& drawing, const std::string& name);
 
 [[nodiscard]] const civil::PointGroup& findPointGroup(const civil::Drawing& drawing, const std::string& name);
-
-/// The rows of the dialogs' site list: the alignments without a site first, then the sites, each only where it has
-/// alignments.
-[[nodiscard]] std::vector<const civil::Site*> siteRows(const civil::Drawing& drawing);
 
 /// "site 'North'", or words for the alignments outside any site.
 [[nodiscard]] std::string siteWords(const civil::Site& site);

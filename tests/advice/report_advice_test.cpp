@@ -111,6 +111,19 @@ TEST(ReportAdvice, NamesBothBoxesAndTheFileWhoseAxesWouldMakeThemMeet) {
   EXPECT_THAT(warned(drawing, objects), ElementsAre(boxes + "; without --swap-axes 'road.xml' they would"));
 }
 
+TEST(ReportAdvice, NamesTheMenuOfTheDesktopWhereItIsForThat) {
+  civil::Drawing drawing = ofTwoFiles();
+  const civil::AlignmentObject alignment = northward("Axis", 100, 500, 100);
+  const civil::SurfaceObject surface = ground(480, 80, 620, 120, 1);
+  ReportObjects objects;
+  objects.alignment = &alignment;
+  objects.surface = &surface;
+  platform::PosixPlatform platform({});
+  EXPECT_THAT(warnings(drawing, objects, "out", {}, platform, HintsFor::Desktop),
+              ElementsAre(HasSubstr("; with northing and easting of 'ground.xml' swapped they would: see the menu of "
+                                    "the file in the tree")));
+}
+
 TEST(ReportAdvice, OffersNoSwapThatDoesNotHelp) {
   const civil::Drawing drawing = ofTwoFiles();
   const civil::AlignmentObject alignment = northward("Axis", 100, 500, 100);

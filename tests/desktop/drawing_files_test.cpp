@@ -7,11 +7,15 @@
 #include <QSettings>
 #include <QTableView>
 #include <QUrl>
+#include <fstream>
+#include <iterator>
 #include <thread>
 
 #include "desktop/panels/notice_bar.h"
 #include "desktop/shell/drawing_sources.h"
+#include "desktop/shell/edits.h"
 #include "drawing_parts.h"
+#include "landxml/reader.h"
 
 namespace lvx::test {
 namespace {
@@ -128,6 +132,44 @@ TEST_F(DrawingFiles, OneThatIsThereAlreadyIsToldAndTheOthersAreAdded) {
   program.user.key(Qt::Key_Escape);
   ASSERT_TRUE(program.user.waitFor([&] { return QApplication::activeModalWidget() == nullptr; }));
   EXPECT_EQ(filesOf(program), 1U);
+}
+
+TEST_F(DrawingFiles, EachTakesItsOwnChangesWhenTheDrawingIsSaved) {
+  ProgramWindow program(points);
+  add(program, road);
+  ASSERT_TRUE(waitForFiles(program, 2));
+  add(program, ground);
+  ASSERT_TRUE(waitForFiles(program, 3));
+  const auto textOf = [](const QString& path) {
+    std::ifstream file(path.toStdString());
+    return std::string(std::istreambuf_iterator<char>(file), {});
+  };
+  const std::string groundBefore = textOf(ground);
+  onGui([&] {
+    const civil::AlignmentObject& alignment = *drawingOf(program).siteless.alignments.at(0);
+    civil::SampleLine line;
+    line.name = "Middle";
+    line.station = 50.0;
+    line.vertices = {{40.0, 50.0}, {60.0, 50.0}};
+    program.window->edits().make(QStringLiteral("Lines"),
+                                 civil::addingSampleLineGroup(alignment.handle, "Mine", {line}));
+    program.window->edits().make(QStringLiteral("Points"), civil::addingPointGroup("Trees", {1, 2, 4}));
+  });
+  EXPECT_TRUE(onGui([&] { return program.window->isWindowModified(); }));
+  program.enter("save");
+  ASSERT_TRUE(program.user.waitFor([&] { return !program.window->isWindowModified(); }));
+  EXPECT_EQ(textOf(ground), groundBefore);
+
+  const civil::Drawing first = landxml::readDrawing(points.toStdString());
+  ASSERT_EQ(first.pointGroups.size(), 1U);
+  EXPECT_EQ(first.pointGroups[0].numbers, (std::vector<std::int32_t>{1, 2, 4}));
+  EXPECT_TRUE(first.siteless.alignments.empty());
+  const civil::Drawing second = landxml::readDrawing(road.toStdString());
+  ASSERT_EQ(second.siteless.alignments.at(0)->sampleLineGroups.size(), 1U);
+  EXPECT_EQ(second.siteless.alignments[0]->sampleLineGroups[0].name, "Mine");
+  EXPECT_TRUE(second.pointGroups.empty());
+  // Nobody else changed them.
+  EXPECT_FALSE(onGui([&] { return program.window->findChild<desktop::NoticeBar*>()->isVisible(); }));
 }
 
 TEST_F(DrawingFiles, AFileIsTakenOutByItsMenu) {

@@ -123,7 +123,8 @@ TEST_F(EditsTest, TellWhyAChangeCantBeMade) {
   QWidget* const box = program_.waitForNamed("editFailed");
   ASSERT_NE(box, nullptr);
   EXPECT_EQ(onGui([&] { return static_cast<QMessageBox*>(box)->informativeText().toStdString(); }),
-            "a point group needs a name");
+            "What it is about isn't there any more, or its name is taken. The drawing is as it was. In detail: a point "
+            "group needs a name.");
   program_.user.key(Qt::Key_Return);
   EXPECT_TRUE(program_.user.waitFor([&] { return QApplication::activeModalWidget() == nullptr; }));
   EXPECT_FALSE(isMarked());

@@ -3,10 +3,12 @@
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QSpinBox>
+#include <cmath>
 
 #include "desktop/plan/plan_view.h"
 #include "drawing_parts.h"
 #include "host/dialog_controls.h"
+#include "landxml/reader.h"
 
 namespace lvx::test {
 namespace {
@@ -190,10 +192,70 @@ TEST_F(Maker, TheWindowClosesDuringASelection) {
   ASSERT_TRUE(program.user.waitFor([&] { return prompt->text().startsWith(QStringLiteral("Select points")); }));
 }
 
+TEST_F(Maker, SavesAProfileAndAPointGroupThatReadBackAsTheyWereMade) {
+  ProgramWindow program(all);
+  start(program, "newProfile");
+  ASSERT_NE(program.waitForNamed("groundProfileDialog"), nullptr);
+  program.user.key(Qt::Key_Return);
+  ASSERT_TRUE(program.user.waitFor([&] { return drawingOf(program).siteless.alignments[0]->profiles.size() == 1; }));
+  start(program, "newPointGroup");
+  QWidget* const dialog = program.waitForNamed("pointGroupDialog");
+  ASSERT_NE(dialog, nullptr);
+  retype(program, part<QLineEdit>(dialog, "groupName"), "Trees");
+  retype(program, part<QLineEdit>(dialog, "filter_description"), "TREE*");
+  auto* const count = part<QLabel>(dialog, "groupCount");
+  ASSERT_TRUE(program.user.waitFor([&] { return count->text() == QStringLiteral("3 points in the group."); }));
+  program.user.key(Qt::Key_Return);
+  ASSERT_TRUE(program.user.waitFor([&] { return drawingOf(program).pointGroups.size() == 1; }));
+  start(program, "save");
+  ASSERT_TRUE(program.user.waitFor([&] { return !program.window->isWindowModified(); }));
+
+  const civil::Drawing read = landxml::readDrawing(all.toStdString());
+  const auto& profiles = read.siteless.alignments.at(0)->profiles;
+  ASSERT_EQ(profiles.size(), 1U);
+  EXPECT_EQ(profiles[0].name, "Ground");
+  EXPECT_TRUE(profiles[0].profile.isGround());
+  EXPECT_NEAR(profiles[0].profile.elevationAt(40.0).value_or(0.0), 5.0, 1e-9);
+  ASSERT_EQ(read.pointGroups.size(), 1U);
+  EXPECT_EQ(read.pointGroups[0].name, "Trees");
+  EXPECT_EQ(read.pointGroups[0].numbers, (std::vector<std::int32_t>{1, 2, 4}));
+}
+
+TEST_F(Maker, TheMenuOfThePlanOffersAGroupAtAPoint) {
+  ProgramWindow program(all);
+  auto* const plan = onGui([&] { return &program.window->plan(); });
+  const auto pixelOf = [&](civil::Vec2 place) {
+    return onGui([&] {
+      const civil::Vec2 pixel = plan->viewport().toPixels(place);
+      return QPoint(static_cast<int>(std::lround(pixel.x)), static_cast<int>(std::lround(pixel.y)));
+    });
+  };
+  // Point 5 stands at 90 north, 80 east, beyond the ground.
+  program.user.click(plan, pixelOf({80.0, 90.0}), Qt::RightButton);
+  QMenu* menu = nullptr;
+  ASSERT_TRUE(program.user.waitFor([&] {
+    menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    return menu != nullptr && !menu->actions().isEmpty();
+  }));
+  const QRect entry = onGui([&] {
+    for (QAction* const action : menu->actions())
+      if (action->objectName() == QLatin1String("planNewPointGroupOfSelection")) return menu->actionGeometry(action);
+    return QRect();
+  });
+  ASSERT_TRUE(entry.isValid());
+  program.user.click(menu, entry.center());
+  auto* const prompt = program.part<QLabel>("consolePrompt");
+  EXPECT_TRUE(program.user.waitFor([&] { return prompt->text().startsWith(QStringLiteral("Select points")); }));
+}
+
 TEST_F(Maker, TheTreeOffersWhatFitsARow) {
   ProgramWindow program(all);
   ASSERT_TRUE(chooseInTree(program, "Road", "treeNewProfile"));
   ASSERT_NE(program.waitForNamed("groundProfileDialog"), nullptr);
+  program.user.key(Qt::Key_Escape);
+  ASSERT_TRUE(program.user.waitFor([&] { return QApplication::activeModalWidget() == nullptr; }));
+  ASSERT_TRUE(chooseInTree(program, "Road", "menuNewLines")) << "one menu has all";
+  ASSERT_NE(program.waitForNamed("sampleLinesDialog"), nullptr);
   program.user.key(Qt::Key_Escape);
   ASSERT_TRUE(program.user.waitFor([&] { return QApplication::activeModalWidget() == nullptr; }));
   ASSERT_TRUE(chooseInTree(program, "Point groups", "treeNewPointGroup"));

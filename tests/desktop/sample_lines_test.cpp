@@ -198,6 +198,8 @@ TEST_F(SampleLinesTest, CanBeEditedByTheirRulesRenamedAndDeleted) {
   ASSERT_NE(dialog, nullptr);
   EXPECT_EQ(onGui([&] { return dialog->findChild<QLineEdit*>(QStringLiteral("linesEvery"))->text().toStdString(); }),
             "50");
+  EXPECT_TRUE(onGui([&] { return dialog->findChild<QLabel*>(QStringLiteral("linesAnew"))->isVisible(); }))
+      << "lines that were changed by hand go";
   type(dialog, "linesName", "Renamed");
   type(dialog, "linesEvery", "25");
   accept(dialog);

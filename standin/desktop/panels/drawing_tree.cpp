@@ -418,14 +418,6 @@ DrawingTree::DrawingTree(QWidget* parent)
   });
   connect(view_, &QTreeView::clicked, this,
           [this](const QModelIndex& index) { Q_EMIT clicked(index.data(DrawingTreeModel::HandleRole).toULongLong()); });
-  view_->setContextMenuPolicy(Qt::CustomContextMenu);
-  connect(view_, &QTreeView::customContextMenuRequested, this, [this](QPoint place) {
-    // By the keyboard it is asked for in the middle of the view, and means the current row.
-    QModelIndex index = view_->indexAt(place);
-    if (!index.isValid()) index = view_->currentIndex();
-    const quint64 handle = index.data(DrawingTreeModel::HandleRole).toULongLong();
-    if (handle != 0) Q_EMIT menuWanted(handle, view_->viewport()->mapToGlobal(view_->visualRect(index).center()));
-  });
   connect(view_, &QTreeView::doubleClicked, this, [this](const QModelIndex& index) {
     const quint64 handle = index.data(DrawingTreeModel::HandleRole).toULongLong();
     if (handle == 0)

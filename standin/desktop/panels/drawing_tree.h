@@ -96,8 +96,6 @@ class DrawingTree : public QWidget {
   void clicked(quint64 handle);
   /// Double click, or Enter.
   void activated(quint64 handle);
-  /// A menu is asked for on an object's row, at a place of the screen.
-  void menuWanted(quint64 handle, QPoint global);
   /// The user asks for a row's menu: who has something to offer there adds it. Shown if anybody did. What an action does
   /// begins from the event loop if it waits for the user.
   void menuOpening(QMenu& menu, const lvx::desktop::TreeRow& row);

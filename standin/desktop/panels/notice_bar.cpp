@@ -45,6 +45,8 @@ void NoticeBar::tell(const QString& text, const QString& first, const QString& s
   show();
 }
 
+QString NoticeBar::text() const { return text_->text(); }
+
 void NoticeBar::colour() {
   QPalette palette = this->palette();
   palette.setColor(QPalette::Window, isDark() ? QColor(0x4a, 0x3b, 0x14) : QColor(0xff, 0xf1, 0xc9));

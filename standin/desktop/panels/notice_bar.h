@@ -14,6 +14,8 @@ class NoticeBar : public QFrame {
   explicit NoticeBar(QWidget* parent = nullptr);
   /// Replaces what stands there. `first` is the button that does something; `second` closes the bar.
   void tell(const QString& text, const QString& first, const QString& second);
+  /// What stands there.
+  [[nodiscard]] QString text() const;
 
  Q_SIGNALS:
   void accepted();

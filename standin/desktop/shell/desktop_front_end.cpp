@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QEventLoop>
+#include <string_view>
 #include <utility>
 
 #include "desktop/common/qt_text.h"
@@ -10,6 +11,7 @@
 #include "desktop/panels/help_window.h"
 #include "desktop/plan/plan_view.h"
 #include "desktop/shell/long_work.h"
+#include "host/dialog_controls.h"
 #include "runtime/standin_run_time.h"
 
 namespace lvx::desktop {
@@ -41,6 +43,26 @@ std::optional<civil::ObjectKind> kindOf(const CString& classTag) {
   return std::nullopt;
 }
 
+/// A dialog that tells when its user accepts it.
+class AcceptWatch final : public host::DialogBehaviour {
+ public:
+  using Told = std::function<void(const host::DialogWindow& window)>;
+  AcceptWatch(host::DialogBehaviour& dialog, Told told) : dialog_(dialog), told_(std::move(told)) {}
+
+  [[nodiscard]] const host::DialogTemplate& dialogTemplate() const override { return dialog_.dialogTemplate(); }
+  void onOpening(host::DialogWindow& window) override { dialog_.onOpening(window); }
+  void onClick(host::DialogWindow& window, int id) override {
+    if (id == host::kIdOk) told_(window);
+    dialog_.onClick(window, id);
+  }
+  void onSelectionChanged(host::DialogWindow& window, int id) override { dialog_.onSelectionChanged(window, id); }
+  void onTextChanged(host::DialogWindow& window, int id) override { dialog_.onTextChanged(window, id); }
+
+ private:
+  host::DialogBehaviour& dialog_;
+  Told told_;
+};
+
 }  // namespace
 
 DesktopFrontEnd::DesktopFrontEnd(QWidget& window, PlanView& plan, LongWork& work, std::filesystem::path helpFolder)
@@ -63,7 +85,11 @@ void DesktopFrontEnd::askAgain() {
 int DesktopFrontEnd::runModal(host::DialogBehaviour& dialog, void* parent) {
   const LongWork::Question question(work_);
   if (!givenUp_) Q_EMIT dialogOpening();
-  return dialogs_.runModal(dialog, parent);
+  const std::string_view name = dialog.dialogTemplate().name;
+  AcceptWatch watched(dialog, [&](const host::DialogWindow& window) {
+    Q_EMIT dialogAccepting(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())), window);
+  });
+  return dialogs_.runModal(watched, parent);
 }
 
 void DesktopFrontEnd::console(const CString& text) { Q_EMIT printed(toQt(text)); }
@@ -102,7 +128,9 @@ std::optional<civil::Handle> DesktopFrontEnd::pickEntity(const CString& prompt) 
 std::optional<std::vector<civil::Handle>> DesktopFrontEnd::selectEntities(const CString& addPrompt,
                                                                           const CString& removePrompt,
                                                                           const CString& classTag) {
-  return select(toQt(addPrompt), toQt(removePrompt), kindOf(classTag), {});
+  auto selected = select(toQt(addPrompt), toQt(removePrompt), kindOf(classTag), {});
+  Q_EMIT selectedForCommand(selected.value_or(std::vector<civil::Handle>{}));
+  return selected;
 }
 
 std::optional<std::vector<civil::Handle>> DesktopFrontEnd::selectPoints(const QString& addPrompt,

@@ -63,6 +63,11 @@ class DesktopFrontEnd final : public QObject, public runtime::FrontEnd, private 
   void printed(const QString& text);
   /// A dialog of the running command is about to open.
   void dialogOpening();
+  /// The user accepts a dialog of the running command, called `name`, with what stands in its controls; before the dialog
+  /// itself takes it.
+  void dialogAccepting(const QString& name, const lvx::host::DialogWindow& window);
+  /// The user selected objects for the running command; empty where they gave it up.
+  void selectedForCommand(const std::vector<lvx::civil::Handle>& handles);
   /// isPicking() is another.
   void pickingChanged();
 

@@ -32,7 +32,9 @@ civil::Handle Edits::make(const QString& name, civil::ReversibleChangePtr change
     QMessageBox box(QMessageBox::Warning, tr("The drawing can't be changed so"), tr("“%1” can't be done.").arg(name),
                     QMessageBox::Ok, &window_);
     box.setObjectName(QStringLiteral("editFailed"));
-    box.setInformativeText(problem);
+    box.setInformativeText(
+        tr("What it is about isn't there any more, or its name is taken. The drawing is as it was. In detail: %1.")
+            .arg(problem));
     box.exec();
   }
   return about;

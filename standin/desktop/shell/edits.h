@@ -30,7 +30,7 @@ class Edits : public QObject {
   /// A drawing is open, and nothing runs that a change would be in the way of.
   [[nodiscard]] bool isPossible() const;
   /// Makes a change called `name` in menus, in the user's language. Gives what it is about, 0 where it can't be made: a box
-  /// over the window said why. Check names and the like before: what a box says here is English.
+  /// over the window said why. Check names and the like before: the detail that a box says here is English.
   civil::Handle make(const QString& name, civil::ReversibleChangePtr change);
   void undo();
   void redo();

@@ -34,6 +34,7 @@
 #include "desktop/shell/long_work.h"
 #include "desktop/shell/look_menus.h"
 #include "desktop/shell/object_maker.h"
+#include "desktop/shell/report_adviser.h"
 #include "desktop/shell/report_outcome.h"
 #include "desktop/shell/sample_line_editing.h"
 #include "desktop/shell/scheme_menu.h"
@@ -77,6 +78,7 @@ MainWindow::MainWindow(const DesktopOptions& options)
           ObjectMakerSurroundings{*this, *session_, *document_, views_->selection(), *frontEnd_, *edits_})),
       actions_(std::make_unique<WindowActions>(*this, *settings_, options.scheme)),
       prompt_(std::make_unique<CommandPrompt>(*panels_.console, *panels_.plan, *session_, *document_, *frontEnd_)),
+      adviser_(std::make_unique<ReportAdviser>(*session_, *panels_.console, *panels_.notice)),
       outcome_(std::make_unique<ReportOutcome>(*this, *panels_.console, *leave_,
                                                options.choices.reportCodePage.value_or(""))),
       closeWatch_(std::make_unique<CloseWatch>(*this)) {
@@ -122,6 +124,8 @@ void MainWindow::connectDocument() {
   connect(panels_.diagnostics, &DiagnosticsView::lineWanted, this, &MainWindow::showLine);
   connect(panels_.tree, &DrawingTree::menuOpening, composer_.get(), &DrawingComposer::offerIn);
   connect(panels_.tree, &DrawingTree::menuOpening, maker_.get(), &ObjectMaker::offerIn);
+  connect(panels_.tree, &DrawingTree::menuOpening, this,
+          [this](QMenu& menu, const TreeRow& row) { lines_->addEntries(menu, row.handle, {}); });
   recent_->offerIn(actions_->recentMenu());
   connect(recent_.get(), &RecentDrawings::chosen, this, &MainWindow::openDrawing);
 }
@@ -139,8 +143,6 @@ void MainWindow::connectActions() {
   actions_->onTrigger(WindowAction::EditLines, [this] { lines_->askEdit(); });
   actions_->onTrigger(WindowAction::AddLine, [this] { lines_->askAdd(); });
   actions_->onTrigger(WindowAction::Delete, [this] { lines_->remove(); });
-  connect(panels_.tree, &DrawingTree::menuWanted, this,
-          [this](quint64 handle, QPoint global) { showMenu(handle, {}, global); });
   connect(panels_.plan, &PlanView::menuWanted, this,
           [this](quint64 handle, QPointF place, QPoint global) { showMenu(handle, place, global); });
   actions_->onTrigger(WindowAction::NewProfile, [this] { maker_->askProfile(); });
@@ -173,6 +175,9 @@ void MainWindow::connectCommands() {
     // The dialog comes back at once, as in the CAD program; beside it stands why.
     if (const QString folder = session_->takeMissingFolder(); !folder.isEmpty()) outcome_->printMissingFolder(folder);
   });
+  connect(frontEnd_.get(), &DesktopFrontEnd::selectedForCommand, adviser_.get(), &ReportAdviser::selectPoints);
+  connect(frontEnd_.get(), &DesktopFrontEnd::dialogAccepting, adviser_.get(), &ReportAdviser::accept);
+  connect(session_.get(), &Session::commandStarted, adviser_.get(), &ReportAdviser::begin);
   connect(session_.get(), &Session::commandStarted, this, &MainWindow::updateState);
   connect(frontEnd_.get(), &DesktopFrontEnd::pickingChanged, this, [this] {
     // Within a command its start and its end tell.
@@ -254,15 +259,16 @@ void MainWindow::runCommand(const QString& name) {
   views_->refresh();
   panels_.console->setPrompt({});
   updateState();
-  outcome_->tell(report, document_->isChanged());
+  outcome_->tell(report, document_->isChanged(), adviser_->end(report));
   leave_->follow();
 }
 
-void MainWindow::showMenu(civil::Handle handle, std::optional<QPointF> place, QPoint global) {
-  if (isBusy()) return;
+void MainWindow::showMenu(civil::Handle handle, QPointF place, QPoint global) {
+  if (isBusy() || !document_->isOpen()) return;
   QMenu menu(this);
   menu.setObjectName(QStringLiteral("objectMenu"));
   lines_->addEntries(menu, handle, place);
+  maker_->offerInPlan(menu, handle);
   if (!menu.isEmpty()) menu.exec(global);
 }
 

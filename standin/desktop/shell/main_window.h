@@ -27,6 +27,7 @@ class LongWork;
 class ObjectMaker;
 class PlaceLine;
 class RecentDrawings;
+class ReportAdviser;
 class ReportOutcome;
 class SampleLineEditing;
 class WindowActions;
@@ -49,6 +50,7 @@ class WindowActions;
 /// - Edits: what the user changes in the drawing, to be undone and redone
 /// - SampleLineEditing: groups of sample lines and single ones
 /// - Session, DesktopFrontEnd, LongWork: the module's commands, their questions, their progress
+/// - ReportAdviser: what a report doesn't say by itself
 /// - ReportOutcome: what came of a command
 class MainWindow : public QMainWindow {
   Q_OBJECT
@@ -86,7 +88,7 @@ class MainWindow : public QMainWindow {
   /// Something runs that nothing else can begin beside.
   [[nodiscard]] bool isBusy() const;
   void runCommand(const QString& name);
-  void showMenu(civil::Handle handle, std::optional<QPointF> place, QPoint global);
+  void showMenu(civil::Handle handle, QPointF place, QPoint global);
   void showLine(quint32 file, quint64 line);
   void showAbout();
 
@@ -109,6 +111,7 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<ObjectMaker> maker_;
   std::unique_ptr<WindowActions> actions_;
   std::unique_ptr<CommandPrompt> prompt_;
+  std::unique_ptr<ReportAdviser> adviser_;
   std::unique_ptr<ReportOutcome> outcome_;
   std::unique_ptr<CloseWatch> closeWatch_;
 };

@@ -65,22 +65,37 @@ void ObjectMaker::addGroup(const QString& name, std::vector<std::int32_t> number
   at_.edits.make(tr("New point group “%1”").arg(name), civil::addingPointGroup(toUtf8(name), std::move(numbers)));
 }
 
+void ObjectMaker::offer(QMenu& menu, const char* name, const QString& text, void (ObjectMaker::*work)()) {
+  QAction* const action = menu.addAction(text);
+  action->setObjectName(QLatin1String(name));
+  action->setEnabled(isPossible());
+  connect(action, &QAction::triggered, this, work, Qt::QueuedConnection);
+}
+
 void ObjectMaker::offerIn(QMenu& menu, const TreeRow& row) {
   if (!at_.document.isOpen()) return;
   std::optional<civil::ObjectKind> kind;
   if (const auto entry = at_.session.drawing()->index().byHandle(row.handle)) kind = entry->kind();
-  const auto offer = [&](const char* name, const QString& text, void (ObjectMaker::*work)()) {
-    QAction* const action = menu.addAction(text);
-    action->setObjectName(QLatin1String(name));
-    action->setEnabled(isPossible());
-    connect(action, &QAction::triggered, this, work, Qt::QueuedConnection);
-  };
   if (kind == civil::ObjectKind::Alignment || kind == civil::ObjectKind::Surface)
-    offer("treeNewProfile", tr("&Profile from surface…"), &ObjectMaker::askProfile);
+    offer(menu, "treeNewProfile", tr("&Profile from surface…"), &ObjectMaker::askProfile);
   if (kind == civil::ObjectKind::PointGroup || row.kind == TreeRow::Kind::PointGroupsHeading) {
-    offer("treeNewPointGroup", tr("Point group from &filter…"), &ObjectMaker::askPointGroup);
-    offer("treeNewPointGroupOfSelection", tr("Point group from &selection…"), &ObjectMaker::askPointGroupOfSelection);
+    offer(menu, "treeNewPointGroup", tr("Point group from &filter…"), &ObjectMaker::askPointGroup);
+    offer(menu, "treeNewPointGroupOfSelection", tr("Point group from &selection…"),
+          &ObjectMaker::askPointGroupOfSelection);
   }
+}
+
+void ObjectMaker::offerInPlan(QMenu& menu, civil::Handle handle) {
+  if (!at_.document.isOpen()) return;
+  const civil::DrawingIndex& index = at_.session.drawing()->index();
+  const auto isPoint = [&index](civil::Handle object) {
+    const auto entry = index.byHandle(object);
+    return entry && entry->kind() == civil::ObjectKind::Point;
+  };
+  const std::vector<civil::Handle> selected = at_.selection.shown();
+  if (isPoint(handle) || (!selected.empty() && isPoint(selected.front())))
+    offer(menu, "planNewPointGroupOfSelection", tr("Point group from &selection…"),
+          &ObjectMaker::askPointGroupOfSelection);
 }
 
 }  // namespace lvx::desktop

@@ -42,10 +42,13 @@ class ObjectMaker : public QObject {
   void askPointGroupOfSelection();
   /// Fills a menu of the tree.
   void offerIn(QMenu& menu, const TreeRow& row);
+  /// Fills a menu of the plan at an object, 0 for none: a group of points, where one is there or points are selected.
+  void offerInPlan(QMenu& menu, civil::Handle handle);
 
  private:
   [[nodiscard]] bool isPossible() const;
   [[nodiscard]] const civil::Drawing& drawing() const;
+  void offer(QMenu& menu, const char* name, const QString& text, void (ObjectMaker::*work)());
   void addGroup(const QString& name, std::vector<std::int32_t> numbers);
 
   ObjectMakerSurroundings at_;

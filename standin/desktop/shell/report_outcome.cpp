@@ -38,13 +38,13 @@ ReportOutcome::ReportOutcome(QWidget& window, ConsoleView& console, const LeaveW
   connect(&console_, &ConsoleView::linkActivated, this, &ReportOutcome::activateLink);
 }
 
-void ReportOutcome::tell(const CommandReport& report, bool hasUnsavedSections) {
+void ReportOutcome::tell(const CommandReport& report, bool hasUnsavedSections, const QStringList& changes) {
   const QStringList failed = printFiles(report);
-  printEnd(report);
+  printEnd(report, changes);
   if (hasUnsavedSections) console_.print(tr("The drawing has new sections that aren't saved yet."));
   if (!leave_.isThere() && !report.missingFolder.isEmpty()) tellMissingFolder(report.missingFolder);
   if (!leave_.isThere() && !failed.isEmpty() && !report.interrupted)
-    tellNotWritten(ReportNames::title(report.name), failed);
+    tellNotWritten(ReportNames::title(report.name), failed, changes);
 }
 
 QStringList ReportOutcome::printFiles(const CommandReport& report) {
@@ -69,7 +69,7 @@ QStringList ReportOutcome::printFiles(const CommandReport& report) {
   return failed;
 }
 
-void ReportOutcome::printEnd(const CommandReport& report) {
+void ReportOutcome::printEnd(const CommandReport& report, const QStringList& changes) {
   const QString title = ReportNames::title(report.name);
   if (report.interrupted)
     console_.print(tr("%1 was cancelled; no unfinished file was left.").arg(title));
@@ -77,16 +77,18 @@ void ReportOutcome::printEnd(const CommandReport& report) {
     console_.printError(tr("%1 ended by an exception: %2").arg(title, report.exception));
   else if (report.files.empty())
     console_.print(tr("%1 ended and wrote nothing.").arg(title));
+  for (const QString& change : changes) console_.printError(change);
 }
 
-void ReportOutcome::tellNotWritten(const QString& title, const QStringList& failed) {
+void ReportOutcome::tellNotWritten(const QString& title, const QStringList& failed, const QStringList& changes) {
   QMessageBox box(QMessageBox::Warning, tr("Not everything was written"),
                   tr("%1 could not write %n file(s).", nullptr, static_cast<int>(failed.size())).arg(title),
                   QMessageBox::Ok, &window_);
   box.setObjectName(QLatin1String(kBoxName));
   box.setInformativeText(failed.join(QLatin1Char('\n')) + QStringLiteral("\n\n") +
                          tr("Run the report again and choose a folder that you may write to and that has room. What "
-                            "stood under these names is as it was."));
+                            "stood under these names is as it was.") +
+                         (changes.isEmpty() ? QString() : QStringLiteral("\n\n") + changes.join(QLatin1Char('\n'))));
   box.exec();
 }
 

@@ -232,6 +232,15 @@ void SampleLinesDialog::build() {
   result_->setMinimumHeight(2 * result_->fontMetrics().lineSpacing());
   result_->setAccessibleName(tr("What the rules give"));
   layout()->addWidget(result_);
+  if (group_ != 0) {
+    auto* const note =
+        new QLabel(tr("OK makes all lines of the group anew. Lines that were added, deleted or pulled by hand are as "
+                      "the rules make them then; Undo brings them back."));
+    note->setObjectName(QStringLiteral("linesAnew"));
+    note->setWordWrap(true);
+    note->setTextFormat(Qt::PlainText);
+    layout()->addWidget(note);
+  }
   buttons_ = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
   layout()->addWidget(buttons_);
   connect(buttons_, &QDialogButtonBox::accepted, this, &SampleLinesDialog::tryAccept);
@@ -471,7 +480,7 @@ void SampleLinesDialog::makeLines() {
     border = &drawing_->drawing().surfaces[static_cast<std::size_t>(row)].surface;
   try {
     maker_.start(drawing_, object->geometry, border, rules_, sampleLineStations(rules_, object->geometry, profile));
-  } catch (const civil::SampleLineError& error) {
+  } catch (const civil::SampleLineError&) {
     const bool setsLines = rules_.every > 0.0 || rules_.ends || rules_.elements || rules_.intersectionPoints ||
                            rules_.curveEnds || !rules_.stations.empty();
     const bool isTooMany =
@@ -482,7 +491,7 @@ void SampleLinesDialog::makeLines() {
       fail(every_, tr("This gives more than %1 lines.").arg(civil::kMostSampleLines));
       result_->setText(tr("Something is missing above."));
     } else {
-      result_->setText(tr("These rules give no line here (%1).").arg(toQt(std::string(error.what()))));
+      result_->setText(tr("These rules give no line here."));
     }
     maker_.stop();
     Q_EMIT previewed(nullptr);

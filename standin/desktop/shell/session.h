@@ -52,6 +52,9 @@ class Session : public QObject {
   /// Empty where none is open.
   [[nodiscard]] const runtime::OpenDrawingRef& drawing() const { return host_->openDrawing(); }
 
+  /// What the module works with.
+  [[nodiscard]] runtime::StandinHost& host() { return *host_; }
+
   /// Names of the module's commands.
   [[nodiscard]] QStringList commands() const;
   /// The command that a user means by a name, in any case; empty where there is none.

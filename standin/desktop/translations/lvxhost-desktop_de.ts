@@ -701,6 +701,10 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <source>“%1” can&apos;t be done.</source>
         <translation>„%1“ ist nicht möglich.</translation>
     </message>
+    <message>
+        <source>What it is about isn&apos;t there any more, or its name is taken. The drawing is as it was. In detail: %1.</source>
+        <translation>Was es betrifft, gibt es nicht mehr, oder der Name ist vergeben. Die Zeichnung ist wie zuvor. Im Einzelnen: %1.</translation>
+    </message>
 </context>
 <context>
     <name>lvx::desktop::GroundProfileDialog</name>
@@ -1174,6 +1178,35 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     </message>
 </context>
 <context>
+    <name>lvx::desktop::ReportAdviser</name>
+    <message numerus="yes">
+        <source>%n more odd thing(s) in what the report is of; see Diagnostics.</source>
+        <translation>
+            <numerusform>%n weitere Auffälligkeit in dem, was der Bericht zeigt; siehe Diagnosen.</numerusform>
+            <numerusform>%n weitere Auffälligkeiten in dem, was der Bericht zeigt; siehe Diagnosen.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Warning: %1.</source>
+        <translation>Warnung: %1.</translation>
+    </message>
+    <message>
+        <source>The command ends where its workbook can&apos;t be saved, so that a page behind it is missing too. Choose a place that can be written, or leave the workbook out.</source>
+        <translation>Der Befehl endet, wo sich seine Arbeitsmappe nicht speichern lässt, so dass auch die Seite danach fehlt. Wählen Sie einen Ort, an den Sie schreiben dürfen, oder lassen Sie die Arbeitsmappe weg.</translation>
+    </message>
+    <message numerus="yes">
+        <source>(%n more in the console)</source>
+        <translation>
+            <numerusform>(%n weitere in der Konsole)</numerusform>
+            <numerusform>(%n weitere in der Konsole)</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+</context>
+<context>
     <name>lvx::desktop::ReportOutcome</name>
     <message>
         <source>The drawing has new sections that aren&apos;t saved yet.</source>
@@ -1586,10 +1619,6 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <source>This gives more than %1 lines.</source>
         <translation>Das ergibt mehr als %1 Querprofile.</translation>
     </message>
-    <message>
-        <source>These rules give no line here (%1).</source>
-        <translation>Diese Regeln ergeben hier kein Querprofil (%1).</translation>
-    </message>
     <message numerus="yes">
         <source>%n line(s) so far…</source>
         <translation>
@@ -1603,6 +1632,14 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
             <numerusform>%n Querprofil: %1</numerusform>
             <numerusform>%n Querprofile: %1</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>OK makes all lines of the group anew. Lines that were added, deleted or pulled by hand are as the rules make them then; Undo brings them back.</source>
+        <translation>OK macht alle Querprofile der Gruppe neu. Was von Hand ergänzt, gelöscht oder gezogen wurde, ist dann so, wie die Regeln es machen; Rückgängig holt es zurück.</translation>
+    </message>
+    <message>
+        <source>These rules give no line here.</source>
+        <translation>Diese Regeln ergeben hier kein Querprofil.</translation>
     </message>
 </context>
 <context>

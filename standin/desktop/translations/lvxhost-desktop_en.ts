@@ -66,6 +66,23 @@
     </message>
 </context>
 <context>
+    <name>lvx::desktop::ReportAdviser</name>
+    <message numerus="yes">
+        <source>%n more odd thing(s) in what the report is of; see Diagnostics.</source>
+        <translation>
+            <numerusform>%n more odd thing in what the report is of; see Diagnostics.</numerusform>
+            <numerusform>%n more odd things in what the report is of; see Diagnostics.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>(%n more in the console)</source>
+        <translation>
+            <numerusform>(%n more in the console)</numerusform>
+            <numerusform>(%n more in the console)</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>lvx::desktop::ReportOutcome</name>
     <message numerus="yes">
         <source>%1 could not write %n file(s).</source>

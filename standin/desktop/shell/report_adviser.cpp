@@ -1,0 +1,87 @@
+#include "desktop/shell/report_adviser.h"
+
+#include <algorithm>
+
+#include "advice/exception_advice.h"
+#include "desktop/common/qt_text.h"
+#include "desktop/panels/console_view.h"
+#include "desktop/panels/notice_bar.h"
+#include "desktop/shell/session.h"
+
+namespace lvx::desktop {
+
+namespace {
+
+/// Diagnostics of a report's objects that the console shows; all stand in their panel.
+constexpr std::size_t kMostDiagnostics = 10;
+
+}  // namespace
+
+ReportAdviser::ReportAdviser(Session& session, ConsoleView& console, NoticeBar& notice)
+    : session_(session), console_(console), notice_(notice) {}
+
+ReportAdviser::~ReportAdviser() = default;
+
+void ReportAdviser::begin() {
+  picked_.clear();
+  choices_.reset();
+  told_.clear();
+  if (!inBar_.isEmpty() && notice_.text() == inBar_) notice_.hide();
+  inBar_.clear();
+}
+
+void ReportAdviser::accept(const QString& dialog, const host::DialogWindow& window) {
+  if (!session_.drawing()) return;
+  const civil::Drawing& drawing = session_.drawing()->drawing();
+  choices_ = advice::choicesIn(toUtf8(dialog), window, drawing, session_.drawing()->index(), picked_);
+  if (!choices_) return;
+
+  const advice::SortedDiagnostics diagnostics = advice::diagnosticsOf(drawing, choices_->objects);
+  const std::size_t shown = std::min(diagnostics.ofReport.size(), kMostDiagnostics);
+  for (std::size_t i = 0; i < shown; ++i) tell(toQt(diagnostics.ofReport[i]->text));
+  if (diagnostics.ofReport.size() > shown)
+    tell(tr("%n more odd thing(s) in what the report is of; see Diagnostics.", nullptr,
+            static_cast<int>(diagnostics.ofReport.size() - shown)));
+
+  QStringList warnings;
+  if (const std::string reason = advice::whyOutOfReach(choices_->objects); !reason.empty()) warnings << toQt(reason);
+  for (const std::string& warning : advice::warnings(drawing, choices_->objects, choices_->stem, choices_->forms,
+                                                     session_.host().platform(), advice::HintsFor::Desktop))
+    warnings << toQt(warning);
+  for (const QString& warning : warnings) tell(tr("Warning: %1.").arg(warning));
+  showInBar(warnings);
+}
+
+QStringList ReportAdviser::end(const CommandReport& report) {
+  QStringList changes;
+  if (!report.exception.isEmpty() && !report.interrupted) {
+    if (choices_)
+      for (const std::string& sentence : advice::whatToChange(choices_->objects, advice::messagesOf(session_.host())))
+        changes << toQt(sentence) + QLatin1Char('.');
+    for (const runtime::FileEvent& event : report.files)
+      if (event.fate == runtime::FileFate::Failed && toQt(event.path).endsWith(QLatin1String(".xls")))
+        changes << tr(
+            "The command ends where its workbook can't be saved, so that a page behind it is missing too. "
+            "Choose a place that can be written, or leave the workbook out.");
+  }
+  choices_.reset();
+  if (!changes.isEmpty()) showInBar(changes);
+  return changes;
+}
+
+void ReportAdviser::tell(const QString& sentence) {
+  if (told_.contains(sentence)) return;
+  told_ << sentence;
+  console_.printError(sentence);
+}
+
+void ReportAdviser::showInBar(const QStringList& sentences) {
+  const bool isAnothers = notice_.isVisible() && notice_.text() != inBar_;
+  if (sentences.isEmpty() || isAnothers) return;
+  inBar_ = sentences.front();
+  if (sentences.size() > 1)
+    inBar_ += QLatin1Char(' ') + tr("(%n more in the console)", nullptr, static_cast<int>(sentences.size() - 1));
+  notice_.tell(inBar_, {}, tr("Close"));
+}
+
+}  // namespace lvx::desktop
