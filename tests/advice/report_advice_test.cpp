@@ -118,7 +118,7 @@ TEST(ReportAdvice, NamesTheMenuOfTheDesktopWhereItIsForThat) {
   ReportObjects objects;
   objects.alignment = &alignment;
   objects.surface = &surface;
-  platform::PosixPlatform platform({});
+  platform::PosixPlatform platform{platform::PosixSettings{}};
   EXPECT_THAT(warnings(drawing, objects, "out", {}, platform, HintsFor::Desktop),
               ElementsAre(HasSubstr("; with northing and easting of 'ground.xml' swapped they would: see the menu of "
                                     "the file in the tree")));

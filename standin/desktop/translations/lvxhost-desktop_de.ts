@@ -1182,8 +1182,8 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message numerus="yes">
         <source>%n more odd thing(s) in what the report is of; see Diagnostics.</source>
         <translation>
-            <numerusform>%n weitere Auffälligkeit in dem, was der Bericht zeigt; siehe Diagnosen.</numerusform>
-            <numerusform>%n weitere Auffälligkeiten in dem, was der Bericht zeigt; siehe Diagnosen.</numerusform>
+            <numerusform>%n weitere Auffälligkeit in dem, was der Bericht zeigt; siehe Diagnose.</numerusform>
+            <numerusform>%n weitere Auffälligkeiten in dem, was der Bericht zeigt; siehe Diagnose.</numerusform>
         </translation>
     </message>
     <message>
