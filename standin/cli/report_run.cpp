@@ -57,8 +57,8 @@ struct Expected {
   bool stood = false;  ///< something stood there before the command
 };
 
-/// What became of one form, on standard output or standard error.
-bool tellOutcome(const runtime::StandinHost& host, const Expected& expected, bool quiet) {
+/// What became of one form, on standard output or standard error. A command that didn't end by itself asked about no file.
+bool tellOutcome(const runtime::StandinHost& host, const Expected& expected, bool hasEnded, bool quiet) {
   const runtime::FileEvent* event = host.journal().last(expected.path);
   if (event != nullptr && event->fate == runtime::FileFate::Written) {
     if (!quiet) print(expected.path + "  " + std::to_string(event->bytes) + " bytes\n");
@@ -66,6 +66,8 @@ bool tellOutcome(const runtime::StandinHost& host, const Expected& expected, boo
   }
   if (event != nullptr && event->fate == runtime::FileFate::Failed)
     say("can't write '" + expected.path + "': " + event->reason);
+  else if (event == nullptr && expected.stood && !hasEnded)
+    say("'" + expected.path + "' was not written; what stood there still does");
   else if (event == nullptr && expected.stood)
     say("kept '" + expected.path + "', which exists; --overwrite replaces it");
   else
@@ -170,7 +172,7 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, cons
     return kNotWritten;
   }
   bool complete = true;
-  for (const Expected& form : expected) complete = tellOutcome(*host, form, common.quiet) && complete;
+  for (const Expected& form : expected) complete = tellOutcome(*host, form, endedBy.empty(), common.quiet) && complete;
   if (!endedBy.empty()) {
     say("the command ended by an exception: " + endedBy);
     tellWhatToChange(*host, planned.objects, stem);

@@ -131,6 +131,17 @@ TEST_F(GlsCommandTest, SaysWhatADrawingLacksForTheReport) {
   }
 }
 
+TEST_F(GlsCommandTest, SaysThatAnOlderFileStaysWhereTheCommandEndsByAnException) {
+  std::ofstream(folder_ / "small.xml") << smallDrawing("", "<PVI>0 10</PVI><PVI>100 12</PVI>");
+  std::ofstream(folder_ / "small.txt") << "older";
+  const RunResult result = run({"gls", "small.xml", "--alignment", "A", "--profile", "P", "--group", "g", "--out",
+                                "small", "--forms", "txt", "--overwrite"});
+  EXPECT_EQ(result.exitCode, 70);
+  EXPECT_THAT(result.errors, HasSubstr("'./small.txt' was not written; what stood there still does\n"));
+  EXPECT_THAT(result.errors, testing::Not(HasSubstr("--overwrite")));
+  EXPECT_EQ(fileBytes(folder_ / "small.txt"), "older");
+}
+
 TEST_F(GlsCommandTest, ReportsAnAlignmentWithoutACorridorBesideAnotherOnesCorridor) {
   const RunResult result = run({"gls", kExample, "--alignment", "Mill lane", "--profile", "Mill lane design", "--group",
                                 "Mill lane 25 m", "--out", "mill", "--forms", "txt"});
