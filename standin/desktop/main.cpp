@@ -1,8 +1,6 @@
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QFileInfo>
 #include <QLocale>
-#include <algorithm>
 #include <chrono>
 #include <clocale>
 #include <cstdio>
@@ -90,10 +88,8 @@ DrawingSources sourcesOf(const options::Options& values) {
   DrawingSources sources(paths);
   sources.convertUnits = values.files.convertUnits;
   for (const std::string& path : values.files.swapAxes) {
-    const QFileInfo wanted(QString::fromStdString(path));
-    const auto file = std::find_if(sources.files.begin(), sources.files.end(),
-                                   [&](const SourceFile& known) { return QFileInfo(known.path) == wanted; });
-    if (file == sources.files.end())
+    SourceFile* const file = sources.find(QString::fromStdString(path));
+    if (file == nullptr)
       throw Failure(QStringLiteral("--swap-axes names '%1', which is none of the drawing's files: %2.")
                         .arg(QString::fromStdString(path), paths.join(QStringLiteral(", "))));
     file->swapAxes = true;

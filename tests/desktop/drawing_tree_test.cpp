@@ -36,8 +36,8 @@ std::unique_ptr<civil::Drawing> makeDrawing() {
   north.handle = next++;
   north.name = "North & south";
   auto road = alignment("Main road");
-  road->profiles.push_back({next++, "Main design", {}, {}, {}});
-  civil::SampleLineGroup group{next++, "Sections", {}, {}, {}};
+  road->profiles.push_back({next++, "Main design", {}, {}});
+  civil::SampleLineGroup group{next++, "Sections", {}, {}};
   for (int line = 0; line < kManyLines; ++line) group.lines.push_back({next++, "SL " + std::to_string(line), 0.0, {}});
   road->sampleLineGroups.push_back(std::move(group));
   north.alignments.push_back(std::move(road));
@@ -45,7 +45,7 @@ std::unique_ptr<civil::Drawing> makeDrawing() {
   drawing->sites.push_back(std::move(north));
   drawing->sites.push_back({next++, "Empty site", {}, {}});
   drawing->siteless.alignments.push_back(alignment("Track"));
-  drawing->pointGroups.push_back({next++, "Trees", {}, {}, {1, 2, 3}});
+  drawing->pointGroups.push_back({next++, "Trees", {}, {1, 2, 3}});
   civil::Corridor corridor{next++, "Corridor", {}, {}};
   corridor.baselines.push_back({"Base", drawing->siteless.alignments.front().get(), nullptr, {{}, {}}});
   drawing->corridors.push_back(std::move(corridor));

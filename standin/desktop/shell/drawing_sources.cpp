@@ -4,6 +4,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <algorithm>
 
 namespace lvx::desktop {
 
@@ -14,6 +15,14 @@ constexpr QLatin1String kFiles("files");
 constexpr QLatin1String kPath("path");
 constexpr QLatin1String kSwapAxes("swapAxes");
 constexpr QLatin1String kConvertUnits("convertUnits");
+
+/// Files that aren't there have no place of their own to be compared by.
+bool leadToOneFile(const QString& a, const QString& b) {
+  const QFileInfo first(a);
+  const QFileInfo second(b);
+  if (first.absoluteFilePath() == second.absoluteFilePath()) return true;
+  return first.exists() && second.exists() && first.canonicalFilePath() == second.canonicalFilePath();
+}
 
 }  // namespace
 
@@ -33,11 +42,15 @@ QStringList DrawingSources::paths() const {
   return paths;
 }
 
+SourceFile* DrawingSources::find(const QString& path) {
+  const auto found =
+      std::find_if(files.begin(), files.end(), [&](const SourceFile& file) { return leadToOneFile(file.path, path); });
+  return found == files.end() ? nullptr : &*found;
+}
+
 bool DrawingSources::has(const QString& path) const {
-  const QFileInfo wanted(path);
-  for (const SourceFile& file : files)
-    if (QFileInfo(file.path) == wanted) return true;
-  return false;
+  return std::any_of(files.begin(), files.end(),
+                     [&](const SourceFile& file) { return leadToOneFile(file.path, path); });
 }
 
 QString DrawingSources::toSetting() const {

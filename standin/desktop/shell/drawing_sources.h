@@ -35,6 +35,8 @@ struct DrawingSources {
   /// "road.xml", "road.xml + 2 files"; empty without a file.
   [[nodiscard]] QString title() const;
   [[nodiscard]] QStringList paths() const;
+  /// The file that a path leads to, by whatever name; null where it is none of them.
+  [[nodiscard]] SourceFile* find(const QString& path);
   [[nodiscard]] bool has(const QString& path) const;
 
   /// A text for the settings: the path alone where that says all.
