@@ -16,7 +16,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-civil::AlignmentObject northward(const std::string& name, double x, double y, double length) {
+civil::AlignmentObject northward(const std::string& name, int x, int y, int length) {
   civil::AlignmentObject alignment;
   alignment.name = name;
   alignment.geometry = civil::Alignment::fromText("at " + std::to_string(x) + " " + std::to_string(y) +
