@@ -12,19 +12,14 @@ namespace lvx::civil {
 
 namespace {
 
-Handle firstNewHandle(const Drawing& drawing, std::size_t count) {
-  const Handle largest = largestHandle(drawing);
-  if (count >= std::numeric_limits<Handle>::max() - largest)
-    throw EditError("there are no handles left for new objects");
-  return largest + 1;
-}
-
-/// `kind` as in "sample line group"; `where` as in " of alignment 'A'", or empty.
+/// `kind` as in "sample line group"; `where` as in " of alignment 'A'", or empty. The object `except` may have the name.
 template <class Objects>
-void requireNewName(const Objects& objects, const std::string& name, std::string_view kind, const std::string& where) {
+void requireNewName(const Objects& objects, const std::string& name, std::string_view kind, const std::string& where,
+                    Handle except = 0) {
   if (name.empty()) throw EditError("a " + std::string(kind) + " needs a name");
-  const bool isTaken =
-      std::any_of(objects.begin(), objects.end(), [&](const auto& object) { return object.name == name; });
+  const bool isTaken = std::any_of(objects.begin(), objects.end(), [&](const auto& object) {
+    return object.name == name && (except == 0 || object.handle != except);
+  });
   if (isTaken) throw EditError("there is a " + std::string(kind) + " '" + name + "'" + where + " already");
 }
 
@@ -38,21 +33,20 @@ Handle largestHandle(const Drawing& drawing) {
   return largest;
 }
 
-AlignmentObject* changeable(Drawing& drawing, const AlignmentObject& alignment) {
-  const auto within = [&](Site& site) -> AlignmentObject* {
-    for (auto& object : site.alignments)
-      if (object.get() == &alignment) return object.get();
-    return nullptr;
-  };
-  if (AlignmentObject* const found = within(drawing.siteless)) return found;
-  for (Site& site : drawing.sites)
-    if (AlignmentObject* const found = within(site)) return found;
-  return nullptr;
+Handle firstNewHandle(const Drawing& drawing, std::size_t count) {
+  const Handle largest = largestHandle(drawing);
+  if (count >= std::numeric_limits<Handle>::max() - largest)
+    throw EditError("there are no handles left for new objects");
+  return largest + 1;
+}
+
+void requireGroupName(const AlignmentObject& alignment, const std::string& name, Handle except) {
+  requireNewName(alignment.sampleLineGroups, name, "sample line group", ofAlignment(alignment), except);
 }
 
 SampleLineGroup& addSampleLineGroup(Drawing& drawing, AlignmentObject& alignment, const std::string& name,
                                     std::vector<SampleLine> lines) {
-  requireNewName(alignment.sampleLineGroups, name, "sample line group", ofAlignment(alignment));
+  requireGroupName(alignment, name);
   Handle next = firstNewHandle(drawing, lines.size() + 1);
   SampleLineGroup group;
   group.handle = next++;

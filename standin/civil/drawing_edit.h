@@ -23,16 +23,19 @@ class EditError : public std::invalid_argument {
 /// The largest handle in the drawing; 0 where it holds none. O(n).
 [[nodiscard]] Handle largestHandle(const Drawing& drawing);
 
-/// The object of a drawing that may be changed, by one that was found in it. Null where the drawing hasn't got it.
-[[nodiscard]] AlignmentObject* changeable(Drawing& drawing, const AlignmentObject& alignment);
+/// The first of `count` handles in a row that no object of the drawing has. Throws EditError where as many aren't left. O(n).
+[[nodiscard]] Handle firstNewHandle(const Drawing& drawing, std::size_t count);
+
+/// Throws EditError for an empty name and one that a sample line group of the alignment other than `except` has.
+void requireGroupName(const AlignmentObject& alignment, const std::string& name, Handle except = 0);
 
 /// A new group at the end of the alignment's, which is one of the drawing's. Lines get new handles. Throws EditError for
 /// an empty name and one that another group of the alignment has.
 SampleLineGroup& addSampleLineGroup(Drawing& drawing, AlignmentObject& alignment, const std::string& name,
                                     std::vector<SampleLine> lines);
 
-/// A new profile at the end of the alignment's; baselines of corridors keep theirs. Throws EditError for an empty name, one that another profile of the
-/// alignment has, and a profile without points.
+/// A new profile at the end of the alignment's; baselines of corridors keep theirs. Throws EditError for an empty
+/// name, one that another profile of the alignment has, and a profile without points.
 ProfileObject& addProfile(Drawing& drawing, AlignmentObject& alignment, const std::string& name, Profile profile);
 
 /// A new group of points at the end of the drawing's. Throws EditError for an empty name, one that another point group

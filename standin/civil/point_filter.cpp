@@ -7,7 +7,12 @@
 #include <limits>
 #include <optional>
 
+#include "civil/detail/pair_text.h"
+
 namespace lvx::civil {
+
+using detail::quoted;
+using detail::trimmed;
 
 namespace {
 
@@ -19,17 +24,8 @@ constexpr std::array<PointFilterKey, 4> kKeys{{
     {"number", "RANGE", "such as 1-50"},
 }};
 
-std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
-
 [[noreturn]] void failAt(std::string_view key, std::string_view value, const std::string& why) {
   throw PointFilterError(std::string(key) + " " + quoted(value) + ": " + why);
-}
-
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r\n";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  return first == std::string_view::npos ? std::string_view()
-                                         : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 std::size_t rowOfKey(std::string_view key) {
@@ -45,13 +41,9 @@ std::vector<std::string_view> alternativesAt(std::string_view key, std::string_v
   std::vector<std::string_view> pieces;
   for (;;) {
     rest = trimmed(rest);
-    if (!rest.empty() && (rest.front() == '\'' || rest.front() == '"')) {
-      const std::size_t close = rest.find(rest.front(), 1);
-      if (close == std::string_view::npos) throw PointFilterError(std::string(key) + ": the quote isn't closed");
-      pieces.push_back(rest.substr(1, close - 1));
-      rest = trimmed(rest.substr(close + 1));
-      if (!rest.empty() && rest.front() != ',' && rest.front() != ';')
-        throw PointFilterError(std::string(key) + ": a comma is wanted behind the quote, at " + quoted(rest));
+    if (detail::beginsWithQuote(rest)) {
+      pieces.push_back(detail::takeQuoted(
+          rest, ",;", [&](const std::string& why) { throw PointFilterError(std::string(key) + ": " + why); }));
     } else {
       const std::size_t end = std::min(rest.find_first_of(",;"), rest.size());
       const std::string_view plain = trimmed(rest.substr(0, end));

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <limits>
 #include <utility>
 
 #include "civil/detail/profile_users.h"
@@ -63,13 +62,6 @@ SampleLineGroup& groupOfLine(Drawing& drawing, Handle line) {
     return nullptr;
   });
   return existing(found, "sample line");
-}
-
-Handle newHandles(const Drawing& drawing, std::size_t count) {
-  const Handle largest = largestHandle(drawing);
-  if (count >= std::numeric_limits<Handle>::max() - largest)
-    throw EditError("there are no handles left for new objects");
-  return largest + 1;
 }
 
 /// An object that is by turns in a list and here.
@@ -203,9 +195,9 @@ class ChangeSampleLineGroup final : public ReversibleChange {
       : handle_(group), name_(std::move(name)), lines_(std::move(lines)) {}
   void make(Drawing& drawing) override {
     AlignmentObject& alignment = ownerOfGroup(drawing, handle_);
-    if (name_) requireName(alignment);
+    if (name_) requireGroupName(alignment, *name_, handle_);
     if (lines_ && !std::exchange(hasHandles_, true)) {
-      Handle next = newHandles(drawing, lines_->size());
+      Handle next = firstNewHandle(drawing, lines_->size());
       for (SampleLine& line : *lines_) line.handle = next++;
     }
     swap(*findIn(alignment.sampleLineGroups, handle_));
@@ -214,12 +206,6 @@ class ChangeSampleLineGroup final : public ReversibleChange {
   [[nodiscard]] Handle object() const override { return handle_; }
 
  private:
-  void requireName(const AlignmentObject& alignment) const {
-    if (name_->empty()) throw EditError("a sample line group needs a name");
-    for (const SampleLineGroup& group : alignment.sampleLineGroups)
-      if (group.handle != handle_ && group.name == *name_)
-        throw EditError("there is a sample line group '" + *name_ + "' of alignment '" + alignment.name + "' already");
-  }
   void swap(SampleLineGroup& group) {
     if (name_) {
       std::swap(group.name, *name_);
@@ -244,7 +230,7 @@ class AddSampleLine final : public ReversibleChange {
       absentee_.putBack(lines);
       return;
     }
-    line_.handle = newHandles(drawing, 1);
+    line_.handle = firstNewHandle(drawing, 1);
     const auto behind = std::find_if(lines.rbegin(), lines.rend(),
                                      [&](const SampleLine& line) { return line.station <= line_.station; });
     lines.insert(behind.base(), line_);

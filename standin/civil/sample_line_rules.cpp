@@ -8,9 +8,13 @@
 #include <set>
 #include <utility>
 
+#include "civil/detail/pair_text.h"
 #include "text/number_text.h"
 
 namespace lvx::civil {
+
+using detail::quoted;
+using detail::trimmed;
 
 namespace {
 
@@ -37,17 +41,8 @@ constexpr std::array<SampleLineKey, kSampleLineKeyCount> kKeys{{
     {"name", "PATTERN", "names, with {station}, {kind} and {n} (default: {station})"},
 }};
 
-std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
-
 [[noreturn]] void failAt(std::string_view key, std::string_view value, const std::string& why) {
   throw SampleLineError(std::string(key) + " " + quoted(value) + ": " + why);
-}
-
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r\n";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  return first == std::string_view::npos ? std::string_view()
-                                         : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 std::optional<double> numberOf(std::string_view text) {
@@ -179,15 +174,9 @@ class PairReader {
  private:
   std::string_view value(std::string_view key) {
     rest_ = trimmed(rest_);
-    if (!rest_.empty() && (rest_.front() == '\'' || rest_.front() == '"')) {
-      const std::size_t close = rest_.find(rest_.front(), 1);
-      if (close == std::string_view::npos) throw SampleLineError(std::string(key) + ": the quote isn't closed");
-      const std::string_view inside = rest_.substr(1, close - 1);
-      rest_ = trimmed(rest_.substr(close + 1));
-      if (!rest_.empty() && rest_.front() != ',') {
-        throw SampleLineError(std::string(key) + ": a comma is wanted behind the quote, at " + quoted(rest_));
-      }
-      return inside;
+    if (detail::beginsWithQuote(rest_)) {
+      return detail::takeQuoted(rest_, ",",
+                                [&](const std::string& why) { throw SampleLineError(std::string(key) + ": " + why); });
     }
     const std::size_t end = std::min(rest_.find(','), rest_.size());
     const std::string_view plain = trimmed(rest_.substr(0, end));

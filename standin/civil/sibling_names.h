@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <functional>
 #include <string>
 
@@ -12,6 +14,17 @@ namespace lvx::civil {
 template <class Object>
 [[nodiscard]] const std::string& savedName(const Object& object) {
   return object.nameInFile ? *object.nameInFile : object.name;
+}
+
+/// `name`, or the first of "name (2)", "name (3)" and so on that none of `objects` has.
+template <class Objects>
+[[nodiscard]] std::string freeName(const Objects& objects, const std::string& name) {
+  const auto isTaken = [&](const std::string& wanted) {
+    return std::any_of(objects.begin(), objects.end(), [&](const auto& object) { return object.name == wanted; });
+  };
+  std::string free = name;
+  for (std::size_t number = 2; isTaken(free); ++number) free = name + " (" + std::to_string(number) + ")";
+  return free;
 }
 
 /// One object that got another name: the sentence that says so, the object's handle and file.

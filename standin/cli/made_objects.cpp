@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "civil/ground_profile.h"
+#include "civil/sibling_names.h"
 #include "cli/failure.h"
 #include "cli/name_lookup.h"
 #include "cli/terminal.h"
@@ -152,7 +153,7 @@ const civil::SampleLineGroup& MadeForReport::addLines(const civil::AlignmentObje
     say(counted(lines.size(), "sample line") + " made for this report, from " +
         text::stationText(lines.front().station) + " to " + text::stationText(lines.back().station));
   const civil::Handle made = make(civil::addingSampleLineGroup(
-      alignment.handle, freeName(alignment.sampleLineGroups, civil::textOf(read)), civil::sampleLinesOf(lines)));
+      alignment.handle, civil::freeName(alignment.sampleLineGroups, civil::textOf(read)), civil::sampleLinesOf(lines)));
   return *drawing_.index().byHandle(made)->as<civil::SampleLineGroup>();
 }
 
@@ -177,8 +178,8 @@ const civil::ProfileObject& MadeForReport::addGroundProfile(const civil::Alignme
           text::stationText(gap.endStation) + ": elevations there lie on the straight line across");
     if (told < ground.gapCount()) say(counted(ground.gapCount() - told, "more gap") + " of that kind");
   }
-  const civil::Handle made =
-      make(civil::addingProfile(alignment.handle, freeName(alignment.profiles, surface.name), std::move(ground)));
+  const civil::Handle made = make(
+      civil::addingProfile(alignment.handle, civil::freeName(alignment.profiles, surface.name), std::move(ground)));
   return *drawing_.index().byHandle(made)->as<civil::ProfileObject>();
 }
 

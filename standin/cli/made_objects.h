@@ -32,17 +32,6 @@ namespace lvx::cli {
                                                            const civil::SampleLineRules& rules,
                                                            const std::string& profile, bool quiet);
 
-/// `name`, or "name (2)" and so on where one of `objects` has it.
-template <class Objects>
-[[nodiscard]] std::string freeName(const Objects& objects, const std::string& name) {
-  for (std::size_t number = 1;; ++number) {
-    std::string candidate = number == 1 ? name : name + " (" + std::to_string(number) + ")";
-    bool isTaken = false;
-    for (const auto& object : objects) isTaken = isTaken || object.name == candidate;
-    if (!isTaken) return candidate;
-  }
-}
-
 /// What was made for one report; it goes before the drawing is saved.
 class MadeForReport {
  public:

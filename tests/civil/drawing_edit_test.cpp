@@ -108,17 +108,5 @@ TEST(DrawingEdit, WhatCantBeMadeIsRefusedByNameAndChangesNothing) {
   }
 }
 
-TEST(DrawingEdit, FindsTheAlignmentThatMayBeChanged) {
-  Drawing drawing = roadWithCorridor();
-  drawing.sites.resize(2);
-  drawing.sites[1].alignments.push_back(std::make_unique<AlignmentObject>());
-  for (const Site* const site : {&drawing.siteless, &drawing.sites[1]}) {
-    const AlignmentObject& found = *site->alignments[0];
-    EXPECT_EQ(changeable(drawing, found), &found);
-  }
-  const AlignmentObject stranger;
-  EXPECT_EQ(changeable(drawing, stranger), nullptr);
-}
-
 }  // namespace
 }  // namespace lvx::civil

@@ -11,6 +11,7 @@
 #include <algorithm>
 
 #include "civil/ground_profile.h"
+#include "civil/sibling_names.h"
 #include "desktop/common/qt_text.h"
 
 namespace lvx::desktop {
@@ -134,15 +135,8 @@ void GroundProfileDialog::proposeName() {
   const civil::AlignmentObject* const alignment = alignmentObject();
   const civil::SurfaceObject* const surface = surfaceObject();
   if (isNameTyped_ || alignment == nullptr || surface == nullptr) return;
-  const auto isTaken = [&](const QString& name) {
-    return std::any_of(alignment->profiles.begin(), alignment->profiles.end(),
-                       [wanted = toUtf8(name)](const civil::ProfileObject& profile) { return profile.name == wanted; });
-  };
-  const QString plain = toQt(surface->name);
-  QString name = plain;
-  for (int number = 2; isTaken(name); ++number) name = QStringLiteral("%1 (%2)").arg(plain).arg(number);
   const bool blocked = name_->blockSignals(true);
-  name_->setText(name);
+  name_->setText(toQt(civil::freeName(alignment->profiles, surface->name)));
   name_->blockSignals(blocked);
 }
 
