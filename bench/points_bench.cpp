@@ -106,10 +106,8 @@ lvx::civil::Drawing makeDrawing(int count) {
     lvx::civil::Point point;
     point.handle = 2U + static_cast<lvx::civil::Handle>(i);
     point.number = i;
-    point.name = "P" + std::to_string(i);
     point.position = {place.x, place.y, 300.0 + 50.0 * unitRandom()};
-    point.description = "EP";
-    point.fullDescription = "Edge left";
+    point.texts = {"P" + std::to_string(i), "EP", "Edge left"};
     drawing.points.push_back(std::move(point));
     group.numbers.push_back(i);
   }
@@ -233,8 +231,9 @@ class Bench {
     std::FILE* file = std::fopen((folder_ + "/" + name).c_str(), "wb");
     for (const std::size_t i : order) {
       const lvx::civil::Point& point = drawing.points[i];
-      std::fprintf(file, format, point.number, point.position.x, point.position.y, point.position.z, point.name.c_str(),
-                   point.description.c_str(), point.fullDescription.c_str(), stationText(places[i].station).c_str(),
+      std::fprintf(file, format, point.number, point.position.x, point.position.y, point.position.z,
+                   std::string(point.texts.name()).c_str(), std::string(point.texts.description()).c_str(),
+                   std::string(point.texts.fullDescription()).c_str(), stationText(places[i].station).c_str(),
                    places[i].offset);
     }
     std::fclose(file);
@@ -255,9 +254,9 @@ class Bench {
       worksheet_write_number(sheet, row, 1, point.position.x, decimals);
       worksheet_write_number(sheet, row, 2, point.position.y, decimals);
       worksheet_write_number(sheet, row, 3, point.position.z, decimals);
-      worksheet_write_string(sheet, row, 4, point.name.c_str(), nullptr);
-      worksheet_write_string(sheet, row, 5, point.description.c_str(), nullptr);
-      worksheet_write_string(sheet, row, 6, point.fullDescription.c_str(), nullptr);
+      worksheet_write_string(sheet, row, 4, std::string(point.texts.name()).c_str(), nullptr);
+      worksheet_write_string(sheet, row, 5, std::string(point.texts.description()).c_str(), nullptr);
+      worksheet_write_string(sheet, row, 6, std::string(point.texts.fullDescription()).c_str(), nullptr);
       worksheet_write_string(sheet, row, 7, "Axis", nullptr);
       worksheet_write_string(sheet, row, 8, stationText(places[i].station).c_str(), nullptr);
       worksheet_write_number(sheet, row, 9, places[i].offset, decimals);

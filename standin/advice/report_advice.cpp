@@ -115,7 +115,7 @@ class Letters {
 
   /// `words` tells what the text is of, and is asked only for the first that is cut.
   template <class Words>
-  void look(const std::string& text, Words words) {
+  void look(std::string_view text, Words words) {
     if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) return;
     const host::CString wide = fromUtf8(text);
     const std::size_t kept = platform_.narrow(wide).size();
@@ -156,9 +156,9 @@ void lookAtPoints(Letters& letters, const std::vector<const civil::Point*>& poin
     const auto words = [point](const char* what) {
       return [point, what] { return "point " + std::to_string(point->number) + ", " + what; };
     };
-    letters.look(point->name, words("name"));
-    letters.look(point->description, words("raw description"));
-    letters.look(point->fullDescription, words("full description"));
+    letters.look(point->texts.name(), words("name"));
+    letters.look(point->texts.description(), words("raw description"));
+    letters.look(point->texts.fullDescription(), words("full description"));
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <mutex>
 #include <stdexcept>
 #include <string>
 
@@ -9,8 +10,16 @@
 
 namespace lvx::civil {
 
-struct Alignment::Index : detail::AlignmentIndex {
-  using AlignmentIndex::AlignmentIndex;
+/// Built by the first question: it takes several times the memory of the elements, and of the alignments of a drawing
+/// few are ever asked.
+struct Alignment::Index {
+  std::once_flag isBuilt;
+  std::optional<detail::AlignmentIndex> index;
+
+  const detail::AlignmentIndex& of(const Alignment& alignment) {
+    std::call_once(isBuilt, [&] { index.emplace(alignment.elements_, alignment.stations_); });
+    return *index;
+  }
 };
 
 Alignment::Alignment() : Alignment(0.0, {}) {}
@@ -26,7 +35,7 @@ Alignment::Alignment(double startStation, std::vector<Element> elements)
     stations_.push_back(station);
   }
   endStation_ = station;
-  index_ = std::make_unique<Index>(elements_, stations_);
+  index_ = std::make_unique<Index>();
 }
 
 Alignment::Alignment(const Alignment& other)
@@ -34,7 +43,7 @@ Alignment::Alignment(const Alignment& other)
       endStation_(other.endStation_),
       elements_(other.elements_),
       stations_(other.stations_),
-      index_(other.index_ ? std::make_unique<Index>(*other.index_) : nullptr) {}
+      index_(other.index_ ? std::make_unique<Index>() : nullptr) {}
 
 Alignment::Alignment(Alignment&& other) noexcept = default;
 
@@ -73,7 +82,7 @@ std::optional<Pose> Alignment::pointLocation(double station, double offset, doub
 }
 
 std::optional<StationOffset> Alignment::stationOffset(Vec2 point) const {
-  const auto answer = index_ ? index_->stationOffset(point) : std::nullopt;
+  const auto answer = index_ ? index_->of(*this).stationOffset(point) : std::nullopt;
   if (!answer) return std::nullopt;
   return StationOffset{answer->station, answer->offset};
 }

@@ -1,6 +1,7 @@
 #include "civil/drawing.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace lvx::civil {
 namespace {
@@ -17,6 +18,35 @@ const Row* findByKey(const std::vector<Row>& rows, Key Row::*key, Key wanted) {
   const auto at =
       std::lower_bound(rows.begin(), rows.end(), wanted, [key](const Row& row, Key k) { return row.*key < k; });
   return at != rows.end() && (*at).*key == wanted ? &*at : nullptr;
+}
+
+/// The order of points by `key`; empty where that is the order in which they stand.
+template <class Key>
+std::vector<std::uint32_t> orderBy(std::span<const Point> points, Key Point::*key) {
+  std::vector<std::uint32_t> order;
+  if (std::is_sorted(points.begin(), points.end(), [key](const Point& a, const Point& b) { return a.*key < b.*key; }))
+    return order;
+  order.resize(points.size());
+  std::iota(order.begin(), order.end(), 0U);
+  std::stable_sort(order.begin(), order.end(),
+                   [&](std::uint32_t a, std::uint32_t b) { return points[a].*key < points[b].*key; });
+  return order;
+}
+
+template <class Key>
+const Point* findPoint(std::span<const Point> points, const std::vector<std::uint32_t>& order, Key Point::*key,
+                       Key wanted) {
+  const Point* found = nullptr;
+  if (order.empty()) {
+    const auto at = std::lower_bound(points.begin(), points.end(), wanted,
+                                     [key](const Point& point, Key k) { return point.*key < k; });
+    if (at != points.end()) found = &*at;
+  } else {
+    const auto at = std::lower_bound(order.begin(), order.end(), wanted,
+                                     [&](std::uint32_t point, Key k) { return points[point].*key < k; });
+    if (at != order.end()) found = &points[*at];
+  }
+  return found != nullptr && found->*key == wanted ? found : nullptr;
 }
 
 }  // namespace
@@ -40,32 +70,27 @@ DrawingIndex::DrawingIndex(const Drawing& drawing) {
   addSite(drawing.siteless);
   for (const Site& site : drawing.sites) addSite(site);
   for (const SurfaceObject& surface : drawing.surfaces) add(surface, nullptr);
-  points_.reserve(drawing.points.size());
-  numbers_.reserve(drawing.points.size());
-  for (const Point& point : drawing.points) {
-    if (point.handle != 0) points_.push_back({point.handle, &point});
-    numbers_.push_back({point.number, &point});
-  }
   for (const PointGroup& group : drawing.pointGroups) add(group, nullptr);
   for (const Corridor& corridor : drawing.corridors) add(corridor, nullptr);
   sortByKey(objects_, &ObjectRow::handle);
-  sortByKey(points_, &PointRow::handle);
-  sortByKey(numbers_, &NumberRow::number);
+  points_ = drawing.points;
+  byHandle_ = orderBy(points_, &Point::handle);
+  byNumber_ = orderBy(points_, &Point::number);
 }
 
 std::optional<DrawingIndex::Entry> DrawingIndex::byHandle(Handle handle) const {
+  if (handle == 0) return std::nullopt;
   const ObjectRow* const object = findByKey(objects_, &ObjectRow::handle, handle);
   // Points stand in the drawing between the kinds in front of theirs and those behind it.
   if (object == nullptr || object->entry.kind() > ObjectKind::Point) {
-    if (const PointRow* const row = findByKey(points_, &PointRow::handle, handle)) return Entry{row->point, nullptr};
+    if (const Point* const point = findPoint(points_, byHandle_, &Point::handle, handle)) return Entry{point, nullptr};
   }
   if (object == nullptr) return std::nullopt;
   return object->entry;
 }
 
 const Point* DrawingIndex::pointByNumber(std::int32_t number) const {
-  const NumberRow* row = findByKey(numbers_, &NumberRow::number, number);
-  return row ? row->point : nullptr;
+  return findPoint(points_, byNumber_, &Point::number, number);
 }
 
 }  // namespace lvx::civil

@@ -57,7 +57,7 @@ std::unordered_map<std::int32_t, std::int32_t> renumber(const Drawing& whole, Dr
                                      std::to_string(number),
                                  0, file, point->handle});
     renumbered.emplace(point->number, number);
-    if (point->name.empty()) point->name = std::to_string(point->number);
+    if (point->texts.name().empty()) point->texts.setName(std::to_string(point->number));
     point->number = number;
   }
   return renumbered;

@@ -171,7 +171,7 @@ void PointFilter::add(const PointFilter& other) {
 }
 
 bool PointFilter::holds(const Condition& condition, const Point& point) {
-  const auto isLike = [&](const std::string& text) {
+  const auto isLike = [&](std::string_view text) {
     return std::any_of(condition.patterns.begin(), condition.patterns.end(),
                        [&](const std::string& pattern) { return isLikePattern(text, pattern); });
   };
@@ -181,9 +181,10 @@ bool PointFilter::holds(const Condition& condition, const Point& point) {
   };
   switch (condition.key) {
     case Key::Description:
-      return isLike(point.description) || (point.fullDescription != point.description && isLike(point.fullDescription));
+      return isLike(point.texts.description()) ||
+             (point.texts.fullDescription() != point.texts.description() && isLike(point.texts.fullDescription()));
     case Key::Name:
-      return isLike(point.name.empty() ? std::to_string(point.number) : point.name);
+      return point.texts.name().empty() ? isLike(std::to_string(point.number)) : isLike(point.texts.name());
     case Key::Elevation:
       return point.hasElevation && isWithin(point.position.z);
     case Key::Number:

@@ -4,10 +4,18 @@ namespace lvx::runtime {
 
 namespace {
 
+template <class Object>
+std::string_view nameOf(const Object& object) {
+  if constexpr (requires { object.texts; })
+    return object.texts.name();
+  else
+    return object.name;
+}
+
 template <class List>
 std::optional<civil::Handle> firstOf(const List& list, std::string_view name) {
   for (const auto& object : list)
-    if (object.name == name) return object.handle;
+    if (nameOf(object) == name) return object.handle;
   return std::nullopt;
 }
 

@@ -147,13 +147,13 @@ using SurfaceList =
 class Point final : public RecordObject<host::QmtPoint, ModelKind::Point, const civil::Point> {
  public:
   using RecordObject::RecordObject;
-  [[nodiscard]] CString name() override { return fromUtf8(record().name); }
+  [[nodiscard]] CString name() override { return fromUtf8(record().texts.name()); }
   [[nodiscard]] std::int32_t number() override { return record().number; }
   [[nodiscard]] double easting() override { return record().position.x; }
   [[nodiscard]] double northing() override { return record().position.y; }
   [[nodiscard]] double elevation() override { return record().hasElevation ? record().position.z : 0.0; }
-  [[nodiscard]] CString description() override { return fromUtf8(record().description); }
-  [[nodiscard]] CString fullDescription() override { return fromUtf8(record().fullDescription); }
+  [[nodiscard]] CString description() override { return fromUtf8(record().texts.description()); }
+  [[nodiscard]] CString fullDescription() override { return fromUtf8(record().texts.fullDescription()); }
 };
 
 class PointList final : public ModelObject<host::QmtPointList, ModelKind::PointList> {

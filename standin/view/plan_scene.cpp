@@ -36,9 +36,14 @@ Vec2 placeOf(const Point& point) { return {point.position.x, point.position.y}; 
 bool isFinite(Vec2 place) { return std::isfinite(place.x) && std::isfinite(place.y); }
 
 std::string nameOf(const Point& point) {
-  if (!point.name.empty()) return point.name;
+  if (!point.texts.name().empty()) return std::string(point.texts.name());
   std::array<char, 16> digits{};
   return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), point.number).ptr};
+}
+
+template <class Object>
+std::string nameOf(const Object& object) {
+  return object.name;
 }
 
 /// The bits of a number with a gap after each.
@@ -360,7 +365,7 @@ std::optional<Box> PlanScene::boxOf(Handle handle) const {
 std::optional<Description> PlanScene::describe(Handle handle) const {
   if (const Named* named = find(handle))
     return Description{named->entry.kind(),
-                       std::visit([](const auto* object) { return object->name; }, named->entry.object)};
+                       std::visit([](const auto* object) { return nameOf(*object); }, named->entry.object)};
   if (const Point* point = findPoint(handle)) return Description{ObjectKind::Point, nameOf(*point)};
   return std::nullopt;
 }

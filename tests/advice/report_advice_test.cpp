@@ -183,7 +183,7 @@ TEST(ReportAdvice, NamesTheTextAndTheLetterThatCutsIt) {
   group.lines = {{1, "Straße", 10, {}}, {2, "No.1 測点", 20, {}}, {3, "№ 2", 30, {}}};
   civil::Point point;
   point.number = 7;
-  point.fullDescription = "木";
+  point.texts.setFullDescription("木");
   ReportObjects lines;
   lines.alignment = &alignment;
   lines.group = &group;

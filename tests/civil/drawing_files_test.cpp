@@ -130,7 +130,7 @@ TEST(DrawingFiles, GivesTheLaterOfTwoEqualPointNumbersANewOne) {
   std::vector<std::int32_t> numbers;
   for (const Point& each : whole.points) numbers.push_back(each.number);
   EXPECT_THAT(numbers, ElementsAre(1, 2, 10, 11, 9));
-  EXPECT_EQ(whole.points[2].name, "1") << "the file's own name is not lost";
+  EXPECT_EQ(whole.points[2].texts.name(), "1") << "the file's own name is not lost";
   EXPECT_THAT(whole.pointGroups[0].numbers, ElementsAre(2, 1));
   EXPECT_THAT(whole.pointGroups[1].numbers, ElementsAre(11, 10));
   ASSERT_EQ(whole.diagnostics.size(), 4U);

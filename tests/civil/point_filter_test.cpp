@@ -58,10 +58,8 @@ Drawing survey() {
     Point point;
     point.handle = drawing.points.size() + 1;
     point.number = number;
-    point.name = name;
     point.position = {0, 0, elevation};
-    point.description = description;
-    point.fullDescription = fullDescription;
+    point.texts = {name, description, fullDescription};
     drawing.points.push_back(point);
   };
   add(1, "", 100.0, "TREE", "TREE OAK 12");

@@ -26,9 +26,9 @@ class DrawingComparison {
     c.lists("point", a.points, b.points, [&](const auto& w, const auto& x, const auto& y) {
       c.compare(w + " handle", x.handle, y.handle);
       c.compare(w + " number", x.number, y.number);
-      c.compare(w + " name", x.name, y.name);
-      c.compare(w + " description", x.description, y.description);
-      c.compare(w + " full description", x.fullDescription, y.fullDescription);
+      c.compare(w + " name", x.texts.name(), y.texts.name());
+      c.compare(w + " description", x.texts.description(), y.texts.description());
+      c.compare(w + " full description", x.texts.fullDescription(), y.texts.fullDescription());
       c.near(w + " x", x.position.x, y.position.x);
       c.near(w + " y", x.position.y, y.position.y);
       c.near(w + " z", x.position.z, y.position.z);

@@ -581,9 +581,9 @@ TEST(Points, NumbersNamesAndDescriptionsOfOtherPrograms) {
   for (std::size_t i = 0; i < 5; ++i) {
     SCOPED_TRACE(i);
     EXPECT_EQ(drawing.points[i].number, rows[i].number);
-    EXPECT_EQ(drawing.points[i].name, rows[i].name);
-    EXPECT_EQ(drawing.points[i].description, rows[i].description);
-    EXPECT_EQ(drawing.points[i].fullDescription, rows[i].full);
+    EXPECT_EQ(drawing.points[i].texts.name(), rows[i].name);
+    EXPECT_EQ(drawing.points[i].texts.description(), rows[i].description);
+    EXPECT_EQ(drawing.points[i].texts.fullDescription(), rows[i].full);
     EXPECT_EQ(drawing.points[i].hasElevation, rows[i].hasElevation);
   }
   EXPECT_THAT(diagnosticsOf(drawing), HasSubstr("point 7: its number stands twice; the later point gets 11"));

@@ -81,10 +81,10 @@ TEST(Reader, SampleLinesKeepTheirVertices) {
 TEST(Reader, PointsTakeNameAndHandleFromTheirFeature) {
   const auto drawing = read(kDrawing);
   ASSERT_EQ(drawing.points.size(), 2U);
-  EXPECT_EQ(drawing.points[0].name, "Oak-A");
+  EXPECT_EQ(drawing.points[0].texts.name(), "Oak-A");
   EXPECT_EQ(drawing.points[0].handle, 0x2AU);
-  EXPECT_EQ(drawing.points[0].description, "TR");
-  EXPECT_EQ(drawing.points[0].fullDescription, "Oak");
+  EXPECT_EQ(drawing.points[0].texts.description(), "TR");
+  EXPECT_EQ(drawing.points[0].texts.fullDescription(), "Oak");
   EXPECT_EQ(drawing.points[0].position, (civil::Vec3{20, 10, 5}));
   EXPECT_FALSE(drawing.points[1].hasElevation);
   ASSERT_EQ(drawing.pointGroups.size(), 1U);  // _All is our store, not a group
@@ -160,8 +160,10 @@ std::string subjectOf(const civil::Drawing& drawing, const civil::Diagnostic& di
                               "surface", "point",     "points",  "corridor"};
   const std::string name = std::visit(
       [](const auto* object) {
-        if constexpr (requires { object->number; }) return std::to_string(object->number);
-        return object->name;
+        if constexpr (requires { object->number; })
+          return std::to_string(object->number);
+        else
+          return object->name;
       },
       entry->object);
   return std::string(kKinds.at(static_cast<std::size_t>(entry->kind()))) + " " + name;

@@ -33,7 +33,6 @@ Context::Context(civil::Drawing& d, const Document& document, bool swapAxes, Tra
   });
   if (trace != nullptr) trace->isOurs = ours_;
   readUnits();
-  eachChild(root, "CgPoints", [&](pugi::xml_node node) { collectPoints(node); });
 }
 
 void Context::readUnits() {
@@ -201,6 +200,10 @@ pugi::xml_node Context::PointNames::find(std::string_view name) const {
 
 pugi::xml_node Context::pointNamed(std::string_view name) {
   name = trimmed(name);
+  if (!pointsCollected_) {
+    pointsCollected_ = true;
+    eachChild(root, "CgPoints", [&](pugi::xml_node node) { collectPoints(node); });
+  }
   if (const pugi::xml_node found = points_.find(name)) return found;
   if (!otherPointsCollected_) collectOtherPoints();
   const auto found = otherPoints_.find(std::string(name));
@@ -319,14 +322,20 @@ void Context::settleHandles() {
            .object = given.ticket + 1});
     }
   }
-  std::vector<std::uint32_t> order(tickets_.size());
-  std::iota(order.begin(), order.end(), 0U);
-  if (!std::is_sorted(tickets_.begin(), tickets_.end())) std::stable_sort(order.begin(), order.end(), isBefore);
+  // Tickets in the order of the document; empty where they stand in it.
+  std::vector<std::uint32_t> order;
+  if (!std::is_sorted(tickets_.begin(), tickets_.end())) {
+    order.resize(tickets_.size());
+    std::iota(order.begin(), order.end(), 0U);
+    std::stable_sort(order.begin(), order.end(), isBefore);
+  }
+  const auto inOrder = [&](std::size_t i) { return order.empty() ? i : order[i]; };
   civil::Handle next = 0x100;
-  for (const std::uint32_t i : order) {
-    if (handles[i] != 0) continue;
+  for (std::size_t i = 0; i < tickets_.size(); ++i) {
+    civil::Handle& handle = handles[inOrder(i)];
+    if (handle != 0) continue;
     while (taken.count(next) > 0) ++next;
-    handles[i] = next++;
+    handle = next++;
   }
   civil::eachHandle(drawing, [&](civil::Handle& handle) {
     if (handle != 0) handle = handles[handle - 1];
@@ -341,8 +350,9 @@ void Context::settleHandles() {
   if (trace == nullptr) return;
   std::vector<bool> isGiven(tickets_.size(), false);
   for (const GivenHandle& given : given_) isGiven[given.ticket] = handles[given.ticket] == given.handle;
-  trace->objects.reserve(order.size());
-  for (const std::uint32_t i : order) {
+  trace->objects.reserve(tickets_.size());
+  for (std::size_t at = 0; at < tickets_.size(); ++at) {
+    const std::size_t i = inOrder(at);
     trace->objects.push_back({document_.at(tickets_[i]), handles[i], isGiven[i]});
   }
 }

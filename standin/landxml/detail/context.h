@@ -151,6 +151,7 @@ class Context {
   PointNames points_;
   std::unordered_map<std::string, pugi::xml_node> otherPoints_;
   std::unordered_map<std::string, civil::CodeList> codeLists_;
+  bool pointsCollected_ = false;  // only when the first one is asked for: most files name none
   bool otherPointsCollected_ = false;
   std::size_t unreported_ = 0;
 };

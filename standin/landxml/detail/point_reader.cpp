@@ -37,18 +37,20 @@ class PointReader {
   void read();
 
  private:
-  /// A point that was read, by its index in drawing.points, or a reference, by its place. There may be millions.
-  struct Member {
-    static constexpr std::uint64_t kIsReference = std::uint64_t{1} << 63U;
-    std::uint64_t value = 0;
-    [[nodiscard]] bool isReference() const { return (value & kIsReference) != 0; }
-    [[nodiscard]] std::size_t place() const { return static_cast<std::size_t>(value & ~kIsReference); }
-    [[nodiscard]] std::size_t point() const { return static_cast<std::size_t>(value); }
+  // There may be millions of points: nothing here takes more than some bytes of each.
+  struct Collection {
+    pugi::xml_node node;
+    std::size_t firstPoint = 0;  ///< index in drawing.points; its own points stand there one behind the other
+    std::size_t members = 0;     ///< points that were read and references
+    bool hasReferences = false;
   };
 
   void readCollection(pugi::xml_node collection, const std::string& inheritedCode);
-  /// Index of the new point; empty where it has no place.
-  std::optional<std::size_t> readPoint(pugi::xml_node node, const std::string& inheritedCode);
+  /// False for one without a place, which is left out.
+  bool readPoint(pugi::xml_node node, const std::string& inheritedCode);
+  /// Equal texts share their memory, as far as equal ones stood shortly before.
+  [[nodiscard]] civil::PointTexts textsOf(std::string_view name, std::string_view description,
+                                          std::string_view fullDescription);
   void number();
   void readGroups();
   template <class Add>
@@ -56,9 +58,16 @@ class PointReader {
   [[nodiscard]] std::optional<std::size_t> pointAt(pugi::xml_node node) const;
 
   Context& context_;
-  std::vector<std::pair<pugi::xml_node, std::vector<Member>>> collections_;
-  std::vector<std::size_t> places_;                           // of drawing.points
-  std::vector<std::uint32_t> byPlace_;                        // indices of drawing.points, by ascending place
+  /// Of a point that was read, by its index; its handle is a ticket until the whole file is read.
+  [[nodiscard]] std::size_t placeOf(std::size_t point) const {
+    return static_cast<std::size_t>(context_.positionOf(context_.drawing.points[point].handle));
+  }
+
+  static constexpr std::size_t kRecentTexts = 1024;
+  std::vector<Collection> collections_;
+  std::vector<std::uint32_t> byPlace_;  // indices of drawing.points by place; empty where they stand so
+  std::vector<bool> isNameLeft_;        // the name is the number that the file gives: not kept so far
+  std::vector<civil::PointTexts> recentTexts_{kRecentTexts};  // by their hashes
   std::unordered_map<std::string, pugi::xml_node> features_;  // of the collection being read
 };
 
@@ -75,7 +84,7 @@ void PointReader::read() {
   std::size_t count = 0;
   eachChild(context_.root, "CgPoints", [&](pugi::xml_node node) { count += countPoints(node); });
   context_.drawing.points.reserve(count);
-  places_.reserve(count);
+  isNameLeft_.reserve(count);
   eachChild(context_.root, "CgPoints", [&](pugi::xml_node node) { readCollection(node, {}); });
   number();
   readGroups();
@@ -88,59 +97,71 @@ void PointReader::readCollection(pugi::xml_node collection, const std::string& i
   eachChild(collection, "Feature", [&](pugi::xml_node node) {
     if (attribute(node, "code") == "lvx_point") features_.emplace(attributeText(node, "name"), node);
   });
-  std::vector<Member> members;
+  Collection row{.node = collection, .firstPoint = context_.drawing.points.size()};
   eachChild(collection, "CgPoint", [&](pugi::xml_node node) {
-    if (isReference(node))
-      members.push_back({static_cast<std::uint64_t>(node.place()) | Member::kIsReference});
-    else if (const auto point = readPoint(node, code))
-      members.push_back({*point});
+    if (isReference(node)) {
+      row.hasReferences = true;
+      ++row.members;
+    } else if (readPoint(node, code)) {
+      ++row.members;
+    }
   });
-  collections_.emplace_back(collection, std::move(members));
+  collections_.push_back(row);
   eachChild(collection, "CgPoints", [&](pugi::xml_node node) { readCollection(node, code); });
 }
 
-std::optional<std::size_t> PointReader::readPoint(pugi::xml_node node, const std::string& inheritedCode) {
+civil::PointTexts PointReader::textsOf(std::string_view name, std::string_view description,
+                                       std::string_view fullDescription) {
+  const std::hash<std::string_view> hash;
+  const std::size_t slot = (hash(name) + 3 * hash(description) + 5 * hash(fullDescription)) % kRecentTexts;
+  civil::PointTexts& recent = recentTexts_[slot];
+  if (recent.name() != name || recent.description() != description || recent.fullDescription() != fullDescription)
+    recent = {name, description, fullDescription};
+  return recent;
+}
+
+bool PointReader::readPoint(pugi::xml_node node, const std::string& inheritedCode) {
   const std::string name = attributeText(node, "name");
   Context::Subject subject(context_);
   const PlacedPoint placed = context_.place(node);
   if (!placed.isPlaced()) {
     context_.warn(node, "point '" + shown(name) + "': " + placed.problem + "; left out");
-    return std::nullopt;
+    return false;
   }
   civil::Point point;
   point.position = {placed.plan.x, placed.plan.y, placed.elevation.value_or(0.0)};
   point.hasElevation = placed.elevation.has_value();
-  point.name = name;
 
   std::string code = attributeText(node, "code");
   const std::string description = attributeText(node, "desc");
+  std::optional<std::string> ownName;
   std::optional<std::string> handle;
-  if (context_.isOurs()) {
-    point.description = code;
-    point.fullDescription = description;
-  } else {
-    if (code.empty()) code = inheritedCode;
-    point.description = code.empty() ? description : code;
-    point.fullDescription = description.empty() ? code : description;
-  }
+  if (!context_.isOurs() && code.empty()) code = inheritedCode;
   if (const std::string reference = attributeText(node, "featureRef"); !reference.empty()) {
     if (const auto found = features_.find(reference); found != features_.end()) {
       handle = property(found->second, "handle");
-      if (const auto ownName = property(found->second, "name")) point.name = *ownName;
+      ownName = property(found->second, "name");
     }
   }
+  const auto number = plainInteger(name);
+  const bool isNameLeft = !ownName && number && name == std::to_string(*number);
+  const std::string_view keptName = isNameLeft ? std::string_view() : std::string_view(ownName ? *ownName : name);
+  if (context_.isOurs())
+    point.texts = textsOf(keptName, code, description);
+  else
+    point.texts = textsOf(keptName, code.empty() ? description : code, description.empty() ? code : description);
+  isNameLeft_.push_back(isNameLeft);
   point.handle = context_.ticket(node, handle);
   subject.is(point.handle);
-  places_.push_back(static_cast<std::size_t>(node.place()));
   context_.drawing.points.push_back(std::move(point));
-  return context_.drawing.points.size() - 1;
+  return true;
 }
 
 /// A name that is a plain integer is the number; other points, and repeated numbers, get the next free one.
 void PointReader::number() {
   auto& points = context_.drawing.points;
   const auto numberGiven = [&](std::size_t point) {
-    return plainInteger(attribute(context_.nodeAt(places_[point]), "name"));
+    return plainInteger(attribute(context_.nodeAt(placeOf(point)), "name"));
   };
   struct Given {
     std::int32_t number = 0;
@@ -171,7 +192,7 @@ void PointReader::number() {
   for (std::size_t i = 0; i < points.size(); ++i) {
     civil::Point& point = points[i];
     if (isNumbered[i]) {
-      if (point.name == std::to_string(point.number)) point.name.clear();
+      if (point.texts.name() == std::to_string(point.number)) point.texts.setName({});
       continue;
     }
     if (next > std::numeric_limits<std::int32_t>::max()) {
@@ -182,25 +203,38 @@ void PointReader::number() {
     point.number = static_cast<std::int32_t>(next++);
     if (isWrapped) wrapped.insert(point.number);
     if (const auto number = numberGiven(i)) {
+      if (isNameLeft_[i]) point.texts.setName(std::to_string(*number));
       const Context::Subject subject(context_, point.handle);
-      context_.warn(context_.nodeAt(places_[i]), "point " + std::to_string(*number) +
+      context_.warn(context_.nodeAt(placeOf(i)), "point " + std::to_string(*number) +
                                                      ": its number stands twice; the later point gets " +
                                                      std::to_string(point.number));
     }
   }
 
-  const auto isBefore = [&](std::uint32_t a, std::uint32_t b) { return places_[a] < places_[b]; };
+  bool isInOrder = true;
+  for (std::size_t i = 1; i < points.size() && isInOrder; ++i) isInOrder = placeOf(i - 1) < placeOf(i);
+  if (isInOrder) return;
   byPlace_.resize(points.size());
   std::iota(byPlace_.begin(), byPlace_.end(), 0U);
-  if (!std::is_sorted(places_.begin(), places_.end())) std::sort(byPlace_.begin(), byPlace_.end(), isBefore);
+  std::sort(byPlace_.begin(), byPlace_.end(),
+            [&](std::uint32_t a, std::uint32_t b) { return placeOf(a) < placeOf(b); });
 }
 
 std::optional<std::size_t> PointReader::pointAt(pugi::xml_node node) const {
+  if (!node) return std::nullopt;
   const auto place = static_cast<std::size_t>(node.place());
-  const auto found = std::lower_bound(byPlace_.begin(), byPlace_.end(), place,
-                                      [&](std::uint32_t point, std::size_t p) { return places_[point] < p; });
-  if (!node || found == byPlace_.end() || places_[*found] != place) return std::nullopt;
-  return *found;
+  const auto pointOf = [&](std::size_t i) { return byPlace_.empty() ? i : byPlace_[i]; };
+  std::size_t low = 0;
+  std::size_t high = context_.drawing.points.size();
+  while (low < high) {
+    const std::size_t middle = low + (high - low) / 2;
+    if (placeOf(pointOf(middle)) < place)
+      low = middle + 1;
+    else
+      high = middle;
+  }
+  if (low == context_.drawing.points.size() || placeOf(pointOf(low)) != place) return std::nullopt;
+  return pointOf(low);
 }
 
 /// Members of a group of ours that no reference can name: those of other files, and points under names that others have.
@@ -225,33 +259,33 @@ void PointReader::readNumbersOf(pugi::xml_node ours, Add add, civil::PointGroup&
 }
 
 void PointReader::readGroups() {
-  for (auto& [collection, members] : collections_) {
+  const std::size_t count = context_.drawing.points.size();
+  for (const auto& [collection, firstPoint, members, hasReferences] : collections_) {
     const std::string name = attributeText(collection, "name");
     const pugi::xml_node ours = feature(collection, "lvx_pointGroup");
-    const bool hasReferences =
-        std::any_of(members.begin(), members.end(), [](const Member& m) { return m.isReference(); });
-    const bool isGroup = ours || (!name.empty() && (context_.isOurs() ? hasReferences : !members.empty()));
+    const bool isGroup = ours || (!name.empty() && (context_.isOurs() ? hasReferences : members > 0));
+    if (!isGroup && !hasReferences) continue;
     civil::PointGroup group;
     Context::Subject subject(context_);
-    if (isGroup) group.numbers.reserve(members.size());
+    if (isGroup) group.numbers.reserve(members);
     // A point that stands twice in a group has two rows in its reports.
     const auto add = [&](std::size_t point) {
       if (isGroup) group.numbers.push_back(context_.drawing.points[point].number);
     };
-    for (const Member& member : members) {
-      if (!member.isReference()) {
-        add(member.point());
-        continue;
+    std::size_t next = firstPoint;
+    eachChild(collection, "CgPoint", [&](pugi::xml_node node) {
+      if (next < count && placeOf(next) == static_cast<std::size_t>(node.place())) {
+        add(next++);
+        return;
       }
-      const pugi::xml_node node = context_.nodeAt(member.place());
+      if (!isReference(node)) return;
       const std::string reference(attribute(node, "pntRef"));
       if (const auto found = pointAt(context_.pointNamed(reference)))
         add(*found);
       else
         context_.warn(node,
                       "point group '" + shown(name) + "': there is no point '" + shown(reference) + "'; passed over");
-    }
-    std::vector<Member>().swap(members);
+    });
     if (!isGroup) continue;
     readNumbersOf(ours, add, group);
     group.name = name;
