@@ -19,8 +19,9 @@ struct StationOffset {
 
 /// A horizontal alignment: a chain of elements measured by station. Lengths, stations and offsets in drawing units,
 /// angles in radians. Stations add up the elements' lengths from the start station; station equations play no part.
-/// Immutable once built; its queries may run in several threads at once. Copies share nothing and cost as much as
-/// building: O(n log n).
+/// Immutable once built; its queries may run in several threads at once. Copies share nothing.
+/// What the nearest foot is searched in, O(n log n) to build and a multiple of the elements in memory, is made when the
+/// first one is asked for.
 ///
 ///     auto axis = Alignment::fromText(
 ///         "start 1000 at 0 0 heading 90; line 100; clothoid 60 R inf..300 right; arc 80 R 300 right");

@@ -60,8 +60,8 @@ inline civil::Drawing smallDrawing() {
   drawing.surfaces.push_back(
       {next++, "Ground", "",
        civil::TinSurface({{0, -4, 5}, {20, -4, 5}, {20, 4, 5}, {0, 4, 5}}, {{0, 1, 2}, {0, 2, 3}})});
-  drawing.points.push_back({next++, 7, 0, "", {1.0, 2.0, 99.0}, false, "d7", "full7"});
-  drawing.points.push_back({next++, 8, 0, "BM", {3.0, 4.0, 5.0}, true, "d8", "full8"});
+  drawing.points.push_back({next++, 7, 0, {1.0, 2.0, 99.0}, {"", "d7", "full7"}, false});
+  drawing.points.push_back({next++, 8, 0, {3.0, 4.0, 5.0}, {"BM", "d8", "full8"}, true});
   drawing.pointGroups.push_back({next++, "P", "", {8, 7}});
   return drawing;
 }

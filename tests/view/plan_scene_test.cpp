@@ -81,8 +81,8 @@ Drawing drawing() {
   site.alignments.push_back(alignment(kBranch, "Branch", "at 50 350 heading 90; line 50; arc 100 R 100 right"));
   made.surfaces.push_back({kLower, "Ground", "", ring()});
   made.surfaces.push_back({kUpper, "Plot", "", square(250, 290)});
-  made.points.push_back({kPoint, 7, 0, "", {270, 270, 1}, true, "", ""});
-  made.points.push_back({kNamedPoint, 8, 0, "FP8", {500, -20, 1}, true, "", ""});
+  made.points.push_back({kPoint, 7, 0, {270, 270, 1}, {}, true});
+  made.points.push_back({kNamedPoint, 8, 0, {500, -20, 1}, {"FP8", "", ""}, true});
   made.pointGroups.push_back({kPointGroup, "Survey", "", {8, 9}});
   civil::Corridor corridor;
   corridor.handle = kCorridor;
@@ -299,7 +299,7 @@ TEST(PlanScene, StandsObjectsWithoutGeometry) {
   made.siteless.alignments[0]->sampleLineGroups.push_back(
       {2, "Group", "", {{3, "Line", 0, {}}, {4, "Dot", 0, {{5, 5}}}}});
   made.surfaces.push_back({5, "No ground", "", TinSurface()});
-  made.points.push_back({6, 1, 0, "", {std::nan(""), 3, 0}, true, "", ""});
+  made.points.push_back({6, 1, 0, {std::nan(""), 3, 0}, {}, true});
   const PlanScene scene(made);
   for (const Handle handle : {1, 2, 3, 4, 5, 6}) EXPECT_TRUE(scene.describe(handle)) << handle;
   EXPECT_FALSE(scene.boxOf(1));
@@ -340,14 +340,8 @@ Drawing manyPoints(int count, std::mt19937& random) {
   Drawing made;
   std::normal_distribution<double> spread(0, 300);
   for (int i = 0; i < count; ++i)
-    made.points.push_back({static_cast<Handle>(100 + i),
-                           i,
-                           0,
-                           "",
-                           {2'600'000 + spread(random), 1'200'000 + spread(random), 0},
-                           true,
-                           "",
-                           ""});
+    made.points.push_back(
+        {static_cast<Handle>(100 + i), i, 0, {2'600'000 + spread(random), 1'200'000 + spread(random), 0}, {}, true});
   made.points[17].position = {0, 0, 0};  // a slip: far off the others
   return made;
 }
@@ -417,7 +411,7 @@ TEST(PlanPoints, AreFoundByHandleInAnyOrder) {
   auto random = test::seededByTestName();
   Drawing made = manyPoints(100, random);
   std::reverse(made.points.begin(), made.points.end());
-  made.points.push_back({100, 77, 0, "again", {1, 1, 1}, true, "", ""});
+  made.points.push_back({100, 77, 0, {1, 1, 1}, {"again", "", ""}, true});
   const PlanScene scene(made);
   for (int i = 0; i < 100; ++i)
     EXPECT_EQ(scene.describe(static_cast<Handle>(100 + i)), (Description{ObjectKind::Point, std::to_string(i)}));
