@@ -29,7 +29,7 @@ using namespace detail;
 
 namespace {
 
-civil::Site& siteNamed(Context& context, const std::string& name, pugi::xml_node position,
+civil::Site& siteNamed(Context& context, const std::string& name, Node position,
                        const std::optional<std::string>& handle) {
   for (civil::Site& site : context.drawing.sites) {
     if (site.name == name) return site;
@@ -42,8 +42,8 @@ civil::Site& siteNamed(Context& context, const std::string& name, pugi::xml_node
 
 /// Our own list of sites, which also holds the empty ones.
 void readSiteList(Context& context) {
-  eachChild(context.root, "Project", [&](pugi::xml_node project) {
-    eachChild(feature(project, "lvx_sites"), "Feature", [&](pugi::xml_node node) {
+  eachChild(context.root, "Project", [&](Node project) {
+    eachChild(feature(project, "lvx_sites"), "Feature", [&](Node node) {
       if (attribute(node, "code") != "lvx_site") return;
       const std::string name = featureName(node);
       if (name.empty()) {
@@ -56,10 +56,9 @@ void readSiteList(Context& context) {
   });
 }
 
-std::vector<civil::StationEquation> readEquations(Context& context, pugi::xml_node alignment,
-                                                  const std::string& speaker) {
+std::vector<civil::StationEquation> readEquations(Context& context, Node alignment, const std::string& speaker) {
   std::vector<civil::StationEquation> equations;
-  eachChild(alignment, "StaEquation", [&](pugi::xml_node node) {
+  eachChild(alignment, "StaEquation", [&](Node node) {
     const std::string who = speaker + ": StaEquation " + std::to_string(equations.size() + 1);
     // Never applied, so nothing of it is worth more than a note.
     const auto station = [&](const char* name, const char* otherwise) {
@@ -79,22 +78,22 @@ std::vector<civil::StationEquation> readEquations(Context& context, pugi::xml_no
 }
 
 /// Tells which elements are passed over: of each name how many there are, what they hold, and where the first stands.
-void noteUnread(Context& context, pugi::xml_node parent, const std::string& speaker,
+void noteUnread(Context& context, Node parent, const std::string& speaker,
                 std::initializer_list<std::string_view> known) {
   struct Unread {
     std::string_view name;
-    pugi::xml_node first;
+    Node first;
     std::size_t count = 0;
     std::size_t content = 0;
   };
   std::vector<Unread> unread;  // in the order of the file
-  eachElement(parent, [&](pugi::xml_node node) {
+  eachElement(parent, [&](Node node) {
     const std::string_view name = localName(node);
     if (std::find(known.begin(), known.end(), name) != known.end()) return;
     auto at = std::find_if(unread.begin(), unread.end(), [&](const Unread& u) { return u.name == name; });
     if (at == unread.end()) at = unread.insert(at, {.name = name, .first = node});
     ++at->count;
-    eachElement(node, [&](pugi::xml_node) { ++at->content; });
+    eachElement(node, [&](Node) { ++at->content; });
   });
   for (const Unread& u : unread) context.note(u.first, speaker + unreadText(u.name, u.count, u.content));
 }
@@ -107,7 +106,7 @@ void noteUnreadOfRoot(Context& context) {
               "PlanFeatures", "GradeModel", "Monuments"});
 }
 
-void readAlignment(Context& context, pugi::xml_node node, civil::Site& site, std::vector<AlignmentRecord>& records) {
+void readAlignment(Context& context, Node node, civil::Site& site, std::vector<AlignmentRecord>& records) {
   auto object = std::make_unique<civil::AlignmentObject>();
   object->name = attributeText(node, "name");
   object->description = attributeText(node, "desc");
@@ -135,7 +134,7 @@ void readAlignment(Context& context, pugi::xml_node node, civil::Site& site, std
              {"CoordGeom", "AlignPIs", "Profile", "CrossSects", "StaEquation", "Feature"});
 
   std::size_t number = 0;
-  eachChild(node, "CrossSects", [&](pugi::xml_node sections) {
+  eachChild(node, "CrossSects", [&](Node sections) {
     ++number;
     if (kindOf(sections) == SectionsKind::Corridor) return;
     object->sampleLineGroups.push_back(readSampleLines(context, sections, *object, speaker, number));
@@ -146,15 +145,15 @@ void readAlignment(Context& context, pugi::xml_node node, civil::Site& site, std
 
 std::vector<AlignmentRecord> readAlignments(Context& context) {
   // All sites first: a later one must not move those that alignments already stand in.
-  eachChild(context.root, "Alignments", [&](pugi::xml_node collection) {
+  eachChild(context.root, "Alignments", [&](Node collection) {
     const std::string name = attributeText(collection, "name");
     if (!name.empty()) siteNamed(context, name, collection, std::nullopt);
   });
   std::vector<AlignmentRecord> records;
-  eachChild(context.root, "Alignments", [&](pugi::xml_node collection) {
+  eachChild(context.root, "Alignments", [&](Node collection) {
     const std::string name = attributeText(collection, "name");
     civil::Site& site = name.empty() ? context.drawing.siteless : siteNamed(context, name, collection, std::nullopt);
-    eachChild(collection, "Alignment", [&](pugi::xml_node node) { readAlignment(context, node, site, records); });
+    eachChild(collection, "Alignment", [&](Node node) { readAlignment(context, node, site, records); });
   });
   return records;
 }

@@ -47,14 +47,13 @@ class AlignmentWriter {
 
  private:
   // Sample line groups.
-  void writeGroups(const AlignmentObject& now, const AlignmentObject& stored, pugi::xml_node node);
-  void addGroup(const AlignmentObject& alignment, const SampleLineGroup& group, pugi::xml_node node);
+  void writeGroups(const AlignmentObject& now, const AlignmentObject& stored, Node node);
+  void addGroup(const AlignmentObject& alignment, const SampleLineGroup& group, Node node);
   void removeGroup(const SampleLineGroup& group);
   void changeGroup(const AlignmentObject& alignment, const SampleLineGroup& now, const SampleLineGroup& stored);
   void changeLines(const AlignmentObject& alignment, const SampleLineGroup& now, const SampleLineGroup& stored,
-                   pugi::xml_node node);
-  void changeLine(const AlignmentObject& alignment, const SampleLine& now, const SampleLine& stored,
-                  pugi::xml_node node);
+                   Node node);
+  void changeLine(const AlignmentObject& alignment, const SampleLine& now, const SampleLine& stored, Node node);
   [[nodiscard]] bool isSamePlace(const SampleLine& a, const SampleLine& b) const;
   [[nodiscard]] bool isSameLine(const SampleLine& a, const SampleLine& b) const;
   [[nodiscard]] bool haveSameLines(const SampleLineGroup& a, const SampleLineGroup& b) const;
@@ -63,19 +62,17 @@ class AlignmentWriter {
   void separate(const SampleLineGroup& group);
   void nameByCount(const std::unordered_map<civil::Handle, const SampleLineGroup*>& groups,
                    const AlignmentObject& stored);
-  [[nodiscard]] std::string groupText(const AlignmentObject& alignment, const SampleLineGroup& group,
-                                      pugi::xml_node like, const Layout& layout) const;
+  [[nodiscard]] std::string groupText(const AlignmentObject& alignment, const SampleLineGroup& group, Node like,
+                                      const Layout& layout) const;
 
   bool countsOtherwise_ = false;  // an element of a group went or came in front of others
 
   // Profiles.
-  void writeProfiles(const AlignmentObject& now, const AlignmentObject& stored, pugi::xml_node node);
-  void removeProfiles(const AlignmentObject& alignment, const std::vector<const ProfileObject*>& profiles,
-                      pugi::xml_node filled);
+  void writeProfiles(const AlignmentObject& now, const AlignmentObject& stored, Node node);
+  void removeProfiles(const AlignmentObject& alignment, const std::vector<const ProfileObject*>& profiles, Node filled);
   void changeProfile(const ProfileObject& now, const ProfileObject& stored);
-  [[nodiscard]] std::string profileText(const ProfileObject& profile, pugi::xml_node like, const Layout& layout) const;
-  [[nodiscard]] std::string pointsText(const civil::Profile& profile, pugi::xml_node like,
-                                       const std::string& lead) const;
+  [[nodiscard]] std::string profileText(const ProfileObject& profile, Node like, const Layout& layout) const;
+  [[nodiscard]] std::string pointsText(const civil::Profile& profile, Node like, const std::string& lead) const;
   [[nodiscard]] bool haveSamePoints(const civil::Profile& a, const civil::Profile& b) const;
 
   FileChange& change_;
@@ -93,7 +90,7 @@ AlignmentWriter::AlignmentWriter(FileChange& change)
   for (const CorridorTrace& corridor : change.trace.corridors) {
     for (const auto& regions : corridor.baselines) {
       for (const RegionTrace& region : regions) {
-        if (region.sections.node) sections_.insert(region.sections.node.offset_debug());
+        if (region.sections.node) sections_.insert(region.sections.node.place());
       }
     }
   }
@@ -106,7 +103,7 @@ void AlignmentWriter::write() {
   });
   eachAlignment(change_.stored, [&](const AlignmentObject& stored) {
     const auto found = alignments.find(stored.handle);
-    const pugi::xml_node node = change_.places.nodeOf(stored.handle);
+    const Node node = change_.places.nodeOf(stored.handle);
     if (found == alignments.end() || !node)
       failSaving("the drawing's alignments aren't those of the file; they can't be saved there", change_.path);
     writeProfiles(*found->second, stored, node);
@@ -133,7 +130,7 @@ bool AlignmentWriter::haveSameLines(const SampleLineGroup& a, const SampleLineGr
                     [&](const SampleLine& x, const SampleLine& y) { return isSameLine(x, y); });
 }
 
-void AlignmentWriter::writeGroups(const AlignmentObject& now, const AlignmentObject& stored, pugi::xml_node node) {
+void AlignmentWriter::writeGroups(const AlignmentObject& now, const AlignmentObject& stored, Node node) {
   std::unordered_map<civil::Handle, const SampleLineGroup*> groups;
   for (const SampleLineGroup& group : now.sampleLineGroups) groups.emplace(group.handle, &group);
   std::unordered_set<civil::Handle> known;
@@ -152,8 +149,8 @@ void AlignmentWriter::writeGroups(const AlignmentObject& now, const AlignmentObj
   }
 }
 
-std::string AlignmentWriter::groupText(const AlignmentObject& alignment, const SampleLineGroup& group,
-                                       pugi::xml_node like, const Layout& layout) const {
+std::string AlignmentWriter::groupText(const AlignmentObject& alignment, const SampleLineGroup& group, Node like,
+                                       const Layout& layout) const {
   const std::string name = FileEditor::nameLike(like, "CrossSects");
   const Layout inner = layout.inner();
   std::string text = '<' + name + nameAttributes(group) + '>';
@@ -164,13 +161,13 @@ std::string AlignmentWriter::groupText(const AlignmentObject& alignment, const S
   return text + layout.lead + "</" + name + '>';
 }
 
-void AlignmentWriter::addGroup(const AlignmentObject& alignment, const SampleLineGroup& group, pugi::xml_node node) {
+void AlignmentWriter::addGroup(const AlignmentObject& alignment, const SampleLineGroup& group, Node node) {
   change_.addChild(node, "CrossSects", [&](const Layout& layout) { return groupText(alignment, group, node, layout); });
 }
 
 void AlignmentWriter::removeGroup(const SampleLineGroup& group) {
-  const pugi::xml_node node = change_.places.nodeOf(group.handle);
-  if (sections_.count(node.offset_debug()) > 0) {
+  const Node node = change_.places.nodeOf(group.handle);
+  if (sections_.count(node.place()) > 0) {
     separate(group);
     return;
   }
@@ -183,7 +180,7 @@ void AlignmentWriter::nameByCount(const std::unordered_map<civil::Handle, const 
                                   const AlignmentObject& stored) {
   for (const SampleLineGroup& group : stored.sampleLineGroups) {
     const auto found = groups.find(group.handle);
-    const pugi::xml_node node = change_.places.nodeOf(group.handle);
+    const Node node = change_.places.nodeOf(group.handle);
     if (found == groups.end() || change_.isSeparated(node) || !hasSameName(*found->second, group)) continue;
     if (attributeText(node, "name").empty()) change_.setText(node, "name", civil::savedName(group));
   }
@@ -193,20 +190,20 @@ void AlignmentWriter::nameByCount(const std::unordered_map<civil::Handle, const 
 /// refers to it by the handle that was the group's.
 void AlignmentWriter::separate(const SampleLineGroup& group) {
   change_.begin();
-  const pugi::xml_node node = change_.places.nodeOf(group.handle);
+  const Node node = change_.places.nodeOf(group.handle);
   change_.setSeparated(node);
-  if (const pugi::xml_node ours = feature(node, "lvx_sampleLineGroup")) change_.remove(ours);
-  if (const pugi::xml_node sections = feature(node, "lvx_corridorSections"))
+  if (const Node ours = feature(node, "lvx_sampleLineGroup")) change_.remove(ours);
+  if (const Node sections = feature(node, "lvx_corridorSections"))
     change_.setProperty(sections, "handle", terms_.handleText(group.handle));
   change_.places.setGiven(group.handle);
   for (const SampleLine& line : group.lines) {
     change_.places.setGiven(line.handle);
-    if (const pugi::xml_node ours = feature(change_.places.nodeOf(line.handle), "lvx_sampleLine")) change_.remove(ours);
+    if (const Node ours = feature(change_.places.nodeOf(line.handle), "lvx_sampleLine")) change_.remove(ours);
   }
 }
 
 bool AlignmentWriter::wouldChangeSections(const SampleLineGroup& now, const SampleLineGroup& stored) const {
-  if (sections_.count(change_.places.nodeOf(stored.handle).offset_debug()) == 0) return false;
+  if (sections_.count(change_.places.nodeOf(stored.handle).place()) == 0) return false;
   const auto isSameSection = [&](const SampleLine& a, const SampleLine& b) {
     return a.handle == b.handle && a.name == b.name && terms_.isSameLength(a.station, b.station);
   };
@@ -218,7 +215,7 @@ void AlignmentWriter::changeGroup(const AlignmentObject& alignment, const Sample
                                   const SampleLineGroup& stored) {
   const bool hasSame = haveSameLines(now, stored);
   if (hasSame && hasSameName(now, stored) && now.description == stored.description) return;
-  const pugi::xml_node node = change_.places.nodeOf(stored.handle);
+  const Node node = change_.places.nodeOf(stored.handle);
   if (wouldChangeSections(now, stored)) {
     separate(stored);
     countsOtherwise_ = true;
@@ -231,13 +228,13 @@ void AlignmentWriter::changeGroup(const AlignmentObject& alignment, const Sample
 }
 
 /// Whether the line says neither where it lies nor how far it reaches, and so takes the width of others.
-bool borrowsItsWidth(pugi::xml_node node) {
+bool borrowsItsWidth(Node node) {
   return !property(feature(node, "lvx_sampleLine"), "vertices") && !child(node, "CrossSectSurf") &&
          !child(node, "DesignCrossSectSurf");
 }
 
 void AlignmentWriter::changeLines(const AlignmentObject& alignment, const SampleLineGroup& now,
-                                  const SampleLineGroup& stored, pugi::xml_node node) {
+                                  const SampleLineGroup& stored, Node node) {
   std::unordered_map<civil::Handle, std::size_t> places;
   for (std::size_t i = 0; i < stored.lines.size(); ++i) places.emplace(stored.lines[i].handle, i);
   const Layout layout = change_.layoutOfChildren(node, "CrossSect");
@@ -254,7 +251,7 @@ void AlignmentWriter::changeLines(const AlignmentObject& alignment, const Sample
     next = found->second + 1;
     stays[found->second] = 1;
     const SampleLine& old = stored.lines[found->second];
-    const pugi::xml_node section = change_.places.nodeOf(old.handle);
+    const Node section = change_.places.nodeOf(old.handle);
     if (!isSameLine(line, old) || borrowsItsWidth(section)) changeLine(alignment, line, old, section);
     items.push_back({section, {}});
   }
@@ -265,7 +262,7 @@ void AlignmentWriter::changeLines(const AlignmentObject& alignment, const Sample
 }
 
 void AlignmentWriter::changeLine(const AlignmentObject& alignment, const SampleLine& now, const SampleLine& stored,
-                                 pugi::xml_node node) {
+                                 Node node) {
   change_.begin();
   // 1.0 has no name for a CrossSect, which doesn't keep programs from writing one.
   const bool hasAttribute = change_.markup.hasSectionNames() || !attributeText(node, "name").empty();
@@ -278,13 +275,13 @@ void AlignmentWriter::changeLine(const AlignmentObject& alignment, const SampleL
     if (isTurned) change_.setText(node, "angleSkew", skew);
     // What other programs measured stays true as long as the line runs where it ran.
     const bool runsElsewhere = isTurned || !terms_.isSameLength(now.station, stored.station);
-    eachChild(node, "CrossSectSurf", [&](pugi::xml_node surface) {
+    eachChild(node, "CrossSectSurf", [&](Node surface) {
       if (runsElsewhere || lines_.isSampled(attributeText(surface, "name"))) editor_.remove(surface);
     });
     editor_.prepend(node, lines_.groundsText(alignment, now, node, editor_.layoutInside(node).lead));
   }
 
-  const pugi::xml_node ours = feature(node, "lvx_sampleLine");
+  const Node ours = feature(node, "lvx_sampleLine");
   if (!ours) {
     editor_.append(node, lines_.featureOf(now, node));
   } else {
@@ -313,7 +310,7 @@ bool AlignmentWriter::haveSamePoints(const civil::Profile& a, const civil::Profi
                     });
 }
 
-void AlignmentWriter::writeProfiles(const AlignmentObject& now, const AlignmentObject& stored, pugi::xml_node node) {
+void AlignmentWriter::writeProfiles(const AlignmentObject& now, const AlignmentObject& stored, Node node) {
   std::unordered_map<civil::Handle, const ProfileObject*> profiles;
   for (const ProfileObject& profile : now.profiles) profiles.emplace(profile.handle, &profile);
   std::unordered_set<civil::Handle> known;
@@ -326,13 +323,13 @@ void AlignmentWriter::writeProfiles(const AlignmentObject& now, const AlignmentO
     else
       changeProfile(*found->second, profile);
   }
-  pugi::xml_node collection;  // takes the new ones
-  eachChild(node, "Profile", [&](pugi::xml_node candidate) { collection = candidate; });
+  Node collection;  // takes the new ones
+  eachChild(node, "Profile", [&](Node candidate) { collection = candidate; });
   std::vector<const ProfileObject*> added;
   for (const ProfileObject& profile : now.profiles) {
     if (known.count(profile.handle) == 0) added.push_back(&profile);
   }
-  removeProfiles(now, removed, added.empty() ? pugi::xml_node() : collection);
+  removeProfiles(now, removed, added.empty() ? Node() : collection);
   if (added.empty()) return;
   if (!collection) {
     change_.addChild(node, "CoordGeom", [&](const Layout& layout) {
@@ -345,8 +342,8 @@ void AlignmentWriter::writeProfiles(const AlignmentObject& now, const AlignmentO
     return;
   }
   change_.begin();
-  pugi::xml_node last;
-  eachElement(collection, [&](pugi::xml_node element) {
+  Node last;
+  eachElement(collection, [&](Node element) {
     if (isNamed(element, "ProfAlign") || isNamed(element, "ProfSurf")) last = element;
   });
   for (const ProfileObject* profile : added) {
@@ -361,7 +358,7 @@ void AlignmentWriter::writeProfiles(const AlignmentObject& now, const AlignmentO
 
 /// A Profile that loses all of its own goes with them, but for `filled`, which gets new ones.
 void AlignmentWriter::removeProfiles(const AlignmentObject& alignment,
-                                     const std::vector<const ProfileObject*>& profiles, pugi::xml_node filled) {
+                                     const std::vector<const ProfileObject*>& profiles, Node filled) {
   std::unordered_map<std::ptrdiff_t, std::size_t> losses;
   for (const ProfileObject* const profile : profiles) {
     for (const civil::Corridor& corridor : change_.stored.corridors) {
@@ -373,24 +370,23 @@ void AlignmentWriter::removeProfiles(const AlignmentObject& alignment,
                    change_.path);
       }
     }
-    ++losses[change_.places.nodeOf(profile->handle).parent().offset_debug()];
+    ++losses[change_.places.nodeOf(profile->handle).parent().place()];
   }
   std::unordered_set<std::ptrdiff_t> gone;
   for (const ProfileObject* const profile : profiles) {
-    const pugi::xml_node node = change_.places.nodeOf(profile->handle);
-    const pugi::xml_node collection = node.parent();
+    const Node node = change_.places.nodeOf(profile->handle);
+    const Node collection = node.parent();
     std::size_t count = 0;
-    eachElement(collection, [&](pugi::xml_node) { ++count; });
-    if (count > losses[collection.offset_debug()] || (filled && collection.offset_debug() == filled.offset_debug())) {
+    eachElement(collection, [&](Node) { ++count; });
+    if (count > losses[collection.place()] || (filled && collection.place() == filled.place())) {
       change_.remove(node);
-    } else if (gone.insert(collection.offset_debug()).second) {
+    } else if (gone.insert(collection.place()).second) {
       change_.remove(collection);
     }
   }
 }
 
-std::string AlignmentWriter::pointsText(const civil::Profile& profile, pugi::xml_node like,
-                                        const std::string& lead) const {
+std::string AlignmentWriter::pointsText(const civil::Profile& profile, Node like, const std::string& lead) const {
   const auto place = [&](const VerticalPoint& point) {
     return terms_.lengthText(point.station) + ' ' + terms_.lengthText(point.elevation);
   };
@@ -434,8 +430,7 @@ std::string AlignmentWriter::pointsText(const civil::Profile& profile, pugi::xml
   return text;
 }
 
-std::string AlignmentWriter::profileText(const ProfileObject& profile, pugi::xml_node like,
-                                         const Layout& layout) const {
+std::string AlignmentWriter::profileText(const ProfileObject& profile, Node like, const Layout& layout) const {
   const std::string name = FileEditor::nameLike(like, profile.profile.isGround() ? "ProfSurf" : "ProfAlign");
   const Layout inner = layout.inner();
   std::string text =
@@ -446,7 +441,7 @@ std::string AlignmentWriter::profileText(const ProfileObject& profile, pugi::xml
 }
 
 void AlignmentWriter::changeProfile(const ProfileObject& now, const ProfileObject& stored) {
-  const pugi::xml_node node = change_.places.nodeOf(stored.handle);
+  const Node node = change_.places.nodeOf(stored.handle);
   if (!hasSameName(now, stored)) change_.setText(node, "name", civil::savedName(now));
   if (now.description != stored.description) change_.setText(node, "desc", now.description);
   if (haveSamePoints(now.profile, stored.profile)) return;
@@ -455,9 +450,9 @@ void AlignmentWriter::changeProfile(const ProfileObject& now, const ProfileObjec
   change_.begin();
   const std::string lead = editor_.layoutInside(node).lead;
   std::string text = pointsText(now.profile, node, lead);
-  pugi::xml_node first;
-  pugi::xml_node last;
-  eachElement(node, [&](pugi::xml_node element) {
+  Node first;
+  Node last;
+  eachElement(node, [&](Node element) {
     if (isNamed(element, "Feature")) return;
     if (!first) first = element;
     last = element;

@@ -87,22 +87,21 @@ class ChangeWriter {
   // What a first save adds.
   void ensureHandles();
   void becomeOurs();
-  void ensureHandle(pugi::xml_node node, civil::Handle handle);
+  void ensureHandle(Node node, civil::Handle handle);
   void writeSites();
   void adoptCorridor(std::size_t corridor);
-  [[nodiscard]] Markup regionFeature(const Place& place, pugi::xml_node like);
+  [[nodiscard]] Markup regionFeature(const Place& place, Node like);
 
   // One region.
   void writeRegion(const Place& place);
   void writeStations(const Place& place);
   void writeAddedStations(const Place& place);
   void writeSections(const Place& place);
-  void changeSection(const Place& place, const CorridorSection& now, const CorridorSection& stored,
-                     pugi::xml_node node);
+  void changeSection(const Place& place, const CorridorSection& now, const CorridorSection& stored, Node node);
   void writeOwnCrossSects(const Place& place);
   [[nodiscard]] std::vector<std::pair<double, std::string>> newLabels(const Place& place) const;
 
-  [[nodiscard]] pugi::xml_node nodeOf(civil::Handle handle) const { return change_.places.nodeOf(handle); }
+  [[nodiscard]] Node nodeOf(civil::Handle handle) const { return change_.places.nodeOf(handle); }
 
   FileChange& change_;
   const civil::Drawing& stored_;
@@ -110,12 +109,12 @@ class ChangeWriter {
   FileEditor& editor_;
   const FileTerms& terms_;
   const std::string& path_;
-  const pugi::xml_node root_;
+  const Node root_;
   const SectionMarkup& markup_;
   std::vector<const civil::Corridor*> corridors_;  // of the file, as in the drawing
   std::vector<std::vector<Place>> places_;         // by corridor
   std::unordered_map<std::ptrdiff_t, int> users_;  // regions by the place of their CrossSects
-  std::map<std::ptrdiff_t, std::pair<pugi::xml_node, std::vector<Markup>>> newRoadways_;  // by their Alignments
+  std::map<std::ptrdiff_t, std::pair<Node, std::vector<Markup>>> newRoadways_;  // by their Alignments
 };
 
 ChangeWriter::ChangeWriter(FileChange& change)
@@ -145,7 +144,7 @@ void ChangeWriter::pairRegions() {
       for (std::size_t r = 0; fits && r < old.baselines[b].regions.size(); ++r) {
         const RegionTrace& trace = trace_.corridors[c].baselines[b][r];
         places.push_back({&now, &now.baselines[b], &now.baselines[b].regions[r], &old.baselines[b].regions[r], &trace});
-        if (trace.sections.node) ++users_[trace.sections.node.offset_debug()];
+        if (trace.sections.node) ++users_[trace.sections.node.place()];
       }
     }
   }
@@ -185,7 +184,7 @@ void ChangeWriter::run() {
 
 // ---------------------------------------------------------------- objects
 
-void ChangeWriter::ensureHandle(pugi::xml_node node, civil::Handle handle) {
+void ChangeWriter::ensureHandle(Node node, civil::Handle handle) {
   if (handle == 0 || !node || change_.places.isGiven(handle) || change_.places.isRemoved(node)) return;
   change_.places.setGiven(handle);
   struct Row {
@@ -201,10 +200,10 @@ void ChangeWriter::ensureHandle(pugi::xml_node node, civil::Handle handle) {
   if (row == std::end(kRows))
     return;  // points keep theirs by their order, sites and corridors have Features of their own
   const std::string text = terms_.handleText(handle);
-  const pugi::xml_node existing = feature(node, row->code);
+  const Node existing = feature(node, row->code);
   if (!existing)
     editor_.append(node, markup_.featureMarkup(node, {}, row->code, {{"handle", text}}));
-  else if (const pugi::xml_node property = propertyNode(existing, "handle"))
+  else if (const Node property = propertyNode(existing, "handle"))
     editor_.setAttribute(property, "value", text);
   else
     editor_.addProperty(existing, "handle", text);
@@ -227,7 +226,7 @@ void ChangeWriter::becomeOurs() {
 }
 
 void ChangeWriter::writeSites() {
-  const pugi::xml_node project = child(root_, "Project");
+  const Node project = child(root_, "Project");
   // Without a Project the sites go on by their order: we don't name the user's project for him.
   if (!project || stored_.sites.empty() || feature(project, "lvx_sites")) return;
   Markup list = markup_.featureMarkup(project, {}, "lvx_sites", {});
@@ -239,8 +238,8 @@ void ChangeWriter::writeSites() {
   editor_.append(project, std::move(list));
 }
 
-Markup ChangeWriter::regionFeature(const Place& place, pugi::xml_node like) {
-  const pugi::xml_node sections = place.trace->sections.node;
+Markup ChangeWriter::regionFeature(const Place& place, Node like) {
+  const Node sections = place.trace->sections.node;
   const civil::Handle handle = change_.places.handleOf(sections);
   ensureHandle(sections, handle);
   if (!feature(sections, "lvx_corridorSections")) {
@@ -291,12 +290,12 @@ void ChangeWriter::adoptCorridor(std::size_t index) {
   }
   const civil::AlignmentObject& alignment = *corridor.baselines.front().alignment;
   // Right behind its alignment's collection, where its place in the order of corridors is.
-  const pugi::xml_node alignments = nodeOf(alignment.handle).parent();
+  const Node alignments = nodeOf(alignment.handle).parent();
   Markup roadway{FileEditor::nameLike(root_, "Roadway"),
                  {{"name", corridor.name}, {"alignmentRefs", civil::savedName(alignment)}},
                  {std::move(ours)},
                  false};
-  auto& roadways = newRoadways_[alignments.offset_debug()];
+  auto& roadways = newRoadways_[alignments.place()];
   roadways.first = alignments;
   roadways.second.push_back(std::move(roadway));
 }
@@ -309,8 +308,8 @@ void ChangeWriter::writeRegion(const Place& place) {
     writeAddedStations(place);
   }
   if (haveSameSections(*place.now, *place.stored)) return;
-  const pugi::xml_node sections = place.trace->sections.node;
-  if (sections && users_[sections.offset_debug()] == 1)
+  const Node sections = place.trace->sections.node;
+  if (sections && users_[sections.place()] == 1)
     writeSections(place);
   else
     writeOwnCrossSects(place);
@@ -335,7 +334,7 @@ void ChangeWriter::writeStations(const Place& place) {
     if (!text.empty()) text += ' ';
     text += found == digits.end() ? terms_.lengthText(station) : found->second;
   }
-  if (const pugi::xml_node node = propertyNode(place.trace->feature, "stations"))
+  if (const Node node = propertyNode(place.trace->feature, "stations"))
     editor_.setAttribute(node, "value", text);
   else
     editor_.addProperty(place.trace->feature, "stations", text);
@@ -386,22 +385,22 @@ void ChangeWriter::writeSections(const Place& place) {
   const std::vector<SectionPair> pairs = pairSections(place.now->sections, place.stored->sections);
 
   // The section whose parts a new one resembles: the last one before it that the file holds, else the first one after.
-  std::vector<pugi::xml_node> patterns(pairs.size());
-  pugi::xml_node near;
+  std::vector<Node> patterns(pairs.size());
+  Node near;
   for (std::size_t i = 0; i < pairs.size(); ++i) {
     if (pairs[i].stored != SectionPair::kNone) near = trace.sections[pairs[i].stored];
     patterns[i] = near;
   }
   near = {};
-  pugi::xml_node next;  // the first one behind a new section that stays
-  std::vector<pugi::xml_node> followers(pairs.size());
+  Node next;  // the first one behind a new section that stays
+  std::vector<Node> followers(pairs.size());
   for (std::size_t i = pairs.size(); i-- > 0;) {
     if (pairs[i].stored != SectionPair::kNone) near = trace.sections[pairs[i].stored];
     if (!patterns[i]) patterns[i] = near;
     followers[i] = next;
     if (pairs[i].stored != SectionPair::kNone && pairs[i].now != SectionPair::kNone) next = near;
   }
-  pugi::xml_node previous;
+  Node previous;
   for (std::size_t i = 0; i < pairs.size(); ++i) {
     const SectionPair& pair = pairs[i];
     if (pair.now == SectionPair::kNone) {
@@ -414,7 +413,7 @@ void ChangeWriter::writeSections(const Place& place) {
       changeSection(place, now, place.stored->sections[pair.stored], previous);
       continue;
     }
-    const pugi::xml_node sibling = followers[i] ? followers[i] : previous;
+    const Node sibling = followers[i] ? followers[i] : previous;
     const Layout layout = sibling ? editor_.layoutOf(sibling) : editor_.layoutInside(trace.node);
     const std::string text =
         markup_.sectionText(*place.baseline, now, trace.node, patterns[i], trace.isAbsolute, layout);
@@ -428,7 +427,7 @@ void ChangeWriter::writeSections(const Place& place) {
 }
 
 void ChangeWriter::changeSection(const Place& place, const CorridorSection& now, const CorridorSection& stored,
-                                 pugi::xml_node node) {
+                                 Node node) {
   const bool isAbsolute = place.trace->sections.isAbsolute;
   if (now.station != stored.station) editor_.setAttribute(node, "sta", terms_.lengthText(now.station));
   if (now.label != stored.label && markup_.hasSectionNames()) {
@@ -438,9 +437,9 @@ void ChangeWriter::changeSection(const Place& place, const CorridorSection& now,
       editor_.setAttribute(node, "name", now.label);
   }
 
-  const std::vector<pugi::xml_node> parts = childrenNamed(node, "DesignCrossSectSurf");
+  const std::vector<Node> parts = childrenNamed(node, "DesignCrossSectSurf");
   bool sameShape = civil::haveSameShape(now, stored) && parts.size() == now.parts.size();
-  std::vector<std::vector<pugi::xml_node>> points;
+  std::vector<std::vector<Node>> points;
   for (std::size_t i = 0; sameShape && i < parts.size(); ++i) {
     points.push_back(childrenNamed(parts[i], "CrossSectPnt"));
     sameShape = points.back().size() == now.parts[i].points.size();  // not where the reader left one out
@@ -457,7 +456,7 @@ void ChangeWriter::changeSection(const Place& place, const CorridorSection& now,
     const Layout layout = parts.empty() ? editor_.layoutInside(node) : editor_.layoutOf(parts.front());
     std::string text = markup_.partsText(*place.baseline, now, node, node, isAbsolute, layout.lead);
     if (parts.empty()) {
-      const std::vector<pugi::xml_node> surfaces = childrenNamed(node, "CrossSectSurf");
+      const std::vector<Node> surfaces = childrenNamed(node, "CrossSectSurf");
       if (surfaces.empty())
         editor_.prepend(node, text);
       else
@@ -469,8 +468,8 @@ void ChangeWriter::changeSection(const Place& place, const CorridorSection& now,
   }
 
   if (now.origin == stored.origin) return;
-  if (const pugi::xml_node ours = feature(node, "lvx_section")) {
-    const pugi::xml_node origin = propertyNode(ours, "origin");
+  if (const Node ours = feature(node, "lvx_section")) {
+    const Node origin = propertyNode(ours, "origin");
     if (now.origin == SectionOrigin::Given)
       editor_.remove(ours);
     else if (origin)
@@ -484,9 +483,9 @@ void ChangeWriter::changeSection(const Place& place, const CorridorSection& now,
 
 /// For a region without sections in the file, or with sections that another region uses too.
 void ChangeWriter::writeOwnCrossSects(const Place& place) {
-  const pugi::xml_node alignment = nodeOf(place.baseline->alignment->handle);
+  const Node alignment = nodeOf(place.baseline->alignment->handle);
   std::unordered_set<std::string> taken;
-  eachChild(alignment, "CrossSects", [&](pugi::xml_node node) { taken.insert(attributeText(node, "name")); });
+  eachChild(alignment, "CrossSects", [&](Node node) { taken.insert(attributeText(node, "name")); });
   const std::string wanted = place.corridor->name + " | " + place.baseline->name + " | " + place.now->name;
   std::string name = wanted;
   for (int n = 2; taken.count(name) > 0; ++n) name = wanted + " (" + std::to_string(n) + ")";
@@ -495,8 +494,7 @@ void ChangeWriter::writeOwnCrossSects(const Place& place) {
   const Layout layout = editor_.layoutInside(alignment);
   const Layout inside = layout.inner();
   const std::string element = FileEditor::nameLike(alignment, "CrossSects");
-  const pugi::xml_node pattern =
-      place.trace->sections.sections.empty() ? pugi::xml_node() : place.trace->sections.sections.front();
+  const Node pattern = place.trace->sections.sections.empty() ? Node() : place.trace->sections.sections.front();
   std::string text = layout.lead + '<' + element + " name=\"" + escapedAttribute(name) + "\">";
   for (const CorridorSection& section : place.now->sections) {
     text += inside.lead + markup_.sectionText(*place.baseline, section, alignment, pattern, isAbsolute, inside);
@@ -506,12 +504,12 @@ void ChangeWriter::writeOwnCrossSects(const Place& place) {
       .print(inside, text);
   editor_.append(alignment, text + layout.lead + "</" + element + '>');
 
-  const pugi::xml_node region = place.trace->feature;
-  if (const pugi::xml_node property = propertyNode(region, "crossSects"))
+  const Node region = place.trace->feature;
+  if (const Node property = propertyNode(region, "crossSects"))
     editor_.setAttribute(property, "value", name);
   else
     editor_.addProperty(region, "crossSects", name);
-  if (const pugi::xml_node property = propertyNode(region, "crossSectsHandle")) editor_.remove(property);
+  if (const Node property = propertyNode(region, "crossSectsHandle")) editor_.remove(property);
 }
 
 }  // namespace

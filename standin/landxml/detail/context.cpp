@@ -26,7 +26,7 @@ std::string shownNumber(double value) { return text::shortText(value, 4); }
 
 Context::Context(civil::Drawing& d, const Document& document, bool swapAxes, Trace* t)
     : drawing(d), root(document.root()), trace(t), document_(document), swapAxes_(swapAxes), points_(document) {
-  eachChild(root, "FeatureDictionary", [&](pugi::xml_node node) {
+  eachChild(root, "FeatureDictionary", [&](Node node) {
     if (attribute(node, "name") != "lvx") return;
     if (attribute(node, "version") != kGuestVersion) ours_ = true;
     if (trace != nullptr) trace->hasDictionary = true;
@@ -36,8 +36,8 @@ Context::Context(civil::Drawing& d, const Document& document, bool swapAxes, Tra
 }
 
 void Context::readUnits() {
-  pugi::xml_node units;
-  eachChild(root, "Units", [&](pugi::xml_node collection) {
+  Node units;
+  eachChild(root, "Units", [&](Node collection) {
     for (const char* const name : {"Metric", "Imperial"}) {
       const auto node = child(collection, name);
       if (!node) continue;
@@ -106,11 +106,11 @@ std::optional<double> Context::angle(std::string_view text) const {
   return text.front() == '-' ? -size : size;
 }
 
-std::size_t Context::lineOf(pugi::xml_node where) const {
+std::size_t Context::lineOf(Node where) const {
   return where ? document_.lineAt(static_cast<std::size_t>(where.place())) : 0;
 }
 
-void Context::report(civil::Severity severity, pugi::xml_node where, std::string message) {
+void Context::report(civil::Severity severity, Node where, std::string message) {
   if (drawing.diagnostics.size() >= kMostDiagnostics) {
     ++unreported_;
     return;
@@ -125,7 +125,7 @@ Context::Subject::~Subject() {
   }
 }
 
-std::optional<double> Context::number(pugi::xml_node node, const char* name, const std::string& speaker,
+std::optional<double> Context::number(Node node, const char* name, const std::string& speaker,
                                       const Consequence& otherwise) {
   const std::string_view value = attribute(node, name);
   if (value.empty()) return std::nullopt;
@@ -136,7 +136,7 @@ std::optional<double> Context::number(pugi::xml_node node, const char* name, con
   return std::nullopt;
 }
 
-std::vector<double> Context::numbers(pugi::xml_node node, const std::string& speaker) {
+std::vector<double> Context::numbers(Node node, const std::string& speaker) {
   NumberList list = readNumbers(text(node));
   if (!list.problem.empty()) {
     error(node, speaker + ": " + list.problem + "; the list is left out");
@@ -148,8 +148,8 @@ std::vector<double> Context::numbers(pugi::xml_node node, const std::string& spe
 
 // ---------------------------------------------------------------- points by name
 
-void Context::collectPoints(pugi::xml_node collection) {
-  eachElement(collection, [&](pugi::xml_node node) {
+void Context::collectPoints(Node collection) {
+  eachElement(collection, [&](Node node) {
     if (isNamed(node, "CgPoint")) {
       points_.add(node);
     } else if (isNamed(node, "CgPoints")) {
@@ -161,7 +161,7 @@ void Context::collectPoints(pugi::xml_node collection) {
 void Context::collectOtherPoints() {
   otherPointsCollected_ = true;
   static const std::unordered_set<std::string_view> kKinds{"Start", "End", "Center", "PI", "Location", "ControlPoint"};
-  document_.eachElement([&](pugi::xml_node node) {
+  document_.eachElement([&](Node node) {
     if (kKinds.count(localName(node)) == 0) return;
     const std::string_view name = attribute(node, "name");
     if (!name.empty()) otherPoints_.emplace(name, node);
@@ -176,7 +176,7 @@ std::size_t Context::PointNames::slotOf(std::string_view name) const {
   return slot;
 }
 
-void Context::PointNames::add(pugi::xml_node point) {
+void Context::PointNames::add(Node point) {
   const std::string_view name = attribute(point, "name");
   if (name.empty()) return;
   if (10 * count_ >= 7 * slots_.size()) {
@@ -192,25 +192,25 @@ void Context::PointNames::add(pugi::xml_node point) {
   ++count_;
 }
 
-pugi::xml_node Context::PointNames::find(std::string_view name) const {
+Node Context::PointNames::find(std::string_view name) const {
   if (slots_.empty()) return {};
   const std::size_t place = slots_[slotOf(name)];
-  return place == kFree ? pugi::xml_node() : document_.at(place);
+  return place == kFree ? Node() : document_.at(place);
 }
 
-pugi::xml_node Context::pointNamed(std::string_view name) {
+Node Context::pointNamed(std::string_view name) {
   name = trimmed(name);
   if (!pointsCollected_) {
     pointsCollected_ = true;
-    eachChild(root, "CgPoints", [&](pugi::xml_node node) { collectPoints(node); });
+    eachChild(root, "CgPoints", [&](Node node) { collectPoints(node); });
   }
-  if (const pugi::xml_node found = points_.find(name)) return found;
+  if (const Node found = points_.find(name)) return found;
   if (!otherPointsCollected_) collectOtherPoints();
   const auto found = otherPoints_.find(std::string(name));
-  return found == otherPoints_.end() ? pugi::xml_node() : found->second;
+  return found == otherPoints_.end() ? Node() : found->second;
 }
 
-PlacedPoint Context::place(pugi::xml_node point, int depth) {
+PlacedPoint Context::place(Node point, int depth) {
   PlacedPoint result;
   if (!point) {
     result.problem = "is missing";
@@ -295,7 +295,7 @@ std::optional<civil::Handle> Context::parseHandle(const std::optional<std::strin
   return handle;
 }
 
-civil::Handle Context::ticket(pugi::xml_node position, const std::optional<std::string>& handleText) {
+civil::Handle Context::ticket(Node position, const std::optional<std::string>& handleText) {
   const auto given = parseHandle(handleText);
   if (handleText && !given) warn(position, "'" + shown(*handleText) + "' is not a handle; another one is given");
   tickets_.push_back(static_cast<std::size_t>(position.place()));

@@ -33,7 +33,7 @@ class Context {
   Context(civil::Drawing& drawing, const Document& document, bool swapAxes, Trace* trace = nullptr);
 
   civil::Drawing& drawing;
-  pugi::xml_node root;
+  Node root;
   /// Where the drawing's things stand in the file, for saving; null where nobody asks.
   Trace* const trace;
 
@@ -50,13 +50,13 @@ class Context {
   /// Radians of an angle in the file's angular unit; empty for a text that is none.
   [[nodiscard]] std::optional<double> angle(std::string_view text) const;
 
-  void report(civil::Severity severity, pugi::xml_node where, std::string text);
-  void warn(pugi::xml_node where, std::string text) { report(civil::Severity::Warning, where, std::move(text)); }
-  void error(pugi::xml_node where, std::string text) { report(civil::Severity::Error, where, std::move(text)); }
-  void note(pugi::xml_node where, std::string text) { report(civil::Severity::Note, where, std::move(text)); }
-  [[nodiscard]] std::size_t lineOf(pugi::xml_node where) const;
+  void report(civil::Severity severity, Node where, std::string text);
+  void warn(Node where, std::string text) { report(civil::Severity::Warning, where, std::move(text)); }
+  void error(Node where, std::string text) { report(civil::Severity::Error, where, std::move(text)); }
+  void note(Node where, std::string text) { report(civil::Severity::Note, where, std::move(text)); }
+  [[nodiscard]] std::size_t lineOf(Node where) const;
   /// The element at a place that Node::place gave.
-  [[nodiscard]] pugi::xml_node nodeAt(std::size_t place) const { return document_.at(place); }
+  [[nodiscard]] Node nodeAt(std::size_t place) const { return document_.at(place); }
 
   /// While it lives, what is reported is about one object, unless a Subject within says that it is about a part of it.
   /// Which object that is may come out late, or never: then it is about whatever the Subject around is about.
@@ -85,26 +85,25 @@ class Context {
     civil::Severity severity = civil::Severity::Error;
   };
   /// Attribute as a number; empty where it is absent or isn't one, which is then reported for `speaker`.
-  std::optional<double> number(pugi::xml_node node, const char* name, const std::string& speaker,
-                               const Consequence& otherwise);
-  std::optional<double> number(pugi::xml_node node, const char* name, const std::string& speaker) {
+  std::optional<double> number(Node node, const char* name, const std::string& speaker, const Consequence& otherwise);
+  std::optional<double> number(Node node, const char* name, const std::string& speaker) {
     return number(node, name, speaker, Consequence());
   }
   /// The text of an element as numbers; what is wrong is reported for `speaker`, and the list is then empty.
-  std::vector<double> numbers(pugi::xml_node node, const std::string& speaker);
+  std::vector<double> numbers(Node node, const std::string& speaker);
 
   /// Where a point element lies: its own coordinates, else those of the point that it refers to.
-  [[nodiscard]] PlacedPoint place(pugi::xml_node point) { return place(point, 0); }
+  [[nodiscard]] PlacedPoint place(Node point) { return place(point, 0); }
   [[nodiscard]] PlacedPoint placeByName(std::string_view name) { return placeByName(name, 0); }
   /// The first CgPoint of that name, or another point of the file; empty if there is none.
-  [[nodiscard]] pugi::xml_node pointNamed(std::string_view name);
+  [[nodiscard]] Node pointNamed(std::string_view name);
 
   /// The codes that an attribute holds: several in files of ours alone. Equal texts share one list.
   [[nodiscard]] civil::CodeList codes(std::string_view text);
 
   /// A ticket in place of a handle, until all objects are known: `settleHandles` then gives each object its own, the
   /// file's where it has one, else the next free one from 0x100 in the order of the document.
-  [[nodiscard]] civil::Handle ticket(pugi::xml_node position, const std::optional<std::string>& handleText);
+  [[nodiscard]] civil::Handle ticket(Node position, const std::optional<std::string>& handleText);
   [[nodiscard]] static std::optional<civil::Handle> parseHandle(const std::optional<std::string>& text);
   /// Ends the reading: also tells how many diagnostics aren't listed.
   void settleHandles();
@@ -112,15 +111,15 @@ class Context {
   [[nodiscard]] std::ptrdiff_t positionOf(civil::Handle ticket) const {
     return static_cast<std::ptrdiff_t>(tickets_[ticket - 1]);
   }
-  [[nodiscard]] pugi::xml_node nodeOf(civil::Handle ticket) const { return document_.at(tickets_[ticket - 1]); }
+  [[nodiscard]] Node nodeOf(civil::Handle ticket) const { return document_.at(tickets_[ticket - 1]); }
 
  private:
   /// Points by their names, of several the first: a table of places, since there may be millions.
   class PointNames {
    public:
     explicit PointNames(const Document& document) : document_(document) {}
-    void add(pugi::xml_node point);
-    [[nodiscard]] pugi::xml_node find(std::string_view name) const;
+    void add(Node point);
+    [[nodiscard]] Node find(std::string_view name) const;
 
    private:
     static constexpr std::size_t kFree = static_cast<std::size_t>(-1);
@@ -136,9 +135,9 @@ class Context {
   };
 
   void readUnits();
-  PlacedPoint place(pugi::xml_node point, int depth);
+  PlacedPoint place(Node point, int depth);
   PlacedPoint placeByName(std::string_view name, int depth);
-  void collectPoints(pugi::xml_node collection);
+  void collectPoints(Node collection);
   void collectOtherPoints();
 
   const Document& document_;
@@ -149,7 +148,7 @@ class Context {
   std::vector<std::size_t> tickets_;  // places of the objects
   std::vector<GivenHandle> given_;    // ascending by ticket
   PointNames points_;
-  std::unordered_map<std::string, pugi::xml_node> otherPoints_;
+  std::unordered_map<std::string, Node> otherPoints_;
   std::unordered_map<std::string, civil::CodeList> codeLists_;
   bool pointsCollected_ = false;  // only when the first one is asked for: most files name none
   bool otherPointsCollected_ = false;

@@ -23,22 +23,20 @@ class CorridorReader {
   void read();
 
  private:
-  void readOurs(pugi::xml_node roadway, pugi::xml_node feature);
-  void readForeign(const AlignmentRecord& alignment, const std::vector<pugi::xml_node>& designs);
-  std::optional<civil::Baseline> readBaseline(pugi::xml_node node, const std::string& speaker,
-                                              std::vector<RegionTrace>& trace);
-  civil::Region readRegion(pugi::xml_node node, const AlignmentRecord& alignment, const civil::ProfileObject* profile,
+  void readOurs(Node roadway, Node feature);
+  void readForeign(const AlignmentRecord& alignment, const std::vector<Node>& designs);
+  std::optional<civil::Baseline> readBaseline(Node node, const std::string& speaker, std::vector<RegionTrace>& trace);
+  civil::Region readRegion(Node node, const AlignmentRecord& alignment, const civil::ProfileObject* profile,
                            const std::string& speaker, RegionTrace& trace);
-  pugi::xml_node sectionsOf(pugi::xml_node region, const AlignmentRecord& alignment);
-  std::vector<AddedStationTrace> readAdded(pugi::xml_node region, const std::string& speaker);
+  Node sectionsOf(Node region, const AlignmentRecord& alignment);
+  std::vector<AddedStationTrace> readAdded(Node region, const std::string& speaker);
   static void settleStations(std::vector<double>& stations);
   static void giveLabels(civil::Region& region, const std::vector<AddedStationTrace>& added);
-  const AlignmentRecord* alignmentOf(pugi::xml_node baseline);
-  const civil::ProfileObject* profileOf(pugi::xml_node baseline, const AlignmentRecord& alignment,
-                                        const std::string& speaker);
-  std::optional<double> stationProperty(pugi::xml_node node, const char* label, const std::string& speaker);
+  const AlignmentRecord* alignmentOf(Node baseline);
+  const civil::ProfileObject* profileOf(Node baseline, const AlignmentRecord& alignment, const std::string& speaker);
+  std::optional<double> stationProperty(Node node, const char* label, const std::string& speaker);
   /// The first Roadway that names the alignment; empty for none.
-  pugi::xml_node roadwayOf(const std::string& alignment);
+  Node roadwayOf(const std::string& alignment);
 
   Context& context_;
   const std::vector<AlignmentRecord>& alignments_;
@@ -50,7 +48,7 @@ class CorridorReader {
   std::unordered_set<std::ptrdiff_t> used_;  // places of the CrossSects that regions of ours refer to
 };
 
-const AlignmentRecord* CorridorReader::alignmentOf(pugi::xml_node baseline) {
+const AlignmentRecord* CorridorReader::alignmentOf(Node baseline) {
   if (const auto handle = Context::parseHandle(property(baseline, "alignmentHandle"))) {
     for (const auto& record : alignments_) {
       if (record.givenHandle == handle) return &record;
@@ -63,7 +61,7 @@ const AlignmentRecord* CorridorReader::alignmentOf(pugi::xml_node baseline) {
   return nullptr;
 }
 
-const civil::ProfileObject* CorridorReader::profileOf(pugi::xml_node baseline, const AlignmentRecord& alignment,
+const civil::ProfileObject* CorridorReader::profileOf(Node baseline, const AlignmentRecord& alignment,
                                                       const std::string& speaker) {
   const auto& profiles = alignment.object->profiles;
   if (const auto handle = Context::parseHandle(property(baseline, "profileHandle"))) {
@@ -80,8 +78,7 @@ const civil::ProfileObject* CorridorReader::profileOf(pugi::xml_node baseline, c
   return nullptr;
 }
 
-std::optional<double> CorridorReader::stationProperty(pugi::xml_node node, const char* label,
-                                                      const std::string& speaker) {
+std::optional<double> CorridorReader::stationProperty(Node node, const char* label, const std::string& speaker) {
   const auto text = property(node, label);
   if (!text) return std::nullopt;
   double value = 0.0;
@@ -92,12 +89,12 @@ std::optional<double> CorridorReader::stationProperty(pugi::xml_node node, const
 }
 
 /// The CrossSects that a region of ours refers to; empty for none.
-pugi::xml_node CorridorReader::sectionsOf(pugi::xml_node region, const AlignmentRecord& alignment) {
+Node CorridorReader::sectionsOf(Node region, const AlignmentRecord& alignment) {
   const std::string name = property(region, "crossSects").value_or("");
   const auto handle = Context::parseHandle(property(region, "crossSectsHandle"));
   // Another program's sections needn't have a name, or have one of their own; they go by their handle. Those that once
   // were a sample line group as well kept its handle, which a group may have by now.
-  const auto fit = [&](pugi::xml_node candidate) {
+  const auto fit = [&](Node candidate) {
     const auto hasHandle = [&](const char* code) {
       return handle && Context::parseHandle(property(feature(candidate, code), "handle")) == handle;
     };
@@ -106,22 +103,22 @@ pugi::xml_node CorridorReader::sectionsOf(pugi::xml_node region, const Alignment
     if (name.empty() || attributeText(candidate, "name") != name) return 0;
     return kindOf(candidate) == SectionsKind::Corridor ? 2 : 1;
   };
-  pugi::xml_node found;
+  Node found;
   int best = 0;
-  eachChild(alignment.node, "CrossSects", [&](pugi::xml_node candidate) {
+  eachChild(alignment.node, "CrossSects", [&](Node candidate) {
     const int its = fit(candidate);
     if (its <= best) return;
     best = its;
     found = candidate;
   });
-  if (found) used_.insert(found.offset_debug());
+  if (found) used_.insert(found.place());
   return found;
 }
 
 /// The stations that were added to a region, in the order of the file, each with its label.
-std::vector<AddedStationTrace> CorridorReader::readAdded(pugi::xml_node region, const std::string& speaker) {
+std::vector<AddedStationTrace> CorridorReader::readAdded(Node region, const std::string& speaker) {
   std::vector<AddedStationTrace> added;
-  eachChild(region, "Feature", [&](pugi::xml_node child) {
+  eachChild(region, "Feature", [&](Node child) {
     if (attribute(child, "code") != "lvx_addedStation") return;
     if (const auto station = stationProperty(child, "sta", speaker))
       added.push_back({child, *station, featureName(child)});
@@ -152,7 +149,7 @@ void CorridorReader::giveLabels(civil::Region& region, const std::vector<AddedSt
   }
 }
 
-civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRecord& alignment,
+civil::Region CorridorReader::readRegion(Node node, const AlignmentRecord& alignment,
                                          const civil::ProfileObject* profile, const std::string& speaker,
                                          RegionTrace& trace) {
   civil::Region region;
@@ -160,7 +157,7 @@ civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRec
   region.name = featureName(node);
   const std::string who = speaker + ": region '" + region.name + "'";
   const std::string sections = property(node, "crossSects").value_or("");
-  if (const pugi::xml_node source = sectionsOf(node, alignment))
+  if (const Node source = sectionsOf(node, alignment))
     region.sections = readCorridorSections(context_, source, profile, who, trace.sections);
   else if (!sections.empty())
     context_.warn(node,
@@ -193,7 +190,7 @@ civil::Region CorridorReader::readRegion(pugi::xml_node node, const AlignmentRec
   return region;
 }
 
-std::optional<civil::Baseline> CorridorReader::readBaseline(pugi::xml_node node, const std::string& speaker,
+std::optional<civil::Baseline> CorridorReader::readBaseline(Node node, const std::string& speaker,
                                                             std::vector<RegionTrace>& trace) {
   civil::Baseline baseline;
   baseline.name = featureName(node);
@@ -206,7 +203,7 @@ std::optional<civil::Baseline> CorridorReader::readBaseline(pugi::xml_node node,
   }
   baseline.alignment = alignment->object;
   baseline.profile = profileOf(node, *alignment, who);
-  eachChild(node, "Feature", [&](pugi::xml_node child) {
+  eachChild(node, "Feature", [&](Node child) {
     if (attribute(child, "code") == "lvx_region") {
       baseline.regions.push_back(readRegion(child, *alignment, baseline.profile, who, trace.emplace_back()));
     }
@@ -214,7 +211,7 @@ std::optional<civil::Baseline> CorridorReader::readBaseline(pugi::xml_node node,
   return baseline;
 }
 
-void CorridorReader::readOurs(pugi::xml_node roadway, pugi::xml_node ours) {
+void CorridorReader::readOurs(Node roadway, Node ours) {
   civil::Corridor corridor;
   corridor.name = attributeText(roadway, "name");
   corridor.description = attributeText(roadway, "desc");
@@ -222,7 +219,7 @@ void CorridorReader::readOurs(pugi::xml_node roadway, pugi::xml_node ours) {
   const Context::Subject subject(context_, corridor.handle);
   const std::string speaker = "corridor '" + corridor.name + "'";
   CorridorTrace trace{roadway, ours, {}};
-  eachChild(ours, "Feature", [&](pugi::xml_node child) {
+  eachChild(ours, "Feature", [&](Node child) {
     if (attribute(child, "code") != "lvx_baseline") return;
     std::vector<RegionTrace> regions;
     if (auto baseline = readBaseline(child, speaker, regions)) {
@@ -233,14 +230,14 @@ void CorridorReader::readOurs(pugi::xml_node roadway, pugi::xml_node ours) {
   found_.push_back({std::move(corridor), std::move(trace)});
 }
 
-pugi::xml_node CorridorReader::roadwayOf(const std::string& alignment) {
-  pugi::xml_node result;
+Node CorridorReader::roadwayOf(const std::string& alignment) {
+  Node result;
   const auto isKnown = [&](const std::string& name) {
     return std::any_of(alignments_.begin(), alignments_.end(),
                        [&](const AlignmentRecord& record) { return record.object->name == name; });
   };
-  eachChild(context_.root, "Roadways", [&](pugi::xml_node collection) {
-    eachChild(collection, "Roadway", [&](pugi::xml_node roadway) {
+  eachChild(context_.root, "Roadways", [&](Node collection) {
+    eachChild(collection, "Roadway", [&](Node roadway) {
       if (result) return;
       bool names = false;
       (void)eachKnownName(attribute(roadway, "alignmentRefs"), isKnown,
@@ -251,9 +248,9 @@ pugi::xml_node CorridorReader::roadwayOf(const std::string& alignment) {
   return result;
 }
 
-void CorridorReader::readForeign(const AlignmentRecord& alignment, const std::vector<pugi::xml_node>& designs) {
+void CorridorReader::readForeign(const AlignmentRecord& alignment, const std::vector<Node>& designs) {
   const auto& object = *alignment.object;
-  const pugi::xml_node roadway = roadwayOf(object.name);
+  const Node roadway = roadwayOf(object.name);
   civil::Corridor corridor;
   corridor.name = roadway ? attributeText(roadway, "name") : object.name;
   corridor.description = roadway ? attributeText(roadway, "desc") : "";
@@ -270,8 +267,8 @@ void CorridorReader::readForeign(const AlignmentRecord& alignment, const std::ve
     });
     return found == object.profiles.end() ? nullptr : &*found;
   };
-  for (const pugi::xml_node design : designs) {
-    eachChild(design, "Feature", [&](pugi::xml_node node) {
+  for (const Node design : designs) {
+    eachChild(design, "Feature", [&](Node node) {
       const auto names = property(node, "profAlignRefs");
       if (!names || baseline.profile != nullptr) return;
       const auto unknown = eachKnownName(
@@ -292,7 +289,7 @@ void CorridorReader::readForeign(const AlignmentRecord& alignment, const std::ve
 
   CorridorTrace trace{roadway, {}, {}};
   std::vector<RegionTrace>& regions = trace.baselines.emplace_back();
-  for (const pugi::xml_node design : designs) {
+  for (const Node design : designs) {
     civil::Region region;
     region.name = attributeText(design, "name");
     if (region.name.empty()) region.name = "R" + std::to_string(baseline.regions.size() + 1);
@@ -310,18 +307,18 @@ void CorridorReader::readForeign(const AlignmentRecord& alignment, const std::ve
 }
 
 void CorridorReader::read() {
-  eachChild(context_.root, "Roadways", [&](pugi::xml_node collection) {
-    eachChild(collection, "Roadway", [&](pugi::xml_node roadway) {
+  eachChild(context_.root, "Roadways", [&](Node collection) {
+    eachChild(collection, "Roadway", [&](Node roadway) {
       // One Roadway may name several alignments of another program, and so hold a corridor for each.
-      eachChild(roadway, "Feature", [&](pugi::xml_node node) {
+      eachChild(roadway, "Feature", [&](Node node) {
         if (attribute(node, "code") == "lvx_corridor") readOurs(roadway, node);
       });
     });
   });
   for (const AlignmentRecord& alignment : alignments_) {
-    std::vector<pugi::xml_node> designs;
-    eachChild(alignment.node, "CrossSects", [&](pugi::xml_node node) {
-      const bool isFree = kindOf(node) == SectionsKind::Foreign && used_.count(node.offset_debug()) == 0;
+    std::vector<Node> designs;
+    eachChild(alignment.node, "CrossSects", [&](Node node) {
+      const bool isFree = kindOf(node) == SectionsKind::Foreign && used_.count(node.place()) == 0;
       if (isFree && hasDesign(node)) designs.push_back(node);
     });
     if (!designs.empty()) readForeign(alignment, designs);

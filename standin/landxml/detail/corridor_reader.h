@@ -11,7 +11,7 @@ namespace lvx::landxml::detail {
 /// An alignment that is in the drawing, with what corridors refer to it by.
 struct AlignmentRecord {
   const civil::AlignmentObject* object = nullptr;
-  pugi::xml_node node;
+  Node node;
   std::optional<civil::Handle> givenHandle;
   std::vector<std::optional<civil::Handle>> givenProfileHandles;
   /// "alignment 'A1'"

@@ -20,12 +20,6 @@ namespace lvx::landxml::detail {
 
 class Document;
 class Node;
-class Attribute;
-namespace pugi {
-using xml_node = Node;
-using xml_attribute = Attribute;
-enum NodeType { node_null, node_element };
-}  // namespace pugi
 
 /// The value of an attribute; empty for one that isn't there. Valid as long as its document.
 class Attribute {
@@ -62,8 +56,6 @@ class Node {
   [[nodiscard]] Node parent() const;
   /// Place in the document: unique, ascending in the order of the file; -1 for an empty node.
   [[nodiscard]] std::ptrdiff_t place() const { return document_ == nullptr ? -1 : static_cast<std::ptrdiff_t>(at_); }
-  [[nodiscard]] std::ptrdiff_t offset_debug() const { return place(); }
-  [[nodiscard]] pugi::NodeType type() const { return document_ == nullptr ? pugi::node_null : pugi::node_element; }
 
  private:
   friend class Document;

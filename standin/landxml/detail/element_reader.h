@@ -12,7 +12,7 @@ namespace lvx::landxml::detail {
 
 /// Thrown where an element can't be evaluated; ends the alignment, not the drawing.
 struct Unusable {
-  pugi::xml_node where;
+  Node where;
   std::string text;
   /// A transition of a law that isn't known: what stands before it is sound.
   bool keepsWhatStands = false;
@@ -21,7 +21,7 @@ struct Unusable {
 /// An element of an alignment with the place in the file that it came from.
 struct Piece {
   civil::Element element;
-  pugi::xml_node where;
+  Node where;
   /// "Spiral 3": the third element of the alignment.
   std::string label;
   /// Continues a polyline, whose corners are its shape and no fault.
@@ -34,41 +34,39 @@ class GeometryReader {
  public:
   GeometryReader(Context& context, const std::string& speaker) : context_(context), speaker_(speaker) {}
 
-  std::vector<civil::Element> read(pugi::xml_node alignment);
+  std::vector<civil::Element> read(Node alignment);
   /// The transition before which the alignment ends, since its law isn't known; empty where it doesn't.
   [[nodiscard]] const std::optional<Unusable>& endsBefore() const { return endsBefore_; }
   /// The AlignPIs that the elements were computed from; empty where the file gives them.
-  [[nodiscard]] pugi::xml_node intersections() const { return intersections_; }
+  [[nodiscard]] Node intersections() const { return intersections_; }
 
  private:
   // CoordGeom
-  void readCoordGeom(pugi::xml_node geometry);
-  void readLine(pugi::xml_node node);
-  void readCurve(pugi::xml_node node);
-  void readSpiral(pugi::xml_node node);
-  void readIrregularLine(pugi::xml_node node);
-  void readChain(pugi::xml_node node);
-  void addPolyline(pugi::xml_node node, const std::vector<civil::Vec2>& points);
-  void add(pugi::xml_node node, const civil::Element& element, bool isPolyline = false);
+  void readCoordGeom(Node geometry);
+  void readLine(Node node);
+  void readCurve(Node node);
+  void readSpiral(Node node);
+  void readIrregularLine(Node node);
+  void readChain(Node node);
+  void addPolyline(Node node, const std::vector<civil::Vec2>& points);
+  void add(Node node, const civil::Element& element, bool isPolyline = false);
 
   // AlignPIs
   struct Corner;
-  void readIntersections(pugi::xml_node intersections);
-  Corner readCorner(pugi::xml_node node, const std::string& label);
+  void readIntersections(Node intersections);
+  Corner readCorner(Node node, const std::string& label);
   void shapeCorner(Corner& corner, double deflection, civil::Turn turn);
 
   std::vector<civil::Element> checked();
 
-  civil::Vec2 point(pugi::xml_node node, const char* name);
-  std::optional<civil::Vec2> pointIfPlaced(pugi::xml_node node, const char* name);
-  std::optional<double> radius(pugi::xml_node node, const char* name);
-  std::optional<civil::Turn> rotation(pugi::xml_node node);
-  double spiralLength(pugi::xml_node node, civil::ElementKind law, std::optional<double> startRadius,
+  civil::Vec2 point(Node node, const char* name);
+  std::optional<civil::Vec2> pointIfPlaced(Node node, const char* name);
+  std::optional<double> radius(Node node, const char* name);
+  std::optional<civil::Turn> rotation(Node node);
+  double spiralLength(Node node, civil::ElementKind law, std::optional<double> startRadius,
                       std::optional<double> endRadius);
-  civil::ElementKind spiralLaw(pugi::xml_node node);
-  [[noreturn]] void refuse(pugi::xml_node node, const std::string& why) const {
-    throw Unusable{node, label_ + ": " + why};
-  }
+  civil::ElementKind spiralLaw(Node node);
+  [[noreturn]] void refuse(Node node, const std::string& why) const { throw Unusable{node, label_ + ": " + why}; }
   [[nodiscard]] std::string speaker() const { return speaker_ + ": " + label_; }
 
   Context& context_;
@@ -76,7 +74,7 @@ class GeometryReader {
   std::string label_;
   std::vector<Piece> pieces_;
   std::optional<Unusable> endsBefore_;
-  pugi::xml_node intersections_;
+  Node intersections_;
 };
 
 }  // namespace lvx::landxml::detail

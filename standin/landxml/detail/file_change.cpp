@@ -4,9 +4,9 @@
 
 namespace lvx::landxml::detail {
 
-pugi::xml_node propertyNode(pugi::xml_node feature, std::string_view label) {
-  pugi::xml_node found;
-  eachChild(feature, "Property", [&](pugi::xml_node node) {
+Node propertyNode(Node feature, std::string_view label) {
+  Node found;
+  eachChild(feature, "Property", [&](Node node) {
     if (!found && attribute(node, "label") == label) found = node;
   });
   return found;
@@ -32,14 +32,14 @@ void FileChange::begin() {
   hasBegun_ = true;
 }
 
-void FileChange::remove(pugi::xml_node node) {
+void FileChange::remove(Node node) {
   begin();
   editor.remove(node);
   places.setRemoved(node);
   hasRemoved_ = true;
 }
 
-void FileChange::setText(pugi::xml_node node, const char* name, const std::string& text) {
+void FileChange::setText(Node node, const char* name, const std::string& text) {
   begin();
   if (text.empty())
     editor.removeAttribute(node, name);
@@ -47,22 +47,22 @@ void FileChange::setText(pugi::xml_node node, const char* name, const std::strin
     editor.setAttribute(node, name, text);
 }
 
-void FileChange::setProperty(pugi::xml_node ours, const std::string& label, const std::string& value) {
+void FileChange::setProperty(Node ours, const std::string& label, const std::string& value) {
   begin();
-  if (const pugi::xml_node existing = propertyNode(ours, label))
+  if (const Node existing = propertyNode(ours, label))
     editor.setAttribute(existing, "value", value);
   else
     editor.addProperty(ours, label, value);
 }
 
-void FileChange::insertNew(pugi::xml_node parent, const std::vector<Item>& items) {
-  std::vector<pugi::xml_node> followers(items.size());
-  pugi::xml_node next;
+void FileChange::insertNew(Node parent, const std::vector<Item>& items) {
+  std::vector<Node> followers(items.size());
+  Node next;
   for (std::size_t i = items.size(); i-- > 0;) {
     followers[i] = next;
     if (items[i].kept) next = items[i].kept;
   }
-  pugi::xml_node previous;
+  Node previous;
   for (std::size_t i = 0; i < items.size(); ++i) {
     if (items[i].kept) {
       previous = items[i].kept;
@@ -78,14 +78,14 @@ void FileChange::insertNew(pugi::xml_node parent, const std::vector<Item>& items
   }
 }
 
-Layout FileChange::layoutOfChildren(pugi::xml_node parent, std::string_view name) const {
-  const pugi::xml_node first = child(parent, name);
+Layout FileChange::layoutOfChildren(Node parent, std::string_view name) const {
+  const Node first = child(parent, name);
   return first ? editor.layoutOf(first) : editor.layoutInside(parent);
 }
 
-pugi::xml_node FileChange::lastChildNamed(pugi::xml_node parent, std::string_view name) {
-  pugi::xml_node last;
-  eachChild(parent, name, [&](pugi::xml_node node) { last = node; });
+Node FileChange::lastChildNamed(Node parent, std::string_view name) {
+  Node last;
+  eachChild(parent, name, [&](Node node) { last = node; });
   return last;
 }
 

@@ -24,7 +24,7 @@ class FileChange {
 
   /// An item of a list of elements: one of the file that stays, or the text of a new one.
   struct Item {
-    pugi::xml_node kept;
+    Node kept;
     std::string text;
   };
 
@@ -33,23 +33,21 @@ class FileChange {
   [[nodiscard]] bool hasBegun() const { return hasBegun_; }
   [[nodiscard]] bool hasRemoved() const { return hasRemoved_; }
   /// Removes an element for good.
-  void remove(pugi::xml_node node);
+  void remove(Node node);
   /// Takes note that a CrossSects is no sample line group any more, and only the sections of corridors.
-  void setSeparated(pugi::xml_node crossSects) { separated_.insert(crossSects.offset_debug()); }
-  [[nodiscard]] bool isSeparated(pugi::xml_node crossSects) const {
-    return separated_.count(crossSects.offset_debug()) > 0;
-  }
+  void setSeparated(Node crossSects) { separated_.insert(crossSects.place()); }
+  [[nodiscard]] bool isSeparated(Node crossSects) const { return separated_.count(crossSects.place()) > 0; }
   /// Sets an attribute, or removes it for an empty text.
-  void setText(pugi::xml_node node, const char* name, const std::string& text);
+  void setText(Node node, const char* name, const std::string& text);
   /// Sets a Property of our Feature of that code in `node`, which the file has.
-  void setProperty(pugi::xml_node ours, const std::string& label, const std::string& value);
+  void setProperty(Node ours, const std::string& label, const std::string& value);
   /// Writes the new items of a list between those that stay. What goes was removed by the caller.
-  void insertNew(pugi::xml_node parent, const std::vector<Item>& items);
+  void insertNew(Node parent, const std::vector<Item>& items);
   /// Layout of the next child of that name.
-  [[nodiscard]] Layout layoutOfChildren(pugi::xml_node parent, std::string_view name) const;
+  [[nodiscard]] Layout layoutOfChildren(Node parent, std::string_view name) const;
   /// Writes a new child behind the last one of its name, else in front of our Features, else as the last one.
   template <class MakeText>
-  void addChild(pugi::xml_node parent, std::string_view name, MakeText makeText);
+  void addChild(Node parent, std::string_view name, MakeText makeText);
 
   const civil::Drawing& drawing;
   const civil::Drawing& stored;
@@ -57,26 +55,26 @@ class FileChange {
   const FileTerms& terms;
   FileEditor& editor;
   const std::string& path;
-  const pugi::xml_node root;
+  const Node root;
   const SectionMarkup markup;
   ObjectPlaces places;
 
  private:
-  [[nodiscard]] static pugi::xml_node lastChildNamed(pugi::xml_node parent, std::string_view name);
+  [[nodiscard]] static Node lastChildNamed(Node parent, std::string_view name);
 
   std::unordered_set<std::ptrdiff_t> separated_;
   bool hasBegun_ = false;
   bool hasRemoved_ = false;
 };
 
-[[nodiscard]] pugi::xml_node propertyNode(pugi::xml_node feature, std::string_view label);
+[[nodiscard]] Node propertyNode(Node feature, std::string_view label);
 
 template <class MakeText>
-void FileChange::addChild(pugi::xml_node parent, std::string_view name, MakeText makeText) {
+void FileChange::addChild(Node parent, std::string_view name, MakeText makeText) {
   begin();
-  if (const pugi::xml_node last = lastChildNamed(parent, name)) {
+  if (const Node last = lastChildNamed(parent, name)) {
     editor.insertAfter(last, makeText(editor.layoutOf(last)));
-  } else if (const pugi::xml_node feature = child(parent, "Feature")) {
+  } else if (const Node feature = child(parent, "Feature")) {
     editor.insertBefore(feature, makeText(editor.layoutOf(feature)));
   } else {
     const Layout layout = editor.layoutInside(parent);

@@ -13,9 +13,9 @@ namespace {
 constexpr std::size_t kBlock = std::size_t{1} << 20;
 constexpr std::string_view kBlanks = " \t";
 
-pugi::xml_node lastElement(pugi::xml_node parent) {
-  pugi::xml_node last;
-  for (const pugi::xml_node node : parent.children()) last = node;
+Node lastElement(Node parent) {
+  Node last;
+  for (const Node node : parent.children()) last = node;
   return last;
 }
 
@@ -41,15 +41,15 @@ FileEditor::FileEditor(const SourceFile& source, const Trace& trace, const std::
   }
 }
 
-std::string FileEditor::nameLike(pugi::xml_node like, std::string_view local) {
+std::string FileEditor::nameLike(Node like, std::string_view local) {
   const std::string_view name = like.name();
   const auto colon = name.find(':');
   return std::string(colon == std::string_view::npos ? std::string_view() : name.substr(0, colon + 1)) +
          std::string(local);
 }
 
-const ElementSpan& FileEditor::span(pugi::xml_node node) const {
-  const auto place = static_cast<std::size_t>(node.offset_debug());
+const ElementSpan& FileEditor::span(Node node) const {
+  const auto place = static_cast<std::size_t>(node.place());
   const auto& spans = trace_.scanned.spans;
   const auto found = std::lower_bound(spans.begin(), spans.end(), place,
                                       [](const ElementSpan& s, std::size_t p) { return s.node < p; });
@@ -57,8 +57,8 @@ const ElementSpan& FileEditor::span(pugi::xml_node node) const {
   return *found;
 }
 
-std::size_t FileEditor::placeOf(pugi::xml_node parent) {
-  const auto place = static_cast<std::size_t>(parent.offset_debug());
+std::size_t FileEditor::placeOf(Node parent) {
+  const auto place = static_cast<std::size_t>(parent.place());
   appends_[place].parent = parent;
   return place;
 }
@@ -98,11 +98,11 @@ std::string FileEditor::leadBefore(std::uint64_t offset) const {
   return before.substr(start);
 }
 
-Layout FileEditor::layoutOf(pugi::xml_node node) const {
+Layout FileEditor::layoutOf(Node node) const {
   Layout layout{leadBefore(span(node).start), "  "};
   if (layout.lead.empty()) return layout;
-  const pugi::xml_node parent = node.parent();
-  if (parent.type() == pugi::node_element) {
+  const Node parent = node.parent();
+  if (parent) {
     std::string outer = leadBefore(span(parent).start);
     // Nothing need stand in front of the root, and whatever does doesn't indent it.
     if (outer.empty() && parent == trace_.scanned.document.root())
@@ -114,19 +114,19 @@ Layout FileEditor::layoutOf(pugi::xml_node node) const {
   return layout;
 }
 
-Layout FileEditor::layoutInside(pugi::xml_node parent) const {
+Layout FileEditor::layoutInside(Node parent) const {
   if (const auto last = lastElement(parent)) return layoutOf(last);
   return layoutOf(parent).inner();
 }
 
-std::string FileEditor::closeLead(pugi::xml_node node) const {
+std::string FileEditor::closeLead(Node node) const {
   const std::uint64_t place = span(node).closeStart;
   return place == 0 ? std::string() : leadBefore(place);
 }
 
 // ---------------------------------------------------------------- attributes and content
 
-FileEditor::AttributePlace FileEditor::attributePlace(pugi::xml_node node, std::string_view name) const {
+FileEditor::AttributePlace FileEditor::attributePlace(Node node, std::string_view name) const {
   const ElementSpan& place = span(node);
   const std::string tag = source_.text(place.start, static_cast<std::size_t>(place.tagEnd - place.start));
   // The reader has seen that the tag is well-formed: name="value" with either quote, blanks around the equals sign.
@@ -148,7 +148,7 @@ FileEditor::AttributePlace FileEditor::attributePlace(pugi::xml_node node, std::
   }
 }
 
-void FileEditor::setAttribute(pugi::xml_node node, std::string_view name, const std::string& value) {
+void FileEditor::setAttribute(Node node, std::string_view name, const std::string& value) {
   const AttributePlace place = attributePlace(node, name);
   const std::string quoted = '"' + escapedAttribute(value) + '"';
   if (place.end > 0)
@@ -157,45 +157,45 @@ void FileEditor::setAttribute(pugi::xml_node node, std::string_view name, const 
     edit(place.start, 0, ' ' + std::string(name) + '=' + quoted);
 }
 
-void FileEditor::removeAttribute(pugi::xml_node node, std::string_view name) {
+void FileEditor::removeAttribute(Node node, std::string_view name) {
   const AttributePlace place = attributePlace(node, name);
   if (place.end > 0) edit(place.start, place.end - place.start, {});
 }
 
-void FileEditor::setContent(pugi::xml_node node, const std::string& text) {
+void FileEditor::setContent(Node node, const std::string& text) {
   const ElementSpan& place = span(node);
   if (place.closeStart == 0) failSaving("an element that closes itself has no content", path_);
   edit(place.tagEnd, place.closeStart - place.tagEnd, text);
 }
 
-void FileEditor::remove(pugi::xml_node node) {
+void FileEditor::remove(Node node) {
   const ElementSpan& place = span(node);
   const std::uint64_t start = place.start - leadBefore(place.start).size();
   edit(start, place.end - start, {});
 }
 
-void FileEditor::replace(pugi::xml_node first, pugi::xml_node last, const std::string& text) {
+void FileEditor::replace(Node first, Node last, const std::string& text) {
   edit(span(first).start, span(last).end - span(first).start, text);
 }
 
 // ---------------------------------------------------------------- new elements
 
-void FileEditor::insertBefore(pugi::xml_node sibling, const std::string& text) {
+void FileEditor::insertBefore(Node sibling, const std::string& text) {
   const std::uint64_t start = span(sibling).start;
   const std::string lead = leadBefore(start);
   edit(start - lead.size(), 0, lead + text);
 }
 
-void FileEditor::insertAfter(pugi::xml_node sibling, const std::string& text) {
+void FileEditor::insertAfter(Node sibling, const std::string& text) {
   const ElementSpan& place = span(sibling);
   edit(place.end, 0, leadBefore(place.start) + text);
 }
 
-void FileEditor::insertAfter(pugi::xml_node sibling, const Markup& markup) {
+void FileEditor::insertAfter(Node sibling, const Markup& markup) {
   insertAfter(sibling, printed({markup, {}}, layoutOf(sibling)));
 }
 
-void FileEditor::addProperty(pugi::xml_node feature, const std::string& label, const std::string& value) {
+void FileEditor::addProperty(Node feature, const std::string& label, const std::string& value) {
   Markup property{nameLike(feature, "Property"), {{"label", label}, {"value", value}}, {}, true};
   appends_[placeOf(feature)].properties.push_back({std::move(property), {}});
 }
@@ -209,13 +209,13 @@ std::string FileEditor::printed(const New& item, const Layout& layout) const {
 
 void FileEditor::settleAppends() {
   for (const auto& [unused, appends] : appends_) {
-    const pugi::xml_node parent = appends.parent;
+    const Node parent = appends.parent;
     const ElementSpan& place = span(parent);
     const Layout inside = layoutInside(parent);
     std::string first;
     for (const New& item : appends.first) first += printed(item, inside);
-    pugi::xml_node lastProperty;
-    eachChild(parent, "Property", [&](pugi::xml_node node) { lastProperty = node; });
+    Node lastProperty;
+    eachChild(parent, "Property", [&](Node node) { lastProperty = node; });
     std::string properties;
     const std::string propertyLead = lastProperty ? leadBefore(span(lastProperty).start) : std::string();
     for (const New& item : appends.properties) properties += propertyLead + printed(item, {propertyLead, inside.unit});
@@ -236,7 +236,7 @@ void FileEditor::settleAppends() {
     if (!first.empty()) edit(place.tagEnd, 0, first);
     if (!properties.empty()) edit(lastProperty ? span(lastProperty).end : place.tagEnd, 0, properties);
     if (last.empty()) continue;
-    if (const pugi::xml_node sibling = lastElement(parent)) {
+    if (const Node sibling = lastElement(parent)) {
       edit(span(sibling).end, 0, last);
     } else {
       const bool hasLine = !closeLead(parent).empty();

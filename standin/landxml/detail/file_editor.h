@@ -23,42 +23,36 @@ class FileEditor {
 
   [[nodiscard]] bool isUnchanged() const { return edits_.empty() && appends_.empty(); }
   /// An element's name with the prefix of `like`.
-  [[nodiscard]] static std::string nameLike(pugi::xml_node like, std::string_view local);
+  [[nodiscard]] static std::string nameLike(Node like, std::string_view local);
 
   /// Sets an attribute of the file's start tag, or adds it behind the others.
-  void setAttribute(pugi::xml_node node, std::string_view name, const std::string& value);
-  void removeAttribute(pugi::xml_node node, std::string_view name);
+  void setAttribute(Node node, std::string_view name, const std::string& value);
+  void removeAttribute(Node node, std::string_view name);
   /// Replaces all that stands between start and end tag.
-  void setContent(pugi::xml_node node, const std::string& text);
+  void setContent(Node node, const std::string& text);
   /// Removes the element with the blanks that indent it.
-  void remove(pugi::xml_node node);
+  void remove(Node node);
   /// New text in place of the elements from `first` to `last` and what stands between them.
-  void replace(pugi::xml_node first, pugi::xml_node last, const std::string& text);
+  void replace(Node first, Node last, const std::string& text);
 
   /// New elements, in the order of the calls where they meet at one place.
-  void insertBefore(pugi::xml_node sibling, const std::string& text);
-  void insertAfter(pugi::xml_node sibling, const std::string& text);
-  void insertAfter(pugi::xml_node sibling, const Markup& markup);
+  void insertBefore(Node sibling, const std::string& text);
+  void insertAfter(Node sibling, const std::string& text);
+  void insertAfter(Node sibling, const Markup& markup);
   /// As the last child.
-  void append(pugi::xml_node parent, Markup markup) {
-    appends_[placeOf(parent)].last.push_back({std::move(markup), {}});
-  }
+  void append(Node parent, Markup markup) { appends_[placeOf(parent)].last.push_back({std::move(markup), {}}); }
   /// The same with text of the caller's own layout, lead included.
-  void append(pugi::xml_node parent, std::string text) {
-    appends_[placeOf(parent)].last.push_back({{}, std::move(text)});
-  }
+  void append(Node parent, std::string text) { appends_[placeOf(parent)].last.push_back({{}, std::move(text)}); }
   /// In front of all other children but those of the same kind.
-  void prepend(pugi::xml_node parent, std::string text) {
-    appends_[placeOf(parent)].first.push_back({{}, std::move(text)});
-  }
+  void prepend(Node parent, std::string text) { appends_[placeOf(parent)].first.push_back({{}, std::move(text)}); }
   /// A Property of a Feature: behind its other ones, in front of its Features.
-  void addProperty(pugi::xml_node feature, const std::string& label, const std::string& value);
+  void addProperty(Node feature, const std::string& label, const std::string& value);
 
   /// Layout of an existing element, and of the elements inside it.
-  [[nodiscard]] Layout layoutOf(pugi::xml_node node) const;
-  [[nodiscard]] Layout layoutInside(pugi::xml_node parent) const;
+  [[nodiscard]] Layout layoutOf(Node node) const;
+  [[nodiscard]] Layout layoutInside(Node parent) const;
   /// What stands in front of the element's end tag, if it is a line end and blanks.
-  [[nodiscard]] std::string closeLead(pugi::xml_node node) const;
+  [[nodiscard]] std::string closeLead(Node node) const;
 
   /// Copies the source with all edits. `check` sees the source's bytes as they go by; `progress` is told the count of
   /// source bytes done.
@@ -75,7 +69,7 @@ class FileEditor {
     std::string text;  // instead of the markup
   };
   struct Appends {
-    pugi::xml_node parent;
+    Node parent;
     std::vector<New> first;
     std::vector<New> properties;
     std::vector<New> last;
@@ -86,9 +80,9 @@ class FileEditor {
     std::uint64_t end = 0;  // behind the closing quote; 0: no such attribute
   };
 
-  [[nodiscard]] const ElementSpan& span(pugi::xml_node node) const;
-  [[nodiscard]] std::size_t placeOf(pugi::xml_node parent);
-  [[nodiscard]] AttributePlace attributePlace(pugi::xml_node node, std::string_view name) const;
+  [[nodiscard]] const ElementSpan& span(Node node) const;
+  [[nodiscard]] std::size_t placeOf(Node parent);
+  [[nodiscard]] AttributePlace attributePlace(Node node, std::string_view name) const;
   [[nodiscard]] std::string leadBefore(std::uint64_t offset) const;
   [[nodiscard]] std::string encoded(const std::string& text) const;
   [[nodiscard]] std::string printed(const New& item, const Layout& layout) const;

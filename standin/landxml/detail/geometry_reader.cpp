@@ -45,21 +45,21 @@ std::string lower(std::string_view text) {
 
 }  // namespace
 
-Vec2 GeometryReader::point(pugi::xml_node node, const char* name) {
+Vec2 GeometryReader::point(Node node, const char* name) {
   const PlacedPoint placed = context_.place(child(node, name));
   if (!placed.isPlaced()) refuse(node, std::string(name) + " " + placed.problem);
   return placed.plan;
 }
 
-std::optional<Vec2> GeometryReader::pointIfPlaced(pugi::xml_node node, const char* name) {
-  const pugi::xml_node element = child(node, name);
+std::optional<Vec2> GeometryReader::pointIfPlaced(Node node, const char* name) {
+  const Node element = child(node, name);
   if (!element) return std::nullopt;
   const PlacedPoint placed = context_.place(element);
   return placed.isPlaced() ? std::optional(placed.plan) : std::nullopt;
 }
 
 /// Empty for straight, which programs write as INF, Infinity, 0, nothing, of either sign.
-std::optional<double> GeometryReader::radius(pugi::xml_node node, const char* name) {
+std::optional<double> GeometryReader::radius(Node node, const char* name) {
   std::string value = lower(attribute(node, name));
   if (!value.empty() && (value[0] == '-' || value[0] == '+')) value.erase(0, 1);
   if (value.empty() || value == "inf" || value == "infinity") return std::nullopt;
@@ -70,7 +70,7 @@ std::optional<double> GeometryReader::radius(pugi::xml_node node, const char* na
   return result == 0.0 ? std::nullopt : std::optional(std::abs(result));
 }
 
-std::optional<Turn> GeometryReader::rotation(pugi::xml_node node) {
+std::optional<Turn> GeometryReader::rotation(Node node) {
   const std::string rot = lower(attribute(node, "rot"));
   if (rot == "cw") return Turn::Right;
   if (rot == "ccw") return Turn::Left;
@@ -79,7 +79,7 @@ std::optional<Turn> GeometryReader::rotation(pugi::xml_node node) {
   return std::nullopt;
 }
 
-ElementKind GeometryReader::spiralLaw(pugi::xml_node node) {
+ElementKind GeometryReader::spiralLaw(Node node) {
   const std::string_view type = attribute(node, "spiType");
   if (type.empty()) {
     context_.warn(node, speaker() + ": has no spiType; a clothoid is assumed");
@@ -89,7 +89,7 @@ ElementKind GeometryReader::spiralLaw(pugi::xml_node node) {
   throw Unusable{node, label_ + ": spiType " + shown(type) + " can't be evaluated", true};
 }
 
-double GeometryReader::spiralLength(pugi::xml_node node, ElementKind law, std::optional<double> startRadius,
+double GeometryReader::spiralLength(Node node, ElementKind law, std::optional<double> startRadius,
                                     std::optional<double> endRadius) {
   if (const auto length = context_.number(node, "length", speaker()); length && *length >= 0.0) return *length;
   // Only a clothoid has a parameter that tells its length.
@@ -100,7 +100,7 @@ double GeometryReader::spiralLength(pugi::xml_node node, ElementKind law, std::o
   return *parameter * *parameter * bend;
 }
 
-void GeometryReader::add(pugi::xml_node node, const Element& element, bool isPolyline) {
+void GeometryReader::add(Node node, const Element& element, bool isPolyline) {
   if (!std::isfinite(element.length) || !std::isfinite(element.direction) || element.length > kLargestNumber) {
     refuse(node, "its numbers give no shape");
   }
@@ -111,11 +111,9 @@ void GeometryReader::add(pugi::xml_node node, const Element& element, bool isPol
   pieces_.push_back({element, node, label_, isPolyline});
 }
 
-void GeometryReader::readLine(pugi::xml_node node) {
-  add(node, civil::makeLine(point(node, "Start"), point(node, "End")));
-}
+void GeometryReader::readLine(Node node) { add(node, civil::makeLine(point(node, "Start"), point(node, "End"))); }
 
-void GeometryReader::readCurve(pugi::xml_node node) {
+void GeometryReader::readCurve(Node node) {
   const Vec2 start = point(node, "Start");
   const Vec2 end = point(node, "End");
   const std::optional<Vec2> corner = pointIfPlaced(node, "PI");
@@ -178,7 +176,7 @@ void GeometryReader::readCurve(pugi::xml_node node) {
   }
 }
 
-void GeometryReader::readSpiral(pugi::xml_node node) {
+void GeometryReader::readSpiral(Node node) {
   const ElementKind law = spiralLaw(node);
   const Vec2 start = point(node, "Start");
   const Vec2 end = point(node, "End");
@@ -203,7 +201,7 @@ void GeometryReader::readSpiral(pugi::xml_node node) {
   add(node, civil::makeTransition(law, start, corner, end, length, startRadius, endRadius, turn.value_or(Turn::Left)));
 }
 
-void GeometryReader::addPolyline(pugi::xml_node node, const std::vector<Vec2>& points) {
+void GeometryReader::addPolyline(Node node, const std::vector<Vec2>& points) {
   bool isFirst = true;
   for (std::size_t i = 0; i + 1 < points.size(); ++i) {
     if (points[i] == points[i + 1]) continue;
@@ -213,8 +211,8 @@ void GeometryReader::addPolyline(pugi::xml_node node, const std::vector<Vec2>& p
   if (isFirst) context_.note(node, speaker() + ": has no length and is passed over");
 }
 
-void GeometryReader::readIrregularLine(pugi::xml_node node) {
-  pugi::xml_node list = child(node, "PntList2D");
+void GeometryReader::readIrregularLine(Node node) {
+  Node list = child(node, "PntList2D");
   std::size_t step = 2;
   if (!list) {
     list = child(node, "PntList3D");
@@ -243,7 +241,7 @@ void GeometryReader::readIrregularLine(pugi::xml_node node) {
   addPolyline(node, points);
 }
 
-void GeometryReader::readChain(pugi::xml_node node) {
+void GeometryReader::readChain(Node node) {
   const std::string names = text(node);
   std::vector<Vec2> points;
   const auto unknown = eachKnownName(
@@ -258,9 +256,9 @@ void GeometryReader::readChain(pugi::xml_node node) {
   addPolyline(node, points);
 }
 
-void GeometryReader::readCoordGeom(pugi::xml_node geometry) {
+void GeometryReader::readCoordGeom(Node geometry) {
   std::size_t count = 0;
-  eachElement(geometry, [&](pugi::xml_node node) {
+  eachElement(geometry, [&](Node node) {
     const std::string name(localName(node));
     if (name == "Feature") return;
     label_ = name + " " + std::to_string(++count);
@@ -312,9 +310,9 @@ std::vector<Element> GeometryReader::checked() {
   return elements;
 }
 
-std::vector<Element> GeometryReader::read(pugi::xml_node alignment) {
+std::vector<Element> GeometryReader::read(Node alignment) {
   bool isRead = false;
-  eachChild(alignment, "CoordGeom", [&](pugi::xml_node geometry) {
+  eachChild(alignment, "CoordGeom", [&](Node geometry) {
     if (isRead) {
       context_.warn(geometry, speaker_ + ": has a second CoordGeom, which isn't read");
       return;
@@ -328,7 +326,7 @@ std::vector<Element> GeometryReader::read(pugi::xml_node alignment) {
     isRead = !pieces_.empty() || endsBefore_.has_value();
   });
   if (!isRead)
-    eachChild(alignment, "AlignPIs", [&](pugi::xml_node node) {
+    eachChild(alignment, "AlignPIs", [&](Node node) {
       if (!pieces_.empty()) return;
       readIntersections(node);
       intersections_ = node;
@@ -339,8 +337,7 @@ std::vector<Element> GeometryReader::read(pugi::xml_node alignment) {
 namespace {
 
 /// A table of elements that knows one kind of transition shows the others as that one, which its readers should know.
-void noteTransitions(Context& context, pugi::xml_node where, const std::string& speaker,
-                     const civil::Alignment& geometry) {
+void noteTransitions(Context& context, Node where, const std::string& speaker, const civil::Alignment& geometry) {
   std::string counts;
   for (const ElementKind law :
        {ElementKind::Bloss, ElementKind::Cosine, ElementKind::Biquadratic, ElementKind::Sinusoid}) {
@@ -356,7 +353,7 @@ void noteTransitions(Context& context, pugi::xml_node where, const std::string& 
 
 }  // namespace
 
-std::optional<civil::Alignment> readGeometry(Context& context, pugi::xml_node alignment, const std::string& speaker,
+std::optional<civil::Alignment> readGeometry(Context& context, Node alignment, const std::string& speaker,
                                              double startStation) {
   try {
     GeometryReader reader(context, speaker);

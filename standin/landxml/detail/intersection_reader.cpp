@@ -15,7 +15,7 @@ using civil::Vec2;
 
 /// What rounds off one intersection point.
 struct GeometryReader::Corner {
-  pugi::xml_node where;
+  Node where;
   std::string label;
   Vec2 point;
   struct Spiral {
@@ -39,13 +39,13 @@ struct GeometryReader::Corner {
   double tangentOut = 0.0;
 };
 
-GeometryReader::Corner GeometryReader::readCorner(pugi::xml_node node, const std::string& label) {
+GeometryReader::Corner GeometryReader::readCorner(Node node, const std::string& label) {
   Corner corner;
   corner.where = node;
   corner.label = label;
   corner.point = point(node, "PI");
   const auto spiral = [&](const char* name) -> std::optional<Corner::Spiral> {
-    const pugi::xml_node element = child(child(node, name), "Spiral");
+    const Node element = child(child(node, name), "Spiral");
     if (!element) return std::nullopt;
     Corner::Spiral result{spiralLaw(element), 0.0, radius(element, "radiusStart"), radius(element, "radiusEnd")};
     result.length = spiralLength(element, result.law, result.startRadius, result.endRadius);
@@ -54,7 +54,7 @@ GeometryReader::Corner GeometryReader::readCorner(pugi::xml_node node, const std
     return result;
   };
   const auto curve = [&](const char* name, std::optional<double>& r) {
-    const pugi::xml_node element = child(child(node, name), "Curve");
+    const Node element = child(child(node, name), "Curve");
     if (!element) return element;
     r = radius(element, "radius");
     if (!corner.statedTurn) corner.statedTurn = rotation(element);
@@ -146,9 +146,9 @@ void GeometryReader::shapeCorner(Corner& corner, double deflection, Turn turn) {
   corner.tangentIn = pose.point.x - corner.tangentOut * std::cos(deflection);
 }
 
-void GeometryReader::readIntersections(pugi::xml_node intersections) {
+void GeometryReader::readIntersections(Node intersections) {
   std::vector<Corner> corners;
-  eachChild(intersections, "AlignPI", [&](pugi::xml_node node) {
+  eachChild(intersections, "AlignPI", [&](Node node) {
     label_ = "AlignPI " + std::to_string(corners.size() + 1);
     if (!corners.empty() && corners.back().unusable) return;
     try {

@@ -15,18 +15,18 @@ class ObjectPlaces {
   /// `trace` outlives it.
   explicit ObjectPlaces(const Trace& trace);
 
-  [[nodiscard]] pugi::xml_node nodeOf(civil::Handle handle) const;
+  [[nodiscard]] Node nodeOf(civil::Handle handle) const;
   /// 0 where no object stands there.
-  [[nodiscard]] civil::Handle handleOf(pugi::xml_node node) const;
+  [[nodiscard]] civil::Handle handleOf(Node node) const;
   /// Whether the file holds the handle, or will.
   [[nodiscard]] bool isGiven(civil::Handle handle) const { return given_.count(handle) > 0; }
   void setGiven(civil::Handle handle) { given_.insert(handle); }
   /// Takes note that an element goes, with all in it: nothing may be written there any more.
-  void setRemoved(pugi::xml_node node) { removed_.insert(node.offset_debug()); }
-  [[nodiscard]] bool isRemoved(pugi::xml_node node) const;
+  void setRemoved(Node node) { removed_.insert(node.place()); }
+  [[nodiscard]] bool isRemoved(Node node) const;
 
  private:
-  std::unordered_map<civil::Handle, pugi::xml_node> nodes_;
+  std::unordered_map<civil::Handle, Node> nodes_;
   std::unordered_map<std::ptrdiff_t, civil::Handle> handles_;
   std::unordered_set<civil::Handle> given_;
   std::unordered_set<std::ptrdiff_t> removed_;

@@ -18,8 +18,8 @@ using civil::PointGroup;
 namespace {
 
 template <class Use>
-void eachCgPoint(pugi::xml_node collection, Use use) {
-  eachElement(collection, [&](pugi::xml_node node) {
+void eachCgPoint(Node collection, Use use) {
+  eachElement(collection, [&](Node node) {
     if (isNamed(node, "CgPoint"))
       use(node);
     else if (isNamed(node, "CgPoints"))
@@ -48,10 +48,10 @@ class PointGroupWriter {
   [[nodiscard]] bool isSame(const PointGroup& now, const PointGroup& stored) const;
   void add(const PointGroup& group);
   void change(const PointGroup& now, const PointGroup& stored);
-  void changeMembers(const PointGroup& now, const PointGroup& stored, pugi::xml_node node);
+  void changeMembers(const PointGroup& now, const PointGroup& stored, Node node);
   void remove(const PointGroup& group);
-  [[nodiscard]] std::string referenceText(std::int32_t number, pugi::xml_node like) const;
-  [[nodiscard]] Markup featureOf(const PointGroup& group, const Members& members, pugi::xml_node like) const;
+  [[nodiscard]] std::string referenceText(std::int32_t number, Node like) const;
+  [[nodiscard]] Markup featureOf(const PointGroup& group, const Members& members, Node like) const;
   static std::string numbersText(const Members& members);
 
   FileChange& change_;
@@ -75,22 +75,22 @@ void PointGroupWriter::pairPoints() {
   if (numbers_.size() != stored.size())
     failSaving("the drawing's points aren't those of the file; groups of them can't be saved there", change_.path);
   for (std::size_t i = 0; i < stored.size(); ++i) inFile_.emplace(stored[i].number, i);
-  eachChild(change_.root, "CgPoints", [&](pugi::xml_node collection) {
-    eachCgPoint(collection, [&](pugi::xml_node node) {
+  eachChild(change_.root, "CgPoints", [&](Node collection) {
+    eachCgPoint(collection, [&](Node node) {
       const std::string_view name = attribute(node, "name");
-      if (!name.empty()) first_.emplace(std::string(name), node.offset_debug());
+      if (!name.empty()) first_.emplace(std::string(name), node.place());
     });
   });
 }
 
 /// The reference that leads to the point; empty where none does.
-std::string PointGroupWriter::referenceText(std::int32_t number, pugi::xml_node like) const {
+std::string PointGroupWriter::referenceText(std::int32_t number, Node like) const {
   const auto place = places_.find(number);
   if (place == places_.end()) return {};
-  const pugi::xml_node node = change_.places.nodeOf(change_.stored.points[place->second].handle);
+  const Node node = change_.places.nodeOf(change_.stored.points[place->second].handle);
   const std::string name(attribute(node, "name"));
   const auto first = first_.find(name);
-  if (name.empty() || first == first_.end() || first->second != node.offset_debug()) return {};
+  if (name.empty() || first == first_.end() || first->second != node.place()) return {};
   return '<' + FileEditor::nameLike(like, "CgPoint") + " pntRef=\"" + escapedAttribute(name) + "\"/>";
 }
 
@@ -130,7 +130,7 @@ std::string PointGroupWriter::numbersText(const Members& members) {
   return text;
 }
 
-Markup PointGroupWriter::featureOf(const PointGroup& group, const Members& members, pugi::xml_node like) const {
+Markup PointGroupWriter::featureOf(const PointGroup& group, const Members& members, Node like) const {
   std::vector<std::pair<std::string, std::string>> properties{{"handle", change_.terms.handleText(group.handle)}};
   if (const std::string numbers = numbersText(members); !numbers.empty()) properties.emplace_back("numbers", numbers);
   return change_.markup.featureMarkup(like, {}, "lvx_pointGroup", properties);
@@ -161,7 +161,7 @@ void PointGroupWriter::write() {
 }
 
 void PointGroupWriter::add(const PointGroup& group) {
-  const pugi::xml_node root = change_.root;
+  const Node root = change_.root;
   const Members members = membersOf(group);
   change_.addChild(root, "CgPoints", [&](const Layout& layout) {
     const std::string name = FileEditor::nameLike(root, "CgPoints");
@@ -178,9 +178,9 @@ void PointGroupWriter::add(const PointGroup& group) {
 
 void PointGroupWriter::change(const PointGroup& now, const PointGroup& stored) {
   change_.begin();
-  const pugi::xml_node node = change_.places.nodeOf(stored.handle);
+  const Node node = change_.places.nodeOf(stored.handle);
   if (civil::savedName(now) != civil::savedName(stored)) change_.setText(node, "name", civil::savedName(now));
-  const pugi::xml_node ours = feature(node, "lvx_pointGroup");
+  const Node ours = feature(node, "lvx_pointGroup");
   if (now.description != stored.description) {
     if (ours && property(ours, "desc"))
       change_.setProperty(ours, "desc", now.description);
@@ -190,17 +190,17 @@ void PointGroupWriter::change(const PointGroup& now, const PointGroup& stored) {
   if (membersOf(now) != storedMembersOf(stored)) changeMembers(now, stored, node);
 }
 
-void PointGroupWriter::changeMembers(const PointGroup& now, const PointGroup& stored, pugi::xml_node node) {
+void PointGroupWriter::changeMembers(const PointGroup& now, const PointGroup& stored, Node node) {
   const Members members = membersOf(now);
   const Members before = storedMembersOf(stored);
   std::unordered_map<std::int32_t, std::size_t> places;
-  std::vector<pugi::xml_node> nodes;
+  std::vector<Node> nodes;
   std::unordered_map<std::ptrdiff_t, std::int32_t> numberOf;  // by the places of the points themselves
   for (const std::int32_t number : before.named) {
     const auto& point = change_.stored.points[places_.at(number)];
-    numberOf.emplace(change_.places.nodeOf(point.handle).offset_debug(), number);
+    numberOf.emplace(change_.places.nodeOf(point.handle).place(), number);
   }
-  eachChild(node, "CgPoint", [&](pugi::xml_node point) {
+  eachChild(node, "CgPoint", [&](Node point) {
     const std::string name(attribute(point, "pntRef").empty() ? attribute(point, "name") : attribute(point, "pntRef"));
     const auto first = first_.find(name);
     if (first == first_.end()) return;
@@ -233,7 +233,7 @@ void PointGroupWriter::changeMembers(const PointGroup& now, const PointGroup& st
   change_.insertNew(node, items);
 
   const std::string numbersNow = numbersText(members);
-  const pugi::xml_node ours = feature(node, "lvx_pointGroup");
+  const Node ours = feature(node, "lvx_pointGroup");
   if (!ours) {
     change_.editor.append(node, featureOf(now, members, node));
     change_.places.setGiven(now.handle);
@@ -245,18 +245,18 @@ void PointGroupWriter::changeMembers(const PointGroup& now, const PointGroup& st
 /// Where the collection holds points themselves, it stays with them and only ceases to be a group.
 void PointGroupWriter::remove(const PointGroup& group) {
   change_.begin();
-  const pugi::xml_node node = change_.places.nodeOf(group.handle);
+  const Node node = change_.places.nodeOf(group.handle);
   bool holdsPoints = static_cast<bool>(child(node, "CgPoints"));
-  eachChild(node, "CgPoint", [&](pugi::xml_node point) { holdsPoints = holdsPoints || !trimmed(text(point)).empty(); });
+  eachChild(node, "CgPoint", [&](Node point) { holdsPoints = holdsPoints || !trimmed(text(point)).empty(); });
   if (!holdsPoints) {
     change_.remove(node);
     return;
   }
-  eachChild(node, "CgPoint", [&](pugi::xml_node point) {
+  eachChild(node, "CgPoint", [&](Node point) {
     if (trimmed(text(point)).empty() && !attribute(point, "pntRef").empty() && attribute(point, "name").empty())
       change_.remove(point);
   });
-  if (const pugi::xml_node ours = feature(node, "lvx_pointGroup")) change_.remove(ours);
+  if (const Node ours = feature(node, "lvx_pointGroup")) change_.remove(ours);
   if (!change_.trace.isOurs) change_.setText(node, "name", {});
   change_.places.setGiven(group.handle);
 }

@@ -24,7 +24,7 @@ std::optional<std::int32_t> plainInteger(std::string_view name) {
 }
 
 /// A CgPoint that only names a point given elsewhere, as the members of a group do.
-bool isReference(pugi::xml_node node) {
+bool isReference(Node node) {
   const std::string_view reference = attribute(node, "pntRef");
   if (reference.empty() || !trimmed(text(node)).empty()) return false;
   const std::string_view name = attribute(node, "name");
@@ -39,23 +39,23 @@ class PointReader {
  private:
   // There may be millions of points: nothing here takes more than some bytes of each.
   struct Collection {
-    pugi::xml_node node;
+    Node node;
     std::size_t firstPoint = 0;  ///< index in drawing.points; its own points stand there one behind the other
     std::size_t members = 0;     ///< points that were read and references
     bool hasReferences = false;
   };
 
-  void readCollection(pugi::xml_node collection, const std::string& inheritedCode);
+  void readCollection(Node collection, const std::string& inheritedCode);
   /// False for one without a place, which is left out.
-  bool readPoint(pugi::xml_node node, const std::string& inheritedCode);
+  bool readPoint(Node node, const std::string& inheritedCode);
   /// Equal texts share their memory, as far as equal ones stood shortly before.
   [[nodiscard]] civil::PointTexts textsOf(std::string_view name, std::string_view description,
                                           std::string_view fullDescription);
   void number();
   void readGroups();
   template <class Add>
-  void readNumbersOf(pugi::xml_node ours, Add add, civil::PointGroup& group);
-  [[nodiscard]] std::optional<std::size_t> pointAt(pugi::xml_node node) const;
+  void readNumbersOf(Node ours, Add add, civil::PointGroup& group);
+  [[nodiscard]] std::optional<std::size_t> pointAt(Node node) const;
 
   Context& context_;
   /// Of a point that was read, by its index; its handle is a ticket until the whole file is read.
@@ -68,12 +68,12 @@ class PointReader {
   std::vector<std::uint32_t> byPlace_;  // indices of drawing.points by place; empty where they stand so
   std::vector<bool> isNameLeft_;        // the name is the number that the file gives: not kept so far
   std::vector<civil::PointTexts> recentTexts_{kRecentTexts};  // by their hashes
-  std::unordered_map<std::string, pugi::xml_node> features_;  // of the collection being read
+  std::unordered_map<std::string, Node> features_;            // of the collection being read
 };
 
-std::size_t countPoints(pugi::xml_node collection) {
+std::size_t countPoints(Node collection) {
   std::size_t count = 0;
-  eachElement(collection, [&](pugi::xml_node node) {
+  eachElement(collection, [&](Node node) {
     if (isNamed(node, "CgPoint")) ++count;
     if (isNamed(node, "CgPoints")) count += countPoints(node);
   });
@@ -82,23 +82,23 @@ std::size_t countPoints(pugi::xml_node collection) {
 
 void PointReader::read() {
   std::size_t count = 0;
-  eachChild(context_.root, "CgPoints", [&](pugi::xml_node node) { count += countPoints(node); });
+  eachChild(context_.root, "CgPoints", [&](Node node) { count += countPoints(node); });
   context_.drawing.points.reserve(count);
   isNameLeft_.reserve(count);
-  eachChild(context_.root, "CgPoints", [&](pugi::xml_node node) { readCollection(node, {}); });
+  eachChild(context_.root, "CgPoints", [&](Node node) { readCollection(node, {}); });
   number();
   readGroups();
 }
 
-void PointReader::readCollection(pugi::xml_node collection, const std::string& inheritedCode) {
+void PointReader::readCollection(Node collection, const std::string& inheritedCode) {
   std::string code = attributeText(collection, "code");
   if (code.empty()) code = inheritedCode;
   features_.clear();
-  eachChild(collection, "Feature", [&](pugi::xml_node node) {
+  eachChild(collection, "Feature", [&](Node node) {
     if (attribute(node, "code") == "lvx_point") features_.emplace(attributeText(node, "name"), node);
   });
   Collection row{.node = collection, .firstPoint = context_.drawing.points.size()};
-  eachChild(collection, "CgPoint", [&](pugi::xml_node node) {
+  eachChild(collection, "CgPoint", [&](Node node) {
     if (isReference(node)) {
       row.hasReferences = true;
       ++row.members;
@@ -107,7 +107,7 @@ void PointReader::readCollection(pugi::xml_node collection, const std::string& i
     }
   });
   collections_.push_back(row);
-  eachChild(collection, "CgPoints", [&](pugi::xml_node node) { readCollection(node, code); });
+  eachChild(collection, "CgPoints", [&](Node node) { readCollection(node, code); });
 }
 
 civil::PointTexts PointReader::textsOf(std::string_view name, std::string_view description,
@@ -120,7 +120,7 @@ civil::PointTexts PointReader::textsOf(std::string_view name, std::string_view d
   return recent;
 }
 
-bool PointReader::readPoint(pugi::xml_node node, const std::string& inheritedCode) {
+bool PointReader::readPoint(Node node, const std::string& inheritedCode) {
   const std::string name = attributeText(node, "name");
   Context::Subject subject(context_);
   const PlacedPoint placed = context_.place(node);
@@ -220,7 +220,7 @@ void PointReader::number() {
             [&](std::uint32_t a, std::uint32_t b) { return placeOf(a) < placeOf(b); });
 }
 
-std::optional<std::size_t> PointReader::pointAt(pugi::xml_node node) const {
+std::optional<std::size_t> PointReader::pointAt(Node node) const {
   if (!node) return std::nullopt;
   const auto place = static_cast<std::size_t>(node.place());
   const auto pointOf = [&](std::size_t i) { return byPlace_.empty() ? i : byPlace_[i]; };
@@ -239,7 +239,7 @@ std::optional<std::size_t> PointReader::pointAt(pugi::xml_node node) const {
 
 /// Members of a group of ours that no reference can name: those of other files, and points under names that others have.
 template <class Add>
-void PointReader::readNumbersOf(pugi::xml_node ours, Add add, civil::PointGroup& group) {
+void PointReader::readNumbersOf(Node ours, Add add, civil::PointGroup& group) {
   const auto text = property(ours, "numbers");
   if (!text) return;
   std::unordered_map<std::int32_t, std::size_t> pointOfNumber;
@@ -262,7 +262,7 @@ void PointReader::readGroups() {
   const std::size_t count = context_.drawing.points.size();
   for (const auto& [collection, firstPoint, members, hasReferences] : collections_) {
     const std::string name = attributeText(collection, "name");
-    const pugi::xml_node ours = feature(collection, "lvx_pointGroup");
+    const Node ours = feature(collection, "lvx_pointGroup");
     const bool isGroup = ours || (!name.empty() && (context_.isOurs() ? hasReferences : members > 0));
     if (!isGroup && !hasReferences) continue;
     civil::PointGroup group;
@@ -273,7 +273,7 @@ void PointReader::readGroups() {
       if (isGroup) group.numbers.push_back(context_.drawing.points[point].number);
     };
     std::size_t next = firstPoint;
-    eachChild(collection, "CgPoint", [&](pugi::xml_node node) {
+    eachChild(collection, "CgPoint", [&](Node node) {
       if (next < count && placeOf(next) == static_cast<std::size_t>(node.place())) {
         add(next++);
         return;

@@ -67,10 +67,10 @@ std::vector<std::size_t> halveDoubledCurves(std::vector<VerticalPoint>& points) 
   return halved;
 }
 
-civil::Profile readDesign(Context& context, pugi::xml_node node, const std::string& speaker) {
+civil::Profile readDesign(Context& context, Node node, const std::string& speaker) {
   std::vector<VerticalPoint> points;
   std::size_t count = 0;
-  eachElement(node, [&](pugi::xml_node element) {
+  eachElement(node, [&](Node element) {
     const std::string name(localName(element));
     if (name == "Feature") return;
     const std::string who = speaker + ": " + name + " " + std::to_string(++count);
@@ -119,9 +119,9 @@ civil::Profile readDesign(Context& context, pugi::xml_node node, const std::stri
   return civil::Profile::design(std::move(points));
 }
 
-civil::Profile readGround(Context& context, pugi::xml_node node, const std::string& speaker) {
+civil::Profile readGround(Context& context, Node node, const std::string& speaker) {
   std::vector<std::vector<VerticalPoint>> polylines;
-  eachChild(node, "PntList2D", [&](pugi::xml_node list) {
+  eachChild(node, "PntList2D", [&](Node list) {
     const auto values = context.numbers(list, speaker);
     if (values.size() % 2 != 0) {
       context.warn(list, speaker + ": a list holds an odd count of numbers; the last one is left out");
@@ -138,10 +138,10 @@ civil::Profile readGround(Context& context, pugi::xml_node node, const std::stri
 
 }  // namespace
 
-ReadProfiles readProfiles(Context& context, pugi::xml_node alignment, const std::string& speaker) {
+ReadProfiles readProfiles(Context& context, Node alignment, const std::string& speaker) {
   ReadProfiles result;
-  eachChild(alignment, "Profile", [&](pugi::xml_node collection) {
-    eachElement(collection, [&](pugi::xml_node node) {
+  eachChild(alignment, "Profile", [&](Node collection) {
+    eachElement(collection, [&](Node node) {
       const bool isDesign = isNamed(node, "ProfAlign");
       if (!isDesign && !isNamed(node, "ProfSurf")) return;
       civil::ProfileObject object;

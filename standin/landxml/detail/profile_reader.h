@@ -14,6 +14,6 @@ struct ReadProfiles {
   std::vector<civil::ProfileObject> profiles;
   std::vector<std::optional<civil::Handle>> givenHandles;
 };
-[[nodiscard]] ReadProfiles readProfiles(Context& context, pugi::xml_node alignment, const std::string& speaker);
+[[nodiscard]] ReadProfiles readProfiles(Context& context, Node alignment, const std::string& speaker);
 
 }  // namespace lvx::landxml::detail

@@ -73,10 +73,10 @@ std::string degreesMinutesSeconds(double degrees) {
 }  // namespace
 
 SampleLineMarkup::SampleLineMarkup(const civil::Drawing& drawing, const FileTerms& terms, const SectionMarkup& markup,
-                                   pugi::xml_node root)
+                                   Node root)
     : drawing_(drawing), terms_(terms), markup_(markup) {
-  const pugi::xml_node units = child(root, "Units");
-  pugi::xml_node unit = child(units, "Metric");
+  const Node units = child(root, "Units");
+  Node unit = child(units, "Metric");
   if (!unit) unit = child(units, "Imperial");
   const std::string_view name = unit ? attribute(unit, "angularUnit") : std::string_view();
   if (name.ends_with("grads"))
@@ -119,7 +119,7 @@ std::string SampleLineMarkup::skewText(const civil::AlignmentObject& alignment, 
 }
 
 std::string SampleLineMarkup::groundsText(const civil::AlignmentObject& alignment, const civil::SampleLine& line,
-                                          pugi::xml_node like, const std::string& lead) const {
+                                          Node like, const std::string& lead) const {
   const auto pose = alignment.geometry.poseAt(line.station);
   const double middle = pose ? distanceAlong(line.vertices, pose->point) : lengthOf(line.vertices) / 2.0;
   const auto shown = [&](double length) { return text::shortText(length / terms_.lengthFactor, kGroundDecimals); };
@@ -163,7 +163,7 @@ std::string SampleLineMarkup::groundsText(const civil::AlignmentObject& alignmen
   return text;
 }
 
-Markup SampleLineMarkup::featureOf(const civil::SampleLine& line, pugi::xml_node like) const {
+Markup SampleLineMarkup::featureOf(const civil::SampleLine& line, Node like) const {
   std::vector<std::pair<std::string, std::string>> properties;
   // 1.0 has no name for a CrossSect.
   if (!markup_.hasSectionNames()) properties.emplace_back("name", line.name);
@@ -173,7 +173,7 @@ Markup SampleLineMarkup::featureOf(const civil::SampleLine& line, pugi::xml_node
 }
 
 std::string SampleLineMarkup::lineText(const civil::AlignmentObject& alignment, const civil::SampleLine& line,
-                                       pugi::xml_node like, const Layout& layout) const {
+                                       Node like, const Layout& layout) const {
   const std::string name = FileEditor::nameLike(like, "CrossSect");
   const Layout inner = layout.inner();
   std::string text = '<' + name + " sta=\"" + terms_.lengthText(line.station) + '"';

@@ -18,16 +18,15 @@ inline constexpr std::string_view kExtentName = "Extent";
 class SampleLineMarkup {
  public:
   /// All must outlive it. Grounds are those of all surfaces of `drawing`.
-  SampleLineMarkup(const civil::Drawing& drawing, const FileTerms& terms, const SectionMarkup& markup,
-                   pugi::xml_node root);
+  SampleLineMarkup(const civil::Drawing& drawing, const FileTerms& terms, const SectionMarkup& markup, Node root);
 
-  [[nodiscard]] std::string lineText(const civil::AlignmentObject& alignment, const civil::SampleLine& line,
-                                     pugi::xml_node like, const Layout& layout) const;
+  [[nodiscard]] std::string lineText(const civil::AlignmentObject& alignment, const civil::SampleLine& line, Node like,
+                                     const Layout& layout) const;
   /// The entries with the grounds, each behind its lead; offsets along the line from where it meets the alignment.
   [[nodiscard]] std::string groundsText(const civil::AlignmentObject& alignment, const civil::SampleLine& line,
-                                        pugi::xml_node like, const std::string& lead) const;
+                                        Node like, const std::string& lead) const;
   /// Our Feature.
-  [[nodiscard]] Markup featureOf(const civil::SampleLine& line, pugi::xml_node like) const;
+  [[nodiscard]] Markup featureOf(const civil::SampleLine& line, Node like) const;
   [[nodiscard]] std::string verticesText(const civil::SampleLine& line) const;
   /// angleSkew of a line in the file's angular unit; empty for one that is square to the alignment.
   [[nodiscard]] std::string skewText(const civil::AlignmentObject& alignment, const civil::SampleLine& line) const;

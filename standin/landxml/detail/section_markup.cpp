@@ -10,7 +10,7 @@ using civil::SectionOrigin;
 
 SectionMarkup::SectionMarkup(const Trace& trace, const FileEditor& editor, const FileTerms& terms)
     : trace_(trace), editor_(editor), terms_(terms) {
-  const pugi::xml_node root = trace.scanned.document.root();
+  const Node root = trace.scanned.document.root();
   const std::string_view name = root.name();
   const auto colon = name.find(':');
   const std::string declaration =
@@ -23,7 +23,7 @@ SectionMarkup::SectionMarkup(const Trace& trace, const FileEditor& editor, const
   hasSectionNames_ = hasDictionaries_ = version != "1.0";
 }
 
-Markup SectionMarkup::featureMarkup(pugi::xml_node like, const std::string& name, const char* code,
+Markup SectionMarkup::featureMarkup(Node like, const std::string& name, const char* code,
                                     const std::vector<std::pair<std::string, std::string>>& properties) const {
   Markup markup{FileEditor::nameLike(like, "Feature"), {}, {}, false};
   const auto add = [&](const std::string& label, const std::string& value) {
@@ -37,7 +37,7 @@ Markup SectionMarkup::featureMarkup(pugi::xml_node like, const std::string& name
   return markup;
 }
 
-Markup SectionMarkup::addedStation(pugi::xml_node like, double station, const std::string& label) const {
+Markup SectionMarkup::addedStation(Node like, double station, const std::string& label) const {
   return featureMarkup(like, label, "lvx_addedStation", {{"sta", terms_.lengthText(station)}});
 }
 
@@ -67,14 +67,13 @@ std::string SectionMarkup::pointText(const civil::Baseline& baseline, const Corr
   return terms_.lengthText(point.offset) + ' ' + terms_.lengthText(elevation);
 }
 
-std::string SectionMarkup::partsText(const civil::Baseline& baseline, const CorridorSection& section,
-                                     pugi::xml_node like, pugi::xml_node pattern, bool isAbsolute,
-                                     const std::string& partLead) const {
-  const std::vector<pugi::xml_node> patterns = childrenNamed(pattern, "DesignCrossSectSurf");
+std::string SectionMarkup::partsText(const civil::Baseline& baseline, const CorridorSection& section, Node like,
+                                     Node pattern, bool isAbsolute, const std::string& partLead) const {
+  const std::vector<Node> patterns = childrenNamed(pattern, "DesignCrossSectSurf");
   std::string pointLead;
   std::string partClose;
   if (!patterns.empty() && !partLead.empty()) {
-    if (const pugi::xml_node point = child(patterns.front(), "CrossSectPnt")) pointLead = editor_.layoutOf(point).lead;
+    if (const Node point = child(patterns.front(), "CrossSectPnt")) pointLead = editor_.layoutOf(point).lead;
     if (!pointLead.empty()) partClose = editor_.closeLead(patterns.front());
   }
   const std::string partName = FileEditor::nameLike(like, "DesignCrossSectSurf");
@@ -105,12 +104,11 @@ std::string SectionMarkup::partsText(const civil::Baseline& baseline, const Corr
   return text;
 }
 
-std::string SectionMarkup::sectionText(const civil::Baseline& baseline, const CorridorSection& section,
-                                       pugi::xml_node like, pugi::xml_node pattern, bool isAbsolute,
-                                       const Layout& layout) const {
+std::string SectionMarkup::sectionText(const civil::Baseline& baseline, const CorridorSection& section, Node like,
+                                       Node pattern, bool isAbsolute, const Layout& layout) const {
   std::string partLead = layout.inner().lead;
   std::string close = layout.lead;
-  if (const pugi::xml_node part = child(pattern, "DesignCrossSectSurf")) {
+  if (const Node part = child(pattern, "DesignCrossSectSurf")) {
     partLead = editor_.layoutOf(part).lead;
     close = partLead.empty() ? std::string() : editor_.closeLead(pattern);
   }

@@ -25,20 +25,18 @@ class SectionMarkup {
   [[nodiscard]] bool hasDictionaries() const { return hasDictionaries_; }
 
   /// A Feature of ours with a Property for each pair; `name` may be empty.
-  [[nodiscard]] Markup featureMarkup(pugi::xml_node like, const std::string& name, const char* code,
+  [[nodiscard]] Markup featureMarkup(Node like, const std::string& name, const char* code,
                                      const std::vector<std::pair<std::string, std::string>>& properties) const;
-  [[nodiscard]] Markup addedStation(pugi::xml_node like, double station, const std::string& label) const;
+  [[nodiscard]] Markup addedStation(Node like, double station, const std::string& label) const;
   /// "offset elevation"; `isAbsolute` adds the elevation of the baseline's profile.
   [[nodiscard]] std::string pointText(const civil::Baseline& baseline, const civil::CorridorSection& section,
                                       const civil::SectionPoint& point, bool isAbsolute) const;
   /// The parts of a section, each behind the lead of its own; `pattern` is a CrossSect whose attributes and layout they
   /// take over (or empty).
-  [[nodiscard]] std::string partsText(const civil::Baseline& baseline, const civil::CorridorSection& section,
-                                      pugi::xml_node like, pugi::xml_node pattern, bool isAbsolute,
-                                      const std::string& partLead) const;
+  [[nodiscard]] std::string partsText(const civil::Baseline& baseline, const civil::CorridorSection& section, Node like,
+                                      Node pattern, bool isAbsolute, const std::string& partLead) const;
   [[nodiscard]] std::string sectionText(const civil::Baseline& baseline, const civil::CorridorSection& section,
-                                        pugi::xml_node like, pugi::xml_node pattern, bool isAbsolute,
-                                        const Layout& layout) const;
+                                        Node like, Node pattern, bool isAbsolute, const Layout& layout) const;
 
  private:
   [[nodiscard]] std::string codeText(const std::vector<std::string>& codes) const;

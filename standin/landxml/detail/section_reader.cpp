@@ -30,12 +30,12 @@ struct Extent {
   }
 };
 
-bool isComputed(pugi::xml_node section) { return property(feature(section, "lvx_section"), "origin") == "computed"; }
+bool isComputed(Node section) { return property(feature(section, "lvx_section"), "origin") == "computed"; }
 
-bool isSlopeDistance(pugi::xml_node point) { return attribute(point, "dataFormat") == "Slope Distance"; }
+bool isSlopeDistance(Node point) { return attribute(point, "dataFormat") == "Slope Distance"; }
 
 /// Offset and elevation of a CrossSectPnt; false where it has none, which is reported.
-bool readSectionPoint(Context& context, pugi::xml_node node, const std::string& speaker, Vec2& offsetElevation) {
+bool readSectionPoint(Context& context, Node node, const std::string& speaker, Vec2& offsetElevation) {
   if (isSlopeDistance(node)) {
     context.warn(node, speaker + ": a CrossSectPnt of the form Slope Distance can't be evaluated; left out");
     return false;
@@ -50,10 +50,10 @@ bool readSectionPoint(Context& context, pugi::xml_node node, const std::string& 
 }
 
 /// Least and greatest offset over all points of a section.
-Extent extentOf(Context& context, pugi::xml_node section, const std::string& speaker) {
+Extent extentOf(Context& context, Node section, const std::string& speaker) {
   Extent extent;
-  eachChild(section, "CrossSectSurf", [&](pugi::xml_node surface) {
-    eachChild(surface, "PntList2D", [&](pugi::xml_node list) {
+  eachChild(section, "CrossSectSurf", [&](Node surface) {
+    eachChild(surface, "PntList2D", [&](Node list) {
       const auto values = context.numbers(list, speaker + ": CrossSectSurf '" + attributeText(surface, "name") + "'");
       if (values.size() % 2 != 0) {
         context.warn(list, speaker + ": a list holds an odd count of numbers; the last one is left out");
@@ -61,8 +61,8 @@ Extent extentOf(Context& context, pugi::xml_node section, const std::string& spe
       for (std::size_t i = 0; i + 1 < values.size(); i += 2) extent.add(values[i]);
     });
   });
-  eachChild(section, "DesignCrossSectSurf", [&](pugi::xml_node part) {
-    eachChild(part, "CrossSectPnt", [&](pugi::xml_node node) {
+  eachChild(section, "DesignCrossSectSurf", [&](Node part) {
+    eachChild(part, "CrossSectPnt", [&](Node node) {
       Vec2 point;
       if (readSectionPoint(context, node, speaker, point)) extent.add(point.x);
     });
@@ -116,16 +116,16 @@ bool areAbsolute(const std::vector<civil::CorridorSection>& sections, const civi
 
 }  // namespace
 
-SectionsKind kindOf(pugi::xml_node crossSects) {
+SectionsKind kindOf(Node crossSects) {
   if (feature(crossSects, "lvx_sampleLineGroup")) return SectionsKind::SampleLines;
   if (feature(crossSects, "lvx_corridorSections")) return SectionsKind::Corridor;
   return SectionsKind::Foreign;
 }
 
-bool hasDesign(pugi::xml_node crossSects) {
+bool hasDesign(Node crossSects) {
   bool found = false;
   eachChild(crossSects, "CrossSect",
-            [&](pugi::xml_node section) { found = found || static_cast<bool>(child(section, "DesignCrossSectSurf")); });
+            [&](Node section) { found = found || static_cast<bool>(child(section, "DesignCrossSectSurf")); });
   return found;
 }
 
@@ -138,16 +138,15 @@ class SampleLineReader {
   SampleLineReader(Context& context, const civil::AlignmentObject& alignment, std::string speaker)
       : context_(context), alignment_(alignment), who_(std::move(speaker)) {}
 
-  void readHalfWidth(pugi::xml_node ours);
-  void readLine(pugi::xml_node section);
+  void readHalfWidth(Node ours);
+  void readLine(Node section);
   /// All lines, in the order of the file; those that can't be placed are left out.
   [[nodiscard]] std::vector<civil::SampleLine> placedLines();
 
  private:
-  [[nodiscard]] std::vector<Vec2> verticesOf(pugi::xml_node section, const civil::Pose& pose,
-                                             const std::string& speaker);
-  [[nodiscard]] Unplaced extentAndSkewOf(pugi::xml_node section, const civil::Pose& pose, const std::string& speaker);
-  void leaveOut(pugi::xml_node section, double station, const std::string& speaker);
+  [[nodiscard]] std::vector<Vec2> verticesOf(Node section, const civil::Pose& pose, const std::string& speaker);
+  [[nodiscard]] Unplaced extentAndSkewOf(Node section, const civil::Pose& pose, const std::string& speaker);
+  void leaveOut(Node section, double station, const std::string& speaker);
   void takeWidth(const Extent& extent);
   void place(const Unplaced& unplaced, double defaultWidth);
 
@@ -159,10 +158,10 @@ class SampleLineReader {
   std::vector<Unplaced> unplaced_;
   double widest_ = 0.0;
   std::size_t leftOut_ = 0;  // of an alignment without geometry
-  pugi::xml_node firstLeftOut_;
+  Node firstLeftOut_;
 };
 
-void SampleLineReader::readHalfWidth(pugi::xml_node ours) {
+void SampleLineReader::readHalfWidth(Node ours) {
   const auto value = property(ours, "halfWidth");
   if (!value) return;
   double width = 0.0;
@@ -172,7 +171,7 @@ void SampleLineReader::readHalfWidth(pugi::xml_node ours) {
     context_.warn(ours, who_ + ": halfWidth '" + shown(*value) + "' is not a width; taken as missing");
 }
 
-void SampleLineReader::readLine(pugi::xml_node section) {
+void SampleLineReader::readLine(Node section) {
   // Another program's sections can be sample lines and corridor at once; what we computed among them is no line.
   if (isComputed(section)) return;
   std::string given = attributeText(section, "name");
@@ -204,7 +203,7 @@ void SampleLineReader::readLine(pugi::xml_node section) {
 }
 
 /// There is no place on the alignment to measure offsets from. The element stays in the file when the drawing is saved.
-void SampleLineReader::leaveOut(pugi::xml_node section, double station, const std::string& speaker) {
+void SampleLineReader::leaveOut(Node section, double station, const std::string& speaker) {
   // Its width says as much as those of the others how wide a line without one is.
   if (!property(feature(section, "lvx_sampleLine"), "vertices")) takeWidth(extentOf(context_, section, speaker));
   if (alignment_.geometry.isEmpty()) {
@@ -219,9 +218,8 @@ void SampleLineReader::takeWidth(const Extent& extent) {
 }
 
 /// The line's own vertices; none where the file gives none that can be used.
-std::vector<Vec2> SampleLineReader::verticesOf(pugi::xml_node section, const civil::Pose& pose,
-                                               const std::string& speaker) {
-  const pugi::xml_node ours = feature(section, "lvx_sampleLine");
+std::vector<Vec2> SampleLineReader::verticesOf(Node section, const civil::Pose& pose, const std::string& speaker) {
+  const Node ours = feature(section, "lvx_sampleLine");
   const auto text = property(ours, "vertices");
   if (!text) return {};
   const NumberList list = readNumbers(*text);
@@ -240,8 +238,7 @@ std::vector<Vec2> SampleLineReader::verticesOf(pugi::xml_node section, const civ
   return vertices;
 }
 
-Unplaced SampleLineReader::extentAndSkewOf(pugi::xml_node section, const civil::Pose& pose,
-                                           const std::string& speaker) {
+Unplaced SampleLineReader::extentAndSkewOf(Node section, const civil::Pose& pose, const std::string& speaker) {
   Unplaced unplaced{lines_.size(), extentOf(context_, section, speaker), 0.0, pose};
   if (const auto skew = attribute(section, "angleSkew"); !skew.empty()) {
     if (const auto angle = context_.angle(skew))
@@ -284,11 +281,10 @@ std::vector<civil::SampleLine> SampleLineReader::placedLines() {
 
 }  // namespace
 
-civil::SampleLineGroup readSampleLines(Context& context, pugi::xml_node crossSects,
-                                       const civil::AlignmentObject& alignment, const std::string& speaker,
-                                       std::size_t number) {
+civil::SampleLineGroup readSampleLines(Context& context, Node crossSects, const civil::AlignmentObject& alignment,
+                                       const std::string& speaker, std::size_t number) {
   civil::SampleLineGroup group;
-  const pugi::xml_node ours = feature(crossSects, "lvx_sampleLineGroup");
+  const Node ours = feature(crossSects, "lvx_sampleLineGroup");
   group.handle = context.ticket(crossSects, property(ours, "handle"));
   const Context::Subject subject(context, group.handle);
   group.name = attributeText(crossSects, "name");
@@ -297,7 +293,7 @@ civil::SampleLineGroup readSampleLines(Context& context, pugi::xml_node crossSec
 
   SampleLineReader reader(context, alignment, speaker + ": group '" + group.name + "'");
   reader.readHalfWidth(ours);
-  eachChild(crossSects, "CrossSect", [&](pugi::xml_node section) { reader.readLine(section); });
+  eachChild(crossSects, "CrossSect", [&](Node section) { reader.readLine(section); });
   group.lines = reader.placedLines();
   return group;
 }
@@ -307,20 +303,20 @@ namespace {
 /// A section with the CrossSect that it came from.
 struct PlacedSection {
   civil::CorridorSection section;
-  pugi::xml_node node;
+  Node node;
 };
 
-std::size_t countNamed(pugi::xml_node parent, std::string_view name) {
+std::size_t countNamed(Node parent, std::string_view name) {
   std::size_t count = 0;
-  eachChild(parent, name, [&](pugi::xml_node) { ++count; });
+  eachChild(parent, name, [&](Node) { ++count; });
   return count;
 }
 
-civil::SectionPart readPart(Context& context, pugi::xml_node surface, const std::string& speaker) {
+civil::SectionPart readPart(Context& context, Node surface, const std::string& speaker) {
   civil::SectionPart part;
   part.codes = context.codes(surface.attribute("name").value());
   part.points.reserve(countNamed(surface, "CrossSectPnt"));
-  eachChild(surface, "CrossSectPnt", [&](pugi::xml_node node) {
+  eachChild(surface, "CrossSectPnt", [&](Node node) {
     Vec2 point;
     if (!readSectionPoint(context, node, speaker, point)) return;
     part.points.push_back({point.x, point.y, context.codes(node.attribute("code").value())});
@@ -329,9 +325,9 @@ civil::SectionPart readPart(Context& context, pugi::xml_node surface, const std:
 }
 
 /// All sections with a station, in the order of the file.
-std::vector<PlacedSection> readPlaced(Context& context, pugi::xml_node crossSects, const std::string& speaker) {
+std::vector<PlacedSection> readPlaced(Context& context, Node crossSects, const std::string& speaker) {
   std::vector<PlacedSection> placed;
-  eachChild(crossSects, "CrossSect", [&](pugi::xml_node node) {
+  eachChild(crossSects, "CrossSect", [&](Node node) {
     const auto station = context.number(node, "sta", speaker + ": a section", {"left out", civil::Severity::Error});
     if (!station) {
       if (attribute(node, "sta").empty()) context.error(node, speaker + ": a section has no station; left out");
@@ -344,15 +340,14 @@ std::vector<PlacedSection> readPlaced(Context& context, pugi::xml_node crossSect
     const std::string who = speaker + ": section at " + shownNumber(*station);
     section.parts.reserve(countNamed(node, "DesignCrossSectSurf"));
     eachChild(node, "DesignCrossSectSurf",
-              [&](pugi::xml_node surface) { section.parts.push_back(readPart(context, surface, who)); });
+              [&](Node surface) { section.parts.push_back(readPart(context, surface, who)); });
     placed.push_back({std::move(section), node});
   });
   return placed;
 }
 
 /// Ascending by station; of several at one station the first in the file.
-void sortByStation(Context& context, pugi::xml_node crossSects, const std::string& speaker,
-                   std::vector<PlacedSection>& placed) {
+void sortByStation(Context& context, Node crossSects, const std::string& speaker, std::vector<PlacedSection>& placed) {
   std::stable_sort(placed.begin(), placed.end(), [](const PlacedSection& a, const PlacedSection& b) {
     return a.section.station < b.section.station;
   });
@@ -376,7 +371,7 @@ void makeRelative(std::vector<civil::CorridorSection>& sections, const civil::Pr
 
 }  // namespace
 
-std::vector<civil::CorridorSection> readCorridorSections(Context& context, pugi::xml_node crossSects,
+std::vector<civil::CorridorSection> readCorridorSections(Context& context, Node crossSects,
                                                          const civil::ProfileObject* profile,
                                                          const std::string& speaker, SectionsTrace& trace) {
   std::vector<PlacedSection> placed = readPlaced(context, crossSects, speaker);

@@ -9,7 +9,7 @@ namespace lvx::landxml::detail {
 
 namespace {
 
-void reportFaults(Context& context, pugi::xml_node where, const std::string& speaker, const TinCollector& tin) {
+void reportFaults(Context& context, Node where, const std::string& speaker, const TinCollector& tin) {
   using Faults = TinCollector::Faults;
   struct Row {
     std::size_t Faults::*count;
@@ -50,8 +50,7 @@ void reportFaults(Context& context, pugi::xml_node where, const std::string& spe
   }
 }
 
-void noteSourceData(Context& context, pugi::xml_node where, const std::string& speaker,
-                    const SourceDataCounts& counts) {
+void noteSourceData(Context& context, Node where, const std::string& speaker, const SourceDataCounts& counts) {
   std::string text;
   const auto add = [&](std::size_t count, const char* one, const char* many) {
     if (count > 0) text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + (count == 1 ? one : many);
@@ -83,23 +82,23 @@ void moveIntoPlace(const Context& context, std::vector<civil::Vec3>& points, dou
 }  // namespace
 
 void readSurfaces(Context& context, ScannedDocument& scanned, double lengthFactor, const std::function<void()>& goOn) {
-  eachChild(context.root, "Surfaces", [&](pugi::xml_node collection) {
-    eachChild(collection, "Surface", [&](pugi::xml_node node) {
+  eachChild(context.root, "Surfaces", [&](Node collection) {
+    eachChild(collection, "Surface", [&](Node node) {
       civil::SurfaceObject& surface = context.drawing.surfaces.emplace_back();
       surface.name = attributeText(node, "name");
       surface.description = attributeText(node, "desc");
       surface.handle = context.ticket(node, property(feature(node, "lvx_object"), "handle"));
       const Context::Subject subject(context, surface.handle);
       const std::string speaker = "surface '" + surface.name + "'";
-      eachChild(node, "SourceData", [&](pugi::xml_node source) {
-        const auto found = scanned.sourceData.find(static_cast<std::size_t>(source.offset_debug()));
+      eachChild(node, "SourceData", [&](Node source) {
+        const auto found = scanned.sourceData.find(static_cast<std::size_t>(source.place()));
         if (found != scanned.sourceData.end()) noteSourceData(context, source, speaker, found->second);
       });
       bool hasDefinition = false;
       bool isFilled = false;
-      eachChild(node, "Definition", [&](pugi::xml_node definition) {
+      eachChild(node, "Definition", [&](Node definition) {
         hasDefinition = true;
-        const auto found = scanned.definitions.find(static_cast<std::size_t>(definition.offset_debug()));
+        const auto found = scanned.definitions.find(static_cast<std::size_t>(definition.place()));
         if (found == scanned.definitions.end()) return;
         TinCollector tin = std::move(found->second);
         scanned.definitions.erase(found);

@@ -17,31 +17,31 @@ inline constexpr std::string_view kGuestVersion = "1 guest";
 
 /// The CrossSects of a region.
 struct SectionsTrace {
-  pugi::xml_node node;  ///< empty where the region has none
+  Node node;  ///< empty where the region has none
   bool isAbsolute = false;
-  std::vector<pugi::xml_node> sections;  ///< the CrossSect of each of the region's sections
+  std::vector<Node> sections;  ///< the CrossSect of each of the region's sections
 };
 
 struct AddedStationTrace {
-  pugi::xml_node node;
+  Node node;
   double station = 0.0;
   std::string label;
 };
 
 struct RegionTrace {
-  pugi::xml_node feature;  ///< lvx_region; empty in corridors of other programs
+  Node feature;  ///< lvx_region; empty in corridors of other programs
   SectionsTrace sections;
   std::vector<AddedStationTrace> added;
 };
 
 struct CorridorTrace {
-  pugi::xml_node roadway;  ///< empty where no Roadway names the corridor of another program
-  pugi::xml_node feature;  ///< lvx_corridor; empty in corridors of other programs
+  Node roadway;  ///< empty where no Roadway names the corridor of another program
+  Node feature;  ///< lvx_corridor; empty in corridors of other programs
   std::vector<std::vector<RegionTrace>> baselines;
 };
 
 struct ObjectTrace {
-  pugi::xml_node node;
+  Node node;
   civil::Handle handle = 0;
   bool isGiven = false;  ///< the file itself holds the handle
 };

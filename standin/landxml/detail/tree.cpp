@@ -4,32 +4,32 @@
 
 namespace lvx::landxml::detail {
 
-pugi::xml_node child(pugi::xml_node parent, std::string_view name) {
-  for (const pugi::xml_node node : parent.children()) {
+Node child(Node parent, std::string_view name) {
+  for (const Node node : parent.children()) {
     if (isNamed(node, name)) return node;
   }
   return {};
 }
 
-std::vector<pugi::xml_node> childrenNamed(pugi::xml_node parent, std::string_view name) {
-  std::vector<pugi::xml_node> nodes;
-  eachChild(parent, name, [&](pugi::xml_node node) { nodes.push_back(node); });
+std::vector<Node> childrenNamed(Node parent, std::string_view name) {
+  std::vector<Node> nodes;
+  eachChild(parent, name, [&](Node node) { nodes.push_back(node); });
   return nodes;
 }
 
-std::string_view attribute(pugi::xml_node node, const char* name) { return trimmed(node.attribute(name).value()); }
+std::string_view attribute(Node node, const char* name) { return trimmed(node.attribute(name).value()); }
 
-std::string attributeText(pugi::xml_node node, const char* name) { return node.attribute(name).value(); }
+std::string attributeText(Node node, const char* name) { return node.attribute(name).value(); }
 
-pugi::xml_node feature(pugi::xml_node parent, std::string_view code) {
-  for (const pugi::xml_node node : parent.children()) {
+Node feature(Node parent, std::string_view code) {
+  for (const Node node : parent.children()) {
     if (isNamed(node, "Feature") && attribute(node, "code") == code) return node;
   }
   return {};
 }
 
-std::optional<std::string> property(pugi::xml_node feature, std::string_view label) {
-  for (const pugi::xml_node node : feature.children()) {
+std::optional<std::string> property(Node feature, std::string_view label) {
+  for (const Node node : feature.children()) {
     if (isNamed(node, "Property") && attribute(node, "label") == label) {
       return attributeText(node, "value");
     }
@@ -37,7 +37,7 @@ std::optional<std::string> property(pugi::xml_node feature, std::string_view lab
   return std::nullopt;
 }
 
-std::string featureName(pugi::xml_node feature) {
+std::string featureName(Node feature) {
   std::string name = attributeText(feature, "name");
   return name.empty() ? property(feature, "name").value_or("") : name;
 }

@@ -11,39 +11,39 @@
 /// The document's tree by local names: prefixes and namespaces differ from program to program and mean nothing here.
 namespace lvx::landxml::detail {
 
-[[nodiscard]] inline std::string_view localName(pugi::xml_node node) { return node.localName(); }
-[[nodiscard]] inline bool isNamed(pugi::xml_node node, std::string_view name) { return localName(node) == name; }
+[[nodiscard]] inline std::string_view localName(Node node) { return node.localName(); }
+[[nodiscard]] inline bool isNamed(Node node, std::string_view name) { return localName(node) == name; }
 
 /// The first child element of that name; empty if there is none.
-[[nodiscard]] pugi::xml_node child(pugi::xml_node parent, std::string_view name);
+[[nodiscard]] Node child(Node parent, std::string_view name);
 
 /// Calls `use(node)` for every child element of that name, in order.
 template <class Use>
-void eachChild(pugi::xml_node parent, std::string_view name, Use use) {
-  for (const pugi::xml_node node : parent.children()) {
+void eachChild(Node parent, std::string_view name, Use use) {
+  for (const Node node : parent.children()) {
     if (isNamed(node, name)) use(node);
   }
 }
 /// Those elements.
-[[nodiscard]] std::vector<pugi::xml_node> childrenNamed(pugi::xml_node parent, std::string_view name);
+[[nodiscard]] std::vector<Node> childrenNamed(Node parent, std::string_view name);
 template <class Use>
-void eachElement(pugi::xml_node parent, Use use) {
-  for (const pugi::xml_node node : parent.children()) use(node);
+void eachElement(Node parent, Use use) {
+  for (const Node node : parent.children()) use(node);
 }
 
 /// Attribute value without blanks around it; empty where it is absent or empty, which mean the same in these files.
-[[nodiscard]] std::string_view attribute(pugi::xml_node node, const char* name);
+[[nodiscard]] std::string_view attribute(Node node, const char* name);
 /// A name or description as it stands, blanks and all.
-[[nodiscard]] std::string attributeText(pugi::xml_node node, const char* name);
+[[nodiscard]] std::string attributeText(Node node, const char* name);
 
 /// All text directly inside the element, joined.
-[[nodiscard]] inline std::string text(pugi::xml_node node) { return node.text(); }
+[[nodiscard]] inline std::string text(Node node) { return node.text(); }
 
 /// Our own extension: the child Feature of that code.
-[[nodiscard]] pugi::xml_node feature(pugi::xml_node parent, std::string_view code);
+[[nodiscard]] Node feature(Node parent, std::string_view code);
 /// Value of the first Property of that label; null where there is none.
-[[nodiscard]] std::optional<std::string> property(pugi::xml_node feature, std::string_view label);
+[[nodiscard]] std::optional<std::string> property(Node feature, std::string_view label);
 /// Name of a Feature: its attribute, or the Property "name" that takes its place in the old versions.
-[[nodiscard]] std::string featureName(pugi::xml_node feature);
+[[nodiscard]] std::string featureName(Node feature);
 
 }  // namespace lvx::landxml::detail
