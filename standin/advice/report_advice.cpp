@@ -19,6 +19,41 @@ using platform::toUtf8;
 
 namespace {
 
+// ---------------------------------------------------------------- ground
+
+/// Whether the surface lies anywhere below or above the line.
+bool hasGround(const civil::TinSurface& ground, const civil::SampleLine& line) {
+  const auto& vertices = line.vertices;
+  // Most lines begin or end on the ground, which is told without walking along them.
+  if (std::any_of(vertices.begin(), vertices.end(),
+                  [&](const civil::Vec2& vertex) { return ground.elevationAt(vertex).has_value(); }))
+    return true;
+  std::vector<civil::Vec3> samples;
+  for (std::size_t i = 1; i < vertices.size() && samples.empty(); ++i)
+    ground.sample(vertices[i - 1], vertices[i], samples);
+  return !samples.empty();
+}
+
+/// Lines beside the surface, in whatever they lie of its box.
+void warnOfLinesWithoutGround(std::vector<std::string>& list, const ReportObjects& objects) {
+  if (objects.surface == nullptr || objects.group == nullptr) return;
+  std::size_t count = 0;
+  const civil::SampleLine* first = nullptr;
+  for (const civil::SampleLine& line : objects.group->lines) {
+    if (hasGround(objects.surface->surface, line)) continue;
+    ++count;
+    if (first == nullptr) first = &line;
+  }
+  if (first == nullptr) return;
+  const std::size_t all = objects.group->lines.size();
+  list.push_back((count == all ? "none of the " + text::countText(all, "sample line") + " of group '" +
+                                     objects.group->name + "' has ground on surface '" + objects.surface->name + "'"
+                               : std::to_string(count) + " of the " + text::countText(all, "sample line") +
+                                     " of group '" + objects.group->name + "' " + (count == 1 ? "has" : "have") +
+                                     " no ground on surface '" + objects.surface->name +
+                                     "': " + (count == 1 ? "" : "the first is ") + "'" + first->name + "'"));
+}
+
 // ---------------------------------------------------------------- where things lie
 
 void extend(Box& box, double x, double y) {
@@ -83,22 +118,25 @@ std::string swapHint(const civil::Drawing& drawing, civil::FileNumber a, civil::
   return path.empty() ? std::string() : hint("with", path);
 }
 
-void warnApart(std::vector<std::string>& list, const civil::Drawing& drawing, const Placed& what, const Placed& from,
+/// Whether it had to warn.
+bool warnApart(std::vector<std::string>& list, const civil::Drawing& drawing, const Placed& what, const Placed& from,
                double reach, HintsFor hints) {
   const auto apart = civil::boxesApart(what.box, from.box, reach);
-  if (!apart) return;
+  if (!apart) return false;
   list.push_back(what.words + " (" + boxText(apart->first) + ") and " + from.words + " (" + boxText(apart->second) +
                  ") don't meet" +
                  (apart->meetSwapped ? swapHint(drawing, what.file, from.file, hints) : std::string()));
+  return true;
 }
 
 void warnOfPlaces(std::vector<std::string>& list, const civil::Drawing& drawing, const ReportObjects& objects,
                   HintsFor hints) {
   if (objects.alignment == nullptr) return;
-  if (objects.surface != nullptr)
-    warnApart(list, drawing,
-              {"surface '" + objects.surface->name + "'", objects.surface->surface.box(), objects.surface->file},
-              placedLines(*objects.alignment, objects.group), 0.0, hints);
+  if (objects.surface != nullptr &&
+      !warnApart(list, drawing,
+                 {"surface '" + objects.surface->name + "'", objects.surface->surface.box(), objects.surface->file},
+                 placedLines(*objects.alignment, objects.group), 0.0, hints))
+    warnOfLinesWithoutGround(list, objects);
   if (objects.points.empty()) return;
   // Points lie beside the alignment or beyond its ends by nature; what is farther off than it is long isn't its own.
   const Placed alignment = placedAlignment(*objects.alignment);

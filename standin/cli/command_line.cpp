@@ -89,7 +89,7 @@ std::variant<CommandLine, ExitCode> parseCommandLine(int argc, const char* const
   addOptions(app, options::commonOptions(), line.options);
   for (const options::CommandDescription& command : options::commands()) {
     CLI::App* const added = app.add_subcommand(std::string(command.name), std::string(command.summary));
-    added->footer(std::string(command.footer));
+    added->footer(std::string(command.footer) + "\n" + options::exitCodesOf(command.command));
     added->callback([&line, &command] { line.command = command.command; });
     addOptions(*added, options::optionsOf(command.command), line.options);
   }

@@ -1,7 +1,6 @@
 #include "cli/drawing_file.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <new>
 #include <optional>
 #include <system_error>
@@ -14,18 +13,15 @@
 #include "cli/terminal.h"
 #include "landxml/project.h"
 #include "runtime/open_drawing.h"
+#include "standin_platform/file_stamp.h"
 #include "standin_platform/interruption.h"
 
 namespace lvx::cli {
 
 using standin_platform::isInterrupted;
+using standin_platform::leadToOneFile;
 
 namespace {
-
-bool isSameFile(const std::string& a, const std::string& b) {
-  std::error_code error;
-  return a == b || std::filesystem::equivalent(a, b, error);
-}
 
 /// The files of the drawing in their order.
 std::vector<landxml::ProjectFile> projectFiles(const options::Options& options) {
@@ -33,7 +29,7 @@ std::vector<landxml::ProjectFile> projectFiles(const options::Options& options) 
   for (const std::string& path : options.files.with) files.push_back({path});
   for (const std::string& swapped : options.files.swapAxes) {
     const auto file = std::find_if(files.begin(), files.end(), [&](const landxml::ProjectFile& candidate) {
-      return isSameFile(candidate.path, swapped);
+      return leadToOneFile(candidate.path, swapped);
     });
     if (file == files.end()) {
       std::vector<std::string> paths;
@@ -78,7 +74,7 @@ namespace {
 /// A user who names a file to save into wants the others to stay as they are.
 void refuseOtherTargets(const civil::Drawing& drawing, const options::Options& options) {
   if (!options.report.saveTo) return;
-  if (isSameFile(*options.report.saveTo, drawing.path)) return;  // in place is meant
+  if (leadToOneFile(*options.report.saveTo, drawing.path)) return;  // in place is meant
   const std::vector<std::string> changed = landxml::changedAddedFiles(drawing);
   if (changed.empty()) return;
   // The GLS report saves only where --save says so.

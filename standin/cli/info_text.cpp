@@ -20,10 +20,6 @@ using detail::pointFacts;
 using detail::regionFacts;
 using detail::stationRange;
 
-std::string counted(std::size_t count, const char* one, const char* many) {
-  return std::to_string(count) + " " + (count == 1 ? one : many);
-}
-
 std::string radiusText(double curvature) {
   if (curvature == 0.0) return "straight";
   return text::fixedText(std::abs(1.0 / curvature)) + (curvature > 0.0 ? " left" : " right");
@@ -134,8 +130,8 @@ void addProfiles(std::string& text, const civil::Drawing& drawing, const civil::
   Table table;
   for (const civil::ProfileObject& object : alignment.profiles) {
     const civil::Profile& profile = object.profile;
-    std::string facts = counted(profile.points().size(), "point", "points");
-    if (profile.gapCount() > 0) facts += ", " + counted(profile.gapCount(), "gap", "gaps");
+    std::string facts = text::countText(profile.points().size(), "point");
+    if (profile.gapCount() > 0) facts += ", " + text::countText(profile.gapCount(), "gap");
     table.add({"'" + object.name + "'", profile.isGround() ? "ground" : "design",
                profile.isEmpty()
                    ? ""
@@ -151,7 +147,7 @@ void addGroups(std::string& text, const civil::Drawing& drawing, const civil::Al
   Table table;
   for (const civil::SampleLineGroup& group : alignment.sampleLineGroups) {
     const detail::StationRange range = stationRange(group.lines);
-    table.add({"'" + group.name + "'", counted(group.lines.size(), "line", "lines"),
+    table.add({"'" + group.name + "'", text::countText(group.lines.size(), "line"),
                (group.lines.empty() ? "" : text::fixedText(range.least) + " to " + text::fixedText(range.greatest)) +
                    fileText(drawing, group.file, alignment.file)});
   }
@@ -192,15 +188,15 @@ void addSurfaces(std::string& text, const civil::Drawing& drawing) {
   text += "surfaces\n";
   for (const civil::SurfaceObject& object : drawing.surfaces) {
     const civil::TinSurface::Counts counts = object.surface.counts();
-    text += "  '" + object.name + "'  " + counted(counts.points, "point", "points") + ", " +
-            counted(counts.triangles, "triangle", "triangles") + fileText(drawing, object.file) + "\n";
+    text += "  '" + object.name + "'  " + text::countText(counts.points, "point") + ", " +
+            text::countText(counts.triangles, "triangle") + fileText(drawing, object.file) + "\n";
     if (!object.surface.isEmpty())
       text += "    " + boxText(object.surface.box()) + ", elevation " + text::fixedText(object.surface.minElevation()) +
               " to " + text::fixedText(object.surface.maxElevation()) + "\n";
     if (counts.degenerate > 0)
-      text += "    " + counted(counts.degenerate, "triangle", "triangles") + " without area in plan hold no ground\n";
+      text += "    " + text::countText(counts.degenerate, "triangle") + " without area in plan hold no ground\n";
     if (counts.overlappingEdges > 0)
-      text += "    " + counted(counts.overlappingEdges, "edge", "edges") + " with more than two triangles\n";
+      text += "    " + text::countText(counts.overlappingEdges, "edge") + " with more than two triangles\n";
   }
 }
 
@@ -225,8 +221,7 @@ void addPoints(std::string& text, const civil::Drawing& drawing) {
   text += "point groups\n";
   Table table;
   for (const civil::PointGroup& group : drawing.pointGroups)
-    table.add(
-        {"'" + group.name + "'", counted(group.numbers.size(), "point", "points") + fileText(drawing, group.file)});
+    table.add({"'" + group.name + "'", text::countText(group.numbers.size(), "point") + fileText(drawing, group.file)});
   table.print(text, "  ");
 }
 
@@ -242,7 +237,7 @@ void addCorridors(std::string& text, const civil::Drawing& drawing) {
       Table table;
       for (const civil::Region& region : baseline.regions) {
         const detail::RegionFacts facts = regionFacts(region);
-        std::string sections = counted(facts.given, "section", "sections");
+        std::string sections = text::countText(facts.given, "section");
         if (facts.computed > 0) sections += ", " + std::to_string(facts.computed) + " computed";
         if (facts.pending > 0) sections += ", " + std::to_string(facts.pending) + " waiting for a rebuild";
         table.add({"region '" + region.name + "'",

@@ -14,27 +14,10 @@ namespace lvx::cli {
 
 namespace {
 
-/// The group to replace; null for a new one.
-const civil::SampleLineGroup* groupToReplace(const civil::AlignmentObject& alignment,
-                                             const options::NewGroupOptions& wanted) {
-  std::vector<std::string> names;
-  const civil::SampleLineGroup* taken = nullptr;
-  for (const civil::SampleLineGroup& group : alignment.sampleLineGroups) {
-    names.push_back(group.name);
-    if (group.name == wanted.name && taken == nullptr) taken = &group;
-  }
-  if (taken != nullptr && !wanted.replace)
-    throw Failure(kNotWritten, "nothing was written: alignment '" + alignment.name + "' has a sample line group '" +
-                                   wanted.name + "' already; --replace gives it the new lines. There is " +
-                                   offered(std::move(names), wanted.name));
-  return taken;
-}
-
 std::string toldLines(const std::string& group, const civil::AlignmentObject& alignment,
                       const std::vector<civil::MadeSampleLine>& lines) {
-  return "'" + group + "' on alignment '" + alignment.name + "': " + std::to_string(lines.size()) +
-         (lines.size() == 1 ? " sample line, " : " sample lines, ") + text::stationText(lines.front().station) +
-         " to " + text::stationText(lines.back().station) + "\n";
+  return "'" + group + "' on alignment '" + alignment.name + "': " + text::countText(lines.size(), "sample line") +
+         ", " + text::stationText(lines.front().station) + " to " + text::stationText(lines.back().station) + "\n";
 }
 
 }  // namespace
@@ -48,7 +31,8 @@ ExitCode runLines(const options::Options& options) {
   if (!quiet) tellDiagnostics(drawing);
   const civil::AlignmentObject& alignment =
       *findAlignment(drawing, options.report.alignment, options.report.site).alignment;
-  const civil::SampleLineGroup* const taken = groupToReplace(alignment, wanted);
+  const civil::SampleLineGroup* const taken = groupToReplace(
+      alignment.sampleLineGroups, wanted, "alignment '" + alignment.name + "'", "sample line group", "lines");
   const std::vector<civil::MadeSampleLine> lines = makeLines(drawing, alignment, rules, "", quiet);
   if (taken != nullptr)
     civil::changingSampleLineGroup(taken->handle, std::nullopt, civil::sampleLinesOf(lines))->make(drawing);

@@ -19,11 +19,6 @@ namespace lvx::cli {
 
 namespace {
 
-/// "1 sample line", "12 sample lines"
-std::string counted(std::size_t count, const std::string& one) {
-  return std::to_string(count) + " " + one + (count == 1 ? "" : "s");
-}
-
 /// The profile that rules without a profile's name ask for; null where there is none, which the rules themselves tell.
 const civil::ProfileObject* chosenProfile(const civil::AlignmentObject& alignment, const civil::SampleLineRules& rules,
                                           const std::string& preferred, bool quiet) {
@@ -150,7 +145,7 @@ const civil::SampleLineGroup& MadeForReport::addLines(const civil::AlignmentObje
   const civil::SampleLineRules read = parseRules(rules);
   const auto lines = makeLines(drawing_.drawing(), alignment, read, profile, quiet);
   if (!quiet)
-    say(counted(lines.size(), "sample line") + " made for this report, from " +
+    say(text::countText(lines.size(), "sample line") + " made for this report, from " +
         text::stationText(lines.front().station) + " to " + text::stationText(lines.back().station));
   const civil::Handle made = make(civil::addingSampleLineGroup(
       alignment.handle, civil::freeName(alignment.sampleLineGroups, civil::textOf(read)), civil::sampleLinesOf(lines)));
@@ -165,7 +160,7 @@ const civil::ProfileObject& MadeForReport::addGroundProfile(const civil::Alignme
   constexpr double kSame = 1e-3;
   if (!quiet) {
     say("ground of surface '" + surface.name + "' from " + text::stationText(ground.startStation()) + " to " +
-        text::stationText(ground.endStation()) + ": " + counted(ground.points().size(), "point"));
+        text::stationText(ground.endStation()) + ": " + text::countText(ground.points().size(), "point"));
     if (ground.startStation() > alignment.geometry.startStation() + kSame ||
         ground.endStation() < alignment.geometry.endStation() - kSame)
       say("the alignment runs from " + text::stationText(alignment.geometry.startStation()) + " to " +
@@ -176,7 +171,7 @@ const civil::ProfileObject& MadeForReport::addGroundProfile(const civil::Alignme
     for (const civil::ProfileGap& gap : ground.gaps().first(told))
       say("no ground of surface '" + surface.name + "' from " + text::stationText(gap.startStation) + " to " +
           text::stationText(gap.endStation) + ": elevations there lie on the straight line across");
-    if (told < ground.gapCount()) say(counted(ground.gapCount() - told, "more gap") + " of that kind");
+    if (told < ground.gapCount()) say(text::countText(ground.gapCount() - told, "more gap") + " of that kind");
   }
   const civil::Handle made = make(
       civil::addingProfile(alignment.handle, civil::freeName(alignment.profiles, surface.name), std::move(ground)));
@@ -194,9 +189,9 @@ std::vector<civil::Handle> MadeForReport::addPointsOf(const civil::SurfaceObject
   if (places.empty()) throw Failure(kNotWritten, sentence + "surface '" + surface.name + "' has no points");
   if (places.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max() - largest))
     throw Failure(kNotWritten, sentence + "there are no numbers left above " + std::to_string(largest) + " for the " +
-                                   counted(places.size(), "point") + " of surface '" + surface.name + "'");
+                                   text::countText(places.size(), "point") + " of surface '" + surface.name + "'");
   if (!quiet)
-    say(counted(places.size(), "point") + " of surface '" + surface.name + "', numbered from " +
+    say(text::countText(places.size(), "point") + " of surface '" + surface.name + "', numbered from " +
         std::to_string(largest + 1) + " on for this report");
   std::vector<civil::Handle> handles;
   handles.reserve(places.size());

@@ -1,12 +1,16 @@
 #pragma once
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "advice/dialog_choices.h"
 #include "civil/drawing.h"
+#include "cli/failure.h"
+#include "options/options.h"
 
 /// From the names of the command line to the drawing's objects, as the dialogs offer them.
 namespace lvx::cli {
@@ -38,6 +42,24 @@ struct FoundAlignment {
 [[nodiscard]] const civil::SurfaceObject& findSurface(const civil::Drawing& drawing, const std::string& name);
 
 [[nodiscard]] const civil::PointGroup& findPointGroup(const civil::Drawing& drawing, const std::string& name);
+
+/// The first group of the wanted name, which the new one is to replace; null where there is none. Throws Failure
+/// (kNotWritten) where there is one that isn't to be replaced, in the words given: "alignment 'Main' has a sample line
+/// group 'Every 20' already; --replace gives it the new lines."
+template <class Group>
+[[nodiscard]] const Group* groupToReplace(const std::vector<Group>& groups, const options::NewGroupOptions& wanted,
+                                          const std::string& owner, const std::string& kind,
+                                          const std::string& members) {
+  const auto taken =
+      std::find_if(groups.begin(), groups.end(), [&](const Group& group) { return group.name == wanted.name; });
+  if (taken == groups.end()) return nullptr;
+  if (wanted.replace) return &*taken;
+  std::vector<std::string> names;
+  for (const Group& group : groups) names.push_back(group.name);
+  throw Failure(kNotWritten, "nothing was written: " + owner + " has a " + kind + " '" + wanted.name +
+                                 "' already; --replace gives it the new " + members + ". There is " +
+                                 offered(std::move(names), wanted.name));
+}
 
 /// "site 'North'", or words for the alignments outside any site.
 [[nodiscard]] std::string siteWords(const civil::Site& site);

@@ -2,12 +2,11 @@
 
 #include "cli/failure.h"
 #include "cli/terminal.h"
+#include "text/number_text.h"
 
 namespace lvx::cli {
 
 namespace {
-
-std::string pointsInWords(std::size_t count) { return std::to_string(count) + (count == 1 ? " point" : " points"); }
 
 civil::FilteredPoints numberedPoints(const civil::DrawingIndex& index, const std::vector<NumberRange>& numbers) {
   civil::FilteredPoints found;
@@ -53,11 +52,11 @@ civil::FilteredPoints findPoints(const civil::Drawing& drawing, const civil::Dra
   }
   civil::FilteredPoints found = civil::pointsWhere(drawing, index, wanted.filter);
   if (found.hidden > 0 && !quiet)
-    say(pointsInWords(found.hidden) + " left out: another point of the same number stands before " +
+    say(text::countText(found.hidden, "point") + " left out: another point of the same number stands before " +
         (found.hidden == 1 ? "it" : "each"));
   if (found.numbers.empty())
-    throw Failure(kNotWritten, "nothing was written: none of the drawing's " + pointsInWords(drawing.points.size()) +
-                                   " meets " + wanted.words);
+    throw Failure(kNotWritten, "nothing was written: none of the drawing's " +
+                                   text::countText(drawing.points.size(), "point") + " meets " + wanted.words);
   return found;
 }
 

@@ -9,6 +9,7 @@
 #include "cli/terminal.h"
 #include "host/dialog_controls.h"
 #include "platform/posix/posix_platform.h"
+#include "text/number_text.h"
 
 namespace lvx::cli {
 
@@ -36,8 +37,10 @@ std::string planGroup(const runtime::OpenDrawing& drawing, const std::string& na
           return point != nullptr && !point->hasElevation;
         })));
   }
-  return group.numbers.empty() ? "nothing was written: point group '" + name + "' holds no points"
-                               : "nothing was written: the report found no points of group '" + name + "'";
+  const std::string nothing = "nothing was written: ";
+  if (group.numbers.empty()) return nothing + "point group '" + name + "' holds no points";
+  return nothing + "the report gave no rows for the " + text::countText(objects.points.size(), "point") +
+         " of group '" + name + "' on the alignment chosen";
 }
 
 std::vector<civil::Handle> wantedHandles(const runtime::OpenDrawing& drawing, const WantedPoints& wanted, bool quiet) {
@@ -56,7 +59,8 @@ std::string planPicked(const runtime::OpenDrawing& drawing, const std::vector<ci
   for (const civil::Handle handle : handles)
     objects.points.push_back(drawing.index().byHandle(handle)->as<civil::Point>());
   frontEnd.selectPoints(handles);
-  return "nothing was written: the report found none of the points";
+  return "nothing was written: the report gave no rows for the " + text::countText(handles.size(), "point") +
+         " on the alignment chosen";
 }
 
 }  // namespace

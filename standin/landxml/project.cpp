@@ -39,13 +39,8 @@ double factorFor(const civil::Drawing& drawing, const std::string& path, const s
                      path, unit, drawing.linearUnit);
 }
 
-bool isSameFile(const std::string& a, const std::string& b) {
-  std::error_code error;
-  return std::filesystem::equivalent(a, b, error) || (error && a == b);
-}
-
 void refuseSame(const std::string& known, const std::string& path) {
-  if (isSameFile(known, path))
+  if (leadToOneFile(known, path))
     throw ReadError(known == path ? "the file is given twice" : "the file is given twice, also as '" + known + "'",
                     path);
 }
@@ -144,7 +139,7 @@ std::vector<SavedFile> saveProject(civil::Drawing& drawing, const std::string& f
     return source.empty() ? civil::pathOf(drawing, file) : source;
   };
   for (civil::FileNumber file = 1; file < count; ++file) {
-    if (isSameFile(firstTarget, civil::pathOf(drawing, file)))
+    if (leadToOneFile(firstTarget, civil::pathOf(drawing, file)))
       throw SaveError("the drawing's first file can't be saved under this name: the file was added to the drawing",
                       firstTarget);
   }
@@ -158,7 +153,7 @@ std::vector<SavedFile> saveProject(civil::Drawing& drawing, const std::string& f
   std::uint64_t total = 0;
   for (civil::FileNumber file = 0; file < count; ++file) {
     // The only file of a drawing is looked at in any case, as is one that goes elsewhere.
-    const bool isAsked = file == 0 && (count == 1 || !isSameFile(firstTarget, sourceOf(0)));
+    const bool isAsked = file == 0 && (count == 1 || !leadToOneFile(firstTarget, sourceOf(0)));
     if (!isAsked && isAsRead(drawing, file)) continue;
     Work work{file, file == 0 ? firstTarget : civil::pathOf(drawing, file), nullptr};
     work.saving = std::make_unique<detail::FileSaving>(drawing, file, sourceOf(file), work.target);

@@ -7,17 +7,19 @@ namespace lvx::options {
 namespace {
 
 constexpr std::array<ExitCodeDescription, 8> kExitCodes{{
-    {kDone, "everything asked for was written", "everything asked for was written"},
+    {kDone, "everything asked for was written", "everything asked for was written", kEveryCommand},
     {kNotWritten, "something was not, said on standard error",
-     "something asked for was not written; standard error says what"},
-    {kUsage, "usage", "the command line isn't understood"},
-    {kBadDrawing, "the drawing can't be read or saved", "the drawing can't be read or saved"},
+     "something asked for was not written; standard error says what", kEveryCommand},
+    {kUsage, "usage", "the command line isn't understood", kEveryCommand},
+    {kBadDrawing, "the drawing can't be read or saved", "the drawing can't be read or saved", kDrawingCommands},
     {kUnknownName, "a name isn't in the drawing or stands in several sites",
-     "a name isn't in the drawing or stands in several sites; standard error lists what there is"},
+     "a name isn't in the drawing or stands in several sites; standard error lists what there is",
+     kReportCommands | kMakingCommands},
     {kScriptMismatch, "a script doesn't fit what the command waits for",
-     "a script doesn't fit what the command waits for"},
-    {kException, "the command ended by an exception", "the report command ended by an exception"},
-    {kInterrupted, "interrupted", "interrupted, as by Ctrl-C; no unfinished file is left"},
+     "a script doesn't fit what the command waits for", Command::Play},
+    {kException, "the command ended by an exception", "the report command ended by an exception",
+     kReportCommands | Command::Play},
+    {kInterrupted, "interrupted", "interrupted, as by Ctrl-C; no unfinished file is left", kEveryCommand},
 }};
 
 }  // namespace
@@ -32,6 +34,18 @@ std::string exitCodesLine() {
     between = "; ";
   }
   return line + ".";
+}
+
+std::string exitCodesOf(Command command) {
+  constexpr std::size_t kColumn = 6;
+  std::string text = "Exit codes:\n";
+  for (const ExitCodeDescription& row : kExitCodes) {
+    if (!row.commands.contains(command)) continue;
+    std::string line = "  " + std::to_string(row.code);
+    line.resize(kColumn, ' ');
+    text.append(line).append(" ").append(row.meaning).append("\n");
+  }
+  return text;
 }
 
 }  // namespace lvx::options

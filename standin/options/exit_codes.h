@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "options/commands.h"
+
 namespace lvx::options {
 
 /// What the programs end with; scripts and job files read these. What each means for users is in exitCodes().
@@ -25,12 +27,17 @@ struct ExitCodeDescription {
   std::string_view inHelp;
   /// As the README has it: a row of its own.
   std::string_view meaning;
+  /// Which commands can end with it.
+  CommandSet commands;
 };
 
 /// Everything that lvxhost ends with, by ascending code.
 [[nodiscard]] std::span<const ExitCodeDescription> exitCodes();
 
-/// "Exit codes: 0 …; 1 …." for the help.
+/// "Exit codes: 0 …; 1 …." for the help of lvxhost.
 [[nodiscard]] std::string exitCodesLine();
+
+/// Those of one command for its help, each in a line of its own below "Exit codes:".
+[[nodiscard]] std::string exitCodesOf(Command command);
 
 }  // namespace lvx::options

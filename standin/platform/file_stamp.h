@@ -24,4 +24,8 @@ struct FileStamp {
 /// Links are followed. Empty where nothing can be found under the name.
 [[nodiscard]] std::optional<FileStamp> stampOf(const std::filesystem::path& path);
 
+/// Whether two names lead to one file, through whatever links. Names under which nothing can be found are told apart by
+/// their spelling from the root on.
+[[nodiscard]] bool leadToOneFile(const std::filesystem::path& a, const std::filesystem::path& b);
+
 }  // namespace lvx::standin_platform

@@ -46,4 +46,11 @@ std::string stationText(double station, int decimals) {
   return (isNegative ? "-" : "") + digits.substr(0, split) + (isNegative ? "-" : "+") + digits.substr(split);
 }
 
+std::string countText(std::size_t count, std::string_view one) {
+  std::string text = std::to_string(count) + " ";
+  text += one;
+  if (count != 1) text += 's';
+  return text;
+}
+
 }  // namespace lvx::text

@@ -153,8 +153,37 @@ TEST(ReportAdvice, AsksForGroundWhereTheSampleLinesAre) {
   group.lines.push_back({1, "a", 10, {{90, 510}, {119, 510}}});
   EXPECT_THAT(warned(drawing, objects),
               ElementsAre(HasSubstr("sample line group 'Lines' (x 90.000 to 119.000, y 510.000 to 510.000)")));
-  group.lines.push_back({2, "b", 20, {{90, 520}, {121, 520}}});
+  group.lines = {{2, "b", 20, {{90, 520}, {121, 520}}}};
   EXPECT_THAT(warned(drawing, objects), IsEmpty());
+}
+
+TEST(ReportAdvice, CountsTheSampleLinesThatLieBesideTheGround) {
+  const civil::Drawing drawing = ofTwoFiles();
+  const civil::AlignmentObject alignment = northward("Axis", 100, 500, 100);
+  // A triangle leaves half of its box without ground.
+  civil::SurfaceObject surface;
+  surface.name = "Ground";
+  surface.surface = civil::TinSurface({{80, 500, 5}, {120, 500, 5}, {80, 600, 5}}, {{0, 1, 2}});
+  civil::SampleLineGroup group;
+  group.name = "Lines";
+  ReportObjects objects;
+  objects.alignment = &alignment;
+  objects.surface = &surface;
+  objects.group = &group;
+  group.lines = {{1, "over it", 10, {{70, 510}, {130, 510}}},
+                 {2, "begins on it", 20, {{90, 520}, {130, 520}}},
+                 {3, "touches it", 50, {{100, 550}, {130, 550}}}};
+  EXPECT_THAT(warned(drawing, objects), IsEmpty());
+  group.lines.push_back({4, "beside it", 90, {{90, 590}, {130, 590}}});
+  EXPECT_THAT(warned(drawing, objects),
+              ElementsAre("1 of the 4 sample lines of group 'Lines' has no ground on surface 'Ground': 'beside it'"));
+  group.lines.push_back({5, "beyond it", 150, {{90, 650}, {130, 650}}});
+  EXPECT_THAT(warned(drawing, objects),
+              ElementsAre("2 of the 5 sample lines of group 'Lines' have no ground on surface "
+                          "'Ground': the first is 'beside it'"));
+  group.lines.erase(group.lines.begin(), group.lines.begin() + 3);
+  EXPECT_THAT(warned(drawing, objects),
+              ElementsAre("none of the 2 sample lines of group 'Lines' has ground on surface 'Ground'"));
 }
 
 TEST(ReportAdvice, LetsPointsLieBesideTheirAlignment) {

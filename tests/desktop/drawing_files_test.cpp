@@ -172,6 +172,47 @@ TEST_F(DrawingFiles, EachTakesItsOwnChangesWhenTheDrawingIsSaved) {
   EXPECT_FALSE(onGui([&] { return program.window->findChild<desktop::NoticeBar*>()->isVisible(); }));
 }
 
+TEST_F(DrawingFiles, AnAddedOneIsAskedAboutBeforeSaveAsChangesIt) {
+  ProgramWindow program(points);
+  add(program, road);
+  ASSERT_TRUE(waitForFiles(program, 2));
+  onGui([&] {
+    const civil::AlignmentObject& alignment = *drawingOf(program).siteless.alignments.at(0);
+    civil::SampleLine line;
+    line.name = "Middle";
+    line.station = 50.0;
+    line.vertices = {{40.0, 50.0}, {60.0, 50.0}};
+    program.window->edits().make(QStringLiteral("Lines"),
+                                 civil::addingSampleLineGroup(alignment.handle, "Mine", {line}));
+  });
+  const auto saveAs = [&] {
+    program.user.key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_NE(program.user.waitForActiveWindow(QStringLiteral("Save the drawing as")), nullptr);
+    program.user.type((folder / "other.xml").string());
+    program.user.key(Qt::Key_Return);
+    return program.waitForNamed("otherFilesQuestion");
+  };
+  const auto linesInRoad = [&] {
+    return landxml::readDrawing(road.toStdString()).siteless.alignments.at(0)->sampleLineGroups.size();
+  };
+  QWidget* box = saveAs();
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(wordsOf(box),
+            "What is new belongs into other files than other.xml.\nSaving changes them in their own places:\n" +
+                road.toStdString());
+  program.user.key(Qt::Key_Escape);
+  ASSERT_TRUE(program.user.waitFor([&] { return QApplication::activeModalWidget() == nullptr; }));
+  EXPECT_FALSE(std::filesystem::exists(folder / "other.xml"));
+  EXPECT_EQ(linesInRoad(), 0U);
+  EXPECT_TRUE(onGui([&] { return program.window->isWindowModified(); }));
+
+  ASSERT_NE(saveAs(), nullptr);
+  program.user.key(Qt::Key_Return);
+  ASSERT_TRUE(program.user.waitFor([&] { return !program.window->isWindowModified(); }));
+  EXPECT_TRUE(std::filesystem::exists(folder / "other.xml"));
+  EXPECT_EQ(linesInRoad(), 1U);
+}
+
 TEST_F(DrawingFiles, AFileIsTakenOutByItsMenu) {
   ProgramWindow program(road);
   EXPECT_FALSE(chooseInTree(program, "road.xml", "removeFile")) << "it is the only one";

@@ -1,5 +1,6 @@
 #include "options/exit_codes.h"
 
+#include <algorithm>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -48,6 +49,30 @@ TEST(ExitCodes, StandInOneLineOfTheHelp) {
   const std::string line = exitCodesLine();
   EXPECT_TRUE(line.starts_with("Exit codes: 0 everything asked for was written; 1 ")) << line;
   EXPECT_TRUE(line.ends_with("; 130 interrupted.")) << line;
+}
+
+TEST(ExitCodes, StandInTheHelpOfTheCommandsThatEndWithThem) {
+  struct Row {
+    Command command;
+    std::vector<int> codes;
+  };
+  const std::vector<Row> table{{Command::Info, {0, 1, 2, 3, 130}},
+                               {Command::Projection, {0, 1, 2, 3, 4, 70, 130}},
+                               {Command::Points, {0, 1, 2, 3, 4, 70, 130}},
+                               {Command::Gls, {0, 1, 2, 3, 4, 70, 130}},
+                               {Command::Lines, {0, 1, 2, 3, 4, 130}},
+                               {Command::Group, {0, 1, 2, 3, 4, 130}},
+                               {Command::Batch, {0, 1, 2, 130}},
+                               {Command::Play, {0, 1, 2, 3, 5, 70, 130}}};
+  for (const Row& row : table) {
+    std::string expected = "Exit codes:\n";
+    for (const ExitCodeDescription& code : exitCodes())
+      if (std::find(row.codes.begin(), row.codes.end(), code.code) != row.codes.end()) {
+        const std::string number = std::to_string(code.code);
+        expected += "  " + number + std::string(5 - number.size(), ' ') + std::string(code.meaning) + "\n";
+      }
+    EXPECT_EQ(exitCodesOf(row.command), expected);
+  }
 }
 
 }  // namespace

@@ -53,6 +53,33 @@ TEST_F(Files, AStampTellsFilesAndTheirStatesApart) {
   EXPECT_FALSE(stampOf(folder_ / "none.xml"));
 }
 
+TEST_F(Files, TwoNamesLeadToOneFileThroughLinksAndWhereNothingIsThere) {
+  const fs::path road = put("road.xml", "road");
+  const fs::path copy = put("copy.xml", "road");
+  fs::create_hard_link(road, folder_ / "hard.xml");
+  fs::create_symlink(road, folder_ / "soft.xml");
+  fs::create_symlink(folder_ / "none.xml", folder_ / "dangling.xml");
+  struct Row {
+    fs::path a;
+    fs::path b;
+    bool areOne;
+  };
+  const std::vector<Row> table{
+      {road, road, true},
+      {road, folder_ / "hard.xml", true},
+      {folder_ / "soft.xml", folder_ / "." / "hard.xml", true},
+      {road, copy, false},
+      {road, folder_ / "none.xml", false},
+      {folder_ / "none.xml", folder_ / "." / "none.xml", true},
+      {folder_ / "none.xml", folder_ / "neither.xml", false},
+      {fs::path("none.xml"), fs::absolute("none.xml"), true},
+  };
+  for (const Row& row : table) {
+    EXPECT_EQ(leadToOneFile(row.a, row.b), row.areOne) << row.a << " and " << row.b;
+    EXPECT_EQ(leadToOneFile(row.b, row.a), row.areOne) << row.b << " and " << row.a;
+  }
+}
+
 TEST_F(Files, InputIsReadInOrderAndAtAnyPlace) {
   InputFile file(put("road.xml", "0123456789"));
   EXPECT_EQ(file.kind(), InputFile::Kind::Regular);

@@ -56,5 +56,11 @@ TEST(StationText, HasAsManyDecimalsAsItsAxisNeeds) {
   EXPECT_EQ(stationText(999.6, 0), "1+000");
 }
 
+TEST(CountText, TakesTheWordForManyButForOne) {
+  EXPECT_EQ(countText(0, "sample line"), "0 sample lines");
+  EXPECT_EQ(countText(1, "sample line"), "1 sample line");
+  EXPECT_EQ(countText(100'000, "point"), "100000 points");
+}
+
 }  // namespace
 }  // namespace lvx::text

@@ -246,6 +246,7 @@ bool Document::saveTo(const QString& target) {
                   tr("The file was changed by another program since it was opened, and saving would undo that."));
     return false;
   }
+  if (!isOwnName && !askForOtherFiles(target)) return false;
   QString problem;
   bool isCancelled = false;
   try {
@@ -277,6 +278,21 @@ bool Document::saveTo(const QString& target) {
   recent_.remember(sources_);
   Q_EMIT stateChanged();
   return true;
+}
+
+bool Document::askForOtherFiles(const QString& target) {
+  const std::vector<std::string> changed = landxml::changedAddedFiles(session_.drawing()->drawing());
+  if (changed.empty()) return true;
+  QStringList names;
+  for (const std::string& file : changed) names << QFile::decodeName(file.c_str());
+  QMessageBox box(QMessageBox::Question, tr("Save other files too?"),
+                  tr("What is new belongs into other files than %1.").arg(QFileInfo(target).fileName()),
+                  QMessageBox::Save | QMessageBox::Cancel, &at_.window);
+  box.setObjectName(QStringLiteral("otherFilesQuestion"));
+  box.setInformativeText(tr("Saving changes them in their own places:") + QLatin1Char('\n') +
+                         names.join(QLatin1Char('\n')));
+  box.setDefaultButton(QMessageBox::Save);
+  return box.exec() == QMessageBox::Save;
 }
 
 void Document::write(const QString& target) {

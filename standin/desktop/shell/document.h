@@ -99,6 +99,8 @@ class Document : public QObject {
   [[nodiscard]] bool asksToConvert(const LoadFailure& failure);
   void tellReadError(const LoadFailure& failure);
   /// Throws as landxml::saveProject does.
+  /// Who names another file for the first one may want the others to stay as they are.
+  bool askForOtherFiles(const QString& target);
   void write(const QString& target);
   void tellSaveError(const QString& target, const QString& reason);
 

@@ -6,6 +6,8 @@
 #include <QJsonObject>
 #include <algorithm>
 
+#include "standin_platform/file_stamp.h"
+
 namespace lvx::desktop {
 
 namespace {
@@ -16,12 +18,8 @@ constexpr QLatin1String kPath("path");
 constexpr QLatin1String kSwapAxes("swapAxes");
 constexpr QLatin1String kConvertUnits("convertUnits");
 
-/// Files that aren't there have no place of their own to be compared by.
 bool leadToOneFile(const QString& a, const QString& b) {
-  const QFileInfo first(a);
-  const QFileInfo second(b);
-  if (first.absoluteFilePath() == second.absoluteFilePath()) return true;
-  return first.exists() && second.exists() && first.canonicalFilePath() == second.canonicalFilePath();
+  return standin_platform::leadToOneFile(a.toStdString(), b.toStdString());
 }
 
 }  // namespace

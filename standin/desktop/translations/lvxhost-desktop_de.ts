@@ -420,6 +420,18 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <translation>&amp;Nicht speichern</translation>
     </message>
     <message>
+        <source>Save other files too?</source>
+        <translation>Auch andere Dateien speichern?</translation>
+    </message>
+    <message>
+        <source>What is new belongs into other files than %1.</source>
+        <translation>Was neu ist, gehört in andere Dateien als %1.</translation>
+    </message>
+    <message>
+        <source>Saving changes them in their own places:</source>
+        <translation>Speichern ändert sie an ihrem Ort:</translation>
+    </message>
+    <message>
         <source>Save the drawing as</source>
         <translation>Zeichnung speichern unter</translation>
     </message>
