@@ -10,8 +10,11 @@
 
 #include "civil/drawing_files.h"
 #include "landxml/detail/file_saving.h"
+#include "standin_platform/file_stamp.h"
 
 namespace lvx::landxml {
+
+using standin_platform::leadToOneFile;
 
 namespace {
 

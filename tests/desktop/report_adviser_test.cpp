@@ -38,6 +38,20 @@ TEST(ReportAdviser, TellsOfTheUnitAndOfPointsThatLieElsewhereBeforeTheReport) {
   ASSERT_TRUE(user.waitForEnd());
 }
 
+TEST(ReportAdviser, TellsThatASiteIsTakenForTheAlignmentsOutsideAny) {
+  const TemporaryFolder folder;
+  std::string inSite = kRoad;
+  inSite.replace(inSite.find("<Alignments>"), 12, "<Alignments name=\"*North\">");
+  ReportUser user(writeDrawing(folder, "sites.xml", drawingIn("meter", kRoad + inSite + kPoints)));
+  user.start("lvx_Report_Points", host::kPointsDialog);
+  user.choose(host::kIdSites, "*North");
+  user.typeStem(user.stem());
+  user.press(host::kIdOk);
+  ASSERT_TRUE(user.waitForEnd());
+  EXPECT_TRUE(user.program.waitUntilSaid("Warning: the reports take a site whose name begins with '*'"));
+  EXPECT_NE(noticeOf(user.program).find("give the site another name"), std::string::npos) << noticeOf(user.program);
+}
+
 TEST(ReportAdviser, SaysNothingOfAReportThatIsAsItSeems) {
   ReportUser user;
   user.start("lvx_Report_Points", host::kPointsDialog);
