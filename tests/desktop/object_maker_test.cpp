@@ -53,8 +53,8 @@ TEST_F(Maker, MakesAGroundProfileFromASurface) {
   ASSERT_NE(dialog, nullptr);
   auto* const outcome = part<QLabel>(dialog, "profileOutcome");
   // The surface ends 20 before the line does.
-  EXPECT_EQ(textOf(outcome).rfind("3 points, stations 0.000 to 80.000.", 0), 0U) << textOf(outcome);
-  EXPECT_NE(textOf(outcome).find("from 0.000 to 100.000"), std::string::npos) << textOf(outcome);
+  EXPECT_EQ(textOf(outcome).rfind("3 points, stations 0+000.000 to 0+080.000.", 0), 0U) << textOf(outcome);
+  EXPECT_NE(textOf(outcome).find("from 0+000.000 to 0+100.000"), std::string::npos) << textOf(outcome);
   auto* const name = part<QLineEdit>(dialog, "profileName");
   EXPECT_EQ(onGui([&] { return name->text(); }), QStringLiteral("Ground"));
   program.user.key(Qt::Key_Return);

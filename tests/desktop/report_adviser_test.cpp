@@ -26,7 +26,7 @@ TEST(ReportAdviser, TellsOfTheUnitAndOfPointsThatLieElsewhereBeforeTheReport) {
   user.typeStem(user.stem());
   user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
-  EXPECT_TRUE(user.program.waitUntilSaid("Warning: the drawing's unit of length is USSurveyFoot"));
+  EXPECT_TRUE(user.program.waitUntilSaid("Warning: The drawing's unit of length is USSurveyFoot"));
   EXPECT_TRUE(user.program.waitUntilSaid("alignment 'Road' (x 50.000 to 50.000, y 0.000 to 100.000) don't meet."));
   EXPECT_NE(noticeOf(user.program).find("USSurveyFoot"), std::string::npos) << noticeOf(user.program);
   EXPECT_NE(noticeOf(user.program).find("(1 more in the console)"), std::string::npos) << noticeOf(user.program);
@@ -48,7 +48,7 @@ TEST(ReportAdviser, TellsThatASiteIsTakenForTheAlignmentsOutsideAny) {
   user.typeStem(user.stem());
   user.press(host::kIdOk);
   ASSERT_TRUE(user.waitForEnd());
-  EXPECT_TRUE(user.program.waitUntilSaid("Warning: the reports take a site whose name begins with '*'"));
+  EXPECT_TRUE(user.program.waitUntilSaid("Warning: The reports take a site whose name begins with '*'"));
   EXPECT_NE(noticeOf(user.program).find("give the site another name"), std::string::npos) << noticeOf(user.program);
 }
 

@@ -1,5 +1,7 @@
 #include "desktop/plan/object_names.h"
 
+#include "desktop/common/qt_text.h"
+
 namespace lvx::desktop {
 
 QString ObjectNames::kind(civil::ObjectKind kind) {
@@ -24,6 +26,11 @@ QString ObjectNames::kind(civil::ObjectKind kind) {
       return tr("Corridor");
   }
   return {};
+}
+
+QString ObjectNames::alignment(const civil::Site& site, const civil::AlignmentObject& alignment) {
+  const QString name = toQt(alignment.name);
+  return site.name.empty() ? name : QStringLiteral("%1 (%2)").arg(name, toQt(site.name));
 }
 
 }  // namespace lvx::desktop

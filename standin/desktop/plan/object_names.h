@@ -14,6 +14,8 @@ class ObjectNames {
  public:
   /// "Sample line"
   [[nodiscard]] static QString kind(civil::ObjectKind kind);
+  /// In lists over all sites: "Main road (North)", or the name alone outside any site.
+  [[nodiscard]] static QString alignment(const civil::Site& site, const civil::AlignmentObject& alignment);
 };
 
 }  // namespace lvx::desktop

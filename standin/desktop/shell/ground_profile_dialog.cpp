@@ -13,6 +13,8 @@
 #include "civil/ground_profile.h"
 #include "civil/sibling_names.h"
 #include "desktop/common/qt_text.h"
+#include "desktop/plan/object_names.h"
+#include "text/number_text.h"
 
 namespace lvx::desktop {
 
@@ -62,8 +64,7 @@ void GroundProfileDialog::fill(const std::vector<civil::Handle>& chosen) {
   };
   const auto addSite = [&](const civil::Site& site) {
     for (const auto& alignment : site.alignments) {
-      const QString name = toQt(alignment->name);
-      alignment_->addItem(site.name.empty() ? name : tr("%1 (%2)").arg(name, toQt(site.name)));
+      alignment_->addItem(ObjectNames::alignment(site, *alignment));
       alignments_.push_back(alignment.get());
       if (isChosen(alignment->handle)) alignment_->setCurrentIndex(alignment_->count() - 1);
     }
@@ -158,7 +159,7 @@ void GroundProfileDialog::look() {
     outcome_->setText(against);
     return;
   }
-  const auto station = [](double value) { return QString::number(value, 'f', 3); };
+  const auto station = [](double value) { return toQt(text::stationText(value)); };
   QString words = tr("%n point(s), stations %1 to %2.", nullptr, static_cast<int>(profile_.points().size()))
                       .arg(station(profile_.startStation()), station(profile_.endStation()));
   if (profile_.gapCount() > 0)

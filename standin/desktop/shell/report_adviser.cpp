@@ -15,6 +15,13 @@ namespace {
 /// Diagnostics of a report's objects that the console shows; all stand in their panel.
 constexpr std::size_t kMostDiagnostics = 10;
 
+/// Advice as a sentence of its own.
+QString asSentence(const std::string& advice) {
+  QString sentence = toQt(advice) + QLatin1Char('.');
+  sentence[0] = sentence[0].toUpper();
+  return sentence;
+}
+
 }  // namespace
 
 ReportAdviser::ReportAdviser(Session& session, ConsoleView& console, NoticeBar& notice)
@@ -44,11 +51,12 @@ void ReportAdviser::accept(const QString& dialog, const host::DialogWindow& wind
             static_cast<int>(diagnostics.ofReport.size() - shown)));
 
   QStringList warnings;
-  if (const std::string reason = advice::whyOutOfReach(choices_->objects); !reason.empty()) warnings << toQt(reason);
+  if (const std::string reason = advice::whyOutOfReach(choices_->objects); !reason.empty())
+    warnings << asSentence(reason);
   for (const std::string& warning : advice::warnings(drawing, choices_->objects, choices_->stem, choices_->forms,
                                                      session_.host().platform(), advice::HintsFor::Desktop))
-    warnings << toQt(warning);
-  for (const QString& warning : warnings) tell(tr("Warning: %1.").arg(warning));
+    warnings << asSentence(warning);
+  for (const QString& warning : warnings) tell(tr("Warning: %1").arg(warning));
   showInBar(warnings);
 }
 
@@ -57,7 +65,7 @@ QStringList ReportAdviser::end(const CommandReport& report) {
   if (!report.exception.isEmpty() && !report.interrupted) {
     if (choices_)
       for (const std::string& sentence : advice::whatToChange(choices_->objects, advice::messagesOf(session_.host())))
-        changes << toQt(sentence) + QLatin1Char('.');
+        changes << asSentence(sentence);
     for (const runtime::FileEvent& event : report.files)
       if (event.fate == runtime::FileFate::Failed && toQt(event.path).endsWith(QLatin1String(".xls")))
         changes << tr(

@@ -19,6 +19,7 @@
 #include <utility>
 
 #include "desktop/common/qt_text.h"
+#include "desktop/plan/object_names.h"
 #include "text/number_text.h"
 
 namespace lvx::desktop {
@@ -173,7 +174,8 @@ void SampleLinesDialog::build() {
   setObjectName(QStringLiteral("sampleLinesDialog"));
   setAttribute(Qt::WA_DeleteOnClose);
   new QVBoxLayout(this);
-  const auto addList = [](QGridLayout& grid, const char* name, const QString& label, QComboBox*& list) {
+  const auto addList = [](QGridLayout& grid, const char* name, const QString& label, QComboBox*& list,
+                          int columns = 1) {
     const int row = grid.rowCount();
     auto* const text = new QLabel(label);
     list = new QComboBox;
@@ -182,7 +184,7 @@ void SampleLinesDialog::build() {
     list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     text->setBuddy(list);
     grid.addWidget(text, row, 0);
-    grid.addWidget(list, row, 1);
+    grid.addWidget(list, row, 1, 1, columns);
     return row;
   };
   const auto addBoxRow = [](QGridLayout& grid, const char* name, const QString& label) {
@@ -193,7 +195,7 @@ void SampleLinesDialog::build() {
   };
 
   QGridLayout* const what = addBox(tr("Group"));
-  addList(*what, "linesAlignment", tr("&Alignment"), alignment_);
+  addList(*what, "linesAlignment", tr("&Alignment"), alignment_, 2);
   name_ = addField(*what, "linesName", tr("&Group name"), tr("Reports show the group under this name"));
 
   QGridLayout* const where = addBox(tr("Where lines stand"));
@@ -252,9 +254,7 @@ void SampleLinesDialog::build() {
 
 void SampleLinesDialog::fillAlignments(civil::Handle chosen) {
   eachAlignment(drawing_->drawing(), [&](const civil::Site& site, const civil::AlignmentObject& alignment) {
-    const QString name = toQt(alignment.name);
-    alignment_->addItem(site.name.empty() ? name : QStringLiteral("%1 – %2").arg(toQt(site.name), name),
-                        QVariant::fromValue<quint64>(alignment.handle));
+    alignment_->addItem(ObjectNames::alignment(site, alignment), QVariant::fromValue<quint64>(alignment.handle));
   });
   const int row = alignment_->findData(QVariant::fromValue<quint64>(chosen));
   alignment_->setCurrentIndex(std::max(row, 0));

@@ -725,10 +725,6 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <translation>Längsschnitt aus DGM</translation>
     </message>
     <message>
-        <source>%1 (%2)</source>
-        <translation>%1 (%2)</translation>
-    </message>
-    <message>
         <source>Points are left out where the profile without them stays this close in elevation. 0 keeps a point at every edge of a triangle.</source>
         <translation>Punkte fallen weg, wo der Längsschnitt ohne sie in der Höhe so nahe bleibt. 0 behält an jeder Dreieckskante einen Punkt.</translation>
     </message>
@@ -1199,8 +1195,8 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         </translation>
     </message>
     <message>
-        <source>Warning: %1.</source>
-        <translation>Warnung: %1.</translation>
+        <source>Warning: %1</source>
+        <translation>Warnung: %1</translation>
     </message>
     <message>
         <source>The command ends where its workbook can&apos;t be saved, so that a page behind it is missing too. Choose a place that can be written, or leave the workbook out.</source>
