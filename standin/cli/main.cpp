@@ -1,4 +1,5 @@
 #include <exception>
+#include <new>
 #include <string>
 #include <variant>
 
@@ -64,6 +65,9 @@ int runGuarded(int argc, char** argv) {
   } catch (const runtime::Interrupted&) {
     say("interrupted; no unfinished file was left");
     return kInterrupted;
+  } catch (const std::bad_alloc&) {
+    say("the command ended by an exception: there is not enough memory");
+    return kException;
   } catch (const std::exception& error) {
     say(std::string("the command ended by an exception: ") + error.what());
     return kException;

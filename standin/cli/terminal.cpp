@@ -3,6 +3,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
+#include <new>
+#include <string>
 
 #include "cli/failure.h"
 #include "standin_platform/standard_streams.h"
@@ -14,7 +17,13 @@ using standin_platform::StandardStream;
 
 void tell(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); }
 
-void say(std::string_view sentence) { tell("lvxhost: " + std::string(sentence) + "\n"); }
+void say(std::string_view sentence) {
+  try {
+    tell("lvxhost: " + std::string(sentence) + "\n");  // at once, so that nothing comes between
+  } catch (const std::bad_alloc&) {
+    for (const std::string_view part : {std::string_view("lvxhost: "), sentence, std::string_view("\n")}) tell(part);
+  }
+}
 
 void print(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
 

@@ -12,7 +12,7 @@ namespace lvx::cli {
 
 using options::ProgressMode;
 
-/// One line on standard error, "lvxhost: …".
+/// One line on standard error, "lvxhost: …"; also where no memory is left.
 void say(std::string_view sentence);
 /// The same without the name in front: questions, the console of a command.
 void tell(std::string_view text);
