@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <exception>
 #include <new>
 #include <string>
@@ -54,7 +55,23 @@ int run(int argc, char** argv) {
   return code;
 }
 
+constexpr const char* kNoMemory = "the command ended by an exception: there is not enough memory";
+
+/// Where even what cleans up finds no memory, as in the destructors of some libraries.
+[[noreturn]] void endWithoutMemory() {
+  try {
+    if (std::current_exception()) std::rethrow_exception(std::current_exception());
+  } catch (const std::bad_alloc&) {
+    say(kNoMemory);
+    std::_Exit(kException);
+  } catch (...) {
+    std::abort();
+  }
+  std::abort();
+}
+
 int runGuarded(int argc, char** argv) {
+  std::set_terminate(endWithoutMemory);
   standin_platform::guardStandardStreams();
   standin_platform::watchInterruption();
   try {
@@ -66,7 +83,7 @@ int runGuarded(int argc, char** argv) {
     say("interrupted; no unfinished file was left");
     return kInterrupted;
   } catch (const std::bad_alloc&) {
-    say("the command ended by an exception: there is not enough memory");
+    say(kNoMemory);
     return kException;
   } catch (const std::exception& error) {
     say(std::string("the command ended by an exception: ") + error.what());

@@ -13,7 +13,6 @@ enum class Fault : std::int32_t {
   CallComesShort,    ///< one system call reads or writes half of what it was asked for
   CallKilledBefore,  ///< the whole process group ends at a system call that isn't done any more
   CallKilledWithin,  ///< it ends when half of the bytes are written
-  CallKilledAfter,   ///< it ends when the call is done
   AllocationFails,   ///< one allocation finds no memory
   AllocationsFail,   ///< that one and all that come after it, `lasting` of them
   DiskFills,         ///< files take `at` bytes altogether

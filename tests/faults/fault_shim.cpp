@@ -215,10 +215,6 @@ long answer(const Arguments& arguments) {
         noteDone(where, arguments);
         (void)arguments.executeUpTo(where.size / 2);
         killAll();
-      case Fault::CallKilledAfter:
-        noteDone(where, arguments);
-        (void)arguments.execute();
-        killAll();
       default:
         break;
     }
