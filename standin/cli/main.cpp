@@ -18,6 +18,7 @@
 #include "runtime/open_drawing.h"
 #include "standin_platform/interruption.h"
 #include "standin_platform/standard_streams.h"
+#include "version/version.h"
 
 namespace lvx::cli {
 namespace {
@@ -48,7 +49,7 @@ ExitCode runCommand(const CommandLine& line) {
 }
 
 int run(int argc, char** argv) {
-  const auto parsed = parseCommandLine(argc, argv, LVX_VERSION);
+  const auto parsed = parseCommandLine(argc, argv, version::text());
   const auto* const line = std::get_if<CommandLine>(&parsed);
   const ExitCode code = line == nullptr ? std::get<ExitCode>(parsed) : runCommand(*line);
   finishOutput();

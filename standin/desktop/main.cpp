@@ -16,6 +16,7 @@
 #include "options/exit_codes.h"
 #include "options/option_table.h"
 #include "standin_platform/interruption.h"
+#include "version/version.h"
 
 namespace lvx::desktop {
 namespace {
@@ -113,7 +114,7 @@ Started parse(const QStringList& arguments) {
 
   Started started;
   if (parser.isSet(help)) started.answer = parser.helpText();
-  if (parser.isSet(version)) started.answer = QStringLiteral("lvxhost-desktop %1\n").arg(QLatin1String(LVX_VERSION));
+  if (parser.isSet(version)) started.answer = QStringLiteral("lvxhost-desktop %1\n").arg(inQt(version::text()));
   options::Options values;
   values.common.host.language = QLocale::system().language() == QLocale::German ? "de" : "en";
   applyGiven(parser, values);
@@ -172,7 +173,7 @@ int run(int argc, char** argv) {
   // Qt takes the environment's locale; numbers stay as they are.
   std::setlocale(LC_NUMERIC, "C");
   QApplication::setApplicationName(QStringLiteral("lvxhost-desktop"));
-  QApplication::setApplicationVersion(QStringLiteral(LVX_VERSION));
+  QApplication::setApplicationVersion(inQt(version::text()));
   QGuiApplication::setDesktopFileName(QStringLiteral("lvxhost-desktop"));
   try {
     MainWindow window(started.options);

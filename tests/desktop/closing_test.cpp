@@ -310,7 +310,7 @@ TEST(StartingTheProgram, HelpsWithAnExampleWhereverItStands) {
                              "--release", "--report-code-page", "--message-code-page", "--version"})
     EXPECT_NE(help.output.find(option), std::string::npos) << option;
   request.arguments = {"--version"};
-  EXPECT_EQ(runProgram(request).output, "lvxhost-desktop 1.0.0\n");
+  EXPECT_EQ(runProgram(request).output.find("lvxhost-desktop 1.0.0"), 0U);
 }
 
 }  // namespace
