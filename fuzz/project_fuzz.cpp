@@ -4,50 +4,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "landxml/project.h"
+#include "scratch_folder.h"
 
 namespace {
 
 using namespace lvx;
-
-/// A folder of its own, gone with the process.
-class Folder {
- public:
-  Folder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "lvx-project-fuzz-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) std::abort();
-    path_ = pattern;
-  }
-  ~Folder() {
-    std::error_code error;
-    std::filesystem::remove_all(path_, error);
-  }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  [[nodiscard]] std::string file(std::size_t number) const {
-    return (path_ / (std::to_string(number) + ".xml")).string();
-  }
-
- private:
-  std::filesystem::path path_;
-};
-
-void write(const std::string& path, std::string_view text) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file.write(text.data(), static_cast<std::streamsize>(text.size()));
-}
-
-std::string read(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 /// Each alignment over each surface, as a report that is asked for both.
 void touch(const civil::Drawing& drawing) {
@@ -79,7 +45,8 @@ void touch(const civil::Drawing& drawing) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
-  static const Folder folder;
+  static const fuzz::ScratchFolder folder;
+  const auto fileOf = [&](std::size_t number) { return folder.file(std::to_string(number) + ".xml"); };
   const unsigned how = *data;
   std::string_view rest(reinterpret_cast<const char*>(data) + 1, size - 1);
   constexpr std::size_t kMostFiles = 4;
@@ -92,8 +59,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   std::vector<landxml::ProjectFile> files;
   for (std::size_t i = 0; i < texts.size(); ++i) {
-    write(folder.file(i), texts[i]);
-    files.push_back({folder.file(i), (how >> i & 1U) != 0});
+    fuzz::writeFile(fileOf(i), texts[i]);
+    files.push_back({fileOf(i), (how >> i & 1U) != 0});
   }
   try {
     landxml::ProjectOptions options;
@@ -101,12 +68,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     civil::Drawing drawing = landxml::readProject(files, options);
     if (drawing.addedFiles.size() + 1 != files.size()) std::abort();
     touch(drawing);
-    const std::string target = (how & 0x20U) != 0 ? folder.file(9) : folder.file(0);
+    const std::string target = (how & 0x20U) != 0 ? fileOf(9) : fileOf(0);
     (void)landxml::saveProject(drawing, target);
     for (std::size_t i = 0; i < texts.size(); ++i) {
-      if (read(folder.file(i)) != texts[i]) std::abort();
+      if (fuzz::readFile(fileOf(i)) != texts[i]) std::abort();
     }
-    if (read(target) != texts[0]) std::abort();
+    if (fuzz::readFile(target) != texts[0]) std::abort();
   } catch (const landxml::ReadError&) {
     return 0;
   } catch (const landxml::SaveError&) {

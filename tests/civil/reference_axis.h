@@ -162,7 +162,7 @@ class ReferenceAxis {
         Real low = static_cast<Real>(i) * element.step();
         Real high = i + 1 == element.steps() ? element.length() : low + element.step();
         const Real after = slope(high);
-        if (before < 0 && after > 0) {
+        if (before < 0 && after >= 0) {
           for (int k = 0; k < 70; ++k) {
             const Real middle = (low + high) / 2;
             (slope(middle) < 0 ? low : high) = middle;
