@@ -154,7 +154,10 @@ std::string AlignmentWriter::groupText(const AlignmentObject& alignment, const S
   const std::string name = FileEditor::nameLike(like, "CrossSects");
   const Layout inner = layout.inner();
   std::string text = '<' + name + nameAttributes(group) + '>';
-  for (const SampleLine& line : group.lines) text += inner.lead + lines_.lineText(alignment, line, like, inner);
+  for (const SampleLine& line : group.lines) {
+    editor_.lookUp();
+    text += inner.lead + lines_.lineText(alignment, line, like, inner);
+  }
   text += inner.lead;
   change_.markup.featureMarkup(like, {}, "lvx_sampleLineGroup", {{"handle", terms_.handleText(group.handle)}})
       .print(inner, text);
@@ -243,6 +246,7 @@ void AlignmentWriter::changeLines(const AlignmentObject& alignment, const Sample
   items.reserve(now.lines.size());
   std::size_t next = 0;  // a line that comes before one that stood in front of it is written anew
   for (const SampleLine& line : now.lines) {
+    editor_.lookUp();
     const auto found = places.find(line.handle);
     if (found == places.end() || found->second < next) {
       items.push_back({{}, lines_.lineText(alignment, line, node, layout)});

@@ -497,6 +497,7 @@ void ChangeWriter::writeOwnCrossSects(const Place& place) {
   const Node pattern = place.trace->sections.sections.empty() ? Node() : place.trace->sections.sections.front();
   std::string text = layout.lead + '<' + element + " name=\"" + escapedAttribute(name) + "\">";
   for (const CorridorSection& section : place.now->sections) {
+    editor_.lookUp();
     text += inside.lead + markup_.sectionText(*place.baseline, section, alignment, pattern, isAbsolute, inside);
   }
   text += inside.lead;

@@ -32,8 +32,9 @@ std::string characterReference(std::string_view character) {
 
 }  // namespace
 
-FileEditor::FileEditor(const SourceFile& source, const Trace& trace, const std::string& path)
-    : source_(source), trace_(trace), path_(path) {
+FileEditor::FileEditor(const SourceFile& source, const Trace& trace, const std::string& path,
+                       std::function<void()> lookUp)
+    : source_(source), trace_(trace), path_(path), lookUp_(std::move(lookUp)) {
   if (trace_.scanned.upperHalf == nullptr) return;
   const auto& upperHalf = *trace_.scanned.upperHalf;
   for (std::size_t i = 0; i < upperHalf.size(); ++i) {
@@ -81,6 +82,7 @@ std::string FileEditor::encoded(const std::string& text) const {
 }
 
 void FileEditor::edit(std::uint64_t at, std::uint64_t removed, const std::string& text) {
+  lookUp();
   edits_.push_back({at, removed, encoded(text)});
 }
 
@@ -272,7 +274,12 @@ void FileEditor::write(SafeFile& to, ContentHash& check, const std::function<voi
   for (const Edit& e : edits_) {
     if (e.at < done) failSaving("two changes meet in one place of the file", path_);
     pass(e.at, true);
-    to.write(e.text);
+    for (std::string_view text = e.text; !text.empty();) {
+      const std::string_view piece = text.substr(0, kBlock);
+      to.write(piece);
+      text.remove_prefix(piece.size());
+      lookUp();
+    }
     pass(e.at + e.removed, false);
   }
   pass(source_.size(), true);

@@ -18,8 +18,13 @@ namespace lvx::landxml::detail {
 /// line ends and indentation around them; texts are given in UTF-8 and written in the file's encoding.
 class FileEditor {
  public:
-  /// All must outlive the editor.
-  FileEditor(const SourceFile& source, const Trace& trace, const std::string& path);
+  /// All must outlive the editor. `lookUp` throws where the user wants to stop.
+  FileEditor(const SourceFile& source, const Trace& trace, const std::string& path, std::function<void()> lookUp = {});
+
+  /// To be called now and then by who works long between two edits.
+  void lookUp() const {
+    if (lookUp_) lookUp_();
+  }
 
   [[nodiscard]] bool isUnchanged() const { return edits_.empty() && appends_.empty(); }
   /// An element's name with the prefix of `like`.
@@ -92,6 +97,7 @@ class FileEditor {
   const SourceFile& source_;
   const Trace& trace_;
   std::string path_;
+  std::function<void()> lookUp_;
   std::vector<Edit> edits_;
   std::map<std::size_t, Appends> appends_;  // by the parent's place
   std::map<std::string, char> bytes_;       // of the characters beyond ASCII, in a one-byte encoding

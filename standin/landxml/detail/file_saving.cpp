@@ -1,6 +1,7 @@
 #include "landxml/detail/file_saving.h"
 
 #include <bit>
+#include <chrono>
 #include <cstring>
 #include <memory>
 #include <string_view>
@@ -174,6 +175,18 @@ void settleFiles(civil::Drawing& drawing, civil::FileNumber file) {
   }
 }
 
+/// Calls `work` at most some twenty times a second, however often it is called itself.
+std::function<void()> nowAndThen(std::function<void()> work) {
+  using Clock = std::chrono::steady_clock;
+  static constexpr std::chrono::milliseconds kPause{50};
+  return [work = std::move(work), next = Clock::now()]() mutable {
+    const auto now = Clock::now();
+    if (now < next) return;
+    next = now + kPause;
+    work();
+  };
+}
+
 }  // namespace
 
 FileSaving::FileSaving(civil::Drawing& drawing, civil::FileNumber file, const std::string& source,
@@ -217,7 +230,7 @@ void FileSaving::write(const std::function<void(std::uint64_t)>& progress) {
     for (ObjectTrace& object : trace.objects) object.handle += terms_.handleBase;
   }
 
-  FileEditor editor(source_, trace, target_);
+  FileEditor editor(source_, trace, target_, nowAndThen([&] { progress(source_.size()); }));
   writeChanges(drawing_, stored, trace, terms_, editor, target_);
   if (editor.isUnchanged() && isOwnFile_) return;
   // An added file stays where it is: what took its name in the meantime isn't ours.
