@@ -12,4 +12,7 @@ namespace lvx::version {
 /// whenever they are built. "1.0.0" alone where the sources came without their history.
 [[nodiscard]] std::string text();
 
+/// The day that the commit was made, "2026-11-22"; empty where the sources came without their history.
+[[nodiscard]] std::string day();
+
 }  // namespace lvx::version
