@@ -97,6 +97,7 @@ CMyDialog3::~CMyDialog3() {
 void CMyDialog3::attach() {
   std::optional<Model> model = reachModel();
   if (!model) return;
+  // Without corridors `model` is given back, and the next opening asks anew.
   if (host::connectRoadway(host_, getMessage(Message::CorridorsOutOfReach)) < 1) return;
   loaded = 1;  // from here on the destructor gives everything back
   take(std::move(*model));

@@ -57,7 +57,7 @@ class ClassFilter {
 
 /// Replaces `pickedNumbers` by the numbers of the points that the user selects, and tells the dialog's last row how many
 /// they are. Giving the selection up leaves none. False where the host can't identify something that it delivered: the
-/// command ends then.
+/// command ends then, and filter and selection are freed all the same.
 bool pickPoints(host::Host& host, CExportPointsDlg& dialog, SelectionSet& selection, PickedNumbers& pickedNumbers) {
   host::RunTime& runTime = host.runTime();
   pickedNumbers.removeAll();

@@ -130,12 +130,18 @@ void Transcript::fileBox(const host::CString& filter) { write({{"event", "filebo
 void Transcript::help(const host::CString& topic) { write({{"event", "help"}, {"topic", toUtf8(topic)}}); }
 
 void Transcript::file(const runtime::FileEvent& event) {
+  // The module removes nothing else, and no report is empty.
+  constexpr const char* kTrial = "tries whether the old workbook may be replaced";
   switch (event.fate) {
     case runtime::FileFate::Written:
+      if (event.bytes == 0) {
+        write({{"event", "written"}, {"path", event.path}, {"bytes", event.bytes}, {"why", kTrial}});
+        break;
+      }
       write({{"event", "written"}, {"path", event.path}, {"bytes", event.bytes}});
       break;
     case runtime::FileFate::Removed:
-      write({{"event", "removed"}, {"path", event.path}});
+      write({{"event", "removed"}, {"path", event.path}, {"why", kTrial}});
       break;
     case runtime::FileFate::Failed:
       write({{"event", "unwritten"}, {"path", event.path}, {"reason", event.reason}});
