@@ -49,7 +49,7 @@ class Platform {
   [[nodiscard]] virtual bool exists(const CString& path) = 0;
   /// Removes a file; false where it couldn't.
   virtual bool removeFile(const CString& path) = 0;
-  /// Index of the last mark between folders in `path` (on POSIX `/` or `\`), or npos: a stem without a folder.
+  /// Index of the last mark between folders in `path` (on POSIX `/`; a `\` is a letter there), or npos: a stem without a folder.
   [[nodiscard]] virtual std::size_t lastFolderMark(const CString& path) const = 0;
 
   // ---- time

@@ -74,6 +74,8 @@ CxMsg::CxMsg(host::Host& host, const CString& fileName) : CxMsg() {
   std::array<char, kLineBuffer> buffer{};
   // As a C string: a zero byte ends what the line can say.
   while (std::fgets(buffer.data(), kLineBuffer, stream.get()) != nullptr) addLine(host, buffer.data());
+  // What was read stays; the rest shows as numbers in the report, so the user is told why.
+  if (std::ferror(stream.get()) != 0) host.runTime().vnutPrintf(L"Error reading text file: " + path + L"\n");
 }
 
 CxMsg::~CxMsg() { framework::destroyAll(messages_); }

@@ -5,14 +5,13 @@
 #include <chrono>
 #include <condition_variable>
 #include <deque>
-#include <fstream>
-#include <iterator>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "cli/drawing_file.h"
 #include "cli/failure.h"
 #include "cli/job_file.h"
 #include "cli/terminal.h"
@@ -28,13 +27,6 @@ using standin_platform::ChildResult;
 using standin_platform::isInterrupted;
 
 namespace {
-
-std::string readFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::string text{std::istreambuf_iterator<char>(file), {}};
-  if (!file.is_open() || file.bad()) throw Failure(kUsage, "batch: can't read '" + path + "'");
-  return text;
-}
 
 /// Jobs that several workers take one after the other.
 class Workers {
@@ -109,7 +101,8 @@ std::string summary(std::size_t jobs, const std::vector<std::size_t>& failed) {
 }  // namespace
 
 ExitCode runBatch(const options::Options& options) {
-  const std::vector<Job> jobs = parseJobs(readFile(options.batch.jobs), options.batch.jobs, options.common);
+  const std::vector<Job> jobs =
+      parseJobs(readSteeringFile(options.batch.jobs, "batch"), options.batch.jobs, options.common);
   const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
   const std::size_t atOnce = options.batch.atOnce ? static_cast<std::size_t>(*options.batch.atOnce) : processors;
 

@@ -2,7 +2,6 @@
 
 #include <iterator>
 #include <stdexcept>
-#include <string_view>
 #include <utility>
 
 #include "cli/terminal.h"
@@ -57,11 +56,6 @@ const char* words(Refusal refusal) {
   return "refuses";
 }
 
-/// The questions come in the language of the message file, so its letter counts too.
-bool isYes(const std::string& answer) {
-  return !answer.empty() && std::string_view("yYjJ").find(answer[0]) != std::string_view::npos;
-}
-
 }  // namespace
 
 void StepDialogs::expect(std::string dialogName, std::vector<std::vector<DialogStep>> openings) {
@@ -94,9 +88,7 @@ BoxAnswer CommandLineFrontEnd::messageBox(const CString& text, BoxButtons button
       say(words);
       return BoxAnswer::Ok;
     case BoxButtons::YesNo:
-      if (overwrite_ == Overwrite::Always) return BoxAnswer::Yes;
-      if (overwrite_ == Overwrite::Never || !isInteractive()) return BoxAnswer::No;
-      return isYes(ask(words + " [y/N] ")) ? BoxAnswer::Yes : BoxAnswer::No;
+      return mayOverwrite(overwrite_, words) ? BoxAnswer::Yes : BoxAnswer::No;
     case BoxButtons::RetryCancel:
       if (!isInteractive()) {
         say(words);

@@ -12,12 +12,15 @@
 #include "cli/name_lookup.h"
 #include "cli/terminal.h"
 #include "landxml/project.h"
+#include "runtime/input_files.h"
 #include "runtime/open_drawing.h"
 #include "standin_platform/file_stamp.h"
+#include "standin_platform/input_file.h"
 #include "standin_platform/interruption.h"
 
 namespace lvx::cli {
 
+using runtime::isSameFile;
 using standin_platform::isInterrupted;
 using standin_platform::leadToOneFile;
 
@@ -88,6 +91,47 @@ void refuseOtherTargets(const civil::Drawing& drawing, const options::Options& o
 
 }  // namespace
 
+std::string readSteeringFile(const std::string& path, const char* speaker) {
+  const auto fail = [&](const std::string& reason) {
+    throw Failure(kUsage, std::string(speaker) + ": can't read '" + path + "': " + reason);
+  };
+  try {
+    standin_platform::InputFile file(path);
+    if (file.kind() == standin_platform::InputFile::Kind::Folder) fail("it is a folder");
+    return file.readAll();
+  } catch (const std::system_error& error) {
+    if (isInterrupted()) throw runtime::Interrupted();
+    fail(error.code().message());
+  }
+  return {};
+}
+
+void requireSaveTarget(const civil::Drawing& drawing, const options::Options& options,
+                       const std::vector<std::string>& outputs) {
+  if (!options.report.saveTo) return;
+  const std::string& target = *options.report.saveTo;
+  const auto refuse = [&target](const std::string& reason) {
+    throw Failure(kBadDrawing, "nothing was written: --save names '" + target + "', which can't be: " + reason);
+  };
+  for (const std::string& output : outputs)
+    if (isSameFile(output, target)) refuse("it is a report of this run");
+  if (isSameFile(target, drawing.path)) return;  // in place is meant
+  runtime::InputFiles inputs;
+  inputs.add(drawing);
+  if (const auto& messages = options.common.host.messages) inputs.add(*messages, "the message file");
+  if (const std::string reason = inputs.whyNoOutput(target); !reason.empty()) refuse(reason);
+}
+
+bool maySave(const civil::Drawing& drawing, const options::Options& options) {
+  if (!options.report.saveTo) return true;
+  const std::string& target = *options.report.saveTo;
+  std::error_code error;
+  if (isSameFile(target, drawing.path) || !std::filesystem::exists(target, error)) return true;
+  if (mayOverwrite(options.common.overwriteMode(), target + " exists. Overwrite it?")) return true;
+  say("the drawing was not saved: kept '" + target + "', which exists; --overwrite replaces it");
+  return false;
+}
+
 void saveAndTell(civil::Drawing& drawing, const options::Options& options, const std::string& made) {
   refuseOtherTargets(drawing, options);
   const std::string target = options.report.saveTo.value_or(drawing.path);
@@ -104,6 +148,8 @@ void saveAndTell(civil::Drawing& drawing, const options::Options& options, const
     } catch (const landxml::Error& error) {
       if (isInterrupted()) throw runtime::Interrupted();
       throw Failure(kBadDrawing, error.what());
+    } catch (const std::bad_alloc&) {
+      throw Failure(kBadDrawing, landxml::SaveError("not enough memory to save the drawing", target).what());
     }
   }
   if (options.common.quiet) return;

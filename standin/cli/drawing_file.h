@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "advice/report_advice.h"
 #include "civil/drawing.h"
@@ -11,6 +12,19 @@ namespace lvx::cli {
 /// Reads the drawing of `options`, all of its files, with progress. Throws Failure where it can't be read (kBadDrawing)
 /// and for --swap-axes of what is none of its files (kUsage), and runtime::Interrupted where the user stopped it.
 [[nodiscard]] civil::Drawing loadDrawing(const options::Options& options);
+
+/// Throws Failure (kBadDrawing) where --save names what can't be saved to: a file that the run reads, but for the drawing's
+/// own first one, which is saved in place; one of `outputs`, which the same run writes; a name with a zero character.
+void requireSaveTarget(const civil::Drawing& drawing, const options::Options& options,
+                       const std::vector<std::string>& outputs = {});
+
+/// Whether the drawing may be saved as --save says: a file that exists and isn't the drawing's own is overwritten by the
+/// rules of the reports (see mayOverwrite). Where it is kept, that is told.
+[[nodiscard]] bool maySave(const civil::Drawing& drawing, const options::Options& options);
+
+/// All of a file that steers a command: `speaker` names it in messages. Throws Failure (kUsage) where it can't be read,
+/// a folder included, and runtime::Interrupted where the user stopped the waiting for a pipe.
+[[nodiscard]] std::string readSteeringFile(const std::string& path, const char* speaker);
 
 /// Saves the files of a drawing that changed, with progress: the first one under --save, else in its place. Then tells
 /// `made` and the files on standard output, unless --quiet. Throws Failure (kBadDrawing) where one can't be saved, also

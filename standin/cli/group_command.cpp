@@ -22,12 +22,14 @@ ExitCode runGroup(const options::Options& options) {
   const bool quiet = options.common.quiet;
   civil::Drawing drawing = loadDrawing(options);
   if (!quiet) tellDiagnostics(drawing);
+  requireSaveTarget(drawing, options);
   const civil::PointGroup* const taken =
       groupToReplace(drawing.pointGroups, wanted, "the drawing", "point group", "points");
   std::vector<std::int32_t> numbers = findPoints(drawing, civil::DrawingIndex(drawing), points, quiet).numbers;
   const std::string told = "'" + wanted.name + "': " + text::countText(numbers.size(), "point") + "\n";
   if (taken != nullptr) civil::removingPointGroup(taken->handle)->make(drawing);
   civil::addingPointGroup(wanted.name, std::move(numbers))->make(drawing);
+  if (!maySave(drawing, options)) return kNotWritten;
   saveAndTell(drawing, options, told);
   return kDone;
 }

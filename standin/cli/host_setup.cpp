@@ -8,9 +8,11 @@
 
 namespace lvx::cli {
 
-std::unique_ptr<runtime::StandinHost> makeHost(runtime::FrontEnd& frontEnd, const options::CommonOptions& options) {
+std::unique_ptr<runtime::StandinHost> makeHost(runtime::FrontEnd& frontEnd, const options::CommonOptions& options,
+                                               const runtime::InputFiles& inputs) {
   try {
     runtime::HostOptions setup = runtime::hostOptions(options.host);
+    setup.inputs.add(inputs);
     setup.isInterrupted = standin_platform::isInterrupted;
     setup.startProgress = [mode = options.progressMode()](const std::string& work) {
       return [line = std::make_shared<ProgressLine>(mode, work)](std::uint64_t done, std::uint64_t total) {

@@ -9,12 +9,23 @@
 
 #include "cli/failure.h"
 #include "options/option_table.h"
+#include "script/script.h"
 
 namespace lvx::cli {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+/// The system ends a name at such a character, and so would take another file.
+bool hasZeroCharacter(const Json& json) {
+  if (json.is_string()) return json.get_ref<const std::string&>().find('\0') != std::string::npos;
+  if (!json.is_structured()) return false;
+  return std::any_of(json.begin(), json.end(), hasZeroCharacter) ||
+         (json.is_object() && std::any_of(json.items().begin(), json.items().end(), [](const auto& member) {
+            return member.key().find('\0') != std::string::npos;
+          }));
+}
 
 /// Reads one line and keeps the place of the job file for messages.
 class JobReader {
@@ -26,9 +37,10 @@ class JobReader {
     try {
       job = Json::parse(text);
     } catch (const Json::exception& error) {
-      fail("no JSON object: " + std::string(error.what()));
+      fail("no JSON object: " + script::jsonProblem(error.what()));
     }
     if (!job.is_object()) fail("no JSON object");
+    if (hasZeroCharacter(job)) fail("a zero character stands in a text");
     return job;
   }
 
@@ -139,9 +151,53 @@ void appendCommon(std::vector<std::string>& arguments, const Json& job, const st
 
 std::filesystem::path sameFor(const std::string& stem) {
   std::error_code error;
-  const std::filesystem::path whole = std::filesystem::weakly_canonical(std::filesystem::absolute(stem), error);
+  std::filesystem::path whole = std::filesystem::absolute(stem, error);
+  if (!error) whole = std::filesystem::weakly_canonical(whole, error);
   return error ? std::filesystem::path(stem) : whole;
 }
+
+/// Which files the jobs read and write, by the lines that say so: none may be both, or a job would take another one's
+/// drawing away.
+class JobFiles {
+ public:
+  explicit JobFiles(const std::string& jobFile) : jobFile_(sameFor(jobFile)) {}
+
+  void add(const Json& json, std::size_t line, const std::string& forms) {
+    reads_.emplace(sameFor(json.at("drawing").get<std::string>()), line);
+    if (const auto with = json.find("with"); with != json.end())
+      for (const Json& file : with->is_array() ? *with : Json::array({*with}))
+        if (file.is_string()) reads_.emplace(sameFor(file.get<std::string>()), line);
+    options::CommonOptions common;
+    const auto own = json.find("forms");
+    common.forms = own != json.end() && own->is_string() ? own->get<std::string>() : forms;
+    for (const char* form : {"txt", "xls", "html"})
+      if (common.writes(form)) writes_.push_back({sameFor(json.at("out").get<std::string>() + "." + form), line});
+    const auto save = json.find("save");
+    if (save == json.end() || !save->is_string()) return;
+    const std::filesystem::path target = sameFor(save->get<std::string>());
+    // In place is meant.
+    if (target != sameFor(json.at("drawing").get<std::string>())) writes_.push_back({target, line});
+  }
+
+  /// Throws Failure for the first file that is both.
+  void check(const std::string& name) const {
+    for (const auto& [path, line] : writes_) {
+      const JobReader reader(name, line);
+      if (path == jobFile_) reader.fail("writes the job file itself: " + path.string());
+      if (const auto read = reads_.find(path); read != reads_.end())
+        reader.fail("writes " + path.string() + ", which line " + std::to_string(read->second) + " reads");
+    }
+  }
+
+ private:
+  struct Output {
+    std::filesystem::path path;
+    std::size_t line;
+  };
+  std::filesystem::path jobFile_;
+  std::map<std::filesystem::path, std::size_t> reads_;
+  std::vector<Output> writes_;
+};
 
 }  // namespace
 
@@ -149,6 +205,7 @@ std::vector<Job> parseJobs(std::string_view text, const std::string& name, const
   const std::vector<CommonArgument> batchArguments = commonArguments(common);
   std::vector<Job> jobs;
   std::map<std::filesystem::path, std::size_t> lineOfStem;
+  JobFiles files(name);
   std::size_t line = 0;
   while (!text.empty()) {
     const std::size_t end = std::min(text.find('\n'), text.size());
@@ -169,6 +226,7 @@ std::vector<Job> parseJobs(std::string_view text, const std::string& name, const
     if (const auto [other, isNew] = lineOfStem.emplace(sameFor(stem), line); !isNew)
       reader.fail("writes the same files as line " + std::to_string(other->second) + ": " + stem);
 
+    files.add(json, line, common.forms);
     for (const auto& [option, value] : json.items())
       if (option != "command" && option != "drawing")
         reader.append(job.arguments, option, value, optionOf(job.arguments[0], option));
@@ -176,6 +234,7 @@ std::vector<Job> parseJobs(std::string_view text, const std::string& name, const
     job.arguments.insert(job.arguments.end(), {"--", drawing});
     jobs.push_back(std::move(job));
   }
+  files.check(name);
   return jobs;
 }
 

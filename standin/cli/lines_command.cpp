@@ -29,6 +29,7 @@ ExitCode runLines(const options::Options& options) {
   const bool quiet = options.common.quiet;
   civil::Drawing drawing = loadDrawing(options);
   if (!quiet) tellDiagnostics(drawing);
+  requireSaveTarget(drawing, options);
   const civil::AlignmentObject& alignment =
       *findAlignment(drawing, options.report.alignment, options.report.site).alignment;
   const civil::SampleLineGroup* const taken = groupToReplace(
@@ -38,6 +39,7 @@ ExitCode runLines(const options::Options& options) {
     civil::changingSampleLineGroup(taken->handle, std::nullopt, civil::sampleLinesOf(lines))->make(drawing);
   else
     civil::addingSampleLineGroup(alignment.handle, wanted.name, civil::sampleLinesOf(lines))->make(drawing);
+  if (!maySave(drawing, options)) return kNotWritten;
   saveAndTell(drawing, options, toldLines(wanted.name, alignment, lines));
   return kDone;
 }

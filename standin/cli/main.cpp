@@ -74,6 +74,7 @@ constexpr const char* kNoMemory = "the command ended by an exception: there is n
 int runGuarded(int argc, char** argv) {
   std::set_terminate(endWithoutMemory);
   standin_platform::guardStandardStreams();
+  standin_platform::turnSignalsOfWritingIntoErrors();
   standin_platform::watchInterruption();
   try {
     return run(argc, argv);

@@ -1,8 +1,6 @@
 #include "cli/play_command.h"
 
 #include <exception>
-#include <fstream>
-#include <iterator>
 #include <utility>
 
 #include "cli/drawing_file.h"
@@ -18,9 +16,7 @@ namespace lvx::cli {
 namespace {
 
 std::vector<script::ScriptAction> readScript(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
-  if (!file.is_open() || file.bad()) throw Failure(kUsage, "script: can't read '" + path + "'");
+  const std::string text = readSteeringFile(path, "script");
   try {
     return script::parseScript(text, path);
   } catch (const script::ScriptError& error) {
@@ -56,14 +52,16 @@ ExitCode runPlay(const options::Options& options) {
   std::vector<script::ScriptAction> actions = readScript(options.play.script);
   script::Transcript transcript(print);
   script::ScriptFrontEnd frontEnd(std::move(actions), transcript);
-  const auto host = makeHost(frontEnd, options.common);
+  runtime::InputFiles inputs;
+  inputs.add(options.play.script, "the script");
+  const auto host = makeHost(frontEnd, options.common, inputs);
   civil::Drawing drawing = loadDrawing(options);
   if (!options.common.quiet) tellDiagnostics(drawing);
 
   bool allWritten = true;
   host->journal().listener = [&transcript, &allWritten](const runtime::FileEvent& event) {
-    transcript.file(event);
     allWritten = allWritten && event.fate != runtime::FileFate::Failed;
+    transcript.file(event);
   };
   host->open(std::move(drawing));
   frontEnd.setDrawing(&host->openDrawing()->drawing());
@@ -76,7 +74,8 @@ ExitCode runPlay(const options::Options& options) {
   } catch (const script::ScriptMismatch& error) {
     throw Failure(kScriptMismatch, error.what());
   }
-  if (!clean) return kException;
+  if (host->journal().wasCutOff()) say("not enough memory for the whole transcript");
+  if (!clean || host->journal().wasCutOff()) return kException;
   return allWritten ? kDone : kNotWritten;
 }
 

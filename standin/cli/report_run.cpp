@@ -1,5 +1,6 @@
 #include "cli/report_run.h"
 
+#include <algorithm>
 #include <array>
 #include <exception>
 #include <filesystem>
@@ -17,6 +18,7 @@
 #include "runtime/command_runner.h"
 #include "runtime/module_loader.h"
 #include "runtime/standin_host.h"
+#include "standin_platform/atomic_file.h"
 
 namespace lvx::cli {
 
@@ -40,22 +42,51 @@ std::vector<DialogStep> closingSteps(const options::CommonOptions& common, const
   return steps;
 }
 
-/// The commands themselves say nothing where the folder is missing, so the user is told before they start.
-void requireFolder(runtime::StandinHost& host, const std::string& stem) {
-  const host::CString wide = fromUtf8(stem);
-  const std::size_t mark = host.platform().lastFolderMark(wide);
-  const std::string folder = platform::toUtf8(wide.substr(0, mark == 0 ? 1 : mark));
-  std::error_code error;
-  if (std::filesystem::is_directory(folder, error)) return;
-  throw Failure(kNotWritten, "nothing was written: " + (std::filesystem::exists(folder, error)
-                                                            ? "'" + folder + "' is no folder"
-                                                            : "there is no folder '" + folder + "'"));
-}
-
 struct Expected {
   std::string path;
   bool stood = false;  ///< something stood there before the command
 };
+
+/// What the command is to write, in its order.
+std::vector<Expected> expectedFiles(runtime::StandinHost& host, const options::CommonOptions& common,
+                                    const std::string& stem) {
+  std::vector<Expected> expected;
+  for (const Form& form : kForms) {
+    if (!common.writes(form.name)) continue;
+    std::string path = stem + "." + form.name;
+    const bool stood = host.platform().exists(fromUtf8(path));
+    expected.push_back({std::move(path), stood});
+  }
+  return expected;
+}
+
+/// True for a file that is made anew in its folder, and no device or pipe, nor a link to another place.
+bool isMadeInFolder(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::file_type type = std::filesystem::symlink_status(path, error).type();
+  return type == std::filesystem::file_type::not_found || type == std::filesystem::file_type::regular;
+}
+
+/// The commands themselves say nothing where the folder is missing, and a failure in the middle is worth less than one
+/// before the begin: so the user is told of outputs that can't be before the command starts.
+void requirePlaces(runtime::StandinHost& host, const std::string& stem, const std::vector<Expected>& expected) {
+  const host::CString wide = fromUtf8(stem);
+  const std::size_t mark = host.platform().lastFolderMark(wide);
+  const std::string folder = platform::toUtf8(wide.substr(0, mark == 0 ? 1 : mark));
+  std::error_code error;
+  if (!std::filesystem::is_directory(folder, error))
+    throw Failure(kNotWritten, "nothing was written: " + (std::filesystem::exists(folder, error)
+                                                              ? "'" + folder + "' is no folder"
+                                                              : "there is no folder '" + folder + "'"));
+  for (const Expected& file : expected)
+    if (const std::string reason = host.whyNoOutput(file.path); !reason.empty())
+      throw Failure(kNotWritten, "nothing was written: '" + file.path + "' can't be an output: " + reason);
+  const auto isMade = [](const Expected& file) { return isMadeInFolder(file.path); };
+  if (!std::any_of(expected.begin(), expected.end(), isMade)) return;
+  if (const std::error_code reason = standin_platform::whyNoNewFile(folder))
+    throw Failure(kNotWritten,
+                  "nothing was written: the folder '" + folder + "' takes no new file: " + reason.message());
+}
 
 /// What became of one form, on standard output or standard error. A command that didn't end by itself asked about no file.
 bool tellOutcome(const runtime::StandinHost& host, const Expected& expected, bool hasEnded, bool quiet) {
@@ -66,9 +97,9 @@ bool tellOutcome(const runtime::StandinHost& host, const Expected& expected, boo
   }
   if (event != nullptr && event->fate == runtime::FileFate::Failed)
     say("can't write '" + expected.path + "': " + event->reason);
-  else if (event == nullptr && expected.stood && !hasEnded)
+  else if (expected.stood && (event != nullptr || !hasEnded))
     say("'" + expected.path + "' was not written; what stood there still does");
-  else if (event == nullptr && expected.stood)
+  else if (expected.stood)
     say("kept '" + expected.path + "', which exists; --overwrite replaces it");
   else
     say("'" + expected.path + "' was not written");
@@ -117,7 +148,7 @@ bool nothingHappened(const runtime::StandinHost& host, const CommandLineFrontEnd
 }  // namespace
 
 std::string dialogStem(const std::string& given) {
-  const std::size_t mark = given.find_last_of("/\\");
+  const std::size_t mark = given.rfind('/');
   if (given.empty() || mark == given.size() - 1)
     throw Failure(kUsage, "--out needs a file name without extension, such as 'out/road'" +
                               (given.empty() ? std::string() : ", not just the folder '" + given + "'"));
@@ -156,15 +187,11 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, cons
   if (!common.quiet) tellAdvice(*host, common, stem, planned.objects);
   if (const std::string reason = advice::whyOutOfReach(planned.objects); !reason.empty())
     throw Failure(kNotWritten, "nothing was written: " + reason);
-  requireFolder(*host, stem);
-
-  std::vector<Expected> expected;
-  for (const Form& form : kForms) {
-    if (!common.writes(form.name)) continue;
-    std::string path = stem + "." + form.name;
-    const bool stood = host->platform().exists(fromUtf8(path));
-    expected.push_back({std::move(path), stood});
-  }
+  const std::vector<Expected> expected = expectedFiles(*host, common, stem);
+  requirePlaces(*host, stem, expected);
+  std::vector<std::string> reports;
+  for (const Expected& form : expected) reports.push_back(form.path);
+  requireSaveTarget(host->openDrawing()->drawing(), options, reports);
 
   const std::string endedBy = runModuleCommand(*host, common, command);
   if (endedBy.empty() && !planned.nothingWritten.empty() && nothingHappened(*host, frontEnd, expected)) {
@@ -176,10 +203,13 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, cons
   if (!endedBy.empty()) {
     say("the command ended by an exception: " + endedBy);
     tellWhatToChange(*host, planned.objects, stem);
+    if (options.report.saveTo)
+      say("the drawing was not saved to '" + *options.report.saveTo + "', since the command didn't end by itself");
     return kException;
   }
   if (options.report.saveTo) {
     made.remove();
+    if (!maySave(host->openDrawing()->drawing(), options)) return kNotWritten;
     host->openDrawing()->save([&](civil::Drawing& changed) { saveAndTell(changed, options, ""); });
   }
   return complete ? kDone : kNotWritten;

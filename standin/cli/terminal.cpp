@@ -36,6 +36,16 @@ void finishOutput() {
 
 bool isInteractive() { return isTerminal(StandardStream::Input) && isTerminal(StandardStream::Errors); }
 
+bool isYes(std::string_view answer) {
+  return !answer.empty() && std::string_view("yYjJ").find(answer[0]) != std::string_view::npos;
+}
+
+bool mayOverwrite(options::Overwrite mode, std::string_view question) {
+  if (mode == options::Overwrite::Always) return true;
+  if (mode == options::Overwrite::Never || !isInteractive()) return false;
+  return isYes(ask(std::string(question) + " [y/N] "));
+}
+
 std::string ask(std::string_view question) {
   tell(question);
   std::fflush(stderr);

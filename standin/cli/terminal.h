@@ -27,6 +27,12 @@ void finishOutput();
 /// Asks on standard error and reads one line; empty at the end of input.
 [[nodiscard]] std::string ask(std::string_view question);
 
+/// Whether what exists may be overwritten, the same for reports and drawings: as --overwrite and --keep say, else as the
+/// person on the terminal answers to `question`; without one, not.
+[[nodiscard]] bool mayOverwrite(options::Overwrite mode, std::string_view question);
+/// True for a word that begins as yes does in the languages of the messages.
+[[nodiscard]] bool isYes(std::string_view answer);
+
 /// How far a long step is: one line on standard error that renews itself on a terminal, and a line for each tenth
 /// elsewhere. On its own it shows only where standard error is a terminal and the step takes longer than a moment.
 class ProgressLine {

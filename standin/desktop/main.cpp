@@ -16,6 +16,7 @@
 #include "options/exit_codes.h"
 #include "options/option_table.h"
 #include "standin_platform/interruption.h"
+#include "standin_platform/standard_streams.h"
 #include "version/version.h"
 
 namespace lvx::desktop {
@@ -170,6 +171,7 @@ int run(int argc, char** argv) {
   int qtArguments = 1;  // its own options are ours to name
   QApplication application(qtArguments, argv);
   qInstallMessageHandler(former);
+  standin_platform::turnSignalsOfWritingIntoErrors();
   // Qt takes the environment's locale; numbers stay as they are.
   std::setlocale(LC_NUMERIC, "C");
   QApplication::setApplicationName(QStringLiteral("lvxhost-desktop"));

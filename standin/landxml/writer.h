@@ -30,7 +30,8 @@ struct SaveOptions {
 ///
 /// The new file is written beside the target, flushed to the disk and renamed over it, so a reader sees the old file or
 /// the new one and never a part. It has the permissions of the file that it replaces. A symbolic link is followed; other
-/// hard links of the target keep the old content. A crash may leave ".lvx-save-…" beside the target.
+/// hard links of the target keep the old content. A killed process may leave ".lvx-save-…" beside the target,
+/// which the next one that writes there takes away.
 ///
 /// Throws SaveError: the source was changed on disk since it was read, can't be read, or is in an encoding of several
 /// bytes a character other than UTF-8 (and the drawing was changed); the target is no regular file, is read-only or can't

@@ -17,6 +17,7 @@ class AtomicFileError : public std::runtime_error {
     LinkLoop,       ///< the links lead round in a circle
     NotRegular,     ///< a folder, a device or a pipe stands under the name
     NoNewFile,      ///< the folder takes no new file
+    NoReader,       ///< a pipe from which no program reads
     Permissions,    ///< the new file can't get those of the file that it replaces
     Writing,        ///< any other failure; `reason` says which
     TargetChanged,  ///< somebody wrote, made or removed the target in the meantime
@@ -24,7 +25,7 @@ class AtomicFileError : public std::runtime_error {
   AtomicFileError(Problem problem, std::error_code reason);
 
   [[nodiscard]] Problem problem() const { return problem_; }
-  /// The system's reason; none for LinkLoop, NotRegular and TargetChanged.
+  /// The system's reason; none for LinkLoop, NotRegular, NoReader and TargetChanged.
   [[nodiscard]] std::error_code reason() const { return reason_; }
 
  private:
@@ -38,8 +39,8 @@ struct AtomicFilePolicy {
   /// the system lets us give it away; a file that may not be written isn't replaced, though its folder would allow it.
   /// False: the name alone counts, and whatever stands under it gives way to a file with the usual permissions.
   bool keepsTarget = true;
-  /// A device, a pipe, or a file in a folder that takes no new one is written in place, and so not atomically. Permissions
-  /// that can't be kept leave the new file to its owner alone. Only with `keepsTarget`.
+  /// A device or a pipe is written in place, and so not atomically; a file never is. Permissions that can't be kept leave
+  /// the new file to its owner alone. Only with `keepsTarget`.
   bool writesInPlace = false;
   /// `commit` fails where the target isn't any more what it was at the construction. Only with `keepsTarget`.
   bool refusesChangedTarget = false;
@@ -48,6 +49,9 @@ struct AtomicFilePolicy {
   bool flushesToDisk = false;
 };
 
+/// Why `folder` takes no new file; nothing where it takes one, which is tried.
+[[nodiscard]] std::error_code whyNoNewFile(const std::filesystem::path& folder);
+
 /// A file of which never a part is seen: it grows under a name of its own beside its target and takes the target's place in
 /// `commit`. Without that it vanishes and the target stays what it was.
 ///
@@ -55,8 +59,8 @@ struct AtomicFilePolicy {
 ///     file.write("<LandXML/>");
 ///     file.commit();
 ///
-/// A crash may leave the unfinished file behind, as ".lvx-save-…" in the target's folder. Other hard links of the target
-/// keep the old content. All failures are AtomicFileError.
+/// A killed process may leave the unfinished file behind, as ".lvx-save-…" in the target's folder; the next run that writes
+/// there takes it away. Other hard links of the target keep the old content. All failures are AtomicFileError.
 class AtomicFile {
  public:
   explicit AtomicFile(const std::filesystem::path& target, AtomicFilePolicy policy = {});
@@ -66,8 +70,7 @@ class AtomicFile {
 
   /// Goes to the system at once: callers gather small pieces.
   void write(std::string_view bytes);
-  /// For a library that writes to a file by its name: the unfinished file, which nobody else holds open from here on.
-  /// `write` may not follow. Not for policies that write in place.
+  /// For a library that writes to a file by its name: the unfinished file. `write` may not follow. Not for policies that write in place.
   [[nodiscard]] const std::filesystem::path& lend();
   /// All that `commit` does but taking the name, so that of several files none takes its name before all could. Nothing is
   /// written any more then.

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <string>
 
 #include "standin_platform/file_stamp.h"
 
@@ -19,6 +20,7 @@ class InputFile {
     Other,   ///< a device or a pipe: it can be read from its begin to its end only, and its size means nothing
   };
 
+  /// A named pipe is waited for ten seconds until a program writes into it.
   explicit InputFile(const std::filesystem::path& path);
   InputFile(const InputFile&) = delete;
   InputFile& operator=(const InputFile&) = delete;
@@ -30,6 +32,8 @@ class InputFile {
   /// The next `size` bytes; fewer only at the end. Unbuffered. A signal that comes while it waits for a pipe is a failure,
   /// so that a user can break off the wait.
   std::size_t read(char* to, std::size_t size);
+  /// All that is left.
+  [[nodiscard]] std::string readAll();
   /// `size` bytes from `offset`; fewer only at the end. Leaves the place of `read` alone; callable from several threads.
   std::size_t readAt(std::uint64_t offset, char* to, std::size_t size) const;
 

@@ -8,7 +8,7 @@
 namespace lvx::standin_platform {
 
 /// From here on an interruption only raises a flag: what runs gives up at its next chance and takes its unfinished files
-/// with it. A closed pipe becomes a write error.
+/// with it.
 void watchInterruption();
 [[nodiscard]] bool isInterrupted();
 

@@ -6,6 +6,7 @@ namespace lvx::runtime {
 
 void FileJournal::add(FileEvent event) {
   missing_.clear();
+  events_.reserve(events_.size() + prepared_ + 1);
   events_.push_back(std::move(event));
   if (listener) listener(events_.back());
 }
@@ -15,6 +16,22 @@ void FileJournal::lookedFor(const std::string& path, bool found) {
     missing_.clear();
   else
     missing_ = path;
+}
+
+void FileJournal::prepare() {
+  events_.reserve(events_.size() + prepared_ + 1);
+  ++prepared_;
+}
+
+void FileJournal::addPrepared(FileEvent event) noexcept {
+  --prepared_;
+  missing_.clear();
+  events_.push_back(std::move(event));  // into the room that prepare() kept
+  try {
+    if (listener) listener(events_.back());
+  } catch (...) {
+    wasCutOff_ = true;
+  }
 }
 
 const FileEvent* FileJournal::last(const std::string& path) const {

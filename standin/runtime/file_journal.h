@@ -26,6 +26,14 @@ struct FileEvent {
 class FileJournal {
  public:
   void add(FileEvent event);
+  /// Keeps room for one event, which addPrepared then takes however short memory is.
+  void prepare();
+  /// The event of a prepare(). A listener that throws isn't heard; wasCutOff() tells.
+  void addPrepared(FileEvent event) noexcept;
+  /// Gives up the room of a prepare().
+  void dropPrepared() noexcept { --prepared_; }
+  /// True where a listener couldn't take an event.
+  [[nodiscard]] bool wasCutOff() const { return wasCutOff_; }
   [[nodiscard]] const std::vector<FileEvent>& events() const { return events_; }
   /// The last event of that path, or null.
   [[nodiscard]] const FileEvent* last(const std::string& path) const;
@@ -43,6 +51,8 @@ class FileJournal {
  private:
   std::vector<FileEvent> events_;
   std::string missing_;
+  std::size_t prepared_ = 0;
+  bool wasCutOff_ = false;
 };
 
 }  // namespace lvx::runtime

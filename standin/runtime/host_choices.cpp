@@ -47,6 +47,7 @@ HostOptions hostOptions(const HostChoices& choices) {
     if (!std::filesystem::is_regular_file(*messages, error))
       throw std::invalid_argument("--messages: there is no file '" + *messages + "'");
     options.files[kMessageFile] = *messages;
+    options.inputs.add(*messages, "the message file");
     options.supportPaths.push_back(folderOf(*messages));
   }
   options.supportPaths.push_back(messageFolder(choices.language, choices.bin).string());

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <exception>
+#include <new>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -11,6 +12,7 @@
 
 #include "platform/posix/posix_platform.h"
 #include "standin_platform/atomic_file.h"
+#include "standin_platform/file_stamp.h"
 #include "standin_platform/sink_stream.h"
 
 namespace lvx::runtime {
@@ -22,16 +24,28 @@ using standin_platform::AtomicFileError;
 
 namespace {
 
+constexpr const char* kOutOfMemory = "no more memory";
+
+std::string reasonOf(const AtomicFileError& error) { return error.reason() ? error.reason().message() : error.what(); }
+
 /// A file on its way, behind the stream that the module writes to.
 class Writing final : public standin_platform::ByteSink {
  public:
   /// Throws AtomicFileError.
-  Writing(FileJournal& journal, const std::function<bool()>& isInterrupted, std::string path)
+  Writing(FileJournal& journal, const std::function<bool()>& isInterrupted, const std::string& path)
       : journal_(journal),
         isInterrupted_(isInterrupted),
-        path_(std::move(path)),
-        file_(path_, {.writesInPlace = true}),
-        exceptionsAtOpening_(std::uncaught_exceptions()) {}
+        event_{FileFate::Failed, path, 0, {}},
+        stood_(standin_platform::stampOf(path).has_value()),
+        file_(path, {.writesInPlace = true, .flushesToDisk = true}),
+        exceptionsAtOpening_(std::uncaught_exceptions()) {
+    journal_.prepare();
+  }
+  Writing(const Writing&) = delete;
+  Writing& operator=(const Writing&) = delete;
+  ~Writing() override {
+    if (!isTold_) journal_.dropPrepared();
+  }
 
   [[nodiscard]] bool write(std::string_view bytes) noexcept override {
     try {
@@ -39,15 +53,25 @@ class Writing final : public standin_platform::ByteSink {
     } catch (const AtomicFileError& error) {
       if (!error_) error_ = error.reason();
       return false;
+    } catch (const std::bad_alloc&) {
+      if (!error_) error_ = std::make_error_code(std::errc::not_enough_memory);
+      return false;
     }
-    bytes_ += bytes.size();
+    event_.bytes += bytes.size();
     return true;
   }
 
+  // The words fit into the text without more memory where there is none.
   [[nodiscard]] bool close() noexcept override {
-    const std::string reason = finish();
-    const bool written = reason.empty();
-    journal_.add({written ? FileFate::Written : FileFate::Failed, path_, bytes_, reason});
+    try {
+      event_.reason = finish();
+    } catch (const std::bad_alloc&) {
+      event_.reason = kOutOfMemory;
+    }
+    const bool written = event_.reason.empty();
+    if (written) event_.fate = FileFate::Written;
+    isTold_ = true;
+    journal_.addPrepared(std::move(event_));
     return written;
   }
 
@@ -57,41 +81,58 @@ class Writing final : public standin_platform::ByteSink {
     if (error_) return error_.message();
     if (std::uncaught_exceptions() > exceptionsAtOpening_) return "its writer ended by an exception";
     if (isInterrupted_ && isInterrupted_()) return "interrupted";
+    // Only tried, so that what stood there goes on standing there.
+    if (event_.bytes == 0 && stood_) return {};
     try {
       file_.commit();
     } catch (const AtomicFileError& error) {
-      return error.reason().message();
+      return reasonOf(error);
     }
     return {};
   }
 
   FileJournal& journal_;
   const std::function<bool()>& isInterrupted_;
-  std::string path_;  ///< as the module named it
+  FileEvent event_;
+  bool stood_;
   AtomicFile file_;
   int exceptionsAtOpening_;
   std::error_code error_;
-  std::uint64_t bytes_ = 0;
+  bool isTold_ = false;
 };
 
 }  // namespace
 
-ObservedPlatform::ObservedPlatform(platform::Platform& inner, FileJournal& journal, std::function<bool()> isInterrupted)
-    : inner_(inner), journal_(journal), isInterrupted_(std::move(isInterrupted)) {}
+ObservedPlatform::ObservedPlatform(platform::Platform& inner, FileJournal& journal, std::function<bool()> isInterrupted,
+                                   std::function<std::string(const std::string&)> whyNoOutput)
+    : inner_(inner),
+      journal_(journal),
+      isInterrupted_(std::move(isInterrupted)),
+      whyNoOutput_(std::move(whyNoOutput)) {}
 
 FileHandle ObservedPlatform::openFile(const CString& path, const char* mode) {
   if (mode == nullptr || mode[0] != 'w') return inner_.openFile(path, mode);
+  tried_.clear();
   const std::string name = platform::toUtf8(path);
+  const auto fail = [&](std::string reason) {
+    journal_.add({FileFate::Failed, name, 0, std::move(reason)});
+    return FileHandle();
+  };
+  errno = EINVAL;
+  if (whyNoOutput_)
+    if (std::string reason = whyNoOutput_(name); !reason.empty()) return fail(std::move(reason));
+  const bool stood = inner_.exists(path);
   std::unique_ptr<Writing> writing;
   try {
     writing = std::make_unique<Writing>(journal_, isInterrupted_, name);
   } catch (const AtomicFileError& error) {
-    journal_.add({FileFate::Failed, name, 0, error.reason() ? error.reason().message() : error.what()});
+    (void)fail(reasonOf(error));
     errno = error.reason().value();
     return nullptr;
   }
   FileHandle stream(standin_platform::openSinkStream(std::move(writing)));
-  if (!stream) journal_.add({FileFate::Failed, name, 0, "out of memory"});
+  if (!stream) return fail(kOutOfMemory);
+  if (stood) tried_ = name;
   return stream;
 }
 
@@ -102,12 +143,20 @@ bool ObservedPlatform::exists(const CString& path) {
 }
 
 bool ObservedPlatform::removeFile(const CString& path) {
+  std::string name = platform::toUtf8(path);
+  const FileEvent* const last = journal_.last(name);
+  if (name == tried_ && last != nullptr && last->fate == FileFate::Written && last->bytes == 0) {
+    // It makes way for a workbook, which replaces it in one step: until then, and where that fails, it is still there.
+    tried_.clear();
+    journal_.add({FileFate::Removed, std::move(name), 0, {}});
+    return true;
+  }
   const bool removed = inner_.removeFile(path);
   const int error = errno;
   if (removed)
-    journal_.add({FileFate::Removed, platform::toUtf8(path), 0, {}});
+    journal_.add({FileFate::Removed, std::move(name), 0, {}});
   else
-    journal_.add({FileFate::Failed, platform::toUtf8(path), 0, std::strerror(error)});
+    journal_.add({FileFate::Failed, std::move(name), 0, std::strerror(error)});
   return removed;
 }
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "platform/platform.h"
 #include "runtime/file_journal.h"
@@ -12,13 +13,19 @@ namespace lvx::runtime {
 /// takes the target's place when it is closed without an error, so a full disk, an interruption or an exception leaves
 /// what stood there before. Every outcome goes into the journal, since the module's writers look at none.
 ///
-/// A target that isn't a regular file (a device, a pipe) and one in a folder where nothing may be created are written
-/// in place. A file that may not be written isn't replaced either, though its folder would allow it.
+/// A target that isn't a regular file (a device, a pipe) is written in place. A file that may not be written isn't replaced,
+/// though its folder would allow it, and one in a folder where nothing may be created isn't either.
+///
+/// A module tries an older workbook by opening it for writing, and removes it before the spreadsheet program writes the new
+/// one. So that nothing is lost on that way, a file that is closed without a byte stays what it was, and its removal only
+/// counts as done: the new workbook takes its place in one step.
 class ObservedPlatform final : public platform::Platform {
  public:
   /// `inner` and `journal` must outlive this object and every file it opened. `isInterrupted` is asked when a file is
-  /// closed; a file that an interruption cut off is given up.
-  ObservedPlatform(platform::Platform& inner, FileJournal& journal, std::function<bool()> isInterrupted = {});
+  /// closed; a file that an interruption cut off is given up. `whyNoOutput` says why a path may not be written, or
+  /// nothing where it may.
+  ObservedPlatform(platform::Platform& inner, FileJournal& journal, std::function<bool()> isInterrupted = {},
+                   std::function<std::string(const std::string&)> whyNoOutput = {});
 
   [[nodiscard]] platform::FileHandle openFile(const platform::CString& path, const char* mode) override;
   [[nodiscard]] bool exists(const platform::CString& path) override;
@@ -41,6 +48,8 @@ class ObservedPlatform final : public platform::Platform {
   platform::Platform& inner_;
   FileJournal& journal_;
   std::function<bool()> isInterrupted_;
+  std::function<std::string(const std::string&)> whyNoOutput_;
+  std::string tried_;  ///< the file that was opened last and stood there before
 };
 
 }  // namespace lvx::runtime

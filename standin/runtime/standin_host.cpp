@@ -14,7 +14,8 @@ StandinHost::StandinHost(FrontEnd& frontEnd, HostOptions options)
     : frontEnd_(frontEnd),
       options_(std::move(options)),
       posixPlatform_(options_.platform),
-      observedPlatform_(posixPlatform_, journal_, options_.isInterrupted),
+      observedPlatform_(posixPlatform_, journal_, options_.isInterrupted,
+                        [this](const std::string& path) { return whyNoOutput(path); }),
       registry_(linker_, commands_),
       runTime_(frontEnd, documents_, registry_) {
   runTime_.setSupportPaths(options_.supportPaths);
@@ -61,7 +62,14 @@ LoadedModule StandinHost::loadModule(const std::filesystem::path& file) {
 host::Ref<host::AutomationObject> StandinHost::createAutomationObject(const host::CString& programId) {
   // Workbooks are written in this process; no other program is started.
   if (programId != host::kExcelProgramId) return nullptr;
-  return workbook::startWorkbookServer(std::make_unique<ObservedWorkbook>(journal_, options_.isInterrupted));
+  return workbook::startWorkbookServer(std::make_unique<ObservedWorkbook>(
+      journal_, options_.isInterrupted, [this](const std::string& path) { return whyNoOutput(path); }));
+}
+
+std::string StandinHost::whyNoOutput(const std::string& path) const {
+  InputFiles inputs = options_.inputs;
+  if (drawing_) inputs.add(drawing_->drawing());
+  return inputs.whyNoOutput(path);
 }
 
 host::ActiveApplication StandinHost::activeApplication(const host::CString& programId) {

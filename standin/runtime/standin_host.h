@@ -13,6 +13,7 @@
 #include "runtime/file_journal.h"
 #include "runtime/front_end.h"
 #include "runtime/host_services.h"
+#include "runtime/input_files.h"
 #include "runtime/module_loader.h"
 #include "runtime/observed_platform.h"
 #include "runtime/open_drawing.h"
@@ -28,6 +29,8 @@ struct HostOptions {
   std::vector<std::string> supportPaths;
   /// Files that are found under a name whatever their own: the message file that the user named.
   std::map<host::CString, std::string> files;
+  /// What is read beside the drawing, and so is no output.
+  InputFiles inputs;
   /// True once the user wants to stop; asked during long work.
   std::function<bool()> isInterrupted;
   /// How far long work in the open drawing is; may be empty.
@@ -60,6 +63,8 @@ class StandinHost : public host::Host, public companion::CompanionAccess {
   /// The open drawing, or empty.
   [[nodiscard]] const OpenDrawingRef& openDrawing() const { return drawing_; }
 
+  /// Why `path` can't be an output of a command, in InputFiles' words; empty where it can.
+  [[nodiscard]] std::string whyNoOutput(const std::string& path) const;
   [[nodiscard]] const FileJournal& journal() const { return journal_; }
   [[nodiscard]] FileJournal& journal() { return journal_; }
   [[nodiscard]] CommandStack& commands() { return commands_; }

@@ -156,7 +156,10 @@ class ActionReader {
 
   std::string text(const char* key, const Json& value) const {
     if (!value.is_string()) fail(std::string("('") + key_ + "'): '" + key + "' isn't a text");
-    return value.get<std::string>();
+    auto text = value.get<std::string>();
+    // No keyboard types one, and the system ends a file's name there.
+    if (text.find('\0') != std::string::npos) fail(std::string("('") + key_ + "'): a zero character stands in a text");
+    return text;
   }
 
   host::BoxAnswer answer(const std::string& name) const {
@@ -185,12 +188,19 @@ std::string describe(const ScriptAction& action) {
   return "action " + std::to_string(action.number);
 }
 
+std::string jsonProblem(std::string_view words) {
+  // "[json.exception.parse_error.101] parse error at line 1, column 2: …"
+  if (const std::size_t end = words.find("] "); words.starts_with('[') && end != std::string_view::npos)
+    words.remove_prefix(end + 2);
+  return std::string(words);
+}
+
 std::vector<ScriptAction> parseScript(std::string_view json, const std::string& name) {
   Json script;
   try {
     script = Json::parse(json);
   } catch (const Json::exception& error) {
-    throw ScriptError("script: " + name + ": it isn't JSON: " + error.what());
+    throw ScriptError("script: " + name + ": it isn't JSON: " + jsonProblem(error.what()));
   }
   if (!script.is_array()) throw ScriptError("script: " + name + ": it isn't a JSON array of actions");
   std::vector<ScriptAction> actions;

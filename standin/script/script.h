@@ -63,6 +63,9 @@ struct ScriptAction {
 /// The action as messages name it: "action 3 (click)".
 [[nodiscard]] std::string describe(const ScriptAction& action);
 
+/// What a JSON reader complains of, without the reader's own name in front.
+[[nodiscard]] std::string jsonProblem(std::string_view words);
+
 /// Reads a script: a JSON array of actions. `name` stands for the file in messages. Throws ScriptError.
 [[nodiscard]] std::vector<ScriptAction> parseScript(std::string_view json, const std::string& name);
 

@@ -1,6 +1,7 @@
 #include "workbook/workbook_server.h"
 
 #include <array>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -127,13 +128,21 @@ class Worksheet final : public ServerObject {
 
   void save(const framework::CString& path) {
     book_->beforeWriting();
+    std::uint64_t bytes = 0;
     try {
-      book_->file.save(path);
+      if (book_->observer) book_->observer->beforeSaving(path);
+      bytes = book_->file.save(path, [this] {
+        if (book_->observer) book_->observer->whileSaving();
+      });
     } catch (const AutomationException& failure) {
       if (book_->observer) book_->observer->notSaved(path, failure.what());
       throw;
+    } catch (const std::bad_alloc&) {
+      constexpr const char* kShortMemory = "workbook: not enough memory to write it";
+      if (book_->observer) book_->observer->notSaved(path, kShortMemory);
+      throw AutomationException(kShortMemory);
     }
-    if (book_->observer) book_->observer->saved(path);
+    if (book_->observer) book_->observer->saved(path, bytes);
   }
 
   BookRef book_;

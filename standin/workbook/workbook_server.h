@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "host/automation.h"
@@ -17,10 +18,14 @@ class WorkbookObserver {
 
   /// Asked before each cell and before the saving. What it throws ends the operation, which then did nothing.
   virtual void beforeWriting() = 0;
-  /// The workbook stands under `path`.
-  virtual void saved(const framework::CString& path) = 0;
+  /// Told before the saving begins. A framework::AutomationException ends it; `notSaved` tells of it then.
+  virtual void beforeSaving(const framework::CString& path) { (void)path; }
+  /// Asked now and then while the file is built. What it throws ends the saving, which then did nothing.
+  virtual void whileSaving() {}
+  /// The workbook stands under `path`, whole.
+  virtual void saved(const framework::CString& path, std::uint64_t bytes) noexcept = 0;
   /// `path` is as it was; the caller is told by an exception too.
-  virtual void notSaved(const framework::CString& path, const char* reason) = 0;
+  virtual void notSaved(const framework::CString& path, const char* reason) noexcept = 0;
 };
 
 /// Starts a server and gives its application object. It answers the operations of host/excel_operations.h and fails any

@@ -31,13 +31,12 @@ TEST(DialogStem, HasAFolderInIt) {
   EXPECT_EQ(dialogStem("road"), "./road");
   EXPECT_EQ(dialogStem("out/road"), "out/road");
   EXPECT_EQ(dialogStem("/road"), "/road");
-  EXPECT_EQ(dialogStem("out\\road"), "out\\road");
+  EXPECT_EQ(dialogStem("out\\road"), "./out\\road") << "a letter of the name";
   EXPECT_EQ(dialogStem("road.txt"), "./road.txt");
 }
 
 TEST(DialogStem, NeedsAFileName) {
-  for (const char* stem : {"", "/", "out/", "out\\"})
-    EXPECT_THROW(static_cast<void>(dialogStem(stem)), Failure) << stem;
+  for (const char* stem : {"", "/", "out/"}) EXPECT_THROW(static_cast<void>(dialogStem(stem)), Failure) << stem;
 }
 
 }  // namespace

@@ -129,14 +129,14 @@ TEST(PosixFiles, NothingStandsUnderTheEmptyName) {
   EXPECT_FALSE(platform.removeFile(L""));
 }
 
-TEST(PosixFiles, TheLastFolderMarkIsASlashOrABackslash) {
+TEST(PosixFiles, TheLastFolderMarkIsASlashAndABackslashALetter) {
   const PosixPlatform platform;
   EXPECT_EQ(platform.lastFolderMark(L"road"), CString::npos);
   EXPECT_EQ(platform.lastFolderMark(L""), CString::npos);
   EXPECT_EQ(platform.lastFolderMark(L"/road"), 0U);
   EXPECT_EQ(platform.lastFolderMark(L"out/road"), 3U);
-  EXPECT_EQ(platform.lastFolderMark(L"out\\road"), 3U);
-  EXPECT_EQ(platform.lastFolderMark(L"a/b\\c"), 3U);
+  EXPECT_EQ(platform.lastFolderMark(L"out\\road"), CString::npos);
+  EXPECT_EQ(platform.lastFolderMark(L"a/b\\c"), 1U);
   EXPECT_EQ(platform.lastFolderMark(L"a\\b/"), 3U);
 }
 
@@ -265,6 +265,16 @@ TEST(NarrowText, EndsAtTheFirstCharacterBeyond) {
   EXPECT_EQ(platform.narrow(L"a\U0001F6E3"), "a");
   EXPECT_EQ(platform.narrow(CString(L"a\0b", 3)), "a");
   EXPECT_EQ(platform.narrow(CString(1, static_cast<wchar_t>(-1))), "");
+}
+
+TEST(NarrowText, OfSevenBitsHasNoByteAboveThem) {
+  for (const char* name : {"ASCII", "US-ASCII"}) {
+    PosixPlatform platform({.reportCodePage = name});
+    for (wchar_t character = 1; character <= 0x17F; ++character)
+      for (const char byte : platform.narrow(CString(1, character)))
+        ASSERT_LT(static_cast<unsigned char>(byte), 128U) << name << " " << static_cast<int>(character);
+    EXPECT_EQ(platform.narrow(L"Road 1\xE9"), "Road 1");
+  }
 }
 
 TEST(NarrowText, FollowsAnotherCodePageByItsTable) {

@@ -214,6 +214,13 @@ TEST(MessageCatalogue, WithoutAFileEveryTextIsItsNumberAndTheConsoleHearsOnce) {
   EXPECT_EQ(host.run().console[0], L"Error opening text file: /no/such/folder/LVX_MIRELREPORT.txt\n");
 }
 
+TEST(MessageCatalogue, AFileThatCantBeReadToItsEndIsTold) {
+  FakeHost host;
+  // Opens, and no page of it can be read.
+  const CxMsg messages(host, L"/proc/self/mem");
+  EXPECT_EQ(host.run().consoleText(), L"Error reading text file: /proc/self/mem\n");
+}
+
 TEST(MessageCatalogue, AFileThatTheHostDoesNotFindIsTriedByItsBareName) {
   FakeHost host;
   const CxMsg messages(host, L"no-such-file.txt");

@@ -2,16 +2,23 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
+#include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include "standin_platform/scratch_folder.h"
 #include "support/ordinary_user.h"
 #include "support/run_program.h"
 
@@ -294,14 +301,89 @@ TEST_F(AtomicFileTest, RespectsTheProtectionOfAFileUnlessTheNameAloneCounts) {
   EXPECT_EQ(fileBytes(target), "new");
 }
 
-TEST_F(AtomicFileTest, WritesInPlaceInAFolderThatTakesNoFile) {
+TEST_F(AtomicFileTest, NeverRewritesAFileInAFolderThatTakesNoNewOne) {
   const fs::path target = put("road.txt", "former, and longer");
   const test::OrdinaryUser user(folder_.path());
-  fs::permissions(folder_.path(), fs::perms{0500});
-  write(target, kReport);
-  EXPECT_EQ(fileBytes(target), "new");
-  EXPECT_EQ(failureOf([&] { AtomicFile(target, kDocument); }).value().problem(), Problem::NoNewFile);
+  fs::permissions(folder_.path(), fs::perms{0555});
+  for (const auto policy : {kDocument, kReport, kName}) {
+    const auto failure = failureOf([&] { AtomicFile(target, policy); });
+    EXPECT_EQ(failure.value().problem(), Problem::NoNewFile);
+    EXPECT_EQ(failure->reason(), std::errc::permission_denied);
+  }
+  EXPECT_EQ(fileBytes(target), "former, and longer");
   fs::permissions(folder_.path(), fs::perms{0700});
+}
+
+TEST_F(AtomicFileTest, WritesThroughANamedPipeAndNeverWaitsForAReader) {
+  const fs::path pipe = folder_ / "road.txt";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_EQ(failureOf([&] { AtomicFile(pipe, kReport); }).value().problem(), Problem::NoReader);
+  const int reader = ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+  write(pipe, {.writesInPlace = true, .flushesToDisk = true}, "through");
+  char text[8]{};
+  EXPECT_EQ(::read(reader, text, sizeof text), 7);
+  EXPECT_STREQ(text, "through");
+  ::close(reader);
+  EXPECT_EQ(fileCount(), 1U);
+}
+
+/// A process that has ended.
+pid_t deadProcess() {
+  const pid_t child = ::fork();
+  if (child == 0) std::_Exit(0);
+  ::waitpid(child, nullptr, 0);
+  return child;
+}
+
+TEST_F(AtomicFileTest, ClearsWhatDeadRunsLeftAndNothingElse) {
+  const std::string dead = ".lvx-save-" + std::to_string(deadProcess()) + "-";
+  for (int i = 0; i < 1100; ++i) put(dead + std::to_string(i), "left");
+  fs::create_directory(folder_ / (dead + "1200"));
+  put(dead + "1200/part", "left");
+  // One of a process that lives, one that somebody holds a lock on, and names that only look like it.
+  const std::vector<fs::path> kept{put(".lvx-save-1-5", ""), put(dead + "held", ""), put(".lvx-save-", ""),
+                                   put(".lvx-save-x-1", ""), put("x.lvx-save-1-1", "")};
+  const int held = ::open(kept[1].c_str(), O_RDONLY);
+  ASSERT_EQ(::flock(held, LOCK_EX), 0);
+  put(".lvx-save-" + std::to_string(::getpid()) + "-5", "left");
+  write(folder_ / "road.xml", kDocument);
+  for (const fs::path& file : kept) EXPECT_TRUE(fs::exists(file)) << file;
+  EXPECT_EQ(fileCount(), kept.size() + 1);
+  ::close(held);
+}
+
+TEST_F(AtomicFileTest, KeepsUnfinishedFilesOfRunsThatGoOn) {
+  AtomicFile mine(folder_ / "road.xml");
+  mine.write("half");
+  AtomicFile lent(folder_ / "road.xls", kName);
+  std::ofstream(lent.lend()) << "lent";
+  // Another run clears the folder.
+  const pid_t other = ::fork();
+  if (other == 0) {
+    write(folder_ / "other.xml", kDocument);
+    std::_Exit(0);
+  }
+  ::waitpid(other, nullptr, 0);
+  mine.commit();
+  lent.commit();
+  EXPECT_EQ(fileBytes(folder_ / "road.xml"), "half");
+  EXPECT_EQ(fileBytes(folder_ / "road.xls"), "lent");
+  EXPECT_EQ(fileCount(), 3U);
+}
+
+TEST(ScratchFolder, GoesWithAllThatItHolds) {
+  test::TemporaryFolder above;
+  fs::path path;
+  {
+    const ScratchFolder scratch(above.path());
+    path = scratch.path();
+    EXPECT_EQ(path.parent_path(), above.path());
+    std::ofstream(path / "part") << "half";
+    const ScratchFolder other(above.path());
+    EXPECT_NE(other.path(), path);
+  }
+  EXPECT_TRUE(fs::is_empty(above.path()));
+  EXPECT_THROW(ScratchFolder(above / "none"), std::system_error);
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "standin_platform/standard_streams.h"
+
 namespace lvx::standin_platform {
 namespace {
 
@@ -21,11 +23,12 @@ TEST(Interruption, IsTakenOnceAsAFlagThenEndsTheProcess) {
       testing::KilledBySignal(SIGTERM), "");
 }
 
-TEST(Interruption, AClosedPipeBecomesAWriteError) {
+TEST(Interruption, SignalsOfWritingBecomeErrors) {
   EXPECT_EXIT(
       {
-        watchInterruption();
+        turnSignalsOfWritingIntoErrors();
         std::raise(SIGPIPE);
+        std::raise(SIGXFSZ);
         std::_Exit(0);
       },
       testing::ExitedWithCode(0), "");

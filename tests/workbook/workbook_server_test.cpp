@@ -510,30 +510,39 @@ TEST_F(WorkbookServerTest, EndsItsApplicationAtQuit) {
 /// Writes down what it is told and stops the writing where it is asked to.
 class Follower final : public lvx::workbook::WorkbookObserver {
  public:
-  explicit Follower(std::vector<std::wstring>& told) : told_(told) {}
+  Follower(std::vector<std::wstring>& told, std::uint64_t& bytes) : told_(told), bytes_(bytes) {}
   void beforeWriting() override {
     told_.emplace_back(L"before");
-    if (told_.size() == 4) throw std::runtime_error("stop");
+    if (told_.size() == 3) throw std::runtime_error("stop");
   }
-  void saved(const std::wstring& path) override { told_.push_back(L"saved " + path); }
-  void notSaved(const std::wstring& path, const char* reason) override {
+  void beforeSaving(const std::wstring& path) override { told_.push_back(L"saving " + path); }
+  void saved(const std::wstring& path, std::uint64_t bytes) noexcept override {
+    told_.push_back(L"saved " + path);
+    bytes_ = bytes;
+  }
+  void notSaved(const std::wstring& path, const char* reason) noexcept override {
     told_.push_back(L"not saved " + path + L": " + std::wstring(reason, reason + std::strlen(reason)));
   }
 
  private:
   std::vector<std::wstring>& told_;
+  std::uint64_t& bytes_;
 };
 
 TEST_F(WorkbookServerTest, AsksItsObserverBeforeEachCellAndSavingAndTellsItTheOutcome) {
   std::vector<std::wstring> told;
-  const Object app = startWorkbookServer(std::make_unique<Follower>(told));
+  std::uint64_t bytes = 0;
+  const Object app = startWorkbookServer(std::make_unique<Follower>(told, bytes));
   const Object sheet = firstSheet(*addBook(*app));
   const Object range = cell(*sheet, L"A1");
   range->put(excel::kRangeNumberFormatLocal, text(L"0,000"));
   range->put(excel::kRangeValue, text(L"1.000"));
   save(*sheet, wide("road.xls"));
-  const std::vector<std::wstring> wanted{L"before", L"before", L"saved " + wide("road.xls")};
+  const std::vector<std::wstring> wanted{L"before", L"before", L"saving " + wide("road.xls"),
+                                         L"saved " + wide("road.xls")};
   EXPECT_EQ(told, wanted);
+  EXPECT_EQ(bytes, fs::file_size(folder_ / "road.xls"));
+  told.resize(2);  // the third question is answered by an exception
 
   const Object other = firstSheet(*addBook(*app));
   EXPECT_THROW(cell(*other, L"A1")->put(excel::kRangeValue, text(L"x")), std::runtime_error);

@@ -1,5 +1,6 @@
 #include "platform/posix/posix_platform.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cerrno>
@@ -113,8 +114,13 @@ PosixPlatform::PosixPlatform(PosixSettings settings)
   if (!settings_.reportCodePage.empty()) {
     const CodePage page = readCodePage(settings_.reportCodePage);
     // A byte that the page defines goes before one that only stands in for its own value.
+    // But in a page of seven bits no byte stands in for itself above them.
+    constexpr std::size_t kSevenBits = 128;
+    const bool isSevenBit = std::none_of(page.isDefined.begin() + kSevenBits, page.isDefined.end(),
+                                         [](bool isDefined) { return isDefined; });
+    const std::size_t end = isSevenBit ? kSevenBits : page.characters.size();
     for (const bool wanted : {true, false})
-      for (std::size_t value = 1; value < page.characters.size(); ++value)
+      for (std::size_t value = 1; value < end; ++value)
         if (page.isDefined[value] == wanted)
           tables_->report.try_emplace(page.characters[value], static_cast<char>(static_cast<unsigned char>(value)));
     tables_->report.erase(L'\0');
@@ -139,7 +145,7 @@ bool PosixPlatform::exists(const CString& path) {
 
 bool PosixPlatform::removeFile(const CString& path) { return isSystemName(path) && unlink(toUtf8(path).c_str()) == 0; }
 
-std::size_t PosixPlatform::lastFolderMark(const CString& path) const { return path.find_last_of(L"/\\"); }
+std::size_t PosixPlatform::lastFolderMark(const CString& path) const { return path.rfind(L'/'); }
 
 std::int64_t PosixPlatform::now() { return settings_.fixedMoment.value_or(std::time(nullptr)); }
 

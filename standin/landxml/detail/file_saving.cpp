@@ -37,6 +37,18 @@ class SourceBytes : public ByteSource {
   std::uint64_t at_ = 0;
 };
 
+/// Of all that the file holds now.
+civil::FileMark markOf(const SourceFile& file) {
+  constexpr std::size_t kPiece = std::size_t{1} << 18;
+  ContentHash hash;
+  for (std::uint64_t at = 0;;) {
+    const std::string piece = file.text(at, kPiece);
+    if (piece.empty()) return hash.mark();
+    hash.add(piece);
+    at += piece.size();
+  }
+}
+
 /// Told every value of a drawing's content in turn.
 class ContentSum {
  public:
@@ -218,7 +230,8 @@ void FileSaving::write(const std::function<void(std::uint64_t)>& progress) {
   try {
     stored = readTraced(std::make_unique<SourceBytes>(source_, readHash), sourcePath_, readOptions, trace);
   } catch (const ReadError& error) {
-    if (known.isKnown) failSaving(kChanged, sourcePath_);
+    // Short memory ends the reading too, with the file as it was.
+    if (known.isKnown && known != markOf(source_)) failSaving(kChanged, sourcePath_);
     throw SaveError(error.reason(), error.file(), error.line());
   }
   read_ = readHash.mark();

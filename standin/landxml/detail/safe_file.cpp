@@ -23,6 +23,7 @@ namespace {
       failSaving("can't follow the link: " + reason, file);
     case Problem::LinkLoop:
       failSaving("the link points to itself", file);
+    case Problem::NoReader:
     case Problem::NotRegular:
       failSaving("can't write the drawing: its target is not a regular file", file);
     case Problem::NoNewFile:

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "standin_platform/posix/detail/descriptor.h"
+#include "standin_platform/posix/detail/left_overs.h"
 #include "standin_platform/posix/detail/stamp.h"
 
 namespace lvx::standin_platform {
@@ -31,6 +32,8 @@ const char* wordsFor(Problem problem) {
       return "the target is not a regular file";
     case Problem::NoNewFile:
       return "the folder takes no new file";
+    case Problem::NoReader:
+      return "no program reads from the pipe";
     case Problem::Permissions:
       return "the permissions can't be kept";
     case Problem::Writing:
@@ -55,9 +58,13 @@ fs::path followLinks(const fs::path& path) {
   return real;
 }
 
-Descriptor openInPlace(const fs::path& path) {
-  Descriptor file(::open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
+/// A device, a pipe, or what the system says no to.
+Descriptor openInPlace(const fs::path& path, bool isPipe) {
+  // A pipe is opened without waiting for a reader that may never come; the writing then waits as usual.
+  Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY | (isPipe ? O_NONBLOCK : 0)));
+  if (!file.isOpen() && isPipe && errno == ENXIO) throw AtomicFileError(Problem::NoReader, {});
   if (!file.isOpen()) throw AtomicFileError(Problem::Writing, lastError());
+  if (isPipe && ::fcntl(file.number(), F_SETFL, 0) != 0) throw AtomicFileError(Problem::Writing, lastError());
   return file;
 }
 
@@ -94,19 +101,22 @@ struct AtomicFile::State {
   /// False where the folder takes no new file; errno says why.
   [[nodiscard]] bool makeDraft() {
     // A name of its own: the target's may be as long as names can be.
-    constexpr int kMostTries = 1000;
+    constexpr int kMostTries = 100;
     constexpr mode_t kOwnerOnly = 0600;  // until it has the permissions of the other one
     constexpr mode_t kUsual = 0666;
     const fs::path place = folder();
-    const std::string stem = ".lvx-save-" + std::to_string(::getpid()) + "-";
+    clearLeftOvers(place);
     for (int i = 0; i < kMostTries; ++i) {
-      fs::path name = place / (stem + std::to_string(i));
+      fs::path name = place / unfinishedName(i);
       file = Descriptor(::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, former ? kOwnerOnly : kUsual));
-      if (file.isOpen()) {
-        draft = std::move(name);
-        return true;
+      if (!file.isOpen()) {
+        if (errno == EEXIST) continue;
+        return false;
       }
-      if (errno != EEXIST) return false;
+      draft = std::move(name);
+      if (lockUnfinished(file)) return true;
+      ::unlink(draft.c_str());
+      draft.clear();
     }
     return false;
   }
@@ -123,7 +133,12 @@ struct AtomicFile::State {
   }
 
   void checkTarget() const {
-    const std::optional<FileStamp> now = stampOf(target);
+    struct stat status {};
+    std::optional<FileStamp> now;
+    if (::stat(target.c_str(), &status) == 0)
+      now = stampFrom(status);
+    else if (errno != ENOENT)
+      throw AtomicFileError(Problem::Writing, lastError());
     if (now.has_value() != former.has_value() || (now && *now != stampFrom(*former)))
       throw AtomicFileError(Problem::TargetChanged, {});
   }
@@ -136,6 +151,15 @@ struct AtomicFile::State {
   bool isSettled = false;
 };
 
+std::error_code whyNoNewFile(const fs::path& folder) {
+  try {
+    const AtomicFile probe(folder / "probe", {.keepsTarget = false});
+  } catch (const AtomicFileError& error) {
+    return error.reason();
+  }
+  return {};
+}
+
 AtomicFile::AtomicFile(const fs::path& target, AtomicFilePolicy policy) : state_(std::make_unique<State>()) {
   state_->policy = policy;
   if (!policy.keepsTarget) {
@@ -146,7 +170,7 @@ AtomicFile::AtomicFile(const fs::path& target, AtomicFilePolicy policy) : state_
   // Asked before links are read: those below /proc/self/fd lead to what has no name.
   struct stat status {};
   if (policy.writesInPlace && ::stat(target.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
-    state_->file = openInPlace(target);
+    state_->file = openInPlace(target, S_ISFIFO(status.st_mode));
     return;
   }
   state_->target = followLinks(target);
@@ -161,9 +185,7 @@ AtomicFile::AtomicFile(const fs::path& target, AtomicFilePolicy policy) : state_
     if (state_->former) state_->keepPermissions();
     return;
   }
-  const std::error_code reason = lastError();
-  if (!policy.writesInPlace || !state_->former) throw AtomicFileError(Problem::NoNewFile, reason);
-  state_->file = openInPlace(state_->target);
+  throw AtomicFileError(Problem::NoNewFile, lastError());
 }
 
 AtomicFile::~AtomicFile() = default;
@@ -173,18 +195,16 @@ void AtomicFile::write(std::string_view bytes) {
 }
 
 const fs::path& AtomicFile::lend() {
-  if (!state_->file.close()) throw AtomicFileError(Problem::Writing, lastError());
+  // It stays open, since its lock tells other runs that it is no left-over.
   return state_->draft;
 }
 
 void AtomicFile::settle() {
   State& state = *state_;
   if (state.isSettled) return;
-  if (state.policy.flushesToDisk) {
-    if (!state.file.isOpen()) state.file = Descriptor(::open(state.draft.c_str(), O_WRONLY | O_CLOEXEC));  // was lent
-    // Without this a power cut could leave the new name on an empty file.
-    if (::fsync(state.file.number()) != 0) throw AtomicFileError(Problem::Writing, lastError());
-  }
+  // Without this a power cut could leave the new name on an empty file. A device or a pipe takes no such wish.
+  if (state.policy.flushesToDisk && !state.draft.empty() && !state.file.flushToDisk())
+    throw AtomicFileError(Problem::Writing, lastError());
   if (!state.file.close()) throw AtomicFileError(Problem::Writing, lastError());
   if (!state.draft.empty() && state.policy.refusesChangedTarget) state.checkTarget();
   state.isSettled = true;
@@ -196,12 +216,13 @@ void AtomicFile::commit() {
   settle();
   if (state.draft.empty()) return;
   if (wasSettled && state.policy.refusesChangedTarget) state.checkTarget();
+  const fs::path place = state.folder();  // which takes memory: before there is no way back
   if (std::rename(state.draft.c_str(), state.target.c_str()) != 0) throw AtomicFileError(Problem::Writing, lastError());
   state.draft.clear();
   if (!state.policy.flushesToDisk) return;
   // The new file is in place; a folder that can't be flushed only makes it less sure in a power cut.
-  const Descriptor folder(::open(state.folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (folder.isOpen()) (void)::fsync(folder.number());
+  const Descriptor folder(::open(place.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (folder.isOpen()) (void)folder.flushToDisk();
 }
 
 }  // namespace lvx::standin_platform

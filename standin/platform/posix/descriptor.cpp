@@ -10,6 +10,14 @@ std::error_code lastError() { return {errno, std::system_category()}; }
 
 bool Descriptor::close() { return number_ < 0 || ::close(std::exchange(number_, -1)) == 0; }
 
+bool Descriptor::flushToDisk() const {
+  int result = 0;
+  do {
+    result = ::fsync(number_);
+  } while (result != 0 && errno == EINTR);
+  return result == 0;
+}
+
 std::error_code Descriptor::write(std::string_view bytes) const {
   while (!bytes.empty()) {
     const ssize_t count = ::write(number_, bytes.data(), bytes.size());

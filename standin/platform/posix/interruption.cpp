@@ -42,7 +42,6 @@ void watchInterruption() {
   action.sa_flags = static_cast<int>(SA_RESETHAND);
   sigaction(SIGINT, &action, nullptr);
   sigaction(SIGTERM, &action, nullptr);
-  std::signal(SIGPIPE, SIG_IGN);
 }
 
 bool isInterrupted() { return interrupted != 0; }

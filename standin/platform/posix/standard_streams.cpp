@@ -1,5 +1,6 @@
 #include "standin_platform/standard_streams.h"
 
+#include <csignal>
 #include <initializer_list>
 
 #include <fcntl.h>
@@ -14,6 +15,10 @@ void guardStandardStreams() {
     const int wrongWay = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
     [[maybe_unused]] const int opened = ::open("/dev/null", wrongWay);
   }
+}
+
+void turnSignalsOfWritingIntoErrors() {
+  for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
 }
 
 bool isTerminal(StandardStream stream) {

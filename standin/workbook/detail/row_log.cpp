@@ -91,8 +91,14 @@ void RowLog::spill() {
 void RowLog::rewind() {
   read_ = 0;
   if (!file_) return;
-  spill();
-  if (std::fflush(file_.get()) != 0 || std::fseek(file_.get(), 0, SEEK_SET) != 0)
+  if (isReading_)
+    buffer_.clear();
+  else
+    spill();
+  isReading_ = true;
+  // By way of the end, so that the stream really goes to the begin: a process that shares the file may have read it.
+  if (std::fflush(file_.get()) != 0 || std::fseek(file_.get(), 0, SEEK_END) != 0 ||
+      std::fseek(file_.get(), 0, SEEK_SET) != 0)
     throw framework::AutomationException("workbook: the system's temporary folder can't take the sheet's rows");
 }
 

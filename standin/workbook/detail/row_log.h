@@ -67,7 +67,7 @@ class RowLog {
  public:
   /// Appends a row.
   void append(std::uint32_t number, const Row& row);
-  /// Ends the writing; next() then gives the rows from the first.
+  /// Ends the writing; next() then gives the rows from the first. May come again.
   void rewind();
   /// Puts the next row's cells into `row` (which it clears first). False at the end, with `number` untouched.
   [[nodiscard]] bool next(std::uint32_t& number, Row& row);
@@ -85,6 +85,7 @@ class RowLog {
 
   std::string buffer_;    // writing: what hasn't reached the file; reading: what came from it
   std::size_t read_ = 0;  // bytes of buffer_ that next() has used
+  bool isReading_ = false;
   std::unique_ptr<std::FILE, Closer> file_;
   std::uint64_t cells_ = 0;
   std::uint64_t textBytes_ = 0;

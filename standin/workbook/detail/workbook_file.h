@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -27,7 +28,9 @@ class WorkbookFile {
   void writeNumber(CellPlace place, std::wstring_view text);
   /// The cell shows three decimals from here on; what it holds stays. Free where writeNumber of that cell follows.
   void setThreeDecimals(CellPlace place);
-  void save(const framework::CString& path);
+  /// `meanwhile` is called about ten times a second while the file is built; what it throws ends the saving.
+  /// Gives the file's size.
+  std::uint64_t save(const framework::CString& path, const std::function<void()>& meanwhile = {});
 
  private:
   struct State;

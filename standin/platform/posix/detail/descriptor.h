@@ -25,6 +25,8 @@ class Descriptor {
   [[nodiscard]] int number() const { return number_; }
   /// False where the system reports a late error of writing.
   [[nodiscard]] bool close();
+  /// The file's content, or a folder's names, are on the disk; false where the system can't say so.
+  [[nodiscard]] bool flushToDisk() const;
   /// All of `bytes`; gives what stopped it.
   [[nodiscard]] std::error_code write(std::string_view bytes) const;
 
