@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <string>
@@ -10,53 +11,80 @@
 
 namespace lvx::civil {
 
-/// Built by the first question: it takes several times the memory of the elements, and of the alignments of a drawing
-/// few are ever asked.
-struct Alignment::Index {
-  std::once_flag isBuilt;
-  std::optional<detail::AlignmentIndex> index;
+namespace {
 
-  const detail::AlignmentIndex& of(const Alignment& alignment) {
-    std::call_once(isBuilt, [&] { index.emplace(alignment.elements_, alignment.stations_); });
-    return *index;
-  }
-};
+/// The station behind an element that starts at `station`.
+double behind(double station, double length) {
+  const double next = station + length;
+  return length > 0.0 && std::isfinite(next) ? next : station;
+}
 
-Alignment::Alignment() : Alignment(0.0, {}) {}
+}  // namespace
 
-Alignment::Alignment(double startStation, std::vector<Element> elements)
+Alignment::Alignment() : Alignment(0.0, ElementList()) {}
+
+Alignment::Alignment(double startStation, ElementList elements)
     : startStation_(std::isfinite(startStation) ? startStation : 0.0), elements_(std::move(elements)) {
-  stations_.reserve(elements_.size() + 1);
+  elements_.shrinkToFit();
+  const std::size_t count = elements_.size();
+  if (count > kStationStep) stations_.made().reserve((count - 1) / kStationStep);
   double station = startStation_;
-  stations_.push_back(station);
-  for (const Element& element : elements_) {
-    const double next = station + element.length;
-    if (element.length > 0.0 && std::isfinite(next)) station = next;
-    stations_.push_back(station);
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i > 0 && i % kStationStep == 0) stations_->push_back(station);
+    station = behind(station, elements_.lengthAt(i));
   }
   endStation_ = station;
-  index_ = std::make_unique<Index>();
 }
 
 Alignment::Alignment(const Alignment& other)
     : startStation_(other.startStation_),
       endStation_(other.endStation_),
       elements_(other.elements_),
-      stations_(other.stations_),
-      index_(other.index_ ? std::make_unique<Index>() : nullptr) {}
+      stations_(other.stations_) {}
 
-Alignment::Alignment(Alignment&& other) noexcept = default;
+Alignment::Alignment(Alignment&& other) noexcept
+    : startStation_(other.startStation_),
+      endStation_(other.endStation_),
+      elements_(std::move(other.elements_)),
+      stations_(std::move(other.stations_)),
+      index_(other.index_.exchange(nullptr)) {}
 
 Alignment& Alignment::operator=(Alignment other) noexcept {
   std::swap(startStation_, other.startStation_);
   std::swap(endStation_, other.endStation_);
-  elements_.swap(other.elements_);
-  stations_.swap(other.stations_);
-  index_.swap(other.index_);
+  std::swap(elements_, other.elements_);
+  std::swap(stations_, other.stations_);
+  other.index_ = index_.exchange(other.index_);
   return *this;
 }
 
-Alignment::~Alignment() = default;
+Alignment::~Alignment() { delete index_.load(); }
+
+/// Made by the first question: it takes several times the memory of the elements, and of the alignments of a drawing
+/// few are ever asked.
+const detail::AlignmentIndex& Alignment::index() const {
+  if (const auto* const made = index_.load(std::memory_order_acquire)) return *made;
+  // One lock for all alignments: a lock each would take memory in those that nobody asks.
+  static std::mutex mutex;
+  const std::scoped_lock lock(mutex);
+  if (const auto* const made = index_.load(std::memory_order_relaxed)) return *made;
+  std::vector<Element> elements;
+  elements.reserve(elements_.size());
+  std::vector<double> stations{startStation_};
+  stations.reserve(elements_.size() + 1);
+  for (const Element& element : this->elements()) {
+    elements.push_back(element);
+    stations.push_back(behind(stations.back(), element.length));
+  }
+  auto made = std::make_unique<const detail::AlignmentIndex>(elements, stations);
+  index_.store(made.get(), std::memory_order_release);
+  return *made.release();
+}
+
+/// Station where elements begin that come in a stretch of kStationStep.
+double Alignment::stationOfStretch(std::size_t stretch) const {
+  return stretch == 0 ? startStation_ : (*stations_)[stretch - 1];
+}
 
 std::optional<Pose> Alignment::poseAt(double station, double tolerance) const {
   const double reach = std::max(kEndTolerance, tolerance);
@@ -64,12 +92,43 @@ std::optional<Pose> Alignment::poseAt(double station, double tolerance) const {
     return std::nullopt;
   }
   const double within = std::clamp(station, startStation_, endStation_);
-  // The last element that starts at or before the station and has a length.
-  auto index =
-      static_cast<std::size_t>(std::upper_bound(stations_.begin(), stations_.end() - 1, within) - stations_.begin()) -
-      1;
-  while (index > 0 && !(stations_[index + 1] > stations_[index])) --index;
-  return elements_[index].poseAt(std::min(within - stations_[index], elements_[index].length));
+  // The last element that starts at or before the station and has a length: in the last of the stretches between known
+  // stations that starts there, or, where that has no such element, in one before.
+  std::size_t found = 0;
+  double start = startStation_;
+  const std::vector<double>& stations = stations_.orNone();
+  auto stretch =
+      static_cast<std::size_t>(std::upper_bound(stations.begin(), stations.end(), within) - stations.begin());
+  for (bool isFound = false; !isFound; --stretch) {
+    double at = stationOfStretch(stretch);
+    const std::size_t end = std::min((stretch + 1) * kStationStep, elements_.size());
+    for (std::size_t i = stretch * kStationStep; i < end && at <= within; ++i) {
+      const double next = behind(at, elements_.lengthAt(i));
+      if (next > at) {
+        isFound = true;
+        found = i;
+        start = at;
+      }
+      at = next;
+    }
+    if (stretch == 0) break;
+  }
+  const Element element = elements_.at(found);
+  return element.poseAt(std::min(within - start, element.length));
+}
+
+double Alignment::stationOfElement(std::size_t index) const {
+  if (index >= elements_.size()) return endStation_;
+  const std::size_t stretch = index / kStationStep;
+  double station = stationOfStretch(stretch);
+  for (std::size_t i = stretch * kStationStep; i < index; ++i) station = behind(station, elements_.lengthAt(i));
+  return station;
+}
+
+Alignment Alignment::scaled(double factor) const {
+  ElementList elements = elements_;
+  elements.scale(factor);
+  return {startStation_ * factor, std::move(elements)};
 }
 
 std::optional<Pose> Alignment::pointLocation(double station, double offset, double tolerance) const {
@@ -82,7 +141,7 @@ std::optional<Pose> Alignment::pointLocation(double station, double offset, doub
 }
 
 std::optional<StationOffset> Alignment::stationOffset(Vec2 point) const {
-  const auto answer = index_ ? index_->of(*this).stationOffset(point) : std::nullopt;
+  const auto answer = index().stationOffset(point);
   if (!answer) return std::nullopt;
   return StationOffset{answer->station, answer->offset};
 }

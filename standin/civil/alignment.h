@@ -1,15 +1,21 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
-#include <memory>
 #include <optional>
-#include <span>
 #include <string_view>
 #include <vector>
 
 #include "civil/element.h"
+#include "civil/element_list.h"
+#include "civil/rare.h"
+#include "civil/value_list.h"
 
 namespace lvx::civil {
+
+namespace detail {
+class AlignmentIndex;
+}
 
 /// Where a point lies against an alignment; a negative offset lies on the left of the direction of travel.
 struct StationOffset {
@@ -20,7 +26,7 @@ struct StationOffset {
 /// A horizontal alignment: a chain of elements measured by station. Lengths, stations and offsets in drawing units,
 /// angles in radians. Stations add up the elements' lengths from the start station; station equations play no part.
 /// Immutable once built; its queries may run in several threads at once. Copies share nothing.
-/// What the nearest foot is searched in, O(n log n) to build and a multiple of the elements in memory, is made when the
+/// Memory: 73 bytes an element, 17 in a polyline. What the nearest foot is searched in, O(n log n) to build and a multiple of the elements in memory, is made when the
 /// first one is asked for.
 ///
 ///     auto axis = Alignment::fromText(
@@ -31,9 +37,10 @@ class Alignment {
  public:
   /// A station this little beyond an end still counts as the end, since files round their last stations.
   static constexpr double kEndTolerance = 0.001;
+  using Elements = ValueList<ElementList, Element, &ElementList::at>;
 
   Alignment();
-  Alignment(double startStation, std::vector<Element> elements);
+  Alignment(double startStation, ElementList elements);
   Alignment(const Alignment&);
   Alignment(Alignment&&) noexcept;
   Alignment& operator=(Alignment) noexcept;
@@ -45,13 +52,15 @@ class Alignment {
   /// gaps and corners. Without them it starts at 0 0 to the north. Throws std::invalid_argument that names the word.
   [[nodiscard]] static Alignment fromText(std::string_view text);
 
-  [[nodiscard]] bool isEmpty() const { return elements_.empty(); }
+  [[nodiscard]] bool isEmpty() const { return elements_.isEmpty(); }
   [[nodiscard]] double startStation() const { return startStation_; }
   [[nodiscard]] double endStation() const { return endStation_; }
   [[nodiscard]] double length() const { return endStation_ - startStation_; }
-  [[nodiscard]] std::span<const Element> elements() const { return elements_; }
+  [[nodiscard]] Elements elements() const { return {elements_, elements_.size()}; }
+  /// How many elements are of that kind.
+  [[nodiscard]] std::size_t countOf(ElementKind kind) const { return elements_.count(kind); }
   /// Station at the start of element `index`; at `elements().size()` the end station.
-  [[nodiscard]] double stationOfElement(std::size_t index) const { return stations_[index]; }
+  [[nodiscard]] double stationOfElement(std::size_t index) const;
 
   /// Position and direction of travel at `station`. A station outside [startStation, endStation] by kEndTolerance or
   /// `tolerance` at most, whichever is larger, gives the end; further out it is empty, as for an alignment without
@@ -71,14 +80,21 @@ class Alignment {
   /// and for a point that isn't finite. About 0.3 us on a road of 300 elements, O(log n) near one.
   [[nodiscard]] std::optional<StationOffset> stationOffset(Vec2 point) const;
 
+  /// The same in another unit: all lengths and stations multiplied.
+  [[nodiscard]] Alignment scaled(double factor) const;
+
  private:
-  struct Index;
+  [[nodiscard]] const detail::AlignmentIndex& index() const;
+  [[nodiscard]] double stationOfStretch(std::size_t stretch) const;
+
+  /// Stations are kept of one element in so many; between them the lengths are added up again.
+  static constexpr std::size_t kStationStep = 8;
 
   double startStation_ = 0.0;
   double endStation_ = 0.0;
-  std::vector<Element> elements_;
-  std::vector<double> stations_;
-  std::unique_ptr<Index> index_;
+  ElementList elements_;
+  Rare<std::vector<double>> stations_;  ///< of the elements kStationStep, 2 kStationStep, ...; none where there is none
+  mutable std::atomic<const detail::AlignmentIndex*> index_ = nullptr;  ///< made by the first question for a foot
 };
 
 }  // namespace lvx::civil

@@ -15,6 +15,8 @@
 #include "civil/code_list.h"
 #include "civil/point_texts.h"
 #include "civil/profile.h"
+#include "civil/rare.h"
+#include "civil/rare_text.h"
 #include "civil/tin_surface.h"
 
 /// An open drawing: plain data and the geometry over it, no I/O. Texts are UTF-8. Lists stand in the order of the file.
@@ -47,16 +49,16 @@ struct SampleLineGroup {
   std::vector<SampleLine> lines;
   FileNumber file = 0;
   /// Its name in its file where it is called otherwise here, since another object has that name (sibling_names.h).
-  std::optional<std::string> nameInFile = std::nullopt;
+  Rare<std::string> nameInFile = std::nullopt;
 };
 
 struct ProfileObject {
   Handle handle = 0;
   std::string name;
-  std::string description;
+  RareText description;
   Profile profile;
   FileNumber file = 0;
-  std::optional<std::string> nameInFile = std::nullopt;  ///< as of a SampleLineGroup
+  Rare<std::string> nameInFile = std::nullopt;  ///< as of a SampleLineGroup
 };
 
 /// A station equation: kept and reported, never applied.
@@ -67,16 +69,18 @@ struct StationEquation {
   bool increasing = true;  ///< whether stations rise along the alignment behind it
 };
 
+/// Survey drawings hold alignments and profiles by the hundred thousand, so what few of them have takes little where it
+/// isn't there.
 struct AlignmentObject {
   Handle handle = 0;
   std::string name;
-  std::string description;
+  RareText description;
   Alignment geometry;
   std::vector<ProfileObject> profiles;
   std::vector<SampleLineGroup> sampleLineGroups;
   std::vector<StationEquation> stationEquations;
   FileNumber file = 0;
-  std::optional<std::string> nameInFile = std::nullopt;  ///< as of a SampleLineGroup
+  Rare<std::string> nameInFile = std::nullopt;  ///< as of a SampleLineGroup
 };
 
 struct Site {
@@ -93,7 +97,7 @@ struct SurfaceObject {
   std::string description;
   TinSurface surface;
   FileNumber file = 0;
-  std::optional<std::string> nameInFile = std::nullopt;  ///< as of a SampleLineGroup
+  Rare<std::string> nameInFile = std::nullopt;  ///< as of a SampleLineGroup
 };
 
 struct Point {
@@ -115,7 +119,7 @@ struct PointGroup {
   /// Members in files that aren't part of the drawing; they join the numbers when those files are added.
   std::vector<std::int32_t> numbersElsewhere = {};
   FileNumber file = 0;
-  std::optional<std::string> nameInFile = std::nullopt;  ///< as of a SampleLineGroup
+  Rare<std::string> nameInFile = std::nullopt;  ///< as of a SampleLineGroup
 };
 
 // ---------------------------------------------------------------- corridors

@@ -98,7 +98,7 @@ void findMembersElsewhere(Drawing& whole) {
   }
 }
 
-std::vector<VerticalPoint> scaled(std::span<const VerticalPoint> points, double factor) {
+std::vector<VerticalPoint> scaled(const Profile::Points& points, double factor) {
   std::vector<VerticalPoint> list(points.begin(), points.end());
   for (VerticalPoint& point : list) {
     for (double* const length : {&point.station, &point.elevation, &point.length, &point.lengthOut, &point.radius})
@@ -109,21 +109,14 @@ std::vector<VerticalPoint> scaled(std::span<const VerticalPoint> points, double 
 
 Profile scaled(const Profile& profile, double factor) {
   if (!profile.isGround()) return Profile::design(scaled(profile.points(), factor));
-  std::vector<std::vector<VerticalPoint>> pieces = groundPieces(profile);
-  for (auto& piece : pieces) piece = scaled(piece, factor);
-  return Profile::ground(std::move(pieces));
-}
-
-Alignment scaled(const Alignment& alignment, double factor) {
-  std::vector<Element> elements(alignment.elements().begin(), alignment.elements().end());
-  for (Element& element : elements) {
-    element.start = factor * element.start;
-    element.givenEnd = factor * element.givenEnd;
-    element.length *= factor;
-    element.startCurvature /= factor;
-    element.endCurvature /= factor;
+  std::vector<std::vector<ProfilePoint>> pieces = groundPieces(profile);
+  for (auto& piece : pieces) {
+    for (ProfilePoint& point : piece) {
+      point.station *= factor;
+      point.elevation *= factor;
+    }
   }
-  return Alignment(alignment.startStation() * factor, std::move(elements));
+  return Profile::ground(std::move(pieces));
 }
 
 void scale(Region& region, double factor) {
@@ -147,7 +140,7 @@ void scale(Region& region, double factor) {
 }
 
 void scale(AlignmentObject& alignment, double factor) {
-  alignment.geometry = scaled(alignment.geometry, factor);
+  alignment.geometry = alignment.geometry.scaled(factor);
   for (ProfileObject& profile : alignment.profiles) profile.profile = scaled(profile.profile, factor);
   for (SampleLineGroup& group : alignment.sampleLineGroups) {
     for (SampleLine& line : group.lines) {

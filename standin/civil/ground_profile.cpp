@@ -24,14 +24,9 @@ std::size_t chordsOf(const Element& element, double chordError) {
 /// Appends the points of `run` that the others can't stand for within their tolerance: each point may be missed by its
 /// own, `tolerance` on an edge and at least kGroundBetweenEdges elsewhere. From each point kept the next one is the last
 /// to which a straight line comes close enough to all in between, found by narrowing the cone of such lines.
-std::vector<VerticalPoint> thinned(const std::vector<GroundPoint>& run, double tolerance) {
-  std::vector<VerticalPoint> points;
-  const auto keep = [&](const GroundPoint& point) {
-    VerticalPoint kept;
-    kept.station = point.station;
-    kept.elevation = point.elevation;
-    points.push_back(kept);
-  };
+std::vector<ProfilePoint> thinned(const std::vector<GroundPoint>& run, double tolerance) {
+  std::vector<ProfilePoint> points;
+  const auto keep = [&](const GroundPoint& point) { points.push_back({point.station, point.elevation}); };
   std::size_t anchor = 0;
   keep(run.front());
   double low = -std::numeric_limits<double>::infinity();
@@ -121,7 +116,7 @@ Profile groundProfile(const Alignment& axis, const TinSurface& surface, const Gr
   if (!(options.chordError > 0.0) || !std::isfinite(options.chordError)) {
     throw std::invalid_argument("ground profile: the chord error has to be above 0");
   }
-  std::vector<std::vector<VerticalPoint>> lines;
+  std::vector<std::vector<ProfilePoint>> lines;
   for (const auto& run : groundAlong(axis, surface, options.chordError)) {
     lines.push_back(thinned(run, options.thinning));
   }

@@ -6,6 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "civil/rare.h"
+#include "civil/value_list.h"
+
 namespace lvx::civil {
 
 /// What rounds off the tangents at a point of vertical intersection.
@@ -23,6 +26,12 @@ struct VerticalPoint {
   double lengthOut = 0.0;
   /// Circle: radius as given, of any sign; the grades decide on crest or sag.
   double radius = 0.0;
+};
+
+/// A point of the ground under an alignment.
+struct ProfilePoint {
+  double station = 0.0;
+  double elevation = 0.0;
 };
 
 /// One intersection point as the companion library hands it out: parabolas only. Grades are ratios.
@@ -57,13 +66,17 @@ struct ProfileGap {
 /// parabolas and circles; or ground as a polyline with gaps. Elevations, stations, lengths and radii in drawing units;
 /// grades as ratios, positive where the road rises with its stations: 0.025 is 2.5 per cent. What it answers is exact but
 /// for the rounding of the numbers, some 1e-12 at the heights of roads. Building it is O(n log n). Immutable once built;
-/// its queries may run in several threads at once.
+/// its queries may run in several threads at once. Memory: 16 bytes a point and 40 a curve.
 ///
 ///     const auto road = Profile::design({{0, 100.0}, {200, 104.0, VerticalCurveKind::Parabola, 80}, {400, 102.0}});
 ///     road.elevationAt(200);   // 103.7: the curve lies 0.3 below its point of intersection
 ///     road.gradeAt(100);       // 0.02
 class Profile {
+  [[nodiscard]] VerticalPoint pointAt(std::size_t index) const;
+
  public:
+  using Points = ValueList<Profile, VerticalPoint, &Profile::pointAt>;
+
   Profile() = default;
 
   /// A design profile. Points are sorted by station (stable). A curve that can't be drawn becomes a plain point, with a
@@ -74,28 +87,29 @@ class Profile {
   /// them.
   [[nodiscard]] static Profile design(std::vector<VerticalPoint> points);
   /// A ground profile: one polyline of (station, elevation) per list, with a gap between lists; lists may come in any
-  /// order, empty ones don't count. Only stations and elevations of the points are read.
-  [[nodiscard]] static Profile ground(std::vector<std::vector<VerticalPoint>> polylines);
+  /// order, empty ones don't count.
+  [[nodiscard]] static Profile ground(std::vector<std::vector<ProfilePoint>> polylines);
 
   [[nodiscard]] bool isGround() const { return ground_; }
   [[nodiscard]] bool isEmpty() const { return points_.empty(); }
-  /// As taken: sorted, finite, curves that can't be drawn left out.
-  [[nodiscard]] std::span<const VerticalPoint> points() const { return points_; }
+  /// As taken: sorted, finite, curves that can't be drawn left out. One point costs O(log n) of the curves.
+  [[nodiscard]] Points points() const { return {*this, points_.size()}; }
   /// Stations of the first and last point; 0 for a profile without points.
   [[nodiscard]] double startStation() const;
   [[nodiscard]] double endStation() const;
   /// Number of gaps between the polylines of a ground profile.
-  [[nodiscard]] std::size_t gapCount() const { return gaps_.size(); }
+  [[nodiscard]] std::size_t gapCount() const { return extras_.orNone().gaps.size(); }
   /// The gaps themselves, ascending.
-  [[nodiscard]] std::span<const ProfileGap> gaps() const { return gaps_; }
+  [[nodiscard]] std::span<const ProfileGap> gaps() const { return extras_.orNone().gaps; }
   /// The curves of a design profile, ascending by point.
   [[nodiscard]] std::vector<VerticalCurve> curves() const;
   /// What is odd about the given points, one sentence each ("circular curve at 120: radius 0").
-  [[nodiscard]] const std::vector<std::string>& warnings() const { return warnings_; }
+  [[nodiscard]] const std::vector<std::string>& warnings() const { return extras_.orNone().warnings; }
 
   /// Elevation at a station: on tangents, in curves, beyond the ends by the end tangents, in a gap on the straight line
   /// across it. Of two points at one station the later answers there. Empty for a profile without points and for a
-  /// station that is no number; one point gives its elevation everywhere. O(log n).
+  /// station that is no number; one point gives its elevation everywhere. O(log n), and beyond an end as many steps as
+  /// points repeat its station.
   [[nodiscard]] std::optional<double> elevationAt(double station) const;
   /// The grade there, by the same rules; where it jumps, that behind the station. Empty where elevationAt is.
   [[nodiscard]] std::optional<double> gradeAt(double station) const;
@@ -107,40 +121,49 @@ class Profile {
   [[nodiscard]] std::vector<VerticalRecord> records() const;
 
  private:
-  /// A curve between two stations, or the part of it that an earlier curve leaves free.
-  struct Piece {
+  class Design;
+
+  /// What a point has beside its place.
+  struct Curve {
+    double length = 0.0;
+    /// As VerticalPoint's `lengthOut`, or its `radius` for a circle.
+    double second = 0.0;
+    /// The stations at which it answers: its own, or what the curves before it leave of them, which may be none. Ends
+    /// never fall.
     double startStation = 0.0;
     double endStation = 0.0;
-    // Where the curve itself leaves its tangent: elevation = origin + grade d + bend d^2, d from there.
+    std::uint32_t point = 0;
+    std::uint32_t circle : 29 = 0;  ///< of a circle: its place among them
+    VerticalCurveKind kind : 3 = VerticalCurveKind::None;
+  };
+  /// Of a circle what takes long to compute.
+  struct Circle {
     double originStation = 0.0;
     double originElevation = 0.0;
-    double grade = 0.0;
-    double bend = 0.0;
-    // A circle instead: radius (positive: sag; 0: none), sine and cosine of the arriving tangent's angle.
-    double circleRadius = 0.0;
-    double circleSine = 0.0;
-    double circleCosine = 1.0;
-    [[nodiscard]] double elevationAt(double station) const;
-    [[nodiscard]] double gradeAt(double station) const;
+    double sine = 0.0;  ///< of the arriving tangent's angle
+    double cosine = 1.0;
+  };
+  /// A curve worked out, for the elevations and grades on it.
+  struct Shape;
+  /// What few profiles have.
+  struct Extras {
+    std::vector<Circle> circles;
+    std::vector<std::string> warnings;
+    std::vector<ProfileGap> gaps;
   };
 
-  void findGrades();
-  void dropImpossibleCurves();
-  void halveDoubledCurves();
-  void buildCurves();
+  [[nodiscard]] Shape shapeOf(const Curve& curve, bool isBehindPoint) const;
   [[nodiscard]] double gradeIn(std::size_t i) const;
   [[nodiscard]] double gradeOut(std::size_t i) const;
 
-  std::vector<VerticalPoint> points_;
-  std::vector<std::optional<double>> gradesIn_;
-  std::vector<std::optional<double>> gradesOut_;
-  std::vector<Piece> pieces_;
-  std::vector<std::string> warnings_;
-  std::vector<ProfileGap> gaps_;
+  // The curves apart from the points, since most points have none; grades aren't kept, for the points give them.
+  std::vector<ProfilePoint> points_;
+  std::vector<Curve> curves_;  ///< ascending by point
+  Rare<Extras> extras_;
   bool ground_ = false;
 };
 
 /// The polylines of a ground profile, parted at its gaps; one of all points where it has none.
-[[nodiscard]] std::vector<std::vector<VerticalPoint>> groundPieces(const Profile& profile);
+[[nodiscard]] std::vector<std::vector<ProfilePoint>> groundPieces(const Profile& profile);
 
 }  // namespace lvx::civil

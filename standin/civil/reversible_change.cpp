@@ -216,7 +216,7 @@ class ChangeSampleLineGroup final : public ReversibleChange {
 
   Handle handle_;
   std::optional<std::string> name_;
-  std::optional<std::string> nameInFile_;  // a name that a person chose is the file's as well
+  Rare<std::string> nameInFile_;  // a name that a person chose is the file's as well
   std::optional<std::vector<SampleLine>> lines_;
   bool hasHandles_ = false;
 };

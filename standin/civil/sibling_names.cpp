@@ -1,8 +1,10 @@
 #include "civil/sibling_names.h"
 
+#include <algorithm>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 namespace lvx::civil {
 
@@ -21,13 +23,23 @@ std::string ownKind(const Object& object, const Kind& kind) {
   return std::string(kind.one);
 }
 
+/// Whether no name stands twice, as in most files: a set of all of them would take more memory than many an object.
+template <class At>
+bool areAllDifferent(std::size_t count, At at) {
+  std::vector<std::string_view> names;
+  names.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) names.push_back(at(i).name);
+  std::sort(names.begin(), names.end());
+  return std::adjacent_find(names.begin(), names.end()) == names.end();
+}
+
 /// `at(i)` is the object at a place of the list.
 template <class At>
 void tellApart(std::size_t count, At at, const Kind& kind, const TellRenamed& tell) {
   if (count < 2) return;
+  if (areAllDifferent(count, at)) return;
   std::unordered_set<std::string> names;
   for (std::size_t i = 0; i < count; ++i) names.insert(at(i).name);
-  if (names.size() == count) return;
   std::unordered_set<std::string> kept;
   std::unordered_map<std::string, std::size_t> lastNumber;  // by the name that the files give
   for (std::size_t i = 0; i < count; ++i) {

@@ -7,7 +7,10 @@ namespace lvx::cli {
 
 options::ExitCode runInfo(const options::Options& options) {
   const civil::Drawing drawing = loadDrawing(options);
-  print(options.json ? infoJson(drawing) : infoText(drawing));
+  if (options.json)
+    print(infoJson(drawing));
+  else
+    tellInfo(drawing, print);
   return options::kDone;
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <string>
+#include <string_view>
 
 #include "civil/drawing.h"
 #include "options/exit_codes.h"
@@ -8,8 +10,8 @@
 
 namespace lvx::cli {
 
-/// What a drawing holds, for people.
-[[nodiscard]] std::string infoText(const civil::Drawing& drawing);
+/// Says what a drawing holds, for people: piece by piece, since of a large drawing that is a long text.
+void tellInfo(const civil::Drawing& drawing, const std::function<void(std::string_view)>& tell);
 /// The same for programs; members are only ever added.
 [[nodiscard]] std::string infoJson(const civil::Drawing& drawing);
 

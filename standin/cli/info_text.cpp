@@ -173,12 +173,36 @@ void addAlignment(std::string& text, const civil::Drawing& drawing, const civil:
   addGroups(text, drawing, object);
 }
 
-void addSites(std::string& text, const civil::Drawing& drawing) {
+/// What was said and not yet told.
+class Report {
+ public:
+  explicit Report(const std::function<void(std::string_view)>& tell) : tell_(tell) {}
+  std::string text;
+
+  /// Tells the text where it has become long.
+  void passOn() {
+    constexpr std::size_t kLong = 1 << 16;
+    if (text.size() >= kLong) tellRest();
+  }
+  void tellRest() {
+    tell_(text);
+    text.clear();
+  }
+
+ private:
+  const std::function<void(std::string_view)>& tell_;
+};
+
+void addSites(Report& report, const civil::Drawing& drawing) {
+  std::string& text = report.text;
   for (const civil::Site& site : drawing.sites)
     if (site.alignments.empty()) text += "site '" + site.name + "': no alignments\n";
   for (const civil::Site* site : siteRows(drawing)) {
     text += (site->name.empty() ? std::string("without a site") : "site '" + site->name + "'") + "\n";
-    for (const auto& alignment : site->alignments) addAlignment(text, drawing, *alignment);
+    for (const auto& alignment : site->alignments) {
+      addAlignment(text, drawing, *alignment);
+      report.passOn();
+    }
   }
   if (siteRows(drawing).empty()) text += "no alignments\n";
 }
@@ -250,18 +274,19 @@ void addCorridors(std::string& text, const civil::Drawing& drawing) {
 
 }  // namespace
 
-std::string infoText(const civil::Drawing& drawing) {
-  std::string text;
-  addFiles(text, drawing);
-  addSites(text, drawing);
-  addSurfaces(text, drawing);
-  addPoints(text, drawing);
-  addCorridors(text, drawing);
-  if (drawing.diagnostics.empty()) return text;
-  text += "diagnostics\n";
-  for (const civil::Diagnostic& diagnostic : drawing.diagnostics)
-    text += "  " + diagnosticText(drawing, diagnostic) + "\n";
-  return text;
+void tellInfo(const civil::Drawing& drawing, const std::function<void(std::string_view)>& tell) {
+  Report report(tell);
+  addFiles(report.text, drawing);
+  addSites(report, drawing);
+  addSurfaces(report.text, drawing);
+  addPoints(report.text, drawing);
+  addCorridors(report.text, drawing);
+  if (!drawing.diagnostics.empty()) report.text += "diagnostics\n";
+  for (const civil::Diagnostic& diagnostic : drawing.diagnostics) {
+    report.text += "  " + diagnosticText(drawing, diagnostic) + "\n";
+    report.passOn();
+  }
+  report.tellRest();
 }
 
 }  // namespace lvx::cli

@@ -121,14 +121,10 @@ void readAlignment(Context& context, Node node, civil::Site& site, std::vector<A
   object->geometry = std::move(*geometry);
   object->stationEquations = readEquations(context, node, speaker);
 
-  AlignmentRecord record{object.get(), node, {}, {}, speaker};
   const auto given = property(feature(node, "lvx_object"), "handle");
   object->handle = context.ticket(node, given);
   subject.is(object->handle);
-  record.givenHandle = Context::parseHandle(given);
-  ReadProfiles profiles = readProfiles(context, node, speaker);
-  object->profiles = std::move(profiles.profiles);
-  record.givenProfileHandles = std::move(profiles.givenHandles);
+  object->profiles = readProfiles(context, node, speaker);
 
   noteUnread(context, node, speaker + ": ",
              {"CoordGeom", "AlignPIs", "Profile", "CrossSects", "StaEquation", "Feature"});
@@ -139,7 +135,7 @@ void readAlignment(Context& context, Node node, civil::Site& site, std::vector<A
     if (kindOf(sections) == SectionsKind::Corridor) return;
     object->sampleLineGroups.push_back(readSampleLines(context, sections, *object, speaker, number));
   });
-  records.push_back(std::move(record));
+  records.push_back({object.get(), Context::parseHandle(given).value_or(0)});
   site.alignments.push_back(std::move(object));
 }
 
@@ -172,8 +168,7 @@ civil::Drawing readScanned(ScannedDocument& scanned, std::uint64_t total, const 
   noteUnreadOfRoot(context);
   readSiteList(context);
   readPoints(context);
-  const std::vector<AlignmentRecord> alignments = readAlignments(context);
-  readCorridors(context, alignments);
+  readCorridors(context, readAlignments(context));
   readSurfaces(context, scanned, lengthFactor, goOn);
   // Behind all that goes by the file's names.
   civil::tellSiblingsApart(drawing, [&](const std::string& text, civil::Handle ticket, civil::FileNumber) {

@@ -33,14 +33,14 @@ Lines groundLegs(const civil::Profile& profile) {
   Lines lines;
   const auto gaps = profile.gaps();
   auto gap = gaps.begin();
-  const civil::VerticalPoint* before = nullptr;
+  std::optional<civil::VerticalPoint> before;
   for (const civil::VerticalPoint& point : profile.points()) {
-    const bool isBehindGap = before != nullptr && gap != gaps.end() && before->station <= gap->startStation &&
-                             point.station >= gap->endStation;
+    const bool isBehindGap =
+        before && gap != gaps.end() && before->station <= gap->startStation && point.station >= gap->endStation;
     if (isBehindGap) ++gap;
-    if (before == nullptr || isBehindGap) lines.emplace_back();
+    if (!before || isBehindGap) lines.emplace_back();
     lines.back().push_back({point.station, point.elevation});
-    before = &point;
+    before = point;
   }
   return lines;
 }

@@ -1,6 +1,10 @@
 #include "civil/alignment.h"
 
+#include <atomic>
+#include <latch>
 #include <limits>
+#include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -149,6 +153,41 @@ TEST(Alignment, IsAValue) {
   const Alignment moved = std::move(axis);
   EXPECT_EQ(moved.endStation(), 5.0);
   EXPECT_EQ(moved.stationOfElement(1), 5.0);
+  EXPECT_THAT(moved.stationOffset({1, 2}), test::IsStationOffset(2, 1, 1e-12)) << "what was searched in moved along";
+}
+
+// Which of them finds that nobody has asked before is up to chance, so there are many rounds.
+TEST(Alignment, AnswersTheFirstQuestionOfSeveralThreadsAtOnce) {
+  const auto made = [] {
+    return Alignment::fromText(
+        "start 1000 at 0 0 heading 90; line 100; clothoid 60 R inf..300 right; arc 80 R 300 right; line 500");
+  };
+  const Alignment asked = made();
+  std::vector<Vec2> points;
+  std::vector<StationOffset> wanted;
+  for (int i = 0; i < 40; ++i) {
+    points.push_back({20.0 * i - 30.0, 7.0 - 11.0 * i});
+    wanted.push_back(*asked.stationOffset(points.back()));
+  }
+  constexpr std::size_t kThreads = 4;
+  for (int round = 0; round < 100; ++round) {
+    const Alignment axis = made();
+    std::latch start(kThreads);
+    std::atomic<int> wrong = 0;
+    std::vector<std::thread> threads;
+    for (std::size_t t = 0; t < kThreads; ++t) {
+      threads.emplace_back([&, t] {
+        start.arrive_and_wait();
+        for (std::size_t i = 0; i < points.size(); ++i) {
+          const std::size_t at = (i + 10 * t) % points.size();
+          const auto found = axis.stationOffset(points[at]);
+          if (!found || found->station != wanted[at].station || found->offset != wanted[at].offset) ++wrong;
+        }
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    ASSERT_EQ(wrong, 0);
+  }
 }
 
 }  // namespace

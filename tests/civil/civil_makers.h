@@ -65,11 +65,18 @@ inline std::vector<VerticalPoint> verticalPoints(const std::string& text) {
 
 inline Profile designProfile(const std::string& text) { return Profile::design(verticalPoints(text)); }
 
+/// "0 10; 20 12"
+inline std::vector<ProfilePoint> groundPoints(const std::string& text) {
+  std::vector<ProfilePoint> points;
+  for (const VerticalPoint& point : verticalPoints(text)) points.push_back({point.station, point.elevation});
+  return points;
+}
+
 /// "0 10; 20 12 | 40 9; 60 8": lists with a gap between them
 inline Profile groundProfile(const std::string& text) {
-  std::vector<std::vector<VerticalPoint>> lists;
+  std::vector<std::vector<ProfilePoint>> lists;
   std::istringstream parts(text);
-  for (std::string part; std::getline(parts, part, '|');) lists.push_back(verticalPoints(part));
+  for (std::string part; std::getline(parts, part, '|');) lists.push_back(groundPoints(part));
   return Profile::ground(std::move(lists));
 }
 

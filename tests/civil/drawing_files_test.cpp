@@ -181,8 +181,8 @@ TEST(DrawingFiles, ScalesEveryLength) {
 TEST(DrawingFiles, KeepsTheGapsOfAScaledGroundProfile) {
   Drawing drawing = fileWith("Valley", "A");
   ProfileObject& profile = drawing.sites[0].alignments[0]->profiles[0];
-  profile.profile = Profile::ground({test::verticalPoints("0 10; 5 11"), test::verticalPoints("8 12; 9 13; 12 14"),
-                                     test::verticalPoints("20 1; 30 2")});
+  profile.profile = Profile::ground(
+      {test::groundPoints("0 10; 5 11"), test::groundPoints("8 12; 9 13; 12 14"), test::groundPoints("20 1; 30 2")});
   scaleLengths(drawing, 3.0);
   ASSERT_EQ(profile.profile.gapCount(), 2U);
   EXPECT_EQ(profile.profile.gaps()[0].startStation, 15);

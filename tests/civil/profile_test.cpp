@@ -353,7 +353,9 @@ TEST(Profile, SurvivesWhatNoDrawingShouldHold) {
     const Profile profile = Profile::design(points);
     for (const double s : {-1e308, 0.0, 1.0, 25.0, kInfinity}) (void)profile.elevationAt(s);
     EXPECT_GE(profile.records().size(), profile.points().size());
-    (void)Profile::ground({points, points});
+    std::vector<ProfilePoint> ground;
+    for (const VerticalPoint& point : points) ground.push_back({point.station, point.elevation});
+    (void)Profile::ground({ground, ground});
   }
 }
 

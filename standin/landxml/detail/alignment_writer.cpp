@@ -391,13 +391,13 @@ void AlignmentWriter::removeProfiles(const AlignmentObject& alignment,
 }
 
 std::string AlignmentWriter::pointsText(const civil::Profile& profile, Node like, const std::string& lead) const {
-  const auto place = [&](const VerticalPoint& point) {
+  const auto place = [&](const auto& point) {
     return terms_.lengthText(point.station) + ' ' + terms_.lengthText(point.elevation);
   };
   std::string text;
   if (profile.isGround()) {
     const std::string name = FileEditor::nameLike(like, "PntList2D");
-    for (const std::vector<VerticalPoint>& piece : civil::groundPieces(profile)) {
+    for (const std::vector<civil::ProfilePoint>& piece : civil::groundPieces(profile)) {
       text += lead + '<' + name + '>';
       for (std::size_t i = 0; i < piece.size(); ++i) text += (i > 0 ? " " : "") + place(piece[i]);
       text += "</" + name + '>';

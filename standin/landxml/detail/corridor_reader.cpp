@@ -51,7 +51,7 @@ class CorridorReader {
 const AlignmentRecord* CorridorReader::alignmentOf(Node baseline) {
   if (const auto handle = Context::parseHandle(property(baseline, "alignmentHandle"))) {
     for (const auto& record : alignments_) {
-      if (record.givenHandle == handle) return &record;
+      if (record.givenHandle == *handle) return &record;
     }
   }
   const std::string name = property(baseline, "alignment").value_or("");
@@ -66,7 +66,8 @@ const civil::ProfileObject* CorridorReader::profileOf(Node baseline, const Align
   const auto& profiles = alignment.object->profiles;
   if (const auto handle = Context::parseHandle(property(baseline, "profileHandle"))) {
     for (std::size_t i = 0; i < profiles.size(); ++i) {
-      if (alignment.givenProfileHandles[i] == handle) return &profiles[i];
+      const Node node = context_.nodeOf(profiles[i].handle);
+      if (Context::parseHandle(property(feature(node, "lvx_object"), "handle")) == handle) return &profiles[i];
     }
   }
   const auto name = property(baseline, "profile");
@@ -105,7 +106,7 @@ Node CorridorReader::sectionsOf(Node region, const AlignmentRecord& alignment) {
   };
   Node found;
   int best = 0;
-  eachChild(alignment.node, "CrossSects", [&](Node candidate) {
+  eachChild(context_.nodeOf(alignment.object->handle), "CrossSects", [&](Node candidate) {
     const int its = fit(candidate);
     if (its <= best) return;
     best = its;
@@ -317,7 +318,7 @@ void CorridorReader::read() {
   });
   for (const AlignmentRecord& alignment : alignments_) {
     std::vector<Node> designs;
-    eachChild(alignment.node, "CrossSects", [&](Node node) {
+    eachChild(context_.nodeOf(alignment.object->handle), "CrossSects", [&](Node node) {
       const bool isFree = kindOf(node) == SectionsKind::Foreign && used_.count(node.place()) == 0;
       if (isFree && hasDesign(node)) designs.push_back(node);
     });

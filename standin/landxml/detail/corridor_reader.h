@@ -8,14 +8,11 @@
 
 namespace lvx::landxml::detail {
 
-/// An alignment that is in the drawing, with what corridors refer to it by.
+/// An alignment that is in the drawing, with the handle that the file gives it, by which corridors refer to it; 0 where it
+/// gives none.
 struct AlignmentRecord {
   const civil::AlignmentObject* object = nullptr;
-  Node node;
-  std::optional<civil::Handle> givenHandle;
-  std::vector<std::optional<civil::Handle>> givenProfileHandles;
-  /// "alignment 'A1'"
-  std::string speaker;
+  civil::Handle givenHandle = 0;
 };
 
 /// Corridors: our own from Roadways, and one for each alignment of other programs whose sections have design parts.

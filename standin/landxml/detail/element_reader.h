@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "civil/element.h"
+#include "civil/element_list.h"
 #include "landxml/detail/context.h"
 #include "landxml/detail/document.h"
 
@@ -18,14 +20,16 @@ struct Unusable {
   bool keepsWhatStands = false;
 };
 
-/// An element of an alignment with the place in the file that it came from.
-struct Piece {
-  civil::Element element;
-  Node where;
+/// Where elements of an alignment came from: one, or the lines of a polyline, whose corners are its shape and no fault.
+struct ElementSource {
+  /// Place in the file.
+  std::size_t place = 0;
+  /// Index of the first element.
+  std::uint32_t first = 0;
   /// "Spiral 3": the third element of the alignment.
-  std::string label;
-  /// Continues a polyline, whose corners are its shape and no fault.
-  bool isPolyline = false;
+  std::uint32_t number : 31 = 0;
+  /// The line to an intersection point.
+  std::uint32_t isTangent : 1 = 0;
 };
 
 /// Reads one alignment's elements: one by one where CoordGeom gives them (geometry_reader.cpp), or fitted between the
@@ -34,7 +38,7 @@ class GeometryReader {
  public:
   GeometryReader(Context& context, const std::string& speaker) : context_(context), speaker_(speaker) {}
 
-  std::vector<civil::Element> read(Node alignment);
+  civil::ElementList read(Node alignment);
   /// The transition before which the alignment ends, since its law isn't known; empty where it doesn't.
   [[nodiscard]] const std::optional<Unusable>& endsBefore() const { return endsBefore_; }
   /// The AlignPIs that the elements were computed from; empty where the file gives them.
@@ -48,8 +52,9 @@ class GeometryReader {
   void readSpiral(Node node);
   void readIrregularLine(Node node);
   void readChain(Node node);
-  void addPolyline(Node node, const std::vector<civil::Vec2>& points);
-  void add(Node node, const civil::Element& element, bool isPolyline = false);
+  void addPolyline(Node node, std::vector<civil::Vec2>& points);
+  void add(Node node, const civil::Element& element);
+  void label(std::string_view name, std::size_t number);
 
   // AlignPIs
   struct Corner;
@@ -57,7 +62,10 @@ class GeometryReader {
   Corner readCorner(Node node, const std::string& label);
   void shapeCorner(Corner& corner, double deflection, civil::Turn turn);
 
-  std::vector<civil::Element> checked();
+  void keep(Node node, const civil::Element& element, bool isTangent = false);
+  void addSource(Node node, bool isTangent = false);
+  void check();
+  [[nodiscard]] std::string labelOf(const ElementSource& source) const;
 
   civil::Vec2 point(Node node, const char* name);
   std::optional<civil::Vec2> pointIfPlaced(Node node, const char* name);
@@ -72,7 +80,9 @@ class GeometryReader {
   Context& context_;
   std::string speaker_;
   std::string label_;
-  std::vector<Piece> pieces_;
+  std::size_t number_ = 0;  // in label_
+  civil::ElementList elements_;
+  std::vector<ElementSource> sources_;
   std::optional<Unusable> endsBefore_;
   Node intersections_;
 };

@@ -100,7 +100,29 @@ double GeometryReader::spiralLength(Node node, ElementKind law, std::optional<do
   return *parameter * *parameter * bend;
 }
 
-void GeometryReader::add(Node node, const Element& element, bool isPolyline) {
+void GeometryReader::label(std::string_view name, std::size_t number) {
+  number_ = number;
+  label_ = std::string(name) + " " + std::to_string(number);
+}
+
+/// What `label_` was when the element was kept.
+std::string GeometryReader::labelOf(const ElementSource& source) const {
+  const Node node = context_.nodeAt(source.place);
+  return (source.isTangent != 0 ? "tangent to " : "") + std::string(localName(node)) + " " +
+         std::to_string(source.number);
+}
+
+void GeometryReader::addSource(Node node, bool isTangent) {
+  sources_.push_back({static_cast<std::size_t>(node.place()), static_cast<std::uint32_t>(elements_.size()),
+                      static_cast<std::uint32_t>(number_) & 0x7FFFFFFFU, isTangent ? 1U : 0U});
+}
+
+void GeometryReader::keep(Node node, const Element& element, bool isTangent) {
+  addSource(node, isTangent);
+  elements_.add(element);
+}
+
+void GeometryReader::add(Node node, const Element& element) {
   if (!std::isfinite(element.length) || !std::isfinite(element.direction) || element.length > kLargestNumber) {
     refuse(node, "its numbers give no shape");
   }
@@ -108,7 +130,7 @@ void GeometryReader::add(Node node, const Element& element, bool isPolyline) {
     context_.note(node, speaker() + ": has no length and is passed over");
     return;
   }
-  pieces_.push_back({element, node, label_, isPolyline});
+  keep(node, element);
 }
 
 void GeometryReader::readLine(Node node) { add(node, civil::makeLine(point(node, "Start"), point(node, "End"))); }
@@ -201,14 +223,19 @@ void GeometryReader::readSpiral(Node node) {
   add(node, civil::makeTransition(law, start, corner, end, length, startRadius, endRadius, turn.value_or(Turn::Left)));
 }
 
-void GeometryReader::addPolyline(Node node, const std::vector<Vec2>& points) {
-  bool isFirst = true;
-  for (std::size_t i = 0; i + 1 < points.size(); ++i) {
-    if (points[i] == points[i + 1]) continue;
-    add(node, civil::makeLine(points[i], points[i + 1]), !isFirst);
-    isFirst = false;
+void GeometryReader::addPolyline(Node node, std::vector<Vec2>& points) {
+  points.erase(std::unique(points.begin(), points.end()), points.end());
+  if (points.size() < 2) {
+    context_.note(node, speaker() + ": has no length and is passed over");
+    return;
   }
-  if (isFirst) context_.note(node, speaker() + ": has no length and is passed over");
+  for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+    const Vec2 way = points[i + 1] - points[i];
+    if (std::abs(way.x) + std::abs(way.y) > kLargestNumber && civil::length(way) > kLargestNumber)
+      refuse(node, "its numbers give no shape");
+  }
+  addSource(node);
+  elements_.addPolyline(points);
 }
 
 void GeometryReader::readIrregularLine(Node node) {
@@ -227,6 +254,7 @@ void GeometryReader::readIrregularLine(Node node) {
       refuse(list, "its list holds " + std::to_string(numbers.values.size()) + " numbers, no multiple of " +
                        std::to_string(step));
     }
+    points.reserve(numbers.values.size() / step + 2);
     for (std::size_t i = 0; i < numbers.values.size(); i += step) {
       points.push_back(context_.plan(numbers.values[i], numbers.values[i + 1]));
     }
@@ -258,10 +286,14 @@ void GeometryReader::readChain(Node node) {
 
 void GeometryReader::readCoordGeom(Node geometry) {
   std::size_t count = 0;
+  eachElement(geometry, [&](Node) { ++count; });
+  elements_.reserve(count);
+  sources_.reserve(count);
+  count = 0;
   eachElement(geometry, [&](Node node) {
     const std::string name(localName(node));
     if (name == "Feature") return;
-    label_ = name + " " + std::to_string(++count);
+    label(name, ++count);
     if (name == "Line")
       readLine(node);
     else if (name == "Curve")
@@ -276,41 +308,45 @@ void GeometryReader::readCoordGeom(Node geometry) {
       refuse(node, "isn't an element of an alignment that is known");
   });
 }
-std::vector<Element> GeometryReader::checked() {
+
+void GeometryReader::check() {
   constexpr double kKink = 0.1 * civil::kPi / 180.0;
-  std::vector<Element> elements;
-  elements.reserve(pieces_.size());
-  for (std::size_t i = 0; i < pieces_.size(); ++i) {
-    const Piece& piece = pieces_[i];
-    elements.push_back(piece.element);
-    const civil::Pose end = piece.element.endPose();
+  const std::size_t count = elements_.size();
+  auto source = sources_.begin();
+  Element element = count > 0 ? elements_.at(0) : Element();
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto where = [&] { return context_.nodeAt(source->place); };
+    const civil::Pose end = element.endPose();
     if (!std::isfinite(end.point.x) || !std::isfinite(end.point.y)) {
-      throw Unusable{piece.where, piece.label + ": its numbers give no shape"};
+      throw Unusable{where(), labelOf(*source) + ": its numbers give no shape"};
     }
-    if (i + 1 == pieces_.size()) {
-      const double miss = civil::length(end.point - piece.element.givenEnd);
+    if (i + 1 == count) {
+      const double miss = civil::length(end.point - element.givenEnd);
       if (miss > context_.millimetre()) {
-        context_.warn(piece.where, speaker_ + ": " + piece.label + ": its end misses the given End by " +
-                                       shownNumber(miss) + "; it is kept as computed");
+        context_.warn(where(), speaker_ + ": " + labelOf(*source) + ": its end misses the given End by " +
+                                   shownNumber(miss) + "; it is kept as computed");
       }
-      continue;
+      return;
     }
-    const Piece& next = pieces_[i + 1];
-    const double miss = civil::length(end.point - next.element.start);
+    const auto before = source;
+    if (source + 1 != sources_.end() && (source + 1)->first == i + 1) ++source;
+    const Element next = elements_.at(i + 1);
+    const double miss = civil::length(end.point - next.start);
     if (miss > context_.millimetre()) {
-      context_.warn(next.where, speaker_ + ": " + next.label + ": starts " + shownNumber(miss) + " off the end of " +
-                                    piece.label + "; both are kept");
+      context_.warn(where(), speaker_ + ": " + labelOf(*source) + ": starts " + shownNumber(miss) + " off the end of " +
+                                 labelOf(*before) + "; both are kept");
     }
-    const double kink = std::abs(std::remainder(next.element.direction - end.direction, civil::kTwoPi));
-    if (kink > kKink && !next.isPolyline) {
-      context_.warn(next.where, speaker_ + ": " + next.label + ": turns by " + shownNumber(kink * 180.0 / civil::kPi) +
-                                    " degrees against the end of " + piece.label + "; both are kept");
+    const double kink = std::abs(std::remainder(next.direction - end.direction, civil::kTwoPi));
+    if (kink > kKink && source != before) {
+      context_.warn(where(), speaker_ + ": " + labelOf(*source) + ": turns by " +
+                                 shownNumber(kink * 180.0 / civil::kPi) + " degrees against the end of " +
+                                 labelOf(*before) + "; both are kept");
     }
+    element = next;
   }
-  return elements;
 }
 
-std::vector<Element> GeometryReader::read(Node alignment) {
+civil::ElementList GeometryReader::read(Node alignment) {
   bool isRead = false;
   eachChild(alignment, "CoordGeom", [&](Node geometry) {
     if (isRead) {
@@ -323,15 +359,16 @@ std::vector<Element> GeometryReader::read(Node alignment) {
       if (!unusable.keepsWhatStands) throw;
       endsBefore_ = unusable;
     }
-    isRead = !pieces_.empty() || endsBefore_.has_value();
+    isRead = !elements_.isEmpty() || endsBefore_.has_value();
   });
   if (!isRead)
     eachChild(alignment, "AlignPIs", [&](Node node) {
-      if (!pieces_.empty()) return;
+      if (!elements_.isEmpty()) return;
       readIntersections(node);
       intersections_ = node;
     });
-  return checked();
+  check();
+  return std::move(elements_);
 }
 
 namespace {
@@ -341,9 +378,7 @@ void noteTransitions(Context& context, Node where, const std::string& speaker, c
   std::string counts;
   for (const ElementKind law :
        {ElementKind::Bloss, ElementKind::Cosine, ElementKind::Biquadratic, ElementKind::Sinusoid}) {
-    const auto elements = geometry.elements();
-    const auto count =
-        std::count_if(elements.begin(), elements.end(), [&](const Element& element) { return element.kind == law; });
+    const std::size_t count = geometry.countOf(law);
     if (count > 0) counts += (counts.empty() ? "" : ", ") + std::to_string(count) + " " + civil::kindName(law);
   }
   if (counts.empty()) return;

@@ -149,7 +149,7 @@ void GeometryReader::shapeCorner(Corner& corner, double deflection, Turn turn) {
 void GeometryReader::readIntersections(Node intersections) {
   std::vector<Corner> corners;
   eachChild(intersections, "AlignPI", [&](Node node) {
-    label_ = "AlignPI " + std::to_string(corners.size() + 1);
+    label("AlignPI", corners.size() + 1);
     if (!corners.empty() && corners.back().unusable) return;
     try {
       corners.push_back(readCorner(node, label_));
@@ -186,7 +186,7 @@ void GeometryReader::readIntersections(Node intersections) {
     double tangent = civil::length(corner.point - corners[i - 1].point) - corners[i - 1].tangentOut;
     Vec2 from = corners[i - 1].point + corners[i - 1].tangentOut * civil::unit(heading);
     const bool isLast = i + 1 == corners.size();
-    label_ = corner.label;
+    label("AlignPI", i + 1);
     if (!isLast && corner.radius1) {
       const double change = std::remainder(headingTo(i + 1) - heading, civil::kTwoPi);
       label_ = corner.label;
@@ -200,8 +200,7 @@ void GeometryReader::readIntersections(Node intersections) {
     }
     tangent -= corner.tangentIn;
     if (tangent > context_.millimetre()) {
-      pieces_.push_back({civil::makeLine(from, from + tangent * civil::unit(heading)), corner.where,
-                         "tangent to " + corner.label, false});
+      keep(corner.where, civil::makeLine(from, from + tangent * civil::unit(heading)), true);
     } else if (tangent < -context_.millimetre()) {
       context_.warn(corner.where, speaker() + ": its curve overlaps the one before it by " + shownNumber(-tangent) +
                                       "; both are kept");
@@ -216,7 +215,7 @@ void GeometryReader::readIntersections(Node intersections) {
       element.start = placed(element.start);
       element.givenEnd = placed(element.givenEnd);
       element.direction += heading;
-      pieces_.push_back({element, corner.where, corner.label, false});
+      keep(corner.where, element);
     }
   }
 }

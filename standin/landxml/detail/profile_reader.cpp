@@ -120,15 +120,16 @@ civil::Profile readDesign(Context& context, Node node, const std::string& speake
 }
 
 civil::Profile readGround(Context& context, Node node, const std::string& speaker) {
-  std::vector<std::vector<VerticalPoint>> polylines;
+  std::vector<std::vector<civil::ProfilePoint>> polylines;
   eachChild(node, "PntList2D", [&](Node list) {
     const auto values = context.numbers(list, speaker);
     if (values.size() % 2 != 0) {
       context.warn(list, speaker + ": a list holds an odd count of numbers; the last one is left out");
     }
-    std::vector<VerticalPoint> polyline;
+    std::vector<civil::ProfilePoint> polyline;
+    polyline.reserve(values.size() / 2);
     for (std::size_t i = 0; i + 1 < values.size(); i += 2) {
-      polyline.push_back({.station = values[i], .elevation = values[i + 1]});
+      polyline.push_back({values[i], values[i + 1]});
     }
     if (!polyline.empty()) polylines.push_back(std::move(polyline));
   });
@@ -138,8 +139,8 @@ civil::Profile readGround(Context& context, Node node, const std::string& speake
 
 }  // namespace
 
-ReadProfiles readProfiles(Context& context, Node alignment, const std::string& speaker) {
-  ReadProfiles result;
+std::vector<civil::ProfileObject> readProfiles(Context& context, Node alignment, const std::string& speaker) {
+  std::vector<civil::ProfileObject> profiles;
   eachChild(alignment, "Profile", [&](Node collection) {
     eachElement(collection, [&](Node node) {
       const bool isDesign = isNamed(node, "ProfAlign");
@@ -150,14 +151,14 @@ ReadProfiles readProfiles(Context& context, Node alignment, const std::string& s
       const auto given = property(feature(node, "lvx_object"), "handle");
       object.handle = context.ticket(node, given);
       const Context::Subject subject(context, object.handle);
-      result.givenHandles.push_back(Context::parseHandle(given));
       const std::string who = speaker + ": profile '" + object.name + "'";
       object.profile = isDesign ? readDesign(context, node, who) : readGround(context, node, who);
       for (const std::string& warning : object.profile.warnings()) context.warn(node, who + ": " + warning);
-      result.profiles.push_back(std::move(object));
+      profiles.push_back(std::move(object));
     });
   });
-  return result;
+  profiles.shrink_to_fit();
+  return profiles;
 }
 
 }  // namespace lvx::landxml::detail
