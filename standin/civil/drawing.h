@@ -78,7 +78,7 @@ struct AlignmentObject {
   Alignment geometry;
   std::vector<ProfileObject> profiles;
   std::vector<SampleLineGroup> sampleLineGroups;
-  std::vector<StationEquation> stationEquations;
+  Rare<std::vector<StationEquation>> stationEquations;
   FileNumber file = 0;
   Rare<std::string> nameInFile = std::nullopt;  ///< as of a SampleLineGroup
 };

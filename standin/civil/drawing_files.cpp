@@ -148,7 +148,8 @@ void scale(AlignmentObject& alignment, double factor) {
       for (Vec2& vertex : line.vertices) vertex = factor * vertex;
     }
   }
-  for (StationEquation& equation : alignment.stationEquations) {
+  if (!alignment.stationEquations) return;
+  for (StationEquation& equation : *alignment.stationEquations) {
     equation.internalStation *= factor;
     equation.aheadStation *= factor;
     if (equation.backStation) *equation.backStation *= factor;

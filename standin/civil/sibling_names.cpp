@@ -26,11 +26,12 @@ std::string ownKind(const Object& object, const Kind& kind) {
 /// Whether no name stands twice, as in most files: a set of all of them would take more memory than many an object.
 template <class At>
 bool areAllDifferent(std::size_t count, At at) {
-  std::vector<std::string_view> names;
+  std::vector<const std::string*> names;
   names.reserve(count);
-  for (std::size_t i = 0; i < count; ++i) names.push_back(at(i).name);
-  std::sort(names.begin(), names.end());
-  return std::adjacent_find(names.begin(), names.end()) == names.end();
+  for (std::size_t i = 0; i < count; ++i) names.push_back(&at(i).name);
+  std::sort(names.begin(), names.end(), [](const std::string* a, const std::string* b) { return *a < *b; });
+  return std::adjacent_find(names.begin(), names.end(),
+                            [](const std::string* a, const std::string* b) { return *a == *b; }) == names.end();
 }
 
 /// `at(i)` is the object at a place of the list.

@@ -72,7 +72,7 @@ Json elementsJson(const civil::Alignment& geometry) {
 
 Json alignmentJson(const civil::Drawing& drawing, const civil::AlignmentObject& object) {
   Json equations = Json::array();
-  for (const civil::StationEquation& equation : object.stationEquations)
+  for (const civil::StationEquation& equation : object.stationEquations.orNone())
     equations.push_back({{"internalStation", equation.internalStation},
                          {"backStation", equation.backStation ? Json(*equation.backStation) : Json(nullptr)},
                          {"aheadStation", equation.aheadStation},

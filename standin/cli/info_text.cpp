@@ -164,7 +164,7 @@ void addAlignment(std::string& text, const civil::Drawing& drawing, const civil:
                      text::fixedText(geometry.endStation()) + ", length " + text::fixedText(geometry.length())) +
           fileText(drawing, object.file) + "\n";
   if (!geometry.isEmpty()) addElements(text, geometry);
-  for (const civil::StationEquation& equation : object.stationEquations)
+  for (const civil::StationEquation& equation : object.stationEquations.orNone())
     text += "    station equation at " + text::fixedText(equation.internalStation) + ": " +
             (equation.backStation ? "back " + text::fixedText(*equation.backStation) + ", " : std::string()) +
             "ahead " + text::fixedText(equation.aheadStation) + (equation.increasing ? "" : ", decreasing") +

@@ -119,7 +119,8 @@ void readAlignment(Context& context, Node node, civil::Site& site, std::vector<A
   auto geometry = readGeometry(context, node, speaker, start.value_or(0.0));
   if (!geometry) return;
   object->geometry = std::move(*geometry);
-  object->stationEquations = readEquations(context, node, speaker);
+  if (auto equations = readEquations(context, node, speaker); !equations.empty())
+    object->stationEquations = std::move(equations);
 
   const auto given = property(feature(node, "lvx_object"), "handle");
   object->handle = context.ticket(node, given);

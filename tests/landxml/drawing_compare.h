@@ -82,7 +82,7 @@ class DrawingComparison {
       object(w, x, y);
       near(w + " start", x.geometry.startStation(), y.geometry.startStation());
       near(w + " length", x.geometry.length(), y.geometry.length());
-      compare(w + " equations", x.stationEquations.size(), y.stationEquations.size());
+      compare(w + " equations", x.stationEquations.orNone().size(), y.stationEquations.orNone().size());
       lists(w + ", profile", x.profiles, y.profiles, [&](const auto& v, const auto& p, const auto& q) {
         object(v, p, q);
         compare(v + " points", p.profile.points().size(), q.profile.points().size());

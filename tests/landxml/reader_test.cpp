@@ -60,10 +60,10 @@ TEST(Reader, AlignmentHoldsStationsEquationsAndProfile) {
   EXPECT_EQ(alignment.description, "Main");
   EXPECT_EQ(alignment.geometry.startStation(), 100.0);
   EXPECT_EQ(alignment.geometry.endStation(), 200.0);
-  ASSERT_EQ(alignment.stationEquations.size(), 2U);
-  EXPECT_EQ(alignment.stationEquations[0].backStation, 150.0);
-  EXPECT_FALSE(alignment.stationEquations[1].backStation);
-  EXPECT_FALSE(alignment.stationEquations[1].increasing);
+  ASSERT_EQ(alignment.stationEquations.orNone().size(), 2U);
+  EXPECT_EQ((*alignment.stationEquations)[0].backStation, 150.0);
+  EXPECT_FALSE((*alignment.stationEquations)[1].backStation);
+  EXPECT_FALSE((*alignment.stationEquations)[1].increasing);
   EXPECT_EQ(alignment.profiles.at(0).handle, 0x32U);
   EXPECT_EQ(alignment.profiles[0].profile.elevationAt(150.0), 55.0);
 }
