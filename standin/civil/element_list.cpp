@@ -26,7 +26,7 @@ void shrink(std::vector<Value>& values) {
 
 void ElementList::add(const Element& element) { whole_.push_back(element); }
 
-void ElementList::addPolyline(std::span<const Vec2> points) {
+void ElementList::addPolyline(std::vector<Vec2> points) {
   if (points.size() < 2) return;
   const std::size_t count = points.size() - 1;
   if (count < kLeastPolyline || (polylines_ && polylines_->factor != 1.0)) {
@@ -38,7 +38,10 @@ void ElementList::addPolyline(std::span<const Vec2> points) {
   Polylines& lines = polylines_.made();
   lines.runs.push_back({static_cast<std::uint32_t>(first), static_cast<std::uint32_t>(count),
                         static_cast<std::uint32_t>(lines.points.size()), static_cast<std::uint32_t>(before)});
-  lines.points.insert(lines.points.end(), points.begin(), points.end());
+  if (lines.points.empty())
+    lines.points = std::move(points);
+  else
+    lines.points.insert(lines.points.end(), points.begin(), points.end());
 }
 
 void ElementList::shrinkToFit() {

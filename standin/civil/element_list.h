@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
-#include <span>
 #include <vector>
 
 #include "civil/element.h"
@@ -22,7 +21,7 @@ class ElementList {
   void reserve(std::size_t count) { whole_.reserve(count); }
   void add(const Element& element);
   /// Lines from point to point as makeLine gives them, to the bit.
-  void addPolyline(std::span<const Vec2> points);
+  void addPolyline(std::vector<Vec2> points);
   /// Gives back what was reserved in vain.
   void shrinkToFit();
 

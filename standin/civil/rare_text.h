@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,7 +23,10 @@ class RareText {
   operator std::string_view() const { return text_.orNone(); }
 
   friend bool operator==(const RareText&, const RareText&) = default;
-  friend bool operator==(const RareText& a, std::string_view b) { return std::string_view(a) == b; }
+  template <std::convertible_to<std::string_view> Text>
+  requires(!std::same_as<Text, RareText>) friend bool operator==(const RareText& a, const Text& b) {
+    return std::string_view(a) == std::string_view(b);
+  }
 
  private:
   Rare<std::string> text_;

@@ -32,9 +32,8 @@ struct ReadOptions {
 /// number in the file that isn't finite or is beyond 1e12 is a fault of the file. Limits that only broken files reach, each with a message of its own: 200 levels of
 /// elements, 64 MB in one tag, 30 million elements and attributes besides points and faces.
 ///
-/// The millions of P and F of surfaces stream past into arrays. Peak memory stays below 1.5 times the file for surfaces,
-/// sections, points and point groups; a file of nothing but alignments or profiles takes up to 6 times its size. O(n) in
-/// the bytes, but for what civil::TinSurface costs.
+/// The millions of P and F of surfaces stream past into arrays. Peak memory stays below 1.5 times the file, as programs
+/// of the trade write it, whatever it holds. O(n) in the bytes, but for what civil::TinSurface costs.
 ///     const civil::Drawing drawing = readDrawing("road.xml");
 ///     for (const civil::Diagnostic& odd : drawing.diagnostics) show(odd.text, odd.line);
 [[nodiscard]] civil::Drawing readDrawing(const std::string& path, const ReadOptions& options = {});

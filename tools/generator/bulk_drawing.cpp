@@ -16,6 +16,8 @@ constexpr std::uint64_t kSeed = 7;
 
 /// Lengths of an alignment's parts, in metres.
 constexpr double kLength = 100'000.0;
+/// Points of a profile or polyline among many.
+constexpr std::uint64_t kPoints = 4'000;
 
 void beginAlignment(TextOutput& out, std::uint64_t number) {
   out << "    <Alignment name=\"Road ";
@@ -156,19 +158,19 @@ void writeAlignments(TextOutput& out, std::uint64_t bytes) {
   out << "  </Alignments>\n";
 }
 
-void writeProfiles(TextOutput& out, std::uint64_t bytes, bool isDesign) {
-  constexpr std::uint64_t kPoints = 4'000;
-  const std::uint64_t count = bytes / (kPoints * (isDesign ? 55U : 18U)) + (bytes > 0 ? 1 : 0);
+/// Profiles of `points` each.
+void writeProfiles(TextOutput& out, std::uint64_t bytes, bool isDesign, std::uint64_t points) {
+  const std::uint64_t count = bytes / (points * (isDesign ? 55U : 18U)) + 1;
   out << "  <Alignments name=\"Site\">\n";
   for (std::uint64_t a = 0; a < count; ++a) {
     beginAlignment(out, a);
     writeStraight(out);
     out << "      <Profile>\n        <" << (isDesign ? "ProfAlign" : "ProfSurf") << " name=\"P\">\n";
     if (!isDesign) out << "          <PntList2D>";
-    for (std::uint64_t i = 0; i < kPoints; ++i) {
-      const double station = kLength * static_cast<double>(i) / static_cast<double>(kPoints);
+    for (std::uint64_t i = 0; i < points; ++i) {
+      const double station = kLength * static_cast<double>(i) / static_cast<double>(points);
       if (isDesign) out << (i % 2 == 0 ? "          <PVI>" : "          <ParaCurve length=\"10.000\">");
-      (out.fixed(station, 3) << ' ').fixed(height(kPoints * a + i), 3);
+      (out.fixed(station, 3) << ' ').fixed(height(points * a + i), 3);
       if (isDesign)
         out << (i % 2 == 0 ? "</PVI>\n" : "</ParaCurve>\n");
       else
@@ -180,13 +182,13 @@ void writeProfiles(TextOutput& out, std::uint64_t bytes, bool isDesign) {
   out << "  </Alignments>\n";
 }
 
-void writePolylines(TextOutput& out, std::uint64_t bytes) {
-  constexpr std::uint64_t kPoints = 4'000;
+/// Polylines of `points` each.
+void writePolylines(TextOutput& out, std::uint64_t bytes, std::uint64_t points) {
   out << "  <Alignments name=\"Site\">\n";
-  for (std::uint64_t a = 0; a < bytes / (kPoints * 19); ++a) {
+  for (std::uint64_t a = 0; a < std::max(bytes / (points * 19), std::uint64_t{1}); ++a) {
     beginAlignment(out, a);
     out << "      <CoordGeom>\n        <IrregularLine><PntList2D>";
-    for (std::uint64_t i = 0; i < kPoints; ++i) {
+    for (std::uint64_t i = 0; i < points; ++i) {
       (out.fixed(5000.0 + noise(kSeed, i), 3) << ' ').fixed(2000.0 + 25.0 * static_cast<double>(i), 3) << ' ';
     }
     out << "</PntList2D></IrregularLine>\n      </CoordGeom>\n    </Alignment>\n";
@@ -208,6 +210,8 @@ const std::vector<BulkKind>& bulkKinds() {
       {"ground-profiles", "ground profiles"},
       {"design-profiles", "design profiles, each other point with a curve"},
       {"polylines", "alignments that are polylines"},
+      {"long-profile", "the ground profile of one alignment"},
+      {"long-polyline", "an alignment that is one polyline"},
   };
   return kKinds;
 }
@@ -232,9 +236,13 @@ void writeBulkDrawing(TextOutput& out, std::string_view kind, std::uint64_t byte
   } else if (kind == "alignments") {
     writeAlignments(out, bytes);
   } else if (kind == "polylines") {
-    writePolylines(out, bytes);
+    writePolylines(out, bytes, kPoints);
+  } else if (kind == "long-polyline") {
+    writePolylines(out, bytes, bytes / 19 + 2);
+  } else if (kind == "long-profile") {
+    writeProfiles(out, bytes, false, bytes / 18 + 1);
   } else {
-    writeProfiles(out, bytes, kind == "design-profiles");
+    writeProfiles(out, bytes, kind == "design-profiles", kPoints);
   }
   out << "</LandXML>\n";
 }

@@ -16,7 +16,7 @@ struct BulkKind {
 };
 
 /// "surface", "sections", "design-sections", "points", "point-groups", "elements", "alignments", "ground-profiles",
-/// "design-profiles", "polylines".
+/// "design-profiles", "polylines", "long-profile", "long-polyline".
 [[nodiscard]] const std::vector<BulkKind>& bulkKinds();
 
 /// Writes a drawing of that kind of about so many bytes; of 0 bytes: the frame alone. Throws std::invalid_argument for a

@@ -138,12 +138,20 @@ std::optional<double> Context::number(Node node, const char* name, const std::st
 
 std::vector<double> Context::numbers(Node node, const std::string& speaker) {
   NumberList list = readNumbers(text(node));
+  return isGood(list, node, speaker) ? std::move(list.values) : std::vector<double>();
+}
+
+bool Context::eachNumber(Node node, const std::string& speaker, const std::function<void(double)>& use) {
+  return isGood(readNumbersOf(node, use), node, speaker);
+}
+
+bool Context::isGood(const NumberList& list, Node node, const std::string& speaker) {
   if (!list.problem.empty()) {
     error(node, speaker + ": " + list.problem + "; the list is left out");
-    return {};
+    return false;
   }
   if (list.repairedSigns > 0) warn(node, speaker + ": " + repairedSignsText(list));
-  return std::move(list.values);
+  return true;
 }
 
 // ---------------------------------------------------------------- points by name
@@ -303,11 +311,10 @@ civil::Handle Context::ticket(Node position, const std::optional<std::string>& h
   return tickets_.size();
 }
 
-void Context::settleHandles() {
-  const auto isBefore = [&](std::size_t a, std::size_t b) { return tickets_[a] < tickets_[b]; };
+/// Gives objects the handles that the file gives them, the first of those that stand twice; which these are.
+std::unordered_set<civil::Handle> Context::settleGivenHandles(std::vector<civil::Handle>& handles) {
   std::stable_sort(given_.begin(), given_.end(),
-                   [&](const GivenHandle& a, const GivenHandle& b) { return isBefore(a.ticket, b.ticket); });
-  std::vector<civil::Handle> handles(tickets_.size(), 0);
+                   [&](const GivenHandle& a, const GivenHandle& b) { return tickets_[a.ticket] < tickets_[b.ticket]; });
   std::unordered_set<civil::Handle> taken;
   for (const GivenHandle& given : given_) {
     if (taken.insert(given.handle).second) {
@@ -322,6 +329,11 @@ void Context::settleHandles() {
            .object = given.ticket + 1});
     }
   }
+  return taken;
+}
+
+void Context::settleHandles() {
+  const auto isBefore = [&](std::size_t a, std::size_t b) { return tickets_[a] < tickets_[b]; };
   // Tickets in the order of the document; empty where they stand in it.
   std::vector<std::uint32_t> order;
   if (!std::is_sorted(tickets_.begin(), tickets_.end())) {
@@ -330,18 +342,26 @@ void Context::settleHandles() {
     std::stable_sort(order.begin(), order.end(), isBefore);
   }
   const auto inOrder = [&](std::size_t i) { return order.empty() ? i : order[i]; };
-  civil::Handle next = 0x100;
-  for (std::size_t i = 0; i < tickets_.size(); ++i) {
-    civil::Handle& handle = handles[inOrder(i)];
-    if (handle != 0) continue;
-    while (taken.count(next) > 0) ++next;
-    handle = next++;
+  constexpr civil::Handle kFirst = 0x100;
+  // Of the tickets; empty where they are numbered through.
+  std::vector<civil::Handle> handles;
+  if (!given_.empty() || !order.empty()) {
+    handles.resize(tickets_.size(), 0);
+    const std::unordered_set<civil::Handle> taken = settleGivenHandles(handles);
+    civil::Handle next = kFirst;
+    for (std::size_t i = 0; i < tickets_.size(); ++i) {
+      civil::Handle& handle = handles[inOrder(i)];
+      if (handle != 0) continue;
+      while (taken.count(next) > 0) ++next;
+      handle = next++;
+    }
   }
+  const auto handleOf = [&](std::size_t ticket) { return handles.empty() ? kFirst + ticket : handles[ticket]; };
   civil::eachHandle(drawing, [&](civil::Handle& handle) {
-    if (handle != 0) handle = handles[handle - 1];
+    if (handle != 0) handle = handleOf(handle - 1);
   });
   for (civil::Diagnostic& diagnostic : drawing.diagnostics) {
-    if (diagnostic.object != 0) diagnostic.object = handles[diagnostic.object - 1];
+    if (diagnostic.object != 0) diagnostic.object = handleOf(diagnostic.object - 1);
   }
   if (unreported_ > 0) {
     drawing.diagnostics.back() = {civil::Severity::Warning,
@@ -349,11 +369,11 @@ void Context::settleHandles() {
   }
   if (trace == nullptr) return;
   std::vector<bool> isGiven(tickets_.size(), false);
-  for (const GivenHandle& given : given_) isGiven[given.ticket] = handles[given.ticket] == given.handle;
+  for (const GivenHandle& given : given_) isGiven[given.ticket] = handleOf(given.ticket) == given.handle;
   trace->objects.reserve(tickets_.size());
   for (std::size_t at = 0; at < tickets_.size(); ++at) {
     const std::size_t i = inOrder(at);
-    trace->objects.push_back({document_.at(tickets_[i]), handles[i], isGiven[i]});
+    trace->objects.push_back({document_.at(tickets_[i]), handleOf(i), isGiven[i]});
   }
 }
 

@@ -2,14 +2,17 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "civil/drawing.h"
 #include "landxml/detail/document.h"
+#include "landxml/detail/numbers.h"
 #include "landxml/detail/scanner.h"
 #include "landxml/detail/trace.h"
 
@@ -91,6 +94,8 @@ class Context {
   }
   /// The text of an element as numbers; what is wrong is reported for `speaker`, and the list is then empty.
   std::vector<double> numbers(Node node, const std::string& speaker);
+  /// The same without a list of them; false where the numbers that were given to `use` don't count.
+  bool eachNumber(Node node, const std::string& speaker, const std::function<void(double)>& use);
 
   /// Where a point element lies: its own coordinates, else those of the point that it refers to.
   [[nodiscard]] PlacedPoint place(Node point) { return place(point, 0); }
@@ -134,6 +139,8 @@ class Context {
     civil::Handle handle = 0;
   };
 
+  bool isGood(const NumberList& list, Node node, const std::string& speaker);
+  std::unordered_set<civil::Handle> settleGivenHandles(std::vector<civil::Handle>& handles);
   void readUnits();
   PlacedPoint place(Node point, int depth);
   PlacedPoint placeByName(std::string_view name, int depth);

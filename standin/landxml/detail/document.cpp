@@ -347,21 +347,35 @@ Attribute Node::attribute(std::string_view name) const {
 
 std::string Node::text() const {
   std::string result;
-  if (document_ == nullptr) return result;
+  eachTextPlace([&](const Document::TextPlace& place) { document_->appendText(place, result); });
+  return result;
+}
+
+void Node::eachText(const std::function<void(std::string_view)>& use) const {
+  std::string piece;
+  eachTextPlace([&](const Document::TextPlace& place) {
+    piece.clear();
+    document_->appendText(place, piece);
+    use(piece);
+  });
+}
+
+template <class Use>
+void Node::eachTextPlace(Use use) const {
+  if (document_ == nullptr) return;
   const Document& document = *document_;
   const Document::Head head = document.headAt(at_);
-  if (head.kind == Document::Kind::Leaf) return result;
+  if (head.kind == Document::Kind::Leaf) return;
   std::size_t at = document.skipAttributes(head.attributes);
   if (head.kind == Document::Kind::LeafWithText) {
-    document.appendText(document.textPlaceAt(at), result);
-    return result;
+    use(document.textPlaceAt(at));
+    return;
   }
   while (at < head.end) {
     const Document::Head inner = document.headAt(at);
-    if (inner.kind == Document::Kind::Text) document.appendText(document.textPlaceAt(inner.attributes), result);
+    if (inner.kind == Document::Kind::Text) use(document.textPlaceAt(inner.attributes));
     at = document.endOf(at, inner);
   }
-  return result;
 }
 
 Node::Children Node::children() const {

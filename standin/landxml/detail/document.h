@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -49,6 +50,8 @@ class Node {
   [[nodiscard]] Attribute attribute(std::string_view name) const;
   /// All text directly inside the element, joined; what is blank between two tags isn't text.
   [[nodiscard]] std::string text() const;
+  /// The same in pieces of some kilobytes at most, in order.
+  void eachText(const std::function<void(std::string_view)>& use) const;
   /// Child elements, in order. A step is O(attributes) or, over an element that holds others, O(1).
   class Children;
   [[nodiscard]] Children children() const;
@@ -59,6 +62,8 @@ class Node {
 
  private:
   friend class Document;
+  template <class Use>
+  void eachTextPlace(Use use) const;
   Node(const Document* document, std::size_t at) : document_(document), at_(at) {}
 
   const Document* document_ = nullptr;

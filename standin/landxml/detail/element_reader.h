@@ -52,7 +52,7 @@ class GeometryReader {
   void readSpiral(Node node);
   void readIrregularLine(Node node);
   void readChain(Node node);
-  void addPolyline(Node node, std::vector<civil::Vec2>& points);
+  void addPolyline(Node node, std::vector<civil::Vec2> points);
   void add(Node node, const civil::Element& element);
   void label(std::string_view name, std::size_t number);
 

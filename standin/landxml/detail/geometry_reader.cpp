@@ -223,7 +223,7 @@ void GeometryReader::readSpiral(Node node) {
   add(node, civil::makeTransition(law, start, corner, end, length, startRadius, endRadius, turn.value_or(Turn::Left)));
 }
 
-void GeometryReader::addPolyline(Node node, std::vector<Vec2>& points) {
+void GeometryReader::addPolyline(Node node, std::vector<Vec2> points) {
   points.erase(std::unique(points.begin(), points.end()), points.end());
   if (points.size() < 2) {
     context_.note(node, speaker() + ": has no length and is passed over");
@@ -235,7 +235,7 @@ void GeometryReader::addPolyline(Node node, std::vector<Vec2>& points) {
       refuse(node, "its numbers give no shape");
   }
   addSource(node);
-  elements_.addPolyline(points);
+  elements_.addPolyline(std::move(points));
 }
 
 void GeometryReader::readIrregularLine(Node node) {
@@ -247,16 +247,18 @@ void GeometryReader::readIrregularLine(Node node) {
   }
   std::vector<Vec2> points;
   if (list) {
-    const NumberList numbers = readNumbers(text(list));
+    points.reserve(countWords(list) / step + 2);
+    std::size_t count = 0;
+    double first = 0.0;
+    const NumberList numbers = readNumbersOf(list, [&](double value) {
+      const std::size_t place = count++ % step;
+      if (place == 0) first = value;
+      if (place == 1) points.push_back(context_.plan(first, value));
+    });
     if (!numbers.problem.empty()) refuse(list, numbers.problem);
     if (numbers.repairedSigns > 0) context_.warn(list, speaker() + ": " + repairedSignsText(numbers));
-    if (numbers.values.size() % step != 0) {
-      refuse(list, "its list holds " + std::to_string(numbers.values.size()) + " numbers, no multiple of " +
-                       std::to_string(step));
-    }
-    points.reserve(numbers.values.size() / step + 2);
-    for (std::size_t i = 0; i < numbers.values.size(); i += step) {
-      points.push_back(context_.plan(numbers.values[i], numbers.values[i + 1]));
+    if (count % step != 0) {
+      refuse(list, "its list holds " + std::to_string(count) + " numbers, no multiple of " + std::to_string(step));
     }
   }
   // The list repeats both ends; where it doesn't, they belong to the line all the same.
@@ -266,7 +268,7 @@ void GeometryReader::readIrregularLine(Node node) {
   if (start && (points.empty() || civil::length(points.front() - *start) > same)) points.insert(points.begin(), *start);
   if (end && (points.empty() || civil::length(points.back() - *end) > same)) points.push_back(*end);
   if (points.size() < 2) refuse(node, "has fewer than two points");
-  addPolyline(node, points);
+  addPolyline(node, std::move(points));
 }
 
 void GeometryReader::readChain(Node node) {
@@ -281,7 +283,7 @@ void GeometryReader::readChain(Node node) {
       });
   if (unknown) refuse(node, "the point '" + shown(*unknown) + "' isn't in the file");
   if (points.size() < 2) refuse(node, "has fewer than two points");
-  addPolyline(node, points);
+  addPolyline(node, std::move(points));
 }
 
 void GeometryReader::readCoordGeom(Node geometry) {

@@ -4,8 +4,10 @@
 
 namespace lvx::landxml::detail {
 
-NumberList readNumbers(std::string_view text) {
-  NumberList list;
+namespace {
+
+template <class Use>
+void readInto(NumberList& list, std::string_view text, Use use) {
   const char* at = text.data();
   const char* const end = at + text.size();
   const auto skipBlanks = [&] {
@@ -27,13 +29,46 @@ NumberList readNumbers(std::string_view text) {
       while (wordEnd != end && !isBlank(*wordEnd)) ++wordEnd;
       list.problem =
           "'" + shown({word, static_cast<std::size_t>(wordEnd - word)}) + "' is not a number that can be used";
-      return list;
+      return;
     }
-    list.values.push_back(negate ? -value : value);
-    if (negate && list.repairedSigns++ == 0) list.firstRepaired = list.values.back();
+    if (negate) value = -value;
+    use(value);
+    if (negate && list.repairedSigns++ == 0) list.firstRepaired = value;
     at = next;
   }
+}
+
+/// How much of `text` is read the same whatever follows: whole words, but for a sign that the next one may belong to.
+std::size_t settledPart(std::string_view text) {
+  std::size_t end = text.size();
+  while (end > 0 && !isBlank(text[end - 1])) --end;
+  const std::string_view whole = text.substr(0, end);
+  std::size_t last = end;
+  while (last > 0 && isBlank(whole[last - 1])) --last;
+  const bool endsWithSign = last > 0 && whole[last - 1] == '-' && (last == 1 || isBlank(whole[last - 2]));
+  return endsWithSign ? last - 1 : end;
+}
+
+}  // namespace
+
+NumberList readNumbers(std::string_view text) {
+  NumberList list;
+  readInto(list, text, [&](double value) { list.values.push_back(value); });
   return list;
+}
+
+void NumberReader::add(std::string_view piece) {
+  if (!list_.problem.empty()) return;
+  rest_ += piece;
+  const std::size_t settled = settledPart(rest_);
+  readInto(list_, std::string_view(rest_).substr(0, settled), use_);
+  rest_.erase(0, settled);
+}
+
+NumberList NumberReader::finish() {
+  if (list_.problem.empty()) readInto(list_, rest_, use_);
+  rest_.clear();
+  return std::move(list_);
 }
 
 std::string repairedSignsText(const NumberList& list) {

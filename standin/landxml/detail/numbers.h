@@ -3,8 +3,10 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// Numbers out of a drawing's text: std::from_chars, so no locale has a say, and nothing is guessed.
@@ -48,6 +50,21 @@ struct NumberList {
 [[nodiscard]] std::string repairedSignsText(const NumberList& list);
 
 [[nodiscard]] NumberList readNumbers(std::string_view text);
+
+/// Numbers out of a text that comes in pieces, each given away as it is read: a list of a million takes no memory.
+/// Reads what readNumbers reads, wherever the pieces part.
+class NumberReader {
+ public:
+  explicit NumberReader(std::function<void(double)> use) : use_(std::move(use)) {}
+  void add(std::string_view piece);
+  /// Behind the last piece: what was found, without values.
+  [[nodiscard]] NumberList finish();
+
+ private:
+  std::function<void(double)> use_;
+  std::string rest_;  // not read yet, since it may go on
+  NumberList list_;
+};
 
 /// The one number that the text holds; empty text, text with more in it and NaN give no number.
 [[nodiscard]] bool readSingleNumber(std::string_view text, double& value);

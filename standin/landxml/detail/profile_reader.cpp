@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <utility>
 
 #include "landxml/detail/numbers.h"
 #include "landxml/detail/tree.h"
@@ -122,14 +124,18 @@ civil::Profile readDesign(Context& context, Node node, const std::string& speake
 civil::Profile readGround(Context& context, Node node, const std::string& speaker) {
   std::vector<std::vector<civil::ProfilePoint>> polylines;
   eachChild(node, "PntList2D", [&](Node list) {
-    const auto values = context.numbers(list, speaker);
-    if (values.size() % 2 != 0) {
-      context.warn(list, speaker + ": a list holds an odd count of numbers; the last one is left out");
-    }
     std::vector<civil::ProfilePoint> polyline;
-    polyline.reserve(values.size() / 2);
-    for (std::size_t i = 0; i + 1 < values.size(); i += 2) {
-      polyline.push_back({values[i], values[i + 1]});
+    polyline.reserve(countWords(list) / 2);
+    std::optional<double> station;
+    const bool isGood = context.eachNumber(list, speaker, [&](double value) {
+      if (station)
+        polyline.push_back({*std::exchange(station, std::nullopt), value});
+      else
+        station = value;
+    });
+    if (!isGood) return;
+    if (station) {
+      context.warn(list, speaker + ": a list holds an odd count of numbers; the last one is left out");
     }
     if (!polyline.empty()) polylines.push_back(std::move(polyline));
   });

@@ -21,6 +21,25 @@ std::string_view attribute(Node node, const char* name) { return trimmed(node.at
 
 std::string attributeText(Node node, const char* name) { return node.attribute(name).value(); }
 
+std::size_t countWords(Node node) {
+  std::size_t count = 0;
+  bool isInWord = false;
+  node.eachText([&](std::string_view piece) {
+    for (const char c : piece) {
+      const bool isPart = !isBlank(c);
+      if (isPart && !isInWord) ++count;
+      isInWord = isPart;
+    }
+  });
+  return count;
+}
+
+NumberList readNumbersOf(Node node, const std::function<void(double)>& use) {
+  NumberReader reader(use);
+  node.eachText([&](std::string_view piece) { reader.add(piece); });
+  return reader.finish();
+}
+
 Node feature(Node parent, std::string_view code) {
   for (const Node node : parent.children()) {
     if (isNamed(node, "Feature") && attribute(node, "code") == code) return node;

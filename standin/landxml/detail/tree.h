@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "landxml/detail/document.h"
+#include "landxml/detail/numbers.h"
 
 /// The document's tree by local names: prefixes and namespaces differ from program to program and mean nothing here.
 namespace lvx::landxml::detail {
@@ -38,6 +40,11 @@ void eachElement(Node parent, Use use) {
 
 /// All text directly inside the element, joined.
 [[nodiscard]] inline std::string text(Node node) { return node.text(); }
+
+/// About how many words the element's text has: at least as many as numbers.
+[[nodiscard]] std::size_t countWords(Node node);
+/// The text as numbers, each given to `use`; what was found beside them.
+[[nodiscard]] NumberList readNumbersOf(Node node, const std::function<void(double)>& use);
 
 /// Our own extension: the child Feature of that code.
 [[nodiscard]] Node feature(Node parent, std::string_view code);
