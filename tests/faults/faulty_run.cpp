@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -110,6 +111,7 @@ void endGroup(pid_t leader) { (void)::kill(-leader, SIGKILL); }
 }  // namespace
 
 FaultyResult runWithFault(const FaultyRun& run) {
+  if (::prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0) != 0) fail("no care for orphans");
   SharedPlan shared;
   Plan& plan = shared.plan();
   plan.fault = run.fault;
@@ -160,6 +162,9 @@ FaultyResult runWithFault(const FaultyRun& run) {
   while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
   }
   endGroup(child);
+  // Its own children came to this process, which buries them: a name of theirs is free only then.
+  while (::waitpid(-child, nullptr, 0) > 0 || errno == EINTR) {
+  }
   if (WIFSIGNALED(status))
     result.signal = WTERMSIG(status);
   else
