@@ -136,7 +136,9 @@ void readAlignment(Context& context, Node node, civil::Site& site, std::vector<A
     if (kindOf(sections) == SectionsKind::Corridor) return;
     object->sampleLineGroups.push_back(readSampleLines(context, sections, *object, speaker, number));
   });
-  records.push_back({object.get(), Context::parseHandle(given).value_or(0)});
+  // Corridors come from Roadways and from sections alone; files of many alignments have neither.
+  if (child(node, "CrossSects") || child(context.root, "Roadways"))
+    records.push_back({object.get(), Context::parseHandle(given).value_or(0)});
   site.alignments.push_back(std::move(object));
 }
 

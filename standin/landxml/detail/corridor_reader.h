@@ -16,6 +16,7 @@ struct AlignmentRecord {
 };
 
 /// Corridors: our own from Roadways, and one for each alignment of other programs whose sections have design parts.
+/// `alignments` are all of the drawing in a file with Roadways, else those with sections at least.
 void readCorridors(Context& context, const std::vector<AlignmentRecord>& alignments);
 
 }  // namespace lvx::landxml::detail
