@@ -255,6 +255,26 @@ TEST_F(Saving, WritesAnAddedStationIntoItsRegionAndNothingElse) {
 )");
 }
 
+TEST_F(Saving, LeavesTheBoundsOfARegionThatDoesNotSayThemWhereTheyWere) {
+  const std::string start = R"(<Property label="staStart" value="100"/>)";
+  const std::string end = R"(<Property label="staEnd" value="200"/>)";
+  const std::string early = R"(<Property label="staEnd" value="90"/>)";  // in front of its first station
+  for (const std::string& bounds :
+       {std::string(), start, end, start + R"(<Property label="staEnd" value="x"/>)", early}) {
+    civil::Drawing drawing = open(replaced(ownCorridor(), start + end, bounds));
+    civil::Region& region = regionOf(drawing, 0);
+    const double from = region.startStation;
+    const double to = region.endStation;
+    civil::addStation(region, from - 40.0, "Before");
+    civil::addStation(region, to + 50.0, "Behind");
+    (void)save(drawing);
+    civil::Drawing saved = readDrawing(target_);
+    EXPECT_EQ(regionOf(saved, 0).startStation, from) << bounds;
+    EXPECT_EQ(regionOf(saved, 0).endStation, to) << bounds;
+    EXPECT_THAT(DrawingComparison::difference(drawing, saved), IsEmpty()) << bounds;
+  }
+}
+
 TEST_F(Saving, WritesAComputedSectionInStationOrderWithAbsoluteElevations) {
   civil::Drawing drawing = open(ownCorridor());
   auto& region = regionOf(drawing, 0, 0, 0);

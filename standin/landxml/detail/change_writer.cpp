@@ -95,6 +95,7 @@ class ChangeWriter {
   // One region.
   void writeRegion(const Place& place);
   void writeStations(const Place& place);
+  void writeBounds(const Place& place);
   void writeAddedStations(const Place& place);
   void writeSections(const Place& place);
   void changeSection(const Place& place, const CorridorSection& now, const CorridorSection& stored, Node node);
@@ -338,6 +339,28 @@ void ChangeWriter::writeStations(const Place& place) {
     editor_.setAttribute(node, "value", text);
   else
     editor_.addProperty(place.trace->feature, "stations", text);
+  writeBounds(place);
+}
+
+/// A region whose bounds the file doesn't say reaches from its first station to its last one: with more of them it would
+/// be read as another one.
+void ChangeWriter::writeBounds(const Place& place) {
+  const Node region = place.trace->feature;
+  const auto given = [&](const char* label) -> std::optional<double> {
+    double station = 0.0;
+    const auto text = property(region, label);
+    return text && readSingleNumber(*text, station) ? std::optional(station * terms_.lengthFactor) : std::nullopt;
+  };
+  if (given("staStart") && given("staEnd")) return;
+  const auto write = [&](const char* label, double station) {
+    if (given(label) == station) return;
+    if (const Node node = propertyNode(region, label))
+      editor_.setAttribute(node, "value", terms_.lengthText(station));
+    else
+      editor_.addProperty(region, label, terms_.lengthText(station));
+  };
+  write("staStart", place.now->startStation);
+  write("staEnd", place.now->endStation);
 }
 
 /// Labels that the file doesn't hold yet: of stations that wait for their section, and of those that were added and
