@@ -195,6 +195,17 @@ class SegmentSampler {
     double along;
     Rank rank;
     Vec3 point;
+    [[nodiscard]] bool isBefore(const Hit& other) const {
+      if (along != other.along) return along < other.along;
+      return rank != other.rank ? rank < other.rank : point.z > other.point.z;
+    }
+  };
+  /// An edge on the segment's line.
+  struct EdgeAlong {
+    double from;
+    double to;
+    const Vec3* start;
+    const Vec3* end;
   };
 
   [[nodiscard]] Corner cornerAt(std::int32_t number) const {
@@ -225,6 +236,8 @@ class SegmentSampler {
   void clip(std::size_t triangle, double to);
   void hitVertex(const Vec3& vertex);
   void hitEdge(const Corner& right, const Corner& left);
+  void runAlong(const Vec3& start, const Vec3& end);
+  void raiseToEdgesAlong();
   void mergeHits();
 
   const Mesh& mesh_;
@@ -246,6 +259,7 @@ class SegmentSampler {
   double last_ = 0.0;
   double first_ = 0.0;
   std::vector<Hit> hits_;
+  std::vector<EdgeAlong> edgesAlong_;
   Ground atStart_;
   Ground atEnd_;
 };
@@ -355,6 +369,7 @@ bool SegmentSampler::walk() {
 /// From the last sample, which it finds again, up to the sample at `to`.
 void SegmentSampler::gather(double to) {
   hits_.clear();
+  edgesAlong_.clear();
   atStart_ = atEnd_ = {};
   const Vec2 from = first_ > 0.0 ? a_ + (first_ - kSamePlace) * d_ : a_;
   const Vec2 until = to < 1.0 ? a_ + (to + kSamePlace) * d_ : b_;
@@ -395,6 +410,7 @@ void SegmentSampler::clip(std::size_t triangle, double to) {
     const Link link = mesh_.links[3 * triangle + (i + 2) % 3];
     if (link != kNoLink && static_cast<std::size_t>((link >= 0 ? link : ~link) >> 2) < triangle) continue;
     const std::size_t j = (i + 1) % 3;
+    if (signs[i] == 0 && signs[j] == 0) runAlong(*points[i], *points[j]);
     if (signs[i] < 0 && signs[j] > 0) hitEdge(corners[i], corners[j]);
     if (signs[i] > 0 && signs[j] < 0) hitEdge(corners[j], corners[i]);
   }
@@ -408,7 +424,7 @@ void SegmentSampler::hitVertex(const Vec3& vertex) {
   const double start = byX ? a_.x : a_.y;
   const double end = byX ? b_.x : b_.y;
   if (place <= std::min(start, end) || place >= std::max(start, end)) return;
-  hits_.push_back({dot(plan(vertex) - a_, d_) * perSquare_, Rank::Vertex, vertex});
+  hits_.push_back({std::clamp(dot(plan(vertex) - a_, d_) * perSquare_, 0.0, 1.0), Rank::Vertex, vertex});
 }
 
 /// Takes the crossing with an edge whose ends lie strictly on both sides, if it lies strictly between the segment's
@@ -423,6 +439,8 @@ void SegmentSampler::hitEdge(const Corner& right, const Corner& left) {
     const double behind = exactSide(from, to, b_);
     // The start lies left of the edge from right to left, the end right of it.
     if (before <= 0.0 || behind >= 0.0) return;
+    // It is between the ends, whatever rounding says.
+    hit.along = std::clamp(hit.along, 0.0, 1.0);
     if (!hit.isSafe) {
       hit.along = before / (before - behind);
       const double rightSide = exactSide(a_, b_, from);
@@ -432,13 +450,36 @@ void SegmentSampler::hitEdge(const Corner& right, const Corner& left) {
   hits_.push_back({hit.along, Rank::Edge, pointAt(hit, *right.point, *left.point)});
 }
 
+/// Takes note of an edge on the segment's line. It makes no sample itself, but where triangles lie over one another edges
+/// of others may cross it.
+void SegmentSampler::runAlong(const Vec3& start, const Vec3& end) {
+  const double p = dot(plan(start) - a_, d_) * perSquare_;
+  const double q = dot(plan(end) - a_, d_) * perSquare_;
+  edgesAlong_.push_back({std::min(p, q), std::max(p, q), &start, &end});
+}
+
+/// Of the edges at one place the highest counts, whether they cross the segment or run along it. The hits must be sorted.
+void SegmentSampler::raiseToEdgesAlong() {
+  bool isRaised = false;
+  for (const EdgeAlong& edge : edgesAlong_) {
+    auto hit = std::lower_bound(hits_.begin(), hits_.end(), edge.from,
+                                [](const Hit& h, double from) { return h.along < from; });
+    for (; hit != hits_.end() && hit->along <= edge.to; ++hit) {
+      if (hit->rank != Rank::Edge) continue;
+      const double elevation = elevationOnEdge(edge.start, edge.end, plan(hit->point));
+      if (elevation <= hit->point.z) continue;
+      hit->point.z = elevation;
+      isRaised = true;
+    }
+  }
+  if (isRaised) std::sort(hits_.begin(), hits_.end(), [](const Hit& p, const Hit& q) { return p.isBefore(q); });
+}
+
 void SegmentSampler::mergeHits() {
   /// Places that differ by rounding only.
   constexpr double kRounding = 1e-12;
-  std::sort(hits_.begin(), hits_.end(), [](const Hit& p, const Hit& q) {
-    if (p.along != q.along) return p.along < q.along;
-    return p.rank != q.rank ? p.rank < q.rank : p.point.z > q.point.z;
-  });
+  std::sort(hits_.begin(), hits_.end(), [](const Hit& p, const Hit& q) { return p.isBefore(q); });
+  raiseToEdgesAlong();
   for (std::size_t i = 0; i < hits_.size();) {
     Hit best = hits_[i];
     first_ = best.along;

@@ -302,6 +302,40 @@ TEST(TinSurface, CountsTheHigherEdgeOfAWall) {
   EXPECT_EQ(along(surface, {0, -1}, {0, 9}), "0,0,30 0,4,30");
 }
 
+TEST(TinSurface, CountsTheHighestOfTheEdgesThatCrossAndThatItRunsAlong) {
+  // d-e of one triangle crosses a-b of another in the middle.
+  Tin over;
+  over.points = {{0, 0, 10}, {8, 0, 30}, {4, 9, 0}, {4, -4, 0}, {4, 4, 8}, {9, 4, 0}};
+  over.triangles = {{0, 1, 2}, {3, 4, 5}};
+  EXPECT_EQ(along(over, {0, 0}, {8, 0}), "0,0,10 4,0,20 6.5,0,26.25 8,0,30");
+  EXPECT_EQ(along(over, {9, 0}, {-1, 0}), "8,0,30 6.5,0,26.25 4,0,20 0,0,10");
+  EXPECT_EQ(along(over, {2, 0}, {5, 0}), "2,0,15 4,0,20 5,0,22.5") << "of a part";
+  over.points[3].z = over.points[4].z = 60;
+  EXPECT_EQ(along(over, {0, 0}, {5, 0}), "0,0,10 4,0,60 5,0,22.5") << "the other one is higher";
+}
+
+TEST(TinSurface, FindsTheBorderThatASegmentCrossesAHairBehindItsStartOrBeforeItsEnd) {
+  std::mt19937_64 random(seedOfTest());
+  std::uniform_real_distribution<double> place(0.0, 100.0);
+  std::uniform_real_distribution<double> part(0.1, 0.9);
+  int count = 0;
+  for (int i = 0; i < 20'000; ++i) {
+    const std::array<Vec3, 3> c{
+        Vec3{place(random), place(random), 1}, {place(random), place(random), 2}, {place(random), place(random), 3}};
+    if (detail::exactSide({c[0].x, c[0].y}, {c[1].x, c[1].y}, {c[2].x, c[2].y}) < 1.0) continue;
+    // As near to the border as doubles allow, and outside.
+    const double t = part(random);
+    const Vec2 a{c[0].x + t * (c[1].x - c[0].x), c[0].y + t * (c[1].y - c[0].y)};
+    if (detail::exactSide({c[0].x, c[0].y}, {c[1].x, c[1].y}, a) >= 0.0) continue;
+    const Vec2 b{(c[0].x + c[1].x + c[2].x) / 3, (c[0].y + c[1].y + c[2].y) / 3};
+    const TinSurface surface(std::vector<Vec3>(c.begin(), c.end()), {{0, 1, 2}});
+    ASSERT_EQ(sampled(surface, a, b).size(), 2U) << i;
+    ASSERT_EQ(sampled(surface, b, a).size(), 2U) << i;
+    ++count;
+  }
+  EXPECT_GT(count, 1000);
+}
+
 TEST(TinSurface, HoldsNoGroundInTrianglesWithoutArea) {
   const Tin flat = tin({"a b c"}, "abc");
   const TinSurface surface = surfaceOf(flat);
@@ -484,6 +518,15 @@ TEST_F(TinAgainstReference, OnTwoLayers) {
   for (const Vec3& p : cover.points) t.points.push_back({p.x + 101, p.y + 102, p.z + 50});
   for (const Triangle& c : cover.triangles) t.triangles.push_back({c.a + first, c.b + first, c.c + first});
   check(t, 250);
+}
+
+TEST_F(TinAgainstReference, OnTwoLayersWhoseEdgesLieOnOneLine) {
+  Tin t = lattice(8, 8, 4, 0, random_);
+  const Tin cover = lattice(6, 6, 3, 0, random_);
+  const auto first = static_cast<std::int32_t>(t.points.size());
+  for (const Vec3& p : cover.points) t.points.push_back({p.x + 4, p.y + 4, p.z});
+  for (const Triangle& c : cover.triangles) t.triangles.push_back({c.a + first, c.b + first, c.c + first});
+  check(t, 400);
 }
 
 TEST_F(TinAgainstReference, WithCornersOnOtherTrianglesEdges) {
