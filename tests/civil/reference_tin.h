@@ -68,6 +68,7 @@ class ReferenceTin {
       for (const bool isEnd : {false, true})
         if (const Best here = within(c, isEnd ? b : a); here.rank < 9) put(samples, {isEnd ? 1 : 0, 1}, here);
     }
+    raiseToEdgesAlong(samples, a, b);
     return samples;
   }
 
@@ -85,6 +86,27 @@ class ReferenceTin {
   }
   static std::int64_t dotOf(Vec2 a, Vec2 b, Vec2 c, Vec2 d) {
     return whole(b.x - a.x) * whole(d.x - c.x) + whole(b.y - a.y) * whole(d.y - c.y);
+  }
+  /// Where edges cross the segment, those that it runs along count as well.
+  void raiseToEdgesAlong(Samples& samples, Vec2 a, Vec2 b) const {
+    const std::int64_t square = dotOf(a, b, a, b);
+    for (const Triangle& t : tin_.triangles) {
+      const std::array<Vec3, 3> c{at(t.a), at(t.b), at(t.c)};
+      if (side(c[0], c[1], c[2]) == 0) continue;
+      for (std::size_t i = 0; i < 3; ++i) {
+        const Vec3& p = c[i];
+        const Vec3& q = c[(i + 1) % 3];
+        if (side({a.x, a.y, 0}, {b.x, b.y, 0}, p) != 0 || side({a.x, a.y, 0}, {b.x, b.y, 0}, q) != 0) continue;
+        const auto placeP = static_cast<double>(dotOf(a, b, a, {p.x, p.y}));
+        const auto placeQ = static_cast<double>(dotOf(a, b, a, {q.x, q.y}));
+        for (auto& [place, best] : samples) {
+          const double here =
+              static_cast<double>(place.above) / static_cast<double>(place.below) * static_cast<double>(square);
+          const double part = (here - placeP) / (placeQ - placeP);
+          if (best.rank == 1 && part > 0.0 && part < 1.0) improve(best, {1, p.z + part * (q.z - p.z)});
+        }
+      }
+    }
   }
   static void improve(Best& best, Best other) {
     if (other.rank < best.rank || (other.rank == best.rank && other.z > best.z)) best = other;

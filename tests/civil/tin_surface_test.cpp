@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "civil/detail/predicates.h"
 #include "reference_tin.h"
 
 namespace lvx::civil {
