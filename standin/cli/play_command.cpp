@@ -75,6 +75,7 @@ ExitCode runPlay(const options::Options& options) {
     throw Failure(kScriptMismatch, error.what());
   }
   if (host->journal().wasCutOff()) say("not enough memory for the whole transcript");
+  if (!allWritten) say("something couldn't be written; the transcript tells what and why");
   if (!clean || host->journal().wasCutOff()) return kException;
   return allWritten ? kDone : kNotWritten;
 }

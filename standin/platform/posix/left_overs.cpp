@@ -1,9 +1,8 @@
 #include "standin_platform/posix/detail/left_overs.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <chrono>
-#include <csignal>
 #include <mutex>
 #include <set>
 #include <string_view>
@@ -22,16 +21,13 @@ namespace {
 
 constexpr std::string_view kBegin = ".lvx-save-";
 
-/// The process of an unfinished name; 0 for any other name.
-pid_t processOf(std::string_view name) {
-  if (!name.starts_with(kBegin)) return 0;
+/// True for ".lvx-save-<number>-…".
+bool isUnfinishedName(std::string_view name) {
+  if (!name.starts_with(kBegin)) return false;
   name.remove_prefix(kBegin.size());
-  pid_t process = 0;
-  const auto [rest, error] = std::from_chars(name.data(), name.data() + name.size(), process);
-  return error == std::errc() && rest != name.data() + name.size() && *rest == '-' && process > 0 ? process : 0;
+  const std::size_t digits = std::min(name.find_first_not_of("0123456789"), name.size());
+  return digits > 0 && name.substr(digits).starts_with('-');
 }
-
-bool isAlive(pid_t process) { return ::kill(process, 0) == 0 || errno == EPERM; }
 
 /// True while `path` still leads to the open `file`.
 bool leadsTo(const fs::path& path, const Descriptor& file) {
@@ -42,9 +38,7 @@ bool leadsTo(const fs::path& path, const Descriptor& file) {
 }
 
 void clearLeftOver(const fs::path& path) {
-  const pid_t process = processOf(path.filename().native());
-  // A number comes again: one of this process without a lock is that of a dead run too.
-  if (process == 0 || (process != ::getpid() && isAlive(process))) return;
+  if (!isUnfinishedName(path.filename().native())) return;
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   if (!file.isOpen() || ::flock(file.number(), LOCK_EX | LOCK_NB) != 0 || !leadsTo(path, file)) return;
   std::error_code stays;

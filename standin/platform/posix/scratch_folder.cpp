@@ -61,6 +61,7 @@ ScratchFolder::ScratchFolder(const fs::path& above) : state_(std::make_unique<St
     state_->lock = Descriptor(::open(state_->path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (state_->lock.isOpen() && lockUnfinished(state_->lock)) return;
     const std::error_code reason = lastError();
+    if (!state_->lock.isOpen() && errno == ENOENT) continue;  // cleared in that moment
     std::error_code stays;
     fs::remove(state_->path, stays);
     if (!state_->lock.isOpen()) throw std::system_error(reason);

@@ -7,7 +7,7 @@
 
 /// Names for what isn't finished, and what dead runs left under such names: ".lvx-save-<process>-<moment>". Who makes such
 /// a file or folder holds a lock on it until it is done; the system frees the lock at the end of the process, however that
-/// comes. So one without a lock, whose process isn't there, is a left-over, and the next run in its folder takes it away.
+/// comes. So one without a lock is a left-over, and the next run in its folder takes it away.
 namespace lvx::standin_platform {
 
 /// A name of this process that nobody else takes. `attempt` tells names of one moment apart.
