@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <memory>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -29,19 +30,28 @@ using namespace detail;
 
 namespace {
 
-civil::Site& siteNamed(Context& context, const std::string& name, Node position,
-                       const std::optional<std::string>& handle) {
-  for (civil::Site& site : context.drawing.sites) {
-    if (site.name == name) return site;
+/// The sites of a drawing by their names.
+class SitesByName {
+ public:
+  explicit SitesByName(Context& context) : context_(context) {}
+  /// The site of that name, a new one where there was none; valid until the next new one.
+  civil::Site& siteNamed(const std::string& name, Node position, const std::optional<std::string>& handle) {
+    std::vector<civil::Site>& sites = context_.drawing.sites;
+    const auto [place, isNew] = places_.try_emplace(name, sites.size());
+    if (isNew) {
+      sites.emplace_back().name = name;
+      sites.back().handle = context_.ticket(position, handle);
+    }
+    return sites[place->second];
   }
-  civil::Site& site = context.drawing.sites.emplace_back();
-  site.name = name;
-  site.handle = context.ticket(position, handle);
-  return site;
-}
+
+ private:
+  Context& context_;
+  std::unordered_map<std::string, std::size_t> places_;
+};
 
 /// Our own list of sites, which also holds the empty ones.
-void readSiteList(Context& context) {
+void readSiteList(Context& context, SitesByName& sites) {
   eachChild(context.root, "Project", [&](Node project) {
     eachChild(feature(project, "lvx_sites"), "Feature", [&](Node node) {
       if (attribute(node, "code") != "lvx_site") return;
@@ -50,7 +60,7 @@ void readSiteList(Context& context) {
         context.warn(node, "a site without a name is left out");
         return;
       }
-      civil::Site& site = siteNamed(context, name, node, property(node, "handle"));
+      civil::Site& site = sites.siteNamed(name, node, property(node, "handle"));
       if (site.description.empty()) site.description = property(node, "desc").value_or("");
     });
   });
@@ -87,13 +97,15 @@ void noteUnread(Context& context, Node parent, const std::string& speaker,
     std::size_t content = 0;
   };
   std::vector<Unread> unread;  // in the order of the file
+  std::unordered_map<std::string_view, std::size_t> places;
   eachElement(parent, [&](Node node) {
     const std::string_view name = localName(node);
     if (std::find(known.begin(), known.end(), name) != known.end()) return;
-    auto at = std::find_if(unread.begin(), unread.end(), [&](const Unread& u) { return u.name == name; });
-    if (at == unread.end()) at = unread.insert(at, {.name = name, .first = node});
-    ++at->count;
-    eachElement(node, [&](Node) { ++at->content; });
+    const auto [place, isNew] = places.try_emplace(name, unread.size());
+    if (isNew) unread.push_back({.name = name, .first = node});
+    Unread& its = unread[place->second];
+    ++its.count;
+    eachElement(node, [&](Node) { ++its.content; });
   });
   for (const Unread& u : unread) context.note(u.first, speaker + unreadText(u.name, u.count, u.content));
 }
@@ -142,16 +154,16 @@ void readAlignment(Context& context, Node node, civil::Site& site, std::vector<A
   site.alignments.push_back(std::move(object));
 }
 
-std::vector<AlignmentRecord> readAlignments(Context& context) {
+std::vector<AlignmentRecord> readAlignments(Context& context, SitesByName& sites) {
   // All sites first: a later one must not move those that alignments already stand in.
   eachChild(context.root, "Alignments", [&](Node collection) {
     const std::string name = attributeText(collection, "name");
-    if (!name.empty()) siteNamed(context, name, collection, std::nullopt);
+    if (!name.empty()) sites.siteNamed(name, collection, std::nullopt);
   });
   std::vector<AlignmentRecord> records;
   eachChild(context.root, "Alignments", [&](Node collection) {
     const std::string name = attributeText(collection, "name");
-    civil::Site& site = name.empty() ? context.drawing.siteless : siteNamed(context, name, collection, std::nullopt);
+    civil::Site& site = name.empty() ? context.drawing.siteless : sites.siteNamed(name, collection, std::nullopt);
     eachChild(collection, "Alignment", [&](Node node) { readAlignment(context, node, site, records); });
   });
   return records;
@@ -169,9 +181,10 @@ civil::Drawing readScanned(ScannedDocument& scanned, std::uint64_t total, const 
   const double lengthFactor = options.lengthFactor ? options.lengthFactor(drawing.linearUnit) : 1.0;
   goOn();
   noteUnreadOfRoot(context);
-  readSiteList(context);
+  SitesByName sites(context);
+  readSiteList(context, sites);
   readPoints(context);
-  readCorridors(context, readAlignments(context));
+  readCorridors(context, readAlignments(context, sites));
   readSurfaces(context, scanned, lengthFactor, goOn);
   // Behind all that goes by the file's names.
   civil::tellSiblingsApart(drawing, [&](const std::string& text, civil::Handle ticket, civil::FileNumber) {

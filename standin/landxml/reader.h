@@ -33,7 +33,8 @@ struct ReadOptions {
 /// elements, 64 MB in one tag, 30 million elements and attributes besides points and faces.
 ///
 /// The millions of P and F of surfaces stream past into arrays. Peak memory stays below 1.5 times the file, as programs
-/// of the trade write it, whatever it holds. O(n) in the bytes, but for what civil::TinSurface costs.
+/// of the trade write it, whatever it holds. O(n) in the bytes, but for sorting and what civil::TinSurface costs;
+/// regions that share the sections of one CrossSects each get a copy of them.
 ///     const civil::Drawing drawing = readDrawing("road.xml");
 ///     for (const civil::Diagnostic& odd : drawing.diagnostics) show(odd.text, odd.line);
 [[nodiscard]] civil::Drawing readDrawing(const std::string& path, const ReadOptions& options = {});

@@ -116,8 +116,20 @@ TEST(Document, KeepsLongTextsWholeWhateverTheyHold) {
   std::string numbers;
   for (int i = 0; i < 40'000; ++i) numbers += std::to_string(i) + (i % 7 == 0 ? "\n" : " ");
   EXPECT_EQ(textOf({numbers, "x", numbers}), numbers + "x" + numbers);
-  EXPECT_EQ(textOf({std::string(100'000, ' '), "7"}), std::string(100'000, ' ') + "7");
+  EXPECT_EQ(textOf({std::string(4096, ' '), "7"}), std::string(4096, ' ') + "7");
   for (const std::string text : {"1", "12", "1 2", "-1.5 +3", "1e5", "\x31\xC3\xA4"}) EXPECT_EQ(textOf({text}), text);
+}
+
+TEST(Document, KeepsOfManyBlanksInARowThatNumbersStandApart) {
+  const std::string blanks = std::string(50'000, ' ') + "\n\t" + std::string(50'000, ' ');
+  EXPECT_EQ(textOf({blanks, "7", blanks, blanks, "8"}), std::string(4096, ' ') + "7" + std::string(4096, ' ') + "8");
+  Document document;
+  document.open("A", 1);
+  for (int i = 0; i < 100; ++i) document.text(blanks);
+  document.text("7");
+  for (int i = 0; i < 100; ++i) document.text(blanks);
+  document.close();
+  EXPECT_LT(document.byteCount(), 10'000U);
 }
 
 TEST(Document, GivesAValueThatComesAgainOnceAndEverywhere) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -19,7 +21,12 @@ using civil::kSameStation;
 class CorridorReader {
  public:
   CorridorReader(Context& context, const std::vector<AlignmentRecord>& alignments)
-      : context_(context), alignments_(alignments) {}
+      : context_(context), alignments_(alignments) {
+    for (std::size_t i = 0; i < alignments_.size(); ++i) {
+      if (alignments_[i].givenHandle != 0) byHandle_.try_emplace(alignments_[i].givenHandle, i);
+      byName_.try_emplace(alignments_[i].object->name, i);
+    }
+  }
   void read();
 
  private:
@@ -29,14 +36,24 @@ class CorridorReader {
   civil::Region readRegion(Node node, const AlignmentRecord& alignment, const civil::ProfileObject* profile,
                            const std::string& speaker, RegionTrace& trace);
   Node sectionsOf(Node region, const AlignmentRecord& alignment);
+  /// What baselines on an alignment refer to by name and handle. Made when the first one asks.
+  struct Names {
+    std::unordered_map<civil::Handle, const civil::ProfileObject*> profilesByHandle;
+    std::unordered_map<std::string_view, const civil::ProfileObject*> profiles;
+    std::unordered_map<std::string_view, const civil::ProfileObject*> designs;
+    std::unordered_map<civil::Handle, Node> sectionsByHandle;       // that of lvx_corridorSections
+    std::unordered_map<civil::Handle, Node> sectionsByGroupHandle;  // that of lvx_sampleLineGroup
+    std::unordered_map<std::string, Node> ownSections;              // those of a corridor of ours
+    std::unordered_map<std::string, Node> sections;                 // the others
+  };
+  const Names& namesOf(const AlignmentRecord& alignment);
+  void collectRoadways();
   std::vector<AddedStationTrace> readAdded(Node region, const std::string& speaker);
   static void settleStations(std::vector<double>& stations);
   static void giveLabels(civil::Region& region, const std::vector<AddedStationTrace>& added);
   const AlignmentRecord* alignmentOf(Node baseline);
   const civil::ProfileObject* profileOf(Node baseline, const AlignmentRecord& alignment, const std::string& speaker);
   std::optional<double> stationProperty(Node node, const char* label, const std::string& speaker);
-  /// The first Roadway that names the alignment; empty for none.
-  Node roadwayOf(const std::string& alignment);
 
   Context& context_;
   const std::vector<AlignmentRecord>& alignments_;
@@ -46,35 +63,56 @@ class CorridorReader {
   };
   std::vector<Found> found_;
   std::unordered_set<std::ptrdiff_t> used_;  // places of the CrossSects that regions of ours refer to
+  // Of several the first in the file, in all of these.
+  std::unordered_map<civil::Handle, std::size_t> byHandle_;
+  std::unordered_map<std::string_view, std::size_t> byName_;
+  std::unordered_map<std::string, Node> roadwayOf_;  // by the names of alignments that Roadways refer to
+  std::unordered_map<const AlignmentRecord*, Names> names_;
 };
+
+const CorridorReader::Names& CorridorReader::namesOf(const AlignmentRecord& alignment) {
+  const auto [found, isNew] = names_.try_emplace(&alignment);
+  Names& names = found->second;
+  if (!isNew) return names;
+  const auto& profiles = alignment.object->profiles;
+  for (std::size_t i = 0; i < profiles.size(); ++i) {
+    const Node node = context_.nodeOf(profiles[i].handle);
+    if (const auto handle = Context::parseHandle(property(feature(node, "lvx_object"), "handle")))
+      names.profilesByHandle.try_emplace(*handle, &profiles[i]);
+    names.profiles.try_emplace(profiles[i].name, &profiles[i]);
+    if (!profiles[i].profile.isGround()) names.designs.try_emplace(profiles[i].name, &profiles[i]);
+  }
+  eachChild(context_.nodeOf(alignment.object->handle), "CrossSects", [&](Node node) {
+    const auto handleIn = [&](const char* code) {
+      return Context::parseHandle(property(feature(node, code), "handle"));
+    };
+    if (const auto handle = handleIn("lvx_corridorSections")) names.sectionsByHandle.try_emplace(*handle, node);
+    if (const auto handle = handleIn("lvx_sampleLineGroup")) names.sectionsByGroupHandle.try_emplace(*handle, node);
+    const bool isOwn = kindOf(node) == SectionsKind::Corridor;
+    if (std::string name = attributeText(node, "name"); !name.empty())
+      (isOwn ? names.ownSections : names.sections).try_emplace(std::move(name), node);
+  });
+  return names;
+}
 
 const AlignmentRecord* CorridorReader::alignmentOf(Node baseline) {
   if (const auto handle = Context::parseHandle(property(baseline, "alignmentHandle"))) {
-    for (const auto& record : alignments_) {
-      if (record.givenHandle == *handle) return &record;
-    }
+    if (const auto found = byHandle_.find(*handle); found != byHandle_.end()) return &alignments_[found->second];
   }
-  const std::string name = property(baseline, "alignment").value_or("");
-  for (const auto& record : alignments_) {
-    if (record.object->name == name) return &record;
-  }
-  return nullptr;
+  const auto found = byName_.find(property(baseline, "alignment").value_or(""));
+  return found == byName_.end() ? nullptr : &alignments_[found->second];
 }
 
 const civil::ProfileObject* CorridorReader::profileOf(Node baseline, const AlignmentRecord& alignment,
                                                       const std::string& speaker) {
-  const auto& profiles = alignment.object->profiles;
+  const Names& names = namesOf(alignment);
   if (const auto handle = Context::parseHandle(property(baseline, "profileHandle"))) {
-    for (std::size_t i = 0; i < profiles.size(); ++i) {
-      const Node node = context_.nodeOf(profiles[i].handle);
-      if (Context::parseHandle(property(feature(node, "lvx_object"), "handle")) == handle) return &profiles[i];
-    }
+    if (const auto found = names.profilesByHandle.find(*handle); found != names.profilesByHandle.end())
+      return found->second;
   }
   const auto name = property(baseline, "profile");
   if (!name || name->empty()) return nullptr;
-  for (const auto& profile : profiles) {
-    if (profile.name == *name) return &profile;
-  }
+  if (const auto found = names.profiles.find(*name); found != names.profiles.end()) return found->second;
   context_.warn(baseline, speaker + ": its alignment has no profile '" + shown(*name) + "'; elevations count from 0");
   return nullptr;
 }
@@ -95,23 +133,19 @@ Node CorridorReader::sectionsOf(Node region, const AlignmentRecord& alignment) {
   const auto handle = Context::parseHandle(property(region, "crossSectsHandle"));
   // Another program's sections needn't have a name, or have one of their own; they go by their handle. Those that once
   // were a sample line group as well kept its handle, which a group may have by now.
-  const auto fit = [&](Node candidate) {
-    const auto hasHandle = [&](const char* code) {
-      return handle && Context::parseHandle(property(feature(candidate, code), "handle")) == handle;
-    };
-    if (hasHandle("lvx_corridorSections")) return 4;
-    if (hasHandle("lvx_sampleLineGroup")) return 3;
-    if (name.empty() || attributeText(candidate, "name") != name) return 0;
-    return kindOf(candidate) == SectionsKind::Corridor ? 2 : 1;
-  };
+  const Names& names = namesOf(alignment);
   Node found;
-  int best = 0;
-  eachChild(context_.nodeOf(alignment.object->handle), "CrossSects", [&](Node candidate) {
-    const int its = fit(candidate);
-    if (its <= best) return;
-    best = its;
-    found = candidate;
-  });
+  const auto look = [&](const auto& among, const auto& wanted) {
+    if (const auto at = among.find(wanted); !found && at != among.end()) found = at->second;
+  };
+  if (handle) {
+    look(names.sectionsByHandle, *handle);
+    look(names.sectionsByGroupHandle, *handle);
+  }
+  if (!name.empty()) {
+    look(names.ownSections, name);
+    look(names.sections, name);
+  }
   if (found) used_.insert(found.place());
   return found;
 }
@@ -231,27 +265,20 @@ void CorridorReader::readOurs(Node roadway, Node ours) {
   found_.push_back({std::move(corridor), std::move(trace)});
 }
 
-Node CorridorReader::roadwayOf(const std::string& alignment) {
-  Node result;
-  const auto isKnown = [&](const std::string& name) {
-    return std::any_of(alignments_.begin(), alignments_.end(),
-                       [&](const AlignmentRecord& record) { return record.object->name == name; });
-  };
+void CorridorReader::collectRoadways() {
+  const auto isKnown = [&](const std::string& name) { return byName_.count(name) > 0; };
   eachChild(context_.root, "Roadways", [&](Node collection) {
     eachChild(collection, "Roadway", [&](Node roadway) {
-      if (result) return;
-      bool names = false;
       (void)eachKnownName(attribute(roadway, "alignmentRefs"), isKnown,
-                          [&](const std::string& name) { names = names || name == alignment; });
-      if (names) result = roadway;
+                          [&](const std::string& name) { roadwayOf_.try_emplace(name, roadway); });
     });
   });
-  return result;
 }
 
 void CorridorReader::readForeign(const AlignmentRecord& alignment, const std::vector<Node>& designs) {
   const auto& object = *alignment.object;
-  const Node roadway = roadwayOf(object.name);
+  Node roadway;
+  if (const auto found = roadwayOf_.find(object.name); found != roadwayOf_.end()) roadway = found->second;
   civil::Corridor corridor;
   corridor.name = roadway ? attributeText(roadway, "name") : object.name;
   corridor.description = roadway ? attributeText(roadway, "desc") : "";
@@ -262,11 +289,10 @@ void CorridorReader::readForeign(const AlignmentRecord& alignment, const std::ve
   civil::Baseline baseline;
   baseline.name = object.name;
   baseline.alignment = &object;
+  const Names& known = namesOf(alignment);
   const auto profileNamed = [&](const std::string& name) {
-    const auto found = std::find_if(object.profiles.begin(), object.profiles.end(), [&](const auto& profile) {
-      return !profile.profile.isGround() && profile.name == name;
-    });
-    return found == object.profiles.end() ? nullptr : &*found;
+    const auto found = known.designs.find(name);
+    return found == known.designs.end() ? nullptr : found->second;
   };
   for (const Node design : designs) {
     eachChild(design, "Feature", [&](Node node) {
@@ -316,6 +342,7 @@ void CorridorReader::read() {
       });
     });
   });
+  collectRoadways();
   for (const AlignmentRecord& alignment : alignments_) {
     std::vector<Node> designs;
     eachChild(context_.nodeOf(alignment.object->handle), "CrossSects", [&](Node node) {

@@ -20,6 +20,8 @@ constexpr std::size_t kShortestShared = 4;
 constexpr std::size_t kLongestShared = 256;
 /// Text of an element is gathered up to so many bytes.
 constexpr std::size_t kLongestPiece = std::size_t{1} << 16;
+/// More blanks than this in a row say nothing that so many don't, and aren't kept: a file may hold a gigabyte of them.
+constexpr std::size_t kLongestBlanks = 4096;
 /// A mark for lines after so many bytes.
 constexpr std::size_t kLineMarkDistance = 4096;
 /// Bytes of a container's length.
@@ -132,10 +134,16 @@ void Document::addText(std::string_view piece, bool hasEntities) {
     if (isSecondOfLineEnd) continue;
     if (c == '&' && hasEntities) {
       textCounts_ = true;
+      blanks_ = 0;
       if (!takeEntity(piece, i, text_)) text_ += c;
       continue;
     }
-    textCounts_ = textCounts_ || !isBlank(c);
+    if (isBlank(c)) {
+      if (++blanks_ > kLongestBlanks) continue;
+    } else {
+      blanks_ = 0;
+      textCounts_ = true;
+    }
     text_ += c == '\r' ? '\n' : c;
   }
   if (text_.size() > kLongestPiece && textCounts_) {
@@ -166,6 +174,7 @@ void Document::close() {
   text_.clear();
   textCounts_ = false;
   endsWithReturn_ = false;
+  blanks_ = 0;
 }
 
 void Document::writeElement(Kind kind) {
@@ -220,6 +229,7 @@ void Document::writeText() {
   text_.clear();
   textCounts_ = false;
   endsWithReturn_ = false;
+  blanks_ = 0;
 }
 
 void Document::putTextBytes(std::string_view text) {

@@ -48,7 +48,8 @@ class Node {
   [[nodiscard]] std::string_view localName() const;
   /// The first attribute of that name. O(attributes).
   [[nodiscard]] Attribute attribute(std::string_view name) const;
-  /// All text directly inside the element, joined; what is blank between two tags isn't text.
+  /// All text directly inside the element, joined; what is blank between two tags isn't text. Of more than some thousand
+  /// blanks in a row those behind are left out.
   [[nodiscard]] std::string text() const;
   /// The same in pieces of some kilobytes at most, in order.
   void eachText(const std::function<void(std::string_view)>& use) const;
@@ -206,6 +207,7 @@ class Document {
   Pending pending_;
   std::string text_;
   bool textCounts_ = false;          // it isn't blank alone
+  std::size_t blanks_ = 0;           // in a row, up to its end
   bool endsWithReturn_ = false;      // a line feed behind it belongs to the same line end
   std::size_t lastLine_ = 0;         // of the last element that was written
   std::vector<std::size_t> open_;    // places of the open containers

@@ -68,7 +68,13 @@ class PointReader {
   std::vector<std::uint32_t> byPlace_;  // indices of drawing.points by place; empty where they stand so
   std::vector<bool> isNameLeft_;        // the name is the number that the file gives: not kept so far
   std::vector<civil::PointTexts> recentTexts_{kRecentTexts};  // by their hashes
-  std::unordered_map<std::string, Node> features_;            // of the collection being read
+  /// What a Feature says of the points that refer to it.
+  struct PointFeature {
+    std::optional<std::string> handle;
+    std::optional<std::string> name;
+  };
+  std::unordered_map<std::string, PointFeature> features_;  // of the collection being read
+  std::optional<std::unordered_map<std::int32_t, std::size_t>> pointOfNumber_;
 };
 
 std::size_t countPoints(Node collection) {
@@ -95,7 +101,8 @@ void PointReader::readCollection(Node collection, const std::string& inheritedCo
   if (code.empty()) code = inheritedCode;
   features_.clear();
   eachChild(collection, "Feature", [&](Node node) {
-    if (attribute(node, "code") == "lvx_point") features_.emplace(attributeText(node, "name"), node);
+    if (attribute(node, "code") == "lvx_point")
+      features_.try_emplace(attributeText(node, "name"), property(node, "handle"), property(node, "name"));
   });
   Collection row{.node = collection, .firstPoint = context_.drawing.points.size()};
   eachChild(collection, "CgPoint", [&](Node node) {
@@ -139,8 +146,8 @@ bool PointReader::readPoint(Node node, const std::string& inheritedCode) {
   if (!context_.isOurs() && code.empty()) code = inheritedCode;
   if (const std::string reference = attributeText(node, "featureRef"); !reference.empty()) {
     if (const auto found = features_.find(reference); found != features_.end()) {
-      handle = property(found->second, "handle");
-      ownName = property(found->second, "name");
+      handle = found->second.handle;
+      ownName = found->second.name;
     }
   }
   const auto number = plainInteger(name);
@@ -242,16 +249,18 @@ template <class Add>
 void PointReader::readNumbersOf(Node ours, Add add, civil::PointGroup& group) {
   const auto text = property(ours, "numbers");
   if (!text) return;
-  std::unordered_map<std::int32_t, std::size_t> pointOfNumber;
-  for (std::size_t i = 0; i < context_.drawing.points.size(); ++i)
-    pointOfNumber.emplace(context_.drawing.points[i].number, i);
+  if (!pointOfNumber_) {
+    pointOfNumber_.emplace();
+    for (std::size_t i = 0; i < context_.drawing.points.size(); ++i)
+      pointOfNumber_->emplace(context_.drawing.points[i].number, i);
+  }
   const NumberList list = readNumbers(*text);
   if (!list.problem.empty())
     context_.warn(ours, "a point group's numbers: " + list.problem + "; those before it are taken");
   for (const double value : list.values) {
     const auto number = plainInteger(std::to_string(static_cast<std::int64_t>(value)));
     if (!number) continue;
-    if (const auto found = pointOfNumber.find(*number); found != pointOfNumber.end())
+    if (const auto found = pointOfNumber_->find(*number); found != pointOfNumber_->end())
       add(found->second);
     else
       group.numbersElsewhere.push_back(*number);

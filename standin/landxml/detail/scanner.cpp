@@ -92,10 +92,9 @@ std::size_t lineEnds(std::string_view text) {
   return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
-/// Where the document's first bad entity stands, if that came with this piece, which begins at `line`.
+/// The document's first bad entity came with this piece, which begins at `line`.
 void Scanner::noteBadEntity(std::size_t line, std::string_view piece) {
-  const auto& bad = result_.document.badEntity();
-  if (bad && badEntityLine_ == 0) badEntityLine_ = line + lineEnds(piece.substr(0, bad->at));
+  badEntityLine_ = line + lineEnds(piece.substr(0, result_.document.badEntity()->at));
 }
 
 /// The tokenizer has seen how a name begins; this is about the rest of it, and about attributes.
@@ -156,7 +155,10 @@ void Scanner::start(const Token& token) {
     attributeName_.assign(asUtf8(name));
     const std::string_view utf8 = asUtf8(value);
     result_.document.attribute(attributeName_, utf8);
-    noteBadEntity(line + lineEnds({token.raw.data(), static_cast<std::size_t>(value.data() - token.raw.data())}), utf8);
+    if (result_.document.badEntity() && badEntityLine_ == 0) {
+      const auto before = static_cast<std::size_t>(value.data() - token.raw.data());
+      noteBadEntity(line + lineEnds(token.raw.substr(0, before)), utf8);
+    }
   });
   if (nodes_ > kMostNodes) fail("more than 30 million elements and attributes besides points and faces", file_, line);
 

@@ -62,11 +62,12 @@ Token Tokenizer::rawText() {
   return rawText();
 }
 
-Token Tokenizer::markup() {
+/// Empty for a comment or a processing instruction, which it passes over.
+std::optional<Token> Tokenizer::markup() {
   if (!reach(2)) failCut("a tag");
   if (in_.at[1] == '?') {
     skipPast("?>", "a processing instruction");
-    return next();
+    return std::nullopt;
   }
   if (in_.at[1] == '!') {
     reach(9);
@@ -74,7 +75,7 @@ Token Tokenizer::markup() {
     if (window.starts_with("<!--")) {
       in_.at += 4;
       skipPast("-->", "a comment");
-      return next();
+      return std::nullopt;
     }
     if (window.starts_with("<![CDATA[")) {
       in_.at += 9;
@@ -111,8 +112,15 @@ Token Tokenizer::markup() {
 
 Token Tokenizer::next() {
   if (inRawText_) return rawText();
-  if (in_.at == in_.end && !in_.more()) return {};
-  if (*in_.at == '<') return markup();
+  // However many of them stand in a row.
+  while (in_.at != in_.end || in_.more()) {
+    if (*in_.at != '<') return text();
+    if (const std::optional<Token> token = markup()) return *token;
+  }
+  return {};
+}
+
+Token Tokenizer::text() {
   constexpr std::size_t kTail = 14;
   const auto textEnd = [&] {
     return static_cast<const char*>(std::memchr(in_.at, '<', static_cast<std::size_t>(in_.end - in_.at)));

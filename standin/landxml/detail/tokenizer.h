@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -55,7 +56,8 @@ class Tokenizer {
     return true;
   }
   void skipPast(std::string_view mark, const char* what);
-  Token markup();
+  std::optional<Token> markup();
+  Token text();
   Token rawText();
   std::size_t findTagEnd();
 
