@@ -1,8 +1,12 @@
 #include <cstdlib>
 #include <exception>
+#include <iostream>
+#include <map>
 #include <new>
 #include <string>
+#include <string_view>
 #include <variant>
+#include <vector>
 
 #include "cli/batch_command.h"
 #include "cli/command_line.h"
@@ -15,6 +19,7 @@
 #include "cli/points_command.h"
 #include "cli/projection_command.h"
 #include "cli/terminal.h"
+#include "completion/completion.h"
 #include "runtime/open_drawing.h"
 #include "standin_platform/interruption.h"
 #include "standin_platform/standard_streams.h"
@@ -48,7 +53,20 @@ ExitCode runCommand(const CommandLine& line) {
   throw Failure(kUsage, "lvxhost-desktop is a program of its own");
 }
 
+/// "lvxhost __complete SHELL WORDS…", which the shells' functions call while a line is typed: no command for people.
+ExitCode completeLine(const std::vector<std::string>& words) {
+  using completion::Shell;
+  const std::map<std::string, Shell> shells{{"bash", Shell::Bash}, {"zsh", Shell::Zsh}, {"fish", Shell::Fish}};
+  const auto shell = words.empty() ? shells.end() : shells.find(words.front());
+  if (shell == shells.end()) throw Failure(kUsage, "__complete wants bash, zsh or fish, and the words of a line");
+  std::cout << completion::answerText(completion::complete(shell->second, {words.begin() + 1, words.end()}))
+            << std::flush;
+  finishOutput();
+  return kDone;
+}
+
 int run(int argc, char** argv) {
+  if (argc > 1 && std::string_view(argv[1]) == "__complete") return completeLine({argv + 2, argv + argc});
   const auto parsed = parseCommandLine(argc, argv, version::text());
   const auto* const line = std::get_if<CommandLine>(&parsed);
   const ExitCode code = line == nullptr ? std::get<ExitCode>(parsed) : runCommand(*line);

@@ -21,6 +21,7 @@ namespace {
 ReadOptions readOptions(const ProjectFile& file, const ProjectOptions& options) {
   ReadOptions read;
   read.swapAxes = file.swapAxes;
+  read.namesAlone = options.namesAlone;
   if (options.progress) {
     read.progress = [&file, &options](const Progress& progress) { return options.progress(file.path, progress); };
   }

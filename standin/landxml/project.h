@@ -23,6 +23,8 @@ struct ProjectOptions {
   /// Lengths of files in another unit than the first one's are converted, exactly by the units' definitions. Without it
   /// such a file is an error.
   bool convertUnits = false;
+  /// As in ReadOptions.
+  bool namesAlone = false;
 };
 
 /// A file is in another unit of length than the drawing's first one, and nobody asked for it to be converted.

@@ -14,6 +14,7 @@
 #include "landxml/detail/corridor_reader.h"
 #include "landxml/detail/file_saving.h"
 #include "landxml/detail/geometry_reader.h"
+#include "landxml/detail/ground_filter.h"
 #include "landxml/detail/numbers.h"
 #include "landxml/detail/point_reader.h"
 #include "landxml/detail/profile_reader.h"
@@ -212,6 +213,13 @@ civil::Drawing detail::readTraced(std::unique_ptr<ByteSource> bytes, const std::
 }
 
 civil::Drawing readDrawing(const std::string& path, const ReadOptions& options) {
+  if (options.namesAlone) {
+    try {
+      return readBytes(withoutGround(openFile(path)), path, options);
+    } catch (const ReadError&) {
+      // Left out as it stands there, or the file's own fault: the whole tells.
+    }
+  }
   civil::FileMark mark;
   civil::Drawing drawing = readBytes(openFile(path, &mark), path, options);
   drawing.file = mark;

@@ -24,6 +24,9 @@ enum class EmptyText : std::uint8_t {
   None,   ///< that there is no value
 };
 
+/// Which objects of the drawing an option's value names, for who offers them.
+enum class NamesOf : std::uint8_t { Nothing, Alignments, Sites, Profiles, SampleLineGroups, Surfaces, PointGroups };
+
 /// What a value has to be, beyond a text or a whole number.
 struct Check {
   /// As the help names it.
@@ -51,6 +54,7 @@ struct OptionDescription {
   std::string_view valueName = {};
   bool isArgument = false;
   bool isRequired = false;
+  NamesOf names = NamesOf::Nothing;
   EmptyText emptyText = EmptyText::Value;
   /// The values that there are; empty: any.
   std::span<const std::string_view> choices = {};

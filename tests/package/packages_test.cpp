@@ -61,12 +61,14 @@ TemporaryFolder* Packages::folder_ = nullptr;
 
 TEST_F(Packages, HoldProgramModuleTextsAndExamples) {
   const std::string list = outputOf("/usr/bin/dpkg-deb", {"-c", find("lvxhost_", ".deb").string()});
-  for (const char* file : {"-rwxr-xr-x root/root", " ./usr/bin/lvxhost\n", " ./usr/lib/lvxhost/LVX_MirelReport.vmx\n",
-                           " ./usr/lib/lvxhost/LVX_MIRELLIB.vmx\n", " ./usr/share/lvxhost/messages/de/",
-                           " ./usr/share/lvxhost/help/en/index.html\n",
-                           " ./usr/share/lvxhost/examples/valley-road.xml\n", " ./usr/share/doc/lvxhost/copyright\n",
-                           " ./usr/share/doc/lvxhost/changelog.gz\n", " ./usr/share/doc/lvxhost/README.md\n",
-                           " ./usr/share/man/man1/lvxhost.1.gz\n", " ./usr/share/man/man1/lvxhost-points.1.gz\n"})
+  for (const char* file :
+       {"-rwxr-xr-x root/root", " ./usr/bin/lvxhost\n", " ./usr/lib/lvxhost/LVX_MirelReport.vmx\n",
+        " ./usr/lib/lvxhost/LVX_MIRELLIB.vmx\n", " ./usr/share/lvxhost/messages/de/",
+        " ./usr/share/lvxhost/help/en/index.html\n", " ./usr/share/lvxhost/examples/valley-road.xml\n",
+        " ./usr/share/doc/lvxhost/copyright\n", " ./usr/share/doc/lvxhost/changelog.gz\n",
+        " ./usr/share/doc/lvxhost/README.md\n", " ./usr/share/man/man1/lvxhost.1.gz\n",
+        " ./usr/share/man/man1/lvxhost-points.1.gz\n", " ./usr/share/bash-completion/completions/lvxhost\n",
+        " ./usr/share/zsh/vendor-completions/_lvxhost\n", " ./usr/share/fish/vendor_completions.d/lvxhost.fish\n"})
     EXPECT_THAT(list, HasSubstr(file));
   EXPECT_THAT(list, Not(HasSubstr("desktop.1.gz")));
   EXPECT_THAT(list, Not(HasSubstr("./usr/bin/lvxhost-desktop")));
