@@ -1,124 +1,156 @@
 #include "cli/batch_command.h"
 
 #include <algorithm>
-#include <atomic>
-#include <chrono>
-#include <condition_variable>
-#include <deque>
-#include <mutex>
-#include <optional>
+#include <cstddef>
+#include <filesystem>
+#include <map>
 #include <string>
+#include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
+#include "cli/batch_run.h"
+#include "cli/command_line_front_end.h"
 #include "cli/drawing_file.h"
 #include "cli/failure.h"
+#include "cli/host_setup.h"
 #include "cli/job_file.h"
 #include "cli/terminal.h"
-#include "runtime/installation.h"
-#include "runtime/open_drawing.h"
-#include "standin_platform/child_process.h"
 #include "standin_platform/interruption.h"
 
 namespace lvx::cli {
 
-using standin_platform::ChildProcess;
-using standin_platform::ChildResult;
+namespace fs = std::filesystem;
 using standin_platform::isInterrupted;
 
 namespace {
 
-/// Jobs that several workers take one after the other.
-class Workers {
- public:
-  Workers(const std::vector<Job>& jobs, std::size_t count)
-      : jobs_(jobs), program_(runtime::programFile()), results_(jobs.size()), children_(count) {
-    for (ChildProcess& child : children_) threads_.emplace_back([this, &child] { work(child); });
-  }
-  Workers(const Workers&) = delete;
-  Workers& operator=(const Workers&) = delete;
-  ~Workers() {
-    stop();
-    for (std::thread& thread : threads_) thread.join();
-  }
+JobFileSettings settingsOf(const options::Options& options) {
+  JobFileSettings settings{options.batch.jobs, options.common, options.batch.base, {}};
+  if (settings.base == "jobs") settings.base = fs::path(options.batch.jobs).parent_path().string();
+  if (settings.base && settings.base->empty()) settings.base.reset();
+  if (std::error_code error; settings.base && !fs::is_directory(*settings.base, error))
+    throw Failure(kUsage, "batch: --base names '" + *settings.base + "', which is no folder");
+  settings.taken.emplace_back(options.batch.jobs, "the job file");
+  return settings;
+}
 
-  /// The result of a job, once it is there. Throws runtime::Interrupted when the user wants to stop.
-  ChildResult resultOf(std::size_t index) {
-    constexpr std::chrono::milliseconds kLookForInterruption{100};
-    std::unique_lock lock(mutex_);
-    while (!results_[index]) {
-      ready_.wait_for(lock, kLookForInterruption);
-      if (isInterrupted()) throw runtime::Interrupted();
-    }
-    return std::move(*results_[index]);
-  }
-
- private:
-  void work(ChildProcess& child) {
-    for (;;) {
-      const std::size_t index = next_++;
-      if (index >= jobs_.size() || stopped_) return;
-      ChildResult result = child.run(program_, jobs_[index].arguments);
-      const std::lock_guard guard(mutex_);
-      results_[index] = std::move(result);
-      ready_.notify_one();
+/// Tries each choice of a host once, so that a wrong one is told before any report runs.
+void requireHosts(const JobFile& jobs, const std::string& name) {
+  std::vector<std::string> errors;
+  for (const JobFile::HostUse& use : jobs.hostUses()) {
+    try {
+      CommandLineFrontEnd frontEnd(use.common.overwriteMode(), {});
+      static_cast<void>(makeHost(frontEnd, use.common));
+    } catch (const Failure& failure) {
+      errors.push_back(name + ":" + std::to_string(use.line) + ": " + failure.what());
     }
   }
-  void stop() {
-    stopped_ = true;
-    if (isInterrupted())
-      for (ChildProcess& child : children_) child.interrupt();
-  }
-
-  const std::vector<Job>& jobs_;
-  std::filesystem::path program_;
-  std::mutex mutex_;
-  std::condition_variable ready_;
-  std::vector<std::optional<ChildResult>> results_;
-  std::atomic<std::size_t> next_{0};
-  std::atomic<bool> stopped_{false};
-  std::deque<ChildProcess> children_;
-  std::vector<std::thread> threads_;
-};
+  if (!errors.empty()) throw Failure(kUsage, jobFileErrors(std::move(errors)));
+}
 
 /// What a job said on standard error, each line with the job's own in front.
-void tellLines(const Job& job, const std::string& errors) {
+void tellLines(std::size_t line, const std::string& errors) {
   for (std::size_t start = 0; start < errors.size();) {
     const std::size_t end = std::min(errors.find('\n', start), errors.size());
-    tell("line " + std::to_string(job.line) + ": " + errors.substr(start, end - start) + "\n");
+    tell("line " + std::to_string(line) + ": " + errors.substr(start, end - start) + "\n");
     start = end + 1;
   }
 }
 
-std::string summary(std::size_t jobs, const std::vector<std::size_t>& failed) {
-  std::string text = std::to_string(jobs) + (jobs == 1 ? " job: " : " jobs: ") + std::to_string(jobs - failed.size()) +
-                     " done, " + std::to_string(failed.size()) + " failed";
-  for (std::size_t i = 0; i < failed.size(); ++i)
-    text += (i > 0 ? ", " : failed.size() == 1 ? " (line " : " (lines ") + std::to_string(failed[i]);
-  return failed.empty() ? text : text + ")";
+std::string listed(const char* words, const std::vector<std::size_t>& lines) {
+  constexpr std::size_t kMostListed = 1000;
+  std::string text = std::to_string(lines.size()) + words;
+  for (std::size_t i = 0; i < std::min(lines.size(), kMostListed); ++i)
+    text += (i > 0 ? ", " : lines.size() == 1 ? " (line " : " (lines ") + std::to_string(lines[i]);
+  if (lines.size() > kMostListed) text += " and " + std::to_string(lines.size() - kMostListed) + " more";
+  return lines.empty() ? text : text + ")";
+}
+
+/// Tells results in the order of the job file, whatever the order in which they come.
+class Teller {
+ public:
+  explicit Teller(const JobFile& jobs) : jobs_(jobs) {}
+
+  void take(JobResult result) {
+    const std::size_t job = result.job;
+    waiting_.emplace(job, std::move(result));
+    for (auto first = waiting_.begin(); first != waiting_.end() && first->first == next_; ++next_) {
+      tellResult(first->second);
+      first = waiting_.erase(first);
+    }
+  }
+  /// After an interruption, which leaves gaps.
+  void tellRest() {
+    for (const auto& [job, result] : waiting_) tellResult(result);
+    waiting_.clear();
+  }
+
+  [[nodiscard]] std::size_t done() const { return done_; }
+  [[nodiscard]] const std::vector<std::size_t>& failed() const { return failed_; }
+  [[nodiscard]] const std::vector<std::size_t>& broken() const { return broken_; }
+
+ private:
+  void tellResult(const JobResult& result) {
+    const Job job = jobs_.read(jobs_.entries()[result.job]);
+    print(result.output);
+    tellLines(job.line, result.errors);
+    if (result.exitCode == kDone) {
+      ++done_;
+      return;
+    }
+    const bool isBroken = isInterrupted() && result.exitCode == kInterrupted;
+    (isBroken ? broken_ : failed_).push_back(job.line);
+    tell("line " + std::to_string(job.line) + ": ended with " + std::to_string(result.exitCode) + ": " + job.label +
+         "\n");
+    if (isBroken) tellForms(job, result);
+  }
+
+  static void tellForms(const Job& job, const JobResult& result) {
+    std::string stand;
+    for (const OutputFile& file : result.written) stand += (stand.empty() ? "" : ", ") + file.path;
+    tell("line " + std::to_string(job.line) + ": broken off; of its files " +
+         (stand.empty() ? "none was written" : "these were written: " + stand) + "\n");
+  }
+
+  const JobFile& jobs_;
+  std::map<std::size_t, JobResult> waiting_;
+  std::size_t next_ = 0;
+  std::size_t done_ = 0;
+  std::vector<std::size_t> failed_;
+  std::vector<std::size_t> broken_;
+};
+
+std::string summary(std::size_t jobs, const Teller& teller) {
+  std::string text = std::to_string(jobs) + (jobs == 1 ? " job: " : " jobs: ") + std::to_string(teller.done()) +
+                     " done, " + listed(" failed", teller.failed());
+  if (!isInterrupted()) return text;
+  if (!teller.broken().empty()) text += ", " + listed(" broken off", teller.broken());
+  return text + ", " + std::to_string(jobs - teller.done() - teller.failed().size() - teller.broken().size()) +
+         " not begun";
 }
 
 }  // namespace
 
 ExitCode runBatch(const options::Options& options) {
-  const std::vector<Job> jobs =
-      parseJobs(readSteeringFile(options.batch.jobs, "batch"), options.batch.jobs, options.common);
+  const JobFile jobs(readSteeringFile(options.batch.jobs, "batch"), settingsOf(options));
+  requireHosts(jobs, options.batch.jobs);
+  BatchRunOptions running;
   const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
-  const std::size_t atOnce = options.batch.atOnce ? static_cast<std::size_t>(*options.batch.atOnce) : processors;
+  running.atOnce = options.batch.atOnce ? static_cast<std::size_t>(*options.batch.atOnce) : processors;
 
-  std::vector<std::size_t> failed;
-  Workers workers(jobs, std::min(atOnce, jobs.size()));
-  for (std::size_t i = 0; i < jobs.size(); ++i) {
-    const ChildResult result = workers.resultOf(i);
-    print(result.output);
-    tellLines(jobs[i], result.errors);
-    if (result.exitCode == kDone) continue;
-    failed.push_back(jobs[i].line);
-    tell("line " + std::to_string(jobs[i].line) + ": ended with " + std::to_string(result.exitCode) + ": " +
-         jobs[i].label + "\n");
+  Teller teller(jobs);
+  BatchRun run(jobs, running);
+  run.run({[&](JobResult result) { teller.take(std::move(result)); }, {}});
+  teller.tellRest();
+  const bool isBroken = isInterrupted();
+  if (!options.common.quiet || !teller.failed().empty() || isBroken) say(summary(jobs.entries().size(), teller));
+  if (isBroken) {
+    say("interrupted; no unfinished file was left");
+    return kInterrupted;
   }
-  if (!options.common.quiet || !failed.empty()) say(summary(jobs.size(), failed));
-  return failed.empty() ? kDone : kNotWritten;
+  return teller.failed().empty() ? kDone : kNotWritten;
 }
 
 }  // namespace lvx::cli

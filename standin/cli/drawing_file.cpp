@@ -47,6 +47,8 @@ std::vector<landxml::ProjectFile> projectFiles(const options::Options& options) 
 
 }  // namespace
 
+void requireSwappedFiles(const options::Options& options) { static_cast<void>(projectFiles(options)); }
+
 civil::Drawing loadDrawing(const options::Options& options) {
   const std::vector<landxml::ProjectFile> files = projectFiles(options);
   std::string reading = options.drawing;
@@ -132,7 +134,8 @@ bool maySave(const civil::Drawing& drawing, const options::Options& options) {
   return false;
 }
 
-void saveAndTell(civil::Drawing& drawing, const options::Options& options, const std::string& made) {
+std::vector<std::string> saveAndTell(civil::Drawing& drawing, const options::Options& options,
+                                     const std::string& made) {
   refuseOtherTargets(drawing, options);
   const std::string target = options.report.saveTo.value_or(drawing.path);
   std::vector<landxml::SavedFile> saved;
@@ -152,11 +155,14 @@ void saveAndTell(civil::Drawing& drawing, const options::Options& options, const
       throw Failure(kBadDrawing, landxml::SaveError("not enough memory to save the drawing", target).what());
     }
   }
-  if (options.common.quiet) return;
-  print(made);
+  if (!options.common.quiet) print(made);
+  std::vector<std::string> written;
   for (const landxml::SavedFile& file : saved) {
-    if (file.isWritten) print(file.path + "  " + std::to_string(file.mark.size) + " bytes\n");
+    if (!file.isWritten) continue;
+    if (!options.common.quiet) print(file.path + "  " + std::to_string(file.mark.size) + " bytes\n");
+    written.push_back(file.path);
   }
+  return written;
 }
 
 std::string diagnosticText(const civil::Drawing& drawing, const civil::Diagnostic& diagnostic) {

@@ -26,11 +26,14 @@ void requireSaveTarget(const civil::Drawing& drawing, const options::Options& op
 /// a folder included, and runtime::Interrupted where the user stopped the waiting for a pipe.
 [[nodiscard]] std::string readSteeringFile(const std::string& path, const char* speaker);
 
+/// Throws Failure (kUsage) for --swap-axes of what is none of the drawing's files.
+void requireSwappedFiles(const options::Options& options);
+
 /// Saves the files of a drawing that changed, with progress: the first one under --save, else in its place. Then tells
 /// `made` and the files on standard output, unless --quiet. Throws Failure (kBadDrawing) where one can't be saved, also
 /// where --save names a new file and what changed belongs into an added one, which would be written in its place; and
-/// runtime::Interrupted where the user stopped it. What stood there then still does.
-void saveAndTell(civil::Drawing& drawing, const options::Options& options, const std::string& made);
+/// runtime::Interrupted where the user stopped it. What stood there then still does. Gives the paths that were written.
+std::vector<std::string> saveAndTell(civil::Drawing& drawing, const options::Options& options, const std::string& made);
 
 /// "road.xml:118: warning: …", with the file that it is of; the line left out where there is none.
 [[nodiscard]] std::string diagnosticText(const civil::Drawing& drawing, const civil::Diagnostic& diagnostic);

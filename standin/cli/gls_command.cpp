@@ -66,9 +66,9 @@ std::vector<DialogStep> stepsFor(MadeForReport& made, const options::Options& op
 
 }  // namespace
 
-options::ExitCode runGls(const options::Options& options) {
+options::ExitCode runGls(const options::Options& options, ReportRun& run) {
   return runReport(
-      options, L"lvx_Report_GLS",
+      options, L"lvx_Report_GLS", run,
       [&](MadeForReport& made, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
         PlannedReport planned;
         frontEnd.steps().expect(host::kGlsDialog, {stepsFor(made, options, closing, planned.objects)});

@@ -1,95 +1,33 @@
 #include "cli/job_file.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
-#include <map>
-#include <system_error>
+#include <limits>
+#include <set>
+#include <stdexcept>
+#include <unordered_map>
+#include <variant>
 
-#include <nlohmann/json.hpp>
-
+#include "cli/detail/job_line.h"
+#include "cli/drawing_file.h"
 #include "cli/failure.h"
+#include "cli/job_paths.h"
+#include "cli/point_choice.h"
+#include "cli/report_run.h"
 #include "options/option_table.h"
-#include "script/script.h"
 
 namespace lvx::cli {
 
+namespace fs = std::filesystem;
+using options::OptionDescription;
+using Kind = JobValue::Kind;
+
 namespace {
 
-using Json = nlohmann::ordered_json;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-/// The system ends a name at such a character, and so would take another file.
-bool hasZeroCharacter(const Json& json) {
-  if (json.is_string()) return json.get_ref<const std::string&>().find('\0') != std::string::npos;
-  if (!json.is_structured()) return false;
-  return std::any_of(json.begin(), json.end(), hasZeroCharacter) ||
-         (json.is_object() && std::any_of(json.items().begin(), json.items().end(), [](const auto& member) {
-            return member.key().find('\0') != std::string::npos;
-          }));
-}
-
-/// Reads one line and keeps the place of the job file for messages.
-class JobReader {
- public:
-  JobReader(const std::string& name, std::size_t line) : where_(name + ":" + std::to_string(line) + ": ") {}
-
-  [[nodiscard]] Json objectOf(std::string_view text) const {
-    Json job;
-    try {
-      job = Json::parse(text);
-    } catch (const Json::exception& error) {
-      fail("no JSON object: " + script::jsonProblem(error.what()));
-    }
-    if (!job.is_object()) fail("no JSON object");
-    if (hasZeroCharacter(job)) fail("a zero character stands in a text");
-    return job;
-  }
-
-  /// The text of a member that every job has.
-  [[nodiscard]] std::string required(const Json& job, const char* member) const {
-    const auto found = job.find(member);
-    if (found == job.end() || !found->is_string()) fail(std::string("a job needs a text \"") + member + "\"");
-    return found->get<std::string>();
-  }
-
-  /// An option of a job; `known` is null where its command has none of that name, which the command says itself.
-  void append(std::vector<std::string>& arguments, const std::string& option, const Json& value,
-              const options::OptionDescription* known) const {
-    const std::string name = "--" + option;
-    if (known != nullptr && known->isList()) {
-      appendList(arguments, name, option, value);
-      return;
-    }
-    if (value.is_boolean()) {
-      if (value.get<bool>()) arguments.push_back(name);
-      return;
-    }
-    if (!value.is_string() && !value.is_number())
-      fail("\"" + option + "\" is neither a text nor a number nor true or false");
-    appendText(arguments, name, value.is_string() ? value.get<std::string>() : value.dump());
-  }
-
-  void appendList(std::vector<std::string>& arguments, const std::string& name, const std::string& option,
-                  const Json& value) const {
-    const Json list = value.is_array() ? value : Json::array({value});
-    for (const Json& entry : list) {
-      if (!entry.is_string()) fail("\"" + option + "\" is neither a text nor a list of texts");
-      appendText(arguments, name, entry.get<std::string>());
-    }
-  }
-
-  /// A value that begins with a hyphen is no option; an empty one stands by itself.
-  static void appendText(std::vector<std::string>& arguments, const std::string& name, const std::string& text) {
-    if (text.empty())
-      arguments.insert(arguments.end(), {name, text});
-    else
-      arguments.push_back(name + "=" + text);
-  }
-
-  [[noreturn]] void fail(const std::string& what) const { throw Failure(kUsage, where_ + what); }
-
- private:
-  std::string where_;
-};
+std::string inQuotes(std::string_view name) { return "\"" + std::string(name) + "\""; }
 
 /// "projection, points, gls"
 std::string reportCommands() {
@@ -100,142 +38,278 @@ std::string reportCommands() {
   return names;
 }
 
-bool isReportCommand(const std::string& name) {
-  const options::CommandDescription* const command = options::findCommand(name);
-  return command != nullptr && options::kReportCommands.contains(command->command);
-}
-
-const options::OptionDescription* optionOf(const std::string& command, const std::string& name) {
-  for (const options::OptionDescription* option : options::optionsOf(options::findCommand(command)->command))
-    if (!option->isArgument && option->name == name) return option;
-  return nullptr;
-}
-
-/// A common option as the whole batch has it.
-struct CommonArgument {
-  const options::OptionDescription* option;
-  /// Empty text: the batch says that there is none, where there is one by default.
-  std::string value;
+/// What is known of an option before any job is read.
+struct KnownOption {
+  const OptionDescription* description = nullptr;
+  bool isFlag = false;
+  bool isList = false;
+  bool isPath = false;
 };
 
-/// Those that have to be said to each job, texts before flags.
-std::vector<CommonArgument> commonArguments(const options::CommonOptions& common) {
-  options::Options whole;
-  whole.common = common;
-  std::vector<CommonArgument> arguments;
-  for (const bool flags : {false, true})
-    for (const options::OptionDescription* option : options::commonOptions()) {
-      if (option->isFlag() != flags) continue;
-      const auto value = valueOf(*option, whole);
-      if (value || valueOf(*option, {})) arguments.push_back({option, value.value_or("")});
-    }
-  return arguments;
-}
-
-/// Options of the whole batch, unless the job has its own.
-void appendCommon(std::vector<std::string>& arguments, const Json& job, const std::vector<CommonArgument>& common) {
-  // Jobs run beside one another, so that their lines would mix.
-  constexpr std::string_view kProgress = "progress";
-  for (const CommonArgument& argument : common) {
-    const options::OptionDescription& option = *argument.option;
-    if (option.name == kProgress || job.contains(option.name)) continue;
-    if (!option.excludes.empty() && job.contains(option.excludes)) continue;
-    const std::string name = "--" + std::string(option.name);
-    if (option.isFlag())
-      arguments.push_back(name);
-    else
-      JobReader::appendText(arguments, name, argument.value);
-  }
-  if (!job.contains(kProgress)) arguments.push_back("--" + std::string(kProgress) + "=never");
-}
-
-std::filesystem::path sameFor(const std::string& stem) {
-  std::error_code error;
-  std::filesystem::path whole = std::filesystem::absolute(stem, error);
-  if (!error) whole = std::filesystem::weakly_canonical(whole, error);
-  return error ? std::filesystem::path(stem) : whole;
-}
-
-/// Which files the jobs read and write, by the lines that say so: none may be both, or a job would take another one's
-/// drawing away.
-class JobFiles {
- public:
-  explicit JobFiles(const std::string& jobFile) : jobFile_(sameFor(jobFile)) {}
-
-  void add(const Json& json, std::size_t line, const std::string& forms) {
-    reads_.emplace(sameFor(json.at("drawing").get<std::string>()), line);
-    if (const auto with = json.find("with"); with != json.end())
-      for (const Json& file : with->is_array() ? *with : Json::array({*with}))
-        if (file.is_string()) reads_.emplace(sameFor(file.get<std::string>()), line);
-    options::CommonOptions common;
-    const auto own = json.find("forms");
-    common.forms = own != json.end() && own->is_string() ? own->get<std::string>() : forms;
-    for (const char* form : {"txt", "xls", "html"})
-      if (common.writes(form)) writes_.push_back({sameFor(json.at("out").get<std::string>() + "." + form), line});
-    const auto save = json.find("save");
-    if (save == json.end() || !save->is_string()) return;
-    const std::filesystem::path target = sameFor(save->get<std::string>());
-    // In place is meant.
-    if (target != sameFor(json.at("drawing").get<std::string>())) writes_.push_back({target, line});
-  }
-
-  /// Throws Failure for the first file that is both.
-  void check(const std::string& name) const {
-    for (const auto& [path, line] : writes_) {
-      const JobReader reader(name, line);
-      if (path == jobFile_) reader.fail("writes the job file itself: " + path.string());
-      if (const auto read = reads_.find(path); read != reads_.end())
-        reader.fail("writes " + path.string() + ", which line " + std::to_string(read->second) + " reads");
-    }
-  }
-
- private:
-  struct Output {
-    std::filesystem::path path;
-    std::size_t line;
-  };
-  std::filesystem::path jobFile_;
-  std::map<std::filesystem::path, std::size_t> reads_;
-  std::vector<Output> writes_;
+/// A report command with its options, in the order of its help.
+struct KnownCommand {
+  std::string name;
+  options::Command command = options::Command::Points;
+  std::vector<KnownOption> options;
+  std::unordered_map<std::string_view, std::size_t> byName;
+  std::string names;
 };
+
+KnownCommand knownCommand(const options::CommandDescription& command) {
+  KnownCommand known{std::string(command.name), command.command, {}, {}, {}};
+  for (const OptionDescription* option : options::optionsOf(command.command)) {
+    // The drawing, which is an argument elsewhere.
+    if (!option->isArgument) {
+      known.byName.emplace(option->name, known.options.size());
+      known.names.append(", ").append(option->name);
+    }
+    known.options.push_back({option, option->isFlag(), option->isList(), isPath(*option)});
+  }
+  known.names = "command, drawing" + known.names;
+  return known;
+}
+
+const JobMember* find(const std::vector<JobMember>& members, std::string_view name) {
+  const auto found =
+      std::find_if(members.begin(), members.end(), [&](const JobMember& member) { return member.name == name; });
+  return found == members.end() ? nullptr : &*found;
+}
+
+/// The text of a member that every job has.
+const std::string& required(const std::vector<JobMember>& members, const char* name) {
+  const JobMember* const member = find(members, name);
+  if (member == nullptr || member->value.kind != Kind::Text) throw JobLineError("a job needs a text " + inQuotes(name));
+  return member->value.text;
+}
+
+unsigned formsOf(const options::CommonOptions& common) {
+  return (common.writes("txt") ? JobPaths::kText : 0U) | (common.writes("xls") ? JobPaths::kWorkbook : 0U) |
+         (common.writes("html") ? JobPaths::kPage : 0U);
+}
+
+/// The files of a drawing and how they are read, as one text.
+std::string keyOf(const options::Options& options, JobPaths& paths) {
+  std::string key = paths.wholePath(options.drawing);
+  for (const std::string& file : options.files.with) key.append(1, '\0').append(paths.wholePath(file));
+  std::set<std::string> swapped;
+  for (const std::string& file : options.files.swapAxes) swapped.insert(paths.wholePath(file));
+  for (const std::string& file : swapped) key.append("\0swap\0", 6).append(file);
+  if (options.files.convertUnits) key.append("\0units", 6);
+  return key;
+}
+
+std::string keyOf(const runtime::HostChoices& host) {
+  std::string key = host.language;
+  for (const std::string& text : {host.messages.value_or(""), host.reportCodePage.value_or(""), host.messageCodePage})
+    key.append(1, '\0').append(text);
+  return key;
+}
 
 }  // namespace
 
-std::vector<Job> parseJobs(std::string_view text, const std::string& name, const options::CommonOptions& common) {
-  const std::vector<CommonArgument> batchArguments = commonArguments(common);
-  std::vector<Job> jobs;
-  std::map<std::filesystem::path, std::size_t> lineOfStem;
-  JobFiles files(name);
-  std::size_t line = 0;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    const std::string_view content = text.substr(0, end);
-    text.remove_prefix(std::min(end + 1, text.size()));
-    ++line;
-    if (content.find_first_not_of(" \t\r") == std::string_view::npos) continue;
-
-    const JobReader reader(name, line);
-    const Json json = reader.objectOf(content);
-    Job job{line, {}, {reader.required(json, "command")}};
-    if (!isReportCommand(job.arguments[0]))
-      reader.fail("\"" + job.arguments[0] + "\" is no report command; there is " + reportCommands());
-    const std::string drawing = reader.required(json, "drawing");
-    const std::string stem = reader.required(json, "out");
-    job.label = job.arguments[0];
-    job.label.append(" ").append(drawing).append(", ").append(stem);
-    if (const auto [other, isNew] = lineOfStem.emplace(sameFor(stem), line); !isNew)
-      reader.fail("writes the same files as line " + std::to_string(other->second) + ": " + stem);
-
-    files.add(json, line, common.forms);
-    for (const auto& [option, value] : json.items())
-      if (option != "command" && option != "drawing")
-        reader.append(job.arguments, option, value, optionOf(job.arguments[0], option));
-    appendCommon(job.arguments, json, batchArguments);
-    job.arguments.insert(job.arguments.end(), {"--", drawing});
-    jobs.push_back(std::move(job));
+class JobFile::Reader {
+ public:
+  explicit Reader(const JobFileSettings& settings) : settings_(settings) {
+    whole_.common = settings.common;
+    // Jobs run beside one another, so that their lines would mix.
+    whole_.common.progress = "never";
+    for (const options::CommandDescription& command : options::commands())
+      if (options::kReportCommands.contains(command.command)) commands_.push_back(knownCommand(command));
   }
-  files.check(name);
-  return jobs;
+
+  /// Throws JobLineError, and Failure for values that the report itself would refuse.
+  [[nodiscard]] Job read(std::size_t line, std::string_view text) const {
+    const std::vector<JobMember> members = jobMembers(text);
+    const KnownCommand& command = commandOf(required(members, "command"));
+    Job job{line, {}, command.command, whole_};
+    std::vector<bool> given(command.options.size());
+    for (const JobMember& member : members) {
+      if (member.name == "command") continue;
+      if (member.name == "drawing") {
+        job.options.drawing = path(requireText(member.name, required(members, "drawing")));
+        continue;
+      }
+      const auto found = command.byName.find(member.name);
+      if (found == command.byName.end())
+        throw JobLineError(inQuotes(member.name) + " is no option of " + command.name + "; there is " + command.names);
+      given[found->second] = take(command.options[found->second], member, job.options);
+    }
+    static_cast<void>(required(members, "drawing"));
+    static_cast<void>(required(members, "out"));
+    requireTogether(command, given, job.options);
+    job.label = command.name + " " + job.options.drawing + ", " + job.options.report.stem;
+    return job;
+  }
+
+ private:
+  [[nodiscard]] const KnownCommand& commandOf(const std::string& name) const {
+    for (const KnownCommand& command : commands_)
+      if (command.name == name) return command;
+    throw JobLineError(inQuotes(name) + " is no report command; there is " + reportCommands());
+  }
+
+  static const std::string& requireText(const std::string& name, const std::string& text) {
+    if (text.find('\0') != std::string::npos) throw JobLineError("a zero character stands in a text");
+    return text;
+  }
+
+  [[nodiscard]] std::string path(const std::string& given) const {
+    if (!settings_.base || given.empty() || fs::path(given).is_absolute()) return given;
+    return (fs::path(*settings_.base) / given).string();
+  }
+
+  /// Whether the option counts as given.
+  bool take(const KnownOption& option, const JobMember& member, options::Options& values) const {
+    const JobValue& value = member.value;
+    if (option.isFlag) {
+      if (value.kind != Kind::True && value.kind != Kind::False)
+        throw JobLineError(inQuotes(member.name) + " is neither true nor false");
+      *std::get<bool*>(option.description->field(values)) = value.kind == Kind::True;
+      return value.kind == Kind::True;
+    }
+    if (option.isList) {
+      if (value.kind != Kind::Text && value.kind != Kind::List)
+        throw JobLineError(inQuotes(member.name) + " is neither a text nor a list of texts");
+      const std::vector<std::string> texts = value.kind == Kind::List ? value.list : std::vector{value.text};
+      for (const std::string& text : texts) takeText(option, member.name, text, values);
+      return !texts.empty();
+    }
+    if (value.kind != Kind::Text && value.kind != Kind::Number)
+      throw JobLineError(inQuotes(member.name) + " is neither a text nor a number");
+    takeText(option, member.name, value.text, values);
+    return true;
+  }
+
+  void takeText(const KnownOption& option, const std::string& name, const std::string& text,
+                options::Options& values) const {
+    requireText(name, text);
+    try {
+      apply(*option.description, values, option.isPath ? path(text) : text);
+    } catch (const std::invalid_argument& error) {
+      throw JobLineError(error.what());
+    }
+  }
+
+  /// What the options of a command demand of each other.
+  static void requireTogether(const KnownCommand& command, const std::vector<bool>& given, options::Options& values) {
+    const auto isGiven = [&](std::string_view name) {
+      const auto found = command.byName.find(name);
+      return found != command.byName.end() && given[found->second];
+    };
+    const options::OptionGroup* lastChoice = nullptr;
+    for (std::size_t i = 0; i < command.options.size(); ++i) {
+      const OptionDescription& option = *command.options[i].description;
+      if (option.isRequired && !option.isArgument && !given[i])
+        throw JobLineError(command.name + " needs " + inQuotes(option.name));
+      if (option.group != nullptr && option.group->isChoice && option.group != lastChoice) {
+        lastChoice = option.group;
+        requireOne(command, *option.group, given);
+      }
+      if (!given[i]) continue;
+      if (!option.needs.empty() && !isGiven(option.needs))
+        throw JobLineError(inQuotes(option.name) + " needs " + inQuotes(option.needs));
+      if (option.excludes.empty()) continue;
+      if (isGiven(option.excludes))
+        throw JobLineError(inQuotes(option.name) + " and " + inQuotes(option.excludes) + " exclude each other");
+      // The job's own counts, not that of the whole batch.
+      const KnownOption& other = command.options[command.byName.at(option.excludes)];
+      if (other.isFlag) *std::get<bool*>(other.description->field(values)) = false;
+    }
+  }
+
+  static void requireOne(const KnownCommand& command, const options::OptionGroup& choice,
+                         const std::vector<bool>& given) {
+    std::string names;
+    std::vector<std::string_view> chosen;
+    for (std::size_t i = 0; i < command.options.size(); ++i) {
+      const OptionDescription& option = *command.options[i].description;
+      if (option.group != &choice) continue;
+      names.append(names.empty() ? "" : ", ").append(inQuotes(option.name));
+      if (given[i]) chosen.push_back(option.name);
+    }
+    if (chosen.empty()) throw JobLineError(command.name + " needs one of " + names);
+    if (chosen.size() > 1)
+      throw JobLineError(inQuotes(chosen[0]) + " and " + inQuotes(chosen[1]) + " exclude each other: one of " + names);
+  }
+
+  const JobFileSettings& settings_;
+  options::Options whole_;
+  std::vector<KnownCommand> commands_;
+};
+
+namespace {
+
+/// Values that only what uses them can judge.
+void requireUsable(const Job& job) {
+  static_cast<void>(dialogStem(job.options.report.stem));
+  if (job.command == options::Command::Points) static_cast<void>(parsePoints(job.options.report.points));
+  requireSwappedFiles(job.options);
+}
+
+void addPaths(const Job& job, JobFile::Entry& entry, JobPaths& paths) {
+  const options::Options& values = job.options;
+  paths.writes(job.line, values.report.stem, formsOf(values.common));
+  paths.reads(job.line, values.drawing, entry.drawing);
+  for (const std::string& file : values.files.with) paths.reads(job.line, file, entry.drawing);
+  for (const auto& file : {values.common.host.messages, values.common.host.module})
+    if (file) paths.reads(job.line, *file, JobPaths::kNoDrawing);
+  if (!values.report.saveTo) return;
+  entry.saves = true;
+  entry.savesInPlace = paths.wholePath(*values.report.saveTo) == paths.wholePath(values.drawing);
+  paths.saves(job.line, *values.report.saveTo, entry.drawing, entry.savesInPlace);
+}
+
+}  // namespace
+
+JobFile::JobFile(std::string text, JobFileSettings settings)
+    : text_(std::move(text)), settings_(std::move(settings)), reader_(std::make_unique<Reader>(settings_)) {
+  std::vector<std::string> errors;
+  const auto fail = [&](std::size_t line, const std::string& words) {
+    errors.push_back(settings_.name + ":" + std::to_string(line) + ": " + words);
+  };
+  JobPaths paths;
+  for (const auto& [path, what] : settings_.taken) paths.reads(0, path, JobPaths::kNoDrawing, what);
+  std::unordered_map<std::string, std::uint32_t> drawings;
+  std::set<std::string> hosts;
+  std::size_t at = text_.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+  for (std::uint32_t line = 1; at < text_.size(); ++line) {
+    const std::size_t end = std::min(text_.find('\n', at), text_.size());
+    const std::size_t start = std::exchange(at, end + 1);
+    const std::string_view content = std::string_view(text_).substr(start, end - start);
+    if (content.find_first_not_of(" \t\r") == std::string_view::npos) continue;
+    try {
+      if (content.size() > std::numeric_limits<std::uint32_t>::max())
+        throw JobLineError("a line longer than a job can be");
+      const Job job = reader_->read(line, content);
+      requireUsable(job);
+      Entry entry{line, 0, start, static_cast<std::uint32_t>(content.size())};
+      entry.drawing =
+          drawings.emplace(keyOf(job.options, paths), static_cast<std::uint32_t>(drawings.size())).first->second;
+      addPaths(job, entry, paths);
+      entries_.push_back(entry);
+      if (hosts.insert(keyOf(job.options.common.host)).second) hostUses_.push_back({line, job.options.common});
+    } catch (const JobLineError& error) {
+      fail(line, error.what());
+    } catch (const Failure& failure) {
+      fail(line, failure.what());
+    }
+  }
+  for (const JobPaths::Conflict& conflict : paths.conflicts()) fail(conflict.line, conflict.words);
+  if (!errors.empty()) throw Failure(kUsage, jobFileErrors(std::move(errors)));
+  drawingCount_ = drawings.size();
+}
+
+JobFile::~JobFile() = default;
+
+Job JobFile::read(const Entry& entry) const { return reader_->read(entry.line, textOf(entry)); }
+
+std::string jobFileErrors(std::vector<std::string> errors) {
+  constexpr std::size_t kMostTold = 20;
+  std::string text = errors.front();
+  const std::size_t told = std::min(errors.size(), kMostTold);
+  for (std::size_t i = 1; i < told; ++i) text += "\n" + errors[i];
+  if (told < errors.size()) text += "\nand " + std::to_string(errors.size() - told) + " more of that kind";
+  return text;
 }
 
 }  // namespace lvx::cli

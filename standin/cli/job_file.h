@@ -1,9 +1,16 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "options/commands.h"
 #include "options/options.h"
 
 namespace lvx::cli {
@@ -14,22 +21,83 @@ struct Job {
   std::size_t line = 0;
   /// "points small.xml, out/road", for words about it.
   std::string label;
-  /// What the program is started with.
-  std::vector<std::string> arguments;
+  options::Command command = options::Command::Points;
+  /// Those of the whole batch and the job's own.
+  options::Options options;
 };
 
-/// Reads JSON Lines: on each line an object whose members are a report command's options under their own names, with
-/// "command" and "drawing" beside them; blank lines are skipped.
+/// What is read beside the job file's text.
+struct JobFileSettings {
+  /// The file as messages name it.
+  std::string name;
+  /// Hold for every job that doesn't have the option itself.
+  options::CommonOptions common;
+  /// Folder from which relative paths in jobs are seen; none: the current one.
+  std::optional<std::string> base;
+  /// Further files that no job may write, with what they are: {"jobs.jsonl", "the job file"}.
+  std::vector<std::pair<std::string, std::string>> taken;
+};
+
+/// A file of jobs in JSON Lines: on each line an object whose members are a report command's options under their own
+/// names, with "command" and "drawing" beside them; blank lines and a byte order mark are skipped.
 ///
 ///     {"command": "points", "drawing": "road.xml", "alignment": "A1", "point-group": "Edge", "out": "out/edge"}
 ///     {"command": "projection", "drawing": "road.xml", "alignment": "A1", "group": "SL", "surface": "EG",
 ///      "out": "out/ground", "forms": "txt", "overwrite": true}                                (on one line)
 ///
-/// Members are texts, whole numbers and true or false (an option without a value, or its absence); an option that may be
-/// given many times takes a list of texts, or one text. `common` holds for
-/// every job that doesn't have the option itself. `name` stands for the file in messages. Throws Failure (kUsage) for a
-/// line that is no such object, and where two jobs would write the same files.
-[[nodiscard]] std::vector<Job> parseJobs(std::string_view text, const std::string& name,
-                                         const options::CommonOptions& common);
+/// Members are texts, numbers, and true or false for an option without a value; an option that may be given many times
+/// takes a list of texts, or one text. An option that is false isn't given, also where the whole batch has it.
+///
+/// A job takes some 50 bytes beside its text and the path that it writes; its options are read again when they are asked
+/// for.
+class JobFile {
+ public:
+  /// A job as far as it has to be known to put all of them in order.
+  struct Entry {
+    std::uint32_t line = 0;
+    /// Which of the file's drawings it reads, all of their files taken together, by the order of the file.
+    std::uint32_t drawing = 0;
+    std::size_t offset = 0;  ///< of its line in the text
+    std::uint32_t size = 0;
+    bool saves = false;         ///< it saves its drawing
+    bool savesInPlace = false;  ///< in the drawing's own file, so that later jobs of the drawing read what it saved
+  };
+  /// A job with choices of a host that no earlier one has.
+  struct HostUse {
+    std::size_t line = 0;
+    options::CommonOptions common;
+  };
+
+  /// Checks every line. Throws Failure (kUsage), which tells each line that is no job, that has an option or a value that
+  /// its command doesn't know, or that writes what another one writes or reads. Jobs of one drawing may save it in place,
+  /// one after the other. O(n).
+  JobFile(std::string text, JobFileSettings settings);
+  JobFile(const JobFile&) = delete;
+  JobFile& operator=(const JobFile&) = delete;
+  ~JobFile();
+
+  [[nodiscard]] std::span<const Entry> entries() const { return entries_; }
+  [[nodiscard]] std::size_t drawingCount() const { return drawingCount_; }
+  [[nodiscard]] Job read(const Entry& entry) const;
+  /// The line of a job as it stands in the file.
+  [[nodiscard]] std::string_view textOf(const Entry& entry) const {
+    return std::string_view(text_).substr(entry.offset, entry.size);
+  }
+  /// By ascending line.
+  [[nodiscard]] const std::vector<HostUse>& hostUses() const { return hostUses_; }
+
+ private:
+  class Reader;
+
+  std::string text_;
+  JobFileSettings settings_;
+  std::unique_ptr<Reader> reader_;
+  std::vector<Entry> entries_;
+  std::size_t drawingCount_ = 0;
+  std::vector<HostUse> hostUses_;
+};
+
+/// Where a job file is wrong, line by line, in one sentence for each of the first ones. `errors` isn't empty.
+[[nodiscard]] std::string jobFileErrors(std::vector<std::string> errors);
 
 }  // namespace lvx::cli

@@ -1,8 +1,6 @@
-#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <map>
-#include <new>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -11,16 +9,14 @@
 #include "cli/batch_command.h"
 #include "cli/command_line.h"
 #include "cli/failure.h"
-#include "cli/gls_command.h"
 #include "cli/group_command.h"
+#include "cli/guarded_run.h"
 #include "cli/info_command.h"
 #include "cli/lines_command.h"
 #include "cli/play_command.h"
-#include "cli/points_command.h"
-#include "cli/projection_command.h"
+#include "cli/report_commands.h"
 #include "cli/terminal.h"
 #include "completion/completion.h"
-#include "runtime/open_drawing.h"
 #include "standin_platform/interruption.h"
 #include "standin_platform/standard_streams.h"
 #include "version/version.h"
@@ -30,15 +26,14 @@ namespace {
 
 ExitCode runCommand(const CommandLine& line) {
   using options::Command;
+  ReportRun report;
   switch (line.command) {
     case Command::Info:
       return runInfo(line.options);
     case Command::Projection:
-      return runProjection(line.options);
     case Command::Points:
-      return runPoints(line.options);
     case Command::Gls:
-      return runGls(line.options);
+      return runReportCommand(line.command, line.options, report);
     case Command::Lines:
       return runLines(line.options);
     case Command::Group:
@@ -74,44 +69,15 @@ int run(int argc, char** argv) {
   return code;
 }
 
-constexpr const char* kNoMemory = "the command ended by an exception: there is not enough memory";
-
-/// Where even what cleans up finds no memory, as in the destructors of some libraries.
-[[noreturn]] void endWithoutMemory() {
-  try {
-    if (std::current_exception()) std::rethrow_exception(std::current_exception());
-  } catch (const std::bad_alloc&) {
-    say(kNoMemory);
-    std::_Exit(kException);
-  } catch (...) {
-    std::abort();
-  }
-  std::abort();
-}
-
-int runGuarded(int argc, char** argv) {
+int runProgram(int argc, char** argv) {
   std::set_terminate(endWithoutMemory);
   standin_platform::guardStandardStreams();
   standin_platform::turnSignalsOfWritingIntoErrors();
   standin_platform::watchInterruption();
-  try {
-    return run(argc, argv);
-  } catch (const Failure& failure) {
-    say(failure.what());
-    return failure.code();
-  } catch (const runtime::Interrupted&) {
-    say("interrupted; no unfinished file was left");
-    return kInterrupted;
-  } catch (const std::bad_alloc&) {
-    say(kNoMemory);
-    return kException;
-  } catch (const std::exception& error) {
-    say(std::string("the command ended by an exception: ") + error.what());
-    return kException;
-  }
+  return runGuarded([&] { return run(argc, argv); });
 }
 
 }  // namespace
 }  // namespace lvx::cli
 
-int main(int argc, char** argv) { return lvx::cli::runGuarded(argc, argv); }
+int main(int argc, char** argv) { return lvx::cli::runProgram(argc, argv); }

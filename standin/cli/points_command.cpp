@@ -65,11 +65,11 @@ std::string planPicked(const runtime::OpenDrawing& drawing, const std::vector<ci
 
 }  // namespace
 
-options::ExitCode runPoints(const options::Options& options) {
+options::ExitCode runPoints(const options::Options& options, ReportRun& run) {
   const options::ReportOptions& report = options.report;
   const WantedPoints wanted = parsePoints(report.points);
   const bool quiet = options.common.quiet;
-  return runReport(options, L"lvx_Report_Points",
+  return runReport(options, L"lvx_Report_Points", run,
                    [&](MadeForReport& made, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
                      const runtime::OpenDrawing& drawing = made.drawing();
                      const FoundAlignment found = findAlignment(drawing.drawing(), report.alignment, report.site);

@@ -40,8 +40,8 @@ std::vector<DialogStep> stepsFor(MadeForReport& made, const options::Options& op
 
 }  // namespace
 
-options::ExitCode runProjection(const options::Options& options) {
-  return runReport(options, L"lvx_Report_Que",
+options::ExitCode runProjection(const options::Options& options, ReportRun& run) {
+  return runReport(options, L"lvx_Report_Que", run,
                    [&](MadeForReport& made, const std::vector<DialogStep>& closing, CommandLineFrontEnd& frontEnd) {
                      PlannedReport planned;
                      frontEnd.steps().expect(host::kProjectionDialog,

@@ -137,6 +137,12 @@ void tellWhatToChange(runtime::StandinHost& host, const advice::ReportObjects& o
         workbook + "' a place that can be written, or leave the workbook out by --forms");
 }
 
+/// A file counts while it stands.
+void noteWritten(ReportRun& run, const runtime::FileEvent& event) {
+  std::erase(run.written, event.path);
+  if (event.fate == runtime::FileFate::Written) run.written.push_back(event.path);
+}
+
 bool nothingHappened(const runtime::StandinHost& host, const CommandLineFrontEnd& frontEnd,
                      const std::vector<Expected>& expected) {
   if (frontEnd.questions() > 0) return false;
@@ -168,13 +174,14 @@ std::vector<DialogStep> alignmentSteps(const civil::Drawing& drawing, const Foun
            fromUtf8(found.alignment->name)}};
 }
 
-ExitCode runReport(const options::Options& options, const wchar_t* command, const ReportPlan& plan) {
+ExitCode runReport(const options::Options& options, const wchar_t* command, ReportRun& run, const ReportPlan& plan) {
   const options::CommonOptions& common = options.common;
   const std::string stem = dialogStem(options.report.stem);
   CommandLineFrontEnd frontEnd(common.overwriteMode(), runtime::helpFolder(common.host.language));
   const auto host = makeHost(frontEnd, common);
-  civil::Drawing drawing = loadDrawing(options);
-  host->open(std::move(drawing));
+  if (!run.drawing) run.drawing = std::make_shared<runtime::OpenDrawing>(loadDrawing(options));
+  host->open(run.drawing);
+  host->journal().listener = [&run](const runtime::FileEvent& event) { noteWritten(run, event); };
   MadeForReport made(*host->openDrawing());
   PlannedReport planned;
   try {
@@ -210,7 +217,9 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, cons
   if (options.report.saveTo) {
     made.remove();
     if (!maySave(host->openDrawing()->drawing(), options)) return kNotWritten;
-    host->openDrawing()->save([&](civil::Drawing& changed) { saveAndTell(changed, options, ""); });
+    host->openDrawing()->save([&](civil::Drawing& changed) {
+      for (std::string& path : saveAndTell(changed, options, "")) run.written.push_back(std::move(path));
+    });
   }
   return complete ? kDone : kNotWritten;
 }

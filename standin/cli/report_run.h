@@ -11,6 +11,7 @@
 #include "cli/name_lookup.h"
 #include "options/exit_codes.h"
 #include "options/options.h"
+#include "runtime/open_drawing.h"
 
 /// What the report commands share: they run the module's own command over one drawing, answer its dialog as a user
 /// would, and tell what became of the files.
@@ -30,13 +31,21 @@ struct PlannedReport {
 using ReportPlan = std::function<PlannedReport(MadeForReport& made, const std::vector<DialogStep>& closing,
                                                CommandLineFrontEnd& frontEnd)>;
 
+/// What a report runs over beside its options, and what it leaves behind, also where it ends by an exception.
+struct ReportRun {
+  /// The drawing of the options where somebody has read it already; null: it is read. What the report makes in it stays.
+  runtime::OpenDrawingRef drawing;
+  /// Paths of the files that were written, in that order, each once; the saved files of the drawing behind them.
+  std::vector<std::string> written;
+};
+
 /// Runs the module's command over the drawing of `options` and lists what was written on standard output, what wasn't on
 /// standard error, where before it stands what is odd about the report's objects and behind it what the user can change
 /// about an exception. A report that would be of another alignment than the one asked for isn't run (Failure,
 /// kNotWritten). Where the options say so, saves the drawing once the command ended by itself, without what was
 /// made for the report. Throws Failure, and
 /// runtime::Interrupted where the user stopped it.
-[[nodiscard]] options::ExitCode runReport(const options::Options& options, const wchar_t* command,
+[[nodiscard]] options::ExitCode runReport(const options::Options& options, const wchar_t* command, ReportRun& run,
                                           const ReportPlan& plan);
 
 /// The stem as it goes into the dialog: the module wants a folder in it, so a bare name gets the current one. Throws

@@ -89,12 +89,12 @@ constexpr std::string_view kGroupFooter =
 
 constexpr std::string_view kBatchFooter =
     "Each line is an object with a report command, its drawing and its options under their own names; blank lines are\n"
-    "skipped. Paths are seen from the current folder. An option that may be given many times takes a list, as in\n"
-    "\"with\": [\"ground.xml\", \"points.xml\"]. The common options hold for every job without its own:\n"
+    "skipped. Paths are seen from the current folder, or from --base. An option that may be given many times takes a\n"
+    "list, as in \"with\": [\"ground.xml\", \"points.xml\"]. The common options hold for every job without its own:\n"
     "  {\"command\": \"points\", \"drawing\": \"road.xml\", \"alignment\": \"A1\", \"point-group\": \"Edge\", \"out\": \"edge\"}\n"
     "Example:\n"
     "  lvxhost batch examples/reports.jsonl --jobs 4 --overwrite\n"
-    "      every report in a process of its own; one that fails doesn't stop the others\n";
+    "      each drawing read once, every report in a process of its own; one that fails doesn't stop the others\n";
 
 /// "Conditions of --points-where: …", a line for each key.
 std::string conditionsOfPoints() {

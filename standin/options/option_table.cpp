@@ -275,6 +275,12 @@ constexpr std::array kTable{
                       .help = "Reports at a time (default: as many as there are processors)",
                       .valueName = "N",
                       .greatest = kMostJobsAtOnce},
+    OptionDescription{.name = "base",
+                      .commands = Command::Batch,
+                      .field = [](Options& o) -> Field { return &o.batch.base; },
+                      .help = "Folder from which relative paths in jobs are seen, or 'jobs' for the job file's own (default: the current folder)",
+                      .valueName = "FOLDER",
+                      .emptyText = EmptyText::None},
     OptionDescription{.name = "check",
                       .commands = Command::Play,
                       .field = [](Options& o) -> Field { return &o.play.checks; },
@@ -504,6 +510,10 @@ std::optional<std::string> valueOf(const OptionDescription& option, const Option
                                  return list->empty() ? std::nullopt : std::optional<std::string>(list->back());
                                }},
                     option.field(read));
+}
+
+bool isPath(const OptionDescription& option) {
+  return option.valueName == "FILE" || option.valueName == "STEM" || option.name == "DRAWING";
 }
 
 double lengthOf(const std::string& value) {

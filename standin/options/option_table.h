@@ -91,6 +91,9 @@ void apply(const OptionDescription& option, Options& options, const std::string&
 /// where there is none.
 [[nodiscard]] std::optional<std::string> valueOf(const OptionDescription& option, const Options& options);
 
+/// Whether its value is the path of a file, or how such a path begins.
+[[nodiscard]] bool isPath(const OptionDescription& option);
+
 /// The length that an option's text means; not a number for one that means none.
 [[nodiscard]] double lengthOf(const std::string& value);
 

@@ -105,6 +105,8 @@ struct BatchOptions {
   std::string jobs;
   /// Reports at a time; none: as many as the machine has processors.
   std::optional<int> atOnce;
+  /// Folder from which paths in jobs are seen, or "jobs" for the job file's own; none: the current one.
+  std::optional<std::string> base;
 };
 
 struct PlayOptions {

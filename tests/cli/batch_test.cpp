@@ -26,9 +26,11 @@ using testing::Not;
 
 // ---------------------------------------------------------------- the job file
 
-std::string failureOf(const std::string& text) {
+std::string failureOf(const std::string& text, const std::string& base = {}) {
+  JobFileSettings settings{"jobs.jsonl", {}, {}, {{"taken/journal.txt", "the journal"}}};
+  if (!base.empty()) settings.base = base;
   try {
-    static_cast<void>(parseJobs(text, "jobs.jsonl", {}));
+    const JobFile jobs(text, settings);
   } catch (const Failure& failure) {
     EXPECT_EQ(failure.code(), kUsage);
     return failure.what();
@@ -36,51 +38,179 @@ std::string failureOf(const std::string& text) {
   return "no failure";
 }
 
-TEST(JobFile, TurnsEachLineIntoTheArgumentsOfOneReport) {
-  options::CommonOptions common;
-  common.forms = "txt";
-  common.overwrite = true;
-  const std::vector<Job> jobs = parseJobs(
-      "\n{\"command\": \"points\", \"drawing\": \"-a.xml\", \"alignment\": \"-A\", \"site\": \"\", \"points\": "
-      "\"1-3\", "
-      "\"out\": \"x/a\", \"quiet\": true, \"keep\": false}\r\n  \n"
-      "{\"command\": \"projection\", \"drawing\": \"b.xml\", \"out\": \"x/b\", \"forms\": \"xls\"}",
-      "jobs.jsonl", common);
-  ASSERT_EQ(jobs.size(), 2U);
-  EXPECT_EQ(jobs[0].line, 2U);
-  EXPECT_EQ(jobs[0].label, "points -a.xml, x/a");
-  EXPECT_THAT(jobs[0].arguments, ElementsAre("points", "--alignment=-A", "--site", "", "--points=1-3", "--out=x/a",
-                                             "--quiet", "--forms=txt", "--lang=en", "--release=R24.3",
-                                             "--message-code-page=WINDOWS-1252", "--progress=never", "--", "-a.xml"));
-  EXPECT_EQ(jobs[1].line, 4U);
-  EXPECT_THAT(jobs[1].arguments,
-              ElementsAre("projection", "--out=x/b", "--forms=xls", "--lang=en", "--release=R24.3",
-                          "--message-code-page=WINDOWS-1252", "--overwrite", "--progress=never", "--", "b.xml"));
+/// A points job of this drawing and stem, with further members.
+std::string pointsJob(const std::string& drawing, const std::string& out, const std::string& more = {}) {
+  return R"({"command": "points", "drawing": ")" + drawing + R"(", "alignment": "A", "points": "1", "out": ")" + out +
+         "\"" + (more.empty() ? "" : ", " + more) + "}\n";
+}
+/// A GLS job that saves its drawing.
+std::string savingJob(const std::string& drawing, const std::string& out, const std::string& save,
+                      const std::string& more = {}) {
+  return R"({"command": "gls", "drawing": ")" + drawing + R"(", "alignment": "A", "profile": "P", "group": "G", )" +
+         R"("add-sections": true, "save": ")" + save + R"(", "out": ")" + out + "\"" +
+         (more.empty() ? "" : ", " + more) + "}\n";
+}
+
+TEST(JobFile, TurnsEachLineIntoTheOptionsOfOneReport) {
+  JobFileSettings settings{"jobs.jsonl", {}, {}, {}};
+  settings.common.forms = "txt";
+  settings.common.overwrite = true;
+  const JobFile jobs(
+      "\xEF\xBB\xBF\n{\"command\": \"points\", \"drawing\": \"-a.xml\", \"alignment\": \"-A\", \"site\": \"\", "
+      "\"points\": \"1-3\", \"out\": \"x/a\", \"quiet\": true, \"keep\": false}\r\n  \n"
+      "{\"command\": \"projection\", \"drawing\": \"b.xml\", \"with\": [\"c.xml\", \"d.xml\"], \"alignment\": 7, "
+      "\"group\": \"G\", \"surface\": 1.50, \"out\": \"x/b\", \"forms\": \"xls\", \"keep\": true, \"release\": \"\"}",
+      settings);
+  ASSERT_EQ(jobs.entries().size(), 2U);
+  EXPECT_EQ(jobs.drawingCount(), 2U);
+  const Job first = jobs.read(jobs.entries()[0]);
+  EXPECT_EQ(first.line, 2U);
+  EXPECT_EQ(first.label, "points -a.xml, x/a");
+  EXPECT_EQ(first.command, options::Command::Points);
+  EXPECT_EQ(first.options.drawing, "-a.xml");
+  EXPECT_EQ(first.options.report.alignment, "-A");
+  EXPECT_EQ(first.options.report.site, "");
+  EXPECT_EQ(first.options.report.points.numbers, "1-3");
+  EXPECT_EQ(first.options.report.stem, "x/a");
+  EXPECT_TRUE(first.options.common.quiet);
+  EXPECT_EQ(first.options.common.forms, "txt");
+  EXPECT_EQ(first.options.common.progress, "never");
+  EXPECT_EQ(first.options.common.overwriteMode(), options::Overwrite::Always) << "false is as if it weren't given";
+  const Job second = jobs.read(jobs.entries()[1]);
+  EXPECT_EQ(second.line, 4U);
+  EXPECT_THAT(second.options.files.with, ElementsAre("c.xml", "d.xml"));
+  EXPECT_EQ(second.options.report.alignment, "7");
+  EXPECT_EQ(second.options.report.surface, "1.50");
+  EXPECT_EQ(second.options.common.forms, "xls");
+  EXPECT_EQ(second.options.common.host.release, std::nullopt);
+  EXPECT_EQ(second.options.common.overwriteMode(), options::Overwrite::Never) << "its own, not the batch's";
 }
 
 TEST(JobFile, IsEmptyWhereItHoldsNoJobs) {
-  EXPECT_TRUE(parseJobs("", "jobs.jsonl", {}).empty());
-  EXPECT_TRUE(parseJobs("\n \r\n\n", "jobs.jsonl", {}).empty());
+  for (const char* text : {"", "\n \r\n\n", "\xEF\xBB\xBF", "\xEF\xBB\xBF\r\n"})
+    EXPECT_TRUE(JobFile(text, {"jobs.jsonl", {}, {}, {}}).entries().empty());
 }
 
 TEST(JobFile, NamesTheLineThatIsNoJob) {
-  const std::string good = R"({"command": "points", "drawing": "a.xml", "out": "a"})";
   struct Row {
-    const char* line;
+    std::string line;
     const char* words;
   };
+  const auto with = [](const std::string& more) { return pointsJob("b.xml", "b", more); };
   const std::vector<Row> table{
-      {"{", "jobs.jsonl:2: no JSON object"},
+      {"{", "jobs.jsonl:2: no JSON object: parse error at line 1, column 2"},
       {"[]", "jobs.jsonl:2: no JSON object"},
+      {"[{\"command\": 1}]", "jobs.jsonl:2: no JSON object"},
+      {"7", "jobs.jsonl:2: no JSON object"},
       {R"({"command": "gls", "drawing": "x", "out": 1e999})", "jobs.jsonl:2: no JSON object"},
       {R"({"drawing": "b.xml", "out": "b"})", "jobs.jsonl:2: a job needs a text \"command\""},
       {R"({"command": "info", "drawing": "b.xml", "out": "b"})", "jobs.jsonl:2: \"info\" is no report command"},
       {R"({"command": "points", "out": "b"})", "a job needs a text \"drawing\""},
       {R"({"command": "points", "drawing": "b.xml"})", "a job needs a text \"out\""},
       {R"({"command": "points", "drawing": "b.xml", "out": "b", "points": [1]})", "\"points\" is neither a text"},
-      {R"({"command": "points", "drawing": "b.xml", "out": "./a"})", "jobs.jsonl:2: writes the same files as line 1"},
+      {R"({"command": "points", "drawing": "b.xml", "out": "b", "points": "1"})", "points needs \"alignment\""},
+      {R"({"command": "points", "drawing": "b.xml", "out": "b", "alignment": "A"})",
+       "points needs one of \"point-group\""},
+      {pointsJob("b.xml", "./a"), "jobs.jsonl:2: writes the same files as line 1"},
+      {pointsJob("b.xml", "b/"), "jobs.jsonl:2: --out needs a file name"},
+      {with(R"("help": true)"), "jobs.jsonl:2: \"help\" is no option of points; there is command, drawing, with"},
+      {with(R"("surface": "S")"), "\"surface\" is no option of points"},
+      {with(R"("points": "2")"), "jobs.jsonl:2: \"points\" is given twice"},
+      {with(R"("lang": "fr")"), "jobs.jsonl:2: --lang is 'fr'; there is en and de"},
+      {with(R"("forms": "pdf")"), "'pdf' is no form of a report"},
+      {with(R"("overwrite": "yes")"), "\"overwrite\" is neither true nor false"},
+      {with(R"("site": true)"), "\"site\" is neither a text nor a number"},
+      {with(R"("site": null)"), "\"site\" is neither a text nor a number"},
+      {with(R"("with": ["c.xml", ["d.xml"]])"), "\"with\" is neither a text nor a list of texts"},
+      {with(R"("overwrite": true, "keep": true)"), "exclude each other"},
+      {with(R"("point-group": "G")"), "\"point-group\" and \"points\" exclude each other"},
+      {with(R"("swap-axes": "c.xml")"), "--swap-axes names 'c.xml'"},
+      {with(R"("site": "a\u0000b")"), "a zero character stands in a text"},
+      {R"({"command": "points", "drawing": "b.xml", "out": "b", "alignment": "A", "points": "x"})", "jobs.jsonl:2: "},
+      {R"({"command": "gls", "drawing": "b.xml", "out": "b", "alignment": "A", "profile": "P", "group": "G", "save": "c"})",
+       "\"save\" needs \"add-sections\""},
+      {R"({"command": "gls", "drawing": "b.xml", "out": "b", "alignment": "A", "profile": "P", "lines": "nearly=3"})",
+       "jobs.jsonl:2: --lines: "},
   };
-  for (const Row& row : table) EXPECT_THAT(failureOf(good + "\n" + row.line), HasSubstr(row.words)) << row.line;
+  for (const Row& row : table) {
+    const std::string words = failureOf(pointsJob("a.xml", "a") + row.line);
+    EXPECT_THAT(words, HasSubstr(row.words)) << row.line;
+    EXPECT_THAT(words, Not(HasSubstr("json."))) << row.line;
+  }
+}
+
+TEST(JobFile, TellsEveryLineThatIsNoJob) {
+  std::string text;
+  for (int i = 0; i < 25; ++i) text += "{\n";
+  const std::string words = failureOf(text);
+  EXPECT_THAT(words, HasSubstr("jobs.jsonl:1: "));
+  EXPECT_THAT(words, HasSubstr("\njobs.jsonl:20: "));
+  EXPECT_THAT(words, HasSubstr("\nand 5 more"));
+}
+
+TEST(JobFile, RefusesJobsThatGetInEachOthersWay) {
+  struct Row {
+    std::string jobs;
+    const char* words;
+  };
+  const std::vector<Row> table{
+      {pointsJob("a.xml", "x") + pointsJob("b.xml", "x", R"("forms": "txt")"),
+       "jobs.jsonl:2: writes the same files as line 1: x"},
+      {pointsJob("a.xml", "x", R"("forms": "txt")") + pointsJob("b.xml", "x", R"("forms": "xls,html")"), "no failure"},
+      {pointsJob("a.xml", "x") + pointsJob("x.html", "y"), "x.html', which line 2 reads"},
+      {pointsJob("x.txt", "y") + pointsJob("a.xml", "x"), "jobs.jsonl:2: writes '"},
+      {pointsJob("x.txt", "x"), "jobs.jsonl:1: writes '"},
+      {pointsJob("a.xml", "x", R"("messages": "y.txt")") + pointsJob("a.xml", "y"), "', which line 1 reads"},
+      {pointsJob("a.xml", "taken/journal"), "jobs.jsonl:1: writes the journal itself"},
+      {savingJob("a.xml", "x", "s.xml") + savingJob("b.xml", "y", "s.xml"),
+       "jobs.jsonl:2: saves the same file as line 1: s.xml"},
+      {savingJob("a.xml", "x", "s.xml") + savingJob("a.xml", "y", "./s.xml"),
+       "jobs.jsonl:2: saves the same file as line 1"},
+      {savingJob("a.xml", "x", "x.txt"), "jobs.jsonl:1: saves into a file of its own report"},
+      {savingJob("a.xml", "x", "y.html") + pointsJob("a.xml", "y"), "jobs.jsonl:2: writes the same files as line 1"},
+      {savingJob("a.xml", "x", "b.xml") + pointsJob("b.xml", "y"), "b.xml', which line 2 reads"},
+      {pointsJob("b.xml", "y") + savingJob("a.xml", "x", "b.xml"), "b.xml', which line 1 reads"},
+      {savingJob("a.xml", "x", "b.xml", R"("with": ["b.xml"])"), "b.xml', which it reads itself"},
+      // Jobs of one drawing run one after the other, and see what was saved.
+      {savingJob("a.xml", "x", "a.xml") + pointsJob("a.xml", "y") + savingJob("./a.xml", "z", "a.xml"), "no failure"},
+      // The same file in another drawing.
+      {savingJob("a.xml", "x", "a.xml") + pointsJob("a.xml", "y", R"("with": ["b.xml"])"),
+       "a.xml', which line 2 reads"},
+  };
+  for (const Row& row : table) EXPECT_THAT(failureOf(row.jobs), HasSubstr(row.words)) << row.jobs;
+}
+
+TEST(JobFile, KnowsAFileUnderAnotherName) {
+  const test::TemporaryFolder folder;
+  const std::string path = folder.path().string();
+  fs::create_directory(folder / "real");
+  fs::create_directory_symlink("real", folder / "linked");
+  std::ofstream(folder / "real/one.txt") << "1";
+  fs::create_symlink("one.txt", folder / "real/two.txt");
+  EXPECT_THAT(failureOf(pointsJob("a.xml", path + "/real/x") + pointsJob("a.xml", path + "/linked/x")),
+              HasSubstr("jobs.jsonl:2: writes the same files as line 1"));
+  EXPECT_THAT(failureOf(pointsJob("a.xml", path + "/real/one") + pointsJob("a.xml", path + "/real/two")),
+              HasSubstr("jobs.jsonl:2: writes the same files as line 1"));
+}
+
+TEST(JobFile, SeesPathsFromItsBase) {
+  JobFileSettings settings{"jobs.jsonl", {}, "/far", {}};
+  const JobFile jobs(savingJob("a.xml", "out/x", "b.xml", R"("with": ["/here/c.xml", "d.xml"])"), settings);
+  const Job job = jobs.read(jobs.entries()[0]);
+  EXPECT_EQ(job.options.drawing, "/far/a.xml");
+  EXPECT_EQ(job.options.report.stem, "/far/out/x");
+  EXPECT_EQ(job.options.report.saveTo, "/far/b.xml");
+  EXPECT_THAT(job.options.files.with, ElementsAre("/here/c.xml", "/far/d.xml"));
+}
+
+TEST(JobFile, PutsJobsOfOneDrawingTogether) {
+  const JobFile jobs(pointsJob("a.xml", "1") + pointsJob("b.xml", "2") + pointsJob("./a.xml", "3") +
+                         pointsJob("a.xml", "4", R"("with": ["b.xml"])") +
+                         pointsJob("a.xml", "5", R"("swap-axes": ["a.xml"])"),
+                     {"jobs.jsonl", {}, {}, {}});
+  std::vector<std::uint32_t> drawings;
+  for (const JobFile::Entry& entry : jobs.entries()) drawings.push_back(entry.drawing);
+  EXPECT_THAT(drawings, ElementsAre(0, 1, 0, 2, 3));
 }
 
 // ---------------------------------------------------------------- the program
@@ -171,6 +301,7 @@ TEST_F(BatchTest, StopsItsReportsWhenItIsStopped) {
   const RunResult result = test::runProgram(request);
   EXPECT_EQ(result.exitCode, 130);
   EXPECT_THAT(result.errors, HasSubstr("interrupted"));
+  EXPECT_THAT(result.errors, testing::ContainsRegex("500 jobs: [0-9]+ done, 0 failed.* not begun\n"));
   EXPECT_FALSE(fs::exists(place_ / "out/many499.txt"));
   for (const auto& entry : fs::directory_iterator(place_ / "out"))
     EXPECT_EQ(entry.path().extension(), ".txt") << "no unfinished file: " << entry.path();
@@ -194,6 +325,102 @@ TEST_F(BatchTest, RunsNothingWhereTheJobFileIsWrong) {
   EXPECT_EQ(run({"batch", "nobody.jsonl"}).exitCode, 2);
   EXPECT_EQ(run({"batch", "jobs.jsonl", "--jobs", "0"}).exitCode, 2);
   EXPECT_EQ(run({"batch", "--help"}).exitCode, 0);
+}
+
+TEST_F(BatchTest, TellsWhatIsNoJobFile) {
+  fs::create_directory(folder_ / "folder");
+  EXPECT_THAT(run({"batch", "folder"}).errors, HasSubstr("lvxhost: batch: can't read 'folder': it is a folder"));
+  EXPECT_THAT(run({"batch", "nobody.jsonl"}).errors, HasSubstr("can't read 'nobody.jsonl': No such file"));
+  writeJobs("jobs.jsonl", "out");
+  EXPECT_EQ(run({"batch", "jobs.jsonl", "--base", "nowhere"}).exitCode, 2);
+  EXPECT_EQ(run({"batch", "jobs.jsonl", "--report-code-page", "NONE"}).exitCode, 2) << "before any job";
+  EXPECT_TRUE(fs::is_empty(folder_ / "out"));
+}
+
+TEST_F(BatchTest, SeesPathsFromTheJobFilesFolderWhereAsked) {
+  fs::create_directories(folder_ / "project/out");
+  fs::copy_file(test::inSource("/examples/valley-road.xml"), folder_ / "project/road.xml");
+  std::ofstream(folder_ / "project/jobs.jsonl") << R"({"command": "points", "drawing": "road.xml", "alignment": )"
+                                                << R"("Valley road", "points": "1", "forms": "txt", "out": "out/a"})";
+  const RunResult result = run({"batch", "project/jobs.jsonl", "--base", "jobs"});
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_THAT(result.output, testing::StartsWith("project/out/a.txt  "));
+  EXPECT_EQ(run({"batch", "project/jobs.jsonl", "--base", "project", "--overwrite"}).exitCode, 0);
+}
+
+TEST_F(BatchTest, TellsADrawingThatCantBeReadOnEachOfItsLines) {
+  std::ofstream(folder_ / "jobs.jsonl") << pointsJob("none.xml", "a") << pointsJob("none.xml", "b");
+  const RunResult result = run({"batch", "jobs.jsonl"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors, HasSubstr("line 1: lvxhost: landxml: "));
+  EXPECT_THAT(result.errors, HasSubstr("line 1: ended with 3: points none.xml, a\n"));
+  EXPECT_THAT(result.errors, HasSubstr("line 2: ended with 3: points none.xml, b\n"));
+}
+
+TEST_F(BatchTest, LetsLaterJobsOfADrawingSeeWhatWasSaved) {
+  const auto gls = [](const std::string& out, const std::string& more) {
+    return R"({"command": "gls", "drawing": "road.xml", "alignment": "Mill lane", "profile": "Mill lane design", )" +
+           std::string(R"("group": "Mill lane 25 m", "forms": "txt", "out": "out/)") + out + "\"" + more + "}\n";
+  };
+  const std::vector<std::string> jobs{gls("before", ""), gls("saving", R"(, "add-sections": true, "save": "road.xml")"),
+                                      gls("after", ""), gls("last", "")};
+  // All in one batch, and each in a batch of its own.
+  for (const char* name : {"together", "alone"}) {
+    place_ = folder_ / name;
+    fs::create_directories(place_ / "out");
+    fs::copy_file(test::inSource("/examples/valley-road.xml"), place_ / "road.xml");
+    const bool isTogether = std::string(name) == "together";
+    for (const std::string& job : jobs) {
+      std::ofstream(place_ / "jobs.jsonl", isTogether ? std::ios::app : std::ios::trunc) << job;
+      if (isTogether && &job != &jobs.back()) continue;
+      const RunResult result = run({"batch", "jobs.jsonl", "--jobs", "4"});
+      ASSERT_EQ(result.exitCode, 0) << result.errors;
+    }
+  }
+  for (const char* file : {"out/before.txt", "out/saving.txt", "out/after.txt", "out/last.txt", "road.xml"})
+    EXPECT_TRUE(
+        test::sameBytes(fileBytes(folder_.path() / "together" / file), fileBytes(folder_.path() / "alone" / file)))
+        << file;
+  const auto rows = [](const std::string& report) { return report.substr(report.find("Date")); };
+  EXPECT_NE(rows(fileBytes(place_ / "out/after.txt")), rows(fileBytes(place_ / "out/before.txt")))
+      << "or this shows nothing";
+}
+
+TEST_F(BatchTest, LosesOneReportByACrash) {
+  fs::create_directory(folder_ / "out");
+  const std::string road = test::inSource("/examples/valley-road.xml");
+  const std::string module = test::inBuild("/tests/cli/odd/crashing.vmx");
+  const auto points = [&](const std::string& out, const std::string& more) {
+    return R"({"command": "points", "drawing": ")" + road + R"(", "alignment": "Valley road", "points": "1", )" +
+           R"("forms": "txt", "out": "out/)" + out + "\"" + more + "}\n";
+  };
+  std::ofstream(folder_ / "jobs.jsonl") << points("a", "") << points("b", R"(, "module": ")" + module + "\"")
+                                        << points("c", "");
+  const RunResult result = run({"batch", "jobs.jsonl"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors, testing::ContainsRegex("line 2: ended with 13[0-9]: points "));
+  EXPECT_THAT(result.errors, HasSubstr("3 jobs: 2 done, 1 failed (line 2)"));
+  EXPECT_TRUE(fs::exists(folder_ / "out/a.txt"));
+  EXPECT_TRUE(fs::exists(folder_ / "out/c.txt"));
+}
+
+TEST_F(BatchTest, WaitsWhereFewFilesMayBeOpen) {
+  fs::create_directory(folder_ / "out");
+  std::ofstream jobs(folder_ / "jobs.jsonl");
+  for (int i = 0; i < 60; ++i) {
+    const std::string name = "road" + std::to_string(i % 30) + ".xml";
+    if (i < 30) fs::copy_file(test::inSource("/examples/valley-road.xml"), folder_ / name);
+    jobs << R"({"command": "points", "drawing": ")" << name << R"(", "alignment": "Valley road", "points": "1", )"
+         << R"("forms": "txt", "out": "out/)" << i << "\"}\n";
+  }
+  jobs.close();
+  test::RunRequest request;
+  request.program = "/bin/sh";
+  request.folder = place_;
+  request.arguments = {"-c", "ulimit -n 24; exec \"$0\" batch jobs.jsonl --jobs 60", test::inBuild("/bin/lvxhost")};
+  const RunResult result = test::runProgram(request);
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_THAT(result.errors, HasSubstr("60 jobs: 60 done, 0 failed"));
 }
 
 }  // namespace

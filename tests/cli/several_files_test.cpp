@@ -267,22 +267,25 @@ TEST_F(SeveralFiles, KeepAnAddedFileWhereSavingNamesAnother) {
 
 // ---------------------------------------------------------------- job files
 
+options::Options onlyJob(const std::string& line) {
+  const JobFile jobs(line, {"jobs.jsonl", {}, {}, {}});
+  return jobs.entries().size() == 1 ? jobs.read(jobs.entries()[0]).options : options::Options();
+}
+
 TEST(JobFile, TakesNumbersWithDecimals) {
-  const std::vector<Job> jobs =
-      parseJobs(R"({"command": "gls", "drawing": "a.xml", "ground-tolerance": 0.02, "out": "a"})", "jobs.jsonl", {});
-  ASSERT_EQ(jobs.size(), 1U);
-  EXPECT_THAT(jobs[0].arguments, testing::Contains("--ground-tolerance=0.02"));
+  EXPECT_EQ(onlyJob(R"({"command": "gls", "drawing": "a.xml", "alignment": "A", "group": "G", "ground-profile": "S", )"
+                    R"("ground-tolerance": 0.02, "out": "a"})")
+                .report.groundTolerance,
+            "0.02");
 }
 
 TEST(JobFile, TakesListsOfFiles) {
-  const std::vector<Job> jobs = parseJobs(
-      R"({"command": "points", "drawing": "a.xml", "with": ["b.xml", "-c.xml", ""], "swap-axes": "b.xml", "convert-units": true, "out": "a"})",
-      "jobs.jsonl", {});
-  ASSERT_EQ(jobs.size(), 1U);
-  std::vector<std::string> arguments = jobs[0].arguments;
-  arguments.resize(8);
-  EXPECT_THAT(arguments, ElementsAre("points", "--with=b.xml", "--with=-c.xml", "--with", "", "--swap-axes=b.xml",
-                                     "--convert-units", "--out=a"));
+  const options::Options job =
+      onlyJob(R"({"command": "points", "drawing": "a.xml", "with": ["b.xml", "-c.xml", ""], "swap-axes": "b.xml", )"
+              R"("convert-units": true, "alignment": "A", "points": "all", "out": "a"})");
+  EXPECT_THAT(job.files.with, ElementsAre("b.xml", "-c.xml", ""));
+  EXPECT_THAT(job.files.swapAxes, ElementsAre("b.xml"));
+  EXPECT_TRUE(job.files.convertUnits);
 }
 
 TEST(JobFile, NamesTheLineOfAListThatIsNone) {
@@ -290,7 +293,7 @@ TEST(JobFile, NamesTheLineOfAListThatIsNone) {
     const std::string line =
         std::string("\n") + R"({"command": "points", "drawing": "a.xml", "out": "a", "with": )" + value + "}";
     try {
-      static_cast<void>(parseJobs(line, "jobs.jsonl", {}));
+      const JobFile jobs(line, {"jobs.jsonl", {}, {}, {}});
       ADD_FAILURE() << value;
     } catch (const Failure& failure) {
       EXPECT_STREQ(failure.what(), "jobs.jsonl:2: \"with\" is neither a text nor a list of texts") << value;
@@ -305,13 +308,14 @@ TEST_F(SeveralFiles, AreReportedByJobs) {
   const std::string start =
       R"({"command": "projection", "drawing": "road.xml", "alignment": "Axis", "group": "Lines", "surface": "Ground", )";
   write("jobs.jsonl", start + R"("with": ["feet.xml"], "convert-units": true, "out": "out", "forms": "txt"})" + "\n" +
-                          start + R"("with": ["feet.xml"], "out": "refused"})" + "\n" + start +
-                          R"("with": ["feet.xml"], "convert-units": "perhaps", "out": "unclear"})");
+                          start + R"("with": ["feet.xml"], "out": "refused"})" + "\n");
   const RunResult result = run({"batch", "jobs.jsonl"});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(report(), HasSubstr("     0.000    30.480\r\n"));
   EXPECT_THAT(result.errors, HasSubstr("line 2: lvxhost: landxml: its linear unit is foot"));
-  EXPECT_THAT(result.errors, HasSubstr("line 3: ended with 2"));
+  write("jobs.jsonl", start + R"("with": ["feet.xml"], "convert-units": "perhaps", "out": "unclear"})");
+  EXPECT_THAT(run({"batch", "jobs.jsonl"}).errors,
+              HasSubstr("jobs.jsonl:1: \"convert-units\" is neither true nor false"));
 }
 
 }  // namespace

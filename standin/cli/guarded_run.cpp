@@ -1,0 +1,48 @@
+#include "cli/guarded_run.h"
+
+#include <cstdlib>
+#include <exception>
+#include <new>
+#include <string>
+
+#include "cli/failure.h"
+#include "cli/terminal.h"
+#include "runtime/open_drawing.h"
+
+namespace lvx::cli {
+
+namespace {
+constexpr const char* kNoMemory = "the command ended by an exception: there is not enough memory";
+}
+
+void endWithoutMemory() {
+  try {
+    if (std::current_exception()) std::rethrow_exception(std::current_exception());
+  } catch (const std::bad_alloc&) {
+    say(kNoMemory);
+    std::_Exit(kException);
+  } catch (...) {
+    std::abort();
+  }
+  std::abort();
+}
+
+int runGuarded(const std::function<int()>& work) {
+  try {
+    return work();
+  } catch (const Failure& failure) {
+    say(failure.what());
+    return failure.code();
+  } catch (const runtime::Interrupted&) {
+    say("interrupted; no unfinished file was left");
+    return kInterrupted;
+  } catch (const std::bad_alloc&) {
+    say(kNoMemory);
+    return kException;
+  } catch (const std::exception& error) {
+    say(std::string("the command ended by an exception: ") + error.what());
+    return kException;
+  }
+}
+
+}  // namespace lvx::cli

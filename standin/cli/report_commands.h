@@ -1,0 +1,14 @@
+#pragma once
+
+#include "cli/report_run.h"
+#include "options/commands.h"
+#include "options/exit_codes.h"
+#include "options/options.h"
+
+namespace lvx::cli {
+
+/// Runs one of the report commands. Throws as runReport() does.
+[[nodiscard]] options::ExitCode runReportCommand(options::Command command, const options::Options& options,
+                                                 ReportRun& run);
+
+}  // namespace lvx::cli

@@ -1,0 +1,222 @@
+#include "standin_platform/process_copy.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <set>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#ifdef __linux__
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#endif
+
+#include "standin_platform/posix/detail/descriptor.h"
+#ifndef __linux__
+#include "standin_platform/temporary_stream.h"
+#endif
+
+namespace lvx::standin_platform {
+
+namespace {
+
+/// The ends of lines that this process has. A further copy closes them, since a line ends when its last holder does.
+std::set<int>& heldEnds() {
+  static std::set<int> ends;
+  return ends;
+}
+
+using Length = std::uint64_t;
+
+/// A file for what a copy says. Making and removing one on a disk may take longer than a report.
+Descriptor openKept() {
+#ifdef __linux__
+  return Descriptor(::memfd_create("words", MFD_CLOEXEC));
+#else
+  const Stream stream = openTemporaryStream();
+  return stream ? Descriptor(::fcntl(::fileno(stream.get()), F_DUPFD_CLOEXEC, 0)) : Descriptor();
+#endif
+}
+
+std::string contentOf(const Descriptor& file) {
+  std::string text;
+  std::array<char, 4096> part{};
+  for (off_t at = 0;;) {
+    const ssize_t size = ::pread(file.number(), part.data(), part.size(), at);
+    if (size < 0 && errno == EINTR) continue;
+    if (size <= 0) return text;
+    text.append(part.data(), static_cast<std::size_t>(size));
+    at += size;
+  }
+}
+
+}  // namespace
+
+struct MessageLine::State {
+  explicit State(int number) : end(number) { heldEnds().insert(number); }
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+  ~State() { close(); }
+  void close() {
+    if (!end.isOpen()) return;
+    heldEnds().erase(end.number());
+    (void)end.close();
+  }
+  /// Whether all of them went; without a signal where nobody is at the other end.
+  bool write(const char* bytes, std::size_t size) const {
+    while (size > 0) {
+      const ssize_t count = ::send(end.number(), bytes, size, MSG_NOSIGNAL);
+      if (count < 0 && errno == EINTR) continue;
+      if (count <= 0) return false;
+      bytes += count;
+      size -= static_cast<std::size_t>(count);
+    }
+    return true;
+  }
+
+  Descriptor end;
+  /// Begin of a message whose rest hasn't come.
+  std::string part;
+};
+
+MessageLine::MessageLine(std::unique_ptr<State> state) : state_(std::move(state)) {}
+MessageLine::MessageLine(MessageLine&& other) noexcept = default;
+MessageLine::~MessageLine() = default;
+
+bool MessageLine::send(std::string_view message) {
+  const Length length = message.size();
+  std::array<char, sizeof length> head{};
+  std::memcpy(head.data(), &length, sizeof length);
+  return state_->end.isOpen() && state_->write(head.data(), head.size()) &&
+         state_->write(message.data(), message.size());
+}
+
+bool MessageLine::take(std::vector<std::string>& messages) {
+  bool isOpen = state_->end.isOpen();
+  std::array<char, 65536> bytes{};
+  while (isOpen) {
+    const ssize_t count = ::recv(state_->end.number(), bytes.data(), bytes.size(), MSG_DONTWAIT);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) break;
+    if (count <= 0)
+      isOpen = false;
+    else
+      state_->part.append(bytes.data(), static_cast<std::size_t>(count));
+  }
+  std::string_view rest = state_->part;
+  Length length = 0;
+  while (rest.size() >= sizeof length) {
+    std::memcpy(&length, rest.data(), sizeof length);
+    if (rest.size() - sizeof length < length) break;
+    messages.emplace_back(rest.substr(sizeof length, length));
+    rest.remove_prefix(sizeof length + length);
+  }
+  state_->part.erase(0, state_->part.size() - rest.size());
+  return isOpen;
+}
+
+void MessageLine::close() { state_->close(); }
+
+void waitForMessages(std::span<MessageLine* const> lines, std::chrono::milliseconds longest) {
+  std::vector<pollfd> ends;
+  ends.reserve(lines.size());
+  for (const MessageLine* line : lines)
+    if (line->state_->end.isOpen()) ends.push_back({line->state_->end.number(), POLLIN, 0});
+  (void)::poll(ends.data(), ends.size(), static_cast<int>(longest.count()));
+}
+
+struct ProcessCopy::State {
+  pid_t number = 0;  ///< 0: its end was waited for
+  bool isInterrupted = false;
+  Descriptor output;
+  Descriptor errors;
+};
+
+namespace {
+
+/// Two ends of a new line; none of them reaches programs that this one starts.
+std::array<std::unique_ptr<MessageLine::State>, 2> newLine() {
+  std::array<int, 2> ends{};
+  if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) throw std::system_error(lastError());
+  return {std::make_unique<MessageLine::State>(ends[0]), std::make_unique<MessageLine::State>(ends[1])};
+}
+
+/// Puts an open file behind the number of a standard stream.
+bool putBehind(int file, int stream) { return ::dup2(file, stream) == stream; }
+
+void keepStreams(const Descriptor& output, const Descriptor& errors) {
+  const Descriptor nothing(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+  if (!putBehind(output.number(), STDOUT_FILENO) || !putBehind(errors.number(), STDERR_FILENO) || !nothing.isOpen() ||
+      !putBehind(nothing.number(), STDIN_FILENO))
+    ::_exit(127);
+}
+
+}  // namespace
+
+ProcessCopy::ProcessCopy(const Work& work, Streams streams)
+    : state_(std::make_unique<State>()), line_(std::unique_ptr<MessageLine::State>()) {
+  if (streams == Streams::Kept) {
+    state_->output = openKept();
+    if (state_->output.isOpen()) state_->errors = openKept();
+    if (!state_->errors.isOpen()) throw std::system_error(lastError());
+  }
+  auto ends = newLine();
+  // What lies in the buffers of this process is this one's to write.
+  std::fflush(nullptr);
+  const pid_t parent = ::getpid();
+  state_->number = ::fork();
+  if (state_->number < 0) {
+    state_->number = 0;
+    throw std::system_error(lastError());
+  }
+  if (state_->number == 0) {
+#ifdef __linux__
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+#endif
+    if (::getppid() != parent) ::_exit(127);
+    const int own = ends[1]->end.number();
+    for (const int end : heldEnds())
+      if (end != own) ::close(end);
+    heldEnds() = {own};
+    if (streams == Streams::Kept) keepStreams(state_->output, state_->errors);
+    MessageLine line(std::move(ends[1]));
+    const int code = work(line);
+    std::fflush(nullptr);
+    ::_exit(code);
+  }
+  line_.state_ = std::move(ends[0]);
+}
+
+ProcessCopy::~ProcessCopy() {
+  if (state_->number == 0) return;
+  ::kill(state_->number, SIGKILL);
+  (void)wait();
+}
+
+void ProcessCopy::interrupt() {
+  if (state_->number > 0 && !std::exchange(state_->isInterrupted, true)) ::kill(state_->number, SIGTERM);
+}
+
+ChildResult ProcessCopy::wait() {
+  int status = 0;
+  while (::waitpid(state_->number, &status, 0) < 0 && errno == EINTR) {
+  }
+  state_->number = 0;
+  ChildResult result;
+  result.exitCode = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+  if (state_->output.isOpen()) result.output = contentOf(state_->output);
+  if (state_->errors.isOpen()) result.errors = contentOf(state_->errors);
+  return result;
+}
+
+}  // namespace lvx::standin_platform
