@@ -126,7 +126,7 @@ class JobFile::Reader {
     for (const JobMember& member : members) {
       if (member.name == "command") continue;
       if (member.name == "drawing") {
-        job.options.drawing = path(requireText(member.name, required(members, "drawing")));
+        job.options.drawing = path(requireText(required(members, "drawing")));
         continue;
       }
       const auto found = command.byName.find(member.name);
@@ -148,7 +148,7 @@ class JobFile::Reader {
     throw JobLineError(inQuotes(name) + " is no report command; there is " + reportCommands());
   }
 
-  static const std::string& requireText(const std::string& name, const std::string& text) {
+  static const std::string& requireText(const std::string& text) {
     if (text.find('\0') != std::string::npos) throw JobLineError("a zero character stands in a text");
     return text;
   }
@@ -171,18 +171,17 @@ class JobFile::Reader {
       if (value.kind != Kind::Text && value.kind != Kind::List)
         throw JobLineError(inQuotes(member.name) + " is neither a text nor a list of texts");
       const std::vector<std::string> texts = value.kind == Kind::List ? value.list : std::vector{value.text};
-      for (const std::string& text : texts) takeText(option, member.name, text, values);
+      for (const std::string& text : texts) takeText(option, text, values);
       return !texts.empty();
     }
     if (value.kind != Kind::Text && value.kind != Kind::Number)
       throw JobLineError(inQuotes(member.name) + " is neither a text nor a number");
-    takeText(option, member.name, value.text, values);
+    takeText(option, value.text, values);
     return true;
   }
 
-  void takeText(const KnownOption& option, const std::string& name, const std::string& text,
-                options::Options& values) const {
-    requireText(name, text);
+  void takeText(const KnownOption& option, const std::string& text, options::Options& values) const {
+    requireText(text);
     try {
       apply(*option.description, values, option.isPath ? path(text) : text);
     } catch (const std::invalid_argument& error) {
