@@ -431,7 +431,7 @@ std::vector<std::size_t> chosen(std::size_t count, const std::string& test) {
   if (!one.empty()) return {static_cast<std::size_t>(std::stoull(one))};
   std::vector<std::size_t> numbers(count);
   for (std::size_t i = 0; i < count; ++i) numbers[i] = i;
-  const std::string wanted = variable("LVX_FAULTS", "4");
+  const std::string wanted = variable("LVX_FAULTS", "3");
   if (wanted == "all") return numbers;
   std::seed_seq seed(test.begin(), test.end());
   std::mt19937 random(seed);
