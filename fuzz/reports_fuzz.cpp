@@ -11,9 +11,7 @@
 #include <vector>
 
 #include "cli/failure.h"
-#include "cli/gls_command.h"
-#include "cli/points_command.h"
-#include "cli/projection_command.h"
+#include "cli/report_commands.h"
 #include "landxml/reader.h"
 #include "options/options.h"
 #include "scratch_folder.h"
@@ -34,10 +32,10 @@ options::Options common(const fuzz::ScratchFolder& folder) {
   return options;
 }
 
-template <class Run>
-void report(const fuzz::ScratchFolder& folder, const Run& run, const options::Options& options) {
+void report(const fuzz::ScratchFolder& folder, options::Command command, const options::Options& options) {
   try {
-    const options::ExitCode code = run(options);
+    cli::ReportRun run;
+    const options::ExitCode code = cli::runReportCommand(command, options, run);
     if (code == options::kException) return;
     for (const char* ending : {".txt", ".xls", ".html"})
       if (code == options::kDone && !std::filesystem::exists(options.report.stem + ending)) std::abort();
@@ -93,19 +91,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                            ",ends,left=10,right=10";
   if (!drawing.surfaces.empty()) {
     options.report.surface = oneOf(drawing.surfaces, how / 2).name;
-    report(folder, cli::runProjection, options);
+    report(folder, options::Command::Projection, options);
   }
   if (!alignment.profiles.empty()) {
     options.report.profile = oneOf(alignment.profiles, how / 2).name;
     options.report.addSections = how % 3 == 0;
-    report(folder, cli::runGls, options);
+    report(folder, options::Command::Gls, options);
     options.report.addSections = false;
   }
   if (!drawing.points.empty()) {
     options.report.group.reset();
     options.report.lines.reset();
     options.report.points.numbers = "all";
-    report(folder, cli::runPoints, options);
+    report(folder, options::Command::Points, options);
   }
   return 0;
 }

@@ -17,7 +17,8 @@ constexpr wchar_t kReleaseValue[] = L"CurVer";
 constexpr wchar_t kHostName[] = L"Vantor Lorvix ";
 constexpr wchar_t kStars[] = L"*******************************************************";
 
-/// The host's own release numbers and the years under which they are sold.
+/// The host's release numbers and the years that stand for them. The pairs are ours: no list of the host's own was at hand,
+/// and a release that isn't among them shows its number.
 struct Release {
   const wchar_t* number;
   const wchar_t* year;

@@ -189,31 +189,75 @@ class Letters {
   std::string first_;
 };
 
-void lookAtPoints(Letters& letters, const std::vector<const civil::Point*>& points) {
-  for (const civil::Point* point : points) {
+/// UTF-16 units that a cell of a workbook holds.
+constexpr std::size_t kLongestText = 32767;
+/// Of a name in a sentence.
+constexpr std::size_t kShownName = 200;
+
+/// Of a text in UTF-8.
+std::size_t unitsOf(std::string_view text) {
+  std::size_t units = 0;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if ((byte & 0xC0U) != 0x80U) units += byte >= 0xF0U ? 2 : 1;
+  }
+  return units;
+}
+
+/// Texts that are longer than a cell of the workbook.
+class LongTexts {
+ public:
+  template <class Words>
+  void look(std::string_view text, Words words) {
+    // No letter takes more units there than bytes here.
+    if (text.size() <= kLongestText) return;
+    const std::size_t length = unitsOf(text);
+    if (length <= kLongestText || ++count_ > 1) return;
+    first_ = words() + " has " + std::to_string(length) + " characters, and a cell of the workbook holds " +
+             std::to_string(kLongestText);
+  }
+
+  [[nodiscard]] bool isEmpty() const { return count_ == 0; }
+  [[nodiscard]] std::string sentence() const {
+    return first_ + (count_ > 1 ? "; " + text::countText(count_ - 1, "more text") + " too long" : std::string()) +
+           ": the workbook cuts the rest";
+  }
+
+ private:
+  std::size_t count_ = 0;
+  std::string first_;
+};
+
+/// Calls `look(text, words)` for every text of the drawing that the report prints; `words()` tells what it is of.
+template <class Look>
+void eachText(const ReportObjects& objects, const std::string& stem, Look look) {
+  look(stem, [&] { return "the path '" + stem + "'"; });
+  if (objects.group != nullptr)
+    for (const civil::SampleLine& line : objects.group->lines)
+      look(line.name, [&] { return "sample line '" + line.name.substr(0, kShownName) + "'"; });
+  if (objects.report != Report::Points) return;
+  if (objects.alignment != nullptr && !objects.points.empty())
+    look(objects.alignment->name, [&] { return "alignment '" + objects.alignment->name.substr(0, kShownName) + "'"; });
+  for (const civil::Point* point : objects.points) {
     const auto words = [point](const char* what) {
       return [point, what] { return "point " + std::to_string(point->number) + ", " + what; };
     };
-    letters.look(point->texts.name(), words("name"));
-    letters.look(point->texts.description(), words("raw description"));
-    letters.look(point->texts.fullDescription(), words("full description"));
+    look(point->texts.name(), words("name"));
+    look(point->texts.description(), words("raw description"));
+    look(point->texts.fullDescription(), words("full description"));
   }
 }
 
-void warnOfLetters(std::vector<std::string>& list, const ReportObjects& objects, const std::string& stem,
-                   const Forms& forms, platform::Platform& platform) {
-  if (!forms.text && !forms.page) return;
+void warnOfTexts(std::vector<std::string>& list, const ReportObjects& objects, const std::string& stem,
+                 const Forms& forms, platform::Platform& platform) {
   Letters letters(platform);
-  letters.look(stem, [&] { return "the path '" + stem + "'"; });
-  if (objects.group != nullptr)
-    for (const civil::SampleLine& line : objects.group->lines)
-      letters.look(line.name, [&] { return "sample line '" + line.name + "'"; });
-  if (objects.report == Report::Points) {
-    if (objects.alignment != nullptr && !objects.points.empty())
-      letters.look(objects.alignment->name, [&] { return "alignment '" + objects.alignment->name + "'"; });
-    lookAtPoints(letters, objects.points);
-  }
+  LongTexts longTexts;
+  eachText(objects, stem, [&](std::string_view text, auto words) {
+    if (forms.text || forms.page) letters.look(text, words);
+    if (forms.workbook) longTexts.look(text, words);
+  });
   if (!letters.isEmpty()) list.push_back(letters.sentence(forms));
+  if (!longTexts.isEmpty()) list.push_back(longTexts.sentence());
 }
 
 }  // namespace
@@ -233,7 +277,7 @@ std::vector<std::string> warnings(const civil::Drawing& drawing, const ReportObj
     list.push_back("the drawing's unit of length is " + drawing.linearUnit +
                    ": the report gives its lengths in it, also where its texts say m");
   warnOfPlaces(list, drawing, objects, hints);
-  warnOfLetters(list, objects, stem, forms, platform);
+  warnOfTexts(list, objects, stem, forms, platform);
   return list;
 }
 

@@ -45,7 +45,8 @@ enum class HintsFor : std::uint8_t { CommandLine, Desktop };
 [[nodiscard]] std::string whyOutOfReach(const ReportObjects& objects);
 
 /// What in the drawing makes the report other than its reader expects: a unit that its texts don't know, ground that isn't
-/// where the alignment is, sample lines without ground, letters that cut its text and page. `stem` is the path of the report files without extension,
+/// where the alignment is, sample lines without ground, letters that cut its text and page, texts that a cell of its workbook
+/// can't hold. `stem` is the path of the report files without extension,
 /// which its head shows. O(texts and coordinates of the report's objects).
 [[nodiscard]] std::vector<std::string> warnings(const civil::Drawing& drawing, const ReportObjects& objects,
                                                 const std::string& stem, const Forms& forms,

@@ -19,6 +19,7 @@
 #include "runtime/module_loader.h"
 #include "runtime/standin_host.h"
 #include "standin_platform/atomic_file.h"
+#include "standin_platform/interruption.h"
 
 namespace lvx::cli {
 
@@ -214,6 +215,8 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, Repo
       say("the drawing was not saved to '" + *options.report.saveTo + "', since the command didn't end by itself");
     return kException;
   }
+  // A form that was being written then is among those that were told; the module itself goes on to the next.
+  if (!complete && standin_platform::isInterrupted()) throw runtime::Interrupted();
   if (options.report.saveTo) {
     made.remove();
     if (!maySave(host->openDrawing()->drawing(), options)) return kNotWritten;

@@ -26,8 +26,9 @@ struct PlannedReport {
 };
 
 /// Tells the front end what to do in the command's dialogs, given the open drawing, and makes there what the report alone
-/// needs. `closing` are the steps with which the last opening ends: stem typed, forms ticked, OK clicked. Every name is looked up here, before the command runs, so that
-/// a wrong one is told (Failure, kUnknownName) with what the dialog's lists would offer.
+/// needs. `closing` are the steps with which the last opening ends: stem typed, forms ticked, OK clicked. Every name is
+/// looked up here, before the command runs, so that a wrong one is told (Failure, kUnknownName) with what the dialog's
+/// lists would offer.
 using ReportPlan = std::function<PlannedReport(MadeForReport& made, const std::vector<DialogStep>& closing,
                                                CommandLineFrontEnd& frontEnd)>;
 
@@ -43,8 +44,7 @@ struct ReportRun {
 /// standard error, where before it stands what is odd about the report's objects and behind it what the user can change
 /// about an exception. A report that would be of another alignment than the one asked for isn't run (Failure,
 /// kNotWritten). Where the options say so, saves the drawing once the command ended by itself, without what was
-/// made for the report. Throws Failure, and
-/// runtime::Interrupted where the user stopped it.
+/// made for the report. Throws Failure, and runtime::Interrupted where the user stopped it.
 [[nodiscard]] options::ExitCode runReport(const options::Options& options, const wchar_t* command, ReportRun& run,
                                           const ReportPlan& plan);
 

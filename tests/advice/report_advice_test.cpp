@@ -206,6 +206,28 @@ TEST(ReportAdvice, LetsPointsLieBesideTheirAlignment) {
 
 // ---------------------------------------------------------------- letters
 
+TEST(ReportAdvice, TellsOfATextThatACellOfTheWorkbookCantHold) {
+  const std::size_t most = 32767;
+  civil::Point point;
+  point.number = 7;
+  ReportObjects objects;
+  objects.report = Report::Points;
+  objects.points = {&point};
+  point.texts = {"", std::string(most, 'x'), ""};
+  EXPECT_THAT(warned({}, objects), IsEmpty());
+  point.texts = {"", std::string(most + 1, 'x'), std::string(most + 2, 'y')};
+  EXPECT_THAT(
+      warned({}, objects),
+      ElementsAre("point 7, raw description has 32768 characters, and a cell of the workbook holds 32767; 1 more "
+                  "text too long: the workbook cuts the rest"));
+  EXPECT_THAT(warned({}, objects, {.workbook = false}), IsEmpty());
+  // What counts are letters as the workbook counts them, not bytes.
+  std::string letters;
+  for (std::size_t i = 0; i < most; ++i) letters += "\u00e4";
+  point.texts = {"", letters, ""};
+  EXPECT_THAT(warned({}, objects), IsEmpty());
+}
+
 TEST(ReportAdvice, NamesTheTextAndTheLetterThatCutsIt) {
   const civil::AlignmentObject alignment = northward("県道", 100, 500, 100);
   civil::SampleLineGroup group;

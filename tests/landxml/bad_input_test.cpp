@@ -53,6 +53,20 @@ TEST(BadInput, EachKindOfWrongFileIsToldWithItsLine) {
        "</Alignments> stands where </Units> is due (road.xml:3)"},
       {"two roots", "<LandXML/>\n<LandXML/>", "a second root element <LandXML> (road.xml:2)"},
       {"tail", "<LandXML/>\nxyz", "text stands behind the end of the root element (road.xml:2)"},
+      {"twice", "<LandXML>\n<Units a=\"b\" c=\"d\"\n a=\"b\"/></LandXML>",
+       "<Units> has the attribute 'a' twice (road.xml:2)"},
+      {"twice in a face",
+       "<LandXML><Surfaces><Surface name=\"S\"><Definition surfType=\"TIN\"><Pnts><P id=\"1\">0 0 1</P><P id=\"2\">9 0 "
+       "1</P>"
+       "<P id=\"3\">0 9 1</P></Pnts><Faces>\n<F n=\"0\" i=\"1\" i=\"0\">1 2 "
+       "3</F></Faces></Definition></Surface></Surfaces>"
+       "</LandXML>",
+       "<F> has the attribute 'i' twice (road.xml:2)"},
+      {"twice in a point",
+       "<LandXML><Surfaces><Surface name=\"S\"><Definition surfType=\"TIN\"><Pnts>\n<P id=\"1\" id=\"2\">0 0 "
+       "1</P></Pnts>"
+       "</Definition></Surface></Surfaces></LandXML>",
+       "<P> has the attribute 'id' twice (road.xml:2)"},
       {"attribute", "<LandXML>\n<Units a=b/></LandXML>", "an attribute's value has no quotes (road.xml:2)"},
       {"tag in tag", "<LandXML>\n<Units <Metric/></LandXML>", "'<' stands inside a tag (road.xml:2)"},
       {"encoding", "<?xml version=\"1.0\" encoding=\"klingon\"?><LandXML/>", "the encoding 'KLINGON' isn't known"},

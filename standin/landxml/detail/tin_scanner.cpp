@@ -121,6 +121,7 @@ TinScanner::Step TinScanner::fastPoint(const char*& at) {
 TinScanner::Step TinScanner::fastFace(const char*& at) {
   const char* p = at + 1 + childName_.size();
   RawFace face;
+  std::uint32_t firstLetters = 0;  // of the attributes so far: one bit each
   for (;;) {
     const char* const before = p;
     p = skipBlanks(p);
@@ -129,6 +130,10 @@ TinScanner::Step TinScanner::fastFace(const char*& at) {
     const char* const name = p;
     while (*p >= 'a' && *p <= 'z') ++p;
     if (*p != '=') return *p == '\0' ? Step::NeedMore : Step::Odd;
+    // Two that begin alike may be one twice, which slowElement tells apart.
+    const std::uint32_t letter = p == name ? 0U : 1U << static_cast<unsigned>(*name - 'a');
+    if ((firstLetters & letter) != 0) return Step::Odd;
+    firstLetters |= letter;
     const bool isFlag = p - name == 1 && *name == 'i';
     const char quote = *++p;
     if (quote != '"' && quote != '\'') return quote == '\0' ? Step::NeedMore : Step::Odd;

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 
 #include "landxml/detail/input.h"
 #include "landxml/detail/numbers.h"
@@ -65,11 +67,35 @@ class Tokenizer {
   bool inRawText_ = false;
 };
 
-/// Attributes of a start tag, in order; throws ReadError for anything that isn't name="value".
+/// The names of one element's attributes so far.
+class AttributeNames {
+ public:
+  /// False for one that stands there already. O(1).
+  bool add(std::string_view name) {
+    if (count_ == few_.size()) return many_.insert(name).second && !isAmongFew(name);
+    if (isAmongFew(name)) return false;
+    few_[count_++] = name;
+    return true;
+  }
+
+ private:
+  [[nodiscard]] bool isAmongFew(std::string_view name) const {
+    return std::find(few_.begin(), few_.begin() + static_cast<std::ptrdiff_t>(count_), name) !=
+           few_.begin() + static_cast<std::ptrdiff_t>(count_);
+  }
+
+  std::array<std::string_view, 12> few_;
+  std::size_t count_ = 0;
+  std::unordered_set<std::string_view> many_;  ///< those beyond
+};
+
+/// Attributes of a start tag, in order; throws ReadError for anything that isn't name="value", and for one that stands
+/// twice: which of the two counts, no rule of XML says.
 template <class Use>
 void eachAttribute(const Token& token, const std::string& file, std::size_t line, Use use) {
   std::string_view rest = token.raw.substr(1 + token.name.size());
   rest.remove_suffix(token.selfClosing ? 2 : 1);
+  AttributeNames names;
   for (;;) {
     const std::string_view before = rest;
     rest = trimmed(rest);
@@ -85,6 +111,7 @@ void eachAttribute(const Token& token, const std::string& file, std::size_t line
     const auto close = quote == '"' || quote == '\'' ? rest.find(quote, 1) : std::string_view::npos;
     if (close == std::string_view::npos)
       fail("'" + shown(token.raw) + "': an attribute's value has no quotes", file, line);
+    if (!names.add(name)) fail("<" + shown(token.name) + "> has the attribute '" + shown(name) + "' twice", file, line);
     use(name, rest.substr(1, close - 1));
     rest = rest.substr(close + 1);
   }
