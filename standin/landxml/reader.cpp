@@ -119,7 +119,10 @@ void noteUnreadOfRoot(Context& context) {
               "PlanFeatures", "GradeModel", "Monuments"});
 }
 
-void readAlignment(Context& context, Node node, civil::Site& site, std::vector<AlignmentRecord>& records) {
+/// Corridors come from Roadways and from sections alone: `records` are those that one may name, all where the file
+/// `hasRoadways`.
+void readAlignment(Context& context, Node node, civil::Site& site, bool hasRoadways,
+                   std::vector<AlignmentRecord>& records) {
   auto object = std::make_unique<civil::AlignmentObject>();
   object->name = attributeText(node, "name");
   object->description = attributeText(node, "desc");
@@ -149,8 +152,7 @@ void readAlignment(Context& context, Node node, civil::Site& site, std::vector<A
     if (kindOf(sections) == SectionsKind::Corridor) return;
     object->sampleLineGroups.push_back(readSampleLines(context, sections, *object, speaker, number));
   });
-  // Corridors come from Roadways and from sections alone; files of many alignments have neither.
-  if (child(node, "CrossSects") || child(context.root, "Roadways"))
+  if (hasRoadways || child(node, "CrossSects"))
     records.push_back({object.get(), Context::parseHandle(given).value_or(0)});
   site.alignments.push_back(std::move(object));
 }
@@ -162,10 +164,11 @@ std::vector<AlignmentRecord> readAlignments(Context& context, SitesByName& sites
     if (!name.empty()) sites.siteNamed(name, collection, std::nullopt);
   });
   std::vector<AlignmentRecord> records;
+  const bool hasRoadways = static_cast<bool>(child(context.root, "Roadways"));
   eachChild(context.root, "Alignments", [&](Node collection) {
     const std::string name = attributeText(collection, "name");
     civil::Site& site = name.empty() ? context.drawing.siteless : sites.siteNamed(name, collection, std::nullopt);
-    eachChild(collection, "Alignment", [&](Node node) { readAlignment(context, node, site, records); });
+    eachChild(collection, "Alignment", [&](Node node) { readAlignment(context, node, site, hasRoadways, records); });
   });
   return records;
 }

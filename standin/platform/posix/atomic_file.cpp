@@ -147,6 +147,7 @@ struct AtomicFile::State {
   fs::path target;  ///< behind the links
   fs::path draft;   ///< empty: written in place, or no longer there
   Descriptor file;
+  Descriptor lock;                    ///< on the draft, between closing it and its new name
   std::optional<struct stat> former;  ///< the target at the construction
   bool isSettled = false;
 };
@@ -205,6 +206,11 @@ void AtomicFile::settle() {
   // Without this a power cut could leave the new name on an empty file. A device or a pipe takes no such wish.
   if (state.policy.flushesToDisk && !state.draft.empty() && !state.file.flushToDisk())
     throw AtomicFileError(Problem::Writing, lastError());
+  // Closing tells late errors, but would free the lock too, and another run took the draft for a left-over.
+  if (!state.draft.empty()) {
+    state.lock = Descriptor(::fcntl(state.file.number(), F_DUPFD_CLOEXEC, 0));
+    if (!state.lock.isOpen()) throw AtomicFileError(Problem::Writing, lastError());
+  }
   if (!state.file.close()) throw AtomicFileError(Problem::Writing, lastError());
   if (!state.draft.empty() && state.policy.refusesChangedTarget) state.checkTarget();
   state.isSettled = true;
@@ -219,6 +225,7 @@ void AtomicFile::commit() {
   const fs::path place = state.folder();  // which takes memory: before there is no way back
   if (std::rename(state.draft.c_str(), state.target.c_str()) != 0) throw AtomicFileError(Problem::Writing, lastError());
   state.draft.clear();
+  (void)state.lock.close();
   if (!state.policy.flushesToDisk) return;
   // The new file is in place; a folder that can't be flushed only makes it less sure in a power cut.
   const Descriptor folder(::open(place.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
