@@ -101,7 +101,7 @@ TEST_F(ObservedPlatformTest, AFileThatMayNotBeWrittenIsntReplaced) {
   ::chmod((folder_ / "road.txt").c_str(), 0440);
   EXPECT_FALSE(platform_.openFile(wide("road.txt"), "wb"));
   EXPECT_EQ(fileBytes(folder_ / "road.txt"), "former");
-  EXPECT_EQ(journal_.events().at(0).reason, "Permission denied");
+  EXPECT_EQ(journal_.events().at(0).reason, std::make_error_code(std::errc::permission_denied).message());
 }
 
 TEST_F(ObservedPlatformTest, AnExceptionInTheWriterLeavesTheFormerFile) {

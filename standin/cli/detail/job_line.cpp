@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "script/script.h"
+#include "standin_platform/c_locale_scope.h"
 
 namespace lvx::cli {
 
@@ -90,6 +91,8 @@ class MemberReader final : public nlohmann::json_sax<Json> {
 
 std::vector<JobMember> jobMembers(std::string_view line) {
   MemberReader reader;
+  // The text of a number would have the locale's decimal sign.
+  const standin_platform::CLocaleScope scope;
   Json::sax_parse(line.begin(), line.end(), &reader);
   return reader.take();
 }
