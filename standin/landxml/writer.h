@@ -22,7 +22,9 @@ struct SaveOptions {
 
 /// Writes the first file of `drawing`, which was read from `sourcePath`, to `targetPath`, which may be the same file.
 /// Sample line groups, profiles, point groups, and station lists, labels and sections of corridor regions are compared with
-/// what the source says; where they differ the source's bytes are edited at that place. All other bytes are copied: encoding, line ends, comments, order and unknown elements stay.
+/// what the source says; where they differ the source's bytes are edited at that place. All other bytes are copied:
+/// encoding, line ends, comments, order and unknown elements stay. A letter that the encoding hasn't got is written as
+/// "&#8364;".
 /// A drawing without changes gives the source's bytes.
 ///
 /// The first save of a drawing of another program adds our FeatureDictionary, the corridors as the reader understood
@@ -33,9 +35,10 @@ struct SaveOptions {
 /// hard links of the target keep the old content. A killed process may leave ".lvx-save-…" beside the target,
 /// which the next one that writes there takes away.
 ///
-/// Throws SaveError: the source was changed on disk since it was read, can't be read, or is in an encoding of several
-/// bytes a character other than UTF-8 (and the drawing was changed); the target is no regular file, is read-only or can't
-/// be written. Throws Cancelled where the caller's progress ends it. The drawing takes note of its new file when source and target are one.
+/// Throws SaveError: the source was changed on disk since it was read or can't be read; the drawing was changed and the
+/// source is in an encoding of several bytes a letter in which its text has other bytes than these (one that can say a
+/// letter in several ways); the target is no regular file, is read-only or can't be written. Throws Cancelled where the
+/// caller's progress ends it. The drawing takes note of its new file when source and target are one.
 ///
 /// Gives what the target holds now, for a drawing that goes on living there.
 ///

@@ -92,6 +92,19 @@ TEST(Reader, PointsTakeNameAndHandleFromTheirFeature) {
   EXPECT_THAT(drawing.pointGroups[0].numbers, ElementsAre(1));
 }
 
+TEST(Reader, FeaturesNameTheirPointsWhereVersionsHaveNoReferences) {
+  const civil::Drawing drawing = read(ours(R"(
+<CgPoints><CgPoint name="1">10 20 5</CgPoint><CgPoint name="2">30 40 5</CgPoint><CgPoint name="T7">50 60 5</CgPoint>
+<Feature code="lvx_point"><Property label="point" value="1"/><Property label="name" value="Oak-A"/><Property label="handle" value="2A"/></Feature>
+<Feature code="lvx_point"><Property label="point" value="T7"/><Property label="name" value=""/></Feature>
+<Feature code="lvx_point"><Property label="point" value="9"/><Property label="name" value="nobody's"/></Feature></CgPoints>)"));
+  ASSERT_EQ(drawing.points.size(), 3U);
+  EXPECT_EQ(drawing.points[0].texts.name(), "Oak-A");
+  EXPECT_EQ(drawing.points[0].handle, 0x2AU);
+  EXPECT_EQ(drawing.points[1].texts.name(), "");
+  EXPECT_EQ(drawing.points[2].texts.name(), "");
+}
+
 TEST(Reader, CorridorHoldsSectionsAgainstTheProfile) {
   const auto drawing = read(kDrawing);
   ASSERT_EQ(drawing.corridors.size(), 1U);

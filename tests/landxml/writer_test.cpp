@@ -17,6 +17,7 @@
 #include "drawing_compare.h"
 #include "landxml/detail/markup.h"
 #include "saved_file.h"
+#include "standin_platform/text_converter.h"
 #include "support/places.h"
 #include "support/random_numbers.h"
 
@@ -383,16 +384,64 @@ TEST_F(Saving, WritesTheBytesOfTheFilesEncodingAndReferencesForTheRest) {
             readDrawing(target_).corridors[0].baselines[0].regions[0].pendingLabels);
 }
 
-TEST_F(Saving, RefusesToChangeAFileOfWideCharactersAndCopiesItUnchanged) {
-  std::string wide = "\xFF\xFE";
-  for (const char c : replaced(ownCorridor(), "UTF-8", "UTF-16")) wide += {c, '\0'};
-  civil::Drawing drawing = open(wide);
-  EXPECT_EQ(save(drawing), wide);
+/// UTF-8 in another encoding.
+std::string inEncoding(const std::string& text, const std::string& encoding) {
+  standin_platform::TextConverter converter("UTF-8", encoding);
+  std::string bytes;
+  std::size_t done = 0;
+  EXPECT_EQ(converter.convert(text, bytes, done), standin_platform::TextConverter::End::Complete) << encoding;
+  return bytes;
+}
+
+TEST_F(Saving, WritesFilesOfSeveralBytesALetterAsTheyCame) {
+  struct Row {
+    const char* declared;
+    const char* encoding;
+    std::string mark;
+  };
+  using namespace std::string_literals;
+  const std::vector<Row> table{{"UTF-16", "UTF-16LE", "\xFF\xFE"s},
+                               {"UTF-16", "UTF-16BE", "\xFE\xFF"s},
+                               {"UTF-16", "UTF-16LE", ""s},
+                               {"UTF-16", "UTF-16BE", ""s},
+                               {"UTF-32", "UTF-32LE", "\xFF\xFE\0\0"s},
+                               {"UTF-32", "UTF-32BE", "\0\0\xFE\xFF"s},
+                               {"Shift_JIS", "SHIFT_JIS", ""s},
+                               {"EUC-JP", "EUC-JP", ""s}};
+  for (const Row& row : table) {
+    SCOPED_TRACE(row.encoding + (" mark of " + std::to_string(row.mark.size())));
+    // Letters in the file, some that are added, and one that not every encoding has.
+    const std::string text = replaced(replaced(ownCorridor(), "UTF-8", row.declared), "</LandXML>",
+                                      "<!-- \xE9\x81\x93\xE8\xB7\xAF --></LandXML>");
+    const std::string wide = row.mark + inEncoding(text, row.encoding);
+    civil::Drawing drawing = open(wide);
+    EXPECT_EQ(save(drawing), wide);
+    civil::addStation(regionOf(drawing, 0), 125.5, "\xE6\xA9\x8B \xF0\x9F\x9A\xA7");
+    const std::string saved = save(drawing);
+    ASSERT_TRUE(saved.starts_with(row.mark));
+    const bool hasAllLetters = row.encoding[0] == 'U';
+
+    civil::Drawing plain = open(replaced(text, row.declared, "UTF-8"));
+    civil::addStation(regionOf(plain, 0), 125.5, "\xE6\xA9\x8B \xF0\x9F\x9A\xA7");
+    std::string expected = replaced(save(plain), "UTF-8", row.declared);
+    if (!hasAllLetters) expected = replaced(expected, "\xF0\x9F\x9A\xA7", "&#128679;");
+    EXPECT_EQ(saved, row.mark + inEncoding(expected, row.encoding));
+    std::ofstream(target_, std::ios::binary) << saved;
+    EXPECT_EQ(readDrawing(target_).corridors[0].baselines[0].regions[0].pendingLabels,
+              regionOf(drawing, 0).pendingLabels);
+  }
+}
+
+TEST_F(Saving, RefusesToChangeAFileWhoseTextHasOtherBytesInItsEncoding) {
+  // Two escapes in a row, where one says as much.
+  const std::string text = replaced(replaced(ownCorridor(), "UTF-8", "ISO-2022-JP"), "</LandXML>",
+                                    "<!-- \x1B$B\x1B$BF;O)\x1B(B --></LandXML>");
+  civil::Drawing drawing = open(text);
+  EXPECT_EQ(save(drawing), text);
   civil::addStation(regionOf(drawing, 0), 125.5, "Gate");
   std::filesystem::remove(target_);
-  EXPECT_EQ(saveError(drawing, source_, target_),
-            "landxml: drawings in this file's encoding can be read but not changed; save it as UTF-8 first (" +
-                target_ + ")");
+  EXPECT_THAT(saveError(drawing, source_, target_),
+              HasSubstr("the file's bytes aren't those that its text has in the encoding ISO-2022-JP"));
   EXPECT_FALSE(std::filesystem::exists(target_));
 }
 

@@ -24,13 +24,7 @@ FileChange::FileChange(const civil::Drawing& d, const civil::Drawing& s, const T
       markup(t, e, fileTerms),
       places(t) {}
 
-void FileChange::begin() {
-  if (hasBegun_) return;
-  if (trace.scanned.isConverted) {
-    failSaving("drawings in this file's encoding can be read but not changed; save it as UTF-8 first", path);
-  }
-  hasBegun_ = true;
-}
+void FileChange::begin() { hasBegun_ = true; }
 
 void FileChange::remove(Node node) {
   begin();

@@ -28,7 +28,7 @@ class FileChange {
     std::string text;
   };
 
-  /// To be called before anything is written; throws SaveError where the file's encoding can't be changed.
+  /// To be called before anything is written.
   void begin();
   [[nodiscard]] bool hasBegun() const { return hasBegun_; }
   [[nodiscard]] bool hasRemoved() const { return hasRemoved_; }

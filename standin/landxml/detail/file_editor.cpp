@@ -19,22 +19,11 @@ Node lastElement(Node parent) {
   return last;
 }
 
-/// Length of the UTF-8 character that begins with `lead`, which stands in text of ours and is well-formed.
-std::size_t characterLength(unsigned char lead) { return lead < 0x80U ? 1 : lead < 0xE0U ? 2 : lead < 0xF0U ? 3 : 4; }
-
-/// "&#8364;" for the character.
-std::string characterReference(std::string_view character) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(character[i]); };
-  std::uint32_t code = character.size() == 2 ? byte(0) & 0x1FU : character.size() == 3 ? byte(0) & 0x0FU : byte(0) & 7U;
-  for (std::size_t i = 1; i < character.size(); ++i) code = (code << 6U) | (byte(i) & 0x3FU);
-  return "&#" + std::to_string(code) + ";";
-}
-
 }  // namespace
 
 FileEditor::FileEditor(const SourceFile& source, const Trace& trace, const std::string& path,
                        std::function<void()> lookUp)
-    : source_(source), trace_(trace), path_(path), lookUp_(std::move(lookUp)) {
+    : source_(source, trace.scanned, path), trace_(trace), path_(path), lookUp_(std::move(lookUp)) {
   if (trace_.scanned.upperHalf == nullptr) return;
   const auto& upperHalf = *trace_.scanned.upperHalf;
   for (std::size_t i = 0; i < upperHalf.size(); ++i) {
@@ -65,10 +54,10 @@ std::size_t FileEditor::placeOf(Node parent) {
 }
 
 std::string FileEditor::encoded(const std::string& text) const {
-  if (bytes_.empty()) return text;
+  if (bytes_.empty()) return source_.inFile(text);
   std::string result;
   for (std::size_t i = 0; i < text.size();) {
-    const std::size_t length = std::min(characterLength(static_cast<unsigned char>(text[i])), text.size() - i);
+    const std::size_t length = std::min(letterLength(text[i]), text.size() - i);
     const std::string character = text.substr(i, length);
     i += length;
     if (length == 1)
@@ -76,7 +65,7 @@ std::string FileEditor::encoded(const std::string& text) const {
     else if (const auto found = bytes_.find(character); found != bytes_.end())
       result += found->second;
     else
-      result += characterReference(character);
+      result += letterReference(character);
   }
   return result;
 }
@@ -257,17 +246,18 @@ void FileEditor::write(SafeFile& to, ContentHash& check, const std::function<voi
   std::stable_sort(edits_.begin(), edits_.end(), [](const Edit& a, const Edit& b) {
     return a.at != b.at ? a.at < b.at : a.removed == 0 && b.removed > 0;
   });
-  std::vector<char> block(kBlock);
+  check.add(source_.head());
+  to.write(source_.head());
   std::uint64_t done = 0;
   const auto pass = [&](std::uint64_t until, bool copies) {
     while (done < until) {
-      const std::size_t wanted = static_cast<std::size_t>(std::min<std::uint64_t>(kBlock, until - done));
-      const std::size_t count = source_.read(done, block.data(), wanted);
-      if (count == 0) failSaving("the drawing's file became shorter while it was being saved", path_);
-      const std::string_view bytes(block.data(), count);
+      const std::string piece =
+          source_.letters(done, static_cast<std::size_t>(std::min<std::uint64_t>(kBlock, until - done)));
+      if (piece.empty()) failSaving("the drawing's file became shorter while it was being saved", path_);
+      done += piece.size();
+      const std::string bytes = source_.inFile(piece);
       check.add(bytes);
       if (copies) to.write(bytes);
-      done += count;
       progress(done);
     }
   };

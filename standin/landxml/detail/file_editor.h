@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "landxml/detail/document.h"
+#include "landxml/detail/edited_source.h"
 #include "landxml/detail/markup.h"
 #include "landxml/detail/safe_file.h"
 #include "landxml/detail/trace.h"
@@ -59,8 +60,8 @@ class FileEditor {
   /// What stands in front of the element's end tag, if it is a line end and blanks.
   [[nodiscard]] std::string closeLead(Node node) const;
 
-  /// Copies the source with all edits. `check` sees the source's bytes as they go by; `progress` is told the count of
-  /// source bytes done.
+  /// Copies the source with all edits. `check` sees the source's bytes as they go by, those of a converted text as they
+  /// are written again; `progress` is told the count of source bytes done.
   void write(SafeFile& to, ContentHash& check, const std::function<void(std::uint64_t)>& progress);
 
  private:
@@ -94,7 +95,7 @@ class FileEditor {
   void edit(std::uint64_t at, std::uint64_t removed, const std::string& text);
   void settleAppends();
 
-  const SourceFile& source_;
+  EditedSource source_;
   const Trace& trace_;
   std::string path_;
   std::function<void()> lookUp_;

@@ -1,5 +1,6 @@
 #include "landxml/detail/file_saving.h"
 
+#include <algorithm>
 #include <bit>
 #include <chrono>
 #include <cstring>
@@ -187,6 +188,19 @@ void settleFiles(civil::Drawing& drawing, civil::FileNumber file) {
   }
 }
 
+/// As they are, whatever they mean.
+void copyBytes(const SourceFile& from, SafeFile& to, ContentHash& hash,
+               const std::function<void(std::uint64_t)>& tell) {
+  constexpr std::size_t kPiece = std::size_t{1} << 18;
+  for (std::uint64_t at = 0;;) {
+    const std::string piece = from.text(at, kPiece);
+    if (piece.empty()) return;
+    hash.add(piece);
+    to.write(piece);
+    tell(at += piece.size());
+  }
+}
+
 /// Calls `work` at most some twenty times a second, however often it is called itself.
 std::function<void()> nowAndThen(std::function<void()> work) {
   using Clock = std::chrono::steady_clock;
@@ -250,7 +264,15 @@ void FileSaving::write(const std::function<void(std::uint64_t)>& progress) {
   if (terms_.file != 0 && !isOwnFile_ && SafeFile::isThere(target_)) failSaving(kChanged, target_);
   written_.emplace(target_);
   ContentHash copied;
-  editor.write(*written_, copied, [&](std::uint64_t done) { progress(source_.size() + done); });
+  const auto tell = [&](std::uint64_t done) { progress(source_.size() + std::min(done, source_.size())); };
+  if (editor.isUnchanged())
+    copyBytes(source_, *written_, copied, tell);
+  else
+    editor.write(*written_, copied, tell);
+  if (copied.mark() != read_ && trace.scanned.converted.text)
+    failSaving("the file's bytes aren't those that its text has in the encoding " + trace.scanned.converted.encoding +
+                   ", so that saving would change more than was changed in the drawing; save it as UTF-8 first",
+               sourcePath_);
   if (copied.mark() != read_) failSaving(kChanged, sourcePath_);
   written_->settle();
 }

@@ -73,7 +73,9 @@ class PointReader {
     std::optional<std::string> handle;
     std::optional<std::string> name;
   };
-  std::unordered_map<std::string, PointFeature> features_;  // of the collection being read
+  // Of the collection being read, by their names, and by those of their points.
+  std::unordered_map<std::string, PointFeature> features_;
+  std::unordered_map<std::string, PointFeature> featuresOfPoints_;
   std::optional<std::unordered_map<std::int32_t, std::size_t>> pointOfNumber_;
 };
 
@@ -100,9 +102,14 @@ void PointReader::readCollection(Node collection, const std::string& inheritedCo
   std::string code = attributeText(collection, "code");
   if (code.empty()) code = inheritedCode;
   features_.clear();
+  featuresOfPoints_.clear();
   eachChild(collection, "Feature", [&](Node node) {
-    if (attribute(node, "code") == "lvx_point")
-      features_.try_emplace(attributeText(node, "name"), property(node, "handle"), property(node, "name"));
+    if (attribute(node, "code") != "lvx_point") return;
+    // Old versions have no names of Features to refer to: there the Feature names the point.
+    const auto point = property(node, "point");
+    auto& features = point ? featuresOfPoints_ : features_;
+    features.try_emplace(point ? *point : attributeText(node, "name"), property(node, "handle"),
+                         property(node, "name"));
   });
   Collection row{.node = collection, .firstPoint = context_.drawing.points.size()};
   eachChild(collection, "CgPoint", [&](Node node) {
@@ -144,11 +151,11 @@ bool PointReader::readPoint(Node node, const std::string& inheritedCode) {
   std::optional<std::string> ownName;
   std::optional<std::string> handle;
   if (!context_.isOurs() && code.empty()) code = inheritedCode;
-  if (const std::string reference = attributeText(node, "featureRef"); !reference.empty()) {
-    if (const auto found = features_.find(reference); found != features_.end()) {
-      handle = found->second.handle;
-      ownName = found->second.name;
-    }
+  const std::string reference = attributeText(node, "featureRef");
+  const auto& features = reference.empty() ? featuresOfPoints_ : features_;
+  if (const auto found = features.find(reference.empty() ? name : reference); found != features.end()) {
+    handle = found->second.handle;
+    ownName = found->second.name;
   }
   const auto number = plainInteger(name);
   const bool isNameLeft = !ownName && number && name == std::to_string(*number);

@@ -265,7 +265,7 @@ ScannedDocument Scanner::run() {
   if (!open_.isEmpty()) fail("the file ends inside <" + shown(open_.name()) + ">", file_, in_.line());
   if (!rootSeen_) fail("the file holds no XML: it is empty or has no element", file_);
   result_.upperHalf = in_.source().upperHalf;
-  result_.isConverted = in_.source().converted != nullptr;
+  if (locates_) result_.converted = in_.source().converted;
   if (const auto& bad = result_.document.badEntity()) {
     fail("'" + bad->shown + "' isn't an entity of XML", file_, badEntityLine_);
   }

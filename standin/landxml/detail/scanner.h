@@ -46,9 +46,10 @@ struct ScannedDocument {
   std::vector<civil::Diagnostic> diagnostics;
   /// When asked for: of every element in `document`, ascending by node.
   std::vector<ElementSpan> spans;
-  /// The file's encoding, as in DecodedSource. Spans of a text that was converted mean nothing in the file.
+  /// The file's encoding, as in DecodedSource. Spans in a text that was converted are places of that text, which is kept
+  /// with them.
   std::shared_ptr<const std::array<std::string, 128>> upperHalf;
-  bool isConverted = false;
+  ConvertedText converted;
 };
 
 enum class ScanMode : std::uint8_t {

@@ -155,14 +155,25 @@ DecodedSource decode(std::unique_ptr<ByteSource> bytes, const std::string& file)
     source.headStart = 3;
     return source;
   }
-  if (head.starts_with("\xFF\xFE\0\0"sv) || head.starts_with("\0\0\xFE\xFF"sv))
-    wide = "UTF-32";
-  else if (head.starts_with("\xFF\xFE"sv) || head.starts_with("\xFE\xFF"sv))
-    wide = "UTF-16";
-  else if (head.starts_with("<\0"sv))
-    wide = "UTF-16LE";
-  else if (head.starts_with("\0<"sv))
-    wide = "UTF-16BE";
+  struct Wide {
+    std::string_view start;
+    const char* shown;
+    const char* exact;
+    bool isMark;
+  };
+  // The longer marks first: one begins like another.
+  static constexpr std::array<Wide, 6> kWides{{{"\xFF\xFE\0\0"sv, "UTF-32", "UTF-32LE", true},
+                                               {"\0\0\xFE\xFF"sv, "UTF-32", "UTF-32BE", true},
+                                               {"\xFF\xFE"sv, "UTF-16", "UTF-16LE", true},
+                                               {"\xFE\xFF"sv, "UTF-16", "UTF-16BE", true},
+                                               {"<\0"sv, "UTF-16LE", "UTF-16LE", false},
+                                               {"\0<"sv, "UTF-16BE", "UTF-16BE", false}}};
+  for (const Wide& form : kWides) {
+    if (!wide.empty() || !head.starts_with(form.start)) continue;
+    wide = form.shown;
+    source.converted.encoding = form.exact;
+    if (form.isMark) source.converted.byteOrderMark = form.start;
+  }
 
   if (wide.empty()) {
     const std::string name = declaredEncoding(head);
@@ -179,11 +190,15 @@ DecodedSource decode(std::unique_ptr<ByteSource> bytes, const std::string& file)
     wide = name;
   }
 
-  TextConverter converter(wide);
+  if (source.converted.encoding.empty()) source.converted.encoding = wide;
+  TextConverter converter(source.converted.encoding);
   if (!converter.isKnown()) fail("the encoding '" + shown(wide) + "' isn't known", file, 1);
   if (!wide.starts_with("UTF-")) {
     source.upperHalf = upperHalfOf(converter);
-    if (source.upperHalf) return source;
+    if (source.upperHalf) {
+      source.converted = {};
+      return source;
+    }
   }
   const std::string all = readAll(*source.bytes, std::move(source.head));
   auto text = std::make_shared<std::string>();
@@ -194,7 +209,7 @@ DecodedSource decode(std::unique_ptr<ByteSource> bytes, const std::string& file)
     fail("the text isn't " + shown(wide) + " (or is cut off) at byte " + std::to_string(done), file, line);
   }
   if (text->starts_with("\xEF\xBB\xBF")) text->erase(0, 3);
-  source.converted = text;
+  source.converted.text = text;
   source.bytes = openText(*text);
   source.head.clear();
   return source;

@@ -31,6 +31,16 @@ class ByteSource {
 /// The text must outlive the source.
 [[nodiscard]] std::unique_ptr<ByteSource> openText(std::string_view text);
 
+/// A file that was converted to UTF-8 as a whole.
+struct ConvertedText {
+  /// Without a byte order mark; null where nothing was converted.
+  std::shared_ptr<const std::string> text;
+  /// By its name among those of the internet, with the order of bytes: "UTF-16LE", "SHIFT_JIS".
+  std::string encoding;
+  /// As the file begins.
+  std::string byteOrderMark;
+};
+
 /// A stream of bytes in an encoding of which every markup character is the ASCII byte: UTF-8, or one byte a character.
 /// Anything else has been converted to UTF-8 as a whole.
 struct DecodedSource {
@@ -43,8 +53,7 @@ struct DecodedSource {
   std::shared_ptr<const std::array<std::string, 128>> upperHalf;
   /// Empty, or what is odd about the encoding.
   std::string warning;
-  /// Keeps converted text alive.
-  std::shared_ptr<const std::string> converted;
+  ConvertedText converted;
 };
 
 /// Finds the encoding by byte order mark and XML declaration. Throws ReadError for one that isn't known.

@@ -12,8 +12,8 @@ struct TextConverter::State {
   iconv_t converter;
 };
 
-TextConverter::TextConverter(const std::string& encoding)
-    : state_(std::make_unique<State>(State{iconv_open("UTF-8", encoding.c_str())})) {}
+TextConverter::TextConverter(const std::string& encoding, const std::string& to)
+    : state_(std::make_unique<State>(State{iconv_open(to.c_str(), encoding.c_str())})) {}
 
 TextConverter::~TextConverter() {
   if (isKnown()) iconv_close(state_->converter);
@@ -35,6 +35,11 @@ TextConverter::End TextConverter::convert(std::string_view from, std::string& to
     to.append(block.data(), block.size() - outLeft);
     if (error != 0 && error != E2BIG) end = error == EINVAL ? End::Incomplete : End::Invalid;
   }
+  // What leads an encoding of several modes back to its first one.
+  char* out = block.data();
+  std::size_t outLeft = block.size();
+  iconv(state_->converter, nullptr, nullptr, &out, &outLeft);
+  to.append(block.data(), block.size() - outLeft);
   done = from.size() - inLeft;
   return end;
 }
