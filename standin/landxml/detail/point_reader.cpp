@@ -108,8 +108,8 @@ void PointReader::readCollection(Node collection, const std::string& inheritedCo
     // Old versions have no names of Features to refer to: there the Feature names the point.
     const auto point = property(node, "point");
     auto& features = point ? featuresOfPoints_ : features_;
-    features.try_emplace(point ? *point : attributeText(node, "name"), property(node, "handle"),
-                         property(node, "name"));
+    features.try_emplace(point ? *point : attributeText(node, "name"),
+                         PointFeature{property(node, "handle"), property(node, "name")});
   });
   Collection row{.node = collection, .firstPoint = context_.drawing.points.size()};
   eachChild(collection, "CgPoint", [&](Node node) {
