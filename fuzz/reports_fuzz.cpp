@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include <dlfcn.h>
+
 #include "cli/failure.h"
 #include "cli/report_commands.h"
 #include "landxml/reader.h"
@@ -20,14 +22,18 @@ namespace {
 
 using namespace lvx;
 
-options::Options common(const fuzz::ScratchFolder& folder) {
+const std::filesystem::path& binFolder() {
   static const std::filesystem::path bin =
       std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path() / "bin";
+  return bin;
+}
+
+options::Options common(const fuzz::ScratchFolder& folder) {
   options::Options options;
   options.drawing = folder.file("road.xml");
   options.common.overwrite = true;
   options.common.progress = "never";
-  options.common.host.bin = bin;
+  options.common.host.bin = binFolder();
   options.report.stem = folder.file("report");
   return options;
 }
@@ -58,6 +64,13 @@ const auto& oneOf(const List& list, unsigned which) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
   static const fuzz::ScratchFolder folder;
+  // The fuzzer's counters of the module are read after it is gone; so it stays.
+  static const bool staysLoaded = [] {
+    for (const char* name : {"LVX_MIRELLIB.vmx", "LVX_MirelReport.vmx"})
+      if (::dlopen((binFolder() / name).c_str(), RTLD_NOW | RTLD_NODELETE) == nullptr) return false;
+    return true;
+  }();
+  if (!staysLoaded) std::abort();
   // What commands say about each drawing is for people too.
   static const bool isSilent = [] {
     return std::freopen("/dev/null", "w", stdout) != nullptr && setenv("SOURCE_DATE_EPOCH", "0", 1) == 0;

@@ -223,6 +223,8 @@ class ReferenceAxis {
     const Real bx = r.cosine + std::cos(otherAngle);
     const Real by = r.sine + std::sin(otherAngle);
     feet.push_back({distance, stations_[e] + s, -std::copysign(distance, bx * r.y - by * r.x), conditioning});
+    // Where the road turns back on itself both sides are as good.
+    if (std::hypot(bx, by) < 1e-9L) feet.back().marginBeside = 0;
   }
 
   std::vector<ReferenceElement> elements_;
