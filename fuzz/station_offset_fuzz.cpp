@@ -56,7 +56,8 @@ void compare(const Alignment& axis, const test::ReferenceAxis& reference, Vec2 p
   }
   const double stationTolerance = 1e-7 / std::min(1.0, static_cast<double>(wanted.conditioning));
   if (!(std::abs(found->station - station) < stationTolerance)) fail();
-  if (!(std::abs(found->offset - static_cast<double>(wanted.offset)) < 1e-7)) fail();
+  const auto offset = static_cast<double>(wanted.offset);
+  if (!(std::abs(found->offset - (wanted.isSideOpen ? std::copysign(offset, found->offset) : offset)) < 1e-7)) fail();
 }
 
 }  // namespace

@@ -136,6 +136,8 @@ struct ReferenceFoot {
   Real margin = std::numeric_limits<Real>::infinity();
   /// The same for places up to a millimetre away: elements that meet but for a rounding offer two feet at their joint.
   Real marginBeside = std::numeric_limits<Real>::infinity();
+  /// The offset may have either sign.
+  bool isSideOpen = false;
 };
 
 class ReferenceAxis {
@@ -224,7 +226,7 @@ class ReferenceAxis {
     const Real by = r.sine + std::sin(otherAngle);
     feet.push_back({distance, stations_[e] + s, -std::copysign(distance, bx * r.y - by * r.x), conditioning});
     // Where the road turns back on itself both sides are as good.
-    if (std::hypot(bx, by) < 1e-9L) feet.back().marginBeside = 0;
+    feet.back().isSideOpen = std::hypot(bx, by) < 1e-9L;
   }
 
   std::vector<ReferenceElement> elements_;
