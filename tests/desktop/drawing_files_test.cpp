@@ -50,6 +50,18 @@ class DrawingFiles : public testing::Test {
         feet(writeDrawing(folder, "feet.xml", drawingIn("USSurveyFoot", kGround))) {}
 
   static void add(ProgramWindow& program, const QString& path) { program.enter("add " + path.toStdString()); }
+  /// A group "Mine" of one line on the road.
+  static void makeGroup(ProgramWindow& program) {
+    onGui([&] {
+      const civil::AlignmentObject& alignment = *drawingOf(program).siteless.alignments.at(0);
+      civil::SampleLine line;
+      line.name = "Middle";
+      line.station = 50.0;
+      line.vertices = {{40.0, 50.0}, {60.0, 50.0}};
+      program.window->edits().make(QStringLiteral("Lines"),
+                                   civil::addingSampleLineGroup(alignment.handle, "Mine", {line}));
+    });
+  }
 
   TemporaryFolder folder;
   QString road;
@@ -145,16 +157,8 @@ TEST_F(DrawingFiles, EachTakesItsOwnChangesWhenTheDrawingIsSaved) {
     return std::string(std::istreambuf_iterator<char>(file), {});
   };
   const std::string groundBefore = textOf(ground);
-  onGui([&] {
-    const civil::AlignmentObject& alignment = *drawingOf(program).siteless.alignments.at(0);
-    civil::SampleLine line;
-    line.name = "Middle";
-    line.station = 50.0;
-    line.vertices = {{40.0, 50.0}, {60.0, 50.0}};
-    program.window->edits().make(QStringLiteral("Lines"),
-                                 civil::addingSampleLineGroup(alignment.handle, "Mine", {line}));
-    program.window->edits().make(QStringLiteral("Points"), civil::addingPointGroup("Trees", {1, 2, 4}));
-  });
+  makeGroup(program);
+  onGui([&] { program.window->edits().make(QStringLiteral("Points"), civil::addingPointGroup("Trees", {1, 2, 4})); });
   EXPECT_TRUE(onGui([&] { return program.window->isWindowModified(); }));
   program.enter("save");
   ASSERT_TRUE(program.user.waitFor([&] { return !program.window->isWindowModified(); }));
@@ -176,15 +180,7 @@ TEST_F(DrawingFiles, AnAddedOneIsAskedAboutBeforeSaveAsChangesIt) {
   ProgramWindow program(points);
   add(program, road);
   ASSERT_TRUE(waitForFiles(program, 2));
-  onGui([&] {
-    const civil::AlignmentObject& alignment = *drawingOf(program).siteless.alignments.at(0);
-    civil::SampleLine line;
-    line.name = "Middle";
-    line.station = 50.0;
-    line.vertices = {{40.0, 50.0}, {60.0, 50.0}};
-    program.window->edits().make(QStringLiteral("Lines"),
-                                 civil::addingSampleLineGroup(alignment.handle, "Mine", {line}));
-  });
+  makeGroup(program);
   const auto saveAs = [&] {
     program.user.key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_NE(program.user.waitForActiveWindow(QStringLiteral("Save the drawing as")), nullptr);
