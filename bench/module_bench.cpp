@@ -20,6 +20,7 @@
 #include "cli/command_line_front_end.h"
 #include "host/dialog_controls.h"
 #include "landxml/reader.h"
+#include "platform/utf8.h"
 #include "projection/projection_ascii.h"
 #include "projection/projection_computation.h"
 #include "projection/projection_excel.h"

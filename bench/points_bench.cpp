@@ -27,6 +27,7 @@
 #include <xlsxwriter.h>
 
 #include "measuring.h"
+#include "platform/utf8.h"
 #include "points/point_collector.h"
 #include "points/point_sort.h"
 #include "points/points_ascii.h"

@@ -20,7 +20,7 @@
 #include <xlsxwriter.h>
 
 #include "doubles/fake_host.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "services/excel_driver.h"
 #include "workbook/workbook_server.h"
 

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "host/host.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "services/message_catalogue.h"
 #include "services/messages.h"
 

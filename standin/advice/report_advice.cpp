@@ -7,7 +7,7 @@
 #include "civil/boxes_apart.h"
 #include "civil/drawing_files.h"
 #include "host/site_tree.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "text/number_text.h"
 #include "view/alignment_shape.h"
 

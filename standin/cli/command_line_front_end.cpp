@@ -6,7 +6,7 @@
 
 #include "cli/terminal.h"
 #include "host/dialog_controls.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "runtime/help_topics.h"
 #include "windowless/dialog_state.h"
 

@@ -5,7 +5,7 @@
 #include "cli/terminal.h"
 #include "host/dialog_controls.h"
 #include "options/option_table.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 
 namespace lvx::cli {
 

@@ -7,7 +7,7 @@
 #include "cli/failure.h"
 #include "cli/host_setup.h"
 #include "cli/terminal.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "runtime/command_runner.h"
 #include "script/script_front_end.h"
 

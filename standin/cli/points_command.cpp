@@ -8,7 +8,7 @@
 #include "cli/report_run.h"
 #include "cli/terminal.h"
 #include "host/dialog_controls.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "text/number_text.h"
 
 namespace lvx::cli {

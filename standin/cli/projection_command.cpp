@@ -4,7 +4,7 @@
 #include "cli/report_run.h"
 #include "cli/terminal.h"
 #include "host/dialog_controls.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 
 namespace lvx::cli {
 

@@ -15,6 +15,7 @@
 #include "cli/name_lookup.h"
 #include "cli/terminal.h"
 #include "host/dialog_controls.h"
+#include "platform/utf8.h"
 #include "runtime/command_runner.h"
 #include "runtime/module_loader.h"
 #include "runtime/standin_host.h"

@@ -8,7 +8,7 @@
 #include "civil/drawing.h"
 #include "companion/companion_access.h"
 #include "host/run_time.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "text/handle_text.h"
 
 namespace {

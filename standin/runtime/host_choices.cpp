@@ -7,6 +7,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "platform/utf8.h"
+
 namespace lvx::runtime {
 
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "host/run_time.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "runtime/detail/model_object.h"
 #include "text/handle_text.h"
 

@@ -10,7 +10,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "standin_platform/atomic_file.h"
 #include "standin_platform/file_stamp.h"
 #include "standin_platform/sink_stream.h"

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "framework/exceptions.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "runtime/open_drawing.h"
 
 namespace lvx::runtime {

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/utf8.h"
 #include "runtime/detail/model_object.h"
 #include "runtime/model_objects.h"
 

@@ -13,8 +13,8 @@ namespace lvx::runtime {
 StandinHost::StandinHost(FrontEnd& frontEnd, HostOptions options)
     : frontEnd_(frontEnd),
       options_(std::move(options)),
-      posixPlatform_(options_.platform),
-      observedPlatform_(posixPlatform_, journal_, options_.isInterrupted,
+      systemPlatform_(options_.platform),
+      observedPlatform_(systemPlatform_, journal_, options_.isInterrupted,
                         [this](const std::string& path) { return whyNoOutput(path); }),
       registry_(linker_, commands_),
       runTime_(frontEnd, documents_, registry_) {

@@ -9,7 +9,7 @@
 
 #include "companion/companion_access.h"
 #include "host/host.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/system_platform.h"
 #include "runtime/file_journal.h"
 #include "runtime/front_end.h"
 #include "runtime/host_services.h"
@@ -24,7 +24,7 @@ namespace lvx::runtime {
 
 /// How a process sets up its host.
 struct HostOptions {
-  platform::PosixSettings platform;
+  platform::PlatformSettings platform;
   /// Folders that the module's files are searched in, in order; the current folder stands behind them.
   std::vector<std::string> supportPaths;
   /// Files that are found under a name whatever their own: the message file that the user named.
@@ -93,7 +93,7 @@ class StandinHost : public host::Host, public companion::CompanionAccess {
   FrontEnd& frontEnd_;
   HostOptions options_;
   FileJournal journal_;
-  platform::PosixPlatform posixPlatform_;
+  platform::SystemPlatform systemPlatform_;
   ObservedPlatform observedPlatform_;
   framework::ModuleState moduleState_;
   DynamicLinker linker_;

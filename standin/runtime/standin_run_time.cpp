@@ -5,7 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 
 namespace lvx::runtime {
 

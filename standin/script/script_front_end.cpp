@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "runtime/drawing_objects.h"
 
 namespace lvx::script {

@@ -1,6 +1,6 @@
 #include "script/transcript.h"
 
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 
 namespace lvx::script {
 

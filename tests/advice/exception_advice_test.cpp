@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 
 namespace lvx::advice {
 namespace {

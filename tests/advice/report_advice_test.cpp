@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/posix/posix_platform.h"
+#include "platform/system_platform.h"
 
 namespace lvx::advice {
 namespace {
@@ -45,9 +45,9 @@ civil::Drawing ofTwoFiles() {
 
 std::vector<std::string> warned(const civil::Drawing& drawing, const ReportObjects& objects, const Forms& forms = {},
                                 const std::string& stem = "out", const std::string& codePage = {}) {
-  platform::PosixSettings settings;
+  platform::PlatformSettings settings;
   settings.reportCodePage = codePage;
-  platform::PosixPlatform platform(settings);
+  platform::SystemPlatform platform(settings);
   return warnings(drawing, objects, stem, forms, platform);
 }
 
@@ -118,7 +118,7 @@ TEST(ReportAdvice, NamesTheMenuOfTheDesktopWhereItIsForThat) {
   ReportObjects objects;
   objects.alignment = &alignment;
   objects.surface = &surface;
-  platform::PosixPlatform platform{platform::PosixSettings{}};
+  platform::SystemPlatform platform{platform::PlatformSettings{}};
   EXPECT_THAT(warnings(drawing, objects, "out", {}, platform, HintsFor::Desktop),
               ElementsAre(HasSubstr("; with northing and easting of 'ground.xml' swapped they would: see the menu of "
                                     "the file in the tree")));

@@ -4,7 +4,7 @@
 #include "desktop/panels/notice_bar.h"
 #include "desktop/shell/edits.h"
 #include "drawing_parts.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "report_user.h"
 #include "services/messages.h"
 

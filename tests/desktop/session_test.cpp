@@ -22,6 +22,7 @@
 #include "desktop_user/desktop_user.h"
 #include "host/dialog_controls.h"
 #include "landxml/reader.h"
+#include "platform/utf8.h"
 #include "support/places.h"
 #include "support/run_program.h"
 

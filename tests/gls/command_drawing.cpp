@@ -6,7 +6,7 @@
 
 namespace lvx::gls {
 
-CommandDrawing::CommandDrawing(const platform::PosixSettings& settings) : ReportDrawing(settings), roadway(host) {
+CommandDrawing::CommandDrawing(const platform::PlatformSettings& settings) : ReportDrawing(settings), roadway(host) {
   companion.fillElements = [this](const host::Ref<host::QmtAlignment>& alignment, double& start,
                                   host::RecordList<host::taxel>& list) {
     if (!alignment) return;

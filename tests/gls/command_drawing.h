@@ -26,7 +26,7 @@ class CommandDrawing : public test::ReportDrawing {
     std::vector<Profile> profiles;
   };
 
-  explicit CommandDrawing(const platform::PosixSettings& settings);
+  explicit CommandDrawing(const platform::PlatformSettings& settings);
 
   /// To the site given; null: outside any site.
   host::Ref<test::FakeAlignment> addAlignment(const host::Ref<test::FakeSite>& site, const CString& name, Axis axis);

@@ -11,6 +11,7 @@
 #include "gls/gls_command.h"
 #include "golden_case.h"
 #include "host/dialog_controls.h"
+#include "platform/utf8.h"
 #include "support/cell_log.h"
 #include "support/golden.h"
 

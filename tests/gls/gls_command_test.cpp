@@ -15,6 +15,7 @@
 #include "gls/gls_dialog.h"
 #include "host/dialog_controls.h"
 #include "host/picking.h"
+#include "platform/utf8.h"
 
 namespace lvx::gls {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "support/golden.h"
 
 namespace lvx::gls {

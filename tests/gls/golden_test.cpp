@@ -12,6 +12,7 @@
 #include "gls/gls_excel.h"
 #include "gls/gls_html.h"
 #include "golden_case.h"
+#include "platform/utf8.h"
 #include "support/cell_log.h"
 
 namespace lvx::gls {

@@ -15,6 +15,7 @@
 #include "gls/gls_ascii.h"
 #include "gls/gls_excel.h"
 #include "gls/gls_html.h"
+#include "platform/utf8.h"
 #include "support/golden.h"
 
 namespace lvx::gls {

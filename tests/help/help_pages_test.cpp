@@ -15,7 +15,7 @@
 #include "fake_companion/fake_companion.h"
 #include "gls/add_sections_dialog.h"
 #include "host/dialog_controls.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "projection/projection_dialog.h"
 #include "services/message_catalogue.h"
 #include "support/places.h"

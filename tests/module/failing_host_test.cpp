@@ -12,6 +12,7 @@
 #include "doubles/recording_excel.h"
 #include "host/roadway_model.h"
 #include "module_host.h"
+#include "platform/utf8.h"
 #include "support/run_program.h"
 
 namespace lvx {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "module_host.h"
+#include "platform/utf8.h"
 #include "support/places.h"
 #include "support/run_program.h"
 

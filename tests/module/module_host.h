@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "landxml/reader.h"
+#include "platform/utf8.h"
 #include "runtime/command_runner.h"
 #include "runtime/module_loader.h"
 #include "runtime/standin_host.h"

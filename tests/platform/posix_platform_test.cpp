@@ -1,5 +1,3 @@
-#include "platform/posix/posix_platform.h"
-
 #include <array>
 #include <cstdlib>
 #include <filesystem>
@@ -11,6 +9,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "platform/system_platform.h"
+#include "platform/utf8.h"
 
 namespace lvx::platform {
 namespace {
@@ -54,13 +55,13 @@ class TimeZone {
   std::optional<std::string> before_;
 };
 
-void write(PosixPlatform& platform, const CString& path, const char* bytes) {
+void write(SystemPlatform& platform, const CString& path, const char* bytes) {
   const FileHandle stream = platform.openFile(path, "wb");
   ASSERT_TRUE(stream);
   std::fputs(bytes, stream.get());
 }
 
-std::string read(PosixPlatform& platform, const CString& path) {
+std::string read(SystemPlatform& platform, const CString& path) {
   const FileHandle stream = platform.openFile(path, "rb");
   std::string bytes;
   if (!stream) return "(no file)";
@@ -73,7 +74,7 @@ std::string read(PosixPlatform& platform, const CString& path) {
 
 TEST(PosixFiles, AreWrittenReadSeenAndRemoved) {
   const Folder folder;
-  PosixPlatform platform;
+  SystemPlatform platform;
   const CString path = folder.file(L"Stra\u00DFe \u0416 \U0001F6E3 50%.txt");
   EXPECT_FALSE(platform.exists(path));
   EXPECT_FALSE(platform.openFile(path, "rb"));
@@ -87,7 +88,7 @@ TEST(PosixFiles, AreWrittenReadSeenAndRemoved) {
 
 TEST(PosixFiles, KeepsANameThatIsNotUtf8) {
   const Folder folder;
-  PosixPlatform platform;
+  SystemPlatform platform;
   const CString path = folder.file(
       L"Stra\xDC\xDF"
       L"e.txt");
@@ -102,7 +103,7 @@ TEST(PosixFiles, KeepsANameThatIsNotUtf8) {
 
 TEST(PosixFiles, AFolderIsThereButIsNoFile) {
   const Folder folder;
-  PosixPlatform platform;
+  SystemPlatform platform;
   const CString path = folder.file(L"");
   EXPECT_TRUE(platform.exists(path));
   EXPECT_FALSE(platform.openFile(path, "rb"));
@@ -113,7 +114,7 @@ TEST(PosixFiles, AFolderIsThereButIsNoFile) {
 
 TEST(PosixFiles, ANameWithAZeroMeansNoOtherFile) {
   const Folder folder;
-  PosixPlatform platform;
+  SystemPlatform platform;
   write(platform, folder.file(L"a"), "x");
   const CString path = folder.file(CString(L"a\0b", 3));
   EXPECT_FALSE(platform.openFile(path, "wb"));
@@ -123,14 +124,14 @@ TEST(PosixFiles, ANameWithAZeroMeansNoOtherFile) {
 }
 
 TEST(PosixFiles, NothingStandsUnderTheEmptyName) {
-  PosixPlatform platform;
+  SystemPlatform platform;
   EXPECT_FALSE(platform.exists(L""));
   EXPECT_FALSE(platform.openFile(L"", "wb"));
   EXPECT_FALSE(platform.removeFile(L""));
 }
 
 TEST(PosixFiles, TheLastFolderMarkIsASlashAndABackslashALetter) {
-  const PosixPlatform platform;
+  const SystemPlatform platform;
   EXPECT_EQ(platform.lastFolderMark(L"road"), CString::npos);
   EXPECT_EQ(platform.lastFolderMark(L""), CString::npos);
   EXPECT_EQ(platform.lastFolderMark(L"/road"), 0U);
@@ -150,14 +151,14 @@ void expectTime(const std::optional<CalendarTime>& time, const std::array<int, 6
 
 TEST(PosixTime, AFixedMomentStandsForNowAndIsShownInUtc) {
   const TimeZone zone("TST-5:30");
-  PosixPlatform platform({.fixedMoment = 1772323199});
+  SystemPlatform platform({.fixedMoment = 1772323199});
   EXPECT_EQ(platform.now(), 1772323199);
   expectTime(platform.calendarTime(platform.now()), {2026, 2, 28, 23, 59, 59});
 }
 
 TEST(PosixTime, TheSystemsClockIsShownInTheUsersZone) {
   const TimeZone zone("TST-5:30");
-  PosixPlatform platform;
+  SystemPlatform platform;
   const std::int64_t before = std::time(nullptr);
   const std::int64_t now = platform.now();
   EXPECT_GE(now, before);
@@ -166,7 +167,7 @@ TEST(PosixTime, TheSystemsClockIsShownInTheUsersZone) {
 }
 
 TEST(PosixTime, TheCalendarReachesFrom1970To3000) {
-  PosixPlatform platform({.fixedMoment = 0});
+  SystemPlatform platform({.fixedMoment = 0});
   expectTime(platform.calendarTime(0), {1970, 1, 1, 0, 0, 0});
   expectTime(platform.calendarTime(951782400), {2000, 2, 29, 0, 0, 0});
   expectTime(platform.calendarTime(32535215999), {3000, 12, 31, 23, 59, 59});
@@ -179,7 +180,7 @@ TEST(PosixTime, TheCalendarReachesFrom1970To3000) {
 // ---------------------------------------------------------------- registry
 
 TEST(PosixRegistry, HoldsTheReleaseAndNothingElse) {
-  PosixPlatform platform({.release = L"R24.1"});
+  SystemPlatform platform({.release = L"R24.1"});
   CString text = L"before";
   EXPECT_EQ(platform.registryText(L"Software\\Kelbrin", L"CurVer", text), RegistryAnswer::NoKey);
   EXPECT_EQ(platform.registryText(L"", L"", text), RegistryAnswer::NoKey);
@@ -191,14 +192,14 @@ TEST(PosixRegistry, HoldsTheReleaseAndNothingElse) {
 }
 
 TEST(PosixRegistry, NamesIgnoreTheirCase) {
-  PosixPlatform platform;
+  SystemPlatform platform;
   CString text;
   EXPECT_EQ(platform.registryText(L"SOFTWARE\\kelbrin\\VANTOR", L"curver", text), RegistryAnswer::Found);
   EXPECT_EQ(text, L"R24.3");
 }
 
 TEST(PosixRegistry, AnEmptyReleaseIsAValueThatIsNotThere) {
-  PosixPlatform platform({.release = L""});
+  SystemPlatform platform({.release = L""});
   CString text = L"before";
   EXPECT_EQ(platform.registryText(L"Software\\Kelbrin\\Vantor", L"CurVer", text), RegistryAnswer::NoValue);
   EXPECT_EQ(text, L"before");
@@ -207,7 +208,7 @@ TEST(PosixRegistry, AnEmptyReleaseIsAValueThatIsNotThere) {
 // ---------------------------------------------------------------- message code page
 
 TEST(MessageCodePage, Windows1252ReadsEveryByteAndItsHolesAsThemselves) {
-  PosixPlatform platform;
+  SystemPlatform platform;
   std::string bytes;
   for (int value = 0; value < 256; ++value) bytes += static_cast<char>(static_cast<unsigned char>(value));
   const CString text = platform.widenAnsi(bytes);
@@ -222,7 +223,7 @@ TEST(MessageCodePage, Windows1252ReadsEveryByteAndItsHolesAsThemselves) {
 }
 
 TEST(MessageCodePage, MayBeAnother) {
-  PosixPlatform platform({.messageCodePage = "WINDOWS-1251"});
+  SystemPlatform platform({.messageCodePage = "WINDOWS-1251"});
   EXPECT_EQ(platform.widenAnsi("\xCE\xF1\xFC 1"), L"\u041E\u0441\u044C 1");
 }
 
@@ -234,7 +235,7 @@ TEST(MessageCodePage, MustBeKnownAndOfSingleBytes) {
        {Row{"UTF-8"}, Row{"UTF-16"}, Row{"UTF-7"}, Row{"SHIFT_JIS"}, Row{"GB18030"}, Row{"ISO-2022-JP"},
         Row{"no such page"}, Row{""}, Row{"WINDOWS-1252//IGNORE"}, Row{"WINDOWS-1252//TRANSLIT"}}) {
     try {
-      const PosixPlatform platform({.messageCodePage = row.name});
+      const SystemPlatform platform({.messageCodePage = row.name});
       ADD_FAILURE() << row.name << " was taken";
     } catch (const std::invalid_argument& error) {
       EXPECT_THAT(error.what(), testing::HasSubstr(row.name));
@@ -245,7 +246,7 @@ TEST(MessageCodePage, MustBeKnownAndOfSingleBytes) {
 // ---------------------------------------------------------------- narrow text
 
 TEST(NarrowText, ByDefaultEachLatinOneCharacterIsItsByte) {
-  PosixPlatform platform;
+  SystemPlatform platform;
   CString text;
   std::string expected;
   for (int value = 1; value < 256; ++value) {
@@ -257,7 +258,7 @@ TEST(NarrowText, ByDefaultEachLatinOneCharacterIsItsByte) {
 }
 
 TEST(NarrowText, EndsAtTheFirstCharacterBeyond) {
-  PosixPlatform platform;
+  SystemPlatform platform;
   EXPECT_EQ(platform.narrow(L"100 \u20AC incl."), "100 ");
   EXPECT_EQ(platform.narrow(L"\u0100"
                             L"a"),
@@ -269,7 +270,7 @@ TEST(NarrowText, EndsAtTheFirstCharacterBeyond) {
 
 TEST(NarrowText, OfSevenBitsHasNoByteAboveThem) {
   for (const char* name : {"ASCII", "US-ASCII"}) {
-    PosixPlatform platform({.reportCodePage = name});
+    SystemPlatform platform({.reportCodePage = name});
     for (wchar_t character = 1; character <= 0x17F; ++character)
       for (const char byte : platform.narrow(CString(1, character)))
         ASSERT_LT(static_cast<unsigned char>(byte), 128U) << name << " " << static_cast<int>(character);
@@ -278,7 +279,7 @@ TEST(NarrowText, OfSevenBitsHasNoByteAboveThem) {
 }
 
 TEST(NarrowText, FollowsAnotherCodePageByItsTable) {
-  PosixPlatform platform({.reportCodePage = "WINDOWS-1252"});
+  SystemPlatform platform({.reportCodePage = "WINDOWS-1252"});
   EXPECT_EQ(platform.narrow(L"100 \u20AC \u00FC"), "100 \x80 \xFC");
   // The holes stand for themselves, both ways.
   EXPECT_EQ(platform.narrow(L"\u0081"), "\x81");
@@ -286,17 +287,17 @@ TEST(NarrowText, FollowsAnotherCodePageByItsTable) {
   EXPECT_EQ(platform.narrow(L"a\u0080"), "a");
   EXPECT_EQ(platform.narrow(L"a\u0416"), "a");
   EXPECT_EQ(platform.narrow(CString(L"a\0b", 3)), "a");
-  PosixPlatform cyrillic({.reportCodePage = "WINDOWS-1251"});
+  SystemPlatform cyrillic({.reportCodePage = "WINDOWS-1251"});
   EXPECT_EQ(cyrillic.narrow(L"\u041E\u0441\u044C \u00FC"), "\xCE\xF1\xFC ");
 }
 
 TEST(NarrowText, RefusesAReportPageOfSeveralBytes) {
-  EXPECT_THROW(PosixPlatform({.reportCodePage = "UTF-8"}), std::invalid_argument);
+  EXPECT_THROW(SystemPlatform({.reportCodePage = "UTF-8"}), std::invalid_argument);
 }
 
 TEST(NarrowText, UndoesTheMessagePageByteByByte) {
   for (const char* name : {"WINDOWS-1252", "WINDOWS-1251", "WINDOWS-1250", "ISO-8859-15", "IBM850", "KOI8-R"}) {
-    PosixPlatform platform({.messageCodePage = name, .reportCodePage = name});
+    SystemPlatform platform({.messageCodePage = name, .reportCodePage = name});
     for (int value = 1; value < 256; ++value) {
       const std::string byte(1, static_cast<char>(static_cast<unsigned char>(value)));
       EXPECT_EQ(platform.narrow(platform.widenAnsi(byte)), byte) << name << " " << value;

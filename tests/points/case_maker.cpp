@@ -4,7 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 
 namespace lvx::points {
 

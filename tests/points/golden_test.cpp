@@ -9,6 +9,7 @@
 
 #include "case_maker.h"
 #include "doubles/fake_host.h"
+#include "platform/utf8.h"
 #include "points/points_ascii.h"
 #include "points/points_excel.h"
 #include "points/points_html.h"

@@ -7,6 +7,7 @@
 
 #include "doubles/fake_host.h"
 #include "doubles/fake_model.h"
+#include "platform/utf8.h"
 #include "points/point_groups.h"
 
 namespace lvx::points {

@@ -10,6 +10,7 @@
 #include "doubles/fake_host.h"
 #include "doubles/recording_excel.h"
 #include "framework/exceptions.h"
+#include "platform/utf8.h"
 #include "points/points_ascii.h"
 #include "points/points_columns.h"
 #include "points/points_excel.h"

@@ -9,6 +9,7 @@
 
 #include "case_maker.h"
 #include "doubles/fake_host.h"
+#include "platform/utf8.h"
 #include "projection/projection_ascii.h"
 #include "projection/projection_excel.h"
 #include "projection/projection_html.h"

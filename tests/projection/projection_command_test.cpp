@@ -8,6 +8,7 @@
 #include "framework/exceptions.h"
 #include "host/dialog_controls.h"
 #include "host/picking.h"
+#include "platform/utf8.h"
 #include "projection/projection_dialog.h"
 #include "report_drawing/report_drawing.h"
 

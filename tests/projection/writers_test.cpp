@@ -16,6 +16,7 @@
 #include "doubles/fake_model.h"
 #include "doubles/recording_excel.h"
 #include "framework/exceptions.h"
+#include "platform/utf8.h"
 #include "projection/projection_ascii.h"
 #include "projection/projection_computation.h"
 #include "projection/projection_excel.h"

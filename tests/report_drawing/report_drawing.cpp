@@ -11,6 +11,7 @@
 #include "dialogs/dialog_services.h"
 #include "host/dialog_controls.h"
 #include "host/picking.h"
+#include "platform/utf8.h"
 #include "support/golden.h"
 
 namespace lvx::test {
@@ -38,7 +39,8 @@ PickingRunTime& ReportDrawing::installPicking(FakeHost& fake) {
   return installed;
 }
 
-ReportDrawing::ReportDrawing(const platform::PosixSettings& settings) : host(settings), runTime(installPicking(host)) {
+ReportDrawing::ReportDrawing(const platform::PlatformSettings& settings)
+    : host(settings), runTime(installPicking(host)) {
   host.setDialogRunner(&user);
   companion.document = drawing.document;
   companion.database = drawing.database;

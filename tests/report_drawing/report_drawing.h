@@ -36,7 +36,7 @@ class SteppingUser final : public host::DialogRunner {
 ///     class PointsDialogTest : public testing::Test, public test::ReportDrawing { ... };
 class ReportDrawing {
  public:
-  explicit ReportDrawing(const platform::PosixSettings& settings = {});
+  explicit ReportDrawing(const platform::PlatformSettings& settings = {});
 
   /// To the site given; null: outside any site. Its identifier is its handle, by which it opens and can be picked; 0
   /// leaves both to the drawing, which counts from 1.

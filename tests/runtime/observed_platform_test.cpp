@@ -8,7 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/posix/posix_platform.h"
+#include "platform/system_platform.h"
+#include "platform/utf8.h"
 #include "support/ordinary_user.h"
 #include "support/run_program.h"
 
@@ -27,7 +28,7 @@ class ObservedPlatformTest : public testing::Test {
   }
 
   test::TemporaryFolder folder_;
-  platform::PosixPlatform posix_;
+  platform::SystemPlatform posix_;
   FileJournal journal_;
   bool interrupted_ = false;
   ObservedPlatform platform_{posix_, journal_, [this] { return interrupted_; }};

@@ -7,6 +7,7 @@
 
 #include "host/roadway_connection.h"
 #include "landxml/reader.h"
+#include "platform/utf8.h"
 #include "runtime/command_runner.h"
 #include "runtime/roadway_objects.h"
 #include "small_drawing.h"

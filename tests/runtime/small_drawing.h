@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "civil/drawing.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/system_platform.h"
 #include "runtime/standin_host.h"
 
 /// A drawing that fits on a postcard, for the tests of the runtime:

@@ -9,6 +9,7 @@
 
 #include "host/picking.h"
 #include "host/site_tree.h"
+#include "platform/utf8.h"
 #include "services/excel_driver.h"
 #include "small_drawing.h"
 #include "support/run_program.h"

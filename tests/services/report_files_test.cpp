@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "doubles/fake_host.h"
+#include "platform/utf8.h"
 
 namespace lvx::services {
 namespace {

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "doubles/recording_excel.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 
 namespace lvx::test {
 

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "host/run_time.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 
 namespace lvx::text {
 namespace {

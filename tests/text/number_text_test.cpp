@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "services/formatted_text.h"
 #include "services/station_text.h"
 

@@ -19,7 +19,7 @@
 #include "doubles/fake_host.h"
 #include "framework/exceptions.h"
 #include "host/excel_operations.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "services/excel_driver.h"
 #include "support/workbook_reader.h"
 

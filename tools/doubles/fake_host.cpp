@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "accessor/host_accessor.h"
+#include "platform/utf8.h"
 #include "services/message_catalogue.h"
 
 namespace lvx::test {
@@ -98,9 +99,9 @@ std::optional<CString> FakeUserInterface::saveFileBox(const CString& filter, std
   return path;
 }
 
-FakeHost::FakeHost(platform::PosixSettings settings)
+FakeHost::FakeHost(platform::PlatformSettings settings)
     : runTime_(std::make_unique<FakeRunTime>()),
-      platform_(std::make_unique<platform::PosixPlatform>(std::move(settings))) {
+      platform_(std::make_unique<platform::SystemPlatform>(std::move(settings))) {
   services::releaseMessages();
   before_ = accessor::setCurrentHost(this);
 }
@@ -113,8 +114,8 @@ FakeHost::~FakeHost() {
   std::filesystem::remove_all(folder_, ignored);
 }
 
-void FakeHost::setPlatform(platform::PosixSettings settings) {
-  platform_ = std::make_unique<platform::PosixPlatform>(std::move(settings));
+void FakeHost::setPlatform(platform::PlatformSettings settings) {
+  platform_ = std::make_unique<platform::SystemPlatform>(std::move(settings));
   services::releaseMessages();
 }
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "host/host.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/system_platform.h"
 
 namespace lvx::test {
 
@@ -126,11 +126,11 @@ class FakeUserInterface : public host::UserInterface {
 ///     EXPECT_EQ(host.users().boxes.size(), 1U);
 class FakeHost final : public host::Host {
  public:
-  explicit FakeHost(platform::PosixSettings settings = {});
+  explicit FakeHost(platform::PlatformSettings settings = {});
   ~FakeHost() override;
 
   /// Another clock, release or code page from here on; messages are read anew.
-  void setPlatform(platform::PosixSettings settings);
+  void setPlatform(platform::PlatformSettings settings);
   /// The message file of that language of the source tree, found under its bare name from here on.
   void useMessages(const std::string& language);
   /// Writes `bytes` as the message file into the scope's own folder and uses it.
@@ -162,7 +162,7 @@ class FakeHost final : public host::Host {
  private:
   std::unique_ptr<FakeRunTime> runTime_;
   FakeUserInterface userInterface_;
-  std::unique_ptr<platform::PosixPlatform> platform_;
+  std::unique_ptr<platform::SystemPlatform> platform_;
   std::function<host::Ref<host::AutomationObject>(const CString& programId)> automationFactory_;
   std::map<CString, host::Ref<host::VantorApplication>> applications_;
   host::DialogRunner* dialogRunner_ = nullptr;

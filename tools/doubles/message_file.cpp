@@ -4,7 +4,7 @@
 #include <array>
 #include <map>
 
-#include "platform/posix/posix_platform.h"
+#include "platform/system_platform.h"
 #include "services/message_catalogue.h"
 
 namespace lvx::test {
@@ -139,7 +139,7 @@ std::string about(Message message, const std::string& what) { return "message " 
 
 /// Reads the lines, says what is wrong with their bytes, and gives the messages.
 Texts readLines(std::string_view bytes, Complaints& complaints) {
-  platform::PosixPlatform platform;
+  platform::SystemPlatform platform;
   Texts texts;
   for (std::size_t number = 1; !bytes.empty(); ++number) {
     const auto complain = [&](const std::string& what) {

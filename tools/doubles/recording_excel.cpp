@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "framework/exceptions.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 
 namespace lvx::test {
 

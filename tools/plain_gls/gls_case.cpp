@@ -6,7 +6,7 @@
 #include <cstdio>
 
 #include "gls/gls_assembly.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 
 namespace lvx::gls {
 

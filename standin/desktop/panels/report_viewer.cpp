@@ -14,7 +14,7 @@
 
 #include "desktop/common/qt_text.h"
 #include "desktop/panels/text_window.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/system_platform.h"
 
 namespace lvx::desktop {
 
@@ -27,9 +27,9 @@ struct ReportViewer {
 /// Report bytes as characters.
 Decode decoderFor(const std::string& codePage) {
   if (codePage.empty()) return [](const QByteArray& bytes) { return QString::fromLatin1(bytes); };
-  platform::PosixSettings settings;
+  platform::PlatformSettings settings;
   settings.messageCodePage = codePage;
-  auto platform = std::make_shared<platform::PosixPlatform>(settings);
+  auto platform = std::make_shared<platform::SystemPlatform>(settings);
   return [platform](const QByteArray& bytes) {
     return toQt(platform->widenAnsi({bytes.constData(), static_cast<std::size_t>(bytes.size())}));
   };

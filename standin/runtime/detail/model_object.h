@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "host/model.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "runtime/open_drawing.h"
 
 /// What the model objects of both sides, civil and roadway, are made from.

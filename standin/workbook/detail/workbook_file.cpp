@@ -14,7 +14,7 @@
 #include <xlsxwriter.h>
 
 #include "framework/exceptions.h"
-#include "platform/posix/posix_platform.h"
+#include "platform/utf8.h"
 #include "standin_platform/atomic_file.h"
 #include "standin_platform/c_locale_scope.h"
 #include "standin_platform/isolated_work.h"

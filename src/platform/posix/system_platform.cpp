@@ -1,13 +1,11 @@
-#include "platform/posix/posix_platform.h"
+#include "platform/system_platform.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cerrno>
-#include <cstring>
 #include <ctime>
 #include <stdexcept>
-#include <type_traits>
 #include <unordered_map>
 #include <utility>
 
@@ -15,13 +13,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/utf8.h"
+
 namespace lvx::platform {
 
 namespace {
 
-constexpr wchar_t kReplacement = L'\uFFFD';
-constexpr wchar_t kFirstByteSurrogate = 0xDC80;
-constexpr wchar_t kLastByteSurrogate = 0xDCFF;
 /// Last second of the year 3000: where the host's own calendar ends.
 constexpr std::int64_t kLastMoment = 32535215999;
 
@@ -78,37 +75,15 @@ bool equalIgnoringCase(std::wstring_view left, std::wstring_view right) {
 /// A name that holds a zero would reach the system cut short and mean another file.
 bool isSystemName(const CString& path) { return path.find(L'\0') == CString::npos; }
 
-/// Length of the well-formed UTF-8 sequence at the head of `bytes` (no overlong forms, no surrogates); 0 for none.
-std::size_t sequenceLength(std::string_view bytes) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-  const unsigned lead = byte(0);
-  const std::size_t length = lead < 0x80   ? 1
-                             : lead < 0xC2 ? 0
-                             : lead < 0xE0 ? 2
-                             : lead < 0xF0 ? 3
-                             : lead < 0xF5 ? 4
-                                           : 0;
-  if (length == 0 || length > bytes.size()) return 0;
-  for (std::size_t i = 1; i < length; ++i)
-    if ((byte(i) & 0xC0U) != 0x80) return 0;
-  if (length >= 3) {
-    const unsigned second = byte(1);
-    if ((lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) || (lead == 0xF0 && second < 0x90) ||
-        (lead == 0xF4 && second > 0x8F))
-      return 0;
-  }
-  return length;
-}
-
 }  // namespace
 
-struct PosixPlatform::Tables {
+struct SystemPlatform::Tables {
   CodePage message;
   /// Empty: the rule of equal values holds.
   std::unordered_map<wchar_t, char> report;
 };
 
-PosixPlatform::PosixPlatform(PosixSettings settings)
+SystemPlatform::SystemPlatform(PlatformSettings settings)
     : settings_(std::move(settings)), tables_(std::make_unique<Tables>()) {
   tables_->message = readCodePage(settings_.messageCodePage);
   if (!settings_.reportCodePage.empty()) {
@@ -127,9 +102,9 @@ PosixPlatform::PosixPlatform(PosixSettings settings)
   }
 }
 
-PosixPlatform::~PosixPlatform() = default;
+SystemPlatform::~SystemPlatform() = default;
 
-FileHandle PosixPlatform::openFile(const CString& path, const char* mode) {
+FileHandle SystemPlatform::openFile(const CString& path, const char* mode) {
   if (!isSystemName(path)) return nullptr;
   FileHandle stream(std::fopen(toUtf8(path).c_str(), mode));
   // POSIX opens folders for reading; to the module a folder is no file.
@@ -138,18 +113,18 @@ FileHandle PosixPlatform::openFile(const CString& path, const char* mode) {
   return stream;
 }
 
-bool PosixPlatform::exists(const CString& path) {
+bool SystemPlatform::exists(const CString& path) {
   struct stat status {};
   return isSystemName(path) && stat(toUtf8(path).c_str(), &status) == 0;
 }
 
-bool PosixPlatform::removeFile(const CString& path) { return isSystemName(path) && unlink(toUtf8(path).c_str()) == 0; }
+bool SystemPlatform::removeFile(const CString& path) { return isSystemName(path) && unlink(toUtf8(path).c_str()) == 0; }
 
-std::size_t PosixPlatform::lastFolderMark(const CString& path) const { return path.rfind(L'/'); }
+std::size_t SystemPlatform::lastFolderMark(const CString& path) const { return path.rfind(L'/'); }
 
-std::int64_t PosixPlatform::now() { return settings_.fixedMoment.value_or(std::time(nullptr)); }
+std::int64_t SystemPlatform::now() { return settings_.fixedMoment.value_or(std::time(nullptr)); }
 
-std::optional<CalendarTime> PosixPlatform::calendarTime(std::int64_t moment) {
+std::optional<CalendarTime> SystemPlatform::calendarTime(std::int64_t moment) {
   if (moment < 0 || moment > kLastMoment) return std::nullopt;
   const std::time_t seconds = moment;
   std::tm fields{};
@@ -163,14 +138,14 @@ std::optional<CalendarTime> PosixPlatform::calendarTime(std::int64_t moment) {
                       fields.tm_hour, fields.tm_min,     fields.tm_sec};
 }
 
-CString PosixPlatform::widenAnsi(std::string_view bytes) {
+CString SystemPlatform::widenAnsi(std::string_view bytes) {
   CString text;
   text.reserve(bytes.size());
   for (const char byte : bytes) text += tables_->message.characters[static_cast<unsigned char>(byte)];
   return text;
 }
 
-std::string PosixPlatform::narrow(const CString& text) {
+std::string SystemPlatform::narrow(const CString& text) {
   std::string bytes;
   bytes.reserve(text.size());
   if (tables_->report.empty()) {
@@ -188,60 +163,11 @@ std::string PosixPlatform::narrow(const CString& text) {
   return bytes;
 }
 
-RegistryAnswer PosixPlatform::registryText(const CString& subKey, const CString& valueName, CString& text) {
+RegistryAnswer SystemPlatform::registryText(const CString& subKey, const CString& valueName, CString& text) {
   if (!equalIgnoringCase(subKey, L"Software\\Kelbrin\\Vantor")) return RegistryAnswer::NoKey;
   if (!equalIgnoringCase(valueName, L"CurVer") || settings_.release.empty()) return RegistryAnswer::NoValue;
   text = settings_.release;
   return RegistryAnswer::Found;
-}
-
-std::string toUtf8(const CString& text) {
-  std::string bytes;
-  bytes.reserve(text.size());
-  const auto put = [&](std::uint32_t byte) { bytes += static_cast<char>(static_cast<unsigned char>(byte)); };
-  for (wchar_t character : text) {
-    if (character >= kFirstByteSurrogate && character <= kLastByteSurrogate) {
-      put(static_cast<std::uint32_t>(character - 0xDC00));
-      continue;
-    }
-    if (character < 0 || character > 0x10FFFF || (character >= 0xD800 && character <= 0xDFFF)) character = kReplacement;
-    const auto point = static_cast<std::uint32_t>(std::int64_t{character});
-    if (point < 0x80) {
-      put(point);
-    } else if (point < 0x800) {
-      put(0xC0 | (point >> 6));
-      put(0x80 | (point & 0x3F));
-    } else if (point < 0x10000) {
-      put(0xE0 | (point >> 12));
-      put(0x80 | ((point >> 6) & 0x3F));
-      put(0x80 | (point & 0x3F));
-    } else {
-      put(0xF0 | (point >> 18));
-      put(0x80 | ((point >> 12) & 0x3F));
-      put(0x80 | ((point >> 6) & 0x3F));
-      put(0x80 | (point & 0x3F));
-    }
-  }
-  return bytes;
-}
-
-CString fromUtf8(std::string_view bytes) {
-  CString text;
-  text.reserve(bytes.size());
-  while (!bytes.empty()) {
-    const std::size_t length = sequenceLength(bytes);
-    const auto byte = [&](std::size_t i) { return static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[i])); };
-    if (length == 0) {
-      text += static_cast<wchar_t>(0xDC00 + byte(0));
-      bytes.remove_prefix(1);
-      continue;
-    }
-    std::uint32_t point = length == 1 ? byte(0) : byte(0) & (0x7FU >> length);
-    for (std::size_t i = 1; i < length; ++i) point = (point << 6) | (byte(i) & 0x3F);
-    text += static_cast<wchar_t>(point);
-    bytes.remove_prefix(length);
-  }
-  return text;
 }
 
 }  // namespace lvx::platform

@@ -7,24 +7,24 @@
 
 namespace lvx::platform {
 
-/// How a POSIX process answers what Windows would know by itself.
-struct PosixSettings {
+/// What is settled for the system, or in place of it.
+struct PlatformSettings {
   /// The moment that stands for "now", shown in UTC; empty: the system's clock, shown in local time.
   std::optional<std::int64_t> fixedMoment{};
   /// The host's release as its registry value would hold it; empty: the value doesn't exist.
   CString release = L"R24.3";
-  /// iconv name of the code page of message files.
+  /// Code page of message files, by its name among those of the internet.
   std::string messageCodePage = "WINDOWS-1252";
-  /// iconv name of a single-byte code page for reports; empty: U+0001 to U+00FF become the byte of the same value.
+  /// A single-byte code page for reports, by such a name; empty: U+0001 to U+00FF become the byte of the same value.
   std::string reportCodePage{};
 };
 
-/// A POSIX system. Both code pages are turned into tables once, at construction.
-class PosixPlatform final : public Platform {
+/// The system that this was built for; `posix/` and `windows/` answer. Both code pages are turned into tables once, at construction.
+class SystemPlatform final : public Platform {
  public:
   /// Throws std::invalid_argument that names the code page where it is unknown or not single-byte.
-  explicit PosixPlatform(PosixSettings settings = {});
-  ~PosixPlatform() override;
+  explicit SystemPlatform(PlatformSettings settings = {});
+  ~SystemPlatform() override;
 
   [[nodiscard]] FileHandle openFile(const CString& path, const char* mode) override;
   [[nodiscard]] bool exists(const CString& path) override;
@@ -38,13 +38,8 @@ class PosixPlatform final : public Platform {
 
  private:
   struct Tables;
-  PosixSettings settings_;
+  PlatformSettings settings_;
   std::unique_ptr<Tables> tables_;
 };
-
-/// File names cross to the system as UTF-8. A byte sequence that isn't UTF-8 is kept: each such byte becomes the lone
-/// surrogate U+DC80 to U+DCFF and comes back as that byte, so that every file name survives the way there and back.
-[[nodiscard]] std::string toUtf8(const CString& text);
-[[nodiscard]] CString fromUtf8(std::string_view bytes);
 
 }  // namespace lvx::platform
