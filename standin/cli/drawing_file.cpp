@@ -20,7 +20,6 @@
 
 namespace lvx::cli {
 
-using runtime::isSameFile;
 using standin_platform::isInterrupted;
 using standin_platform::leadToOneFile;
 
@@ -116,8 +115,8 @@ void requireSaveTarget(const civil::Drawing& drawing, const options::Options& op
     throw Failure(kBadDrawing, "nothing was written: --save names '" + target + "', which can't be: " + reason);
   };
   for (const std::string& output : outputs)
-    if (isSameFile(output, target)) refuse("it is a report of this run");
-  if (isSameFile(target, drawing.path)) return;  // in place is meant
+    if (leadToOneFile(output, target)) refuse("it is a report of this run");
+  if (leadToOneFile(target, drawing.path)) return;  // in place is meant
   runtime::InputFiles inputs;
   inputs.add(drawing);
   if (const auto& messages = options.common.host.messages) inputs.add(*messages, "the message file");
@@ -128,7 +127,7 @@ bool maySave(const civil::Drawing& drawing, const options::Options& options) {
   if (!options.report.saveTo) return true;
   const std::string& target = *options.report.saveTo;
   std::error_code error;
-  if (isSameFile(target, drawing.path) || !std::filesystem::exists(target, error)) return true;
+  if (leadToOneFile(target, drawing.path) || !std::filesystem::exists(target, error)) return true;
   if (mayOverwrite(options.common.overwriteMode(), target + " exists. Overwrite it?")) return true;
   say("the drawing was not saved: kept '" + target + "', which exists; --overwrite replaces it");
   return false;

@@ -25,7 +25,7 @@ struct FileStamp {
 [[nodiscard]] std::optional<FileStamp> stampOf(const std::filesystem::path& path);
 
 /// Whether two names lead to one file, through whatever links. Names under which nothing can be found are told apart by
-/// their spelling from the root on.
+/// their spelling from the root on, behind the links of the folders that are there.
 [[nodiscard]] bool leadToOneFile(const std::filesystem::path& a, const std::filesystem::path& b);
 
 }  // namespace lvx::standin_platform

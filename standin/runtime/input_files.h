@@ -32,7 +32,4 @@ class InputFiles {
   std::vector<File> files_;
 };
 
-/// True where both names lead to one file, or will once it is made.
-[[nodiscard]] bool isSameFile(const std::string& a, const std::string& b);
-
 }  // namespace lvx::runtime

@@ -58,7 +58,7 @@ TEST_F(Files, TwoNamesLeadToOneFileThroughLinksAndWhereNothingIsThere) {
   const fs::path copy = put("copy.xml", "road");
   fs::create_hard_link(road, folder_ / "hard.xml");
   fs::create_symlink(road, folder_ / "soft.xml");
-  fs::create_symlink(folder_ / "none.xml", folder_ / "dangling.xml");
+  fs::create_directory_symlink(folder_.path(), folder_ / "here");
   struct Row {
     fs::path a;
     fs::path b;
@@ -72,6 +72,7 @@ TEST_F(Files, TwoNamesLeadToOneFileThroughLinksAndWhereNothingIsThere) {
       {road, folder_ / "none.xml", false},
       {folder_ / "none.xml", folder_ / "." / "none.xml", true},
       {folder_ / "none.xml", folder_ / "neither.xml", false},
+      {folder_ / "none.xml", folder_ / "here" / "none.xml", true},
       {fs::path("none.xml"), fs::absolute("none.xml"), true},
   };
   for (const Row& row : table) {

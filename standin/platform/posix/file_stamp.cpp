@@ -16,12 +16,10 @@ bool leadToOneFile(const std::filesystem::path& a, const std::filesystem::path& 
   const auto first = stampOf(a);
   const auto second = stampOf(b);
   if (first || second) return first && second && first->isSameFile(*second);
+  // Folders on the way to it may be there, and be links.
   std::error_code error;
-  const auto spelled = [&error](const std::filesystem::path& path) {
-    std::filesystem::path whole = std::filesystem::absolute(path, error);
-    return (error ? path : whole).lexically_normal();
-  };
-  return spelled(a) == spelled(b);
+  const std::filesystem::path whole = std::filesystem::weakly_canonical(std::filesystem::absolute(a, error), error);
+  return !error && whole == std::filesystem::weakly_canonical(std::filesystem::absolute(b, error), error) && !error;
 }
 
 }  // namespace lvx::standin_platform
