@@ -16,7 +16,7 @@ namespace {
 template <class Objects>
 void requireNewName(const Objects& objects, const std::string& name, std::string_view kind, const std::string& where,
                     Handle except = 0) {
-  if (name.empty()) throw EditError("a " + std::string(kind) + " needs a name");
+  requireUsableName(name, kind);
   const bool isTaken = std::any_of(objects.begin(), objects.end(), [&](const auto& object) {
     return object.name == name && (except == 0 || object.handle != except);
   });
@@ -26,6 +26,13 @@ void requireNewName(const Objects& objects, const std::string& name, std::string
 std::string ofAlignment(const AlignmentObject& alignment) { return " of alignment '" + alignment.name + "'"; }
 
 }  // namespace
+
+void requireUsableName(const std::string& name, std::string_view kind) {
+  if (name.empty()) throw EditError("a " + std::string(kind) + " needs a name");
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20U; };
+  if (std::any_of(name.begin(), name.end(), isControl))
+    throw EditError("the name of a " + std::string(kind) + " can't hold control characters");
+}
 
 Handle largestHandle(const Drawing& drawing) {
   Handle largest = 0;

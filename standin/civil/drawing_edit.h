@@ -26,7 +26,11 @@ class EditError : public std::invalid_argument {
 /// The first of `count` handles in a row that no object of the drawing has. Throws EditError where as many aren't left. O(n).
 [[nodiscard]] Handle firstNewHandle(const Drawing& drawing, std::size_t count);
 
-/// Throws EditError for an empty name and one that a sample line group of the alignment other than `except` has.
+/// Throws EditError for a name that is empty or holds control characters, which no drawing file can. `kind` as in "point
+/// group".
+void requireUsableName(const std::string& name, std::string_view kind);
+
+/// Throws EditError for a name that can't be used and one that a sample line group of the alignment other than `except` has.
 void requireGroupName(const AlignmentObject& alignment, const std::string& name, Handle except = 0);
 
 /// A new group at the end of the alignment's, which is one of the drawing's. Lines get new handles. Throws EditError for

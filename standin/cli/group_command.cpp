@@ -17,7 +17,7 @@ namespace lvx::cli {
 
 ExitCode runGroup(const options::Options& options) {
   const options::NewGroupOptions& wanted = options.newGroup;
-  if (wanted.name.empty()) throw Failure(kUsage, "--name: a point group needs a name");
+  requireUsableName(wanted, "point group");
   const WantedPoints points = parsePoints(options.report.points);
   const bool quiet = options.common.quiet;
   civil::Drawing drawing = loadDrawing(options);

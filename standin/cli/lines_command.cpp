@@ -24,7 +24,7 @@ std::string toldLines(const std::string& group, const civil::AlignmentObject& al
 
 ExitCode runLines(const options::Options& options) {
   const options::NewGroupOptions& wanted = options.newGroup;
-  if (wanted.name.empty()) throw Failure(kUsage, "--name: a sample line group needs a name");
+  requireUsableName(wanted, "sample line group");
   const civil::SampleLineRules rules = rulesOf(options.lines);
   const bool quiet = options.common.quiet;
   civil::Drawing drawing = loadDrawing(options);

@@ -4,6 +4,7 @@
 #include <numeric>
 #include <set>
 
+#include "civil/drawing_edit.h"
 #include "cli/failure.h"
 
 namespace lvx::cli {
@@ -84,6 +85,14 @@ std::string offered(std::vector<std::string> names, std::string_view wanted) {
 
 std::string siteWords(const civil::Site& site) {
   return site.name.empty() ? std::string("no site (--site \"\")") : "site '" + site.name + "'";
+}
+
+void requireUsableName(const options::NewGroupOptions& wanted, const std::string& kind) {
+  try {
+    civil::requireUsableName(wanted.name, kind);
+  } catch (const civil::EditError& error) {
+    throw Failure(kUsage, std::string("--name: ") + error.what());
+  }
 }
 
 FoundAlignment findAlignment(const civil::Drawing& drawing, const std::string& alignment,

@@ -61,6 +61,9 @@ template <class Group>
                                  offered(std::move(names), wanted.name));
 }
 
+/// Throws Failure (kUsage) for a new group's name that is empty or can't stand in a drawing.
+void requireUsableName(const options::NewGroupOptions& wanted, const std::string& kind);
+
 /// "site 'North'", or words for the alignments outside any site.
 [[nodiscard]] std::string siteWords(const civil::Site& site);
 

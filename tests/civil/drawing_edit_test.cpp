@@ -83,6 +83,8 @@ TEST(DrawingEdit, WhatCantBeMadeIsRefusedByNameAndChangesNothing) {
        "there is a profile 'design' of alignment 'A' already"},
       {[](Drawing& d, AlignmentObject& a) { addProfile(d, a, "P", {}); }, "profile 'P' would have no points"},
       {[](Drawing& d, AlignmentObject&) { addPointGroup(d, "", {}); }, "a point group needs a name"},
+      {[](Drawing& d, AlignmentObject&) { addPointGroup(d, "A\x1e", {}); },
+       "the name of a point group can't hold control characters"},
       {[](Drawing& d, AlignmentObject&) { addPointGroup(d, "Trees", {}); }, "there is a point group 'Trees' already"},
       {[](Drawing& d, AlignmentObject&) { addPointGroup(d, "More", {1}); }, "there is no point 1"},
       {[](Drawing& d, AlignmentObject& a) {

@@ -90,6 +90,7 @@ TEST_F(MadeGroupsTest, SaysWhatIsWrongWithLinesAndSavesNothing) {
       {{"--name", "G", "--every", "20", "--rules", "every=25"}, 2, "every: given twice"},
       {{"--name", "G"}, 2, "nothing says where lines stand"},
       {{"--name", "", "--every", "20"}, 2, "a sample line group needs a name"},
+      {{"--name", "G\x1e", "--every", "20"}, 2, "the name of a sample line group can't hold control characters"},
       {{"--every", "20"}, 2, "--name"},
       {{"--name", "G", "--every", "20", "--from", "3000"}, 1, "the alignment runs from 1000.000 to 1100.000"},
       {{"--name", "G", "--every", "0.00001"}, 1, "more than 1000000 lines"},
@@ -141,6 +142,7 @@ TEST_F(MadeGroupsTest, SaysWhatIsWrongWithPointsAndSavesNothing) {
       {{"--name", "G", "--points", "1,77"}, 4, "the drawing holds no point 77"},
       {{"--name", "G", "--points-where", "description=OAK"}, 1, "none of the drawing's 5 points meets description=OAK"},
       {{"--name", "", "--points", "all"}, 2, "a point group needs a name"},
+      {{"--name", "A\nB", "--points", "all"}, 2, "the name of a point group can't hold control characters"},
       {{"--name", "G"}, 2, ""},
       {{"--name", "G", "--points", "all", "--save", "no-such-folder/x.xml"}, 3, "no-such-folder"},
   };

@@ -384,6 +384,15 @@ TEST_F(Saving, WritesTheBytesOfTheFilesEncodingAndReferencesForTheRest) {
             readDrawing(target_).corridors[0].baselines[0].regions[0].pendingLabels);
 }
 
+TEST_F(Saving, KeepsTheControlCharactersThatTheFileHoldsInNames) {
+  civil::Drawing drawing = open(replaced(ownCorridor(), "name=\"Slope\"", "name=\"S\x1elope\""));
+  civil::addStation(regionOf(drawing, 0), 125.5, "Pend\x02ing");
+  civil::Rebuilt done;
+  civil::rebuild(drawing.corridors[0], done);
+  EXPECT_THAT(save(drawing), HasSubstr("name=\"S&#30;lope\""));
+  EXPECT_EQ(DrawingComparison::difference(drawing, readDrawing(target_)), "");
+}
+
 /// UTF-8 in another encoding.
 std::string inEncoding(const std::string& text, const std::string& encoding) {
   standin_platform::TextConverter converter("UTF-8", encoding);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <string>
 
 namespace lvx::landxml::detail {
 
@@ -42,7 +43,11 @@ std::string escapedAttribute(std::string_view text) {
         result += "&#13;";
         break;
       default:
-        result += static_cast<unsigned char>(c) < 0x20U ? ' ' : c;
+        // No XML has these, but files do, and the reader takes them as they come.
+        if (c > '\0' && c < ' ')
+          result += "&#" + std::to_string(static_cast<int>(c)) + ';';
+        else
+          result += c == '\0' ? ' ' : c;
     }
   }
   return result;
