@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "civil/detail/pair_text.h"
+#include "civil/rounding.h"
 #include "text/number_text.h"
 
 namespace lvx::civil {
@@ -560,9 +561,9 @@ std::vector<MadeSampleLine> makeSampleLines(const SampleLineRules& rules, const 
     line.station = at.station;
     line.kind = at.kind;
     line.name = pattern.name(at, number + lines.size(), ground.stationText);
-    line.left = pose->point - toLeft.width * right;
-    line.center = pose->point;
-    line.right = pose->point + toRight.width * right;
+    line.left = withoutRounding(pose->point - toLeft.width * right);
+    line.center = withoutRounding(pose->point);
+    line.right = withoutRounding(pose->point + toRight.width * right);
     line.leftReach = toLeft.reach;
     line.rightReach = toRight.reach;
     lines.push_back(std::move(line));

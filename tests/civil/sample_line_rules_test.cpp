@@ -117,7 +117,7 @@ TEST(SampleLines, StandSquareWithAVertexOnTheAlignment) {
       makeSampleLines(parseSampleLineRules("every=10,count-from-start,left=12,right=30"), {.axis = road()});
   ASSERT_EQ(lines.size(), 18u);
   for (const MadeSampleLine& line : lines) {
-    EXPECT_EQ(line.center, road().poseAt(line.station)->point);
+    EXPECT_LT(length(line.center - road().poseAt(line.station)->point), 1e-9);
     EXPECT_LT(length(line.left - road().pointLocation(line.station, -12.0)->point), 1e-9);
     EXPECT_LT(length(line.right - road().pointLocation(line.station, 30.0)->point), 1e-9);
     EXPECT_THAT(line.vertices(), ElementsAre(line.left, line.center, line.right));
@@ -127,6 +127,40 @@ TEST(SampleLines, StandSquareWithAVertexOnTheAlignment) {
   EXPECT_EQ(held[3].name, lines[3].name);
   EXPECT_EQ(held[3].station, 1033.0);
   EXPECT_EQ(held[3].vertices, lines[3].vertices());
+}
+
+/// Directions whose right angles end on whole coordinates: three whole sides each, and the axes.
+struct WholeSides {
+  double x;
+  double y;
+  double length;
+};
+const WholeSides kWholeSides[] = {{3, 4, 5},     {-4, 3, 5},  {5, 12, 13},  {-12, -5, 13}, {8, 15, 17},
+                                  {7, -24, 25},  {0, 1, 1},   {1, 0, 1},    {0, -1, 1},    {-1, 0, 1},
+                                  {-20, 21, 29}, {9, 40, 41}, {-11, 60, 61}};
+
+TEST(SampleLines, EndOnTheDecimalsThatRoundingAloneWouldMiss) {
+  for (const WholeSides& along : kWholeSides) {
+    for (const double far : {0.0, 40.0, 1000.0, 123456.7, -250000.25}) {
+      const Vec2 middle{far, 20.0};
+      const Vec2 leftOf{-along.y, along.x};
+      const Vec2 reach = 200.0 * Vec2{along.x, along.y};
+      std::vector<Element> elements;
+      elements.push_back(makeLine(middle - reach, middle + reach));
+      const Alignment axis(0.0, elements);
+      for (const double times : {1.0, 3.0, 7.0}) {
+        SampleLineRules rules;
+        rules.stations = {200.0 * along.length};
+        rules.left = rules.right = times * along.length;
+        const auto lines = makeSampleLines(rules, {.axis = axis});
+        ASSERT_EQ(lines.size(), 1u);
+        EXPECT_EQ(lines[0].center, middle);
+        const Vec2 across = times * leftOf;
+        EXPECT_EQ(lines[0].left, middle + across) << along.x << ' ' << along.y << ' ' << far;
+        EXPECT_EQ(lines[0].right, middle - across) << along.x << ' ' << along.y << ' ' << far;
+      }
+    }
+  }
 }
 
 TEST(SampleLines, TurnClockwiseByTheirSkew) {

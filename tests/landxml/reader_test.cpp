@@ -78,6 +78,15 @@ TEST(Reader, SampleLinesKeepTheirVertices) {
   EXPECT_NEAR(groups[0].lines[1].vertices.at(0).x, -4.0, 1e-12);
 }
 
+TEST(Reader, SampleLinesEndOnTheDecimalsThatRoundingAloneWouldMiss) {
+  const auto drawing =
+      read(metric(alignment("<CoordGeom><Line><Start>-800 -580</Start><End>800 620</End></Line></CoordGeom>"
+                            "<CrossSects name=\"G\"><CrossSect sta=\"1000\"><CrossSectSurf name=\"EG\"><PntList2D>"
+                            "-35 1 70 2</PntList2D></CrossSectSurf></CrossSect></CrossSects>")));
+  EXPECT_THAT(drawing.siteless.alignments.at(0)->sampleLineGroups.at(0).lines.at(0).vertices,
+              ElementsAre(civil::Vec2{-8, 21}, civil::Vec2{20, 0}, civil::Vec2{76, -42}));
+}
+
 TEST(Reader, PointsTakeNameAndHandleFromTheirFeature) {
   const auto drawing = read(kDrawing);
   ASSERT_EQ(drawing.points.size(), 2U);

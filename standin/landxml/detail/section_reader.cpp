@@ -5,6 +5,7 @@
 #include <limits>
 #include <utility>
 
+#include "civil/rounding.h"
 #include "landxml/detail/numbers.h"
 #include "landxml/detail/tree.h"
 #include "text/number_text.h"
@@ -264,9 +265,9 @@ void SampleLineReader::place(const Unplaced& unplaced, double defaultWidth) {
   }
   // Square to the right, turned on by the skew, which counts clockwise.
   const Vec2 across = civil::unit(unplaced.pose.direction - civil::kPi / 2.0 - unplaced.skew);
-  line.vertices.push_back(unplaced.pose.point + left * across);
-  if (left < 0.0 && right > 0.0) line.vertices.push_back(unplaced.pose.point);
-  line.vertices.push_back(unplaced.pose.point + right * across);
+  line.vertices.push_back(civil::withoutRounding(unplaced.pose.point + left * across));
+  if (left < 0.0 && right > 0.0) line.vertices.push_back(civil::withoutRounding(unplaced.pose.point));
+  line.vertices.push_back(civil::withoutRounding(unplaced.pose.point + right * across));
 }
 
 std::vector<civil::SampleLine> SampleLineReader::placedLines() {
