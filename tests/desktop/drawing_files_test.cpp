@@ -209,6 +209,34 @@ TEST_F(DrawingFiles, AnAddedOneIsAskedAboutBeforeSaveAsChangesIt) {
   EXPECT_EQ(linesInRoad(), 1U);
 }
 
+TEST_F(DrawingFiles, SavingNeverReplacesAFileUnaskedAndNoneThatIsRead) {
+  const std::filesystem::path other = folder / "other.xml";
+  std::ofstream(other) << "somebody's";
+  const std::string roadBefore = fileBytes(road.toStdString());
+  ProgramWindow program(points);
+  add(program, road);
+  ASSERT_TRUE(waitForFiles(program, 2));
+
+  program.enter("saveas " + road.toStdString());
+  QWidget* box = program.waitForNamed("saveFailed");
+  ASSERT_NE(box, nullptr);
+  EXPECT_NE(wordsOf(box).find("It is read itself"), std::string::npos);
+  program.user.key(Qt::Key_Escape);
+  ASSERT_TRUE(program.user.waitFor([] { return QApplication::activeModalWidget() == nullptr; }));
+  EXPECT_EQ(fileBytes(road.toStdString()), roadBefore);
+
+  program.enter("saveas " + other.string());
+  ASSERT_NE(program.waitForNamed("replaceQuestion"), nullptr);
+  program.user.key(Qt::Key_Escape);
+  ASSERT_TRUE(program.user.waitFor([] { return QApplication::activeModalWidget() == nullptr; }));
+  EXPECT_EQ(fileBytes(other), "somebody's");
+
+  program.enter("saveas " + other.string());
+  ASSERT_NE(program.waitForNamed("replaceQuestion"), nullptr);
+  program.user.key(Qt::Key_R, Qt::AltModifier);
+  ASSERT_TRUE(program.user.waitFor([&] { return fileBytes(other) == fileBytes(points.toStdString()); }));
+}
+
 TEST_F(DrawingFiles, AFileIsTakenOutByItsMenu) {
   ProgramWindow program(road);
   EXPECT_FALSE(chooseInTree(program, "road.xml", "removeFile")) << "it is the only one";

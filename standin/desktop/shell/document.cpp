@@ -20,12 +20,15 @@
 #include "desktop/shell/long_work.h"
 #include "desktop/shell/session.h"
 #include "landxml/project.h"
+#include "standin_platform/file_stamp.h"
 
 namespace lvx::desktop {
 
 namespace {
 constexpr const char* kSaveQuestion = "saveChanges";
-}
+
+std::string encodedPath(const QString& path) { return QFile::encodeName(path).toStdString(); }
+}  // namespace
 
 Document::Document(const DocumentSurroundings& surroundings, Session& session, LongWork& work, RecentDrawings& recent,
                    LeaveWish& leave)
@@ -239,11 +242,33 @@ bool Document::askSaveAs() {
   return !target.isEmpty() && saveTo(target);
 }
 
+bool Document::saveAs(const QString& target) {
+  if (!isOpen() || isBusy()) return false;
+  if (!isOwnFile(target) && QFileInfo(target).isFile() && session_.host().whyNoOutput(encodedPath(target)).empty()) {
+    QMessageBox box(QMessageBox::Question, tr("Replace a file?"),
+                    tr("%1 is there already.").arg(QFileInfo(target).fileName()), QMessageBox::NoButton, &at_.window);
+    box.setObjectName(QStringLiteral("replaceQuestion"));
+    const QPushButton* const replace = box.addButton(tr("&Replace"), QMessageBox::AcceptRole);
+    box.setDefaultButton(box.addButton(QMessageBox::Cancel));
+    box.exec();
+    if (box.clickedButton() != replace) return false;
+  }
+  return saveTo(target);
+}
+
+bool Document::isOwnFile(const QString& target) const {
+  return standin_platform::leadToOneFile(encodedPath(target), encodedPath(path()));
+}
+
 bool Document::saveTo(const QString& target) {
-  const bool isOwnName = QFileInfo(target).absoluteFilePath() == QFileInfo(path()).absoluteFilePath();
+  const bool isOwnName = isOwnFile(target);
   if (isOwnName && files_.at(0).isReplaced()) {
     tellSaveError(target,
                   tr("The file was changed by another program since it was opened, and saving would undo that."));
+    return false;
+  }
+  if (!isOwnName && !session_.host().whyNoOutput(encodedPath(target)).empty()) {
+    tellSaveError(target, tr("It is read itself: as a file of the drawing or as the message file."));
     return false;
   }
   if (!isOwnName && !askForOtherFiles(target)) return false;
@@ -296,7 +321,7 @@ bool Document::askForOtherFiles(const QString& target) {
 }
 
 void Document::write(const QString& target) {
-  const std::string targetPath = QFile::encodeName(target).toStdString();
+  const std::string targetPath = encodedPath(target);
   const QString words =
       tr("Saving %1").arg(sources_.files.size() == 1 ? QFileInfo(target).fileName() : sources_.title());
   const LongWork::Run run(work_, words);

@@ -71,7 +71,9 @@ class Document : public QObject {
   // These say whether the drawing is saved; what prevents it was told then.
   bool save();
   Q_INVOKABLE bool askSaveAs();
-  /// `target` is absolute.
+  /// Asks before it replaces a file other than the drawing's own. `target` is absolute.
+  bool saveAs(const QString& target);
+  /// The same for a user who was asked. No file that the drawing or the reports read is replaced but its own.
   bool saveTo(const QString& target);
   /// Asks what to do with unsaved changes, if there are any. False where the user wants to go back.
   bool settleChanges();
@@ -101,6 +103,8 @@ class Document : public QObject {
   /// Throws as landxml::saveProject does.
   /// Who names another file for the first one may want the others to stay as they are.
   bool askForOtherFiles(const QString& target);
+  /// Whether the name leads to the drawing's first file.
+  [[nodiscard]] bool isOwnFile(const QString& target) const;
   void write(const QString& target);
   void tellSaveError(const QString& target, const QString& reason);
 

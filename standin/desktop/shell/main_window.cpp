@@ -210,7 +210,7 @@ void MainWindow::addOwnCommands() {
                   if (path.isEmpty())
                     document_->askSaveAs();
                   else
-                    document_->saveTo(QFileInfo(path).absoluteFilePath());
+                    document_->saveAs(QFileInfo(path).absoluteFilePath());
                   return true;
                 }});
   prompt_->add({QStringLiteral("ZOOM"), false, [this](const QString&) {

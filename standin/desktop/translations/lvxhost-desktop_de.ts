@@ -428,6 +428,22 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <translation>Was neu ist, gehört in andere Dateien als %1.</translation>
     </message>
     <message>
+        <source>Replace a file?</source>
+        <translation>Eine Datei ersetzen?</translation>
+    </message>
+    <message>
+        <source>%1 is there already.</source>
+        <translation>%1 gibt es schon.</translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>&amp;Ersetzen</translation>
+    </message>
+    <message>
+        <source>It is read itself: as a file of the drawing or as the message file.</source>
+        <translation>Sie wird selbst gelesen: als Datei der Zeichnung oder als Meldungsdatei.</translation>
+    </message>
+    <message>
         <source>Saving changes them in their own places:</source>
         <translation>Speichern ändert sie an ihrem Ort:</translation>
     </message>
