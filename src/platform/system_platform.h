@@ -11,9 +11,11 @@ namespace lvx::platform {
 struct PlatformSettings {
   /// The moment that stands for "now", shown in UTC; empty: the system's clock, shown in local time.
   std::optional<std::int64_t> fixedMoment{};
-  /// The host's release as its registry value would hold it; empty: the value doesn't exist.
-  CString release = L"R24.3";
-  /// Code page of message files, by its name among those of the internet.
+  /// The host's release as its registry value would hold it; an empty text: the value doesn't exist. Without one the
+  /// system's registry is asked; a system that has no registry has no such key then.
+  std::optional<CString> release = L"R24.3";
+  /// Code page of message files, by its name among those of the internet. Empty: the system's ANSI code page, where it
+  /// knows one.
   std::string messageCodePage = "WINDOWS-1252";
   /// A single-byte code page for reports, by such a name; empty: U+0001 to U+00FF become the byte of the same value.
   std::string reportCodePage{};

@@ -1,9 +1,10 @@
 #include "doubles/fake_host.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <stdexcept>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -144,11 +145,15 @@ void FakeHost::replaceRunTime(std::unique_ptr<FakeRunTime> runTime) { runTime_ =
 
 CString FakeHost::folder() {
   if (folder_.empty()) {
-    std::string pattern = (std::filesystem::temp_directory_path() / "lvx-test-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no folder for the test's files");
-    folder_ = pattern;
+    // A name that no other test has, of this process or another.
+    std::random_device random;
+    for (int i = 0; i < 100 && folder_.empty(); ++i) {
+      const auto path = std::filesystem::temp_directory_path() / ("lvx-test-" + std::to_string(random()));
+      if (std::filesystem::create_directory(path)) folder_ = path.string();
+    }
+    if (folder_.empty()) throw std::runtime_error("no folder for the test's files");
   }
-  return platform::fromUtf8(folder_ + "/");
+  return platform::fromUtf8(folder_) + static_cast<wchar_t>(std::filesystem::path::preferred_separator);
 }
 
 host::Ref<host::AutomationObject> FakeHost::createAutomationObject(const CString& programId) {

@@ -1,32 +1,25 @@
 #include "platform/system_platform.h"
 
-#include <algorithm>
 #include <array>
 #include <bit>
 #include <cerrno>
 #include <ctime>
 #include <stdexcept>
-#include <unordered_map>
 #include <utility>
 
 #include <iconv.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/detail/code_page.h"
 #include "platform/utf8.h"
 
 namespace lvx::platform {
 
 namespace {
 
-/// Last second of the year 3000: where the host's own calendar ends.
-constexpr std::int64_t kLastMoment = 32535215999;
-
-/// The character of each byte, and which bytes the page really defines.
-struct CodePage {
-  std::array<wchar_t, 256> characters{};
-  std::array<bool, 256> isDefined{};
-};
+using detail::CodePage;
+using detail::isSystemName;
 
 struct IconvCloser {
   void operator()(void* converter) const noexcept { iconv_close(converter); }
@@ -64,42 +57,17 @@ CodePage readCodePage(const std::string& name) {
   return page;
 }
 
-bool equalIgnoringCase(std::wstring_view left, std::wstring_view right) {
-  const auto lower = [](wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c; };
-  if (left.size() != right.size()) return false;
-  for (std::size_t i = 0; i < left.size(); ++i)
-    if (lower(left[i]) != lower(right[i])) return false;
-  return true;
-}
-
-/// A name that holds a zero would reach the system cut short and mean another file.
-bool isSystemName(const CString& path) { return path.find(L'\0') == CString::npos; }
-
 }  // namespace
 
 struct SystemPlatform::Tables {
   CodePage message;
-  /// Empty: the rule of equal values holds.
-  std::unordered_map<wchar_t, char> report;
+  detail::ReportBytes report;
 };
 
 SystemPlatform::SystemPlatform(PlatformSettings settings)
     : settings_(std::move(settings)), tables_(std::make_unique<Tables>()) {
   tables_->message = readCodePage(settings_.messageCodePage);
-  if (!settings_.reportCodePage.empty()) {
-    const CodePage page = readCodePage(settings_.reportCodePage);
-    // A byte that the page defines goes before one that only stands in for its own value.
-    // But in a page of seven bits no byte stands in for itself above them.
-    constexpr std::size_t kSevenBits = 128;
-    const bool isSevenBit = std::none_of(page.isDefined.begin() + kSevenBits, page.isDefined.end(),
-                                         [](bool isDefined) { return isDefined; });
-    const std::size_t end = isSevenBit ? kSevenBits : page.characters.size();
-    for (const bool wanted : {true, false})
-      for (std::size_t value = 1; value < end; ++value)
-        if (page.isDefined[value] == wanted)
-          tables_->report.try_emplace(page.characters[value], static_cast<char>(static_cast<unsigned char>(value)));
-    tables_->report.erase(L'\0');
-  }
+  if (!settings_.reportCodePage.empty()) tables_->report = detail::ReportBytes(readCodePage(settings_.reportCodePage));
 }
 
 SystemPlatform::~SystemPlatform() = default;
@@ -125,7 +93,7 @@ std::size_t SystemPlatform::lastFolderMark(const CString& path) const { return p
 std::int64_t SystemPlatform::now() { return settings_.fixedMoment.value_or(std::time(nullptr)); }
 
 std::optional<CalendarTime> SystemPlatform::calendarTime(std::int64_t moment) {
-  if (moment < 0 || moment > kLastMoment) return std::nullopt;
+  if (moment < 0 || moment > detail::kLastMoment) return std::nullopt;
   const std::time_t seconds = moment;
   std::tm fields{};
   if (settings_.fixedMoment) {
@@ -138,36 +106,13 @@ std::optional<CalendarTime> SystemPlatform::calendarTime(std::int64_t moment) {
                       fields.tm_hour, fields.tm_min,     fields.tm_sec};
 }
 
-CString SystemPlatform::widenAnsi(std::string_view bytes) {
-  CString text;
-  text.reserve(bytes.size());
-  for (const char byte : bytes) text += tables_->message.characters[static_cast<unsigned char>(byte)];
-  return text;
-}
+CString SystemPlatform::widenAnsi(std::string_view bytes) { return detail::widen(tables_->message, bytes); }
 
-std::string SystemPlatform::narrow(const CString& text) {
-  std::string bytes;
-  bytes.reserve(text.size());
-  if (tables_->report.empty()) {
-    for (const wchar_t character : text) {
-      if (character < 0x01 || character > 0xFF) break;
-      bytes += static_cast<char>(static_cast<unsigned char>(character));
-    }
-    return bytes;
-  }
-  for (const wchar_t character : text) {
-    const auto found = tables_->report.find(character);
-    if (found == tables_->report.end()) break;
-    bytes += found->second;
-  }
-  return bytes;
-}
+std::string SystemPlatform::narrow(const CString& text) { return tables_->report.of(text); }
 
 RegistryAnswer SystemPlatform::registryText(const CString& subKey, const CString& valueName, CString& text) {
-  if (!equalIgnoringCase(subKey, L"Software\\Kelbrin\\Vantor")) return RegistryAnswer::NoKey;
-  if (!equalIgnoringCase(valueName, L"CurVer") || settings_.release.empty()) return RegistryAnswer::NoValue;
-  text = settings_.release;
-  return RegistryAnswer::Found;
+  if (!settings_.release) return RegistryAnswer::NoKey;
+  return detail::registryOfRelease(*settings_.release, subKey, valueName, text);
 }
 
 }  // namespace lvx::platform
