@@ -6,6 +6,7 @@
 #include <variant>
 #include <vector>
 
+#include "cli/answer.h"
 #include "cli/batch_command.h"
 #include "cli/command_line.h"
 #include "cli/failure.h"
@@ -74,7 +75,14 @@ int runProgram(int argc, char** argv) {
   standin_platform::guardStandardStreams();
   standin_platform::turnSignalsOfWritingIntoErrors();
   standin_platform::watchInterruption();
-  return runGuarded([&] { return run(argc, argv); });
+  const Answer& told = answer();  // its seconds begin here
+  const int code = runGuarded([&] { return run(argc, argv); });
+  if (!told.isGathered()) return code;
+  return runGuarded([&] {
+    printDocument(told.document(code));
+    finishOutput();
+    return code;
+  });
 }
 
 }  // namespace
