@@ -20,6 +20,12 @@ if(LVX_WARNINGS_AS_ERRORS)
                                              # std::vector, overlapping copies inside std::string (its bug 105651).
                                              "$<$<AND:$<CXX_COMPILER_ID:GNU>,$<NOT:$<CONFIG:Debug>>>:-Wno-null-dereference;-Wno-restrict;-Wno-stringop-overread>")
 endif()
+if(WIN32)
+  # Only definition files say what is exported there, so a name's visibility means nothing.
+  target_compile_options(lvx_flags INTERFACE -Wno-attributes)
+  # Of a system's header only what is asked for by name, without macros called min and max, for Windows 10.
+  target_compile_definitions(lvx_flags INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
+endif()
 if(LVX_SANITIZE)
   target_compile_options(lvx_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
                                              -fno-omit-frame-pointer)
@@ -178,6 +184,24 @@ function(lvx_executable name)
   target_link_libraries(${name} PRIVATE lvx_flags ${arg_LINK})
 endfunction()
 
+# A program that loads modules: they find their host in the process that they are in.
+function(lvx_shows_host target)
+  set_target_properties(${target} PROPERTIES ENABLE_EXPORTS ON)
+  if(WIN32)
+    target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/standin/accessor/host.def")
+  endif()
+endfunction()
+
+# What a shared library shows: NAME.map tells it on systems with ELF, NAME.def on Windows.
+function(lvx_exports target name)
+  if(WIN32)
+    target_sources(${target} PRIVATE "${name}.def")
+  else()
+    target_link_options(${target} PRIVATE "-Wl,--version-script=${CMAKE_CURRENT_SOURCE_DIR}/${name}.map")
+    set_target_properties(${target} PROPERTIES LINK_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${name}.map")
+  endif()
+endfunction()
+
 # A library with Qt in it: its classes with Q_OBJECT pass Qt's own compiler.
 function(lvx_qt_library name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER" "SOURCES;PUBLIC;PRIVATE")
@@ -204,7 +228,8 @@ function(lvx_test name)
   target_link_libraries(${target} PRIVATE lvx_flags lvx::test_support ${arg_LINK} GTest::gmock)
   _lvx_look_inside(${target} ${arg_INSIDE})
   target_compile_definitions(${target} PRIVATE ${arg_DEFINITIONS})
-  if(arg_WHOLE)
+  # The start of a program costs more there than most tests.
+  if(arg_WHOLE OR WIN32)
     lvx_whole_test(${name} ${target} LABELS "${arg_LABELS}" TIMEOUT ${arg_TIMEOUT})
   else()
     gtest_discover_tests(${target} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
@@ -270,7 +295,7 @@ function(lvx_check_registration)
     if(NOT LVX_BUILD_DESKTOP)
       list(FILTER tests EXCLUDE REGEX "/tests/desktop/")
     endif()
-    if(LVX_SANITIZE OR LVX_SANITIZE_THREADS OR LVX_COVERAGE)
+    if(LVX_SANITIZE OR LVX_SANITIZE_THREADS OR LVX_COVERAGE OR WIN32)
       list(FILTER tests EXCLUDE REGEX "/tests/(faults|package|reading_work)/")
     endif()
     if(NOT WIN32)

@@ -23,9 +23,22 @@ struct CalendarTime {
   int second = 0;
 };
 
-/// Closes a stream that `Platform::openFile` opened.
-struct FileCloser {
-  void operator()(std::FILE* stream) const noexcept { std::fclose(stream); }
+/// Closes a stream that `Platform::openFile` opened: as the C library does, or in the way of who opened it.
+class FileCloser {
+ public:
+  using Close = int (*)(std::FILE* stream) noexcept;
+
+  FileCloser() = default;
+  explicit FileCloser(Close close) : close_(close) {}
+  void operator()(std::FILE* stream) const noexcept {
+    if (close_ != nullptr)
+      close_(stream);
+    else
+      std::fclose(stream);
+  }
+
+ private:
+  Close close_ = nullptr;
 };
 using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 

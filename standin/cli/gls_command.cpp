@@ -17,17 +17,15 @@ namespace {
 void tellGaps(const civil::Drawing& drawing, const civil::AlignmentObject& alignment,
               const civil::ProfileObject& profile) {
   if (alignment.geometry.isEmpty())
-    say("alignment '" + alignment.name + "' has no elements, and the report needs them", Severity::Warning);
+    say("alignment '" + alignment.name + "' has no elements, and the report needs them");
   if (profile.profile.points().size() < 2)
-    say("profile '" + profile.name + "' has fewer than two points, and the report needs two", Severity::Warning);
+    say("profile '" + profile.name + "' has fewer than two points, and the report needs two");
   for (const civil::Corridor& corridor : drawing.corridors) {
-    if (corridor.baselines.empty())
-      say("corridor '" + corridor.name + "' has no baselines and is passed over", Severity::Warning);
+    if (corridor.baselines.empty()) say("corridor '" + corridor.name + "' has no baselines and is passed over");
     for (const civil::Baseline& baseline : corridor.baselines)
       if (baseline.profile == nullptr)
         say("corridor '" + corridor.name + "', baseline '" + baseline.name +
-                "': no profile, so its heights count from 0",
-            Severity::Warning);
+            "': no profile, so its heights count from 0");
   }
 }
 

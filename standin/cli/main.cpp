@@ -6,7 +6,6 @@
 #include <variant>
 #include <vector>
 
-#include "cli/answer.h"
 #include "cli/batch_command.h"
 #include "cli/command_line.h"
 #include "cli/failure.h"
@@ -19,6 +18,7 @@
 #include "cli/terminal.h"
 #include "completion/completion.h"
 #include "standin_platform/interruption.h"
+#include "standin_platform/program_arguments.h"
 #include "standin_platform/standard_streams.h"
 #include "version/version.h"
 
@@ -70,18 +70,17 @@ int run(int argc, char** argv) {
   return code;
 }
 
-int runProgram(int argc, char** argv) {
+int runProgram(int count, char** given) {
   std::set_terminate(endWithoutMemory);
   standin_platform::guardStandardStreams();
   standin_platform::turnSignalsOfWritingIntoErrors();
   standin_platform::watchInterruption();
-  const Answer& told = answer();  // its seconds begin here
-  const int code = runGuarded([&] { return run(argc, argv); });
-  if (!told.isGathered()) return code;
   return runGuarded([&] {
-    printDocument(told.document(code));
-    finishOutput();
-    return code;
+    std::vector<std::string> arguments = standin_platform::programArguments(count, given);
+    std::vector<char*> words;
+    for (std::string& argument : arguments) words.push_back(argument.data());
+    words.push_back(nullptr);
+    return run(static_cast<int>(arguments.size()), words.data());
   });
 }
 

@@ -20,10 +20,9 @@ std::vector<DialogStep> stepsFor(MadeForReport& made, const options::Options& op
   const civil::SampleLineGroup& group = groupFor(made, *found.alignment, options, "");
   const civil::SurfaceObject& surface = findSurface(drawing, options.report.surface);
   if (group.lines.empty())
-    say("sample line group '" + group.name + "' holds no sample lines: the reports have their header alone",
-        Severity::Warning);
+    say("sample line group '" + group.name + "' holds no sample lines: the reports have their header alone");
   if (surface.surface.isEmpty())
-    say("surface '" + surface.name + "' holds no triangles: the reports have headings without rows", Severity::Warning);
+    say("surface '" + surface.name + "' holds no triangles: the reports have headings without rows");
 
   objects.report = advice::Report::Projection;
   objects.site = found.site;

@@ -5,6 +5,7 @@
 #include <exception>
 #include <filesystem>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -20,6 +21,7 @@
 #include "runtime/module_loader.h"
 #include "runtime/standin_host.h"
 #include "standin_platform/atomic_file.h"
+#include "standin_platform/folder_mark.h"
 #include "standin_platform/interruption.h"
 
 namespace lvx::cli {
@@ -94,18 +96,17 @@ void requirePlaces(runtime::StandinHost& host, const std::string& stem, const st
 bool tellOutcome(const runtime::StandinHost& host, const Expected& expected, bool hasEnded, bool quiet) {
   const runtime::FileEvent* event = host.journal().last(expected.path);
   if (event != nullptr && event->fate == runtime::FileFate::Written) {
-    printFile(expected.path, event->bytes, quiet);
+    if (!quiet) print(expected.path + "  " + std::to_string(event->bytes) + " bytes\n");
     return true;
   }
-  const auto unwritten = [&](const std::string& words) { say(words, Severity::Error, expected.path); };
   if (event != nullptr && event->fate == runtime::FileFate::Failed)
-    unwritten("can't write '" + expected.path + "': " + event->reason);
+    say("can't write '" + expected.path + "': " + event->reason);
   else if (expected.stood && (event != nullptr || !hasEnded))
-    unwritten("'" + expected.path + "' was not written; what stood there still does");
+    say("'" + expected.path + "' was not written; what stood there still does");
   else if (expected.stood)
-    unwritten("kept '" + expected.path + "', which exists; --overwrite replaces it");
+    say("kept '" + expected.path + "', which exists; --overwrite replaces it");
   else
-    unwritten("'" + expected.path + "' was not written");
+    say("'" + expected.path + "' was not written");
   return false;
 }
 
@@ -127,7 +128,8 @@ void tellAdvice(runtime::StandinHost& host, const options::CommonOptions& common
   const civil::Drawing& drawing = host.openDrawing()->drawing();
   tellDiagnostics(drawing, advice::diagnosticsOf(drawing, objects));
   const advice::Forms forms{common.writes("txt"), common.writes("xls"), common.writes("html")};
-  for (const std::string& warning : advice::warnings(drawing, objects, stem, forms, host.platform())) warn(warning);
+  for (const std::string& warning : advice::warnings(drawing, objects, stem, forms, host.platform()))
+    say("warning: " + warning);
 }
 
 /// Behind the technical text of an exception: what the user can change.
@@ -156,7 +158,7 @@ bool nothingHappened(const runtime::StandinHost& host, const CommandLineFrontEnd
 }  // namespace
 
 std::string dialogStem(const std::string& given) {
-  const std::size_t mark = given.rfind('/');
+  const std::size_t mark = standin_platform::lastFolderMark(std::string_view(given));
   if (given.empty() || mark == given.size() - 1)
     throw Failure(kUsage, "--out needs a file name without extension, such as 'out/road'" +
                               (given.empty() ? std::string() : ", not just the folder '" + given + "'"));
@@ -180,10 +182,7 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, Repo
   const options::CommonOptions& common = options.common;
   const std::string stem = dialogStem(options.report.stem);
   CommandLineFrontEnd frontEnd(common.overwriteMode(), runtime::helpFolder(common.host.language));
-  requireSaveFromInput(options, false);
-  runtime::InputFiles inputs;
-  addStandardInput(inputs, options);
-  const auto host = makeHost(frontEnd, common, inputs);
+  const auto host = makeHost(frontEnd, common);
   if (!run.drawing) run.drawing = std::make_shared<runtime::OpenDrawing>(loadDrawing(options));
   host->open(run.drawing);
   host->journal().listener = [&run](const runtime::FileEvent& event) { noteWritten(run, event); };

@@ -21,8 +21,11 @@ class ByteSink {
 };
 
 /// A stream of the C library over an object, for writers that know such streams only. Whoever gets it closes it by
-/// std::fclose, on whatever thread; that calls `close` and destroys the sink. Null where memory is short; the sink is gone
-/// then, not closed.
+/// closeSinkStream, on whatever thread; that calls `close` and destroys the sink. Null where memory is short; the sink is
+/// gone then, not closed. Where the C library has no such streams, the bytes wait in a temporary file and go into the sink
+/// when the stream is closed.
 [[nodiscard]] std::FILE* openSinkStream(std::unique_ptr<ByteSink> sink);
+/// As std::fclose answers.
+int closeSinkStream(std::FILE* stream) noexcept;
 
 }  // namespace lvx::standin_platform

@@ -98,7 +98,7 @@ struct LoadedModule::Guard {
   }
 
   void tellRaised(const char* words) const noexcept {
-    std::fprintf(stderr, "module: %s: raised an exception while it was unloaded: %s\n", file.c_str(), words);
+    std::fprintf(stderr, "module: %s: raised an exception while it was unloaded: %s\n", file.string().c_str(), words);
   }
 
   std::optional<DynamicLibrary> library;

@@ -13,6 +13,7 @@
 #include "platform/utf8.h"
 #include "standin_platform/atomic_file.h"
 #include "standin_platform/file_stamp.h"
+#include "standin_platform/folder_mark.h"
 #include "standin_platform/sink_stream.h"
 
 namespace lvx::runtime {
@@ -130,10 +131,16 @@ FileHandle ObservedPlatform::openFile(const CString& path, const char* mode) {
     errno = error.reason().value();
     return nullptr;
   }
-  FileHandle stream(standin_platform::openSinkStream(std::move(writing)));
+  FileHandle stream(standin_platform::openSinkStream(std::move(writing)),
+                    platform::FileCloser(standin_platform::closeSinkStream));
   if (!stream) return fail(kOutOfMemory);
   if (stood) tried_ = name;
   return stream;
+}
+
+// People and scripts of the stand-in write either mark where the system takes both.
+std::size_t ObservedPlatform::lastFolderMark(const CString& path) const {
+  return standin_platform::lastFolderMark(std::wstring_view(path));
 }
 
 bool ObservedPlatform::exists(const CString& path) {

@@ -30,9 +30,7 @@ class ObservedPlatform final : public platform::Platform {
   [[nodiscard]] platform::FileHandle openFile(const platform::CString& path, const char* mode) override;
   [[nodiscard]] bool exists(const platform::CString& path) override;
   bool removeFile(const platform::CString& path) override;
-  [[nodiscard]] std::size_t lastFolderMark(const platform::CString& path) const override {
-    return inner_.lastFolderMark(path);
-  }
+  [[nodiscard]] std::size_t lastFolderMark(const platform::CString& path) const override;
   [[nodiscard]] std::int64_t now() override { return inner_.now(); }
   [[nodiscard]] std::optional<platform::CalendarTime> calendarTime(std::int64_t moment) override {
     return inner_.calendarTime(moment);

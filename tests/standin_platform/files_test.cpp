@@ -159,7 +159,7 @@ TEST(SinkStream, PassesOnBytesAndItsEnd) {
   std::fprintf(stream, "%d;", 42);
   std::fputs(std::string(200'000, 'x').c_str(), stream);
   EXPECT_EQ(record.closed, 0);
-  EXPECT_EQ(std::fclose(stream), 0);
+  EXPECT_EQ(closeSinkStream(stream), 0);
   EXPECT_EQ(record.bytes, "42;" + std::string(200'000, 'x'));
   EXPECT_EQ(record.closed, 1);
   EXPECT_EQ(record.destroyed, 1);
@@ -171,12 +171,12 @@ TEST(SinkStream, ReportsWhatTheSinkRefuses) {
   std::fputs("text", stream);
   EXPECT_NE(std::fflush(stream), 0);
   EXPECT_NE(std::ferror(stream), 0);
-  std::fclose(stream);
+  closeSinkStream(stream);
   EXPECT_EQ(refusing.destroyed, 1);
 
   Record failing{.ends = false};
   stream = openSinkStream(std::make_unique<RecordingSink>(failing));
-  EXPECT_NE(std::fclose(stream), 0);
+  EXPECT_NE(closeSinkStream(stream), 0);
 }
 
 TEST_F(Files, ALibraryThatIsNoneIsTold) {

@@ -18,7 +18,8 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Folders that answer for a system.
-constexpr const char* kSystemFolders[] = {"src/platform/posix/", "standin/platform/posix/"};
+constexpr const char* kSystemFolders[] = {"src/platform/posix/", "src/platform/windows/", "standin/platform/posix/",
+                                          "standin/platform/windows/"};
 
 /// Files elsewhere that use a system's own header, each with the reason.
 const std::map<std::string, std::set<std::string>> kExceptions = {

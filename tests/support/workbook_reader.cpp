@@ -57,7 +57,7 @@ pugi::xml_document parsed(const std::map<std::string, std::string>& parts, const
 
 std::map<std::string, std::string> readWorkbookParts(const std::filesystem::path& path) {
   const auto close = [](void* zip) { unzClose(zip); };
-  const std::unique_ptr<void, decltype(close)> zip(unzOpen64(path.c_str()), close);
+  const std::unique_ptr<void, decltype(close)> zip(unzOpen64(path.string().c_str()), close);
   if (!zip) unsound("not an archive");
   std::map<std::string, std::string> parts;
   for (int step = unzGoToFirstFile(zip.get()); step == UNZ_OK; step = unzGoToNextFile(zip.get())) {

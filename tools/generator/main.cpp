@@ -16,6 +16,7 @@ int main(int argc, char** argv) {
   CLI::App app{
       "Makes LandXML drawings: equal options give the same bytes on every machine.\n"
       "Example: lvx-make-drawing --triangles 5000000 --lines 1000 --shuffled --out big.xml"};
+  app.allow_windows_style_options(false);
   lvx::generator::DrawingSize size;
   std::string path;
   std::string example;

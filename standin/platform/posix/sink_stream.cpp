@@ -28,4 +28,6 @@ std::FILE* openSinkStream(std::unique_ptr<ByteSink> sink) {
   return stream;
 }
 
+int closeSinkStream(std::FILE* stream) noexcept { return std::fclose(stream); }
+
 }  // namespace lvx::standin_platform

@@ -58,7 +58,7 @@ PartMark markOf(const unz_file_info64& info) { return {info.uncompressed_size, i
 
 /// Of all parts but the sheet; empty where the archive can't be read.
 PartMarks marksOf(const std::filesystem::path& path) {
-  const Archive archive(unzOpen64(path.c_str()));
+  const Archive archive(unzOpen64(path.string().c_str()));
   PartMarks marks;
   int state = archive ? unzGoToFirstFile(archive.get()) : UNZ_ERRNO;
   for (; state == UNZ_OK; state = unzGoToNextFile(archive.get())) {
@@ -99,7 +99,7 @@ class Names {
 
 std::string whatIsWrong(const std::filesystem::path& path, SheetCells& cells, const std::filesystem::path& twin) {
   constexpr const char* kNoArchive = "its archive has no sound directory";
-  const Archive archive(unzOpen64(path.c_str()));
+  const Archive archive(unzOpen64(path.string().c_str()));
   void* const zip = archive.get();
   unz_global_info64 global{};
   if (zip == nullptr || unzGetGlobalInfo64(zip, &global) != UNZ_OK) return kNoArchive;

@@ -91,7 +91,7 @@ void build(SheetCells& cells, const std::filesystem::path& archive, std::string 
   const std::uint64_t mostBytes = 60 * cells.cells() + 7 * cells.textBytes();
   lxw_workbook_options options{LXW_TRUE, scratch.data(),
                                static_cast<std::uint8_t>(mostBytes > 0xF0000000U ? LXW_TRUE : LXW_FALSE)};
-  WorkbookHandle book(workbook_new_opt(archive.c_str(), &options));
+  WorkbookHandle book(workbook_new_opt(archive.string().c_str(), &options));
   lxw_worksheet* sheet = book ? workbook_add_worksheet(book.get(), nullptr) : nullptr;
   lxw_format* threeDecimals = book ? workbook_add_format(book.get()) : nullptr;
   if (sheet == nullptr || threeDecimals == nullptr) throw std::bad_alloc();
