@@ -1,12 +1,19 @@
 #include "cli/command_line.h"
 
+#include <algorithm>
 #include <map>
+#include <sstream>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
+#include "cli/answer.h"
 #include "cli/failure.h"
+#include "cli/terminal.h"
 #include "options/exit_codes.h"
 #include "options/option_table.h"
 
@@ -78,6 +85,31 @@ void addOptions(CLI::App& app, const std::vector<const OptionDescription*>& rows
   for (const auto& [group, choice] : choices) choice->require_option(1);
 }
 
+/// From here on all that the command tells is gathered, so it holds nothing back for --quiet.
+void gatherAnswer(CommandLine& line) {
+  options::CommonOptions& common = line.options.common;
+  if (common.quiet) common.progress = "never";
+  answer().gather(std::exchange(common.quiet, false));
+  for (const options::CommandDescription& command : options::commands())
+    if (command.command == line.command) answer().setCommand(command.name);
+}
+
+/// Help, the version or what is wrong, for --json.
+ExitCode answerFor(const CLI::App& app, const CLI::ParseError& error) {
+  answer().gather(false);
+  std::ostringstream output;
+  std::ostringstream errors;
+  const bool isHelp = app.exit(error, output, errors) == 0;
+  if (isHelp) {
+    answer().set("text", output.str());
+    return kDone;
+  }
+  tell(errors.str());
+  const std::string words = errors.str();
+  answer().add({Severity::Error, words.substr(0, words.find('\n')), {}, 0});
+  return kUsage;
+}
+
 }  // namespace
 
 std::variant<CommandLine, ExitCode> parseCommandLine(int argc, const char* const* argv, const std::string& version) {
@@ -98,8 +130,12 @@ std::variant<CommandLine, ExitCode> parseCommandLine(int argc, const char* const
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
+    // Which options stand before what isn't understood isn't known.
+    if (line.options.json || std::find(argv, argv + argc, std::string_view("--json")) != argv + argc)
+      return answerFor(app, error);
     return app.exit(error) == 0 ? kDone : kUsage;
   }
+  if (line.options.json) gatherAnswer(line);
   // One of them may stand before the command, where the other isn't known.
   if (line.options.common.overwrite && line.options.common.keep)
     throw Failure(kUsage, "--overwrite and --keep exclude each other");

@@ -80,18 +80,19 @@ int StepDialogs::runModal(host::DialogBehaviour& dialog, void* /*parent*/) {
   return state.closedWith().value_or(host::kIdCancel);
 }
 
-BoxAnswer CommandLineFrontEnd::messageBox(const CString& text, BoxButtons buttons, host::BoxIcon /*icon*/) {
+BoxAnswer CommandLineFrontEnd::messageBox(const CString& text, BoxButtons buttons, host::BoxIcon icon) {
   const std::string words = toUtf8(text);
+  const Severity severity = icon == host::BoxIcon::Stop ? Severity::Error : Severity::Warning;
   if (buttons != BoxButtons::Ok) ++questions_;
   switch (buttons) {
     case BoxButtons::Ok:
-      say(words);
+      say(words, severity);
       return BoxAnswer::Ok;
     case BoxButtons::YesNo:
       return mayOverwrite(overwrite_, words) ? BoxAnswer::Yes : BoxAnswer::No;
     case BoxButtons::RetryCancel:
       if (!isInteractive()) {
-        say(words);
+        say(words, severity);
         return BoxAnswer::Cancel;
       }
       return isYes(ask(words + " (y: try again) [y/N] ")) ? BoxAnswer::Retry : BoxAnswer::Cancel;
@@ -103,7 +104,7 @@ std::optional<CString> CommandLineFrontEnd::saveFileBox(const CString&, std::uin
 
 void CommandLineFrontEnd::showHelp(const CString& topic) {
   const std::filesystem::path page = runtime::helpPage(topic, helpFolder_);
-  say("help: " + (page.empty() ? toUtf8(topic) : page.string()));
+  say("help: " + (page.empty() ? toUtf8(topic) : page.string()), Severity::Note);
 }
 
 std::uint32_t CommandLineFrontEnd::buttonFaceColour() {
@@ -113,7 +114,7 @@ std::uint32_t CommandLineFrontEnd::buttonFaceColour() {
 
 void CommandLineFrontEnd::console(const CString& text) {
   // A bare line feed only parts prompts from what stood before them.
-  if (text != L"\n") tell(toUtf8(text));
+  if (text != L"\n") tellConsole(toUtf8(text));
 }
 
 std::optional<civil::Handle> CommandLineFrontEnd::pickEntity(const CString&) { return std::nullopt; }

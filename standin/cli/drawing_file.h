@@ -5,11 +5,16 @@
 
 #include "advice/report_advice.h"
 #include "civil/drawing.h"
+#include "cli/answer.h"
 #include "options/options.h"
+#include "runtime/input_files.h"
 
 namespace lvx::cli {
 
-/// Reads the drawing of `options`, all of its files, with progress. Throws Failure where it can't be read (kBadDrawing)
+/// Name of a drawing that comes on standard input, in messages and wherever a path is told.
+inline constexpr const char* kStandardInputName = "standard input";
+
+/// Reads the drawing of `options`, all of its files, with progress; one of standard input is kept for saving it. Throws Failure where it can't be read (kBadDrawing)
 /// and for --swap-axes of what is none of its files (kUsage), and runtime::Interrupted where the user stopped it.
 [[nodiscard]] civil::Drawing loadDrawing(const options::Options& options);
 
@@ -22,7 +27,13 @@ void requireSaveTarget(const civil::Drawing& drawing, const options::Options& op
 /// rules of the reports (see mayOverwrite). Where it is kept, that is told.
 [[nodiscard]] bool maySave(const civil::Drawing& drawing, const options::Options& options);
 
-/// All of a file that steers a command: `speaker` names it in messages. Throws Failure (kUsage) where it can't be read,
+/// Puts what comes on standard input among `inputs`, where the drawing does.
+void addStandardInput(runtime::InputFiles& inputs, const options::Options& options);
+
+/// The name of a file that steers a command, in messages.
+[[nodiscard]] std::string steeringName(const std::string& path);
+
+/// All of a file that steers a command, or of standard input for "-": `speaker` names it in messages. Throws Failure (kUsage) where it can't be read,
 /// a folder included, and runtime::Interrupted where the user stopped the waiting for a pipe.
 [[nodiscard]] std::string readSteeringFile(const std::string& path, const char* speaker);
 
@@ -35,8 +46,15 @@ void requireSwappedFiles(const options::Options& options);
 /// runtime::Interrupted where the user stopped it. What stood there then still does. Gives the paths that were written.
 std::vector<std::string> saveAndTell(civil::Drawing& drawing, const options::Options& options, const std::string& made);
 
+/// Throws Failure (kUsage) where --save can't be what is meant with a drawing that comes on standard input: it names
+/// standard input too, or isn't there though the command saves in any case (`isNeeded`).
+void requireSaveFromInput(const options::Options& options, bool isNeeded);
+
 /// "road.xml:118: warning: …", with the file that it is of; the line left out where there is none.
 [[nodiscard]] std::string diagnosticText(const civil::Drawing& drawing, const civil::Diagnostic& diagnostic);
+
+/// The same for programs.
+[[nodiscard]] ToldDiagnostic toldDiagnostic(const civil::Drawing& drawing, const civil::Diagnostic& diagnostic);
 
 /// Warnings and errors of the reader on standard error; of many the first ones and how many more there are.
 void tellDiagnostics(const civil::Drawing& drawing);

@@ -17,15 +17,17 @@ namespace {
 void tellGaps(const civil::Drawing& drawing, const civil::AlignmentObject& alignment,
               const civil::ProfileObject& profile) {
   if (alignment.geometry.isEmpty())
-    say("alignment '" + alignment.name + "' has no elements, and the report needs them");
+    say("alignment '" + alignment.name + "' has no elements, and the report needs them", Severity::Warning);
   if (profile.profile.points().size() < 2)
-    say("profile '" + profile.name + "' has fewer than two points, and the report needs two");
+    say("profile '" + profile.name + "' has fewer than two points, and the report needs two", Severity::Warning);
   for (const civil::Corridor& corridor : drawing.corridors) {
-    if (corridor.baselines.empty()) say("corridor '" + corridor.name + "' has no baselines and is passed over");
+    if (corridor.baselines.empty())
+      say("corridor '" + corridor.name + "' has no baselines and is passed over", Severity::Warning);
     for (const civil::Baseline& baseline : corridor.baselines)
       if (baseline.profile == nullptr)
         say("corridor '" + corridor.name + "', baseline '" + baseline.name +
-            "': no profile, so its heights count from 0");
+                "': no profile, so its heights count from 0",
+            Severity::Warning);
   }
 }
 

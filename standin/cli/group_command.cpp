@@ -5,7 +5,10 @@
 #include <utility>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "civil/reversible_change.h"
+#include "cli/answer.h"
 #include "cli/drawing_file.h"
 #include "cli/failure.h"
 #include "cli/name_lookup.h"
@@ -18,6 +21,7 @@ namespace lvx::cli {
 ExitCode runGroup(const options::Options& options) {
   const options::NewGroupOptions& wanted = options.newGroup;
   requireUsableName(wanted, "point group");
+  requireSaveFromInput(options, true);
   const WantedPoints points = parsePoints(options.report.points);
   const bool quiet = options.common.quiet;
   civil::Drawing drawing = loadDrawing(options);
@@ -27,6 +31,7 @@ ExitCode runGroup(const options::Options& options) {
       groupToReplace(drawing.pointGroups, wanted, "the drawing", "point group", "points");
   std::vector<std::int32_t> numbers = findPoints(drawing, civil::DrawingIndex(drawing), points, quiet).numbers;
   const std::string told = "'" + wanted.name + "': " + text::countText(numbers.size(), "point") + "\n";
+  answer().set("group", {{"name", wanted.name}, {"points", numbers.size()}});
   if (taken != nullptr) civil::removingPointGroup(taken->handle)->make(drawing);
   civil::addingPointGroup(wanted.name, std::move(numbers))->make(drawing);
   if (!maySave(drawing, options)) return kNotWritten;

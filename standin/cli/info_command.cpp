@@ -8,7 +8,7 @@ namespace lvx::cli {
 options::ExitCode runInfo(const options::Options& options) {
   const civil::Drawing drawing = loadDrawing(options);
   if (options.json)
-    print(infoJson(drawing));
+    answerInfo(drawing);
   else
     tellInfo(drawing, print);
   return options::kDone;

@@ -12,8 +12,8 @@ namespace lvx::cli {
 
 /// Says what a drawing holds, for people: piece by piece, since of a large drawing that is a long text.
 void tellInfo(const civil::Drawing& drawing, const std::function<void(std::string_view)>& tell);
-/// The same for programs; members are only ever added.
-[[nodiscard]] std::string infoJson(const civil::Drawing& drawing);
+/// The same for programs, into the answer of the command.
+void answerInfo(const civil::Drawing& drawing);
 
 [[nodiscard]] options::ExitCode runInfo(const options::Options& options);
 

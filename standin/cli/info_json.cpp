@@ -1,10 +1,11 @@
-#include <array>
-#include <string_view>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
 #include "civil/drawing_files.h"
+#include "cli/answer.h"
 #include "cli/detail/info_facts.h"
+#include "cli/drawing_file.h"
 #include "cli/info_command.h"
 #include "text/handle_text.h"
 
@@ -182,20 +183,9 @@ Json corridorsJson(const civil::Drawing& drawing) {
   return list;
 }
 
-Json diagnosticsJson(const civil::Drawing& drawing) {
-  constexpr std::array<const char*, 3> kSeverities{"note", "warning", "error"};
-  Json list = Json::array();
-  for (const civil::Diagnostic& diagnostic : drawing.diagnostics)
-    list.push_back(withFile({{"severity", kSeverities[static_cast<std::size_t>(diagnostic.severity)]},
-                             {"text", diagnostic.text},
-                             {"line", diagnostic.line}},
-                            drawing, diagnostic));
-  return list;
-}
-
 }  // namespace
 
-std::string infoJson(const civil::Drawing& drawing) {
+void answerInfo(const civil::Drawing& drawing) {
   Json sites = Json::array();
   if (!drawing.siteless.alignments.empty()) sites.push_back(siteJson(drawing, drawing.siteless));
   for (const civil::Site& site : drawing.sites) sites.push_back(siteJson(drawing, site));
@@ -206,17 +196,16 @@ std::string infoJson(const civil::Drawing& drawing) {
                                {"handle", text::handleText(group.handle)},
                                {"points", group.numbers.size()}},
                               drawing, group));
-  Json all = {{"file", drawing.path},
-              {"linearUnit", unitJson(drawing.linearUnit)},
-              {"sites", sites},
-              {"surfaces", surfacesJson(drawing)},
-              {"points", pointsJson(drawing)},
-              {"pointGroups", groups},
-              {"corridors", corridorsJson(drawing)},
-              {"diagnostics", diagnosticsJson(drawing)}};
-  if (drawing.axesSwapped || !drawing.addedFiles.empty()) all["files"] = filesJson(drawing);
-  // A name that isn't UTF-8 shows the replacement character; the rest of the drawing is told all the same.
-  return all.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  Answer& all = answer();
+  all.set("file", drawing.path);
+  all.set("linearUnit", unitJson(drawing.linearUnit));
+  if (drawing.axesSwapped || !drawing.addedFiles.empty()) all.set("files", filesJson(drawing));
+  all.set("sites", std::move(sites));
+  all.set("surfaces", surfacesJson(drawing));
+  all.set("points", pointsJson(drawing));
+  all.set("pointGroups", std::move(groups));
+  all.set("corridors", corridorsJson(drawing));
+  for (const civil::Diagnostic& diagnostic : drawing.diagnostics) all.add(toldDiagnostic(drawing, diagnostic));
 }
 
 }  // namespace lvx::cli

@@ -58,6 +58,7 @@ struct KnownCommand {
 KnownCommand knownCommand(const options::CommandDescription& command) {
   KnownCommand known{std::string(command.name), command.command, {}, {}, {}};
   for (const OptionDescription* option : options::optionsOf(command.command)) {
+    if (option->name == "json") continue;  // the whole batch has one answer
     // The drawing, which is an argument elsewhere.
     if (!option->isArgument) {
       known.byName.emplace(option->name, known.options.size());
@@ -126,7 +127,10 @@ class JobFile::Reader {
     for (const JobMember& member : members) {
       if (member.name == "command") continue;
       if (member.name == "drawing") {
-        job.options.drawing = path(requireText(required(members, "drawing")));
+        const std::string& named = requireText(required(members, "drawing"));
+        if (named == options::kStandardInput)
+          throw JobLineError("a job's drawing can't come on standard input; \"./-\" is a file of that name");
+        job.options.drawing = path(named);
         continue;
       }
       const auto found = command.byName.find(member.name);

@@ -3,6 +3,9 @@
 #include <utility>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
+#include "cli/answer.h"
 #include "cli/drawing_file.h"
 #include "cli/failure.h"
 #include "cli/made_objects.h"
@@ -25,6 +28,7 @@ std::string toldLines(const std::string& group, const civil::AlignmentObject& al
 ExitCode runLines(const options::Options& options) {
   const options::NewGroupOptions& wanted = options.newGroup;
   requireUsableName(wanted, "sample line group");
+  requireSaveFromInput(options, true);
   const civil::SampleLineRules rules = rulesOf(options.lines);
   const bool quiet = options.common.quiet;
   civil::Drawing drawing = loadDrawing(options);
@@ -40,7 +44,13 @@ ExitCode runLines(const options::Options& options) {
   else
     civil::addingSampleLineGroup(alignment.handle, wanted.name, civil::sampleLinesOf(lines))->make(drawing);
   if (!maySave(drawing, options)) return kNotWritten;
-  saveAndTell(drawing, options, toldLines(wanted.name, alignment, lines));
+  const std::string told = toldLines(wanted.name, alignment, lines);
+  answer().set("group", {{"name", wanted.name},
+                         {"alignment", alignment.name},
+                         {"lines", lines.size()},
+                         {"leastStation", lines.front().station},
+                         {"greatestStation", lines.back().station}});
+  saveAndTell(drawing, options, told);
   return kDone;
 }
 

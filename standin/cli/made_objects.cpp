@@ -36,7 +36,8 @@ const civil::ProfileObject* chosenProfile(const civil::AlignmentObject& alignmen
   }
   if (first != nullptr && others > 0 && !quiet)
     say("sample lines: by profile '" + first->name + "', the first of " + std::to_string(others + 1) +
-        " design profiles; profile= names another");
+            " design profiles; profile= names another",
+        Severity::Note);
   return first;
 }
 
@@ -52,10 +53,12 @@ void tellReach(const std::vector<civil::MadeSampleLine>& lines, const civil::Sam
   const std::string of = " of " + std::to_string(lines.size());
   if (noGround > 0)
     say("sample lines that don't meet surface '" + rules.border + "' on one side or both: " + std::to_string(noGround) +
-        of + "; they are " + width + " wide there");
+            of + "; they are " + width + " wide there",
+        Severity::Warning);
   if (largest > 0)
     say("sample lines that end within surface '" + rules.border + "', at the largest width of " + width + ": " +
-        std::to_string(largest) + of);
+            std::to_string(largest) + of,
+        Severity::Warning);
 }
 
 std::string ungrounded(const civil::AlignmentObject& alignment, const civil::SurfaceObject& surface) {
@@ -146,7 +149,8 @@ const civil::SampleLineGroup& MadeForReport::addLines(const civil::AlignmentObje
   const auto lines = makeLines(drawing_.drawing(), alignment, read, profile, quiet);
   if (!quiet)
     say(text::countText(lines.size(), "sample line") + " made for this report, from " +
-        text::stationText(lines.front().station) + " to " + text::stationText(lines.back().station));
+            text::stationText(lines.front().station) + " to " + text::stationText(lines.back().station),
+        Severity::Note);
   const civil::Handle made = make(civil::addingSampleLineGroup(
       alignment.handle, civil::freeName(alignment.sampleLineGroups, civil::textOf(read)), civil::sampleLinesOf(lines)));
   return *drawing_.index().byHandle(made)->as<civil::SampleLineGroup>();
@@ -160,18 +164,22 @@ const civil::ProfileObject& MadeForReport::addGroundProfile(const civil::Alignme
   constexpr double kSame = 1e-3;
   if (!quiet) {
     say("ground of surface '" + surface.name + "' from " + text::stationText(ground.startStation()) + " to " +
-        text::stationText(ground.endStation()) + ": " + text::countText(ground.points().size(), "point"));
+            text::stationText(ground.endStation()) + ": " + text::countText(ground.points().size(), "point"),
+        Severity::Note);
     if (ground.startStation() > alignment.geometry.startStation() + kSame ||
         ground.endStation() < alignment.geometry.endStation() - kSame)
       say("the alignment runs from " + text::stationText(alignment.geometry.startStation()) + " to " +
-          text::stationText(alignment.geometry.endStation()) +
-          ": where there is no ground, elevations lie on its first and last line drawn on");
+              text::stationText(alignment.geometry.endStation()) +
+              ": where there is no ground, elevations lie on its first and last line drawn on",
+          Severity::Note);
     constexpr std::size_t kMostGaps = 5;
     const std::size_t told = std::min(kMostGaps, ground.gapCount());
     for (const civil::ProfileGap& gap : ground.gaps().first(told))
       say("no ground of surface '" + surface.name + "' from " + text::stationText(gap.startStation) + " to " +
-          text::stationText(gap.endStation) + ": elevations there lie on the straight line across");
-    if (told < ground.gapCount()) say(text::countText(ground.gapCount() - told, "more gap") + " of that kind");
+              text::stationText(gap.endStation) + ": elevations there lie on the straight line across",
+          Severity::Warning);
+    if (told < ground.gapCount())
+      say(text::countText(ground.gapCount() - told, "more gap") + " of that kind", Severity::Warning);
   }
   const civil::Handle made = make(
       civil::addingProfile(alignment.handle, civil::freeName(alignment.profiles, surface.name), std::move(ground)));
@@ -192,7 +200,8 @@ std::vector<civil::Handle> MadeForReport::addPointsOf(const civil::SurfaceObject
                                    text::countText(places.size(), "point") + " of surface '" + surface.name + "'");
   if (!quiet)
     say(text::countText(places.size(), "point") + " of surface '" + surface.name + "', numbered from " +
-        std::to_string(largest + 1) + " on for this report");
+            std::to_string(largest + 1) + " on for this report",
+        Severity::Note);
   std::vector<civil::Handle> handles;
   handles.reserve(places.size());
   const civil::Handle first = civil::largestHandle(drawing_.drawing()) + 1;

@@ -6,6 +6,7 @@
 #include <variant>
 #include <vector>
 
+#include "cli/answer.h"
 #include "cli/batch_command.h"
 #include "cli/command_line.h"
 #include "cli/failure.h"
@@ -75,12 +76,19 @@ int runProgram(int count, char** given) {
   standin_platform::guardStandardStreams();
   standin_platform::turnSignalsOfWritingIntoErrors();
   standin_platform::watchInterruption();
-  return runGuarded([&] {
+  const Answer& told = answer();  // its seconds begin here
+  const int code = runGuarded([&] {
     std::vector<std::string> arguments = standin_platform::programArguments(count, given);
     std::vector<char*> words;
     for (std::string& argument : arguments) words.push_back(argument.data());
     words.push_back(nullptr);
     return run(static_cast<int>(arguments.size()), words.data());
+  });
+  if (!told.isGathered()) return code;
+  return runGuarded([&] {
+    printDocument(told.document(code));
+    finishOutput();
+    return code;
   });
 }
 

@@ -1,8 +1,13 @@
 #include "cli/play_command.h"
 
 #include <exception>
+#include <string>
+#include <string_view>
 #include <utility>
 
+#include <nlohmann/json.hpp>
+
+#include "cli/answer.h"
 #include "cli/drawing_file.h"
 #include "cli/failure.h"
 #include "cli/host_setup.h"
@@ -10,18 +15,29 @@
 #include "platform/utf8.h"
 #include "runtime/command_runner.h"
 #include "script/script_front_end.h"
+#include "standin_platform/standard_input.h"
 
 namespace lvx::cli {
 
 namespace {
 
+using Json = nlohmann::ordered_json;
+
 std::vector<script::ScriptAction> readScript(const std::string& path) {
   const std::string text = readSteeringFile(path, "script");
   try {
-    return script::parseScript(text, path);
+    return script::parseScript(text, steeringName(path));
   } catch (const script::ScriptError& error) {
     throw Failure(kUsage, error.what());
   }
+}
+
+/// A line on standard output, or one more event of the document.
+void takeEvent(std::string_view line) {
+  if (answer().isGathered())
+    answer().append("events", Json::parse(line));
+  else
+    print(line);
 }
 
 /// Plays the whole script; true where every command ended by itself and did nothing wrong.
@@ -49,11 +65,19 @@ bool play(runtime::StandinHost& host, script::ScriptFrontEnd& frontEnd, script::
 }  // namespace
 
 ExitCode runPlay(const options::Options& options) {
+  const bool isScriptFromInput = options.play.script == options::kStandardInput;
+  if (isScriptFromInput && options.drawing == options::kStandardInput)
+    throw Failure(kUsage, "standard input can be the drawing or the script, not both; './-' is a file of that name");
   std::vector<script::ScriptAction> actions = readScript(options.play.script);
-  script::Transcript transcript(print);
+  if (answer().isGathered()) answer().set("events", Json::array());
+  script::Transcript transcript(takeEvent);
   script::ScriptFrontEnd frontEnd(std::move(actions), transcript);
   runtime::InputFiles inputs;
-  inputs.add(options.play.script, "the script");
+  if (isScriptFromInput)
+    inputs.add(standin_platform::standardInputName().string(), "the script on standard input");
+  else
+    inputs.add(options.play.script, "the script");
+  addStandardInput(inputs, options);
   const auto host = makeHost(frontEnd, options.common, inputs);
   civil::Drawing drawing = loadDrawing(options);
   if (!options.common.quiet) tellDiagnostics(drawing);
@@ -62,6 +86,10 @@ ExitCode runPlay(const options::Options& options) {
   host->journal().listener = [&transcript, &allWritten](const runtime::FileEvent& event) {
     allWritten = allWritten && event.fate != runtime::FileFate::Failed;
     transcript.file(event);
+    if (event.fate == runtime::FileFate::Written)
+      answer().addWritten(event.path);
+    else
+      answer().removeWritten(event.path);
   };
   host->open(std::move(drawing));
   frontEnd.setDrawing(&host->openDrawing()->drawing());

@@ -53,7 +53,8 @@ civil::FilteredPoints findPoints(const civil::Drawing& drawing, const civil::Dra
   civil::FilteredPoints found = civil::pointsWhere(drawing, index, wanted.filter);
   if (found.hidden > 0 && !quiet)
     say(text::countText(found.hidden, "point") + " left out: another point of the same number stands before " +
-        (found.hidden == 1 ? "it" : "each"));
+            (found.hidden == 1 ? "it" : "each"),
+        Severity::Warning);
   if (found.numbers.empty())
     throw Failure(kNotWritten, "nothing was written: none of the drawing's " +
                                    text::countText(drawing.points.size(), "point") + " meets " + wanted.words);

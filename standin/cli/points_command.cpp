@@ -18,7 +18,9 @@ using platform::fromUtf8;
 namespace {
 
 void tellWithoutElevation(std::size_t count) {
-  if (count > 0) say("points without an elevation: " + std::to_string(count) + "; the report shows 0.000 for them");
+  if (count > 0)
+    say("points without an elevation: " + std::to_string(count) + "; the report shows 0.000 for them",
+        Severity::Warning);
 }
 
 /// Chooses a group in the dialog; the sentence for a report without rows.

@@ -20,9 +20,10 @@ std::vector<DialogStep> stepsFor(MadeForReport& made, const options::Options& op
   const civil::SampleLineGroup& group = groupFor(made, *found.alignment, options, "");
   const civil::SurfaceObject& surface = findSurface(drawing, options.report.surface);
   if (group.lines.empty())
-    say("sample line group '" + group.name + "' holds no sample lines: the reports have their header alone");
+    say("sample line group '" + group.name + "' holds no sample lines: the reports have their header alone",
+        Severity::Warning);
   if (surface.surface.isEmpty())
-    say("surface '" + surface.name + "' holds no triangles: the reports have headings without rows");
+    say("surface '" + surface.name + "' holds no triangles: the reports have headings without rows", Severity::Warning);
 
   objects.report = advice::Report::Projection;
   objects.site = found.site;

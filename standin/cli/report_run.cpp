@@ -96,17 +96,18 @@ void requirePlaces(runtime::StandinHost& host, const std::string& stem, const st
 bool tellOutcome(const runtime::StandinHost& host, const Expected& expected, bool hasEnded, bool quiet) {
   const runtime::FileEvent* event = host.journal().last(expected.path);
   if (event != nullptr && event->fate == runtime::FileFate::Written) {
-    if (!quiet) print(expected.path + "  " + std::to_string(event->bytes) + " bytes\n");
+    printFile(expected.path, event->bytes, quiet);
     return true;
   }
+  const auto unwritten = [&](const std::string& words) { say(words, Severity::Error, expected.path); };
   if (event != nullptr && event->fate == runtime::FileFate::Failed)
-    say("can't write '" + expected.path + "': " + event->reason);
+    unwritten("can't write '" + expected.path + "': " + event->reason);
   else if (expected.stood && (event != nullptr || !hasEnded))
-    say("'" + expected.path + "' was not written; what stood there still does");
+    unwritten("'" + expected.path + "' was not written; what stood there still does");
   else if (expected.stood)
-    say("kept '" + expected.path + "', which exists; --overwrite replaces it");
+    unwritten("kept '" + expected.path + "', which exists; --overwrite replaces it");
   else
-    say("'" + expected.path + "' was not written");
+    unwritten("'" + expected.path + "' was not written");
   return false;
 }
 
@@ -128,8 +129,7 @@ void tellAdvice(runtime::StandinHost& host, const options::CommonOptions& common
   const civil::Drawing& drawing = host.openDrawing()->drawing();
   tellDiagnostics(drawing, advice::diagnosticsOf(drawing, objects));
   const advice::Forms forms{common.writes("txt"), common.writes("xls"), common.writes("html")};
-  for (const std::string& warning : advice::warnings(drawing, objects, stem, forms, host.platform()))
-    say("warning: " + warning);
+  for (const std::string& warning : advice::warnings(drawing, objects, stem, forms, host.platform())) warn(warning);
 }
 
 /// Behind the technical text of an exception: what the user can change.
@@ -182,7 +182,10 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, Repo
   const options::CommonOptions& common = options.common;
   const std::string stem = dialogStem(options.report.stem);
   CommandLineFrontEnd frontEnd(common.overwriteMode(), runtime::helpFolder(common.host.language));
-  const auto host = makeHost(frontEnd, common);
+  requireSaveFromInput(options, false);
+  runtime::InputFiles inputs;
+  addStandardInput(inputs, options);
+  const auto host = makeHost(frontEnd, common, inputs);
   if (!run.drawing) run.drawing = std::make_shared<runtime::OpenDrawing>(loadDrawing(options));
   host->open(run.drawing);
   host->journal().listener = [&run](const runtime::FileEvent& event) { noteWritten(run, event); };

@@ -7,6 +7,7 @@
 #include <new>
 #include <string>
 
+#include "cli/answer.h"
 #include "cli/failure.h"
 #include "standin_platform/standard_streams.h"
 
@@ -17,15 +18,55 @@ using standin_platform::StandardStream;
 
 void tell(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); }
 
-void say(std::string_view sentence) {
+namespace {
+
+/// As standard error has it.
+void tellSentence(std::string_view before, std::string_view sentence) {
   try {
-    tell("lvxhost: " + std::string(sentence) + "\n");  // at once, so that nothing comes between
+    tell(std::string(before) + std::string(sentence) + "\n");  // at once, so that nothing comes between
   } catch (const std::bad_alloc&) {
-    for (const std::string_view part : {std::string_view("lvxhost: "), sentence, std::string_view("\n")}) tell(part);
+    for (const std::string_view part : {before, sentence, std::string_view("\n")}) tell(part);
   }
 }
 
-void print(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+void gather(Severity severity, std::string_view text, std::string_view file) {
+  if (!answer().isGathered()) return;
+  try {
+    answer().add({severity, std::string(text), std::string(file), 0});
+  } catch (const std::bad_alloc&) {
+    // Standard error has it, and the exit code tells that memory is short.
+  }
+}
+
+}  // namespace
+
+void say(std::string_view sentence, Severity severity, std::string_view file) {
+  if (severity == Severity::Error || !answer().isQuiet()) tellSentence("lvxhost: ", sentence);
+  gather(severity, sentence, file);
+}
+
+void warn(std::string_view sentence) {
+  if (!answer().isQuiet()) tellSentence("lvxhost: warning: ", sentence);
+  gather(Severity::Warning, sentence, {});
+}
+
+void tellConsole(std::string_view text) {
+  if (!answer().isQuiet()) tell(text);
+  const std::size_t start = text.find_first_not_of(" \r\n");
+  if (start == std::string_view::npos) return;
+  gather(Severity::Note, text.substr(start, text.find_last_not_of(" \r\n") + 1 - start), {});
+}
+
+void print(std::string_view text) {
+  if (!answer().isGathered()) std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+void printDocument(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+
+void printFile(const std::string& path, std::uint64_t bytes, bool quiet) {
+  answer().addWritten(path);
+  if (!quiet) print(path + "  " + std::to_string(bytes) + " bytes\n");
+}
 
 void finishOutput() {
   errno = 0;

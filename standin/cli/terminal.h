@@ -5,20 +5,32 @@
 #include <string>
 #include <string_view>
 
+#include "civil/drawing.h"
 #include "options/options.h"
 
-/// Standard output and standard error: results on the one, words and progress on the other.
+/// Standard output and standard error: results on the one, words and progress on the other. With --json (answer.h) words
+/// are gathered as well, and the one document has standard output for itself.
 namespace lvx::cli {
 
+using civil::Severity;
 using options::ProgressMode;
 
-/// One line on standard error, "lvxhost: …"; also where no memory is left.
-void say(std::string_view sentence);
-/// The same without the name in front: questions, the console of a command.
+/// One line on standard error, "lvxhost: …"; also where no memory is left. `file` is the one that it is about, for
+/// programs.
+void say(std::string_view sentence, Severity severity = Severity::Error, std::string_view file = {});
+/// A warning, as "lvxhost: warning: …" on standard error.
+void warn(std::string_view sentence);
+/// Text as it stands on standard error: questions, progress. Not gathered.
 void tell(std::string_view text);
+/// The same of a command's console, which is gathered as a note.
+void tellConsole(std::string_view text);
 
-/// A result on standard output.
+/// A result on standard output, for people alone.
 void print(std::string_view text);
+/// The document of --json on standard output.
+void printDocument(std::string_view text);
+/// A file that was written; told unless `quiet`.
+void printFile(const std::string& path, std::uint64_t bytes, bool quiet);
 /// Flushes standard output; throws Failure where it couldn't take everything.
 void finishOutput();
 

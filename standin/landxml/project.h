@@ -15,6 +15,8 @@ struct ProjectFile {
   std::string path;
   /// Its coordinates hold easting before northing, against the format.
   bool swapAxes = false;
+  /// As in ReadOptions.
+  std::string source = {};
 };
 
 struct ProjectOptions {

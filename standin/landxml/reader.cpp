@@ -216,15 +216,16 @@ civil::Drawing detail::readTraced(std::unique_ptr<ByteSource> bytes, const std::
 }
 
 civil::Drawing readDrawing(const std::string& path, const ReadOptions& options) {
+  const std::string& source = options.source.empty() ? path : options.source;
   if (options.namesAlone) {
     try {
-      return readBytes(withoutGround(openFile(path)), path, options);
+      return readBytes(withoutGround(openFile(source, path)), path, options);
     } catch (const ReadError&) {
       // Left out as it stands there, or the file's own fault: the whole tells.
     }
   }
   civil::FileMark mark;
-  civil::Drawing drawing = readBytes(openFile(path, &mark), path, options);
+  civil::Drawing drawing = readBytes(openFile(source, path, &mark), path, options);
   drawing.file = mark;
   drawing.file.content = contentOf(drawing, 0);
   return drawing;

@@ -28,6 +28,9 @@ struct ReadOptions {
   /// Leaves the triangles of surfaces out, for who wants to know what a drawing holds before the user has typed on: a
   /// tenth of the time of a large drawing. Names are those of the whole drawing, diagnostics and FileMark aren't.
   bool namesAlone = false;
+  /// Where the bytes are read from, for a drawing that is no file under its own path, which messages name all the same.
+  /// Empty: from that path.
+  std::string source = {};
 };
 
 /// Reads a drawing. What is odd but can be survived becomes a diagnostic of the drawing; what can't throws ReadError.

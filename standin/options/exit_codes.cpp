@@ -17,8 +17,8 @@ constexpr std::array<ExitCodeDescription, 8> kExitCodes{{
      kReportCommands | kMakingCommands},
     {kScriptMismatch, "a script doesn't fit what the command waits for",
      "a script doesn't fit what the command waits for", Command::Play},
-    {kException, "the command ended by an exception", "the report command ended by an exception",
-     kReportCommands | Command::Play},
+    {kException, "the command ended by an exception", "the command ended by an exception, also for want of memory",
+     kEveryCommand},
     {kInterrupted, "interrupted", "interrupted, as by Ctrl-C; no unfinished file is left", kEveryCommand},
 }};
 

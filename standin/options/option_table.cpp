@@ -78,7 +78,7 @@ constexpr std::array kTable{
     OptionDescription{.name = "DRAWING",
                       .commands = kDrawingCommands,
                       .field = [](Options& o) -> Field { return &o.drawing; },
-                      .help = "LandXML file",
+                      .help = "LandXML file; - for standard input",
                       .isArgument = true,
                       .isRequired = true},
     OptionDescription{.name = "DRAWING",
@@ -89,13 +89,13 @@ constexpr std::array kTable{
     OptionDescription{.name = "JOBS",
                       .commands = Command::Batch,
                       .field = [](Options& o) -> Field { return &o.batch.jobs; },
-                      .help = "JSON Lines: a report a line",
+                      .help = "JSON Lines: a report a line; - for standard input",
                       .isArgument = true,
                       .isRequired = true},
     OptionDescription{.name = "SCRIPT",
                       .commands = Command::Play,
                       .field = [](Options& o) -> Field { return &o.play.script; },
-                      .help = "JSON array of what a user does",
+                      .help = "JSON array of what a user does; - for standard input",
                       .isArgument = true,
                       .isRequired = true},
 
@@ -265,10 +265,6 @@ constexpr std::array kTable{
                       .group = &kRulesGroup},
 
     // ---- of single commands
-    OptionDescription{.name = "json",
-                      .commands = Command::Info,
-                      .field = [](Options& o) -> Field { return &o.json; },
-                      .help = "Write a form that programs read"},
     OptionDescription{.name = "jobs",
                       .commands = Command::Batch,
                       .field = [](Options& o) -> Field { return &o.batch.atOnce; },
@@ -382,6 +378,11 @@ constexpr std::array kCommonTable{
                       .commands = kEveryCommand,
                       .field = [](Options& o) -> Field { return &o.common.quiet; },
                       .help = "Say nothing but errors",
+                      .group = &kCommonGroup},
+    OptionDescription{.name = "json",
+                      .commands = kEveryCommand,
+                      .field = [](Options& o) -> Field { return &o.json; },
+                      .help = "Standard output is one JSON document: results, files written with bytes and hash, diagnostics, seconds, exit code",
                       .group = &kCommonGroup},
 };
 // clang-format on

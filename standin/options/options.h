@@ -14,7 +14,10 @@ namespace lvx::options {
 enum class Overwrite : std::uint8_t { Ask, Always, Never };
 enum class ProgressMode : std::uint8_t { Auto, Always, Never };
 
-/// The options that every command of lvxhost knows.
+/// In place of a file's path: what comes on standard input.
+inline constexpr const char* kStandardInput = "-";
+
+/// The options that every command of lvxhost knows, as jobs of a batch have them too.
 struct CommonOptions {
   /// Forms of the reports, joined by commas.
   std::string forms = "txt,xls,html";
@@ -107,6 +110,10 @@ struct BatchOptions {
   std::optional<int> atOnce;
   /// Folder from which paths in jobs are seen, or "jobs" for the job file's own; none: the current one.
   std::optional<std::string> base;
+  /// "3/8": the third of eight shares of the jobs; none: all of them.
+  std::optional<std::string> part;
+  /// Journals of shares that were run elsewhere, for one summary in place of a run.
+  std::vector<std::string> merge;
 };
 
 struct PlayOptions {
@@ -126,7 +133,7 @@ struct Options {
   /// Of every command of lvxhost that opens one.
   std::string drawing;
   DrawingOptions files;
-  /// Of info: a form that programs read.
+  /// All that the command tells as one document for programs.
   bool json = false;
   ReportOptions report;
   NewGroupOptions newGroup;

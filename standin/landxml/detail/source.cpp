@@ -21,20 +21,20 @@ namespace {
 
 class FileSource : public ByteSource {
  public:
-  FileSource(const std::string& path, civil::FileMark* mark) : path_(path), mark_(mark) {
+  FileSource(const std::string& path, const std::string& name, civil::FileMark* mark) : name_(name), mark_(mark) {
     try {
       file_.emplace(path);
     } catch (const std::system_error& error) {
-      fail("can't open the file: " + error.code().message(), path);
+      fail("can't open the file: " + error.code().message(), name);
     }
-    if (file_->kind() == InputFile::Kind::Folder) fail("can't read the file: it is a folder", path);
+    if (file_->kind() == InputFile::Kind::Folder) fail("can't read the file: it is a folder", name);
   }
   std::size_t read(char* to, std::size_t size) override {
     std::size_t count = 0;
     try {
       count = file_->read(to, size);
     } catch (const std::system_error& error) {
-      fail("can't read the file: " + error.code().message(), path_);
+      fail("can't read the file: " + error.code().message(), name_);
     }
     if (mark_ != nullptr) {
       hash_.add({to, count});
@@ -45,7 +45,7 @@ class FileSource : public ByteSource {
   [[nodiscard]] std::uint64_t totalBytes() const override { return file_->stamp().size; }
 
  private:
-  std::string path_;
+  std::string name_;
   std::optional<InputFile> file_;
   civil::FileMark* mark_;
   ContentHash hash_;
@@ -116,8 +116,8 @@ std::string readAll(ByteSource& bytes, std::string head) {
 
 }  // namespace
 
-std::unique_ptr<ByteSource> openFile(const std::string& path, civil::FileMark* mark) {
-  return std::make_unique<FileSource>(path, mark);
+std::unique_ptr<ByteSource> openFile(const std::string& path, const std::string& name, civil::FileMark* mark) {
+  return std::make_unique<FileSource>(path, name, mark);
 }
 std::unique_ptr<ByteSource> openText(std::string_view text) { return std::make_unique<TextSource>(text); }
 

@@ -26,8 +26,10 @@ class ByteSource {
   [[nodiscard]] virtual std::uint64_t totalBytes() const = 0;
 };
 
-/// `mark` (or null) is complete when the file has been read to its end; it must outlive the source.
-[[nodiscard]] std::unique_ptr<ByteSource> openFile(const std::string& path, civil::FileMark* mark = nullptr);
+/// Messages name the file `name`. `mark` (or null) is complete when the file has been read to its end; it must outlive the
+/// source.
+[[nodiscard]] std::unique_ptr<ByteSource> openFile(const std::string& path, const std::string& name,
+                                                   civil::FileMark* mark = nullptr);
 /// The text must outlive the source.
 [[nodiscard]] std::unique_ptr<ByteSource> openText(std::string_view text);
 
