@@ -16,15 +16,19 @@ constexpr const char* kNoMemory = "the command ended by an exception: there is n
 }
 
 void endWithoutMemory() {
+  // Functions of the C++ library that list folders let no exception out, run out of memory all the same, and end the
+  // process in mid-flight: there is one on its way then, but none to be looked at.
+  bool isShort = !std::current_exception() && std::uncaught_exceptions() > 0;
   try {
     if (std::current_exception()) std::rethrow_exception(std::current_exception());
   } catch (const std::bad_alloc&) {
-    say(kNoMemory);
-    std::_Exit(kException);
+    isShort = true;
   } catch (...) {
     std::abort();
   }
-  std::abort();
+  if (!isShort) std::abort();
+  say(kNoMemory);
+  std::_Exit(kException);
 }
 
 int runGuarded(const std::function<int()>& work) {

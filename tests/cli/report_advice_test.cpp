@@ -219,6 +219,19 @@ TEST_F(ReportAdviceTest, TellsWhatToChangeWhereGlsEndsByAnException) {
   }
 }
 
+TEST_F(ReportAdviceTest, SaysThatTheDrawingWasNotSavedBehindAnException) {
+  write("road.xml", drawing(alignments(sampleLine("100", "end"))));
+  const std::string before = test::fileBytes(folder_ / "road.xml");
+  for (const std::string target : {"new.xml", "road.xml"}) {
+    const RunResult result = gls({"--add-sections", "--save", target});
+    EXPECT_EQ(result.exitCode, 70);
+    EXPECT_THAT(result.errors,
+                HasSubstr("the drawing was not saved to '" + target + "', since the command didn't end by itself"));
+  }
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "new.xml"));
+  EXPECT_EQ(test::fileBytes(folder_ / "road.xml"), before);
+}
+
 TEST_F(ReportAdviceTest, TellsNothingToChangeOfAReportThatIsMade) {
   write("road.xml", drawing(alignments(sampleLine("10", "L"), kCurve)));
   const RunResult result = gls();

@@ -256,6 +256,8 @@ class Subject {
                         result.output.find("\"event\":\"exception\"") != std::string::npos ||
                         result.output.find("\"event\":\"unwritten\"") != std::string::npos;
     if (result.exitCode != 0 && !isTold && !isMute) return "  it failed without a word\n";
+    if (result.errors.find("changed by another program") != std::string::npos)
+      return "  it blames a program that isn't there\n";
     return {};
   }
 
@@ -280,10 +282,12 @@ class Subject {
   [[nodiscard]] std::string judgeLeftOvers(const Place& place, const Files& now, const FaultyResult& result) const {
     std::string wrong;
     // What the system doesn't let anybody remove stays.
-    const bool isRemoval = isOneOf(result.done.number, {SYS_unlink, SYS_unlinkat});
+    const bool isRemoval = isOneOf(result.done.number, {SYS_unlink, SYS_unlinkat, SYS_rmdir});
     const std::string kept = isRemoval ? fs::path(result.path).filename().string() : std::string();
     const auto add = [&](const std::string& name) {
-      if (kept.empty() || fs::path(name).filename() != kept) wrong += "  " + name + " is left over\n";
+      const fs::path path(name);
+      if (kept.empty() || (path.has_filename() ? path : path.parent_path()).filename() != kept)
+        wrong += "  " + name + " is left over\n";
     };
     for (const auto& [name, bytes] : now)
       if (!before_.contains(name) && !after_.contains(name)) add(name);
