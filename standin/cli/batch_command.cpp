@@ -17,7 +17,9 @@
 #include "cli/host_setup.h"
 #include "cli/job_file.h"
 #include "cli/terminal.h"
+#include "options/option_table.h"
 #include "standin_platform/interruption.h"
+#include "standin_platform/standard_input.h"
 
 namespace lvx::cli {
 
@@ -27,12 +29,18 @@ using standin_platform::isInterrupted;
 namespace {
 
 JobFileSettings settingsOf(const options::Options& options) {
-  JobFileSettings settings{options.batch.jobs, options.common, options.batch.base, {}};
-  if (settings.base == "jobs") settings.base = fs::path(options.batch.jobs).parent_path().string();
+  const bool isFromInput = options.batch.jobs == options::kStandardInput;
+  JobFileSettings settings{steeringName(options.batch.jobs), options.common, options.batch.base, {}, {}};
+  if (settings.base == "jobs") {
+    if (isFromInput) throw Failure(kUsage, "batch: --base jobs: jobs that come on standard input lie in no folder");
+    settings.base = fs::path(options.batch.jobs).parent_path().string();
+  }
   if (settings.base && settings.base->empty()) settings.base.reset();
   if (std::error_code error; settings.base && !fs::is_directory(*settings.base, error))
     throw Failure(kUsage, "batch: --base names '" + *settings.base + "', which is no folder");
-  settings.taken.emplace_back(options.batch.jobs, "the job file");
+  settings.taken.emplace_back(isFromInput ? standin_platform::standardInputName().string() : options.batch.jobs,
+                              "the job file");
+  if (options.batch.part) settings.share = options::shareOf(*options.batch.part);
   return settings;
 }
 
@@ -135,7 +143,7 @@ std::string summary(std::size_t jobs, const Teller& teller) {
 
 ExitCode runBatch(const options::Options& options) {
   const JobFile jobs(readSteeringFile(options.batch.jobs, "batch"), settingsOf(options));
-  requireHosts(jobs, options.batch.jobs);
+  requireHosts(jobs, steeringName(options.batch.jobs));
   BatchRunOptions running;
   const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
   running.atOnce = options.batch.atOnce ? static_cast<std::size_t>(*options.batch.atOnce) : processors;

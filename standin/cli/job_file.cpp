@@ -6,6 +6,7 @@
 #include <limits>
 #include <set>
 #include <stdexcept>
+#include <system_error>
 #include <unordered_map>
 #include <variant>
 
@@ -249,6 +250,18 @@ void requireUsable(const Job& job) {
   requireSwappedFiles(job.options);
 }
 
+/// Of all files of a drawing; one that can't be found has none, which is told when it is read.
+std::uint64_t bytesOf(const options::Options& options) {
+  const auto size = [](const std::string& path) -> std::uint64_t {
+    std::error_code error;
+    const std::uintmax_t bytes = fs::file_size(path, error);
+    return error ? 0 : bytes;
+  };
+  std::uint64_t bytes = size(options.drawing);
+  for (const std::string& file : options.files.with) bytes += size(file);
+  return bytes;
+}
+
 void addPaths(const Job& job, JobFile::Entry& entry, JobPaths& paths) {
   const options::Options& values = job.options;
   paths.writes(job.line, values.report.stem, formsOf(values.common));
@@ -273,6 +286,7 @@ JobFile::JobFile(std::string text, JobFileSettings settings)
   JobPaths paths;
   for (const auto& [path, what] : settings_.taken) paths.reads(0, path, JobPaths::kNoDrawing, what);
   std::unordered_map<std::string, std::uint32_t> drawings;
+  std::vector<std::uint64_t> bytesOfDrawings;
   std::set<std::string> hosts;
   std::size_t at = text_.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
   for (std::uint32_t line = 1; at < text_.size(); ++line) {
@@ -286,8 +300,10 @@ JobFile::JobFile(std::string text, JobFileSettings settings)
       const Job job = reader_->read(line, content);
       requireUsable(job);
       Entry entry{line, 0, start, static_cast<std::uint32_t>(content.size())};
-      entry.drawing =
-          drawings.emplace(keyOf(job.options, paths), static_cast<std::uint32_t>(drawings.size())).first->second;
+      const auto [drawing, isNew] =
+          drawings.emplace(keyOf(job.options, paths), static_cast<std::uint32_t>(drawings.size()));
+      entry.drawing = drawing->second;
+      if (isNew && settings_.share) bytesOfDrawings.push_back(bytesOf(job.options));
       addPaths(job, entry, paths);
       entries_.push_back(entry);
       if (hosts.insert(keyOf(job.options.common.host)).second) hostUses_.push_back({line, job.options.common});
@@ -300,6 +316,19 @@ JobFile::JobFile(std::string text, JobFileSettings settings)
   for (const JobPaths::Conflict& conflict : paths.conflicts()) fail(conflict.line, conflict.words);
   if (!errors.empty()) throw Failure(kUsage, jobFileErrors(std::move(errors)));
   drawingCount_ = drawings.size();
+  if (settings_.share) keepShare(*settings_.share, bytesOfDrawings);
+}
+
+void JobFile::keepShare(const Share& share, const std::vector<std::uint64_t>& bytesOfDrawings) {
+  std::vector<DrawingLoad> loads(drawingCount_);
+  for (std::size_t i = 0; i < loads.size(); ++i) loads[i].bytes = bytesOfDrawings[i];
+  for (const Entry& entry : entries_) {
+    ++loads[entry.drawing].jobs;
+    loads[entry.drawing].changes |= entry.savesInPlace;
+  }
+  const std::vector<std::uint32_t> shares = sharesOf(loads, share.count);
+  std::erase_if(entries_, [&](const Entry& entry) { return shares[entry.drawing] != share.number; });
+  entries_.shrink_to_fit();
 }
 
 JobFile::~JobFile() = default;

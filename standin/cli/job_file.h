@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/job_share.h"
 #include "options/commands.h"
 #include "options/options.h"
 
@@ -36,6 +37,8 @@ struct JobFileSettings {
   std::optional<std::string> base;
   /// Further files that no job may write, with what they are: {"jobs.jsonl", "the job file"}.
   std::vector<std::pair<std::string, std::string>> taken;
+  /// Of the jobs only this share is kept, once all of them are checked.
+  std::optional<Share> share;
 };
 
 /// A file of jobs in JSON Lines: on each line an object whose members are a report command's options under their own
@@ -76,7 +79,9 @@ class JobFile {
   JobFile& operator=(const JobFile&) = delete;
   ~JobFile();
 
+  /// By ascending line; those of the share where the settings name one.
   [[nodiscard]] std::span<const Entry> entries() const { return entries_; }
+  /// How many drawings the jobs read, those beside the share too.
   [[nodiscard]] std::size_t drawingCount() const { return drawingCount_; }
   [[nodiscard]] Job read(const Entry& entry) const;
   /// The line of a job as it stands in the file.
@@ -88,6 +93,8 @@ class JobFile {
 
  private:
   class Reader;
+
+  void keepShare(const Share& share, const std::vector<std::uint64_t>& bytesOfDrawings);
 
   std::string text_;
   JobFileSettings settings_;

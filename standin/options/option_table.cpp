@@ -53,6 +53,10 @@ std::string complaintAboutConditions(const std::string& given) {
   }
 }
 
+std::string complaintAboutPart(const std::string& given) {
+  return shareOf(given) ? std::string() : "'" + given + "' is no share such as 3/8, the third of eight";
+}
+
 std::string complaintAboutLength(const std::string& given) {
   const double length = lengthOf(given);
   return length >= 0.0 && std::isfinite(length) ? std::string() : "'" + given + "' is no length of at least 0";
@@ -277,6 +281,13 @@ constexpr std::array kTable{
                       .help = "Folder from which relative paths in jobs are seen, or 'jobs' for the job file's own (default: the current folder)",
                       .valueName = "FOLDER",
                       .emptyText = EmptyText::None},
+    OptionDescription{.name = "part",
+                      .commands = Command::Batch,
+                      .field = [](Options& o) -> Field { return &o.batch.part; },
+                      .help = "Run the K-th of N shares of the jobs: whole drawings, sizes evened out, the same share wherever it is asked for",
+                      .valueName = "K/N",
+                      .emptyText = EmptyText::None,
+                      .check = {"K/N", complaintAboutPart}},
     OptionDescription{.name = "check",
                       .commands = Command::Play,
                       .field = [](Options& o) -> Field { return &o.play.checks; },
@@ -521,6 +532,18 @@ double lengthOf(const std::string& value) {
   double length = 0.0;
   const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), length);
   return error == std::errc() && end == value.data() + value.size() ? length : std::numeric_limits<double>::quiet_NaN();
+}
+
+std::optional<Share> shareOf(std::string_view value) {
+  constexpr std::size_t kMostShares = 1'000'000;
+  Share share;
+  const char* const end = value.data() + value.size();
+  const auto [slash, error] = std::from_chars(value.data(), end, share.number);
+  if (error != std::errc() || slash == end || *slash != '/') return std::nullopt;
+  const auto [last, secondError] = std::from_chars(slash + 1, end, share.count);
+  if (secondError != std::errc() || last != end) return std::nullopt;
+  const bool isShare = share.number >= 1 && share.number <= share.count && share.count <= kMostShares;
+  return isShare ? std::optional(share) : std::nullopt;
 }
 
 std::string listed(std::span<const std::string_view> choices) {

@@ -97,6 +97,9 @@ void apply(const OptionDescription& option, Options& options, const std::string&
 /// The length that an option's text means; not a number for one that means none.
 [[nodiscard]] double lengthOf(const std::string& value);
 
+/// The share that "3/8" means; none for any other text. At most a million shares.
+[[nodiscard]] std::optional<Share> shareOf(std::string_view value);
+
 /// "en, de and fr"
 [[nodiscard]] std::string listed(std::span<const std::string_view> choices);
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -102,6 +103,12 @@ struct LinesOptions {
   std::string rules;
   /// In the order of civil::sampleLineKeys().
   std::array<RuleValue, civil::kSampleLineKeyCount> keys;
+};
+
+/// The third of eight shares of the jobs, for who runs them on several machines.
+struct Share {
+  std::size_t number = 1;  ///< from 1 to `count`
+  std::size_t count = 1;
 };
 
 struct BatchOptions {

@@ -139,6 +139,27 @@ TEST_F(StandardInputTest, GivesTheScriptOfAPlay) {
   EXPECT_EQ(shell("printf '[]' >s.json; cat small.xml | \"$LVX\" play - s.json").exitCode, 0);
 }
 
+TEST_F(StandardInputTest, GivesTheJobsOfABatch) {
+  const std::string job =
+      R"({"command": "points", "drawing": "small.xml", "alignment": "Axis", "points": "1", "out": ")";
+  std::ofstream(folder_ / "jobs.txt") << job << "one\"}\n" << job << "two\", \"forms\": \"txt\"}\n";
+  const RunResult piped = shell("cat jobs.txt | \"$LVX\" batch -");
+  EXPECT_EQ(piped.exitCode, 0) << piped.errors;
+  EXPECT_TRUE(stands("one.xls"));
+  EXPECT_TRUE(stands("two.txt"));
+  std::ofstream(folder_ / "broken.txt") << job << "one\"}\n{";
+  const RunResult broken = shell("\"$LVX\" batch - <broken.txt");
+  EXPECT_EQ(broken.exitCode, 2);
+  EXPECT_THAT(broken.errors, HasSubstr("standard input:2: no JSON object"));
+  const RunResult base = shell("\"$LVX\" batch - --base jobs <jobs.txt");
+  EXPECT_EQ(base.exitCode, 2);
+  EXPECT_THAT(base.errors, HasSubstr("lie in no folder"));
+  std::ofstream(folder_ / "own.txt") << job << "own\"}\n";
+  const RunResult own = shell("\"$LVX\" batch - --overwrite <own.txt");
+  EXPECT_EQ(own.exitCode, 2) << "the report would take the place of the jobs";
+  EXPECT_THAT(own.errors, HasSubstr("the job file itself"));
+}
+
 TEST_F(StandardInputTest, IsNoDrawingOfAJob) {
   std::ofstream(folder_ / "jobs.jsonl")
       << R"({"command": "points", "drawing": "-", "alignment": "Axis", "points": "1", "out": "x"})";

@@ -77,6 +77,7 @@ TEST(OptionTable, GivesBackWhatItTook) {
       if (!option->choices.empty()) value = option->choices.back();
       if (option->check.name == "FORMS") value = "html,txt";
       if (option->check.name == "RULES") value = "every=20,left=30";
+      if (option->check.name == "K/N") value = "2/7";
       if (option->check.name == "CONDITIONS") value = "description=TREE*";
       Options options;
       apply(*option, options, value);
@@ -84,6 +85,23 @@ TEST(OptionTable, GivesBackWhatItTook) {
       ++taken;
     }
   EXPECT_GT(taken, optionTable().size());
+}
+
+TEST(OptionTable, TakesAShareAsANumberOfACount) {
+  struct Row {
+    const char* text;
+    std::size_t number;
+    std::size_t count;
+  };
+  for (const Row& row : {Row{"1/1", 1, 1}, Row{"3/8", 3, 8}, Row{"1000000/1000000", 1000000, 1000000}}) {
+    const auto share = shareOf(row.text);
+    ASSERT_TRUE(share) << row.text;
+    EXPECT_EQ(share->number, row.number);
+    EXPECT_EQ(share->count, row.count);
+  }
+  for (const char* text : {"", "1", "/", "1/", "/2", "0/2", "3/2", "-1/2", "+1/2", " 1/2", "1/2 ", "1/2/3", "a/b",
+                           "1/0", "1/1000001", "99999999999999999999/99999999999999999999"})
+    EXPECT_FALSE(shareOf(text)) << text;
 }
 
 TEST(OptionTable, HasAnOptionForEveryKeyOfSampleLineRules) {
