@@ -2,8 +2,11 @@
 
 #include <memory>
 
-#include <shellapi.h>
+// In this order: the second one needs the first.
+// clang-format off
 #include <windows.h>
+#include <shellapi.h>
+// clang-format on
 
 #include "standin_platform/windows/detail/names.h"
 
