@@ -1,25 +1,36 @@
 #include "cli/batch_command.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "cli/batch_journal.h"
+#include "cli/batch_progress.h"
+#include "cli/batch_resume.h"
 #include "cli/batch_run.h"
 #include "cli/command_line_front_end.h"
 #include "cli/drawing_file.h"
 #include "cli/failure.h"
 #include "cli/host_setup.h"
 #include "cli/job_file.h"
+#include "cli/job_key.h"
 #include "cli/terminal.h"
+#include "journal/journal.h"
+#include "journal/summary.h"
 #include "options/option_table.h"
+#include "standin_platform/atomic_file.h"
+#include "standin_platform/file_stamp.h"
 #include "standin_platform/interruption.h"
 #include "standin_platform/standard_input.h"
+#include "version/version.h"
 
 namespace lvx::cli {
 
@@ -41,7 +52,27 @@ JobFileSettings settingsOf(const options::Options& options) {
   settings.taken.emplace_back(isFromInput ? standin_platform::standardInputName().string() : options.batch.jobs,
                               "the job file");
   if (options.batch.part) settings.share = options::shareOf(*options.batch.part);
+  if (const auto& journal = options.batch.journal) {
+    settings.taken.emplace_back(*journal, "the journal");
+    settings.taken.emplace_back(BatchJournal::runningFile(*journal), "the file beside the journal");
+  }
+  if (const auto& summary = options.batch.summary) settings.taken.emplace_back(*summary, "the summary");
   return settings;
+}
+
+/// The batch's own files.
+void requireDifferentFiles(const options::BatchOptions& batch) {
+  std::vector<std::pair<std::string, std::string>> files{{"JOBS", batch.jobs}};
+  if (batch.journal) {
+    files.emplace_back("--journal", *batch.journal);
+    files.emplace_back("--journal, with .running behind it,", BatchJournal::runningFile(*batch.journal));
+  }
+  if (batch.summary) files.emplace_back("--summary", *batch.summary);
+  for (std::size_t i = 0; i < files.size(); ++i)
+    for (std::size_t j = 0; j < i; ++j)
+      if (standin_platform::leadToOneFile(files[i].second, files[j].second))
+        throw Failure(kUsage, "batch: " + files[j].first + " and " + files[i].first + " name one file, '" +
+                                  files[i].second + "'");
 }
 
 /// Tries each choice of a host once, so that a wrong one is told before any report runs.
@@ -58,6 +89,13 @@ void requireHosts(const JobFile& jobs, const std::string& name) {
   if (!errors.empty()) throw Failure(kUsage, jobFileErrors(std::move(errors)));
 }
 
+/// Before hours of work for nothing.
+void requireWritable(const std::string& summary) {
+  const fs::path folder = fs::path(summary).parent_path();
+  if (const std::error_code reason = standin_platform::whyNoNewFile(folder.empty() ? fs::path(".") : folder))
+    throw Failure(kNotWritten, "batch: the summary '" + summary + "' can't be written: " + reason.message());
+}
+
 /// What a job said on standard error, each line with the job's own in front.
 void tellLines(std::size_t line, const std::string& errors) {
   for (std::size_t start = 0; start < errors.size();) {
@@ -67,26 +105,35 @@ void tellLines(std::size_t line, const std::string& errors) {
   }
 }
 
-std::string listed(const char* words, const std::vector<std::size_t>& lines) {
-  constexpr std::size_t kMostListed = 1000;
+std::string listed(const std::string& words, const std::vector<std::size_t>& lines, std::size_t most = 1000) {
   std::string text = std::to_string(lines.size()) + words;
-  for (std::size_t i = 0; i < std::min(lines.size(), kMostListed); ++i)
+  for (std::size_t i = 0; i < std::min(lines.size(), most); ++i)
     text += (i > 0 ? ", " : lines.size() == 1 ? " (line " : " (lines ") + std::to_string(lines[i]);
-  if (lines.size() > kMostListed) text += " and " + std::to_string(lines.size() - kMostListed) + " more";
+  if (lines.size() > most) text += " and " + std::to_string(lines.size() - most) + " more";
   return lines.empty() ? text : text + ")";
 }
+
+bool wasBrokenOff(const JobResult& result) { return isInterrupted() && result.exitCode == kInterrupted; }
 
 /// Tells results in the order of the job file, whatever the order in which they come.
 class Teller {
  public:
-  explicit Teller(const JobFile& jobs) : jobs_(jobs) {}
+  /// `skipped` by the place of the job, or empty: those that don't run.
+  Teller(const JobFile& jobs, BatchProgress& progress, std::vector<bool> skipped)
+      : jobs_(jobs), progress_(progress), skipped_(std::move(skipped)) {}
 
   void take(JobResult result) {
+    ++ended_;
+    if (result.exitCode != kDone && result.exitCode != kInterrupted) ++failures_;
     const std::size_t job = result.job;
     waiting_.emplace(job, std::move(result));
-    for (auto first = waiting_.begin(); first != waiting_.end() && first->first == next_; ++next_) {
+    for (;;) {
+      while (next_ < skipped_.size() && skipped_[next_]) ++next_;
+      const auto first = waiting_.begin();
+      if (first == waiting_.end() || first->first != next_) return;
       tellResult(first->second);
-      first = waiting_.erase(first);
+      waiting_.erase(first);
+      ++next_;
     }
   }
   /// After an interruption, which leaves gaps.
@@ -95,6 +142,10 @@ class Teller {
     waiting_.clear();
   }
 
+  /// How many have ended by now, told or not, and how many of them failed.
+  [[nodiscard]] std::size_t ended() const { return ended_; }
+  [[nodiscard]] std::size_t failures() const { return failures_; }
+
   [[nodiscard]] std::size_t done() const { return done_; }
   [[nodiscard]] const std::vector<std::size_t>& failed() const { return failed_; }
   [[nodiscard]] const std::vector<std::size_t>& broken() const { return broken_; }
@@ -102,13 +153,14 @@ class Teller {
  private:
   void tellResult(const JobResult& result) {
     const Job job = jobs_.read(jobs_.entries()[result.job]);
+    if (!result.output.empty() || !result.errors.empty() || result.exitCode != kDone) progress_.hide();
     print(result.output);
     tellLines(job.line, result.errors);
     if (result.exitCode == kDone) {
       ++done_;
       return;
     }
-    const bool isBroken = isInterrupted() && result.exitCode == kInterrupted;
+    const bool isBroken = wasBrokenOff(result);
     (isBroken ? broken_ : failed_).push_back(job.line);
     tell("line " + std::to_string(job.line) + ": ended with " + std::to_string(result.exitCode) + ": " + job.label +
          "\n");
@@ -123,42 +175,178 @@ class Teller {
   }
 
   const JobFile& jobs_;
+  BatchProgress& progress_;
+  std::vector<bool> skipped_;
   std::map<std::size_t, JobResult> waiting_;
   std::size_t next_ = 0;
+  std::size_t ended_ = 0;
+  std::size_t failures_ = 0;
   std::size_t done_ = 0;
   std::vector<std::size_t> failed_;
   std::vector<std::size_t> broken_;
 };
 
-std::string summary(std::size_t jobs, const Teller& teller) {
-  std::string text = std::to_string(jobs) + (jobs == 1 ? " job: " : " jobs: ") + std::to_string(teller.done()) +
-                     " done, " + listed(" failed", teller.failed());
-  if (!isInterrupted()) return text;
+/// Before the jobs: which of them don't run, and why the others do.
+void tellPlan(const JobFile& jobs, const ResumePlan& plan, const std::string& journal) {
+  constexpr std::size_t kMostListed = 20;
+  const std::size_t count = jobs.entries().size();
+  say("journal '" + journal + "': " + std::to_string(plan.done) + " of " + std::to_string(count) +
+      (count == 1 ? " job is done and isn't run again" : " jobs are done and aren't run again"));
+  if (!plan.unreadable.empty())
+    say(listed(
+        plan.unreadable.size() == 1 ? " line of the journal can't be read" : " lines of the journal can't be read",
+        plan.unreadable, kMostListed));
+  std::map<RunReason, std::vector<std::size_t>> lines;
+  for (std::size_t i = 0; i < count; ++i)
+    if (plan.reasons[i] != RunReason::Done) lines[plan.reasons[i]].push_back(jobs.entries()[i].line);
+  for (const auto& [reason, ofReason] : lines) {
+    const bool isOne = ofReason.size() == 1;
+    say(listed((isOne ? " runs " : " run ") + reasonText(reason, isOne), ofReason, kMostListed));
+  }
+}
+
+/// How the batch ended, for the last line and for the file of --summary.
+struct End {
+  std::size_t count = 0;
+  std::size_t done = 0;
+  std::size_t doneBefore = 0;
+  std::size_t notBegun = 0;
+  bool isBroken = false;
+};
+
+std::string lastLine(const End& end, const Teller& teller) {
+  std::string text =
+      std::to_string(end.count) + (end.count == 1 ? " job: " : " jobs: ") + std::to_string(end.done) + " done";
+  if (end.doneBefore > 0) text += " (" + std::to_string(end.doneBefore) + " before)";
+  text += ", " + listed(" failed", teller.failed());
   if (!teller.broken().empty()) text += ", " + listed(" broken off", teller.broken());
-  return text + ", " + std::to_string(jobs - teller.done() - teller.failed().size() - teller.broken().size()) +
-         " not begun";
+  return end.isBroken || end.notBegun > 0 ? text + ", " + std::to_string(end.notBegun) + " not begun" : text;
+}
+
+/// Takes what the file of --summary tells beside numbers.
+class SummaryKeeper {
+ public:
+  explicit SummaryKeeper(bool isAsked) : isAsked_(isAsked) {}
+  void take(const journal::JobRecord& record, bool isBroken) {
+    if (record.exitCode == kDone) {
+      summary.files += record.files.size();
+      for (const OutputFile& file : record.files) summary.bytes += file.bytes;
+    } else if (isAsked_) {
+      (isBroken ? summary.broken : summary.failed).push_back(record);
+    }
+  }
+  /// False, with words, where it can't be written.
+  [[nodiscard]] bool write(const std::string& path) {
+    const auto byLine = [](const journal::JobRecord& a, const journal::JobRecord& b) { return a.line < b.line; };
+    std::stable_sort(summary.failed.begin(), summary.failed.end(), byLine);
+    std::stable_sort(summary.broken.begin(), summary.broken.end(), byLine);
+    try {
+      journal::writeSummary(path, summary);
+      return true;
+    } catch (const standin_platform::AtomicFileError& error) {
+      say("can't write the summary '" + path + "': " + error.what());
+      return false;
+    }
+  }
+
+  journal::Summary summary;
+
+ private:
+  bool isAsked_;
+};
+
+/// How the jobs ran.
+struct Ran {
+  ExitCode code = kDone;
+  /// What broke it off beside the user; empty where nothing did.
+  std::string words;
+};
+
+Ran runJobs(BatchRun& run, const BatchRun::Listener& listener) {
+  try {
+    run.run(listener);
+    return {};
+  } catch (const Failure& failure) {
+    return {failure.code(), failure.what()};
+  }
 }
 
 }  // namespace
 
 ExitCode runBatch(const options::Options& options) {
-  const JobFile jobs(readSteeringFile(options.batch.jobs, "batch"), settingsOf(options));
-  requireHosts(jobs, steeringName(options.batch.jobs));
-  BatchRunOptions running;
-  const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
-  running.atOnce = options.batch.atOnce ? static_cast<std::size_t>(*options.batch.atOnce) : processors;
+  const auto start = std::chrono::steady_clock::now();
+  const options::BatchOptions& batch = options.batch;
+  requireDifferentFiles(batch);
+  const JobFile jobs(readSteeringFile(batch.jobs, "batch"), settingsOf(options));
+  requireHosts(jobs, steeringName(batch.jobs));
+  const std::size_t count = jobs.entries().size();
+  if (batch.summary) requireWritable(*batch.summary);
 
-  Teller teller(jobs);
-  BatchRun run(jobs, running);
-  run.run({[&](JobResult result) { teller.take(std::move(result)); }, {}});
-  teller.tellRest();
-  const bool isBroken = isInterrupted();
-  if (!options.common.quiet || !teller.failed().empty() || isBroken) say(summary(jobs.entries().size(), teller));
-  if (isBroken) {
-    say("interrupted; no unfinished file was left");
-    return kInterrupted;
+  JobKeys keys;
+  std::optional<BatchJournal> journal;
+  BatchRunOptions running;
+  End end{count};
+  SummaryKeeper keeper(batch.summary.has_value());
+  const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
+  running.atOnce = batch.atOnce ? static_cast<std::size_t>(*batch.atOnce) : processors;
+  running.worker.hashes = batch.journal || batch.summary;
+  if (batch.journal) {
+    journal.emplace(jobs, keys, options);
+    running.worker.saving = [&](const JobResult& result) { journal->saves(result); };
   }
-  return teller.failed().empty() ? kDone : kNotWritten;
+  if (journal && journal->plan()) {
+    const ResumePlan& plan = *journal->plan();
+    for (const RunReason reason : plan.reasons) running.skipped.push_back(reason == RunReason::Done);
+    running.worker.replaces = plan.replaces;
+    end.doneBefore = plan.done;
+    keeper.summary.files = plan.files;
+    keeper.summary.bytes = plan.bytes;
+    if (!options.common.quiet) tellPlan(jobs, plan, *batch.journal);
+  }
+
+  BatchProgress progress(options.common.progressMode(), count - end.doneBefore);
+  Teller teller(jobs, progress, running.skipped);
+  BatchRun run(jobs, std::move(running));
+  BatchRun::Listener listener;
+  listener.ended = [&](JobResult result) {
+    if (journal || batch.summary) {
+      const journal::JobRecord record = recordOf(jobs, keys, result);
+      keeper.take(record, wasBrokenOff(result));
+      // Written down before anything is told, and before a job behind it begins.
+      if (journal) journal->ended(record);
+    }
+    teller.take(std::move(result));
+  };
+  listener.meanwhile = [&] { progress.update(teller.ended(), teller.failures()); };
+  if (journal) listener.begins = [&](std::size_t job) { journal->begins(job); };
+  const Ran ran = runJobs(run, listener);
+  progress.hide();
+  teller.tellRest();
+  if (journal && ran.words.empty()) journal->close();
+
+  end.isBroken = isInterrupted();
+  end.done = teller.done() + end.doneBefore;
+  end.notBegun = count - end.done - teller.failed().size() - teller.broken().size();
+  ExitCode code = ran.code == kDone && !teller.failed().empty() ? kNotWritten : ran.code;
+  if (end.isBroken) code = kInterrupted;
+  if (batch.summary) {
+    journal::Summary& summary = keeper.summary;
+    summary.jobs = steeringName(batch.jobs);
+    summary.part = batch.part;
+    summary.program = version::text();
+    summary.count = count;
+    summary.done = end.done;
+    summary.doneBefore = end.doneBefore;
+    summary.notBegun = end.notBegun;
+    summary.exitCode = code;
+    summary.interrupted = end.isBroken;
+    summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    if (!keeper.write(*batch.summary) && code == kDone) code = kNotWritten;
+  }
+  if (!ran.words.empty()) say(ran.words);
+  if (!options.common.quiet || code != kDone) say(lastLine(end, teller));
+  if (end.isBroken) say("interrupted; no unfinished file was left");
+  return code;
 }
 
 }  // namespace lvx::cli

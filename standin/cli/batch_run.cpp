@@ -47,8 +47,8 @@ void BatchRun::run(const Listener& listener) {
     if (isInterrupted() && !std::exchange(isInterrupted_, true))
       for (const auto& drawing : open_)
         if (drawing->process) drawing->process->interrupt();
-    if (!isInterrupted_) startJobs(listener);
-    if (open_.empty()) return;
+    if (!isInterrupted_ && !failure_) startJobs(listener);
+    if (open_.empty()) break;
     std::vector<MessageLine*> lines;
     for (const auto& drawing : open_)
       if (drawing->process) lines.push_back(&drawing->process->line());
@@ -56,13 +56,14 @@ void BatchRun::run(const Listener& listener) {
     hear(listener);
     if (listener.meanwhile) listener.meanwhile();
   }
+  if (failure_) std::rethrow_exception(failure_);
 }
 
 void BatchRun::startJobs(const Listener& listener) {
   const auto isFull = [this] { return running_ >= options_.atOnce; };
   // What is read already first, so that few drawings are in memory.
   for (const auto& drawing : open_)
-    while (!isFull() && startJob(*drawing)) {
+    while (!isFull() && startJob(*drawing, listener)) {
     }
   for (auto drawing = open_.begin(); drawing != open_.end() && !isFull();) {
     if ((*drawing)->process || openDrawing(**drawing, listener)) {
@@ -90,7 +91,7 @@ bool BatchRun::openDrawing(Drawing& drawing, const Listener& listener) {
   const std::size_t first = drawing.jobs[drawing.begun];
   try {
     drawing.process = std::make_unique<ProcessCopy>(
-        [&](MessageLine& line) { return serveDrawing(jobs_, first, options_.hashes, line); },
+        [&](MessageLine& line) { return serveDrawing(jobs_, first, options_.worker, line); },
         ProcessCopy::Streams::Shared);
   } catch (const std::system_error& error) {
     // One that ends makes room; without one there is nothing to wait for.
@@ -105,12 +106,18 @@ bool BatchRun::openDrawing(Drawing& drawing, const Listener& listener) {
   return true;
 }
 
-bool BatchRun::startJob(Drawing& drawing) {
-  if (!drawing.process || drawing.isReading || drawing.isAlone || drawing.isOutdated) return false;
+bool BatchRun::startJob(Drawing& drawing, const Listener& listener) {
+  if (failure_ || !drawing.process || drawing.isReading || drawing.isAlone || drawing.isOutdated) return false;
   if (drawing.begun == drawing.jobs.size()) return false;
   const std::uint32_t job = drawing.jobs[drawing.begun];
   const bool saves = jobs_.entries()[job].saves;
   if (saves && !drawing.running.empty()) return false;
+  try {
+    if (listener.begins) listener.begins(job);
+  } catch (const std::exception&) {
+    failure_ = std::current_exception();
+    return false;
+  }
   drawing.isAlone = saves;
   ++drawing.begun;
   begun_[job] = true;
@@ -130,10 +137,10 @@ void BatchRun::hear(const Listener& listener) {
       if (!isThere)
         ended(drawing, listener);
       else if (drawing.running.empty() && !drawing.isReading &&
-               (drawing.isOutdated || drawing.isDone() || isInterrupted_))
+               (drawing.isOutdated || drawing.isDone() || isInterrupted_ || failure_))
         drawing.process.reset();
     }
-    const bool isOver = drawing.isDone() || (isInterrupted_ && !drawing.process);
+    const bool isOver = drawing.isDone() || ((isInterrupted_ || failure_) && !drawing.process);
     at = isOver ? open_.erase(at) : std::next(at);
   }
 }
@@ -155,8 +162,16 @@ void BatchRun::take(Drawing& drawing, const std::string& bytes, const Listener& 
       std::erase(drawing.running, static_cast<std::uint32_t>(result.job));
       --running_;
       if (std::exchange(drawing.isAlone, false)) drawing.isOutdated = jobs_.entries()[result.job].savesInPlace;
-      listener.ended(std::move(result));
+      tellEnd(std::move(result), listener);
       return;
+  }
+}
+
+void BatchRun::tellEnd(JobResult result, const Listener& listener) {
+  try {
+    listener.ended(std::move(result));
+  } catch (const std::exception&) {
+    if (!failure_) failure_ = std::current_exception();
   }
 }
 
@@ -171,7 +186,7 @@ void BatchRun::ended(Drawing& drawing, const Listener& listener) {
     result.job = job;
     result.exitCode = isInterrupted_ ? kInterrupted : std::max<int>(code, kNotWritten);
     result.errors = words;
-    listener.ended(std::move(result));
+    tellEnd(std::move(result), listener);
   }
   drawing.isAlone = false;
   if (!std::exchange(drawing.isReading, false)) return;
@@ -187,7 +202,7 @@ void BatchRun::failAll(Drawing& drawing, int exitCode, const std::string& words,
     result.exitCode = exitCode;
     result.errors = words;
     begun_[result.job] = true;
-    listener.ended(std::move(result));
+    tellEnd(std::move(result), listener);
   }
 }
 

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <exception>
 #include <functional>
 #include <list>
 #include <memory>
@@ -20,8 +20,7 @@ namespace lvx::cli {
 struct BatchRunOptions {
   /// Reports, and readings of drawings, at a time.
   std::size_t atOnce = 1;
-  /// Results tell the hash of each file that was written.
-  bool hashes = false;
+  WorkerOptions worker;
   /// By the place of a job: it isn't run. Empty: all are.
   std::vector<bool> skipped;
 };
@@ -44,6 +43,9 @@ class BatchRun {
   struct Listener {
     std::function<void(JobResult)> ended;
     std::function<void()> meanwhile;
+    /// Told before a job is begun; what it throws begins no further one, and `run` throws it when those that run have
+    /// ended. So does what `ended` throws.
+    std::function<void(std::size_t job)> begins;
   };
   /// Runs all of them. After an interruption, which those that run hear of too, it waits for these and begins no other.
   void run(const Listener& listener);
@@ -56,9 +58,10 @@ class BatchRun {
   struct Drawing;
 
   void startJobs(const Listener& listener);
-  bool startJob(Drawing& drawing);
+  bool startJob(Drawing& drawing, const Listener& listener);
   bool openDrawing(Drawing& drawing, const Listener& listener);
   void hear(const Listener& listener);
+  void tellEnd(JobResult result, const Listener& listener);
   void take(Drawing& drawing, const std::string& bytes, const Listener& listener);
   void ended(Drawing& drawing, const Listener& listener);
   void failAll(Drawing& drawing, int exitCode, const std::string& words, const Listener& listener);
@@ -72,6 +75,7 @@ class BatchRun {
   std::size_t running_ = 0;
   std::vector<bool> begun_;
   bool isInterrupted_ = false;
+  std::exception_ptr failure_;
 };
 
 }  // namespace lvx::cli

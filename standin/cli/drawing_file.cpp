@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 #include <optional>
+#include <span>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -179,8 +180,8 @@ bool maySave(const civil::Drawing& drawing, const options::Options& options) {
   return false;
 }
 
-std::vector<std::string> saveAndTell(civil::Drawing& drawing, const options::Options& options,
-                                     const std::string& made) {
+std::vector<std::string> saveAndTell(civil::Drawing& drawing, const options::Options& options, const std::string& made,
+                                     const std::function<void(const NewFiles&)>& beforeReplacing) {
   refuseOtherTargets(drawing, options);
   const std::string target = options.report.saveTo.value_or(drawing.path);
   std::vector<landxml::SavedFile> saved;
@@ -194,6 +195,11 @@ std::vector<std::string> saveAndTell(civil::Drawing& drawing, const options::Opt
     saving.progress = [&line](const landxml::Progress& state) {
       line.update(state.bytesDone, state.bytesTotal);
       return !isInterrupted();
+    };
+    saving.beforeReplacing = [&](std::span<const landxml::NewFile> files) {
+      NewFiles told;
+      for (const landxml::NewFile& file : files) told.emplace_back(file.target, file.path);
+      if (beforeReplacing) beforeReplacing(told);
     };
     try {
       saved = landxml::saveProject(drawing, target, saving);

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "advice/report_advice.h"
@@ -10,6 +12,9 @@
 #include "runtime/input_files.h"
 
 namespace lvx::cli {
+
+/// Files that are to take their names: the target of each, and where its content can be read until then.
+using NewFiles = std::vector<std::pair<std::string, std::string>>;
 
 /// Name of a drawing that comes on standard input, in messages and wherever a path is told.
 inline constexpr const char* kStandardInputName = "standard input";
@@ -44,7 +49,10 @@ void requireSwappedFiles(const options::Options& options);
 /// `made` and the files on standard output, unless --quiet. Throws Failure (kBadDrawing) where one can't be saved, also
 /// where --save names a new file and what changed belongs into an added one, which would be written in its place; and
 /// runtime::Interrupted where the user stopped it. What stood there then still does. Gives the paths that were written.
-std::vector<std::string> saveAndTell(civil::Drawing& drawing, const options::Options& options, const std::string& made);
+///
+/// `beforeReplacing` is told once all new files are whole; what it throws leaves all files as they were.
+std::vector<std::string> saveAndTell(civil::Drawing& drawing, const options::Options& options, const std::string& made,
+                                     const std::function<void(const NewFiles&)>& beforeReplacing = {});
 
 /// Throws Failure (kUsage) where --save can't be what is meant with a drawing that comes on standard input: it names
 /// standard input too, or isn't there though the command saves in any case (`isNeeded`).

@@ -15,8 +15,10 @@
 #include "cli/failure.h"
 #include "cli/file_hash.h"
 #include "cli/guarded_run.h"
+#include "cli/job_key.h"
 #include "cli/report_commands.h"
 #include "cli/terminal.h"
+#include "standin_platform/file_stamp.h"
 #include "standin_platform/interruption.h"
 
 namespace lvx::cli {
@@ -44,12 +46,14 @@ Json filesOf(const std::vector<OutputFile>& files) {
   return list;
 }
 
-std::vector<OutputFile> outputFiles(const Json& list) {
+std::vector<OutputFile> unpackedFiles(const Json& list) {
   std::vector<OutputFile> files;
   for (const Json& file : list)
     files.push_back({file[0].get<std::string>(), file[1].get<std::uint64_t>(), file[2].get<std::string>()});
   return files;
 }
+
+std::vector<std::string> textsOf(const Json& list) { return list.get<std::vector<std::string>>(); }
 
 /// A report that runs.
 struct Running {
@@ -61,12 +65,14 @@ struct Running {
 
 class DrawingServer {
  public:
-  DrawingServer(const JobFile& jobs, bool hashes, MessageLine& line) : jobs_(jobs), hashes_(hashes), line_(line) {}
+  DrawingServer(const JobFile& jobs, const WorkerOptions& options, MessageLine& line)
+      : jobs_(jobs), options_(options), line_(line) {}
 
   int serve(std::size_t first) {
     WorkerMessage message;
     message.result.exitCode = load(first, message.result.errors);
     if (message.result.exitCode != kDone) message.kind = WorkerMessage::Kind::NoDrawing;
+    message.result.drawing = drawingHashes_;
     if (!line_.send(packed(message)) || message.result.exitCode != kDone) return message.result.exitCode;
     while (isTold_ || !running_.empty()) {
       start();
@@ -82,7 +88,12 @@ class DrawingServer {
   int load(std::size_t first, std::string& words) {
     const Job job = jobs_.read(jobs_.entries()[first]);
     try {
+      const auto before = stamps(job.options);
+      hashDrawing(job.options);
       drawing_ = std::make_shared<runtime::OpenDrawing>(loadDrawing(job.options));
+      const auto after = stamps(job.options);
+      for (std::size_t i = 0; i < drawingHashes_.size(); ++i)
+        if (before[i] != after[i]) drawingHashes_[i].clear();
       return kDone;
     } catch (const Failure& failure) {
       words = std::string("lvxhost: ") + failure.what() + "\n";
@@ -93,6 +104,19 @@ class DrawingServer {
       words = std::string("lvxhost: the command ended by an exception: ") + error.what() + "\n";
       return kException;
     }
+  }
+
+  using Stamps = std::vector<std::optional<standin_platform::FileStamp>>;
+
+  static Stamps stamps(const options::Options& options) {
+    Stamps stamps;
+    for (const std::string& file : drawingFiles(options)) stamps.push_back(standin_platform::stampOf(file));
+    return stamps;
+  }
+
+  void hashDrawing(const options::Options& options) {
+    if (!options_.hashes) return;
+    for (const std::string& file : drawingFiles(options)) drawingHashes_.push_back(hashOrNothing(file));
   }
 
   void start() {
@@ -119,21 +143,66 @@ class DrawingServer {
   int runReport(std::size_t index, MessageLine& line) {
     ReportRun run;
     run.drawing = drawing_;
+    std::vector<std::string> savedDrawing;
+    const bool savesInPlace = options_.hashes && jobs_.entries()[index].savesInPlace;
     const int code = runGuarded([&] {
-      const Job job = jobs_.read(jobs_.entries()[index]);
+      Job job = jobs_.read(jobs_.entries()[index]);
+      if (!options_.replaces.empty() && options_.replaces[index] && !job.options.common.keep)
+        job.options.common.overwrite = true;
+      if (savesInPlace)
+        run.beforeSaving = [&](ExitCode ends, const NewFiles& files) {
+          savedDrawing = savedHashes(job.options, files);
+          tellSaving(index, ends, run, files, savedDrawing);
+        };
       const ExitCode ended = runReportCommand(job.command, job.options, run);
       finishOutput();
       return static_cast<int>(ended);
     });
-    std::vector<OutputFile> files;
-    for (const std::string& path : run.written) files.push_back(outputFile(path));
-    line.send(bytesOf(filesOf(files)));
+    if (code != kDone && !savedDrawing.empty())
+      savedDrawing = savedHashes(jobs_.read(jobs_.entries()[index]).options, {});
+    line.send(bytesOf(Json::array({filesOf(outputFiles(run.written)), run.kept, savedDrawing})));
     return code;
+  }
+
+  /// Hashes of the drawing's files once the new ones have their names.
+  static std::vector<std::string> savedHashes(const options::Options& options, const NewFiles& files) {
+    std::vector<std::string> hashes;
+    for (const std::string& file : drawingFiles(options)) {
+      std::string path = file;
+      for (const auto& [target, content] : files)
+        if (standin_platform::leadToOneFile(target, file)) path = content;
+      hashes.push_back(hashOrNothing(path));
+    }
+    return hashes;
+  }
+
+  void tellSaving(std::size_t index, ExitCode ends, const ReportRun& run, const NewFiles& files,
+                  const std::vector<std::string>& savedDrawing) const {
+    if (!options_.saving) return;
+    JobResult result;
+    result.job = index;
+    result.exitCode = ends;
+    result.written = outputFiles(run.written);
+    for (const auto& [target, content] : files) {
+      OutputFile file = outputFile(content);
+      file.path = target;
+      result.written.push_back(std::move(file));
+    }
+    result.kept = run.kept;
+    result.drawing = drawingHashes_;
+    result.savedDrawing = savedDrawing;
+    options_.saving(result);
+  }
+
+  [[nodiscard]] std::vector<OutputFile> outputFiles(const std::vector<std::string>& paths) const {
+    std::vector<OutputFile> files;
+    for (const std::string& path : paths) files.push_back(outputFile(path));
+    return files;
   }
 
   [[nodiscard]] OutputFile outputFile(const std::string& path) const {
     try {
-      const FileHash hash = hashes_ ? hashOf(path) : FileHash{std::filesystem::file_size(path), {}};
+      const FileHash hash = options_.hashes ? hashOf(path) : FileHash{std::filesystem::file_size(path), {}};
       return {path, hash.bytes, hash.digits};
     } catch (const std::system_error&) {
       return {path, 0, {}};  // somebody took it away already
@@ -173,18 +242,25 @@ class DrawingServer {
       const ChildResult ended = report->process->wait();
       const std::chrono::duration<double> seconds = Clock::now() - report->start;
       WorkerMessage message{WorkerMessage::Kind::Result,
-                            {report->job, ended.exitCode, seconds.count(), ended.output, ended.errors, {}}};
-      if (!report->messages.empty()) message.result.written = outputFiles(Json::from_msgpack(report->messages.front()));
+                            {report->job, ended.exitCode, seconds.count(), ended.output, ended.errors, {}, {}, {}, {}}};
+      if (!report->messages.empty()) {
+        const Json said = Json::from_msgpack(report->messages.front());
+        message.result.written = unpackedFiles(said[0]);
+        message.result.kept = textsOf(said[1]);
+        message.result.savedDrawing = textsOf(said[2]);
+      }
+      message.result.drawing = drawingHashes_;
       line_.send(packed(message));
       report = running_.erase(report);
     }
   }
 
   const JobFile& jobs_;
-  bool hashes_;
+  const WorkerOptions& options_;
   MessageLine& line_;
   bool isTold_ = true;
   runtime::OpenDrawingRef drawing_;
+  std::vector<std::string> drawingHashes_;
   std::deque<std::size_t> waiting_;
   std::list<Running> running_;
 };
@@ -193,21 +269,22 @@ class DrawingServer {
 
 std::string packed(const WorkerMessage& message) {
   const JobResult& result = message.result;
-  return bytesOf(Json::array({static_cast<int>(message.kind), result.job, result.exitCode, result.seconds,
-                              result.output, result.errors, filesOf(result.written)}));
+  return bytesOf(
+      Json::array({static_cast<int>(message.kind), result.job, result.exitCode, result.seconds, result.output,
+                   result.errors, filesOf(result.written), result.kept, result.drawing, result.savedDrawing}));
 }
 
 WorkerMessage unpackedMessage(std::string_view bytes) {
   const Json list = Json::from_msgpack(bytes.begin(), bytes.end());
   return {static_cast<WorkerMessage::Kind>(list[0].get<int>()),
           {list[1].get<std::size_t>(), list[2].get<int>(), list[3].get<double>(), list[4].get<std::string>(),
-           list[5].get<std::string>(), outputFiles(list[6])}};
+           list[5].get<std::string>(), unpackedFiles(list[6]), textsOf(list[7]), textsOf(list[8]), textsOf(list[9])}};
 }
 
 std::string packedJob(std::size_t job) { return bytesOf(Json(job)); }
 
-int serveDrawing(const JobFile& jobs, std::size_t first, bool hashes, MessageLine& line) {
-  return DrawingServer(jobs, hashes, line).serve(first);
+int serveDrawing(const JobFile& jobs, std::size_t first, const WorkerOptions& options, MessageLine& line) {
+  return DrawingServer(jobs, options, line).serve(first);
 }
 
 }  // namespace lvx::cli

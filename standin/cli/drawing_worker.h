@@ -1,25 +1,20 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "cli/job_file.h"
+#include "journal/journal.h"
 #include "standin_platform/process_copy.h"
 
 /// The process of one drawing: it reads the drawing once and runs each report over it in a process of its own, which has
 /// all that the drawing's process has in memory. A report that crashes takes nothing else along.
 namespace lvx::cli {
 
-/// A file as a report left it.
-struct OutputFile {
-  std::string path;
-  std::uint64_t bytes = 0;
-  /// SHA-256 in hexadecimal digits; empty where the file couldn't be read back or nobody asked.
-  std::string hash;
-};
+using journal::OutputFile;
 
 /// How a job ended.
 struct JobResult {
@@ -30,6 +25,24 @@ struct JobResult {
   std::string output;
   std::string errors;
   std::vector<OutputFile> written;
+  /// Paths of reports that weren't written since something stood there.
+  std::vector<std::string> kept;
+  /// With hashes: SHA-256 of the drawing's files as they were read, in their order; empty for one that was changed just
+  /// then. Of a job that saves in place also as it left them.
+  std::vector<std::string> drawing;
+  std::vector<std::string> savedDrawing;
+};
+
+/// What a drawing's process does beside its reports.
+struct WorkerOptions {
+  /// Results tell the hash of each file that was written, and of the drawing's.
+  bool hashes = false;
+  /// By the place of a job: it replaces what stands under the names of its files, unless it is to keep them by an option.
+  /// Empty: none does.
+  std::vector<bool> replaces;
+  /// With hashes, told in the report's own process before a drawing that is saved in place takes its names: how the
+  /// job will have ended. What it throws leaves the drawing as it was. May be empty.
+  std::function<void(const JobResult&)> saving;
 };
 
 /// What a drawing's process says on its line.
@@ -50,8 +63,9 @@ struct WorkerMessage {
 
 /// The work of that process: reads the drawing of the job `first`, then runs what it is told on `line`, all at once, until
 /// the line is closed and the last report has ended. An interruption is passed on to the reports. Where the system has no
-/// process or file for a report while others run, it waits for one of them to end. With `hashes` results tell the
-/// hash of each file.
-int serveDrawing(const JobFile& jobs, std::size_t first, bool hashes, standin_platform::MessageLine& line);
+/// process or file for a report while others run, it waits for one of them to end. `options` live longer than all
+/// of it.
+int serveDrawing(const JobFile& jobs, std::size_t first, const WorkerOptions& options,
+                 standin_platform::MessageLine& line);
 
 }  // namespace lvx::cli

@@ -35,7 +35,7 @@ struct JobFileSettings {
   options::CommonOptions common;
   /// Folder from which relative paths in jobs are seen; none: the current one.
   std::optional<std::string> base;
-  /// Further files that no job may write, with what they are: {"jobs.jsonl", "the job file"}.
+  /// Further files that no job may write or read, with what they are: {"jobs.jsonl", "the job file"}.
   std::vector<std::pair<std::string, std::string>> taken;
   /// Of the jobs only this share is kept, once all of them are checked.
   std::optional<Share> share;

@@ -157,6 +157,13 @@ std::vector<JobPaths::Conflict> JobPaths::conflicts() {
       all.push_back({writer.line, verb + words});
     }
   }
+  // What is written beside the jobs' own files.
+  for (const auto& [path, taken] : readers_) {
+    if (kinds_[taken.what].empty()) continue;
+    const auto [first, last] = readers_.equal_range(path);
+    for (auto at = first; at != last; ++at)
+      if (kinds_[at->second.what].empty()) all.push_back({at->second.line, "reads " + kinds_[taken.what] + " itself"});
+  }
   std::stable_sort(all.begin(), all.end(), [](const Conflict& a, const Conflict& b) {
     return std::tie(a.line, a.words) < std::tie(b.line, b.words);
   });

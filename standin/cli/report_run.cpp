@@ -93,7 +93,8 @@ void requirePlaces(runtime::StandinHost& host, const std::string& stem, const st
 }
 
 /// What became of one form, on standard output or standard error. A command that didn't end by itself asked about no file.
-bool tellOutcome(const runtime::StandinHost& host, const Expected& expected, bool hasEnded, bool quiet) {
+bool tellOutcome(const runtime::StandinHost& host, const Expected& expected, bool hasEnded, bool quiet,
+                 ReportRun& run) {
   const runtime::FileEvent* event = host.journal().last(expected.path);
   if (event != nullptr && event->fate == runtime::FileFate::Written) {
     printFile(expected.path, event->bytes, quiet);
@@ -104,9 +105,10 @@ bool tellOutcome(const runtime::StandinHost& host, const Expected& expected, boo
     unwritten("can't write '" + expected.path + "': " + event->reason);
   else if (expected.stood && (event != nullptr || !hasEnded))
     unwritten("'" + expected.path + "' was not written; what stood there still does");
-  else if (expected.stood)
+  else if (expected.stood) {
+    run.kept.push_back(expected.path);
     unwritten("kept '" + expected.path + "', which exists; --overwrite replaces it");
-  else
+  } else
     unwritten("'" + expected.path + "' was not written");
   return false;
 }
@@ -213,7 +215,8 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, Repo
     return kNotWritten;
   }
   bool complete = true;
-  for (const Expected& form : expected) complete = tellOutcome(*host, form, endedBy.empty(), common.quiet) && complete;
+  for (const Expected& form : expected)
+    complete = tellOutcome(*host, form, endedBy.empty(), common.quiet, run) && complete;
   if (!endedBy.empty()) {
     say("the command ended by an exception: " + endedBy);
     tellWhatToChange(*host, planned.objects, stem);
@@ -225,9 +228,16 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, Repo
   if (!complete && standin_platform::isInterrupted()) throw runtime::Interrupted();
   if (options.report.saveTo) {
     made.remove();
-    if (!maySave(host->openDrawing()->drawing(), options)) return kNotWritten;
+    if (!maySave(host->openDrawing()->drawing(), options)) {
+      run.kept.push_back(*options.report.saveTo);
+      return kNotWritten;
+    }
+    const auto beforeReplacing = [&](const NewFiles& files) {
+      if (run.beforeSaving) run.beforeSaving(complete ? kDone : kNotWritten, files);
+    };
     host->openDrawing()->save([&](civil::Drawing& changed) {
-      for (std::string& path : saveAndTell(changed, options, "")) run.written.push_back(std::move(path));
+      for (std::string& path : saveAndTell(changed, options, "", beforeReplacing))
+        run.written.push_back(std::move(path));
     });
   }
   return complete ? kDone : kNotWritten;

@@ -7,6 +7,7 @@
 
 #include "advice/report_advice.h"
 #include "cli/command_line_front_end.h"
+#include "cli/drawing_file.h"
 #include "cli/made_objects.h"
 #include "cli/name_lookup.h"
 #include "options/exit_codes.h"
@@ -38,6 +39,11 @@ struct ReportRun {
   runtime::OpenDrawingRef drawing;
   /// Paths of the files that were written, in that order, each once; the saved files of the drawing behind them.
   std::vector<std::string> written;
+  /// Paths of reports that weren't written since something stood there that was to be kept.
+  std::vector<std::string> kept;
+  /// Told with what the run will end with before the files of a saved drawing take their names, when all reports stand.
+  /// May be empty; what it throws leaves the drawing's files as they were.
+  std::function<void(options::ExitCode, const NewFiles&)> beforeSaving;
 };
 
 /// Runs the module's command over the drawing of `options` and lists what was written on standard output, what wasn't on

@@ -1,6 +1,8 @@
 #include "journal/journal.h"
 
 #include <algorithm>
+#include <charconv>
+#include <system_error>
 #include <utility>
 
 #include "journal/detail/json_text.h"
@@ -25,6 +27,17 @@ bool mayBeBegin(std::string_view line) {
   return line.substr(0, size) == kBegin.substr(0, size);
 }
 
+/// "12" of a line that begins with {"line":12, and goes on somehow.
+std::optional<std::size_t> jobLineOf(std::string_view line) {
+  if (!line.starts_with(kBegin)) return std::nullopt;
+  const std::string_view digits = line.substr(kBegin.size());
+  std::size_t number = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  // Without something behind it further digits may be missing.
+  if (error != std::errc() || end == digits.data() + digits.size()) return std::nullopt;
+  return number;
+}
+
 /// Takes the lines of one journal.
 class LineTaker {
  public:
@@ -40,7 +53,7 @@ class LineTaker {
       return;
     }
     if (reading_.lines == 1 && !mayBeBegin(line)) throw NotAJournal("'" + name_ + "' is no journal of a batch");
-    reading_.unreadable.push_back(number_);
+    reading_.unreadable.push_back({number_, jobLineOf(line)});
   }
   [[nodiscard]] JournalReading reading() { return std::move(reading_); }
 
@@ -78,6 +91,16 @@ std::optional<JobRecord> recordOf(std::string_view line) {
   } catch (const Json::exception&) {
     return std::nullopt;
   }
+}
+
+void requireJournal(const std::filesystem::path& path) {
+  constexpr std::size_t kPart = 4096;
+  InputFile file(path);
+  std::string part(kPart, '\0');
+  part.resize(file.read(part.data(), part.size()));
+  const std::size_t begin = part.find_first_not_of(" \t\r\n");
+  if (begin != std::string::npos && !mayBeBegin(std::string_view(part).substr(begin)))
+    throw NotAJournal("'" + path.string() + "' is no journal of a batch");
 }
 
 JournalReading readJournal(const std::filesystem::path& path, const std::function<void(JobRecord)>& take) {

@@ -79,12 +79,22 @@ struct JobRecord {
 /// None where the line isn't one of a journal.
 [[nodiscard]] std::optional<JobRecord> recordOf(std::string_view line);
 
+/// A line that can't be read, as a cut leaves it.
+struct UnreadableLine {
+  /// Of the journal, from 1.
+  std::size_t number = 0;
+  /// JobRecord::line of the job that it is of; none where not even that is there.
+  std::optional<std::size_t> jobLine;
+
+  friend bool operator==(const UnreadableLine&, const UnreadableLine&) = default;
+};
+
 /// How a journal was read.
 struct JournalReading {
   /// Lines that aren't blank.
   std::size_t lines = 0;
-  /// By their numbers: those that can't be read. A writing that failed leaves such a line.
-  std::vector<std::size_t> unreadable;
+  /// A writing that failed leaves such a line.
+  std::vector<UnreadableLine> unreadable;
   /// The last line has no end, as after a kill or a full disk; it counts as unreadable where that shows.
   bool isCut = false;
 };
@@ -94,6 +104,9 @@ class NotAJournal : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+/// Looks at the begin of a file: nothing but blanks, or a line's begin. Throws as readJournal does.
+void requireJournal(const std::filesystem::path& path);
 
 /// Reads line by line, so that memory is that of the longest one. Throws std::system_error where the file can't be read,
 /// and NotAJournal with a sentence.

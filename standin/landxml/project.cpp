@@ -173,6 +173,12 @@ std::vector<SavedFile> saveProject(civil::Drawing& drawing, const std::string& f
     before += work.saving->work();
   }
 
+  if (options.beforeReplacing) {
+    std::vector<NewFile> files;
+    for (const Work& work : works)
+      if (const std::string path = work.saving->newFile(); !path.empty()) files.push_back({work.target, path});
+    options.beforeReplacing(files);
+  }
   std::vector<SavedFile> saved;
   if (works.empty() || works.front().file != 0) saved.push_back({firstTarget, drawing.file, false});
   for (Work& work : works) saved.push_back({work.target, work.saving->replace()});

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 #include <string>
 
 #include "civil/drawing.h"
@@ -10,6 +11,13 @@
 /// LandXML drawings out: what was changed in an open drawing goes into its file, and nothing else there changes.
 namespace lvx::landxml {
 
+/// A new file that lies whole beside the one that it is to replace.
+struct NewFile {
+  std::string target;
+  /// Where its content can be read until then.
+  std::string path;
+};
+
 struct SaveOptions {
   /// Told every few megabytes while the file is read for its places, which is half of the work, and while it is written
   /// (of a total of twice the source's bytes), on the thread that saves; returning false ends the saving
@@ -18,6 +26,9 @@ struct SaveOptions {
   /// Where the content of the drawing's file of that number can be read, for a caller that holds files of which the name
   /// leads elsewhere by now. Where it or its answer is empty: under the file's path. Asked by saveProject only.
   std::function<std::string(civil::FileNumber)> sourceOf = {};
+  /// Told once all new files are whole and before the first of them takes its name. What it throws leaves all files as
+  /// they were. Asked by saveProject only.
+  std::function<void(std::span<const NewFile>)> beforeReplacing = {};
 };
 
 /// Writes the first file of `drawing`, which was read from `sourcePath`, to `targetPath`, which may be the same file.

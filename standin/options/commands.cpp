@@ -94,7 +94,9 @@ constexpr std::string_view kBatchFooter =
     "  {\"command\": \"points\", \"drawing\": \"road.xml\", \"alignment\": \"A1\", \"point-group\": \"Edge\", \"out\": \"edge\"}\n"
     "Example:\n"
     "  lvxhost batch examples/reports.jsonl --jobs 4 --overwrite\n"
-    "      each drawing read once, every report in a process of its own; one that fails doesn't stop the others\n";
+    "      each drawing read once, every report in a process of its own; one that fails doesn't stop the others\n"
+    "  lvxhost batch examples/reports.jsonl --overwrite --journal out/night.journal --resume --summary out/night.json\n"
+    "      begins, or goes on where a run was broken off; jobs that are done and unchanged aren't run again\n";
 
 /// "Conditions of --points-where: …", a line for each key.
 std::string conditionsOfPoints() {

@@ -121,6 +121,12 @@ struct BatchOptions {
   std::optional<std::string> part;
   /// Journals of shares that were run elsewhere, for one summary in place of a run.
   std::vector<std::string> merge;
+  /// Where a line is written for each job that ends.
+  std::optional<std::string> journal;
+  /// Run only what the journal hasn't got as done.
+  bool resume = false;
+  /// Where the end of the batch is told for programs.
+  std::optional<std::string> summary;
 };
 
 struct PlayOptions {

@@ -38,6 +38,11 @@ std::filesystem::path chosenModule(const HostChoices& choices) {
   return choices.module ? std::filesystem::path(*choices.module) : moduleFile(choices.bin);
 }
 
+std::filesystem::path chosenMessages(const HostChoices& choices) {
+  return choices.messages ? std::filesystem::path(*choices.messages)
+                          : messageFolder(choices.language, choices.bin) / kMessageFile;
+}
+
 HostOptions hostOptions(const HostChoices& choices) {
   HostOptions options;
   options.platform.fixedMoment = fixedMoment();

@@ -29,6 +29,9 @@ struct HostChoices {
 /// The module that `choices` ask for.
 [[nodiscard]] std::filesystem::path chosenModule(const HostChoices& choices);
 
+/// The message file that `choices` ask for.
+[[nodiscard]] std::filesystem::path chosenMessages(const HostChoices& choices);
+
 /// The host's options for `choices`, with the moment of SOURCE_DATE_EPOCH where the environment sets one. Throws
 /// std::invalid_argument for a message file that isn't there and an epoch that is no number of seconds; an unknown code
 /// page is told by the host itself.

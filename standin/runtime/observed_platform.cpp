@@ -158,6 +158,12 @@ bool ObservedPlatform::removeFile(const CString& path) {
     journal_.add({FileFate::Removed, std::move(name), 0, {}});
     return true;
   }
+  if (isInterrupted_ && isInterrupted_()) {
+    // What was to come in its place won't: nothing is begun any more.
+    journal_.add({FileFate::Failed, std::move(name), 0, "interrupted"});
+    errno = EINTR;
+    return false;
+  }
   const bool removed = inner_.removeFile(path);
   const int error = errno;
   if (removed)

@@ -22,7 +22,7 @@ namespace lvx::runtime {
 class ObservedPlatform final : public platform::Platform {
  public:
   /// `inner` and `journal` must outlive this object and every file it opened. `isInterrupted` is asked when a file is
-  /// closed; a file that an interruption cut off is given up. `whyNoOutput` says why a path may not be written, or
+  /// closed or removed; a file that an interruption cut off is given up, and none is removed any more then. `whyNoOutput` says why a path may not be written, or
   /// nothing where it may.
   ObservedPlatform(platform::Platform& inner, FileJournal& journal, std::function<bool()> isInterrupted = {},
                    std::function<std::string(const std::string&)> whyNoOutput = {});

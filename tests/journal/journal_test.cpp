@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -58,6 +59,15 @@ class JournalTest : public testing::Test {
     return numbers;
   }
 
+  [[nodiscard]] bool isRefused() const {
+    try {
+      requireJournal(path_);
+      return false;
+    } catch (const NotAJournal&) {
+      return true;
+    }
+  }
+
   test::TemporaryFolder folder_;
   std::filesystem::path path_ = folder_ / "night.journal";
 };
@@ -72,6 +82,7 @@ TEST_F(JournalTest, TellsAFileThatIsNoJournal) {
   for (const char* text : {"<LandXML>\n", "{\"command\": \"points\"}\n", "\n7", "{\"lines\":"}) {
     write(text);
     EXPECT_THROW(static_cast<void>(lines()), NotAJournal) << text;
+    EXPECT_TRUE(isRefused()) << text;
   }
 }
 
@@ -79,6 +90,7 @@ TEST_F(JournalTest, IsEmptyBeforeTheFirstJob) {
   for (const char* text : {"", "\n", " \r\n"}) {
     write(text);
     EXPECT_THAT(lines(), IsEmpty()) << text;
+    EXPECT_FALSE(isRefused()) << text;
   }
 }
 
@@ -148,8 +160,24 @@ TEST_F(JournalTest, GoesOnBehindACutLine) {
   JournalReading reading;
   EXPECT_THAT(lines(&reading), ElementsAre(1, 3, 4));
   EXPECT_EQ(reading.lines, 4U);
-  EXPECT_THAT(reading.unreadable, ElementsAre(2));
+  EXPECT_THAT(reading.unreadable, ElementsAre(UnreadableLine{2, 2}));
   EXPECT_FALSE(reading.isCut);
+}
+
+TEST_F(JournalTest, KnowsTheJobOfACutLineWhereItsNumberIsWhole) {
+  struct Row {
+    const char* cut;
+    std::optional<std::size_t> jobLine;
+  };
+  const std::vector<Row> table{
+      {"{", std::nullopt}, {"{\"line\":1", std::nullopt}, {"{\"line\":12,", 12}, {"{\"line\":12,\"comm", 12}};
+  for (const Row& row : table) {
+    add(JournalWriter::Begin::Anew, 1);
+    std::ofstream(path_, std::ios::app) << row.cut;
+    JournalReading reading;
+    EXPECT_THAT(lines(&reading), ElementsAre(1));
+    EXPECT_THAT(reading.unreadable, ElementsAre(UnreadableLine{2, row.jobLine})) << row.cut;
+  }
 }
 
 TEST_F(JournalTest, GoesOnBehindACutThatTookNothingButTheEnd) {

@@ -128,6 +128,17 @@ TEST_F(ObservedPlatformTest, AnInterruptionLeavesNothing) {
   EXPECT_EQ(journal_.events().at(0).fate, FileFate::Failed);
 }
 
+TEST_F(ObservedPlatformTest, AnInterruptionLeavesAWorkbookThatWasToMakeWay) {
+  // As the module does: it tries to open the older one, and removes it.
+  put("road.xls", "former");
+  interrupted_ = true;
+  static_cast<void>(platform_.openFile(wide("road.xls"), "w"));
+  EXPECT_FALSE(platform_.removeFile(wide("road.xls")));
+  EXPECT_EQ(fileBytes(folder_ / "road.xls"), "former");
+  EXPECT_EQ(journal_.events().back().fate, FileFate::Failed);
+  EXPECT_EQ(journal_.events().back().reason, "interrupted");
+}
+
 TEST_F(ObservedPlatformTest, ALinkStaysALink) {
   put("target.txt", "former");
   std::filesystem::create_symlink("target.txt", folder_ / "road.txt");

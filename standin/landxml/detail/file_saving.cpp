@@ -277,6 +277,8 @@ void FileSaving::write(const std::function<void(std::uint64_t)>& progress) {
   written_->settle();
 }
 
+std::string FileSaving::newFile() const { return written_ ? written_->path() : std::string(); }
+
 civil::FileMark FileSaving::replace() {
   if (written_) written_->replace();
   settleFiles(drawing_, terms_.file);

@@ -25,6 +25,8 @@ class FileSaving {
   [[nodiscard]] std::uint64_t work() const { return 2 * source_.size(); }
   /// Writes the new file beside its target. `progress` is told how much of the work is done.
   void write(const std::function<void(std::uint64_t)>& progress);
+  /// The file beside the target that `write` wrote; empty where the target holds what it should.
+  [[nodiscard]] std::string newFile() const;
   /// Puts the new file into its place, if there is anything new; the drawing takes note of it where it lives there. Gives
   /// what the target holds.
   civil::FileMark replace();

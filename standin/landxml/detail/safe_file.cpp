@@ -105,6 +105,8 @@ void SafeFile::settle() {
   saving(path_, [&] { file_->settle(); });
 }
 
+std::string SafeFile::path() const { return file_->lend().string(); }
+
 void SafeFile::replace() {
   flush();
   saving(path_, [&] { file_->commit(); });

@@ -50,6 +50,8 @@ class SafeFile {
   /// Flushes to the disk and takes the target's place. Throws SaveError where that fails or where the target isn't any
   /// more what it was at the construction; it is whole then.
   void replace();
+  /// Where the new file lies until `replace`; it is whole once it is settled.
+  [[nodiscard]] std::string path() const;
   /// Of all that was written.
   [[nodiscard]] civil::FileMark mark() const { return hash_.mark(); }
 

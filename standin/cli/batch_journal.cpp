@@ -1,0 +1,135 @@
+#include "cli/batch_journal.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <sstream>
+#include <system_error>
+#include <utility>
+
+#include "cli/terminal.h"
+#include "options/commands.h"
+#include "standin_platform/interruption.h"
+
+namespace lvx::cli {
+
+namespace fs = std::filesystem;
+using journal::JobRecord;
+using journal::JournalWriter;
+using standin_platform::LockedFile;
+
+namespace {
+
+std::string commandName(options::Command command) {
+  for (const options::CommandDescription& description : options::commands())
+    if (description.command == command) return std::string(description.name);
+  return {};
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+/// What is left of a killed batch ends by itself, a report at its next look at the parent.
+std::unique_ptr<LockedFile> lockedFile(const std::string& path, const std::string& journal) {
+  constexpr std::chrono::seconds kLongest{15};
+  const auto last = std::chrono::steady_clock::now() + kLongest;
+  const auto waits = [&] { return std::chrono::steady_clock::now() < last && !standin_platform::isInterrupted(); };
+  try {
+    return std::make_unique<LockedFile>(path, waits);
+  } catch (const std::system_error& error) {
+    if (error.code() == std::errc::resource_unavailable_try_again)
+      throw Failure(kNotWritten, "batch: another batch writes the journal '" + journal + "'");
+    throw Failure(kNotWritten, "batch: can't write '" + path + "': " + error.code().message());
+  }
+}
+
+}  // namespace
+
+JobRecord recordOf(const JobFile& jobs, JobKeys& keys, const JobResult& result) {
+  const Job job = jobs.read(jobs.entries()[result.job]);
+  JobRecord record;
+  record.line = job.line;
+  record.command = commandName(job.command);
+  record.drawing = job.options.drawing;
+  record.out = job.options.report.stem;
+  record.exitCode = result.exitCode;
+  record.seconds = result.seconds;
+  record.files = result.written;
+  record.kept = result.kept;
+  record.diagnostics = linesOf(result.errors);
+  record.key = {JobKeys::options(job), keys.program(job), keys.messages(job), result.drawing};
+  record.savedDrawing = result.savedDrawing;
+  return record;
+}
+
+BatchJournal::BatchJournal(const JobFile& jobs, JobKeys& keys, const options::Options& options)
+    : jobs_(jobs), keys_(keys), path_(options.batch.journal.value()) {
+  runningFile_ = lockedFile(runningFile(path_), path_);
+  try {
+    std::error_code error;
+    const std::uintmax_t bytes = fs::file_size(path_, error);
+    const bool hasLines = !error && bytes > 0;
+    if (hasLines) journal::requireJournal(path_);
+    if (hasLines && !options.batch.resume && !options.common.overwrite) {
+      runningFile_->remove();
+      throw Failure(kUsage, "batch: the journal '" + path_ +
+                                "' has lines already; --resume goes on with it, --overwrite begins it anew");
+    }
+    if (options.batch.resume) {
+      std::istringstream begun(runningFile_->content());
+      std::set<std::string> keysOfBegun;
+      for (std::string key; begun >> key;) keysOfBegun.insert(key);
+      plan_ = planResume(jobs, keys, path_, keysOfBegun);
+    }
+    writer_ = std::make_unique<JournalWriter>(
+        path_, options.batch.resume ? JournalWriter::Begin::GoOn : JournalWriter::Begin::Anew);
+  } catch (const journal::NotAJournal& error) {
+    runningFile_->remove();
+    throw Failure(kUsage, std::string("batch: ") + error.what());
+  } catch (const std::system_error& error) {
+    throw Failure(kNotWritten, "batch: can't read or write the journal '" + path_ + "': " + error.code().message());
+  }
+}
+
+Failure BatchJournal::notWritten(const std::exception& error) const {
+  return {kNotWritten, "batch: can't write the journal '" + path_ + "': " + error.what()};
+}
+
+void BatchJournal::begins(std::size_t job) {
+  running_.insert(JobKeys::options(jobs_.read(jobs_.entries()[job])));
+  std::string text;
+  for (const std::string& key : running_) text.append(key).append("\n");
+  try {
+    runningFile_->put(std::move(text));
+  } catch (const std::system_error& error) {
+    throw notWritten(error);
+  }
+}
+
+void BatchJournal::ended(const JobRecord& record) {
+  try {
+    writer_->add(record);
+  } catch (const std::system_error& error) {
+    throw notWritten(error);
+  }
+  running_.erase(record.key.options);
+}
+
+void BatchJournal::saves(const JobResult& result) {
+  JobRecord record = recordOf(jobs_, keys_, result);
+  record.isSaving = true;
+  try {
+    writer_->add(record);
+  } catch (const std::system_error& error) {
+    throw notWritten(error);
+  }
+}
+
+void BatchJournal::close() { runningFile_->remove(); }
+
+}  // namespace lvx::cli
