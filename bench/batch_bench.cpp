@@ -119,7 +119,7 @@ Cost batch(const fs::path& jobs) {
 /// The same reports in one process, one after the other; each drawing is read once.
 Cost bare(const std::string& text) {
   return costOf([&] {
-    cli::JobFileSettings settings{"jobs", {}, {}, {}};
+    cli::JobFileSettings settings{"jobs", {}, {}, {}, {}};
     settings.common.overwrite = true;
     settings.common.quiet = true;
     settings.common.host.bin = LVX_BIN_DIR;

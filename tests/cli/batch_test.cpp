@@ -27,7 +27,7 @@ using testing::Not;
 // ---------------------------------------------------------------- the job file
 
 std::string failureOf(const std::string& text, const std::string& base = {}) {
-  JobFileSettings settings{"jobs.jsonl", {}, {}, {{"taken/journal.txt", "the journal"}}};
+  JobFileSettings settings{"jobs.jsonl", {}, {}, {{"taken/journal.txt", "the journal"}}, {}};
   if (!base.empty()) settings.base = base;
   try {
     const JobFile jobs(text, settings);
@@ -52,7 +52,7 @@ std::string savingJob(const std::string& drawing, const std::string& out, const 
 }
 
 TEST(JobFile, TurnsEachLineIntoTheOptionsOfOneReport) {
-  JobFileSettings settings{"jobs.jsonl", {}, {}, {}};
+  JobFileSettings settings{"jobs.jsonl", {}, {}, {}, {}};
   settings.common.forms = "txt";
   settings.common.overwrite = true;
   const JobFile jobs(
@@ -88,7 +88,7 @@ TEST(JobFile, TurnsEachLineIntoTheOptionsOfOneReport) {
 
 TEST(JobFile, IsEmptyWhereItHoldsNoJobs) {
   for (const char* text : {"", "\n \r\n\n", "\xEF\xBB\xBF", "\xEF\xBB\xBF\r\n"})
-    EXPECT_TRUE(JobFile(text, {"jobs.jsonl", {}, {}, {}}).entries().empty());
+    EXPECT_TRUE(JobFile(text, {"jobs.jsonl", {}, {}, {}, {}}).entries().empty());
 }
 
 TEST(JobFile, NamesTheLineThatIsNoJob) {
@@ -194,7 +194,7 @@ TEST(JobFile, KnowsAFileUnderAnotherName) {
 }
 
 TEST(JobFile, SeesPathsFromItsBase) {
-  JobFileSettings settings{"jobs.jsonl", {}, "/far", {}};
+  JobFileSettings settings{"jobs.jsonl", {}, "/far", {}, {}};
   const JobFile jobs(savingJob("a.xml", "out/x", "b.xml", R"("with": ["/here/c.xml", "d.xml"])"), settings);
   const Job job = jobs.read(jobs.entries()[0]);
   EXPECT_EQ(job.options.drawing, "/far/a.xml");
@@ -207,7 +207,7 @@ TEST(JobFile, PutsJobsOfOneDrawingTogether) {
   const JobFile jobs(pointsJob("a.xml", "1") + pointsJob("b.xml", "2") + pointsJob("./a.xml", "3") +
                          pointsJob("a.xml", "4", R"("with": ["b.xml"])") +
                          pointsJob("a.xml", "5", R"("swap-axes": ["a.xml"])"),
-                     {"jobs.jsonl", {}, {}, {}});
+                     {"jobs.jsonl", {}, {}, {}, {}});
   std::vector<std::uint32_t> drawings;
   for (const JobFile::Entry& entry : jobs.entries()) drawings.push_back(entry.drawing);
   EXPECT_THAT(drawings, ElementsAre(0, 1, 0, 2, 3));
