@@ -9,7 +9,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
-    const lvx::cli::JobFile jobs(std::string(reinterpret_cast<const char*>(data), size), {"jobs.jsonl", {}, {}, {}, {}});
+    const lvx::cli::JobFile jobs(std::string(reinterpret_cast<const char*>(data), size),
+                                 {"jobs.jsonl", {}, {}, {}, {}});
     std::size_t line = 0;
     for (const lvx::cli::JobFile::Entry& entry : jobs.entries()) {
       const lvx::cli::Job job = jobs.read(entry);
