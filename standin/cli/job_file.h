@@ -38,7 +38,7 @@ struct JobFileSettings {
   /// Further files that no job may write or read, with what they are: {"jobs.jsonl", "the job file"}.
   std::vector<std::pair<std::string, std::string>> taken;
   /// Of the jobs only this share is kept, once all of them are checked.
-  std::optional<Share> share;
+  std::optional<Share> share{};
 };
 
 /// A file of jobs in JSON Lines: on each line an object whose members are a report command's options under their own

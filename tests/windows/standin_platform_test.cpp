@@ -145,6 +145,7 @@ TEST_F(WindowsFiles, WhatOthersHoldOrMarkedReadOnlyStaysAsItWas) {
   SetFileAttributesW((folder_ / "marked.txt").c_str(), FILE_ATTRIBUTE_NORMAL);
   EXPECT_EQ(whyNotWritten(folder_ / "nowhere" / "road.txt"), "the folder takes no new file: No such file or directory");
   EXPECT_EQ(whyNotWritten(folder_.path()), "the target is not a regular file");
+  EXPECT_EQ(whyNotWritten(folder_.path(), {.writesInPlace = true}), "the file can't be written: Is a directory");
 }
 
 TEST_F(WindowsFiles, ATargetThatChangedMeanwhileIsTold) {

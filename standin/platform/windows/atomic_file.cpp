@@ -187,7 +187,12 @@ AtomicFile::AtomicFile(const fs::path& target, AtomicFilePolicy policy) : state_
   state_->target = followLinks(target);
   state_->lookAtTarget();
   if (state_->former) {
-    if ((state_->former->attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) throw AtomicFileError(Problem::NotRegular, {});
+    if ((state_->former->attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+      // What would be written in place, were it a device, fails as a folder does.
+      if (policy.writesInPlace)
+        throw AtomicFileError(Problem::Writing, std::make_error_code(std::errc::is_a_directory));
+      throw AtomicFileError(Problem::NotRegular, {});
+    }
     // The new name would pass over the file's own protection, and a program that lets nobody else write would notice
     // only at the end.
     if ((state_->former->attributes & FILE_ATTRIBUTE_READONLY) != 0)

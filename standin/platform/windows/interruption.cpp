@@ -40,10 +40,10 @@ void beginToHear() {
   static const bool begun = [] {
     SetConsoleCtrlHandler(nullptr, FALSE);  // a program that ignores Ctrl-C hands that on to those that it starts
     SetConsoleCtrlHandler(hearConsole, TRUE);
-    static const Handle wish(CreateEventW(nullptr, FALSE, FALSE, wishNameOf(GetCurrentProcessId()).c_str()));
+    // Both stay open to the end of the process: a wait whose object is closed counts as heard.
     static HANDLE waiting = nullptr;
-    if (wish.isOpen())
-      RegisterWaitForSingleObject(&waiting, wish.get(), hearWish, nullptr, INFINITE, WT_EXECUTEDEFAULT);
+    const HANDLE wish = CreateEventW(nullptr, FALSE, FALSE, wishNameOf(GetCurrentProcessId()).c_str());
+    if (wish != nullptr) RegisterWaitForSingleObject(&waiting, wish, hearWish, nullptr, INFINITE, WT_EXECUTEDEFAULT);
     return true;
   }();
   (void)begun;
