@@ -16,6 +16,7 @@
 #include "cli/job_paths.h"
 #include "cli/point_choice.h"
 #include "cli/report_run.h"
+#include "landxml/reader.h"
 #include "options/option_table.h"
 
 namespace lvx::cli {
@@ -273,6 +274,19 @@ void addPaths(const Job& job, JobFile::Entry& entry, JobPaths& paths) {
   entry.saves = true;
   entry.savesInPlace = paths.wholePath(*values.report.saveTo) == paths.wholePath(values.drawing);
   paths.saves(job.line, *values.report.saveTo, entry.drawing, entry.savesInPlace);
+  if (!entry.savesInPlace) return;
+  for (const std::string& file : values.files.with) paths.maySave(job.line, file, entry.drawing);
+}
+
+/// Reports add sections to corridors and save nothing else, so that a file without a corridor stays as it is.
+bool holdsCorridors(const std::string& path) {
+  try {
+    landxml::ReadOptions names;
+    names.namesAlone = true;
+    return !landxml::readDrawing(path, names).corridors.empty();
+  } catch (const landxml::Error&) {
+    return false;  // its jobs will tell
+  }
 }
 
 }  // namespace
@@ -313,7 +327,7 @@ JobFile::JobFile(std::string text, JobFileSettings settings)
       fail(line, failure.what());
     }
   }
-  for (const JobPaths::Conflict& conflict : paths.conflicts()) fail(conflict.line, conflict.words);
+  for (const JobPaths::Conflict& conflict : paths.conflicts(holdsCorridors)) fail(conflict.line, conflict.words);
   if (!errors.empty()) throw Failure(kUsage, jobFileErrors(std::move(errors)));
   drawingCount_ = drawings.size();
   if (settings_.share) keepShare(*settings_.share, bytesOfDrawings);

@@ -129,6 +129,27 @@ void JobPaths::saves(std::size_t line, const std::string& path, std::uint32_t dr
   add(file.stem, path, {static_cast<std::uint32_t>(line), drawing, file.form, true, inPlace});
 }
 
+void JobPaths::maySave(std::size_t line, const std::string& path, std::uint32_t drawing) {
+  maySave_.try_emplace({wholePath(path), drawing}, static_cast<std::uint32_t>(line));
+}
+
+void JobPaths::addPossible(const std::function<bool(const std::string& path)>& canChange,
+                           std::vector<Conflict>& all) const {
+  std::map<std::string, bool> changes;
+  for (const auto& [file, line] : maySave_) {
+    const auto& [path, drawing] = file;
+    const auto [first, last] = readers_.equal_range(path);
+    for (auto at = first; at != last; ++at) {
+      const Reader& reader = at->second;
+      if (reader.drawing == drawing || !kinds_[reader.what].empty()) continue;
+      const auto [change, isNew] = changes.try_emplace(path);
+      if (isNew) change->second = canChange(path);
+      if (!change->second) break;
+      all.push_back({line, "may save '" + path + "', which line " + std::to_string(reader.line) + " reads"});
+    }
+  }
+}
+
 void JobPaths::reads(std::size_t line, const std::string& path, std::uint32_t drawing, const std::string& what) {
   std::string whole = wholePath(path);
   const auto kind = static_cast<std::uint32_t>(std::find(kinds_.begin(), kinds_.end(), what) - kinds_.begin());
@@ -139,8 +160,9 @@ void JobPaths::reads(std::size_t line, const std::string& path, std::uint32_t dr
   readers_.emplace(std::move(whole), Reader{static_cast<std::uint32_t>(line), drawing, kind});
 }
 
-std::vector<JobPaths::Conflict> JobPaths::conflicts() {
+std::vector<JobPaths::Conflict> JobPaths::conflicts(const std::function<bool(const std::string& path)>& canChange) {
   std::vector<Conflict> all = conflicts_;
+  addPossible(canChange, all);
   for (const auto& [path, reader] : readers_) {
     const Named file = named(path);
     const auto [first, last] = writers_.equal_range(file.stem);

@@ -2,9 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace lvx::cli {
@@ -32,11 +35,15 @@ class JobPaths {
   void writes(std::size_t line, const std::string& stem, unsigned forms);
   /// The drawing's file, or another one; `inPlace` where it is the file that the job's drawing was read from.
   void saves(std::size_t line, const std::string& path, std::uint32_t drawing, bool inPlace);
+  /// A file that is added to the job's drawing, which is saved in place: it is written where something of it changed.
+  void maySave(std::size_t line, const std::string& path, std::uint32_t drawing);
   /// `what` stands in messages where the file belongs to no line.
   void reads(std::size_t line, const std::string& path, std::uint32_t drawing, const std::string& what = {});
 
   /// Those of all that was told so far, by ascending line. Each names both lines, and stands at the one that writes.
-  [[nodiscard]] std::vector<Conflict> conflicts();
+  /// `canChange` is asked of a file that may be saved and is read for another drawing too, once for each: whether it holds
+  /// anything that a save could change.
+  [[nodiscard]] std::vector<Conflict> conflicts(const std::function<bool(const std::string& path)>& canChange);
 
  private:
   struct Writer {
@@ -67,11 +74,14 @@ class JobPaths {
   /// By a path that ends with a slash, or is empty.
   [[nodiscard]] const Folder& folderOf(const std::string& path);
   [[nodiscard]] Folder seenFolder(const std::string& path);
+  void addPossible(const std::function<bool(const std::string& path)>& canChange, std::vector<Conflict>& all) const;
   void add(std::string wholeStem, const std::string& given, const Writer& writer);
 
   std::unordered_map<std::string, Folder> folders_;
   std::unordered_multimap<std::string, Writer> writers_;
   std::unordered_multimap<std::string, Reader> readers_;
+  /// Of each drawing that is saved in place: its added files, each by the first line that may save it.
+  std::map<std::pair<std::string, std::uint32_t>, std::uint32_t> maySave_;
   std::vector<std::string> kinds_{""};
   std::vector<Conflict> conflicts_;
 };

@@ -180,6 +180,24 @@ TEST(JobFile, RefusesJobsThatGetInEachOthersWay) {
   for (const Row& row : table) EXPECT_THAT(failureOf(row.jobs), HasSubstr(row.words)) << row.jobs;
 }
 
+TEST(JobFile, RefusesASaveOfAnAddedFileThatAnotherDrawingReads) {
+  const std::string corridors = test::inSource("/examples/valley-road.xml");
+  const std::string ground = test::inSource("/examples/valley-road/ground.xml");
+  const auto with = [](const std::string& file) { return R"("with": ")" + file + "\""; };
+  const auto saving = [&](const std::string& drawing, const std::string& file) {
+    return savingJob(drawing, drawing + ".report", drawing, with(file));
+  };
+  EXPECT_THAT(failureOf(saving("a.xml", corridors) + pointsJob(corridors, "y")),
+              HasSubstr("jobs.jsonl:1: may save '" + fs::canonical(corridors).string() + "', which line 2 reads"));
+  EXPECT_THAT(failureOf(pointsJob("c.xml", "y", with(corridors)) + saving("a.xml", corridors)),
+              HasSubstr("jobs.jsonl:2: may save"));
+  EXPECT_EQ(failureOf(saving("a.xml", corridors) + pointsJob("a.xml", "y", with(corridors))), "no failure")
+      << "jobs of one drawing run one after the other";
+  EXPECT_EQ(failureOf(saving("a.xml", ground) + saving("b.xml", ground)), "no failure") << "nothing in it can change";
+  EXPECT_EQ(failureOf(saving("a.xml", "nowhere.xml") + saving("b.xml", "nowhere.xml")), "no failure")
+      << "told by the jobs themselves";
+}
+
 TEST(JobFile, KnowsAFileUnderAnotherName) {
   const test::TemporaryFolder folder;
   const std::string path = folder.path().string();
