@@ -15,6 +15,7 @@
 #include "platform/utf8.h"
 #include "runtime/command_runner.h"
 #include "script/script_front_end.h"
+#include "script/window_opener.h"
 #include "standin_platform/standard_input.h"
 
 namespace lvx::cli {
@@ -71,7 +72,10 @@ ExitCode runPlay(const options::Options& options) {
   std::vector<script::ScriptAction> actions = readScript(options.play.script);
   if (answer().isGathered()) answer().set("events", Json::array());
   script::Transcript transcript(takeEvent);
-  script::ScriptFrontEnd frontEnd(std::move(actions), transcript);
+  if (options.play.windows && !script::canOpenWindows())
+    throw Failure(kUsage, "--windows: this system has no windows that the module's dialogs could be");
+  script::ScriptFrontEnd frontEnd(std::move(actions), transcript,
+                                  options.play.windows ? script::windowOpener() : script::DialogOpener());
   runtime::InputFiles inputs;
   if (isScriptFromInput)
     inputs.add(standin_platform::standardInputName().string(), "the script on standard input");

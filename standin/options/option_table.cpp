@@ -20,6 +20,7 @@ namespace {
 
 constexpr std::array<std::string_view, 3> kForms{"txt", "xls", "html"};
 constexpr std::array<std::string_view, 2> kLanguages{"en", "de"};
+constexpr std::array<std::string_view, 2> kWorkbookWriters{"excel", "file"};
 constexpr std::array<std::string_view, 3> kProgressModes{"auto", "always", "never"};
 constexpr std::array<std::string_view, 3> kSchemes{"system", "light", "dark"};
 
@@ -309,6 +310,10 @@ constexpr std::array kTable{
                       .commands = Command::Play,
                       .field = [](Options& o) -> Field { return &o.play.checks; },
                       .help = "Also report what the module didn't give back to its host"},
+    OptionDescription{.name = "windows",
+                      .commands = Command::Play,
+                      .field = [](Options& o) -> Field { return &o.play.windows; },
+                      .help = "Dialogs are windows of the system, which the script works and which are read back (on Windows)"},
 };
 
 /// Behind the rows of the rules.
@@ -395,6 +400,13 @@ constexpr std::array kCommonTable{
                       .help = kModuleHelp,
                       .valueName = "FILE",
                       .emptyText = EmptyText::None,
+                      .group = &kCommonGroup},
+    OptionDescription{.name = "workbook",
+                      .commands = kEveryCommand,
+                      .field = [](Options& o) -> Field { return &o.common.host.workbook; },
+                      .help = "Who writes workbooks: excel or file, this program (default: Excel where it is registered)",
+                      .valueName = "WRITER",
+                      .choices = kWorkbookWriters,
                       .group = &kCommonGroup},
     OptionDescription{.name = "progress",
                       .commands = kEveryCommand,

@@ -132,6 +132,8 @@ struct BatchOptions {
 struct PlayOptions {
   std::string script;
   bool checks = false;
+  /// Dialogs are windows of the system.
+  bool windows = false;
 };
 
 struct WindowOptions {

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "native/automation_client.h"
 #include "platform/utf8.h"
 
 namespace lvx::runtime {
@@ -43,9 +44,23 @@ std::filesystem::path chosenMessages(const HostChoices& choices) {
                           : messageFolder(choices.language, choices.bin) / kMessageFile;
 }
 
+namespace {
+
+WorkbookWriter workbookWriter(const HostChoices& choices) {
+  if (!choices.workbook) return WorkbookWriter::Automatic;
+  if (*choices.workbook == "file") return WorkbookWriter::File;
+  if (!native::hasAutomation())
+    throw std::invalid_argument(
+        "--workbook excel: on this system no spreadsheet program can be worked; --workbook file writes the same cells");
+  return WorkbookWriter::Spreadsheet;
+}
+
+}  // namespace
+
 HostOptions hostOptions(const HostChoices& choices) {
   HostOptions options;
   options.platform.fixedMoment = fixedMoment();
+  options.workbookWriter = workbookWriter(choices);
   options.platform.release = platform::fromUtf8(choices.release.value_or(""));
   options.platform.messageCodePage = choices.messageCodePage;
   options.platform.reportCodePage = choices.reportCodePage.value_or("");

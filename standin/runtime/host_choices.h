@@ -22,6 +22,9 @@ struct HostChoices {
   std::optional<std::string> reportCodePage;
   /// Code page of message files, by its iconv name.
   std::string messageCodePage = "WINDOWS-1252";
+  /// Who writes workbooks: "excel" (the spreadsheet program), "file" (this program); none: the spreadsheet program where one
+  /// is registered, else this program.
+  std::optional<std::string> workbook;
   /// Folder that the program's files are looked for from.
   std::filesystem::path bin = programFolder();
 };
@@ -33,7 +36,7 @@ struct HostChoices {
 [[nodiscard]] std::filesystem::path chosenMessages(const HostChoices& choices);
 
 /// The host's options for `choices`, with the moment of SOURCE_DATE_EPOCH where the environment sets one. Throws
-/// std::invalid_argument for a message file that isn't there and an epoch that is no number of seconds; an unknown code
+/// std::invalid_argument for a message file that isn't there, an epoch that is no number of seconds and a spreadsheet program on a system where none can be worked; an unknown code
 /// page is told by the host itself.
 [[nodiscard]] HostOptions hostOptions(const HostChoices& choices);
 

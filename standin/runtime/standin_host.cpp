@@ -4,11 +4,17 @@
 
 #include "accessor/host_accessor.h"
 #include "host/excel_operations.h"
+#include "native/automation_client.h"
 #include "runtime/model_objects.h"
+#include "runtime/observed_spreadsheet.h"
 #include "runtime/observed_workbook.h"
 #include "workbook/workbook_server.h"
 
 namespace lvx::runtime {
+
+struct StandinHost::Automation {
+  native::AutomationScope scope;
+};
 
 StandinHost::StandinHost(FrontEnd& frontEnd, HostOptions options)
     : frontEnd_(frontEnd),
@@ -60,10 +66,16 @@ LoadedModule StandinHost::loadModule(const std::filesystem::path& file) {
 }
 
 host::Ref<host::AutomationObject> StandinHost::createAutomationObject(const host::CString& programId) {
-  // Workbooks are written in this process; no other program is started.
   if (programId != host::kExcelProgramId) return nullptr;
-  return workbook::startWorkbookServer(std::make_unique<ObservedWorkbook>(
-      journal_, options_.isInterrupted, [this](const std::string& path) { return whyNoOutput(path); }));
+  auto observer = std::make_unique<ObservedWorkbook>(journal_, options_.isInterrupted,
+                                                     [this](const std::string& path) { return whyNoOutput(path); });
+  const bool bySpreadsheet =
+      options_.workbookWriter == WorkbookWriter::Spreadsheet ||
+      (options_.workbookWriter == WorkbookWriter::Automatic && native::isAutomationProgram(programId));
+  if (!bySpreadsheet) return workbook::startWorkbookServer(std::move(observer));
+  if (!automation_) automation_ = std::make_unique<Automation>();
+  host::Ref<host::AutomationObject> application = native::createAutomationObject(programId);
+  return application ? observeSpreadsheet(std::move(application), std::move(observer)) : nullptr;
 }
 
 std::string StandinHost::whyNoOutput(const std::string& path) const {

@@ -22,6 +22,10 @@
 
 namespace lvx::runtime {
 
+/// Who writes the workbooks: the spreadsheet program of the machine where one is registered and else this process, always
+/// that program, or always this process.
+enum class WorkbookWriter : std::uint8_t { Automatic, Spreadsheet, File };
+
 /// How a process sets up its host.
 struct HostOptions {
   platform::PlatformSettings platform;
@@ -29,6 +33,7 @@ struct HostOptions {
   std::vector<std::string> supportPaths;
   /// Files that are found under a name whatever their own: the message file that the user named.
   std::map<host::CString, std::string> files;
+  WorkbookWriter workbookWriter = WorkbookWriter::File;
   /// What is read beside the drawing, and so is no output.
   InputFiles inputs;
   /// True once the user wants to stop; asked during long work.
@@ -90,9 +95,13 @@ class StandinHost : public host::Host, public companion::CompanionAccess {
   [[nodiscard]] const civil::AlignmentObject* alignmentBehind(const host::QmtAlignment* alignment) override;
 
  private:
+  struct Automation;
+
   FrontEnd& frontEnd_;
   HostOptions options_;
   FileJournal journal_;
+  /// The system's own automation, from the first program that is started on; no object of one lives longer.
+  std::unique_ptr<Automation> automation_;
   platform::SystemPlatform systemPlatform_;
   ObservedPlatform observedPlatform_;
   framework::ModuleState moduleState_;

@@ -1,15 +1,16 @@
 #include "script/script_front_end.h"
 
 #include <charconv>
+#include <utility>
 
 #include "platform/utf8.h"
 #include "runtime/drawing_objects.h"
+#include "windowless/dialog_state.h"
 
 namespace lvx::script {
 
 using platform::fromUtf8;
 using platform::toUtf8;
-using windowless::DialogState;
 using windowless::Refusal;
 using Kind = ScriptAction::Kind;
 
@@ -36,9 +37,13 @@ const char* wordFor(Refusal refusal) {
 
 }  // namespace
 
-ScriptFrontEnd::ScriptFrontEnd(std::vector<ScriptAction> actions, Transcript& transcript)
+ScriptFrontEnd::ScriptFrontEnd(std::vector<ScriptAction> actions, Transcript& transcript, DialogOpener opener)
     : actions_(std::make_move_iterator(actions.begin()), std::make_move_iterator(actions.end())),
-      transcript_(transcript) {}
+      transcript_(transcript),
+      opener_(std::move(opener)) {
+  if (!opener_)
+    opener_ = [](host::DialogBehaviour& dialog) { return std::make_unique<windowless::DialogState>(dialog); };
+}
 
 std::optional<std::string> ScriptFrontEnd::nextCommand() {
   openings_.clear();
@@ -59,43 +64,43 @@ void ScriptFrontEnd::mismatch(const ScriptAction& action, const std::string& wai
   throw ScriptMismatch("script: " + describe(action) + " doesn't fit: " + waiter);
 }
 
-int ScriptFrontEnd::runModal(host::DialogBehaviour& dialog, void*) {
-  const std::string name(dialog.dialogTemplate().name);
+int ScriptFrontEnd::runModal(host::DialogBehaviour& behaviour, void*) {
+  const std::string name(behaviour.dialogTemplate().name);
   const std::string waiter = "the dialog " + name + " waits";
-  DialogState state(dialog);
+  const std::unique_ptr<windowless::WorkedDialog> dialog = opener_(behaviour);
   const int opening = ++openings_[name];
-  transcript_.dialog(name, opening, state);
-  while (!state.closedWith()) {
+  transcript_.dialog(name, opening, *dialog);
+  while (!dialog->closedWith()) {
     const ScriptAction action = take(waiter);
     if (action.kind == Kind::Snapshot) {
-      transcript_.dialog(name, opening, state);
+      transcript_.dialog(name, opening, *dialog);
       continue;
     }
-    act(state, action, waiter);
-    if (!state.closedWith()) transcript_.changes(state);
+    act(*dialog, action, waiter);
+    if (!dialog->closedWith()) transcript_.changes(*dialog);
   }
-  transcript_.closed(name, *state.closedWith());
-  return *state.closedWith();
+  transcript_.closed(name, *dialog->closedWith());
+  return *dialog->closedWith();
 }
 
-void ScriptFrontEnd::act(DialogState& state, const ScriptAction& action, const std::string& waiter) {
+void ScriptFrontEnd::act(windowless::WorkedDialog& dialog, const ScriptAction& action, const std::string& waiter) {
   Refusal refusal = Refusal::None;
   switch (action.kind) {
     case Kind::Select:
-      refusal =
-          action.row ? state.userSelects(action.id, *action.row) : state.userSelects(action.id, fromUtf8(action.text));
+      refusal = action.row ? dialog.userSelects(action.id, *action.row)
+                           : dialog.userSelects(action.id, fromUtf8(action.text));
       break;
     case Kind::Type:
-      refusal = state.userTypes(action.id, fromUtf8(action.text));
+      refusal = dialog.userTypes(action.id, fromUtf8(action.text));
       break;
     case Kind::Tick:
-      refusal = state.userTicks(action.id, action.on);
+      refusal = dialog.userTicks(action.id, action.on);
       break;
     case Kind::Click:
-      refusal = state.userClicks(action.id);
+      refusal = dialog.userClicks(action.id);
       break;
     case Kind::Close:
-      state.userCloses();
+      dialog.userCloses();
       break;
     default:
       mismatch(action, waiter);

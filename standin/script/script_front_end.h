@@ -1,20 +1,27 @@
 #pragma once
 
 #include <deque>
+#include <functional>
+#include <memory>
 
 #include "host/dialog_window.h"
 #include "runtime/front_end.h"
 #include "script/script.h"
 #include "script/transcript.h"
+#include "windowless/worked_dialog.h"
 
 namespace lvx::script {
+
+/// Opens a dialog for the script to work.
+using DialogOpener = std::function<std::unique_ptr<windowless::WorkedDialog>(host::DialogBehaviour&)>;
 
 /// A user who does what a script says, one action after the other, each taken by whatever waits. Everything that the user
 /// would see goes into the transcript. An action that doesn't fit what waits, and a script that ends while something
 /// waits, raise ScriptMismatch, which ends the command.
 class ScriptFrontEnd final : public runtime::FrontEnd, private host::DialogRunner {
  public:
-  ScriptFrontEnd(std::vector<ScriptAction> actions, Transcript& transcript);
+  /// `opener` opens the dialogs; without one they have no window.
+  ScriptFrontEnd(std::vector<ScriptAction> actions, Transcript& transcript, DialogOpener opener = {});
 
   /// Picks refer to this drawing.
   void setDrawing(const civil::Drawing* drawing) { drawing_ = drawing; }
@@ -36,16 +43,17 @@ class ScriptFrontEnd final : public runtime::FrontEnd, private host::DialogRunne
   [[nodiscard]] std::uint32_t buttonFaceColour() override;
 
  private:
-  int runModal(host::DialogBehaviour& dialog, void* parent) override;
+  int runModal(host::DialogBehaviour& behaviour, void* parent) override;
 
   /// Takes the next action for `waiter`, or raises ScriptMismatch at the script's end.
   ScriptAction take(const std::string& waiter);
   [[noreturn]] static void mismatch(const ScriptAction& action, const std::string& waiter);
-  void act(windowless::DialogState& state, const ScriptAction& action, const std::string& waiter);
+  void act(windowless::WorkedDialog& dialog, const ScriptAction& action, const std::string& waiter);
   [[nodiscard]] civil::Handle handleOf(const ScriptAction& action) const;
 
   std::deque<ScriptAction> actions_;
   Transcript& transcript_;
+  DialogOpener opener_;
   const civil::Drawing* drawing_ = nullptr;
   std::map<std::string, int, std::less<>> openings_;
 };

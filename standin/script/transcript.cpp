@@ -66,7 +66,7 @@ void Transcript::write(const Json& event) {
   write_(event.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
-Transcript::Json Transcript::controlState(const windowless::DialogState::Control& control) {
+Transcript::Json Transcript::controlState(const windowless::Control& control) {
   const ControlKind kind = control.made->kind;
   Json json{{"id", control.made->id}, {"kind", kindName(kind)}};
   if (kind != ControlKind::DropDownList && kind != ControlKind::Picture && kind != ControlKind::PictureButton)
@@ -85,10 +85,10 @@ Transcript::Json Transcript::controlState(const windowless::DialogState::Control
   return json;
 }
 
-void Transcript::dialog(std::string_view name, int opening, const windowless::DialogState& state) {
+void Transcript::dialog(std::string_view name, int opening, const windowless::WorkedDialog& state) {
   shown_.clear();
   Json controls = Json::array();
-  for (const windowless::DialogState::Control* control : state.controls())
+  for (const windowless::Control* control : state.controls())
     controls.push_back(shown_[control->made->id] = controlState(*control));
   write({{"event", "dialog"},
          {"name", name},
@@ -97,9 +97,9 @@ void Transcript::dialog(std::string_view name, int opening, const windowless::Di
          {"controls", std::move(controls)}});
 }
 
-void Transcript::changes(const windowless::DialogState& state) {
+void Transcript::changes(const windowless::WorkedDialog& state) {
   Json controls = Json::array();
-  for (const windowless::DialogState::Control* control : state.controls()) {
+  for (const windowless::Control* control : state.controls()) {
     Json now = controlState(*control);
     Json& before = shown_[control->made->id];
     if (now == before) continue;

@@ -9,7 +9,7 @@
 
 #include "host/user_interface.h"
 #include "runtime/file_journal.h"
-#include "windowless/dialog_state.h"
+#include "windowless/worked_dialog.h"
 
 namespace lvx::script {
 
@@ -21,9 +21,9 @@ class Transcript {
 
   /// The whole state of an open dialog: title, and each control's text, rows, row, ticked, enabled, as far as its kind
   /// has them.
-  void dialog(std::string_view name, int opening, const windowless::DialogState& state);
+  void dialog(std::string_view name, int opening, const windowless::WorkedDialog& state);
   /// The controls of the open dialog that differ from what the transcript showed last; nothing where none does.
-  void changes(const windowless::DialogState& state);
+  void changes(const windowless::WorkedDialog& state);
   void closed(std::string_view name, int code);
   void box(const host::CString& text, host::BoxButtons buttons, host::BoxIcon icon);
   void prompt(const host::CString& text);
@@ -41,7 +41,7 @@ class Transcript {
  private:
   using Json = nlohmann::ordered_json;
   void write(const Json& event);
-  static Json controlState(const windowless::DialogState::Control& control);
+  static Json controlState(const windowless::Control& control);
 
   std::function<void(std::string_view)> write_;
   std::map<int, Json> shown_;

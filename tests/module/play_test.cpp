@@ -1,4 +1,5 @@
 // The example scripts through the real program: every list, selection, box and prompt of each transcript is golden.
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -43,6 +44,8 @@ class PlayTest : public testing::Test {
     std::vector<std::string> arguments{"play", test::inSource("/examples/valley-road.xml"), script.string(), "--check",
                                        "--quiet"};
     arguments.insert(arguments.end(), more.begin(), more.end());
+    // The same transcripts hold where the dialogs are windows.
+    if (std::getenv("LVX_PLAY_IN_WINDOWS") != nullptr) arguments.emplace_back("--windows");
     test::RunRequest request;
     request.program = test::inBuild("/bin/lvxhost");
     request.arguments = std::move(arguments);
@@ -62,6 +65,24 @@ class PlayTest : public testing::Test {
 
   test::TemporaryFolder folder_;
 };
+
+TEST_F(PlayTest, SaysWhereDialogsCannotBeWindows) {
+  if (std::getenv("LVX_TEST_BUILD") != nullptr) GTEST_SKIP() << "this build is for a system that has windows";
+  const test::RunResult result = playExample("help-button", {"--windows"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_NE(result.errors.find("--windows: this system has no windows"), std::string::npos) << result.errors;
+  EXPECT_EQ(result.output, "");
+}
+
+TEST_F(PlayTest, SaysWhereNoSpreadsheetProgramCanBeWorked) {
+  if (std::getenv("LVX_TEST_BUILD") != nullptr) GTEST_SKIP() << "this build is for a system that can work programs";
+  const test::RunResult result = playExample("plain-run", {"--workbook", "excel"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_NE(result.errors.find("--workbook excel: on this system no spreadsheet program can be worked"),
+            std::string::npos)
+      << result.errors;
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "out/plain.txt"));
+}
 
 TEST_F(PlayTest, PlainRunWritesAllThreeForms) {
   const test::RunResult result = playExample("plain-run");
