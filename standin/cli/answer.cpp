@@ -49,7 +49,7 @@ void Answer::add(ToldDiagnostic diagnostic) {
 
 void Answer::addWritten(const std::string& path) {
   if (!isGathered_) return;
-  removeWritten(path);
+  if (!everWritten_.insert(path).second) removeWritten(path);
   written_.push_back(path);
 }
 
@@ -63,10 +63,9 @@ void Answer::append(std::string_view member, Json value) {
   if (isGathered_) members_->json[std::string(member)].push_back(std::move(value));
 }
 
-void Answer::clear() {
-  diagnostics_.clear();
-  written_.clear();
-  members_->json = Json::object();
+void Answer::release() {
+  isGathered_ = false;
+  isQuiet_ = false;
 }
 
 std::string Answer::document(int exitCode) const {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include <nlohmann/json_fwd.hpp>
@@ -64,8 +65,8 @@ class Answer {
   void append(std::string_view member, nlohmann::ordered_json value);
 
   [[nodiscard]] const std::vector<ToldDiagnostic>& diagnostics() const { return diagnostics_; }
-  /// Drops what was gathered, in a copy of the process that answers for itself.
-  void clear();
+  /// Gathers no more, in a copy of the process whose words are told by another one.
+  void release();
 
   /// The document with its line feed. Reads the files that were written for their hashes; one that can't be read has null
   /// in the place of bytes and hash. Bytes of texts that are no UTF-8 become U+FFFD.
@@ -80,6 +81,7 @@ class Answer {
   std::string command_;
   std::vector<ToldDiagnostic> diagnostics_;
   std::vector<std::string> written_;
+  std::unordered_set<std::string> everWritten_;
   std::unique_ptr<Members> members_;
 };
 

@@ -12,10 +12,13 @@
 #include <utility>
 #include <vector>
 
+#include "cli/answer.h"
 #include "cli/batch_journal.h"
+#include "cli/batch_merge.h"
 #include "cli/batch_progress.h"
 #include "cli/batch_resume.h"
 #include "cli/batch_run.h"
+#include "cli/batch_words.h"
 #include "cli/command_line_front_end.h"
 #include "cli/drawing_file.h"
 #include "cli/failure.h"
@@ -57,6 +60,7 @@ JobFileSettings settingsOf(const options::Options& options) {
     settings.taken.emplace_back(BatchJournal::runningFile(*journal), "the file beside the journal");
   }
   if (const auto& summary = options.batch.summary) settings.taken.emplace_back(*summary, "the summary");
+  for (const std::string& journal : options.batch.merge) settings.taken.emplace_back(journal, "a journal");
   return settings;
 }
 
@@ -68,6 +72,7 @@ void requireDifferentFiles(const options::BatchOptions& batch) {
     files.emplace_back("--journal, with .running behind it,", BatchJournal::runningFile(*batch.journal));
   }
   if (batch.summary) files.emplace_back("--summary", *batch.summary);
+  for (const std::string& journal : batch.merge) files.emplace_back("--merge", journal);
   for (std::size_t i = 0; i < files.size(); ++i)
     for (std::size_t j = 0; j < i; ++j)
       if (standin_platform::leadToOneFile(files[i].second, files[j].second))
@@ -97,20 +102,15 @@ void requireWritable(const std::string& summary) {
 }
 
 /// What a job said on standard error, each line with the job's own in front.
-void tellLines(std::size_t line, const std::string& errors) {
+/// `hasFailed`: of a job that did.
+void tellLines(const std::string& jobs, std::size_t line, const std::string& errors, bool hasFailed) {
   for (std::size_t start = 0; start < errors.size();) {
     const std::size_t end = std::min(errors.find('\n', start), errors.size());
-    tell("line " + std::to_string(line) + ": " + errors.substr(start, end - start) + "\n");
+    const std::string words = errors.substr(start, end - start);
+    if (hasFailed || !answer().isQuiet()) tell("line " + std::to_string(line) + ": " + words + "\n");
+    answer().add({hasFailed ? Severity::Error : Severity::Warning, words, jobs, line});
     start = end + 1;
   }
-}
-
-std::string listed(const std::string& words, const std::vector<std::size_t>& lines, std::size_t most = 1000) {
-  std::string text = std::to_string(lines.size()) + words;
-  for (std::size_t i = 0; i < std::min(lines.size(), most); ++i)
-    text += (i > 0 ? ", " : lines.size() == 1 ? " (line " : " (lines ") + std::to_string(lines[i]);
-  if (lines.size() > most) text += " and " + std::to_string(lines.size() - most) + " more";
-  return lines.empty() ? text : text + ")";
 }
 
 bool wasBrokenOff(const JobResult& result) { return isInterrupted() && result.exitCode == kInterrupted; }
@@ -119,8 +119,8 @@ bool wasBrokenOff(const JobResult& result) { return isInterrupted() && result.ex
 class Teller {
  public:
   /// `skipped` by the place of the job, or empty: those that don't run.
-  Teller(const JobFile& jobs, BatchProgress& progress, std::vector<bool> skipped)
-      : jobs_(jobs), progress_(progress), skipped_(std::move(skipped)) {}
+  Teller(const JobFile& jobs, std::string name, BatchProgress& progress, std::vector<bool> skipped)
+      : jobs_(jobs), name_(std::move(name)), progress_(progress), skipped_(std::move(skipped)) {}
 
   void take(JobResult result) {
     ++ended_;
@@ -155,7 +155,8 @@ class Teller {
     const Job job = jobs_.read(jobs_.entries()[result.job]);
     if (!result.output.empty() || !result.errors.empty() || result.exitCode != kDone) progress_.hide();
     print(result.output);
-    tellLines(job.line, result.errors);
+    tellLines(name_, job.line, result.errors, result.exitCode != kDone);
+    for (const OutputFile& file : result.written) answer().addWritten(file.path);
     if (result.exitCode == kDone) {
       ++done_;
       return;
@@ -175,6 +176,7 @@ class Teller {
   }
 
   const JobFile& jobs_;
+  std::string name_;  ///< of the job file, in messages
   BatchProgress& progress_;
   std::vector<bool> skipped_;
   std::map<std::size_t, JobResult> waiting_;
@@ -191,17 +193,19 @@ void tellPlan(const JobFile& jobs, const ResumePlan& plan, const std::string& jo
   constexpr std::size_t kMostListed = 20;
   const std::size_t count = jobs.entries().size();
   say("journal '" + journal + "': " + std::to_string(plan.done) + " of " + std::to_string(count) +
-      (count == 1 ? " job is done and isn't run again" : " jobs are done and aren't run again"));
+          (count == 1 ? " job is done and isn't run again" : " jobs are done and aren't run again"),
+      Severity::Note);
   if (!plan.unreadable.empty())
-    say(listed(
-        plan.unreadable.size() == 1 ? " line of the journal can't be read" : " lines of the journal can't be read",
-        plan.unreadable, kMostListed));
+    say(listedLines(
+            plan.unreadable.size() == 1 ? " line of the journal can't be read" : " lines of the journal can't be read",
+            plan.unreadable, kMostListed),
+        Severity::Warning);
   std::map<RunReason, std::vector<std::size_t>> lines;
   for (std::size_t i = 0; i < count; ++i)
     if (plan.reasons[i] != RunReason::Done) lines[plan.reasons[i]].push_back(jobs.entries()[i].line);
   for (const auto& [reason, ofReason] : lines) {
     const bool isOne = ofReason.size() == 1;
-    say(listed((isOne ? " runs " : " run ") + reasonText(reason, isOne), ofReason, kMostListed));
+    say(listedLines((isOne ? " runs " : " run ") + reasonText(reason, isOne), ofReason, kMostListed), Severity::Note);
   }
 }
 
@@ -218,8 +222,8 @@ std::string lastLine(const End& end, const Teller& teller) {
   std::string text =
       std::to_string(end.count) + (end.count == 1 ? " job: " : " jobs: ") + std::to_string(end.done) + " done";
   if (end.doneBefore > 0) text += " (" + std::to_string(end.doneBefore) + " before)";
-  text += ", " + listed(" failed", teller.failed());
-  if (!teller.broken().empty()) text += ", " + listed(" broken off", teller.broken());
+  text += ", " + listedLines(" failed", teller.failed());
+  if (!teller.broken().empty()) text += ", " + listedLines(" broken off", teller.broken());
   return end.isBroken || end.notBegun > 0 ? text + ", " + std::to_string(end.notBegun) + " not begun" : text;
 }
 
@@ -235,20 +239,6 @@ class SummaryKeeper {
       (isBroken ? summary.broken : summary.failed).push_back(record);
     }
   }
-  /// False, with words, where it can't be written.
-  [[nodiscard]] bool write(const std::string& path) {
-    const auto byLine = [](const journal::JobRecord& a, const journal::JobRecord& b) { return a.line < b.line; };
-    std::stable_sort(summary.failed.begin(), summary.failed.end(), byLine);
-    std::stable_sort(summary.broken.begin(), summary.broken.end(), byLine);
-    try {
-      journal::writeSummary(path, summary);
-      return true;
-    } catch (const standin_platform::AtomicFileError& error) {
-      say("can't write the summary '" + path + "': " + error.what());
-      return false;
-    }
-  }
-
   journal::Summary summary;
 
  private:
@@ -278,15 +268,17 @@ ExitCode runBatch(const options::Options& options) {
   const options::BatchOptions& batch = options.batch;
   requireDifferentFiles(batch);
   const JobFile jobs(readSteeringFile(batch.jobs, "batch"), settingsOf(options));
+  if (batch.summary) requireWritable(*batch.summary);
+  if (!batch.merge.empty()) return mergeJournals(options, jobs);
   requireHosts(jobs, steeringName(batch.jobs));
   const std::size_t count = jobs.entries().size();
-  if (batch.summary) requireWritable(*batch.summary);
+  const bool isSummed = batch.summary || answer().isGathered();
 
   JobKeys keys;
   std::optional<BatchJournal> journal;
   BatchRunOptions running;
   End end{count};
-  SummaryKeeper keeper(batch.summary.has_value());
+  SummaryKeeper keeper(isSummed);
   const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
   running.atOnce = batch.atOnce ? static_cast<std::size_t>(*batch.atOnce) : processors;
   running.worker.hashes = batch.journal || batch.summary;
@@ -305,11 +297,11 @@ ExitCode runBatch(const options::Options& options) {
   }
 
   BatchProgress progress(options.common.progressMode(), count - end.doneBefore);
-  Teller teller(jobs, progress, running.skipped);
+  Teller teller(jobs, steeringName(batch.jobs), progress, running.skipped);
   BatchRun run(jobs, std::move(running));
   BatchRun::Listener listener;
   listener.ended = [&](JobResult result) {
-    if (journal || batch.summary) {
+    if (journal || isSummed) {
       const journal::JobRecord record = recordOf(jobs, keys, result);
       keeper.take(record, wasBrokenOff(result));
       // Written down before anything is told, and before a job behind it begins.
@@ -329,7 +321,7 @@ ExitCode runBatch(const options::Options& options) {
   end.notBegun = count - end.done - teller.failed().size() - teller.broken().size();
   ExitCode code = ran.code == kDone && !teller.failed().empty() ? kNotWritten : ran.code;
   if (end.isBroken) code = kInterrupted;
-  if (batch.summary) {
+  if (isSummed) {
     journal::Summary& summary = keeper.summary;
     summary.jobs = steeringName(batch.jobs);
     summary.part = batch.part;
@@ -341,10 +333,12 @@ ExitCode runBatch(const options::Options& options) {
     summary.exitCode = code;
     summary.interrupted = end.isBroken;
     summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    if (!keeper.write(*batch.summary) && code == kDone) code = kNotWritten;
+    if (batch.summary && !writeSummaryFile(*batch.summary, summary) && code == kDone) code = kNotWritten;
+    answerSummary(summary);
   }
   if (!ran.words.empty()) say(ran.words);
-  if (!options.common.quiet || code != kDone) say(lastLine(end, teller));
+  if (!options.common.quiet || code != kDone)
+    say(lastLine(end, teller), code == kDone ? Severity::Note : Severity::Error);
   if (end.isBroken) say("interrupted; no unfinished file was left");
   return code;
 }

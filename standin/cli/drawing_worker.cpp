@@ -11,6 +11,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "cli/answer.h"
 #include "cli/drawing_file.h"
 #include "cli/failure.h"
 #include "cli/file_hash.h"
@@ -141,6 +142,7 @@ class DrawingServer {
 
   /// In the report's own process.
   int runReport(std::size_t index, MessageLine& line) {
+    answer().release();  // the batch answers for its reports, from what they say
     ReportRun run;
     run.drawing = drawing_;
     std::vector<std::string> savedDrawing;
