@@ -148,6 +148,18 @@ TEST_F(WindowsFiles, WhatOthersHoldOrMarkedReadOnlyStaysAsItWas) {
   EXPECT_EQ(whyNotWritten(folder_.path(), {.writesInPlace = true}), "the file can't be written: Is a directory");
 }
 
+TEST_F(WindowsFiles, AFileThatThisProgramReadsIsReplacedAllTheSame) {
+  put("road.xml", "old");
+  {
+    InputFile reading(folder_ / "road.xml");
+    EXPECT_EQ(whyNotWritten(folder_ / "road.xml", {.refusesChangedTarget = true, .flushesToDisk = true}), "");
+    EXPECT_EQ(get("road.xml"), "new");
+    EXPECT_EQ(reading.readAll(), "old");
+  }
+  // The old one leaves with its last reader.
+  EXPECT_EQ(fileCount(), 1U);
+}
+
 TEST_F(WindowsFiles, ATargetThatChangedMeanwhileIsTold) {
   put("road.txt", "old");
   AtomicFile file(folder_ / "road.txt", {.refusesChangedTarget = true});

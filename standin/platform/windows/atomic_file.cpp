@@ -241,7 +241,17 @@ void AtomicFile::commit() {
   if (wasSettled && state.policy.refusesChangedTarget) state.checkTarget();
   const std::wstring target = systemName(state.target);
   const DWORD how = MOVEFILE_REPLACE_EXISTING | (state.policy.flushesToDisk ? MOVEFILE_WRITE_THROUGH : 0);
-  if (MoveFileExW(state.draft.c_str(), target.c_str(), how) == 0) throw AtomicFileError(Problem::Writing, lastError());
+  if (MoveFileExW(state.draft.c_str(), target.c_str(), how) == 0) {
+    const DWORD reason = GetLastError();
+    // A name on which somebody has a file open isn't taken so, though they let others replace it: as this program does with
+    // a drawing that it saves in place. It is then taken as programs do that keep a file's identity; nobody may have the
+    // new one open meanwhile.
+    (void)state.lock.close();
+    if (!state.former || (reason != ERROR_ACCESS_DENIED && reason != ERROR_SHARING_VIOLATION) ||
+        ReplaceFileW(target.c_str(), state.draft.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) ==
+            0)
+      throw AtomicFileError(Problem::Writing, errorOf(reason));
+  }
   state.draft.clear();
   (void)state.lock.close();
 }
