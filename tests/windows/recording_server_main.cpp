@@ -42,8 +42,12 @@ int main(int argc, char** argv) {
   const auto record = std::make_shared<ExcelRecord>();
   record->failAtCall = number("fail=");
   const std::size_t vanishAt = number("vanish=");
-  record->onCall = [&](const std::string&) {
+  record->onCall = [&](const std::string& line) {
     if (record->callCount == vanishAt) TerminateProcess(GetCurrentProcess(), 1);
+    // Whoever asked looks whether a file stands there.
+    const std::string saving = "sheet.SaveAs(\"";
+    if (record->callCount != record->failAtCall && line.starts_with(saving))
+      std::ofstream(line.substr(saving.size(), line.find('"', saving.size()) - saving.size())) << "a workbook\n";
   };
   if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) return 3;
   const auto log = std::make_shared<ServerLog>();

@@ -11,6 +11,7 @@ namespace {
 /// this code is unloaded.
 class Themes {
  public:
+  [[nodiscard]] bool areThere() const { return static_cast<bool>(library_); }
   [[nodiscard]] bool areActive() const {
     return isAppThemed_ != nullptr && isThemeActive_ != nullptr && open_ != nullptr && close_ != nullptr &&
            drawBackground_ != nullptr && contentRectangle_ != nullptr && isAppThemed_() != FALSE &&
@@ -137,7 +138,9 @@ Image imageOf(HWND button, LONG_PTR style) {
 
 ThemedControls::ThemedControls() {
   static const ControlsContext context;
-  isActive_ = context.get() != INVALID_HANDLE_VALUE && ActivateActCtx(context.get(), &cookie_) != FALSE;
+  // The themed controls can't do without the library of themes; without it the classic ones do.
+  isActive_ =
+      themes().areThere() && context.get() != INVALID_HANDLE_VALUE && ActivateActCtx(context.get(), &cookie_) != FALSE;
   registerControls();
 }
 
