@@ -298,6 +298,9 @@ JobFile::JobFile(std::string text, JobFileSettings settings)
     errors.push_back(settings_.name + ":" + std::to_string(line) + ": " + words);
   };
   JobPaths paths;
+  const auto lines = static_cast<std::size_t>(std::count(text_.begin(), text_.end(), '\n')) + 1;
+  paths.reserve(lines);
+  entries_.reserve(lines);
   for (const auto& [path, what] : settings_.taken) paths.reads(0, path, JobPaths::kNoDrawing, what);
   std::unordered_map<std::string, std::uint32_t> drawings;
   std::vector<std::uint64_t> bytesOfDrawings;

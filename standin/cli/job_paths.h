@@ -28,6 +28,9 @@ class JobPaths {
     std::string words;
   };
 
+  /// Makes room for so many jobs.
+  void reserve(std::size_t jobs) { writers_.reserve(jobs); }
+
   /// The path from the root on, without links.
   [[nodiscard]] std::string wholePath(const std::string& path);
 
