@@ -40,10 +40,10 @@ const std::regex kSystemHeader(
 const std::regex kSystemWord(
     "\\b(fileno|fdopen|fseeko|ftello|fopencookie|fmemopen|popen|pclose|setenv|unsetenv|putenv|realpath|mkstemp|"
     "mkostemp|"
-    "mkdtemp|isatty|getpid|getline|strerror_r|localtime_r|gmtime_r|tzset|newlocale|uselocale|freelocale|sigaction|"
+    "mkdtemp|isatty|getpid|strerror_r|localtime_r|gmtime_r|tzset|newlocale|uselocale|freelocale|sigaction|"
     "dlopen|"
     "dlsym|iconv|iconv_open|fsync|mmap|flock|lockf|waitpid|execv|fork|kill|pipe2?|environ|tmpfile)\\s*\\(|"
-    "/proc/|/dev/|\\benviron\\b");
+    "(^|[^:])\\bgetline\\s*\\(|/proc/|/dev/|\\benviron\\b");  // std::getline is the language's
 
 std::vector<fs::path> sourcesBelow(const fs::path& folder) {
   std::vector<fs::path> sources;
