@@ -1,6 +1,7 @@
 #include "cli/batch_run.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -8,6 +9,7 @@
 #include "cli/failure.h"
 #include "cli/terminal.h"
 #include "standin_platform/interruption.h"
+#include "standin_platform/left_overs.h"
 
 namespace lvx::cli {
 
@@ -87,8 +89,18 @@ void BatchRun::startJobs(const Listener& listener) {
   }
 }
 
+/// Here once, so that the processes of the reports needn't list folders that fill up as the batch goes on.
+void BatchRun::clearOutputFolders(const Drawing& drawing) const {
+  for (std::size_t i = drawing.begun; i < drawing.jobs.size(); ++i) {
+    const Job job = jobs_.read(jobs_.entries()[drawing.jobs[i]]);
+    const std::filesystem::path folder = std::filesystem::path(job.options.report.stem).parent_path();
+    standin_platform::clearLeftOvers(folder.empty() ? "." : folder);
+  }
+}
+
 bool BatchRun::openDrawing(Drawing& drawing, const Listener& listener) {
   const std::size_t first = drawing.jobs[drawing.begun];
+  clearOutputFolders(drawing);
   try {
     drawing.process = std::make_unique<ProcessCopy>(
         [&](MessageLine& line) { return serveDrawing(jobs_, first, options_.worker, line); },

@@ -59,6 +59,7 @@ class BatchRun {
 
   void startJobs(const Listener& listener);
   bool startJob(Drawing& drawing, const Listener& listener);
+  void clearOutputFolders(const Drawing& drawing) const;
   bool openDrawing(Drawing& drawing, const Listener& listener);
   void hear(const Listener& listener);
   void tellEnd(JobResult result, const Listener& listener);

@@ -57,7 +57,7 @@ void clearLeftOvers(const fs::path& folder) noexcept {
   try {
     {
       const std::lock_guard guard(mutex);
-      if (!cleared.insert(fs::absolute(folder)).second) return;
+      if (!cleared.insert(fs::absolute(folder / "").lexically_normal()).second) return;
     }
     std::error_code end;
     for (fs::directory_iterator entry(folder, end); !end && entry != fs::directory_iterator(); entry.increment(end))

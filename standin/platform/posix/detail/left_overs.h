@@ -1,8 +1,8 @@
 #pragma once
 
-#include <filesystem>
 #include <string>
 
+#include "standin_platform/left_overs.h"
 #include "standin_platform/posix/detail/descriptor.h"
 
 /// Names for what isn't finished, and what dead runs left under such names: ".lvx-save-<process>-<moment>". Who makes such
@@ -16,8 +16,5 @@ namespace lvx::standin_platform {
 /// Puts the lock on. False where a run that clears up was faster and has taken the name away: another one is needed. A file
 /// system without locks counts as locked; nothing is cleared there.
 [[nodiscard]] bool lockUnfinished(const Descriptor& file);
-
-/// Takes away what dead runs left in `folder`, once in a process for each folder. What can't be taken away stays.
-void clearLeftOvers(const std::filesystem::path& folder) noexcept;
 
 }  // namespace lvx::standin_platform

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <filesystem>
 #include <string>
+
+#include "standin_platform/left_overs.h"
 
 /// Names for what isn't finished, and what dead runs left under such names: ".lvx-save-<process>-<moment>". Who makes such
 /// a file or folder keeps it open until it is done; the system closes it at the end of the process, however that comes. So
@@ -10,8 +11,5 @@ namespace lvx::standin_platform {
 
 /// A name of this process that nobody else takes. `attempt` tells names of one moment apart.
 [[nodiscard]] std::string unfinishedName(int attempt);
-
-/// Takes away what dead runs left in `folder`, once in a process for each folder. What can't be taken away stays.
-void clearLeftOvers(const std::filesystem::path& folder) noexcept;
 
 }  // namespace lvx::standin_platform
