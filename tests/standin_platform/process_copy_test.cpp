@@ -3,6 +3,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
@@ -99,6 +100,24 @@ TEST(ProcessCopy, HearsOfAnInterruption) {
   copy.interrupt();
   copy.interrupt();  // the second one isn't sent, which would end it at once
   EXPECT_EQ(copy.wait().exitCode, 130);
+}
+
+// A report that is begun while the user's Ctrl-C comes in hears the wish to stop twice.
+TEST(ProcessCopyDeathTest, TakesItsFirstInterruptionForTheFirstThoughItsModelHadOneBefore) {
+  EXPECT_EXIT(
+      {
+        watchInterruption();
+        (void)std::raise(SIGTERM);
+        ProcessCopy copy(
+            [](MessageLine&) {
+              std::this_thread::sleep_for(milliseconds(100));
+              return isInterrupted() ? 7 : 8;
+            },
+            Streams::Kept);
+        copy.interrupt();
+        std::_Exit(copy.wait().exitCode);
+      },
+      testing::ExitedWithCode(7), "");
 }
 
 TEST(ProcessCopy, GoesWithTheObject) {

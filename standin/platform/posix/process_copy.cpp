@@ -21,6 +21,7 @@
 #include <sys/prctl.h>
 #endif
 
+#include "standin_platform/interruption.h"
 #include "standin_platform/posix/detail/descriptor.h"
 #ifndef __linux__
 #include "standin_platform/temporary_stream.h"
@@ -161,6 +162,25 @@ void keepStreams(const Descriptor& output, const Descriptor& errors) {
     ::_exit(127);
 }
 
+/// Holds back the signals of an interruption, so that a copy has its handlers before it can hear one.
+class InterruptionPause {
+ public:
+  InterruptionPause() {
+    sigset_t held;
+    sigemptyset(&held);
+    sigaddset(&held, SIGINT);
+    sigaddset(&held, SIGTERM);
+    ::sigprocmask(SIG_BLOCK, &held, &former_);
+  }
+  InterruptionPause(const InterruptionPause&) = delete;
+  InterruptionPause& operator=(const InterruptionPause&) = delete;
+  ~InterruptionPause() { end(); }
+  void end() const { ::sigprocmask(SIG_SETMASK, &former_, nullptr); }
+
+ private:
+  sigset_t former_{};
+};
+
 }  // namespace
 
 ProcessCopy::ProcessCopy(const Work& work, Streams streams)
@@ -174,6 +194,7 @@ ProcessCopy::ProcessCopy(const Work& work, Streams streams)
   // What lies in the buffers of this process is this one's to write.
   std::fflush(nullptr);
   const pid_t parent = ::getpid();
+  const InterruptionPause pause;
   state_->number = ::fork();
   if (state_->number < 0) {
     state_->number = 0;
@@ -184,6 +205,9 @@ ProcessCopy::ProcessCopy(const Work& work, Streams streams)
     ::prctl(PR_SET_PDEATHSIG, SIGTERM);
 #endif
     if (::getppid() != parent) ::_exit(127);
+    // The first signal of this process is its first one, though it be the second of the process that it is a copy of.
+    if (isInterrupted()) watchInterruption();
+    pause.end();
     const int own = ends[1]->end.number();
     for (const int end : heldEnds())
       if (end != own) ::close(end);
