@@ -60,12 +60,18 @@ bool writeProjectionHtml(const CString& fileName, const CString& /*alignmentText
   const platform::FileHandle file = vnrxHost()->platform().openFile(fileName, "wb");
   if (!file) return false;  // quiet: the command goes on
   const std::int64_t time = services::headerTime();
-  CString page;
-  services::appendHtmlHeader(page, Message::ProjectionTitle, fileName, time);
+  // A page of all lines of a long road would be too long to hold at once.
+  services::NarrowPiece page(file.get());
+  CString part;
+  services::appendHtmlHeader(part, Message::ProjectionTitle, fileName, time);
+  page.add(part);
   const Labels labels;
-  for (const tsl* record : list) appendBlock(page, labels, *record);
-  page += L"</Body></HTML>";
-  services::writeNarrow(file.get(), page);
+  for (const tsl* record : list) {
+    part.clear();
+    appendBlock(part, labels, *record);
+    page.add(part);
+  }
+  page.add(L"</Body></HTML>");
   return true;
 }
 
