@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/utf8.h"
+#include "runtime/open_drawing.h"
 #include "standin_platform/atomic_file.h"
 #include "standin_platform/file_stamp.h"
 #include "standin_platform/folder_mark.h"
@@ -141,6 +142,11 @@ FileHandle ObservedPlatform::openFile(const CString& path, const char* mode) {
 // People and scripts of the stand-in write either mark where the system takes both.
 std::size_t ObservedPlatform::lastFolderMark(const CString& path) const {
   return standin_platform::lastFolderMark(std::wstring_view(path));
+}
+
+std::string ObservedPlatform::narrow(const CString& text) {
+  if (isInterrupted_ && isInterrupted_()) throw Interrupted();
+  return inner_.narrow(text);
 }
 
 bool ObservedPlatform::exists(const CString& path) {

@@ -21,8 +21,8 @@ namespace lvx::runtime {
 /// counts as done: the new workbook takes its place in one step.
 class ObservedPlatform final : public platform::Platform {
  public:
-  /// `inner` and `journal` must outlive this object and every file it opened. `isInterrupted` is asked when a file is
-  /// closed or removed; a file that an interruption cut off is given up, and none is removed any more then. `whyNoOutput` says why a path may not be written, or
+  /// `inner` and `journal` must outlive this object and every file it opened. `isInterrupted` is asked for each text
+  /// and when a file is closed or removed; a file that an interruption cut off is given up, and none is removed any more then. `whyNoOutput` says why a path may not be written, or
   /// nothing where it may.
   ObservedPlatform(platform::Platform& inner, FileJournal& journal, std::function<bool()> isInterrupted = {},
                    std::function<std::string(const std::string&)> whyNoOutput = {});
@@ -36,7 +36,9 @@ class ObservedPlatform final : public platform::Platform {
     return inner_.calendarTime(moment);
   }
   [[nodiscard]] platform::CString widenAnsi(std::string_view bytes) override { return inner_.widenAnsi(bytes); }
-  [[nodiscard]] std::string narrow(const platform::CString& text) override { return inner_.narrow(text); }
+  /// Each text of a report goes through here, so the writing of a long one ends here once the user wants to stop: throws
+  /// Interrupted.
+  [[nodiscard]] std::string narrow(const platform::CString& text) override;
   platform::RegistryAnswer registryText(const platform::CString& subKey, const platform::CString& valueName,
                                         platform::CString& text) override {
     return inner_.registryText(subKey, valueName, text);

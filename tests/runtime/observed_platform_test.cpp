@@ -10,6 +10,7 @@
 
 #include "platform/system_platform.h"
 #include "platform/utf8.h"
+#include "runtime/open_drawing.h"
 #include "support/ordinary_user.h"
 #include "support/run_program.h"
 
@@ -126,6 +127,16 @@ TEST_F(ObservedPlatformTest, AnInterruptionLeavesNothing) {
   file.reset();
   EXPECT_EQ(fileCount(), 0U);
   EXPECT_EQ(journal_.events().at(0).fate, FileFate::Failed);
+}
+
+TEST_F(ObservedPlatformTest, AnInterruptionEndsALongReportAtItsNextText) {
+  put("road.txt", "old");
+  EXPECT_EQ(platform_.narrow(L"0+110.000"), "0+110.000");
+  auto file = platform_.openFile(wide("road.txt"), "wb");
+  interrupted_ = true;
+  EXPECT_THROW((void)platform_.narrow(L"0+120.000"), Interrupted);
+  file.reset();
+  EXPECT_EQ(fileBytes(folder_ / "road.txt"), "old");
 }
 
 TEST_F(ObservedPlatformTest, AnInterruptionLeavesAWorkbookThatWasToMakeWay) {
