@@ -30,7 +30,7 @@ class AutomationScope {
   ~AutomationScope();
 
  private:
-  bool isOpen_ = false;
+  [[maybe_unused]] bool isOpen_ = false;  // where the system has no such programs, nobody asks
 };
 
 /// True where programs can be worked from outside on this system at all.

@@ -33,7 +33,7 @@ class WindowInterface final : public host::UserInterface {
   [[nodiscard]] std::uint32_t buttonFaceColour() override;
 
  private:
-  void* mainWindow_;
+  [[maybe_unused]] void* mainWindow_;  // where the system has no such windows, nobody asks
   CString title_;
 };
 

@@ -85,6 +85,7 @@ BatchJournal::BatchJournal(const JobFile& jobs, JobKeys& keys, const options::Op
       std::set<std::string> keysOfBegun;
       for (std::string key; begun >> key;) keysOfBegun.insert(key);
       plan_ = planResume(jobs, keys, path_, keysOfBegun);
+      keepBegun(keysOfBegun);
     }
     writer_ = std::make_unique<JournalWriter>(
         path_, options.batch.resume ? JournalWriter::Begin::GoOn : JournalWriter::Begin::Anew);
@@ -100,12 +101,26 @@ Failure BatchJournal::notWritten(const std::exception& error) const {
   return {kNotWritten, "batch: can't write the journal '" + path_ + "': " + error.what()};
 }
 
-void BatchJournal::begins(std::size_t job) {
-  running_.insert(JobKeys::options(jobs_.read(jobs_.entries()[job])));
+/// What a killed batch began stays written down until it is done: this one may be killed before it comes to that.
+void BatchJournal::keepBegun(const std::set<std::string>& begun) {
+  if (begun.empty()) return;
+  for (std::size_t i = 0; i < jobs_.entries().size() && i < plan_->reasons.size(); ++i) {
+    if (plan_->reasons[i] == RunReason::Done) continue;
+    std::string key = JobKeys::options(jobs_.read(jobs_.entries()[i]));
+    if (begun.contains(key)) running_.insert(std::move(key));
+  }
+}
+
+std::string BatchJournal::runningText() const {
   std::string text;
   for (const std::string& key : running_) text.append(key).append("\n");
+  return text;
+}
+
+void BatchJournal::begins(std::size_t job) {
+  running_.insert(JobKeys::options(jobs_.read(jobs_.entries()[job])));
   try {
-    runningFile_->put(std::move(text));
+    runningFile_->put(runningText());
   } catch (const std::system_error& error) {
     throw notWritten(error);
   }
@@ -130,6 +145,16 @@ void BatchJournal::saves(const JobResult& result) {
   }
 }
 
-void BatchJournal::close() { runningFile_->remove(); }
+void BatchJournal::close() {
+  if (running_.empty()) {
+    runningFile_->remove();
+    return;
+  }
+  try {
+    runningFile_->put(runningText());
+  } catch (const std::system_error& error) {
+    throw notWritten(error);
+  }
+}
 
 }  // namespace lvx::cli

@@ -22,7 +22,8 @@ namespace lvx::cli {
 [[nodiscard]] journal::JobRecord recordOf(const JobFile& jobs, JobKeys& keys, const JobResult& result);
 
 /// The journal of a batch that runs. Beside it lies "….running" for as long as the batch, which holds the keys of the jobs
-/// that run, so that they are known after a kill; no two batches write one journal at a time.
+/// that run, and of those that a killed batch before it began and that this one hasn't come to, so that they are known after
+/// a kill; no two batches write one journal at a time.
 class BatchJournal {
  public:
   /// The file beside a journal.
@@ -42,10 +43,12 @@ class BatchJournal {
   /// In the process of a report that is about to save its drawing in place.
   void saves(const JobResult& result);
 
-  /// No process of the batch runs any more.
+  /// No process of the batch runs any more. Throws as the others do.
   void close();
 
  private:
+  void keepBegun(const std::set<std::string>& begun);
+  [[nodiscard]] std::string runningText() const;
   [[nodiscard]] Failure notWritten(const std::exception& error) const;
 
   const JobFile& jobs_;
