@@ -196,7 +196,7 @@ void BatchRun::ended(Drawing& drawing, const Listener& listener) {
     --running_;
     JobResult result;
     result.job = job;
-    result.exitCode = isInterrupted_ ? kInterrupted : std::max<int>(code, kNotWritten);
+    result.exitCode = isInterrupted() || code == kInterrupted ? kInterrupted : std::max<int>(code, kNotWritten);
     result.errors = words;
     tellEnd(std::move(result), listener);
   }
@@ -204,7 +204,7 @@ void BatchRun::ended(Drawing& drawing, const Listener& listener) {
   if (!std::exchange(drawing.isReading, false)) return;
   --running_;
   // It would end so again.
-  if (!isInterrupted_) failAll(drawing, std::max<int>(code, kNotWritten), words, listener);
+  if (!isInterrupted()) failAll(drawing, std::max<int>(code, kNotWritten), words, listener);
 }
 
 void BatchRun::failAll(Drawing& drawing, int exitCode, const std::string& words, const Listener& listener) {

@@ -75,13 +75,14 @@ class DrawingServer {
     if (message.result.exitCode != kDone) message.kind = WorkerMessage::Kind::NoDrawing;
     message.result.drawing = drawingHashes_;
     if (!line_.send(packed(message)) || message.result.exitCode != kDone) return message.result.exitCode;
-    while (isTold_ || !running_.empty()) {
+    // After an interruption it waits for no more jobs: one that it was told then is answered by its end.
+    while ((isTold_ && !isInterrupted()) || !running_.empty()) {
       start();
       wait();
       hear();
       collect();
     }
-    return kDone;
+    return isInterrupted() ? kInterrupted : kDone;
   }
 
  private:
