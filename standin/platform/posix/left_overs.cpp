@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <mutex>
-#include <set>
 #include <string_view>
 #include <system_error>
 
@@ -12,6 +10,8 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "standin_platform/detail/left_over.h"
 
 namespace lvx::standin_platform {
 
@@ -37,6 +37,8 @@ bool leadsTo(const fs::path& path, const Descriptor& file) {
          named.st_ino == open.st_ino;
 }
 
+}  // namespace
+
 void clearLeftOver(const fs::path& path) {
   if (!isUnfinishedName(path.filename().native())) return;
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
@@ -44,8 +46,6 @@ void clearLeftOver(const fs::path& path) {
   std::error_code stays;
   fs::remove_all(path, stays);
 }
-
-}  // namespace
 
 std::string unfinishedName(int attempt) {
   const auto moment = std::chrono::system_clock::now().time_since_epoch().count() + attempt;
@@ -56,22 +56,6 @@ bool lockUnfinished(const Descriptor& file) {
   if (::flock(file.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
   struct stat status {};
   return ::fstat(file.number(), &status) == 0 && status.st_nlink > 0;
-}
-
-void clearLeftOvers(const fs::path& folder) noexcept {
-  static std::mutex mutex;
-  static std::set<fs::path> cleared;
-  try {
-    {
-      const std::lock_guard guard(mutex);
-      if (!cleared.insert(fs::absolute(folder / "").lexically_normal()).second) return;
-    }
-    std::error_code end;
-    for (fs::directory_iterator entry(folder, end); !end && entry != fs::directory_iterator(); entry.increment(end))
-      clearLeftOver(entry->path());
-  } catch (const std::exception&) {
-    // Short of memory: the next run has another chance, and this one its own work.
-  }
 }
 
 }  // namespace lvx::standin_platform

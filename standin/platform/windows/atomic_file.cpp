@@ -20,28 +20,6 @@ namespace {
 
 constexpr DWORD kSharedWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-const char* wordsFor(Problem problem) {
-  switch (problem) {
-    case Problem::Link:
-      return "a link can't be followed";
-    case Problem::LinkLoop:
-      return "the link points to itself";
-    case Problem::NotRegular:
-      return "the target is not a regular file";
-    case Problem::NoNewFile:
-      return "the folder takes no new file";
-    case Problem::NoReader:
-      return "no program reads from the pipe";
-    case Problem::Permissions:
-      return "the permissions can't be kept";
-    case Problem::Writing:
-      return "the file can't be written";
-    case Problem::TargetChanged:
-      return "another program wrote the file meanwhile";
-  }
-  return "";
-}
-
 /// The path behind symbolic links.
 fs::path followLinks(const fs::path& path) {
   const std::wstring name = systemName(path);
@@ -77,11 +55,6 @@ struct Former {
 };
 
 }  // namespace
-
-AtomicFileError::AtomicFileError(Problem problem, std::error_code reason)
-    : std::runtime_error(wordsFor(problem) + (reason ? ": " + reason.message() : std::string())),
-      problem_(problem),
-      reason_(reason) {}
 
 struct AtomicFile::State {
   State() = default;

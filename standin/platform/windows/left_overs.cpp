@@ -2,12 +2,10 @@
 
 #include <algorithm>
 #include <chrono>
-#include <exception>
-#include <mutex>
-#include <set>
 #include <string_view>
 #include <system_error>
 
+#include "standin_platform/detail/left_over.h"
 #include "standin_platform/windows/detail/handle.h"
 #include "standin_platform/windows/detail/names.h"
 
@@ -28,6 +26,8 @@ bool isUnfinishedName(std::wstring_view name) {
   return digits > 0 && name.substr(digits).starts_with(L'-');
 }
 
+}  // namespace
+
 void clearLeftOver(const fs::path& path) {
   if (!isUnfinishedName(path.filename().native())) return;
   const std::wstring name = systemName(path);
@@ -44,27 +44,9 @@ void clearLeftOver(const fs::path& path) {
   fs::remove_all(name, stays);
 }
 
-}  // namespace
-
 std::string unfinishedName(int attempt) {
   const auto moment = std::chrono::system_clock::now().time_since_epoch().count() + attempt;
   return std::string(kBegin) + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(moment);
-}
-
-void clearLeftOvers(const fs::path& folder) noexcept {
-  static std::mutex mutex;
-  static std::set<fs::path> cleared;
-  try {
-    {
-      const std::lock_guard guard(mutex);
-      if (!cleared.insert(fs::absolute(folder / "").lexically_normal()).second) return;
-    }
-    std::error_code end;
-    for (fs::directory_iterator entry(folder, end); !end && entry != fs::directory_iterator(); entry.increment(end))
-      clearLeftOver(entry->path());
-  } catch (const std::exception&) {
-    // Short of memory: the next run has another chance, and this one its own work.
-  }
 }
 
 }  // namespace lvx::standin_platform
