@@ -32,6 +32,7 @@
 #include "standin_platform/atomic_file.h"
 #include "standin_platform/file_stamp.h"
 #include "standin_platform/interruption.h"
+#include "standin_platform/process_copy.h"
 #include "standin_platform/standard_input.h"
 #include "version/version.h"
 
@@ -92,6 +93,20 @@ void requireHosts(const JobFile& jobs, const std::string& name) {
     }
   }
   if (!errors.empty()) throw Failure(kUsage, jobFileErrors(std::move(errors)));
+}
+
+/// In a process that does a part of a batch, where it began as this program does.
+int serveBatch(standin_platform::BegunCopy& begun, const options::Options& options) {
+  answer().release();  // the batch answers for it
+  const JobFile jobs(settingsOf(options));
+  WorkerOptions worker;
+  worker.hashes = options.batch.journal || options.batch.summary;
+  if (options.batch.journal)
+    worker.saving = [&](const Job& job, const JobResult& result) {
+      BatchJournal::savesBeside(*options.batch.journal, job, result);
+    };
+  return begun.name == kDrawingWork ? serveDrawing(jobs, begun.request, worker, begun.line)
+                                    : serveReport(jobs, begun.request, worker, begun.line);
 }
 
 /// Before hours of work for nothing.
@@ -266,6 +281,7 @@ Ran runJobs(BatchRun& run, const BatchRun::Listener& listener) {
 ExitCode runBatch(const options::Options& options) {
   const auto start = std::chrono::steady_clock::now();
   const options::BatchOptions& batch = options.batch;
+  if (auto begun = standin_platform::begunCopy()) return static_cast<ExitCode>(serveBatch(*begun, options));
   requireDifferentFiles(batch);
   const JobFile jobs(readSteeringFile(batch.jobs, "batch"), settingsOf(options));
   if (batch.summary) requireWritable(*batch.summary);
@@ -284,12 +300,12 @@ ExitCode runBatch(const options::Options& options) {
   running.worker.hashes = batch.journal || batch.summary;
   if (batch.journal) {
     journal.emplace(jobs, keys, options);
-    running.worker.saving = [&](const JobResult& result) { journal->saves(result); };
+    running.worker.saving = [&](const Job& job, const JobResult& result) { journal->saves(job, result); };
   }
   if (journal && journal->plan()) {
     const ResumePlan& plan = *journal->plan();
     for (const RunReason reason : plan.reasons) running.skipped.push_back(reason == RunReason::Done);
-    running.worker.replaces = plan.replaces;
+    running.replaces = plan.replaces;
     end.doneBefore = plan.done;
     keeper.summary.files = plan.files;
     keeper.summary.bytes = plan.bytes;

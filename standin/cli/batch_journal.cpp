@@ -51,7 +51,10 @@ std::unique_ptr<LockedFile> lockedFile(const std::string& path, const std::strin
 }  // namespace
 
 JobRecord recordOf(const JobFile& jobs, JobKeys& keys, const JobResult& result) {
-  const Job job = jobs.read(jobs.entries()[result.job]);
+  return recordOf(jobs.read(jobs.entries()[result.job]), keys, result);
+}
+
+JobRecord recordOf(const Job& job, JobKeys& keys, const JobResult& result) {
   JobRecord record;
   record.line = job.line;
   record.command = commandName(job.command);
@@ -97,8 +100,8 @@ BatchJournal::BatchJournal(const JobFile& jobs, JobKeys& keys, const options::Op
   }
 }
 
-Failure BatchJournal::notWritten(const std::exception& error) const {
-  return {kNotWritten, "batch: can't write the journal '" + path_ + "': " + error.what()};
+Failure BatchJournal::notWritten(const std::string& journal, const std::exception& error) {
+  return {kNotWritten, "batch: can't write the journal '" + journal + "': " + error.what()};
 }
 
 /// What a killed batch began stays written down until it is done: this one may be killed before it comes to that.
@@ -122,7 +125,7 @@ void BatchJournal::begins(std::size_t job) {
   try {
     runningFile_->put(runningText());
   } catch (const std::system_error& error) {
-    throw notWritten(error);
+    throw notWritten(path_, error);
   }
 }
 
@@ -130,18 +133,35 @@ void BatchJournal::ended(const JobRecord& record) {
   try {
     writer_->add(record);
   } catch (const std::system_error& error) {
-    throw notWritten(error);
+    throw notWritten(path_, error);
   }
   running_.erase(record.key.options);
 }
 
-void BatchJournal::saves(const JobResult& result) {
-  JobRecord record = recordOf(jobs_, keys_, result);
+namespace {
+
+JobRecord savingRecord(const Job& job, JobKeys& keys, const JobResult& result) {
+  JobRecord record = recordOf(job, keys, result);
   record.isSaving = true;
+  return record;
+}
+
+}  // namespace
+
+void BatchJournal::saves(const Job& job, const JobResult& result) {
   try {
-    writer_->add(record);
+    writer_->add(savingRecord(job, keys_, result));
   } catch (const std::system_error& error) {
-    throw notWritten(error);
+    throw notWritten(path_, error);
+  }
+}
+
+void BatchJournal::savesBeside(const std::string& journal, const Job& job, const JobResult& result) {
+  try {
+    JobKeys keys;
+    JournalWriter(journal, JournalWriter::Begin::GoOn).add(savingRecord(job, keys, result));
+  } catch (const std::system_error& error) {
+    throw notWritten(journal, error);
   }
 }
 
@@ -153,7 +173,7 @@ void BatchJournal::close() {
   try {
     runningFile_->put(runningText());
   } catch (const std::system_error& error) {
-    throw notWritten(error);
+    throw notWritten(path_, error);
   }
 }
 

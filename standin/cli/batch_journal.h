@@ -20,6 +20,7 @@ namespace lvx::cli {
 
 /// The line of a journal for a job that ended.
 [[nodiscard]] journal::JobRecord recordOf(const JobFile& jobs, JobKeys& keys, const JobResult& result);
+[[nodiscard]] journal::JobRecord recordOf(const Job& job, JobKeys& keys, const JobResult& result);
 
 /// The journal of a batch that runs. Beside it lies "….running" for as long as the batch, which holds the keys of the jobs
 /// that run, and of those that a killed batch before it began and that this one hasn't come to, so that they are known after
@@ -41,7 +42,9 @@ class BatchJournal {
   void begins(std::size_t job);
   void ended(const journal::JobRecord& record);
   /// In the process of a report that is about to save its drawing in place.
-  void saves(const JobResult& result);
+  void saves(const Job& job, const JobResult& result);
+  /// The same where that process has nothing of the batch's but its options.
+  static void savesBeside(const std::string& journal, const Job& job, const JobResult& result);
 
   /// No process of the batch runs any more. Throws as the others do.
   void close();
@@ -49,7 +52,7 @@ class BatchJournal {
  private:
   void keepBegun(const std::set<std::string>& begun);
   [[nodiscard]] std::string runningText() const;
-  [[nodiscard]] Failure notWritten(const std::exception& error) const;
+  [[nodiscard]] static Failure notWritten(const std::string& journal, const std::exception& error);
 
   const JobFile& jobs_;
   JobKeys& keys_;

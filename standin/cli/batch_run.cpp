@@ -98,12 +98,18 @@ void BatchRun::clearOutputFolders(const Drawing& drawing) const {
   }
 }
 
+std::string BatchRun::told(std::size_t job) const {
+  const JobFile::Entry& entry = jobs_.entries()[job];
+  return packed(ToldJob{job, entry.line, std::string(jobs_.textOf(entry)), entry.savesInPlace,
+                        !options_.replaces.empty() && options_.replaces[job]});
+}
+
 bool BatchRun::openDrawing(Drawing& drawing, const Listener& listener) {
-  const std::size_t first = drawing.jobs[drawing.begun];
   clearOutputFolders(drawing);
   try {
     drawing.process = std::make_unique<ProcessCopy>(
-        [&](MessageLine& line) { return serveDrawing(jobs_, first, options_.worker, line); },
+        kDrawingWork, told(drawing.jobs[drawing.begun]),
+        [&](const std::string& first, MessageLine& line) { return serveDrawing(jobs_, first, options_.worker, line); },
         ProcessCopy::Streams::Shared);
   } catch (const std::system_error& error) {
     // One that ends makes room; without one there is nothing to wait for.
@@ -135,7 +141,7 @@ bool BatchRun::startJob(Drawing& drawing, const Listener& listener) {
   begun_[job] = true;
   drawing.running.push_back(job);
   ++running_;
-  drawing.process->line().send(packedJob(job));  // where it is gone, `hear` finds that out
+  drawing.process->line().send(told(job));  // where it is gone, `hear` finds that out
   return true;
 }
 

@@ -23,6 +23,8 @@ struct BatchRunOptions {
   WorkerOptions worker;
   /// By the place of a job: it isn't run. Empty: all are.
   std::vector<bool> skipped;
+  /// By the place of a job: ToldJob::replaces. Empty: none does.
+  std::vector<bool> replaces;
 };
 
 /// Runs the jobs of a job file: a process for each drawing, which reads it once, and in that a process for each report. The
@@ -60,6 +62,7 @@ class BatchRun {
   void startJobs(const Listener& listener);
   bool startJob(Drawing& drawing, const Listener& listener);
   void clearOutputFolders(const Drawing& drawing) const;
+  [[nodiscard]] std::string told(std::size_t job) const;
   bool openDrawing(Drawing& drawing, const Listener& listener);
   void hear(const Listener& listener);
   void tellEnd(JobResult result, const Listener& listener);

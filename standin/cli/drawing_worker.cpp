@@ -68,10 +68,17 @@ class DrawingServer {
  public:
   DrawingServer(const JobFile& jobs, const WorkerOptions& options, MessageLine& line)
       : jobs_(jobs), options_(options), line_(line) {}
+  /// For a report over what another one has read.
+  DrawingServer(const DrawingServer& other, MessageLine& line)
+      : jobs_(other.jobs_),
+        options_(other.options_),
+        line_(line),
+        drawing_(other.drawing_),
+        drawingHashes_(other.drawingHashes_) {}
 
-  int serve(std::size_t first) {
+  int serve(const std::string& first) {
     WorkerMessage message;
-    message.result.exitCode = load(first, message.result.errors);
+    message.result.exitCode = load(unpackedJob(first), message.result.errors);
     if (message.result.exitCode != kDone) message.kind = WorkerMessage::Kind::NoDrawing;
     message.result.drawing = drawingHashes_;
     if (!line_.send(packed(message)) || message.result.exitCode != kDone) return message.result.exitCode;
@@ -85,10 +92,23 @@ class DrawingServer {
     return isInterrupted() ? kInterrupted : kDone;
   }
 
+  /// In the report's own process.
+  int serveReport(const std::string& told) {
+    answer().release();  // the batch answers for its reports, from what they say
+    const ToldJob job = unpackedJob(told);
+    if (!drawing_) {
+      std::string words;
+      const int code = load(job, words);
+      tell(words);
+      if (code != kDone) return code;
+    }
+    return runReport(job);
+  }
+
  private:
   /// The exit code for reports of a drawing that can't be read, with its words.
-  int load(std::size_t first, std::string& words) {
-    const Job job = jobs_.read(jobs_.entries()[first]);
+  int load(const ToldJob& told, std::string& words) {
+    const Job job = jobs_.read(told.line, told.text);
     try {
       const auto before = stamps(job.options);
       hashDrawing(job.options);
@@ -123,11 +143,13 @@ class DrawingServer {
 
   void start() {
     while (!waiting_.empty()) {
-      const std::size_t index = waiting_.front();
+      const std::size_t index = unpackedJob(waiting_.front()).job;
       try {
         Running report{index, Clock::now(), nullptr, {}};
-        report.process = std::make_unique<ProcessCopy>([&](MessageLine& line) { return runReport(index, line); },
-                                                       ProcessCopy::Streams::Kept);
+        report.process = std::make_unique<ProcessCopy>(
+            kReportWork, waiting_.front(),
+            [&](const std::string& told, MessageLine& line) { return DrawingServer(*this, line).serveReport(told); },
+            ProcessCopy::Streams::Kept);
         running_.push_back(std::move(report));
       } catch (const std::system_error& error) {
         if (!running_.empty()) return;
@@ -141,29 +163,25 @@ class DrawingServer {
     }
   }
 
-  /// In the report's own process.
-  int runReport(std::size_t index, MessageLine& line) {
-    answer().release();  // the batch answers for its reports, from what they say
+  int runReport(const ToldJob& told) {
     ReportRun run;
     run.drawing = drawing_;
     std::vector<std::string> savedDrawing;
-    const bool savesInPlace = options_.hashes && jobs_.entries()[index].savesInPlace;
     const int code = runGuarded([&] {
-      Job job = jobs_.read(jobs_.entries()[index]);
-      if (!options_.replaces.empty() && options_.replaces[index] && !job.options.common.keep)
-        job.options.common.overwrite = true;
-      if (savesInPlace)
+      Job job = jobs_.read(told.line, told.text);
+      if (told.replaces && !job.options.common.keep) job.options.common.overwrite = true;
+      if (options_.hashes && told.savesInPlace)
         run.beforeSaving = [&](ExitCode ends, const NewFiles& files) {
           savedDrawing = savedHashes(job.options, files);
-          tellSaving(index, ends, run, files, savedDrawing);
+          tellSaving(told.job, job, ends, run, files, savedDrawing);
         };
       const ExitCode ended = runReportCommand(job.command, job.options, run);
       finishOutput();
       return static_cast<int>(ended);
     });
     if (code != kDone && !savedDrawing.empty())
-      savedDrawing = savedHashes(jobs_.read(jobs_.entries()[index]).options, {});
-    line.send(bytesOf(Json::array({filesOf(outputFiles(run.written)), run.kept, savedDrawing})));
+      savedDrawing = savedHashes(jobs_.read(told.line, told.text).options, {});
+    line_.send(bytesOf(Json::array({filesOf(outputFiles(run.written)), run.kept, savedDrawing, drawingHashes_})));
     return code;
   }
 
@@ -179,7 +197,7 @@ class DrawingServer {
     return hashes;
   }
 
-  void tellSaving(std::size_t index, ExitCode ends, const ReportRun& run, const NewFiles& files,
+  void tellSaving(std::size_t index, const Job& job, ExitCode ends, const ReportRun& run, const NewFiles& files,
                   const std::vector<std::string>& savedDrawing) const {
     if (!options_.saving) return;
     JobResult result;
@@ -194,7 +212,7 @@ class DrawingServer {
     result.kept = run.kept;
     result.drawing = drawingHashes_;
     result.savedDrawing = savedDrawing;
-    options_.saving(result);
+    options_.saving(job, result);
   }
 
   [[nodiscard]] std::vector<OutputFile> outputFiles(const std::vector<std::string>& paths) const {
@@ -233,7 +251,7 @@ class DrawingServer {
     // Without who asked nobody wants the reports.
     if (!isTold_) interruptAll();
     if (!isTold_ || isInterrupted()) return;
-    for (const std::string& message : messages) waiting_.push_back(Json::from_msgpack(message).get<std::size_t>());
+    for (const std::string& message : messages) waiting_.push_back(message);
   }
 
   void collect() {
@@ -251,8 +269,10 @@ class DrawingServer {
         message.result.written = unpackedFiles(said[0]);
         message.result.kept = textsOf(said[1]);
         message.result.savedDrawing = textsOf(said[2]);
+        message.result.drawing = textsOf(said[3]);
+      } else {
+        message.result.drawing = drawingHashes_;
       }
-      message.result.drawing = drawingHashes_;
       line_.send(packed(message));
       report = running_.erase(report);
     }
@@ -264,7 +284,7 @@ class DrawingServer {
   bool isTold_ = true;
   runtime::OpenDrawingRef drawing_;
   std::vector<std::string> drawingHashes_;
-  std::deque<std::size_t> waiting_;
+  std::deque<std::string> waiting_;  ///< as they were told
   std::list<Running> running_;
 };
 
@@ -284,10 +304,22 @@ WorkerMessage unpackedMessage(std::string_view bytes) {
            list[5].get<std::string>(), unpackedFiles(list[6]), textsOf(list[7]), textsOf(list[8]), textsOf(list[9])}};
 }
 
-std::string packedJob(std::size_t job) { return bytesOf(Json(job)); }
+std::string packed(const ToldJob& job) {
+  return bytesOf(Json::array({job.job, job.line, job.text, job.savesInPlace, job.replaces}));
+}
 
-int serveDrawing(const JobFile& jobs, std::size_t first, const WorkerOptions& options, MessageLine& line) {
+ToldJob unpackedJob(std::string_view bytes) {
+  const Json list = Json::from_msgpack(bytes.begin(), bytes.end());
+  return {list[0].get<std::size_t>(), list[1].get<std::size_t>(), list[2].get<std::string>(), list[3].get<bool>(),
+          list[4].get<bool>()};
+}
+
+int serveDrawing(const JobFile& jobs, const std::string& first, const WorkerOptions& options, MessageLine& line) {
   return DrawingServer(jobs, options, line).serve(first);
+}
+
+int serveReport(const JobFile& jobs, const std::string& told, const WorkerOptions& options, MessageLine& line) {
+  return DrawingServer(jobs, options, line).serveReport(told);
 }
 
 }  // namespace lvx::cli

@@ -37,12 +37,19 @@ struct JobResult {
 struct WorkerOptions {
   /// Results tell the hash of each file that was written, and of the drawing's.
   bool hashes = false;
-  /// By the place of a job: it replaces what stands under the names of its files, unless it is to keep them by an option.
-  /// Empty: none does.
-  std::vector<bool> replaces;
   /// With hashes, told in the report's own process before a drawing that is saved in place takes its names: how the
   /// job will have ended. What it throws leaves the drawing as it was. May be empty.
-  std::function<void(const JobResult&)> saving;
+  std::function<void(const Job& job, const JobResult& result)> saving;
+};
+
+/// A job as it is told to the drawing's process, which needs nothing else of the job file.
+struct ToldJob {
+  std::size_t job = 0;   ///< by its place among the entries of the job file
+  std::size_t line = 0;  ///< of the job file, from 1
+  std::string text;      ///< of that line
+  bool savesInPlace = false;
+  /// It replaces what stands under the names of its files, unless it is to keep them by an option.
+  bool replaces = false;
 };
 
 /// What a drawing's process says on its line.
@@ -59,13 +66,22 @@ struct WorkerMessage {
 [[nodiscard]] std::string packed(const WorkerMessage& message);
 [[nodiscard]] WorkerMessage unpackedMessage(std::string_view bytes);
 /// What is said to it: run this job.
-[[nodiscard]] std::string packedJob(std::size_t job);
+[[nodiscard]] std::string packed(const ToldJob& job);
+[[nodiscard]] ToldJob unpackedJob(std::string_view bytes);
 
-/// The work of that process: reads the drawing of the job `first`, then runs what it is told on `line`, all at once, until
-/// the line is closed and the last report has ended. An interruption is passed on to the reports. Where the system has no
-/// process or file for a report while others run, it waits for one of them to end. `options` live longer than all
-/// of it.
-int serveDrawing(const JobFile& jobs, std::size_t first, const WorkerOptions& options,
+/// The works of the processes, by the names that programs which were begun again know them by
+/// (standin_platform::begunCopy).
+inline constexpr std::string_view kDrawingWork = "drawing";
+inline constexpr std::string_view kReportWork = "report";
+
+/// The work of that process: reads the drawing of the job `first`, as packed, then runs what it is told on `line`, all at
+/// once, until the line is closed and the last report has ended. An interruption is passed on to the reports. Where the
+/// system has no process or file for a report while others run, it waits for one of them to end. `jobs` need no
+/// lines. `options` live longer than all of it.
+int serveDrawing(const JobFile& jobs, const std::string& first, const WorkerOptions& options,
                  standin_platform::MessageLine& line);
+/// The work of a report's process that is no copy of its drawing's: reads the drawing too.
+int serveReport(const JobFile& jobs, const std::string& told, const WorkerOptions& options,
+                standin_platform::MessageLine& line);
 
 }  // namespace lvx::cli

@@ -348,9 +348,14 @@ void JobFile::keepShare(const Share& share, const std::vector<std::uint64_t>& by
   entries_.shrink_to_fit();
 }
 
+JobFile::JobFile(JobFileSettings settings)
+    : settings_(std::move(settings)), reader_(std::make_unique<Reader>(settings_)) {}
+
 JobFile::~JobFile() = default;
 
-Job JobFile::read(const Entry& entry) const { return reader_->read(entry.line, textOf(entry)); }
+Job JobFile::read(const Entry& entry) const { return read(entry.line, textOf(entry)); }
+
+Job JobFile::read(std::size_t line, std::string_view text) const { return reader_->read(line, text); }
 
 std::string jobFileErrors(std::vector<std::string> errors) {
   constexpr std::size_t kMostTold = 20;

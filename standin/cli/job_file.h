@@ -75,6 +75,8 @@ class JobFile {
   /// its command doesn't know, or that writes what another one writes or reads. Jobs of one drawing may save it in place,
   /// one after the other. O(n).
   JobFile(std::string text, JobFileSettings settings);
+  /// One without lines, for jobs whose lines come one by one from a process that has checked them.
+  explicit JobFile(JobFileSettings settings);
   JobFile(const JobFile&) = delete;
   JobFile& operator=(const JobFile&) = delete;
   ~JobFile();
@@ -84,6 +86,8 @@ class JobFile {
   /// How many drawings the jobs read, those beside the share too.
   [[nodiscard]] std::size_t drawingCount() const { return drawingCount_; }
   [[nodiscard]] Job read(const Entry& entry) const;
+  /// A line that was checked, by its number.
+  [[nodiscard]] Job read(std::size_t line, std::string_view text) const;
   /// The line of a job as it stands in the file.
   [[nodiscard]] std::string_view textOf(const Entry& entry) const {
     return std::string_view(text_).substr(entry.offset, entry.size);

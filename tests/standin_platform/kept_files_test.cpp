@@ -33,7 +33,8 @@ TEST_F(KeptFilesTest, GrowAtTheirEndAlsoFromACopyOfTheProcess) {
   AppendFile file(path_, false);
   file.append("one\n");
   ProcessCopy copy(
-      [&](MessageLine&) {
+      "work", "",
+      [&](const std::string& /*request*/, MessageLine&) {
         file.append("two\n");
         return 0;
       },
@@ -89,7 +90,8 @@ TEST_F(KeptFilesTest, BelongToOneProgramAtATime) {
 TEST_F(KeptFilesTest, AreHeldByCopiesOfTheProcessUntilTheyEnd) {
   auto file = std::make_unique<LockedFile>(path_, never);
   ProcessCopy copy(
-      [](MessageLine& line) {
+      "work", "",
+      [](const std::string& /*request*/, MessageLine& line) {
         std::vector<std::string> messages;
         MessageLine* const lines[] = {&line};
         while (line.take(messages) && messages.empty()) waitForMessages(lines, std::chrono::milliseconds(1000));

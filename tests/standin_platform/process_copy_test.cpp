@@ -31,7 +31,8 @@ std::vector<std::string> allOf(MessageLine& line) {
 TEST(ProcessCopy, SeesTheMemoryOfThisProcessAndChangesItsOwnAlone) {
   std::string shared = "before";
   ProcessCopy copy(
-      [&](MessageLine& line) {
+      "work", "",
+      [&](const std::string& /*request*/, MessageLine& line) {
         line.send(shared);
         shared = "after";
         line.send(shared);
@@ -45,7 +46,8 @@ TEST(ProcessCopy, SeesTheMemoryOfThisProcessAndChangesItsOwnAlone) {
 
 TEST(ProcessCopy, KeepsWhatItSaysAndHasNothingToRead) {
   ProcessCopy copy(
-      [](MessageLine&) {
+      "work", "",
+      [](const std::string& /*request*/, MessageLine&) {
         std::printf("out %d\n", std::getchar());
         std::fputs("err\n", stderr);
         return 0;
@@ -58,7 +60,8 @@ TEST(ProcessCopy, KeepsWhatItSaysAndHasNothingToRead) {
 
 TEST(ProcessCopy, EndsAloneByACrash) {
   ProcessCopy copy(
-      [](MessageLine& line) {
+      "work", "",
+      [](const std::string& /*request*/, MessageLine& line) {
         line.send("last words");
         std::raise(SIGKILL);
         return 0;
@@ -70,12 +73,16 @@ TEST(ProcessCopy, EndsAloneByACrash) {
 
 TEST(ProcessCopy, AnswersMessagesOfAnyLengthUntilTheLineIsClosed) {
   ProcessCopy echo(
-      [](MessageLine& line) {
+      "work", "",
+      [](const std::string& /*request*/, MessageLine& line) {
         for (const std::string& message : allOf(line)) line.send(message);
         return 0;
       },
       Streams::Shared);
-  ProcessCopy counter([](MessageLine& line) { return static_cast<int>(allOf(line).size()); }, Streams::Shared);
+  ProcessCopy counter(
+      "work", "",
+      [](const std::string& /*request*/, MessageLine& line) { return static_cast<int>(allOf(line).size()); },
+      Streams::Shared);
   for (const std::string& message : {std::string(), std::string("a\0b\n", 4), std::string(3'000'000, 'x')})
     EXPECT_TRUE(counter.line().send(message));
   counter.line().close();
@@ -87,7 +94,8 @@ TEST(ProcessCopy, AnswersMessagesOfAnyLengthUntilTheLineIsClosed) {
 
 TEST(ProcessCopy, HearsOfAnInterruption) {
   ProcessCopy copy(
-      [](MessageLine& line) {
+      "work", "",
+      [](const std::string& /*request*/, MessageLine& line) {
         watchInterruption();
         line.send("ready");
         while (!isInterrupted()) std::this_thread::sleep_for(milliseconds(1));
@@ -109,7 +117,8 @@ TEST(ProcessCopyDeathTest, TakesItsFirstInterruptionForTheFirstThoughItsModelHad
         watchInterruption();
         (void)std::raise(SIGTERM);
         ProcessCopy copy(
-            [](MessageLine&) {
+            "work", "",
+            [](const std::string& /*request*/, MessageLine&) {
               std::this_thread::sleep_for(milliseconds(100));
               return isInterrupted() ? 7 : 8;
             },
@@ -124,7 +133,8 @@ TEST(ProcessCopy, GoesWithTheObject) {
   const auto start = std::chrono::steady_clock::now();
   {
     ProcessCopy copy(
-        [](MessageLine&) {
+        "work", "",
+        [](const std::string& /*request*/, MessageLine&) {
           std::this_thread::sleep_for(std::chrono::hours(1));
           return 0;
         },

@@ -183,7 +183,7 @@ class InterruptionPause {
 
 }  // namespace
 
-ProcessCopy::ProcessCopy(const Work& work, Streams streams)
+ProcessCopy::ProcessCopy(std::string_view /*name*/, const std::string& request, const Work& work, Streams streams)
     : state_(std::make_unique<State>()), line_(std::unique_ptr<MessageLine::State>()) {
   if (streams == Streams::Kept) {
     state_->output = openKept();
@@ -214,7 +214,7 @@ ProcessCopy::ProcessCopy(const Work& work, Streams streams)
     heldEnds() = {own};
     if (streams == Streams::Kept) keepStreams(state_->output, state_->errors);
     MessageLine line(std::move(ends[1]));
-    const int code = work(line);
+    const int code = work(request, line);
     std::fflush(nullptr);
     ::_exit(code);
   }
@@ -242,5 +242,7 @@ ChildResult ProcessCopy::wait() {
   if (state_->errors.isOpen()) result.errors = contentOf(state_->errors);
   return result;
 }
+
+std::optional<BegunCopy> begunCopy() { return std::nullopt; }
 
 }  // namespace lvx::standin_platform
