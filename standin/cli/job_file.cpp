@@ -160,8 +160,11 @@ class JobFile::Reader {
   }
 
   [[nodiscard]] std::string path(const std::string& given) const {
-    if (!settings_.base || given.empty() || fs::path(given).is_absolute()) return given;
-    return (fs::path(*settings_.base) / given).string();
+    const fs::path path(given);
+    if (!settings_.base || given.empty() || path.is_absolute()) return given;
+    const fs::path base(*settings_.base);
+    if (path.has_root_path() || !base.has_filename()) return (base / path).string();
+    return *settings_.base + "/" + given;  // named alike on every system
   }
 
   /// Whether the option counts as given.

@@ -62,7 +62,7 @@ bool holdsAlignment(const std::string& path, const std::function<bool()>& goesOn
   constexpr std::size_t kBlock = std::size_t{1} << 20;
   std::error_code error;
   if (!std::filesystem::is_regular_file(path, error)) return false;  // a pipe is read once
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(std::filesystem::path(path), std::ios::binary);
   std::string text;
   while (file && (!goesOn || goesOn())) {
     const std::size_t kept = std::min(text.size(), kName.size() + 1);

@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include "standin_platform/windows/detail/utf8_names.h"
+
 namespace lvx::standin_platform {
 
 namespace fs = std::filesystem;
@@ -65,6 +67,7 @@ std::wstring widened(std::string_view text) {
 }
 
 std::wstring systemName(const fs::path& path) {
+  haveUtf8Names();
   const std::wstring& given = path.native();
   if (isSystemForm(given)) return given;
   const DWORD needed = GetFullPathNameW(given.c_str(), 0, nullptr, nullptr);
