@@ -18,7 +18,9 @@ class VnApDataManager final : public host::VnApDocManagerReactor {
   VnApDataManager(const VnApDataManager&) = delete;
   VnApDataManager& operator=(const VnApDataManager&) = delete;
   ~VnApDataManager() override {
-    // While the host shuts down there is no manager left to leave.
+    // While the host shuts down there is no manager left to leave, and a library that couldn't come up whole may be
+    // detached behind the host's end.
+    if (host_ != vnrxHost()) return;
     if (host::VnApDocManager* manager = documentManager()) manager->removeReactor(this);
   }
 

@@ -26,19 +26,21 @@ struct CalendarTime {
 /// Closes a stream that `Platform::openFile` opened: as the C library does, or in the way of who opened it.
 class FileCloser {
  public:
-  using Close = int (*)(std::FILE* stream) noexcept;
+  using Close = void (*)(std::FILE* stream, void* opener) noexcept;
 
   FileCloser() = default;
-  explicit FileCloser(Close close) : close_(close) {}
+  /// `opener` is told to `close` again, and lives until then.
+  explicit FileCloser(Close close, void* opener = nullptr) : close_(close), opener_(opener) {}
   void operator()(std::FILE* stream) const noexcept {
     if (close_ != nullptr)
-      close_(stream);
+      close_(stream, opener_);
     else
       std::fclose(stream);
   }
 
  private:
   Close close_ = nullptr;
+  void* opener_ = nullptr;
 };
 using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 

@@ -33,10 +33,11 @@ Json fileJson(const std::string& path) {
 
 }  // namespace
 
-Answer::Answer() : start_(std::chrono::steady_clock::now()), members_(std::make_unique<Members>()) {}
+Answer::Answer() noexcept : start_(std::chrono::steady_clock::now()) {}
 Answer::~Answer() = default;
 
 void Answer::gather(bool isQuiet) {
+  if (!members_) members_ = std::make_unique<Members>();
   isGathered_ = true;
   isQuiet_ = isQuiet;
 }
@@ -72,7 +73,8 @@ std::string Answer::document(int exitCode) const {
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start_;
   Json all{
       {"command", command_.empty() ? Json(nullptr) : Json(command_)}, {"exit", exitCode}, {"seconds", seconds.count()}};
-  for (const auto& [name, value] : members_->json.items()) all[name] = value;
+  if (members_)
+    for (const auto& [name, value] : members_->json.items()) all[name] = value;
   Json written = Json::array();
   for (const std::string& path : written_) written.push_back(fileJson(path));
   all["written"] = std::move(written);

@@ -42,7 +42,8 @@ struct ToldDiagnostic {
 /// Members are only ever added. Without --json nothing is gathered, and words and results are told as they come.
 class Answer {
  public:
-  Answer();
+  /// Takes no memory: a program that finds none has to tell that.
+  Answer() noexcept;
   Answer(const Answer&) = delete;
   Answer& operator=(const Answer&) = delete;
   ~Answer();
@@ -82,7 +83,7 @@ class Answer {
   std::vector<ToldDiagnostic> diagnostics_;
   std::vector<std::string> written_;
   std::unordered_set<std::string> everWritten_;
-  std::unique_ptr<Members> members_;
+  std::unique_ptr<Members> members_;  ///< since something is gathered
 };
 
 /// That of this process.

@@ -27,7 +27,8 @@ void endWithoutMemory() {
     std::abort();
   }
   if (!isShort) std::abort();
-  say(kNoMemory);
+  // Past all that gathers words: it may be what found no memory.
+  for (const char* const part : {"lvxhost: ", kNoMemory, "\n"}) tell(part);
   std::_Exit(kException);
 }
 

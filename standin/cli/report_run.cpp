@@ -138,7 +138,8 @@ void tellAdvice(runtime::StandinHost& host, const options::CommonOptions& common
 void tellWhatToChange(runtime::StandinHost& host, const advice::ReportObjects& objects, const std::string& stem) {
   for (const std::string& sentence : advice::whatToChange(objects, advice::messagesOf(host))) say(sentence);
   const std::string workbook = stem + ".xls";
-  if (const auto* event = host.journal().last(workbook); event != nullptr && event->fate == runtime::FileFate::Failed)
+  const auto* event = host.journal().last(workbook);
+  if (event != nullptr && event->fate == runtime::FileFate::Failed && host.journal().whyNoReport().empty())
     say("the command ends where its workbook can't be saved, so that a page behind it is missing too; make '" +
         workbook + "' a place that can be written, or leave the workbook out by --forms");
 }

@@ -18,6 +18,10 @@ void FileJournal::lookedFor(const std::string& path, bool found) {
     missing_ = path;
 }
 
+std::string FileJournal::whyNoReport() const {
+  return unread_.empty() ? std::string() : "the words of reports couldn't be read from '" + unread_ + "'";
+}
+
 void FileJournal::prepare() {
   events_.reserve(events_.size() + prepared_ + 1);
   ++prepared_;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace lvx::runtime {
@@ -45,12 +46,18 @@ class FileJournal {
   void lookedFor(const std::string& path, bool found);
   void forgetMissing() { missing_.clear(); }
 
+  /// A module goes on without what it can't read, or not to its end, with numbers in the place of words: no report that
+  /// is worth what it would replace. Why none is to be written then; empty where all was read.
+  [[nodiscard]] std::string whyNoReport() const;
+  void addUnread(std::string path) noexcept { unread_ = std::move(path); }
+
   /// Told of every event as it happens.
   std::function<void(const FileEvent&)> listener;
 
  private:
   std::vector<FileEvent> events_;
   std::string missing_;
+  std::string unread_;
   std::size_t prepared_ = 0;
   bool wasCutOff_ = false;
 };

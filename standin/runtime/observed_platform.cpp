@@ -2,8 +2,10 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <exception>
+#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
@@ -103,6 +105,28 @@ class Writing final : public standin_platform::ByteSink {
   bool isTold_ = false;
 };
 
+/// A file that is read.
+struct Reading {
+  FileJournal& journal;
+  std::string path;
+};
+
+void endReading(std::FILE* stream, void* opener) noexcept {
+  const std::unique_ptr<Reading> reading(static_cast<Reading*>(opener));
+  if (std::ferror(stream) != 0) reading->journal.addUnread(std::move(reading->path));
+  std::fclose(stream);
+}
+
+FileHandle openToRead(platform::Platform& platform, FileJournal& journal, const CString& path, const char* mode) {
+  auto reading = std::make_unique<Reading>(Reading{journal, platform::toUtf8(path)});
+  FileHandle file = platform.openFile(path, mode);
+  if (!file) {
+    journal.addUnread(std::move(reading->path));
+    return file;
+  }
+  return {file.release(), platform::FileCloser(endReading, reading.release())};
+}
+
 }  // namespace
 
 ObservedPlatform::ObservedPlatform(platform::Platform& inner, FileJournal& journal, std::function<bool()> isInterrupted,
@@ -113,7 +137,7 @@ ObservedPlatform::ObservedPlatform(platform::Platform& inner, FileJournal& journ
       whyNoOutput_(std::move(whyNoOutput)) {}
 
 FileHandle ObservedPlatform::openFile(const CString& path, const char* mode) {
-  if (mode == nullptr || mode[0] != 'w') return inner_.openFile(path, mode);
+  if (mode == nullptr || mode[0] != 'w') return openToRead(inner_, journal_, path, mode);
   tried_.clear();
   const std::string name = platform::toUtf8(path);
   const auto fail = [&](std::string reason) {
@@ -121,6 +145,7 @@ FileHandle ObservedPlatform::openFile(const CString& path, const char* mode) {
     return FileHandle();
   };
   errno = EINVAL;
+  if (std::string reason = journal_.whyNoReport(); !reason.empty()) return fail(std::move(reason));
   if (whyNoOutput_)
     if (std::string reason = whyNoOutput_(name); !reason.empty()) return fail(std::move(reason));
   const bool stood = inner_.exists(path);
@@ -133,7 +158,9 @@ FileHandle ObservedPlatform::openFile(const CString& path, const char* mode) {
     return nullptr;
   }
   FileHandle stream(standin_platform::openSinkStream(std::move(writing)),
-                    platform::FileCloser(standin_platform::closeSinkStream));
+                    platform::FileCloser([](std::FILE* opened, void* /*opener*/) noexcept {
+                      standin_platform::closeSinkStream(opened);
+                    }));
   if (!stream) return fail(kOutOfMemory);
   if (stood) tried_ = name;
   return stream;

@@ -21,9 +21,10 @@ namespace lvx::runtime {
 /// counts as done: the new workbook takes its place in one step.
 class ObservedPlatform final : public platform::Platform {
  public:
-  /// `inner` and `journal` must outlive this object and every file it opened. `isInterrupted` is asked for each text
-  /// and when a file is closed or removed; a file that an interruption cut off is given up, and none is removed any more then. `whyNoOutput` says why a path may not be written, or
-  /// nothing where it may.
+  /// `inner` and `journal` must outlive this object and every file it opened. `isInterrupted` is asked for each text and
+  /// when a file is closed or removed; a file that an interruption cut off is given up, and none is removed any more then.
+  /// `whyNoOutput` says why a path may not be written, or nothing where it may. Once a file couldn't be read, none is
+  /// written (FileJournal::whyNoReport).
   ObservedPlatform(platform::Platform& inner, FileJournal& journal, std::function<bool()> isInterrupted = {},
                    std::function<std::string(const std::string&)> whyNoOutput = {});
 

@@ -38,6 +38,7 @@ void ObservedWorkbook::beforeSaving(const framework::CString& path) {
   path_ = platform::toUtf8(path);
   if (!isPrepared_) journal_.prepare();
   isPrepared_ = true;
+  if (std::string reason = journal_.whyNoReport(); !reason.empty()) throw NoOutput("workbook: " + reason);
   if (!whyNoOutput_) return;
   if (std::string reason = whyNoOutput_(path_); !reason.empty()) throw NoOutput("workbook: " + reason);
 }

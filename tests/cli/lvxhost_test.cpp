@@ -129,6 +129,16 @@ TEST_F(LvxhostTest, TakesAMessageFileOfAnyName) {
   EXPECT_THAT(text, HasSubstr("* *119*  : 02.01.1970\r\n"));
 }
 
+TEST_F(LvxhostTest, ReplacesNoReportWhereItsWordsCanNotBeRead) {
+  ASSERT_EQ(report({}).exitCode, 0);
+  const std::string before = fileBytes(stem() + ".txt");
+  const RunResult result = report({"--overwrite", "--messages", "/proc/self/mem"});
+  EXPECT_EQ(result.exitCode, 70);
+  EXPECT_THAT(result.errors, HasSubstr("the words of reports couldn't be read from '/proc/self/mem'"));
+  EXPECT_THAT(result.errors, Not(HasSubstr("a place that can be written")));
+  EXPECT_EQ(fileBytes(stem() + ".txt"), before);
+}
+
 TEST_F(LvxhostTest, ShowsTheReleaseGiven) {
   EXPECT_EQ(report({"--forms", "txt", "--release", "R7.3.5"}).exitCode, 0);
   EXPECT_THAT(fileBytes(stem() + ".txt"), HasSubstr("* Vantor Lorvix 7.3.5\r\n"));

@@ -49,6 +49,28 @@ TEST_F(ObservedPlatformTest, PutsAFileInPlaceWhenItIsClosed) {
   EXPECT_EQ(fileCount(), 1U);
 }
 
+TEST_F(ObservedPlatformTest, WritesNothingOnceWordsCouldNotBeRead) {
+  const auto readAll = [&](const std::wstring& path) {
+    const auto file = platform_.openFile(path, "rb");
+    while (file && std::fgetc(file.get()) != EOF) {
+    }
+  };
+  put("words.txt", "101 Title");
+  put("road.txt", "as it was");
+  readAll(wide("words.txt"));
+  EXPECT_EQ(journal_.whyNoReport(), "");
+  for (const std::string& unread : {(folder_ / "no-words.txt").string(), std::string("/proc/self/mem")}) {
+    SCOPED_TRACE(unread);
+    readAll(fromUtf8(unread));
+    EXPECT_EQ(journal_.whyNoReport(), "the words of reports couldn't be read from '" + unread + "'");
+    EXPECT_FALSE(platform_.openFile(wide("road.txt"), "wb"));
+    ASSERT_FALSE(journal_.events().empty());
+    EXPECT_EQ(journal_.events().back().fate, FileFate::Failed);
+    EXPECT_EQ(journal_.events().back().reason, journal_.whyNoReport());
+    EXPECT_EQ(fileBytes(folder_ / "road.txt"), "as it was");
+  }
+}
+
 TEST_F(ObservedPlatformTest, RemembersWhatWasLookedForInVainUntilSomethingElseHappens) {
   EXPECT_EQ(journal_.missing(), "");
   EXPECT_FALSE(platform_.exists(wide("nowhere")));

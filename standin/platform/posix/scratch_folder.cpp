@@ -22,9 +22,10 @@ namespace {
 void emptyFolder(int folder) {
 #ifdef __linux__
   alignas(dirent64) std::array<char, 4096> entries;
-  bool isRemoved = true;
-  while (isRemoved) {  // until nothing more goes
-    isRemoved = false;
+  // Until nothing more goes, asked once more: what the system can't do at one moment it may at the next.
+  constexpr int kMostIdlePasses = 2;
+  for (int idle = 0; idle < kMostIdlePasses; ++idle) {
+    bool isRemoved = false;
     ::lseek(folder, 0, SEEK_SET);
     for (ssize_t size = 0; (size = ::getdents64(folder, entries.data(), entries.size())) > 0;)
       for (ssize_t at = 0; at < size;) {
@@ -32,6 +33,7 @@ void emptyFolder(int folder) {
         isRemoved = ::unlinkat(folder, entry->d_name, 0) == 0 || isRemoved;
         at += entry->d_reclen;
       }
+    if (isRemoved) idle = -1;
   }
 #else
   const std::unique_ptr<DIR, int (*)(DIR*)> list(::fdopendir(::dup(folder)), ::closedir);
