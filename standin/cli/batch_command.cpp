@@ -106,7 +106,7 @@ int serveBatch(standin_platform::BegunCopy& begun, const options::Options& optio
       BatchJournal::savesBeside(*options.batch.journal, job, result);
     };
   return begun.name == kDrawingWork ? serveDrawing(jobs, begun.request, worker, begun.line)
-                                    : serveReport(jobs, begun.request, worker, begun.line);
+                                    : serveReports(jobs, begun.request, worker, begun.line);
 }
 
 /// Before hours of work for nothing.

@@ -156,7 +156,7 @@ void BatchRun::hear(const Listener& listener) {
         ended(drawing, listener);
       else if (drawing.running.empty() && !drawing.isReading &&
                (drawing.isOutdated || drawing.isDone() || isInterrupted_ || failure_))
-        drawing.process.reset();
+        close(drawing);
     }
     const bool isOver = drawing.isDone() || ((isInterrupted_ || failure_) && !drawing.process);
     at = isOver ? open_.erase(at) : std::next(at);
@@ -191,6 +191,13 @@ void BatchRun::tellEnd(JobResult result, const Listener& listener) {
   } catch (const std::exception&) {
     if (!failure_) failure_ = std::current_exception();
   }
+}
+
+/// Lets the process of a drawing end, with those that it has.
+void BatchRun::close(Drawing& drawing) {
+  drawing.process->line().close();
+  (void)drawing.process->wait();
+  drawing.process.reset();
 }
 
 /// The process of a drawing is gone.

@@ -65,6 +65,7 @@ class BatchRun {
   [[nodiscard]] std::string told(std::size_t job) const;
   bool openDrawing(Drawing& drawing, const Listener& listener);
   void hear(const Listener& listener);
+  static void close(Drawing& drawing);
   void tellEnd(JobResult result, const Listener& listener);
   void take(Drawing& drawing, const std::string& bytes, const Listener& listener);
   void ended(Drawing& drawing, const Listener& listener);

@@ -56,13 +56,30 @@ std::vector<OutputFile> unpackedFiles(const Json& list) {
 
 std::vector<std::string> textsOf(const Json& list) { return list.get<std::vector<std::string>>(); }
 
-/// A report that runs.
-struct Running {
+/// A process that runs one report after the other, as long as each leaves the drawing as it was.
+struct Runner {
+  std::unique_ptr<ProcessCopy> process;
+  /// The report that runs now.
   std::size_t job = 0;
   Clock::time_point start;
-  std::unique_ptr<ProcessCopy> process;
   std::vector<std::string> messages;
 };
+
+/// What such a process says at the end of a report.
+struct ReportEnd {
+  JobResult result;
+  /// It can run a further one.
+  bool isReady = false;
+};
+
+std::string packed(const ReportEnd& end) {
+  return bytesOf(Json::array({packed(WorkerMessage{WorkerMessage::Kind::Result, end.result}), end.isReady}));
+}
+
+ReportEnd unpackedEnd(std::string_view bytes) {
+  const Json list = Json::from_msgpack(bytes.begin(), bytes.end());
+  return {unpackedMessage(list[0].get<std::string>()).result, list[1].get<bool>()};
+}
 
 class DrawingServer {
  public:
@@ -89,20 +106,35 @@ class DrawingServer {
       hear();
       collect();
     }
+    ready_.clear();
     return isInterrupted() ? kInterrupted : kDone;
   }
 
-  /// In the report's own process.
-  int serveReport(const std::string& told) {
+  /// In a process for reports.
+  int serveReports(const std::string& first) {
     answer().release();  // the batch answers for its reports, from what they say
-    const ToldJob job = unpackedJob(told);
+    ToldJob job = unpackedJob(first);
     if (!drawing_) {
       std::string words;
       const int code = load(job, words);
       tell(words);
       if (code != kDone) return code;
     }
-    return runReport(job);
+    for (;;) {
+      const std::size_t state = drawing_->editState();
+      ReportEnd end;
+      end.result = runReport(job);
+      const bool isAsRead = !drawing_->isChanged() && drawing_->editState() == state;
+      end.isReady = isAsRead && end.result.exitCode == kDone && !isInterrupted();
+      standin_platform::KeptWords said = standin_platform::takeKeptWords();
+      end.result.output = std::move(said.output);
+      end.result.errors = std::move(said.errors);
+      line_.send(packed(end));
+      if (!end.isReady) return end.result.exitCode;
+      const std::optional<ToldJob> next = waitForJob();
+      if (!next) return isInterrupted() ? kInterrupted : kDone;
+      job = *next;
+    }
   }
 
  private:
@@ -145,12 +177,9 @@ class DrawingServer {
     while (!waiting_.empty()) {
       const std::size_t index = unpackedJob(waiting_.front()).job;
       try {
-        Running report{index, Clock::now(), nullptr, {}};
-        report.process = std::make_unique<ProcessCopy>(
-            kReportWork, waiting_.front(),
-            [&](const std::string& told, MessageLine& line) { return DrawingServer(*this, line).serveReport(told); },
-            ProcessCopy::Streams::Kept);
-        running_.push_back(std::move(report));
+        running_.push_back(runnerOf(waiting_.front()));
+        running_.back().job = index;
+        running_.back().start = Clock::now();
       } catch (const std::system_error& error) {
         if (!running_.empty()) return;
         WorkerMessage message{WorkerMessage::Kind::Result, {}};
@@ -163,26 +192,56 @@ class DrawingServer {
     }
   }
 
-  int runReport(const ToldJob& told) {
+  /// A process that was told the job: one that is ready, or a new one.
+  [[nodiscard]] Runner runnerOf(const std::string& told) {
+    while (!ready_.empty()) {
+      Runner runner = std::move(ready_.back());
+      ready_.pop_back();
+      std::vector<std::string> none;
+      if (runner.process->line().take(none) && runner.process->line().send(told)) return runner;
+    }
+    Runner runner;
+    runner.process = std::make_unique<ProcessCopy>(
+        kReportWork, told,
+        [&](const std::string& first, MessageLine& line) { return DrawingServer(*this, line).serveReports(first); },
+        ProcessCopy::Streams::Kept);
+    return runner;
+  }
+
+  /// The next job that this process for reports is told; none once the line is closed, or after an interruption.
+  [[nodiscard]] std::optional<ToldJob> waitForJob() {
+    constexpr std::chrono::milliseconds kLookForInterruption{100};
+    std::vector<std::string> messages;
+    MessageLine* const line = &line_;
+    while (!isInterrupted() && line_.take(messages) && messages.empty())
+      standin_platform::waitForMessages({&line, 1}, kLookForInterruption);
+    if (messages.empty() || isInterrupted()) return std::nullopt;
+    return unpackedJob(messages.front());
+  }
+
+  JobResult runReport(const ToldJob& told) {
     ReportRun run;
     run.drawing = drawing_;
-    std::vector<std::string> savedDrawing;
-    const int code = runGuarded([&] {
+    JobResult result;
+    result.job = told.job;
+    result.exitCode = runGuarded([&] {
       Job job = jobs_.read(told.line, told.text);
       if (told.replaces && !job.options.common.keep) job.options.common.overwrite = true;
       if (options_.hashes && told.savesInPlace)
         run.beforeSaving = [&](ExitCode ends, const NewFiles& files) {
-          savedDrawing = savedHashes(job.options, files);
-          tellSaving(told.job, job, ends, run, files, savedDrawing);
+          result.savedDrawing = savedHashes(job.options, files);
+          tellSaving(told.job, job, ends, run, files, result.savedDrawing);
         };
       const ExitCode ended = runReportCommand(job.command, job.options, run);
       finishOutput();
       return static_cast<int>(ended);
     });
-    if (code != kDone && !savedDrawing.empty())
-      savedDrawing = savedHashes(jobs_.read(told.line, told.text).options, {});
-    line_.send(bytesOf(Json::array({filesOf(outputFiles(run.written)), run.kept, savedDrawing, drawingHashes_})));
-    return code;
+    if (result.exitCode != kDone && !result.savedDrawing.empty())
+      result.savedDrawing = savedHashes(jobs_.read(told.line, told.text).options, {});
+    result.written = outputFiles(run.written);
+    result.kept = run.kept;
+    result.drawing = drawingHashes_;
+    return result;
   }
 
   /// Hashes of the drawing's files once the new ones have their names.
@@ -234,14 +293,14 @@ class DrawingServer {
     constexpr std::chrono::milliseconds kLookForInterruption{100};
     std::vector<MessageLine*> lines;
     if (isTold_) lines.push_back(&line_);
-    for (const Running& report : running_) lines.push_back(&report.process->line());
+    for (const Runner& runner : running_) lines.push_back(&runner.process->line());
     waitForMessages(lines, kLookForInterruption);
     if (isInterrupted()) interruptAll();
   }
 
   void interruptAll() {
     waiting_.clear();
-    for (const Running& report : running_) report.process->interrupt();
+    for (const Runner& runner : running_) runner.process->interrupt();
   }
 
   void hear() {
@@ -255,26 +314,35 @@ class DrawingServer {
   }
 
   void collect() {
-    for (auto report = running_.begin(); report != running_.end();) {
-      if (report->process->line().take(report->messages)) {
-        ++report;
+    for (auto runner = running_.begin(); runner != running_.end();) {
+      const bool isThere = runner->process->line().take(runner->messages);
+      if (isThere && runner->messages.empty()) {
+        ++runner;
         continue;
       }
-      const ChildResult ended = report->process->wait();
-      const std::chrono::duration<double> seconds = Clock::now() - report->start;
-      WorkerMessage message{WorkerMessage::Kind::Result,
-                            {report->job, ended.exitCode, seconds.count(), ended.output, ended.errors, {}, {}, {}, {}}};
-      if (!report->messages.empty()) {
-        const Json said = Json::from_msgpack(report->messages.front());
-        message.result.written = unpackedFiles(said[0]);
-        message.result.kept = textsOf(said[1]);
-        message.result.savedDrawing = textsOf(said[2]);
-        message.result.drawing = textsOf(said[3]);
+      const std::chrono::duration<double> seconds = Clock::now() - runner->start;
+      ReportEnd end;
+      if (!runner->messages.empty()) {
+        end = unpackedEnd(runner->messages.front());
       } else {
-        message.result.drawing = drawingHashes_;
+        // It broke off.
+        ChildResult ended = runner->process->wait();
+        runner->process.reset();
+        end.result.job = runner->job;
+        end.result.exitCode = ended.exitCode;
+        end.result.output = std::move(ended.output);
+        end.result.errors = std::move(ended.errors);
+        end.result.drawing = drawingHashes_;
       }
-      line_.send(packed(message));
-      report = running_.erase(report);
+      end.result.seconds = seconds.count();
+      line_.send(packed(WorkerMessage{WorkerMessage::Kind::Result, std::move(end.result)}));
+      runner->messages.clear();
+      if (end.isReady) {
+        ready_.splice(ready_.end(), running_, runner++);
+      } else {
+        if (runner->process) (void)runner->process->wait();
+        runner = running_.erase(runner);
+      }
     }
   }
 
@@ -285,7 +353,8 @@ class DrawingServer {
   runtime::OpenDrawingRef drawing_;
   std::vector<std::string> drawingHashes_;
   std::deque<std::string> waiting_;  ///< as they were told
-  std::list<Running> running_;
+  std::list<Runner> running_;
+  std::list<Runner> ready_;  ///< without a report
 };
 
 }  // namespace
@@ -315,11 +384,15 @@ ToldJob unpackedJob(std::string_view bytes) {
 }
 
 int serveDrawing(const JobFile& jobs, const std::string& first, const WorkerOptions& options, MessageLine& line) {
-  return DrawingServer(jobs, options, line).serve(first);
+  auto server = std::make_unique<DrawingServer>(jobs, options, line);
+  const int code = server->serve(first);
+  // The process ends: its memory goes as a whole, which is faster than by each object of a drawing.
+  (void)server.release();
+  return code;
 }
 
-int serveReport(const JobFile& jobs, const std::string& told, const WorkerOptions& options, MessageLine& line) {
-  return DrawingServer(jobs, options, line).serveReport(told);
+int serveReports(const JobFile& jobs, const std::string& first, const WorkerOptions& options, MessageLine& line) {
+  return DrawingServer(jobs, options, line).serveReports(first);
 }
 
 }  // namespace lvx::cli

@@ -10,8 +10,9 @@
 #include "journal/journal.h"
 #include "standin_platform/process_copy.h"
 
-/// The process of one drawing: it reads the drawing once and runs each report over it in a process of its own, which has
-/// all that the drawing's process has in memory. A report that crashes takes nothing else along.
+/// The process of one drawing: it reads the drawing once and runs each report over it in another process, which has all
+/// that the drawing's process has in memory. That one runs further reports as long as each was whole and left the drawing as
+/// it was read. So a report that crashes takes nothing else along, and none sees what another one changed.
 namespace lvx::cli {
 
 using journal::OutputFile;
@@ -80,8 +81,8 @@ inline constexpr std::string_view kReportWork = "report";
 /// lines. `options` live longer than all of it.
 int serveDrawing(const JobFile& jobs, const std::string& first, const WorkerOptions& options,
                  standin_platform::MessageLine& line);
-/// The work of a report's process that is no copy of its drawing's: reads the drawing too.
-int serveReport(const JobFile& jobs, const std::string& told, const WorkerOptions& options,
-                standin_platform::MessageLine& line);
+/// The work of a process for reports that is no copy of its drawing's: reads the drawing too.
+int serveReports(const JobFile& jobs, const std::string& first, const WorkerOptions& options,
+                 standin_platform::MessageLine& line);
 
 }  // namespace lvx::cli

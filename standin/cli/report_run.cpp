@@ -227,6 +227,13 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, Repo
   }
   // A form that was being written then is among those that were told; the module itself goes on to the next.
   if (!complete && standin_platform::isInterrupted()) throw runtime::Interrupted();
+  if (const std::string& missing = host->journal().missing(); !missing.empty() && !complete) {
+    // It looked for its folder, didn't find it, and did nothing.
+    say("'" + missing + "' could not be found any more");
+    if (options.report.saveTo)
+      say("the drawing was not saved to '" + *options.report.saveTo + "', since the command did nothing");
+    return kNotWritten;
+  }
   if (options.report.saveTo) {
     made.remove();
     if (!maySave(host->openDrawing()->drawing(), options)) {

@@ -79,6 +79,16 @@ class ProcessCopy {
   MessageLine line_;
 };
 
+/// What a copy with Streams::Kept said.
+struct KeptWords {
+  std::string output;
+  std::string errors;
+};
+
+/// In such a copy, also in what its C library holds back: what it said since its begin, or since the last call, which is then
+/// no longer for `wait`.
+[[nodiscard]] KeptWords takeKeptWords();
+
 /// What this process was begun for in the place of a copy.
 struct BegunCopy {
   std::string name;

@@ -422,6 +422,45 @@ TEST_F(BatchTest, LosesOneReportByACrash) {
   EXPECT_TRUE(fs::exists(folder_ / "out/c.txt"));
 }
 
+TEST_F(BatchTest, GivesTheSameBytesWhateverReportsCameBeforeOnTheDrawing) {
+  const std::vector<std::string> kinds{
+      R"("command": "projection", "alignment": "Mill lane", "group": "Mill lane 25 m", "surface": "Existing ground")",
+      R"("command": "projection", "alignment": "Mill lane", "lines": "every=40,left=5,right=5", )"
+      R"("surface": "Existing ground")",
+      R"("command": "points", "alignment": "Valley road", "point-group": "Control points", "lang": "de")",
+      R"("command": "points", "alignment": "Nowhere", "points": "1")",
+      R"("command": "points", "alignment": "Mill lane", "surface-points": "Existing ground")",
+      R"("command": "points", "alignment": "Mill lane", "points": "all")",
+      R"("command": "gls", "alignment": "Valley road", "profile": "Valley road design", "group": "Cross sections 20 m")",
+      R"("command": "gls", "alignment": "Valley road", "profile": "Valley road design", "group": "Cross sections 20 m", )"
+      R"("add-sections": true)"};
+  const auto job = [&](std::size_t kind, const std::string& out) {
+    return "{" + kinds[kind] + R"(, "drawing": ")" + test::inSource("/examples/valley-road.xml") +
+           R"(", "out": "out/)" + out + "\"}\n";
+  };
+  fs::create_directory(folder_ / "out");
+  std::vector<std::size_t> order{0, 1, 2, 3, 4, 5, 6, 7, 7, 6, 5, 4, 3, 2, 1, 0, 6, 0, 6};
+  std::ofstream jobs(folder_ / "jobs.jsonl");
+  for (std::size_t i = 0; i < order.size(); ++i) jobs << job(order[i], "r" + std::to_string(i));
+  jobs.close();
+  const RunResult together = run({"batch", "jobs.jsonl", "--jobs", "1"});
+  EXPECT_THAT(together.errors, HasSubstr("19 jobs: 17 done, 2 failed (lines 4, 13)"));
+  const fs::path all = place_;
+  place_ = folder_ / "alone";
+  fs::create_directories(place_ / "out");
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    const std::string name = "r" + std::to_string(i);
+    std::ofstream(place_ / "one.jsonl") << job(order[i], name);
+    (void)run({"batch", "one.jsonl"});
+    for (const char* const form : {".txt", ".html", ".xls"}) {
+      const fs::path file = fs::path("out") / (name + form);
+      ASSERT_EQ(fs::exists(all / file), fs::exists(place_ / file)) << file;
+      if (!fs::exists(place_ / file)) continue;
+      EXPECT_TRUE(test::sameBytes(fileBytes(all / file), fileBytes(place_ / file))) << file;
+    }
+  }
+}
+
 TEST_F(BatchTest, WaitsWhereFewFilesMayBeOpen) {
   fs::create_directory(folder_ / "out");
   std::ofstream jobs(folder_ / "jobs.jsonl");

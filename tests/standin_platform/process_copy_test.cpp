@@ -58,6 +58,26 @@ TEST(ProcessCopy, KeepsWhatItSaysAndHasNothingToRead) {
   EXPECT_EQ(result.errors, "err\n");
 }
 
+TEST(ProcessCopy, TakesWhatItSaidPieceByPiece) {
+  ProcessCopy copy(
+      "work", "",
+      [](const std::string& /*request*/, MessageLine& line) {
+        for (const char* const piece : {"first", "", "last"}) {
+          std::printf("%s", piece);
+          std::fputs(*piece == 'l' ? "oops" : "", stderr);
+          const KeptWords said = takeKeptWords();
+          line.send(said.output + "/" + said.errors);
+        }
+        std::puts("rest");
+        return 0;
+      },
+      Streams::Kept);
+  EXPECT_THAT(allOf(copy.line()), ElementsAre("first/", "/", "last/oops"));
+  const ChildResult result = copy.wait();
+  EXPECT_EQ(result.output, "rest\n");
+  EXPECT_EQ(result.errors, "");
+}
+
 TEST(ProcessCopy, EndsAloneByACrash) {
   ProcessCopy copy(
       "work", "",

@@ -49,11 +49,11 @@ Descriptor openKept() {
 #endif
 }
 
-std::string contentOf(const Descriptor& file) {
+std::string contentOf(int file) {
   std::string text;
   std::array<char, 4096> part{};
   for (off_t at = 0;;) {
-    const ssize_t size = ::pread(file.number(), part.data(), part.size(), at);
+    const ssize_t size = ::pread(file, part.data(), part.size(), at);
     if (size < 0 && errno == EINTR) continue;
     if (size <= 0) return text;
     text.append(part.data(), static_cast<std::size_t>(size));
@@ -238,9 +238,19 @@ ChildResult ProcessCopy::wait() {
   state_->number = 0;
   ChildResult result;
   result.exitCode = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
-  if (state_->output.isOpen()) result.output = contentOf(state_->output);
-  if (state_->errors.isOpen()) result.errors = contentOf(state_->errors);
+  if (state_->output.isOpen()) result.output = contentOf(state_->output.number());
+  if (state_->errors.isOpen()) result.errors = contentOf(state_->errors.number());
   return result;
+}
+
+KeptWords takeKeptWords() {
+  std::fflush(nullptr);
+  const auto take = [](int stream) {
+    std::string words = contentOf(stream);
+    if (!words.empty() && ::ftruncate(stream, 0) == 0) ::lseek(stream, 0, SEEK_SET);
+    return words;
+  };
+  return {take(STDOUT_FILENO), take(STDERR_FILENO)};
 }
 
 std::optional<BegunCopy> begunCopy() { return std::nullopt; }

@@ -33,7 +33,7 @@ ChildResult ChildProcess::run(const std::filesystem::path& program, const std::v
   WaitForSingleObject(process, INFINITE);
   const std::lock_guard guard(state_->mutex);
   const Launched ended = std::exchange(state_->running, {});
-  return {codeOf(ended.process), contentOf(output), contentOf(errors)};
+  return {codeOf(ended.process), contentOf(output.get()), contentOf(errors.get())};
 }
 
 void ChildProcess::interrupt() {

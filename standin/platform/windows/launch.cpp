@@ -148,7 +148,7 @@ Handle openKept() {
                             FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
 }
 
-std::string contentOf(const Handle& kept) {
+std::string contentOf(HANDLE kept) {
   std::string text;
   std::array<char, 4096> part{};
   for (;;) {
@@ -156,8 +156,7 @@ std::string contentOf(const Handle& kept) {
     place.Offset = static_cast<DWORD>(text.size());
     place.OffsetHigh = static_cast<DWORD>(std::uint64_t{text.size()} >> 32U);
     DWORD count = 0;
-    if (ReadFile(kept.get(), part.data(), static_cast<DWORD>(part.size()), &count, &place) == 0 || count == 0)
-      return text;
+    if (ReadFile(kept, part.data(), static_cast<DWORD>(part.size()), &count, &place) == 0 || count == 0) return text;
     text.append(part.data(), count);
   }
 }

@@ -234,10 +234,21 @@ ChildResult ProcessCopy::wait() {
   // One that was asked before it could hear that.
   if (state_->isInterrupted && result.exitCode == kAskedToEnd) result.exitCode = kInterruptedCode;
   if (state_->isKept) {
-    result.output = contentOf(state_->output);
-    result.errors = contentOf(state_->errors);
+    result.output = contentOf(state_->output.get());
+    result.errors = contentOf(state_->errors.get());
   }
   return result;
+}
+
+KeptWords takeKeptWords() {
+  std::fflush(nullptr);
+  const auto take = [](DWORD stream) {
+    const HANDLE kept = GetStdHandle(stream);
+    std::string words = contentOf(kept);
+    if (SetFilePointer(kept, 0, nullptr, FILE_BEGIN) == 0) SetEndOfFile(kept);
+    return words;
+  };
+  return {take(STD_OUTPUT_HANDLE), take(STD_ERROR_HANDLE)};
 }
 
 std::optional<BegunCopy> begunCopy() {

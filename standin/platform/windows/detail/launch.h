@@ -36,7 +36,7 @@ void askToStop(const Launched& launched);
 
 /// A file in the temporary folder for what a process says, gone when it is closed. Not open where there is no room.
 [[nodiscard]] Handle openKept();
-[[nodiscard]] std::string contentOf(const Handle& kept);
+[[nodiscard]] std::string contentOf(HANDLE kept);
 /// Nothing to read.
 [[nodiscard]] Handle openNothing();
 
