@@ -78,6 +78,7 @@ civil::Drawing loadDrawing(const options::Options& options) {
   std::optional<ProgressLine> line(std::in_place, options.common.progressMode(), "reading " + reading);
   landxml::ProjectOptions project;
   project.convertUnits = options.files.convertUnits;
+  project.threads = static_cast<unsigned>(options.common.threads.value_or(0));
   project.progress = [&](const std::string& path, const landxml::Progress& state) {
     if (path != reading) {
       reading = path;

@@ -140,7 +140,9 @@ class DrawingServer {
  private:
   /// The exit code for reports of a drawing that can't be read, with its words.
   int load(const ToldJob& told, std::string& words) {
-    const Job job = jobs_.read(told.line, told.text);
+    Job job = jobs_.read(told.line, told.text);
+    // Other drawings are read beside this one.
+    if (!job.options.common.threads) job.options.common.threads = 1;
     try {
       const auto before = stamps(job.options);
       hashDrawing(job.options);

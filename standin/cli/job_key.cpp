@@ -18,7 +18,7 @@ namespace lvx::cli {
 namespace {
 
 /// Say how a report is run, not what is in it.
-constexpr std::array<std::string_view, 5> kOfNoConcern{"overwrite", "keep", "progress", "quiet", "json"};
+constexpr std::array<std::string_view, 6> kOfNoConcern{"overwrite", "keep", "threads", "progress", "quiet", "json"};
 
 bool isOfConcern(std::string_view name) {
   for (const std::string_view other : kOfNoConcern)

@@ -22,6 +22,7 @@ ReadOptions readOptions(const ProjectFile& file, const ProjectOptions& options) 
   ReadOptions read;
   read.swapAxes = file.swapAxes;
   read.namesAlone = options.namesAlone;
+  read.threads = options.threads;
   read.source = file.source;
   if (options.progress) {
     read.progress = [&file, &options](const Progress& progress) { return options.progress(file.path, progress); };

@@ -27,6 +27,7 @@ struct ProjectOptions {
   bool convertUnits = false;
   /// As in ReadOptions.
   bool namesAlone = false;
+  unsigned threads = 0;
 };
 
 /// A file is in another unit of length than the drawing's first one, and nobody asked for it to be converted.

@@ -28,6 +28,9 @@ struct ReadOptions {
   /// Leaves the triangles of surfaces out, for who wants to know what a drawing holds before the user has typed on: a
   /// tenth of the time of a large drawing. Names are those of the whole drawing, diagnostics and FileMark aren't.
   bool namesAlone = false;
+  /// Threads that read, with the caller's own; 0: as many as there are processors. What is read is the same for any number,
+  /// to the last diagnostic. Where the system gives fewer, those read.
+  unsigned threads = 0;
   /// Where the bytes are read from, for a drawing that is no file under its own path, which messages name all the same.
   /// Empty: from that path.
   std::string source = {};

@@ -69,6 +69,7 @@ constexpr OptionGroup kProfileGroup{"Profile", "Which profile is reported: one o
 constexpr OptionGroup kRulesGroup{"Rules", "Where lines stand, how far they reach, what they are called", false};
 
 constexpr int kMostJobsAtOnce = 1024;
+constexpr int kMostThreads = 1024;
 
 constexpr std::string_view kSiteHelp =
     "Its site; \"\" for the alignments outside any site (default: where the name is)";
@@ -412,6 +413,13 @@ constexpr std::array kCommonTable{
                       .help = "Who writes workbooks: excel or file, this program (default: Excel where it is registered)",
                       .valueName = "WRITER",
                       .choices = kWorkbookWriters,
+                      .group = &kCommonGroup},
+    OptionDescription{.name = "threads",
+                      .commands = kEveryCommand,
+                      .field = [](Options& o) -> Field { return &o.common.threads; },
+                      .help = "Threads that read the drawing (default: as many as there are processors; in a batch 1 for each drawing)",
+                      .valueName = "N",
+                      .greatest = kMostThreads,
                       .group = &kCommonGroup},
     OptionDescription{.name = "progress",
                       .commands = kEveryCommand,

@@ -37,6 +37,8 @@ struct Scenario {
   int former = 0;
   /// Where a report stands already it waits for an answer that its script hasn't got.
   bool needsFreeNames = false;
+  /// A drawing large enough to be read by several threads stands there too.
+  bool hasGround = false;
 };
 
 const std::vector<Scenario>& scenarios() {
@@ -60,6 +62,7 @@ const std::vector<Scenario>& scenarios() {
       {"Batch", {"--overwrite", "batch", "jobs.jsonl", "--jobs", "1"}},
       {"Play", {"play", "road.xml", "script.json"}, 0, true},
       {"Info", {"info", "road.xml", "--json"}},
+      {"Ground", {"info", "ground.xml", "--json", "--threads", "3"}, 0, false, true},
       {"Lines",
        {"--overwrite", "lines", "road.xml", "--alignment", "CL", "--name", "New", "--every", "50", "--left", "5",
         "--right", "5", "--save", "out/lines.xml"}},
@@ -189,6 +192,19 @@ class Place {
   test::TemporaryFolder folder_;
 };
 
+/// A strip of triangles, in lists of half a megabyte each.
+std::string groundDrawing() {
+  std::string points;
+  std::string faces;
+  for (int i = 1; i <= 16'000; ++i) {
+    const std::string id = std::to_string(i);
+    points += "<P id=\"" + id + "\">" + id + ".5 " + std::to_string(i % 2) + ".5 7.25</P>\n";
+    if (i > 2) faces += "<F>" + std::to_string(i - 2) + " " + std::to_string(i - 1) + " " + id + "</F>\n";
+  }
+  return "<LandXML version=\"1.2\"><Surfaces><Surface name=\"EG\"><Definition surfType=\"TIN\">\n<Pnts>" + points +
+         "</Pnts>\n<Faces>" + faces + "</Faces></Definition></Surface></Surfaces></LandXML>\n";
+}
+
 /// A scenario with what it gives where nothing goes wrong.
 class Subject {
  public:
@@ -203,6 +219,7 @@ class Subject {
     before_["script.json"] =
         R"([{"command": "lvx_Report_GLS"}, {"select": 261, "text": "North"}, {"select": 112, "text": "FG"},)"
         R"( {"select": 262, "text": "Lines"}, {"type": 100, "text": "out/played"}, {"click": 1}, {"click": 2}])";
+    if (scenario.hasGround) before_["ground.xml"] = groundDrawing();
     for (int i = 0; i < scenario.former; ++i) {
       (void)plainRun();
       // Older files, which can be told from the new ones.

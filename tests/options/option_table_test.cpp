@@ -190,6 +190,7 @@ TEST(OptionTable, RefusesWhatIsNoneOfTheValues) {
       {Command::Batch, "jobs", "0", "--jobs is '0', which is no number from 1 to 1024"},
       {Command::Batch, "jobs", "1x", "--jobs is '1x', which is no number from 1 to 1024"},
       {Command::Batch, "jobs", "1025", "--jobs is '1025', which is no number from 1 to 1024"},
+      {Command::Info, "threads", "0", "--threads is '0', which is no number from 1 to 1024"},
   };
   for (const Row& row : table) {
     Options options;

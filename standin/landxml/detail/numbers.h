@@ -1,8 +1,10 @@
 #pragma once
 
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -33,6 +35,30 @@ inline constexpr double kLargestNumber = 1e12;
   const auto [next, error] = std::from_chars(at, end, value);
   // Written so that NaN fails too.
   return error == std::errc() && std::abs(value) <= kLargestNumber ? next : nullptr;
+}
+
+/// Reads what nearly all numbers of a drawing look like, "-1234.567": digits on both sides of the point, together few enough
+/// that the nearest double is one division of two numbers that doubles hold exactly. Null for any other number, which
+/// `readNumber` may still read; where both read one they agree to the last bit. A byte that isn't part of a number must
+/// stand somewhere behind `at`.
+[[nodiscard]] inline const char* readPlainNumber(const char* at, double& value) {
+  constexpr std::array<double, 16> kPowers{1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                           1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  const bool isNegative = *at == '-';
+  if (isNegative) ++at;
+  std::uint64_t digits = 0;
+  const char* const first = at;
+  const auto isDigit = [](char c) { return static_cast<unsigned char>(c - '0') <= 9; };
+  while (isDigit(*at)) digits = digits * 10 + static_cast<std::uint64_t>(*at++ - '0');
+  const auto before = at - first;
+  if (before == 0 || before > 12 || *at != '.') return nullptr;
+  const char* const point = at++;
+  while (isDigit(*at)) digits = digits * 10 + static_cast<std::uint64_t>(*at++ - '0');
+  const auto behind = at - point - 1;
+  if (behind == 0 || before + behind > 15 || *at == 'e' || *at == 'E') return nullptr;
+  const double size = static_cast<double>(digits) / kPowers[static_cast<std::size_t>(behind)];
+  value = isNegative ? -size : size;
+  return at;
 }
 
 /// What a text of blank-separated numbers gave.

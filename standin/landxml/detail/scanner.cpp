@@ -18,7 +18,11 @@ constexpr std::size_t kMostNodes = 30'000'000;
 class Scanner {
  public:
   Scanner(std::unique_ptr<ByteSource> bytes, const std::string& file, const ReadOptions& options, ScanMode mode)
-      : in_(std::move(bytes), file, options), tokens_(in_), file_(file), locates_(mode == ScanMode::Locate) {
+      : in_(std::move(bytes), file, options),
+        tokens_(in_),
+        crew_(options.threads),
+        file_(file),
+        locates_(mode == ScanMode::Locate) {
     if (locates_) result_.document.keepParents();
   }
 
@@ -38,6 +42,7 @@ class Scanner {
 
   Input in_;
   Tokenizer tokens_;
+  standin_platform::Crew crew_;
   std::string file_;
   std::string attributeName_;
   std::string utf8_;  // of the piece that was asked for last
@@ -86,10 +91,6 @@ std::string_view Scanner::asUtf8(std::string_view piece) {
     }
   }
   return utf8_;
-}
-
-std::size_t lineEnds(std::string_view text) {
-  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
 /// The document's first bad entity came with this piece, which begins at `line`.
@@ -182,7 +183,7 @@ void Scanner::start(const Token& token) {
   }
   if (parent == Role::Definition && !locates_ && (local == "Pnts" || local == "Faces")) {
     const std::string name(token.name);
-    scanTin(in_, tokens_, open_, *tin_, name, local == "Pnts");
+    scanTin(in_, tokens_, open_, *tin_, crew_, name, local == "Pnts");
     result_.document.close();
     return;
   }

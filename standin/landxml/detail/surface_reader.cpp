@@ -10,32 +10,30 @@ namespace lvx::landxml::detail {
 namespace {
 
 void reportFaults(Context& context, Node where, const std::string& speaker, const TinCollector& tin) {
-  using Faults = TinCollector::Faults;
+  const TinCollector::Faults& faults = tin.faults;
   struct Row {
-    std::size_t Faults::*count;
+    std::size_t count;
     const char* one;
     const char* many;
   };
-  constexpr Row kRows[] = {
-      {&Faults::pointsWithoutId, "point without a usable id left out", "points without a usable id left out"},
-      {&Faults::repeatedIds, "point with an id given before left out", "points with ids given before left out"},
-      {&Faults::pointsWithoutElevation, "point without an elevation left out", "points without an elevation left out"},
-      {&Faults::unreadablePoints, "unreadable point left out", "unreadable points left out"},
-      {&Faults::facesWithMissingPoints, "face whose points aren't all there left out",
+  const Row rows[] = {
+      {faults.pointsWithoutId, "point without a usable id left out", "points without a usable id left out"},
+      {faults.repeatedIds, "point with an id given before left out", "points with ids given before left out"},
+      {faults.pointsWithoutElevation, "point without an elevation left out", "points without an elevation left out"},
+      {faults.unreadablePoints, "unreadable point left out", "unreadable points left out"},
+      {faults.facesWithMissingPoints, "face whose points aren't all there left out",
        "faces whose points aren't all there left out"},
-      {&Faults::facesWithRepeatedPoints, "face that names a point twice left out",
-       "faces that name a point twice left out"},
-      {&Faults::unreadableFaces, "unreadable face left out", "unreadable faces left out"},
-      {&Faults::repairedSigns, "point whose sign stood apart from its number was put together",
+      {tin.faces.repeating, "face that names a point twice left out", "faces that name a point twice left out"},
+      {faults.unreadableFaces, "unreadable face left out", "unreadable faces left out"},
+      {faults.repairedSigns, "point whose sign stood apart from its number was put together",
        "points whose signs stood apart from their numbers were put together"},
-      {&Faults::unknownElements, "other item among its points or faces passed over",
+      {faults.unknownElements, "other item among its points or faces passed over",
        "other items among its points or faces passed over"},
   };
   std::string text;
-  for (const Row& row : kRows) {
-    const std::size_t count = tin.faults.*row.count;
-    if (count == 0) continue;
-    text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + (count == 1 ? row.one : row.many);
+  for (const Row& row : rows) {
+    if (row.count == 0) continue;
+    text += (text.empty() ? "" : ", ") + std::to_string(row.count) + " " + (row.count == 1 ? row.one : row.many);
   }
   if (!text.empty()) {
     if (!tin.faults.firstText.empty()) {
@@ -43,9 +41,9 @@ void reportFaults(Context& context, Node where, const std::string& speaker, cons
     }
     context.warn(where, speaker + ": " + text);
   }
-  if (!tin.invisible.empty()) {
-    context.note(where, speaker + ": " + std::to_string(tin.invisible.size()) +
-                            (tin.invisible.size() == 1 ? " invisible face isn't" : " invisible faces aren't") +
+  if (!tin.faces.invisible.empty()) {
+    context.note(where, speaker + ": " + std::to_string(tin.faces.invisible.size()) +
+                            (tin.faces.invisible.size() == 1 ? " invisible face isn't" : " invisible faces aren't") +
                             " part of the surface");
   }
 }
@@ -119,11 +117,11 @@ void readSurfaces(Context& context, ScannedDocument& scanned, double lengthFacto
         }
         tin.addDeferred();
         reportFaults(context, definition, speaker, tin);
-        isFilled = !tin.triangles.empty();
+        isFilled = !tin.faces.triangles.empty();
         if (!isFilled) return;
         goOn();
         moveIntoPlace(context, tin.points, lengthFactor);
-        surface.surface = civil::TinSurface(std::move(tin.points), std::move(tin.triangles));
+        surface.surface = civil::TinSurface(std::move(tin.points), std::move(tin.faces.triangles));
         const auto counts = surface.surface.counts();
         if (counts.degenerate > 0) {
           context.note(definition, speaker + ": " + std::to_string(counts.degenerate) +

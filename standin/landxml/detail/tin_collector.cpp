@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
+#include <stdexcept>
 
 namespace lvx::landxml::detail {
 
@@ -25,6 +27,35 @@ void TinCollector::addPointOutOfOrder(std::int64_t id, double north, double east
   points.push_back({east, north, elevation});
 }
 
+void TinCollector::addPoints(std::int64_t firstId, std::span<const civil::Vec3> run) {
+  if (contiguous_ && (points.empty() || firstId - firstId_ == static_cast<std::int64_t>(points.size()))) {
+    if (points.empty()) firstId_ = firstId;
+    points.insert(points.end(), run.begin(), run.end());
+    return;
+  }
+  for (std::size_t i = 0; i < run.size(); ++i)
+    addPoint(firstId + static_cast<std::int64_t>(i), run[i].y, run[i].x, run[i].z);
+}
+
+void TinCollector::addFaces(const FaceList& list) {
+  faces.triangles.insert(faces.triangles.end(), list.triangles.begin(), list.triangles.end());
+  faces.invisible.insert(faces.invisible.end(), list.invisible.begin(), list.invisible.end());
+  faces.repeating += list.repeating;
+}
+
+template <class Item>
+void TinCollector::expect(std::vector<Item>& items, std::size_t count) {
+  if (count <= items.capacity()) return;
+  try {
+    items.reserve(count);
+  } catch (const std::bad_alloc&) {
+    // There may be fewer than expected.
+  } catch (const std::length_error&) {
+  }
+}
+template void TinCollector::expect(std::vector<civil::Vec3>& items, std::size_t count);
+template void TinCollector::expect(std::vector<civil::Triangle>& items, std::size_t count);
+
 void TinCollector::map(std::int64_t id, std::int32_t index) {
   // The table may stay sparse by a factor, so that gaps cost little; far ids go to the hash map instead.
   const std::size_t densest = 1024 + 8 * points.size();
@@ -47,7 +78,7 @@ std::int32_t TinCollector::mappedIndexOf(std::int64_t id) const {
   return found == sparse_.end() ? -1 : found->second;
 }
 
-void TinCollector::addRepeating(const RawFace& face, const std::array<std::int32_t, 4>& at) {
+void TinCollector::addRepeating(const RawFace& face, const std::array<std::int32_t, 4>& at, FaceList& to) {
   // A cell of a grid with one side of length 0 is a triangle; anything less is no face.
   std::array<std::int32_t, 4> distinct{};
   std::size_t count = 0;
@@ -57,19 +88,19 @@ void TinCollector::addRepeating(const RawFace& face, const std::array<std::int32
     }
   }
   if (count == 3 && face.count == 4) {
-    (face.invisible ? invisible : triangles).push_back({distinct[0], distinct[1], distinct[2]});
+    (face.invisible ? to.invisible : to.triangles).push_back({distinct[0], distinct[1], distinct[2]});
   } else {
-    ++faults.facesWithRepeatedPoints;
+    ++to.repeating;
   }
 }
 
-void TinCollector::addFourth(const RawFace& face, const std::array<std::int32_t, 4>& at) {
+void TinCollector::addFourth(const RawFace& face, const std::array<std::int32_t, 4>& at, FaceList& to) {
   if (at[3] == at[0] || at[3] == at[2]) return;  // a cell with a side of length 0
   if (at[3] == at[1]) {
-    ++faults.facesWithRepeatedPoints;
+    ++to.repeating;
     return;
   }
-  (face.invisible ? invisible : triangles).push_back({at[0], at[2], at[3]});
+  (face.invisible ? to.invisible : to.triangles).push_back({at[0], at[2], at[3]});
 }
 
 void TinCollector::addDeferred() {

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -20,6 +21,21 @@ struct RawFace {
   bool invisible = false;
 };
 
+/// Faces by the places of their points, in the order of the file.
+struct FaceList {
+  std::vector<civil::Triangle> triangles;
+  /// Those that the file marks as invisible.
+  std::vector<civil::Triangle> invisible;
+  /// Faces left out since they name a point twice.
+  std::size_t repeating = 0;
+
+  void clear() {
+    triangles.clear();
+    invisible.clear();
+    repeating = 0;
+  }
+};
+
 /// The points and faces of one surface as they stream past. Ids may be any; as long as they run on without a gap, no
 /// map is kept.
 class TinCollector {
@@ -30,7 +46,6 @@ class TinCollector {
     std::size_t pointsWithoutElevation = 0;
     std::size_t unreadablePoints = 0;
     std::size_t facesWithMissingPoints = 0;
-    std::size_t facesWithRepeatedPoints = 0;
     std::size_t unreadableFaces = 0;
     std::size_t repairedSigns = 0;
     std::size_t unknownElements = 0;
@@ -47,22 +62,31 @@ class TinCollector {
     addPointOutOfOrder(id, north, east, elevation);
   }
 
+  /// Points with ids that run on from `firstId`.
+  void addPoints(std::int64_t firstId, std::span<const civil::Vec3> run);
+
   /// False where a point of the face isn't known (yet): the caller gives it to `defer`.
-  [[nodiscard]] bool addFace(const RawFace& face) {
+  [[nodiscard]] bool addFace(const RawFace& face) { return addFace(face, faces); }
+  /// The same into another list. May be called from several threads while nothing else is.
+  [[nodiscard]] bool addFace(const RawFace& face, FaceList& to) const {
     std::array<std::int32_t, 4> at{};
     for (std::size_t i = 0; i < face.count; ++i) {
       at[i] = indexOf(face.ids[i]);
       if (at[i] < 0) return false;
     }
-    auto& list = face.invisible ? invisible : triangles;
     if (at[0] == at[1] || at[1] == at[2] || at[2] == at[0]) {
-      addRepeating(face, at);
+      addRepeating(face, at, to);
     } else {
-      list.push_back({at[0], at[1], at[2]});
-      if (face.count == 4) addFourth(face, at);
+      (face.invisible ? to.invisible : to.triangles).push_back({at[0], at[1], at[2]});
+      if (face.count == 4) addFourth(face, at, to);
     }
     return true;
   }
+  /// Faces that were put into a list, behind those that there are.
+  void addFaces(const FaceList& list);
+  /// Makes room for so many, where memory has it.
+  void expectPoints(std::size_t count) { expect(points, count); }
+  void expectFaces(std::size_t count) { expect(faces.triangles, count); }
 
   /// Keeps a face until all points are known.
   void defer(const RawFace& face, std::size_t line) { deferred_.push_back({face, line}); }
@@ -94,9 +118,7 @@ class TinCollector {
   void note(std::size_t Faults::*counter, std::size_t line, const std::string& text);
 
   std::vector<civil::Vec3> points;
-  std::vector<civil::Triangle> triangles;
-  /// Faces that the file marks as invisible: in the triangulation, not in the surface.
-  std::vector<civil::Triangle> invisible;
+  FaceList faces;
   /// Points that stand by reference: id and name of the point they refer to.
   std::vector<std::pair<std::int64_t, std::string>> references;
   Faults faults;
@@ -108,8 +130,10 @@ class TinCollector {
   };
 
   void addPointOutOfOrder(std::int64_t id, double north, double east, double elevation);
-  void addRepeating(const RawFace& face, const std::array<std::int32_t, 4>& at);
-  void addFourth(const RawFace& face, const std::array<std::int32_t, 4>& at);
+  template <class Item>
+  static void expect(std::vector<Item>& items, std::size_t count);
+  static void addRepeating(const RawFace& face, const std::array<std::int32_t, 4>& at, FaceList& to);
+  static void addFourth(const RawFace& face, const std::array<std::int32_t, 4>& at, FaceList& to);
   void map(std::int64_t id, std::int32_t index);
   [[nodiscard]] std::int32_t mappedIndexOf(std::int64_t id) const;
 
