@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -160,7 +161,7 @@ void measure(Mesh& mesh) {
 /// Samples one segment.
 ///
 /// Two ways lead to the same samples. `walk` goes from triangle to triangle while everything is plain: triangles alone
-/// where they lie, edges crossed clearly. `gather` takes all triangles near a part of the segment, decides every touch
+/// where they lie, edges crossed clearly, over holes with plain borders from cell to cell of the grid. `gather` takes all triangles near a part of the segment, decides every touch
 /// exactly and sorts; it bridges the part from where a walk gave up to where another can begin.
 class SegmentSampler {
  public:
@@ -172,6 +173,11 @@ class SegmentSampler {
 
   void sample() {
     bool canWalk = beginAtStart();
+    if (!canWalk && startsInGap()) {
+      const Gap gap = crossGap();
+      if (gap == Gap::ToTheEnd) return;
+      canWalk = gap == Gap::Crossed;
+    }
     while (!canWalk || !walk()) {
       canWalk = beginFurther();
       gather(canWalk ? last_ : 1.0);
@@ -229,7 +235,15 @@ class SegmentSampler {
     return {a_.x + crossing.along * d_.x, a_.y + crossing.along * d_.y, right.z + crossing.onEdge * (left.z - right.z)};
   }
 
+  enum class Gap : std::uint8_t {
+    Crossed,   ///< a walk goes on from the border behind it, whose sample stands
+    ToTheEnd,  ///< no ground comes any more
+    Unclear,
+  };
+
   bool beginAtStart();
+  [[nodiscard]] bool startsInGap() const;
+  Gap crossGap();
   bool beginFurther();
   bool walk();
   void gather(double to);
@@ -329,6 +343,78 @@ bool SegmentSampler::beginFurther() {
   return false;
 }
 
+/// Whether there is certainly no ground at the segment's start nor close to it.
+bool SegmentSampler::startsInGap() const {
+  if (!mesh_.grid.hasCovers()) return false;
+  const Box& box = mesh_.box;
+  if (a_.x < box.minX || a_.x > box.maxX || a_.y < box.minY || a_.y > box.maxY) return true;
+  return mesh_.grid.coverOf(mesh_.grid.cellOf(a_)) == StartGrid::Cover::None;
+}
+
+/// From a place without ground behind it, the last sample's or the segment's start: to the next border that the segment
+/// crosses. It looks at the cells on the way there alone.
+SegmentSampler::Gap SegmentSampler::crossGap() {
+  const StartGrid& grid = mesh_.grid;
+  if (!grid.canVisit(a_, d_)) return Gap::Unclear;
+  const std::int32_t* corners = cornersOf(mesh_.ground());
+  struct Entry {
+    Crossing crossing{};
+    Link border = 0;
+    Corner from;  // of the border edge
+    Corner to;
+  };
+  std::optional<Entry> next;
+  bool isClear = true;
+  grid.visitAlong(a_, d_, last_, 1.0, [&](std::size_t cell, double end) {
+    const StartGrid::Cover cover = grid.coverOf(cell);
+    if (cover == StartGrid::Cover::None) return true;
+    if (cover != StartGrid::Cover::PlainBorder) return isClear = false;
+    for (const Link border : grid.bordersIn(cell)) {
+      const auto packed = static_cast<std::size_t>(border >= 0 ? border : ~border);
+      const std::int32_t* triangle = corners + packed / 4 * 3;
+      const Corner from = cornerAt(triangle[(packed % 4 + 1) % 3]);
+      const Corner to = cornerAt(triangle[(packed % 4 + 2) % 3]);
+      if ((from.side.isLeft() && to.side.isLeft()) || (from.side.isRight() && to.side.isRight())) continue;
+      const bool isEntry = from.side.isLeft() && to.side.isRight();
+      if (!isEntry && !(from.side.isRight() && to.side.isLeft())) return isClear = false;
+      const Crossing hit = isEntry ? crossing(to, from) : crossing(from, to);
+      if (!hit.isSafe) return isClear = false;
+      // Behind the segment's part that is looked at, or where it left the ground.
+      if (hit.along < last_ - kSamePlace || hit.along > 1.0 + kSamePlace) continue;
+      if (!isEntry && hit.along <= last_) continue;
+      if (!isEntry || border < 0 || hit.along < last_ + kSamePlace || hit.along > 1.0 - kSamePlace) {
+        // Ground ends where none was, or what doubles can't tell: unless another border comes before.
+        if (!next || hit.along < next->crossing.along) return isClear = false;
+        continue;
+      }
+      if (!next || hit.along < next->crossing.along) next = Entry{hit, border, from, to};
+    }
+    return !(next && next->crossing.along <= end);
+  });
+  if (!isClear) return Gap::Unclear;
+  if (!next) return Gap::ToTheEnd;
+
+  const auto packed = static_cast<std::size_t>(next->border);
+  triangle_ = packed / 4;
+  const std::size_t in = packed % 4;
+  const Corner ahead = cornerAt(corners[3 * triangle_ + in]);
+  // The edge's end lies right of the segment, its start left.
+  right_ = next->to;
+  left_ = next->from;
+  if (ahead.side.isLeft()) {
+    left_ = ahead;
+    out_ = in == 2 ? 0 : in + 1;
+  } else if (ahead.side.isRight()) {
+    right_ = ahead;
+    out_ = in == 0 ? 2 : in - 1;
+  } else {
+    return Gap::Unclear;
+  }
+  samples_.push_back(pointAt(next->crossing, *next->to.point, *next->from.point));
+  first_ = last_ = next->crossing.along;
+  return Gap::Crossed;
+}
+
 /// Returns whether it got to the end. If not, it leaves its last sample to the gathering, as it may be one with what
 /// follows.
 bool SegmentSampler::walk() {
@@ -345,9 +431,19 @@ bool SegmentSampler::walk() {
       return true;
     }
     const Link link = mesh_.links[3 * triangle + out];
-    if (link < 0 || hit.along - last_ < kSamePlace || hit.along > 1.0 - kSamePlace) break;
+    if ((link < 0 && link != kNoLink) || hit.along - last_ < kSamePlace || hit.along > 1.0 - kSamePlace) break;
     samples_.push_back(pointAt(hit, *right.point, *left.point));
     first_ = last_ = hit.along;
+    if (link == kNoLink) {
+      const Gap gap = crossGap();
+      if (gap == Gap::ToTheEnd) return true;
+      if (gap == Gap::Unclear) break;
+      triangle = triangle_;
+      out = out_;
+      right = right_;
+      left = left_;
+      continue;
+    }
 
     triangle = static_cast<std::size_t>(link >> 2);
     const auto in = static_cast<std::size_t>(link & 3);

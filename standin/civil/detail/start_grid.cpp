@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
+
+#include "civil/detail/border_rings.h"
 
 namespace lvx::civil::detail {
 namespace {
@@ -29,7 +32,9 @@ StartGrid::StartGrid(std::span<const Vec3> points, std::span<const Triangle> tri
 
   const double farthest = std::max({std::abs(box.minX), std::abs(box.minY), std::abs(box.maxX), std::abs(box.maxY)});
   const double margin = 1e-6 + 0x1p-48 * farthest * perUnit_;
-  const std::vector<std::int32_t> shared = sharedCells(points, triangles, links, margin);
+  findTouched(points, cornersOf(triangles), links, margin);
+  judgeBorders(points, cornersOf(triangles));
+  const std::vector<std::int32_t> shared = sharedCells();
   const auto isAlone = [&](std::size_t left, std::size_t right, std::size_t low, std::size_t high) {
     const std::size_t stride = columns_ + 1;
     return shared[(high + 1) * stride + right + 1] - shared[low * stride + right + 1] -
@@ -38,6 +43,7 @@ StartGrid::StartGrid(std::span<const Vec3> points, std::span<const Triangle> tri
   };
 
   starts_.assign(columns_ * rows_, kNoLink);
+  std::vector<std::int32_t> oddTriangles;
   for (std::size_t t = 0; t < triangles.size(); ++t) {
     const Vec3& a = points[static_cast<std::size_t>(triangles[t].a)];
     const Vec3& b = points[static_cast<std::size_t>(triangles[t].b)];
@@ -46,6 +52,7 @@ StartGrid::StartGrid(std::span<const Vec3> points, std::span<const Triangle> tri
         !shared.empty() && isAlone(columnOf(std::min({a.x, b.x, c.x})), columnOf(std::max({a.x, b.x, c.x})),
                                    rowOf(std::min({a.y, b.y, c.y})), rowOf(std::max({a.y, b.y, c.y})));
     const auto number = static_cast<std::int32_t>(t);
+    if (!alone && !borders_.empty()) oddTriangles.push_back(number);
     const std::size_t middle = rowOf((a.y + b.y + c.y) / 3.0) * columns_ + columnOf((a.x + b.x + c.x) / 3.0);
     starts_[middle] = alone ? number : ~number;
     if (alone) continue;
@@ -57,20 +64,27 @@ StartGrid::StartGrid(std::span<const Vec3> points, std::span<const Triangle> tri
       if (back >= 0) back = ~back;
     }
   }
+  for (Link& border : borders_)
+    if (std::binary_search(oddTriangles.begin(), oddTriangles.end(), border >> 2)) border = ~border;
   fillEmptyCells();
 }
 
-std::vector<std::int32_t> StartGrid::sharedCells(std::span<const Vec3> points, std::span<const Triangle> triangles,
-                                                 std::span<const Link> links, double margin) const {
-  const std::size_t stride = columns_ + 1;
-  std::vector<std::int32_t> cells(stride * (rows_ + 1), 0);
-  std::vector<std::uint8_t> isTouched(columns_ * rows_, 0);
-  // Long borders through many cells each would cost more than they are worth.
-  std::size_t budget = 4 * (columns_ + rows_ + isTouched.size()) + 8 * triangles.size();
-  const std::int32_t* corners = cornersOf(triangles);
+std::span<const Link> StartGrid::bordersIn(std::size_t cell) const {
+  const auto found = std::lower_bound(cells_.begin(), cells_.end(), static_cast<std::uint32_t>(cell));
+  if (found == cells_.end() || *found != cell) return {};
+  const auto at = static_cast<std::size_t>(found - cells_.begin());
+  return std::span(borders_).subspan(firsts_[at], firsts_[at + 1] - firsts_[at]);
+}
 
+/// Fills `touches_`, and `covers_` by the layers over each cell: Odd for those that a border touches.
+void StartGrid::findTouched(std::span<const Vec3> points, const std::int32_t* corners, std::span<const Link> links,
+                            double margin) {
+  const std::size_t cellCount = columns_ * rows_;
+  // Long borders through many cells each would cost more than they are worth.
+  std::size_t budget = 4 * (columns_ + rows_ + cellCount) + 8 * links.size() / 3;
   // Where a row's lower line crosses a border from right to left of it, the layers grow by one; so the layers over a
   // cell's lower left corner are the sum of the changes before it in its row.
+  std::vector<std::int32_t> changes(cellCount, 0);
   for (std::size_t half = 0; half < links.size(); ++half) {
     if (links[half] != kNoLink) continue;
     const std::int32_t* triangle = corners + half / 3 * 3;
@@ -102,25 +116,85 @@ std::vector<std::int32_t> StartGrid::sharedCells(std::span<const Vec3> points, s
       const std::size_t firstColumn = clamped(left - margin, columns_);
       const std::size_t lastColumn = clamped(right + margin, columns_);
       const std::size_t count = lastColumn - firstColumn + 1;
-      if (count > budget) return {};
+      if (count > budget) {
+        touches_ = {};
+        return;
+      }
       budget -= count;
-      std::fill_n(isTouched.begin() + static_cast<std::ptrdiff_t>(row * columns_ + firstColumn), count,
-                  std::uint8_t{1});
+      const auto edge = static_cast<Link>(4 * (half / 3) + half % 3);
+      for (std::size_t column = firstColumn; column <= lastColumn; ++column)
+        touches_.push_back({static_cast<std::uint32_t>(row * columns_ + column), edge});
       if (lowY <= line && line < highY) {
         const std::size_t column = static_cast<std::size_t>(std::max(xAt(line), 0.0)) + 1;
-        if (column < columns_) cells[(row + 1) * stride + column + 1] += isRising ? -1 : 1;
+        if (column < columns_) changes[row * columns_ + column] += isRising ? -1 : 1;
       }
     }
   }
-
+  covers_.resize(cellCount);
   for (std::size_t row = 0; row < rows_; ++row) {
     std::int32_t layers = 0;
+    for (std::size_t cell = row * columns_; cell < (row + 1) * columns_; ++cell) {
+      layers += changes[cell];
+      covers_[cell] = layers == 0 ? Cover::None : layers == 1 ? Cover::One : Cover::Odd;
+    }
+  }
+  for (const Touch& touch : touches_) covers_[touch.cell] = Cover::Odd;
+  std::sort(touches_.begin(), touches_.end(),
+            [](const Touch& p, const Touch& q) { return std::pair(p.cell, p.edge) < std::pair(q.cell, q.edge); });
+}
+
+/// Finds the plain borders and keeps their edges by cells that no other border touches.
+void StartGrid::judgeBorders(std::span<const Vec3> points, const std::int32_t* corners) {
+  if (touches_.empty()) return;
+  const BorderRings rings(points, corners, [&] {
+    std::vector<Link> edges;
+    for (const Touch& touch : touches_) edges.push_back(touch.edge);
+    return edges;
+  }());
+  std::vector<bool> isPlain = rings.isClosed();
+  const auto eachCell = [&](auto use) {
+    for (std::size_t first = 0; first < touches_.size();) {
+      std::size_t end = first + 1;
+      while (end < touches_.size() && touches_[end].cell == touches_[first].cell) ++end;
+      use(std::span(touches_).subspan(first, end - first));
+      first = end;
+    }
+  };
+  // More edges in a cell aren't compared with one another.
+  constexpr std::size_t kMostCompared = 64;
+  eachCell([&](std::span<const Touch> here) {
+    for (std::size_t i = 0; i < here.size(); ++i) {
+      for (std::size_t j = 0; j < i && here.size() <= kMostCompared; ++j)
+        if (rings.doMeet(here[i].edge, here[j].edge))
+          isPlain[rings.ringOf(here[i].edge)] = isPlain[rings.ringOf(here[j].edge)] = false;
+      if (here.size() > kMostCompared) isPlain[rings.ringOf(here[i].edge)] = false;
+    }
+  });
+  rings.requireOneLayer(isPlain);
+  eachCell([&](std::span<const Touch> here) {
+    const bool areAll =
+        std::all_of(here.begin(), here.end(), [&](const Touch& t) { return isPlain[rings.ringOf(t.edge)]; });
+    if (!areAll) return;
+    covers_[here.front().cell] = Cover::PlainBorder;
+    cells_.push_back(here.front().cell);
+    firsts_.push_back(static_cast<std::uint32_t>(borders_.size()));
+    for (const Touch& touch : here) borders_.push_back(touch.edge);
+  });
+  firsts_.push_back(static_cast<std::uint32_t>(borders_.size()));
+  touches_ = {};
+}
+
+/// For every cell how many cells up to it, in both directions, are odd; with a row and a column of zeros before them. Empty
+/// where the covers aren't known.
+std::vector<std::int32_t> StartGrid::sharedCells() const {
+  if (covers_.empty()) return {};
+  const std::size_t stride = columns_ + 1;
+  std::vector<std::int32_t> cells(stride * (rows_ + 1), 0);
+  for (std::size_t row = 0; row < rows_; ++row) {
     std::int32_t sharedInRow = 0;
     for (std::size_t column = 0; column < columns_; ++column) {
-      std::int32_t& cell = cells[(row + 1) * stride + column + 1];
-      layers += cell;
-      if (isTouched[row * columns_ + column] != 0 || layers != 1) ++sharedInRow;
-      cell = sharedInRow + cells[row * stride + column + 1];
+      if (covers_[row * columns_ + column] == Cover::Odd) ++sharedInRow;
+      cells[(row + 1) * stride + column + 1] = sharedInRow + cells[row * stride + column + 1];
     }
   }
   return cells;

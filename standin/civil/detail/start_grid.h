@@ -1,7 +1,10 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -14,9 +17,13 @@ namespace lvx::civil::detail {
 /// out, and tells apart the triangles that are alone where they lie.
 ///
 /// A walk over links sees the triangles that it crosses and no others. That is all there is to see only where one layer
-/// of triangles covers the ground and no border comes near: not at islands, overlaps, T-junctions, or seams of points
-/// given twice. Such places lie within cells that a border edge touches, or that are covered more than once, because
-/// the layers over a place change only at border edges. The triangles clear of all those cells are alone.
+/// of triangles covers the ground, or none: not at islands, overlaps, T-junctions, or seams of points given twice. Such
+/// places lie within cells that an odd border edge touches, or that are covered more than once, because the layers over a
+/// place change only at border edges. The triangles clear of all those cells are alone.
+///
+/// A border is plain, not odd, where it is a ring of edges that meets neither itself nor another border, and parts
+/// one layer on its left from none on its right: rims and holes of a surface in good order. A walk may cross those, and the
+/// grid knows the edges in each cell, so that it finds from where one ends to where it goes on.
 class StartGrid {
  public:
   StartGrid() = default;
@@ -27,8 +34,30 @@ class StartGrid {
   /// The number of a triangle near a place, complemented if it isn't alone; kNoLink where there is none at all.
   [[nodiscard]] std::int32_t triangleNear(Vec2 p) const {
     if (starts_.empty()) return kNoLink;
-    return starts_[rowOf(p.y) * columns_ + columnOf(p.x)];
+    return starts_[cellOf(p)];
   }
+
+  /// The cell of a place; of the nearest one for a place outside. Not where there are no cells.
+  [[nodiscard]] std::size_t cellOf(Vec2 p) const { return rowOf(p.y) * columns_ + columnOf(p.x); }
+  [[nodiscard]] bool hasCovers() const { return !covers_.empty(); }
+  /// What covers a cell.
+  enum class Cover : std::uint8_t { None, One, PlainBorder, Odd };
+  [[nodiscard]] Cover coverOf(std::size_t cell) const { return covers_[cell]; }
+  /// The edges of a PlainBorder cell, as links pack them: 4 * triangle + edge; complemented where the triangle isn't
+  /// alone. O(log n).
+  [[nodiscard]] std::span<const Link> bordersIn(std::size_t cell) const;
+
+  /// Whether the cells along a segment can be told: not where it comes from so far away that doubles can't.
+  [[nodiscard]] bool canVisit(Vec2 a, Vec2 d) const {
+    constexpr double kFarthest = 1e8;  // cells; what rounding moves a place by stays well below the borders' margin
+    return std::abs(gridX(a.x)) + std::abs(d.x * perUnit_) < kFarthest &&
+           std::abs(gridY(a.y)) + std::abs(d.y * perUnit_) < kFarthest;
+  }
+  /// Calls `visit(cell, end)` for the cells along the segment from `a` in direction `d`, from place `begin` on it to place
+  /// `until`, in their order, each with the place where the segment leaves it; until `visit` returns false. Nothing lies
+  /// outside the grid: cells there aren't visited.
+  template <class Visit>
+  void visitAlong(Vec2 a, Vec2 d, double begin, double until, Visit visit) const;
 
   /// Side of a cell.
   [[nodiscard]] double cellSize() const { return 1.0 / perUnit_; }
@@ -42,10 +71,15 @@ class StartGrid {
   [[nodiscard]] std::size_t columnOf(double x) const { return clamped(gridX(x), columns_); }
   [[nodiscard]] std::size_t rowOf(double y) const { return clamped(gridY(y), rows_); }
 
-  /// For every cell how many cells up to it, in both directions, are shared; with a row and a column of zeros before
-  /// them. Empty where the borders are too long to look at each: then all cells count as shared.
-  [[nodiscard]] std::vector<std::int32_t> sharedCells(std::span<const Vec3> points, std::span<const Triangle> triangles,
-                                                      std::span<const Link> links, double margin) const;
+  /// A border edge touches a cell.
+  struct Touch {
+    std::uint32_t cell = 0;
+    Link edge = 0;
+  };
+  void findTouched(std::span<const Vec3> points, const std::int32_t* corners, std::span<const Link> links,
+                   double margin);
+  void judgeBorders(std::span<const Vec3> points, const std::int32_t* corners);
+  [[nodiscard]] std::vector<std::int32_t> sharedCells() const;
   void fillEmptyCells();
 
   Vec2 origin_;
@@ -53,6 +87,50 @@ class StartGrid {
   std::size_t columns_ = 0;
   std::size_t rows_ = 0;
   std::vector<std::int32_t> starts_;
+  std::vector<Cover> covers_;          // empty where borders are too long to look at each: all cells count as odd
+  std::vector<Touch> touches_;         // ascending by cell, while the grid is built
+  std::vector<std::uint32_t> cells_;   // of plain borders, ascending
+  std::vector<std::uint32_t> firsts_;  // where their edges begin in borders_, and where the last one's end
+  std::vector<Link> borders_;
 };
+
+template <class Visit>
+void StartGrid::visitAlong(Vec2 a, Vec2 d, double begin, double until, Visit visit) const {
+  if (covers_.empty()) return;
+  // In units of cells.
+  const Vec2 from{gridX(a.x), gridY(a.y)};
+  const Vec2 step{d.x * perUnit_, d.y * perUnit_};
+  const auto cut = [&](double start, double along, double high) {
+    if (along == 0.0) {
+      if (start < 0.0 || start > high) begin = until + 1.0;
+      return;
+    }
+    const auto [enter, leave] = std::minmax({-start / along, (high - start) / along});
+    begin = std::max(begin, enter);
+    until = std::min(until, leave);
+  };
+  cut(from.x, step.x, static_cast<double>(columns_));
+  cut(from.y, step.y, static_cast<double>(rows_));
+  if (!(begin <= until)) return;
+
+  std::size_t column = clamped(from.x + begin * step.x, columns_);
+  std::size_t row = clamped(from.y + begin * step.y, rows_);
+  constexpr double kNever = std::numeric_limits<double>::infinity();
+  const auto nextLine = [](std::size_t cell, double start, double along) {
+    if (along == 0.0) return kNever;
+    return (static_cast<double>(along > 0.0 ? cell + 1 : cell) - start) / along;
+  };
+  for (;;) {
+    const double atColumn = nextLine(column, from.x, step.x);
+    const double atRow = nextLine(row, from.y, step.y);
+    const double end = std::min(atColumn, atRow);
+    if (!visit(row * columns_ + column, end) || !(end < until)) return;
+    if (atColumn < atRow) {
+      if (step.x > 0.0 ? ++column == columns_ : column-- == 0) return;
+    } else {
+      if (step.y > 0.0 ? ++row == rows_ : row-- == 0) return;
+    }
+  }
+}
 
 }  // namespace lvx::civil::detail
