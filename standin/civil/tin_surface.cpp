@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cmath>
+#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -125,37 +127,64 @@ std::int32_t locate(const Mesh& mesh, Vec2 p) {
 /// Products of coordinates must not overflow. False for what isn't a number.
 bool isWorkable(double coordinate) { return std::abs(coordinate) <= 1e100; }
 
-void checkInput(std::span<const Vec3> points, std::span<const Triangle> triangles) {
+/// The first one that isn't good; `count` where all are.
+template <class IsGood>
+std::size_t firstBad(const RunPieces& run, std::size_t count, IsGood isGood) {
+  std::atomic<std::size_t> bad = count;
+  eachStretch(run, count, [&](std::size_t first, std::size_t end) {
+    while (first < end && isGood(first)) ++first;
+    if (first == end) return;
+    std::size_t known = bad;
+    while (first < known && !bad.compare_exchange_weak(known, first)) {
+    }
+  });
+  return bad;
+}
+
+void checkInput(std::span<const Vec3> points, std::span<const Triangle> triangles, const RunPieces& run) {
   if (triangles.size() >= kMostTriangles || points.size() > std::numeric_limits<std::int32_t>::max())
     throw std::invalid_argument("civil: a surface of " + std::to_string(triangles.size()) + " triangles and " +
                                 std::to_string(points.size()) + " points is too large");
-  for (std::size_t i = 0; i < points.size(); ++i)
-    if (!isWorkable(points[i].x) || !isWorkable(points[i].y) || !isWorkable(points[i].z))
-      throw std::invalid_argument("civil: surface point " + std::to_string(i) + " isn't at a finite place");
+  const auto isPlace = [&](std::size_t i) {
+    return isWorkable(points[i].x) && isWorkable(points[i].y) && isWorkable(points[i].z);
+  };
   const auto isPoint = [&](std::int32_t corner) {
     return corner >= 0 && static_cast<std::size_t>(corner) < points.size();
   };
-  for (std::size_t i = 0; i < triangles.size(); ++i)
-    if (!isPoint(triangles[i].a) || !isPoint(triangles[i].b) || !isPoint(triangles[i].c))
-      throw std::invalid_argument("civil: surface triangle " + std::to_string(i) + " has a corner that isn't a point");
+  const auto hasPoints = [&](std::size_t i) {
+    return isPoint(triangles[i].a) && isPoint(triangles[i].b) && isPoint(triangles[i].c);
+  };
+  if (const auto bad = firstBad(run, points.size(), isPlace); bad < points.size())
+    throw std::invalid_argument("civil: surface point " + std::to_string(bad) + " isn't at a finite place");
+  if (const auto bad = firstBad(run, triangles.size(), hasPoints); bad < triangles.size())
+    throw std::invalid_argument("civil: surface triangle " + std::to_string(bad) + " has a corner that isn't a point");
 }
 
 /// Box and elevations of the ground: of the triangles with area.
-void measure(Mesh& mesh) {
+void measure(Mesh& mesh, const RunPieces& run) {
   if (mesh.groundCount == 0) return;
   const std::int32_t* corners = cornersOf(mesh.ground());
-  Box& box = mesh.box;
   mesh.minElevation = std::numeric_limits<double>::infinity();
   mesh.maxElevation = -mesh.minElevation;
-  for (std::size_t i = 0; i < 3 * mesh.groundCount; ++i) {
-    const Vec3& p = mesh.point(corners[i]);
-    box.minX = std::min(box.minX, p.x);
-    box.minY = std::min(box.minY, p.y);
-    box.maxX = std::max(box.maxX, p.x);
-    box.maxY = std::max(box.maxY, p.y);
-    mesh.minElevation = std::min(mesh.minElevation, p.z);
-    mesh.maxElevation = std::max(mesh.maxElevation, p.z);
-  }
+  std::mutex mutex;
+  mesh.box = boxAround(run, 3 * mesh.groundCount, [&](std::size_t first, std::size_t end) {
+    Box box;
+    double lowest = std::numeric_limits<double>::infinity();
+    double highest = -lowest;
+    for (std::size_t i = first; i < end; ++i) {
+      const Vec3& p = mesh.point(corners[i]);
+      box.minX = std::min(box.minX, p.x);
+      box.minY = std::min(box.minY, p.y);
+      box.maxX = std::max(box.maxX, p.x);
+      box.maxY = std::max(box.maxY, p.y);
+      lowest = std::min(lowest, p.z);
+      highest = std::max(highest, p.z);
+    }
+    const std::lock_guard lock(mutex);
+    mesh.minElevation = std::min(mesh.minElevation, lowest);
+    mesh.maxElevation = std::max(mesh.maxElevation, highest);
+    return box;
+  });
 }
 
 /// Samples one segment.
@@ -598,23 +627,33 @@ TinSurface::TinSurface(TinSurface&&) noexcept = default;
 TinSurface& TinSurface::operator=(TinSurface&&) noexcept = default;
 TinSurface::~TinSurface() = default;
 
-TinSurface::TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles) : data_(std::make_unique<Data>()) {
-  checkInput(points, triangles);
-  renumberAlongCurve(points, triangles);
+void inOrder(std::size_t count, const std::function<void(std::size_t)>& piece) {
+  for (std::size_t i = 0; i < count; ++i) piece(i);
+}
+
+TinSurface::TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles, const RunPieces& run)
+    : data_(std::make_unique<Data>()) {
+  checkInput(points, triangles, run);
+  renumberAlongCurve(points, triangles, run);
 
   Mesh& mesh = *data_;
   mesh.points = std::move(points);
   mesh.triangles = std::move(triangles);
-  mesh.groundCount = windAndPartition(mesh.points, mesh.triangles);
+  mesh.groundCount = windAndPartition(mesh.points, mesh.triangles, run);
 
   const std::span<const Triangle> ground = mesh.ground();
-  measure(mesh);
-  Links links = linkTriangles(mesh.points.size(), ground);
+  Links links = linkTriangles(mesh.points.size(), ground, run);
   mesh.links = std::move(links.links);
   mesh.counts = {mesh.points.size(), mesh.triangles.size(), mesh.triangles.size() - mesh.groundCount,
                  links.overlappingEdges};
-  mesh.blocks = BlockTree(mesh.points, ground, mesh.box);
-  mesh.grid = StartGrid(mesh.points, ground, mesh.box, mesh.links);
+  measure(mesh, run);
+  // Neither asks for the other.
+  run(2, [&](std::size_t which) {
+    if (which == 0)
+      mesh.grid = StartGrid(mesh.points, ground, mesh.box, mesh.links);
+    else
+      mesh.blocks = BlockTree(mesh.points, ground, mesh.box);
+  });
 }
 
 bool TinSurface::isEmpty() const { return !data_ || data_->groundCount == 0; }

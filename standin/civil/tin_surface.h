@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -28,6 +30,12 @@ struct Box {
   [[nodiscard]] bool isEmpty() const { return minX > maxX; }
 };
 
+/// Calls `piece(i)` for every i below `count`, each once, in any order, perhaps several at a time; comes back when all have
+/// ended, and throws what one of them threw.
+using RunPieces = std::function<void(std::size_t count, const std::function<void(std::size_t)>& piece)>;
+/// One after the other.
+void inOrder(std::size_t count, const std::function<void(std::size_t)>& piece);
+
 /// A triangulated ground surface: points and visible triangles, with holes and any border. Coordinates and elevations in
 /// drawing units, up to 1e100 in size. Immutable once built; its queries may run in several threads at once.
 ///
@@ -54,7 +62,8 @@ class TinSurface {
   /// number up to 1e100, and for more than 500 million triangles. O(n), with many edges at one point O(n log n). Points
   /// and triangles are renumbered along a space-filling curve. It needs 17 bytes a triangle beside the arrays, and for a
   /// moment as much again.
-  TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles);
+  /// `run` does the work; the surface is the same to the last bit whatever it is.
+  TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles, const RunPieces& run = inOrder);
   TinSurface(TinSurface&&) noexcept;
   TinSurface& operator=(TinSurface&&) noexcept;
   ~TinSurface();

@@ -2,17 +2,24 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <charconv>
+#include <functional>
 #include <map>
 #include <random>
+#include <set>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <thread>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "civil/detail/predicates.h"
+#include "civil/detail/start_grid.h"
+#include "civil/detail/tin_build.h"
 #include "reference_tin.h"
 
 namespace lvx::civil {
@@ -490,6 +497,174 @@ TEST_F(TinAgainstReference, OnARing) {
     return far < 60 || far > 130;
   });
   check(t, 250);
+}
+
+/// Adds ground of its own, with its points moved.
+void addLayer(Tin& t, const Tin& layer, double x, double y) {
+  const auto first = static_cast<std::int32_t>(t.points.size());
+  for (const Vec3& p : layer.points) t.points.push_back({p.x + x, p.y + y, p.z});
+  for (const Triangle& c : layer.triangles) t.triangles.push_back({c.a + first, c.b + first, c.c + first});
+}
+
+void cutHole(Tin& t, Vec2 middle, double radius) {
+  std::erase_if(t.triangles, [&](const Triangle& triangle) {
+    const Vec3& p = t.points[static_cast<std::size_t>(triangle.a)];
+    return std::hypot(p.x - middle.x, p.y - middle.y) < radius;
+  });
+}
+
+TEST_F(TinAgainstReference, OnRoundHolesWithIslandsInAndAcrossThem) {
+  for (int terrain = 0; terrain < 16; ++terrain) {
+    Tin t = lattice(30, 30, 10, 3, random_);
+    const auto somewhere = [&] { return static_cast<double>(random_() % 300); };
+    for (auto holes = random_() % 8; holes > 0; --holes)
+      cutHole(t, {somewhere(), somewhere()}, 10.0 + static_cast<double>(random_() % 30));
+    cutHole(t, {150, 150}, 70);
+    // Within the large hole, where nothing else lies.
+    Tin island = lattice(6, 6, 10, 2, random_);
+    cutHole(island, {30, 30}, 15);
+    addLayer(t, island, 121, 122);
+    // Over what may be ground, a hole or its border.
+    if (terrain % 2 == 1) addLayer(t, lattice(3, 3, 10, 2, random_), somewhere(), somewhere());
+    ASSERT_NO_FATAL_FAILURE(check(t, 60)) << "terrain " << terrain;
+  }
+}
+
+TEST(TinSurface, HoldsOneElevationBesideHolesToTheLastBitWhetherItWalksOrGathers) {
+  std::mt19937_64 random(seedOfTest());
+  Tin t = lattice(60, 60, 10, 3, random);
+  for (int i = 0; i < 25; ++i)
+    cutHole(t, {static_cast<double>(random() % 600), static_cast<double>(random() % 600)},
+            15.0 + static_cast<double>(random() % 30));
+  std::uniform_real_distribution<double> move(-0.5, 0.5);
+  for (Vec3& p : t.points) p = {3.2e7 + p.x + move(random), 6.1e6 + p.y + move(random), p.z + move(random)};
+  const TinSurface once = surfaceOf(t);
+  Tin doubled = t;
+  doubled.triangles.insert(doubled.triangles.end(), t.triangles.begin(), t.triangles.end());
+  const TinSurface twice = surfaceOf(renumbered(doubled, random));
+  std::uniform_real_distribution<double> place(-30.0, 630.0);
+  std::size_t count = 0;
+  for (int i = 0; i < 1'000; ++i) {
+    const Vec2 a{3.2e7 + place(random), 6.1e6 + place(random)};
+    const Vec2 b{3.2e7 + place(random), 6.1e6 + place(random)};
+    const auto samples = sampled(once, a, b);
+    ASSERT_EQ(samples, sampled(twice, a, b)) << "segment " << i << ", seed " << seedOfTest();
+    count += samples.size();
+  }
+  EXPECT_GT(count, 20'000U);
+}
+
+TEST(TinSurface, IsTheSameWhoeverBuildsIt) {
+  std::mt19937_64 random(seedOfTest());
+  Tin t = lattice(260, 260, 10, 3, random);
+  cutHole(t, {1000, 1000}, 200);
+  addLayer(t, lattice(20, 20, 10, 3, random), 1700, 1800);
+  for (std::size_t i = 0; i < 50; ++i) {
+    t.triangles.push_back(t.triangles[random() % t.triangles.size()]);
+    const Triangle flat = t.triangles[random() % t.triangles.size()];
+    t.triangles.push_back({flat.a, flat.a, flat.b});
+  }
+  t = renumbered(t, random);
+  const TinSurface wanted = surfaceOf(t);
+  using Piece = std::function<void(std::size_t)>;
+  const RunPieces backwards = [](std::size_t count, const Piece& piece) {
+    while (count > 0) piece(--count);
+  };
+  const RunPieces inThreads = [](std::size_t count, const Piece& piece) {
+    std::atomic<std::size_t> next = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i)
+      threads.emplace_back([&] {
+        for (std::size_t mine = next++; mine < count; mine = next++) piece(mine);
+      });
+    for (std::thread& thread : threads) thread.join();
+  };
+  for (const RunPieces& run : {backwards, inThreads}) {
+    const TinSurface built(t.points, t.triangles, run);
+    ASSERT_TRUE(std::ranges::equal(built.points(), wanted.points()));
+    ASSERT_TRUE(std::ranges::equal(built.triangles(), wanted.triangles()));
+    EXPECT_EQ(built.counts().degenerate, wanted.counts().degenerate);
+    EXPECT_EQ(built.counts().overlappingEdges, wanted.counts().overlappingEdges);
+    EXPECT_EQ(built.box().minX, wanted.box().minX);
+    EXPECT_EQ(built.box().maxY, wanted.box().maxY);
+    EXPECT_EQ(built.minElevation(), wanted.minElevation());
+    EXPECT_EQ(built.maxElevation(), wanted.maxElevation());
+    std::uniform_real_distribution<double> place(-30.0, 2630.0);
+    for (int i = 0; i < 200; ++i) {
+      const Vec2 a{place(random), place(random)};
+      const Vec2 b{place(random), place(random)};
+      ASSERT_EQ(sampled(built, a, b), sampled(wanted, a, b));
+    }
+  }
+  // What is wrong is told by its first place, whoever finds it.
+  Tin bad = t;
+  bad.triangles[100'000].b = -1;
+  bad.triangles[20'000].c = static_cast<std::int32_t>(bad.points.size());
+  try {
+    const TinSurface surface(bad.points, bad.triangles, backwards);
+    ADD_FAILURE() << surface.counts().triangles;
+  } catch (const std::invalid_argument& error) {
+    EXPECT_STREQ(error.what(), "civil: surface triangle 20000 has a corner that isn't a point");
+  }
+}
+
+TEST(StartGrid, TellsBordersInGoodOrderFromOthers) {
+  using detail::StartGrid;
+  std::mt19937_64 random(seedOfTest());
+  const auto countOf = [](const Tin& t, StartGrid::Cover cover) {
+    std::vector<Vec3> points = t.points;
+    std::vector<Triangle> triangles = t.triangles;
+    triangles.resize(detail::windAndPartition(points, triangles));
+    Box box;
+    for (const Vec3& p : points) {
+      box.minX = std::min(box.minX, p.x);
+      box.maxX = std::max(box.maxX, p.x);
+      box.minY = std::min(box.minY, p.y);
+      box.maxY = std::max(box.maxY, p.y);
+    }
+    detail::Links links = detail::linkTriangles(points.size(), triangles);
+    const StartGrid grid(points, triangles, box, links.links);
+    std::set<std::size_t> cells;
+    for (double x = box.minX; x < box.maxX; x += 2.0)
+      for (double y = box.minY; y < box.maxY; y += 2.0)
+        if (const std::size_t cell = grid.cellOf({x, y}); grid.coverOf(cell) == cover) cells.insert(cell);
+    return cells.size();
+  };
+  using Cover = StartGrid::Cover;
+  Tin t = lattice(40, 40, 10, 0, random);
+  EXPECT_EQ(countOf(t, Cover::Odd), 0U);
+  EXPECT_EQ(countOf(t, Cover::None), 0U);
+  const std::size_t rim = countOf(t, Cover::PlainBorder);
+  EXPECT_GT(rim, 100U);
+  EXPECT_GT(countOf(t, Cover::One), 400U);
+  // A square hole.
+  std::erase_if(t.triangles, [&](const Triangle& c) {
+    const auto isWithin = [&](std::int32_t corner) {
+      const Vec3& p = t.points[static_cast<std::size_t>(corner)];
+      return p.x >= 100 && p.x <= 200 && p.y >= 100 && p.y <= 200;
+    };
+    return isWithin(c.a) && isWithin(c.b) && isWithin(c.c);
+  });
+  EXPECT_EQ(countOf(t, Cover::Odd), 0U);
+  EXPECT_GT(countOf(t, Cover::None), 20U);
+  EXPECT_GT(countOf(t, Cover::PlainBorder), rim + 20);
+  // An island in it, one layer as well.
+  Tin inHole = t;
+  addLayer(inHole, lattice(4, 4, 10, 0, random), 131, 132);
+  EXPECT_EQ(countOf(inHole, Cover::Odd), 0U);
+  // An island that touches the hole's border with a corner; one across it; one on the ground; the ground twice.
+  Tin touching = t;
+  addLayer(touching, lattice(4, 4, 10, 0, random), 100, 131);
+  EXPECT_GT(countOf(touching, Cover::Odd), 0U);
+  Tin across = t;
+  addLayer(across, lattice(4, 4, 10, 0, random), 81, 132);
+  EXPECT_GT(countOf(across, Cover::Odd), 0U);
+  Tin over = t;
+  addLayer(over, lattice(6, 6, 10, 0, random), 231, 232);
+  EXPECT_GT(countOf(over, Cover::Odd), 9U);
+  Tin twice = t;
+  addLayer(twice, t, 0, 0);
+  EXPECT_EQ(countOf(twice, Cover::One) + countOf(twice, Cover::PlainBorder), 0U);
 }
 
 TEST_F(TinAgainstReference, OnSlivers) {

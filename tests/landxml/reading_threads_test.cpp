@@ -46,6 +46,9 @@ struct Lists {
 struct Outcome {
   std::vector<Lists> lists;
   std::vector<std::tuple<int, std::string, std::size_t>> diagnostics;
+  /// Of the drawing's surfaces, as they hold them.
+  std::vector<std::vector<Place>> surfacePoints;
+  std::vector<std::vector<Corners>> surfaceTriangles;
   std::string failure;
   bool operator==(const Outcome&) const = default;
 };
@@ -70,6 +73,12 @@ Outcome read(const std::string& text, unsigned threads) {
     const civil::Drawing drawing = readDrawingText(text, "d.xml", with(threads));
     for (const civil::Diagnostic& d : drawing.diagnostics)
       outcome.diagnostics.emplace_back(static_cast<int>(d.severity), d.text, d.line);
+    for (const civil::SurfaceObject& object : drawing.surfaces) {
+      auto& points = outcome.surfacePoints.emplace_back();
+      for (const civil::Vec3& p : object.surface.points()) points.push_back({p.x, p.y, p.z});
+      auto& triangles = outcome.surfaceTriangles.emplace_back();
+      for (const civil::Triangle& t : object.surface.triangles()) triangles.push_back({t.a, t.b, t.c});
+    }
   } catch (const ReadError& error) {
     outcome.failure = error.what();
   }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <mutex>
 #include <span>
 #include <vector>
 
@@ -19,13 +21,38 @@ namespace lvx::civil::detail {
   return reinterpret_cast<const std::int32_t*>(triangles.data());
 }
 
+/// Cuts 0 to `count` into stretches and calls `use(first, end)` for each by `run`.
+template <class Use>
+void eachStretch(const RunPieces& run, std::size_t count, Use use) {
+  constexpr std::size_t kStretch = std::size_t{1} << 16;
+  run((count + kStretch - 1) / kStretch,
+      [&](std::size_t i) { use(i * kStretch, std::min((i + 1) * kStretch, count)); });
+}
+
+/// The smallest box around values that `boxOf(first, end)` gives for stretches of them.
+template <class BoxOf>
+[[nodiscard]] Box boxAround(const RunPieces& run, std::size_t count, BoxOf boxOf) {
+  Box all;
+  std::mutex mutex;
+  eachStretch(run, count, [&](std::size_t first, std::size_t end) {
+    const Box box = boxOf(first, end);
+    const std::lock_guard lock(mutex);
+    all.minX = std::min(all.minX, box.minX);
+    all.minY = std::min(all.minY, box.minY);
+    all.maxX = std::max(all.maxX, box.maxX);
+    all.maxY = std::max(all.maxY, box.maxY);
+  });
+  return all;
+}
+
 /// Numbers the triangles along a Morton curve through their lower left corners and the points by their first use; points
 /// of no triangle come last. What lies close on the ground then lies close in memory, which a walk and the tree of boxes
 /// live on, whatever order a file has. O(n).
-void renumberAlongCurve(std::vector<Vec3>& points, std::vector<Triangle>& triangles);
+void renumberAlongCurve(std::vector<Vec3>& points, std::vector<Triangle>& triangles, const RunPieces& run = inOrder);
 
 /// Winds every triangle counter-clockwise and puts those without area in plan last. Returns the number of the others.
-[[nodiscard]] std::size_t windAndPartition(std::span<const Vec3> points, std::vector<Triangle>& triangles);
+[[nodiscard]] std::size_t windAndPartition(std::span<const Vec3> points, std::vector<Triangle>& triangles,
+                                           const RunPieces& run = inOrder);
 
 /// The way across an edge. Edge i of a triangle lies opposite to its corner i and runs from corner i + 1 to corner i
 /// + 2. A link packs the triangle beyond and the number of the same edge there: 4 * triangle + edge. A link to a
@@ -42,6 +69,7 @@ struct Links {
 };
 
 /// The triangles must be wound counter-clockwise. O(n), O(n log n) for edges at one vertex.
-[[nodiscard]] Links linkTriangles(std::size_t pointCount, std::span<const Triangle> triangles);
+[[nodiscard]] Links linkTriangles(std::size_t pointCount, std::span<const Triangle> triangles,
+                                  const RunPieces& run = inOrder);
 
 }  // namespace lvx::civil::detail

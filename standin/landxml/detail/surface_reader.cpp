@@ -4,6 +4,7 @@
 
 #include "landxml/detail/numbers.h"
 #include "landxml/detail/tree.h"
+#include "standin_platform/crew.h"
 
 namespace lvx::landxml::detail {
 
@@ -79,7 +80,10 @@ void moveIntoPlace(const Context& context, std::vector<civil::Vec3>& points, dou
 
 }  // namespace
 
-void readSurfaces(Context& context, ScannedDocument& scanned, double lengthFactor, const std::function<void()>& goOn) {
+void readSurfaces(Context& context, ScannedDocument& scanned, double lengthFactor, unsigned threads,
+                  const std::function<void()>& goOn) {
+  standin_platform::Crew crew(threads);
+  const auto byCrew = [&](std::size_t count, const std::function<void(std::size_t)>& piece) { crew.run(count, piece); };
   eachChild(context.root, "Surfaces", [&](Node collection) {
     eachChild(collection, "Surface", [&](Node node) {
       civil::SurfaceObject& surface = context.drawing.surfaces.emplace_back();
@@ -121,7 +125,10 @@ void readSurfaces(Context& context, ScannedDocument& scanned, double lengthFacto
         if (!isFilled) return;
         goOn();
         moveIntoPlace(context, tin.points, lengthFactor);
-        surface.surface = civil::TinSurface(std::move(tin.points), std::move(tin.faces.triangles));
+        constexpr std::size_t kManyTriangles = 50'000;  // what takes threads longer to start than to do
+        const bool isLarge = tin.faces.triangles.size() >= kManyTriangles;
+        surface.surface = civil::TinSurface(std::move(tin.points), std::move(tin.faces.triangles),
+                                            isLarge ? civil::RunPieces(byCrew) : civil::RunPieces(civil::inOrder));
         const auto counts = surface.surface.counts();
         if (counts.degenerate > 0) {
           context.note(definition, speaker + ": " + std::to_string(counts.degenerate) +

@@ -8,7 +8,9 @@
 namespace lvx::landxml::detail {
 
 /// All surfaces; takes the points and faces that streamed past out of `scanned`. `goOn` is asked before each index
-/// is built and throws to cancel. Lengths are multiplied by `lengthFactor`.
-void readSurfaces(Context& context, ScannedDocument& scanned, double lengthFactor, const std::function<void()>& goOn);
+/// is built and throws to cancel. Lengths are multiplied by `lengthFactor`. So many threads build an index, as in
+/// ReadOptions.
+void readSurfaces(Context& context, ScannedDocument& scanned, double lengthFactor, unsigned threads,
+                  const std::function<void()>& goOn);
 
 }  // namespace lvx::landxml::detail
