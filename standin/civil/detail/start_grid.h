@@ -115,9 +115,8 @@ void StartGrid::visitAlong(Vec2 a, Vec2 d, double begin, double until, Visit vis
 
   std::size_t column = clamped(from.x + begin * step.x, columns_);
   std::size_t row = clamped(from.y + begin * step.y, rows_);
-  constexpr double kNever = std::numeric_limits<double>::infinity();
   const auto nextLine = [](std::size_t cell, double start, double along) {
-    if (along == 0.0) return kNever;
+    if (along == 0.0) return std::numeric_limits<double>::infinity();
     return (static_cast<double>(along > 0.0 ? cell + 1 : cell) - start) / along;
   };
   for (;;) {
