@@ -9,6 +9,7 @@
 #include "cli/answer.h"
 #include "cli/batch_command.h"
 #include "cli/command_line.h"
+#include "cli/dialog_command.h"
 #include "cli/failure.h"
 #include "cli/group_command.h"
 #include "cli/guarded_run.h"
@@ -44,6 +45,8 @@ ExitCode runCommand(const CommandLine& line) {
       return runBatch(line.options);
     case Command::Play:
       return runPlay(line.options);
+    case Command::Dialog:
+      return runDialog(line.options);
     case Command::Desktop:
       break;
   }

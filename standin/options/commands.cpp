@@ -113,6 +113,15 @@ std::string conditionsOfPoints() {
     "A text with a comma or a semicolon stands in quotes of its own.\n";
 }
 
+constexpr std::string_view kDialogFooter =
+    "COMMAND is projection, points or gls, or the name that the module itself gives a command.\n"
+    "Dialogs, message boxes, the box for files and help are windows of Windows; elsewhere this is an error, and\n"
+    "lvxhost-desktop shows them. An object to be picked is chosen from a list of the drawing's objects; points are named\n"
+    "by their numbers. Sections that the GLS report adds aren't saved: 'lvxhost gls --save' does that.\n"
+    "Example:\n"
+    "  lvxhost dialog examples/valley-road.xml projection\n"
+    "      the dialog of the profile projection report\n";
+
 /// The controls are those of the report dialogs, by the numbers that scripts use.
 std::string playFooter() {
   const auto number = [](int control) { return std::to_string(control); };
@@ -143,7 +152,7 @@ std::span<const CommandDescription> commands() {
   static const std::string playText = playFooter();
   static const std::string pointsText = std::string(kPointsFooter) + conditionsOfPoints();
   static const std::string groupText = std::string(kGroupFooter) + conditionsOfPoints();
-  static const std::array<CommandDescription, 8> commands{{
+  static const std::array<CommandDescription, 9> commands{{
       {Command::Info, "info", "Tell what a drawing holds", kInfoFooter},
       {Command::Projection, "projection", "Write the profile projection report: the ground across an alignment",
        kProjectionFooter},
@@ -155,6 +164,7 @@ std::span<const CommandDescription> commands() {
       {Command::Group, "group", "Make a group of points by conditions or numbers and save it", groupText},
       {Command::Batch, "batch", "Write many reports from a file of jobs", kBatchFooter},
       {Command::Play, "play", "Run commands by a script of what a user does", playText},
+      {Command::Dialog, "dialog", "Run a report by its dialog, for a person (on Windows)", kDialogFooter},
   }};
   return commands;
 }

@@ -7,7 +7,7 @@
 namespace lvx::options {
 
 /// What has options of its own: the commands of lvxhost, and lvxhost-desktop.
-enum class Command : std::uint8_t { Info, Projection, Points, Gls, Lines, Group, Batch, Play, Desktop };
+enum class Command : std::uint8_t { Info, Projection, Points, Gls, Lines, Group, Batch, Play, Dialog, Desktop };
 
 /// Any number of commands.
 class CommandSet {
@@ -31,7 +31,8 @@ inline constexpr CommandSet kReportCommands = Command::Projection | Command::Poi
 /// Those that make something in a drawing and save it.
 inline constexpr CommandSet kMakingCommands = Command::Lines | Command::Group;
 /// The commands of lvxhost that open a drawing.
-inline constexpr CommandSet kDrawingCommands = kReportCommands | kMakingCommands | Command::Info | Command::Play;
+inline constexpr CommandSet kDrawingCommands =
+    kReportCommands | kMakingCommands | Command::Info | Command::Play | Command::Dialog;
 /// Every command of lvxhost. What all of them have may also stand before the name of the command.
 inline constexpr CommandSet kEveryCommand = kDrawingCommands | Command::Batch;
 

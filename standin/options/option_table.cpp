@@ -104,6 +104,12 @@ constexpr std::array kTable{
                       .help = "JSON array of what a user does; - for standard input",
                       .isArgument = true,
                       .isRequired = true},
+    OptionDescription{.name = "COMMAND",
+                      .commands = Command::Dialog,
+                      .field = [](Options& o) -> Field { return &o.dialog.command; },
+                      .help = "projection, points, gls or a command of the module",
+                      .isArgument = true,
+                      .isRequired = true},
 
     // ---- the drawing's files
     OptionDescription{.name = "with",

@@ -138,6 +138,10 @@ struct PlayOptions {
   bool windows = false;
 };
 
+struct DialogOptions {
+  std::string command;
+};
+
 struct WindowOptions {
   std::optional<std::string> drawing;
   /// "system", "light" or "dark"; none: as last chosen.
@@ -157,6 +161,7 @@ struct Options {
   LinesOptions lines;
   BatchOptions batch;
   PlayOptions play;
+  DialogOptions dialog;
   WindowOptions window;
 };
 

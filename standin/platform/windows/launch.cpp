@@ -51,21 +51,24 @@ HANDLE family() {
   return job.get();
 }
 
-/// Names what a process inherits.
+/// Names what a process inherits, and makes it one of the family from its first moment: one that were taken in later would
+/// be left alone where this process ends before that.
 class Inheritance {
  public:
-  explicit Inheritance(std::vector<HANDLE> handles) : handles_(std::move(handles)) {
+  explicit Inheritance(std::vector<HANDLE> handles) : handles_(std::move(handles)), family_(family()) {
     std::sort(handles_.begin(), handles_.end());
     handles_.erase(std::unique(handles_.begin(), handles_.end()), handles_.end());
     for (const HANDLE handle : handles_)
       if (SetHandleInformation(handle, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT) == 0)
         throw std::system_error(lastError());
     SIZE_T size = 0;
-    InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+    InitializeProcThreadAttributeList(nullptr, 2, 0, &size);
     room_ = std::make_unique<std::byte[]>(size);
-    if (InitializeProcThreadAttributeList(list(), 1, 0, &size) == 0) throw std::system_error(lastError());
+    if (InitializeProcThreadAttributeList(list(), 2, 0, &size) == 0) throw std::system_error(lastError());
     UpdateProcThreadAttribute(list(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, handles_.data(),
                               handles_.size() * sizeof(HANDLE), nullptr, nullptr);
+    if (family_ != nullptr)
+      UpdateProcThreadAttribute(list(), 0, PROC_THREAD_ATTRIBUTE_JOB_LIST, &family_, sizeof family_, nullptr, nullptr);
   }
   Inheritance(const Inheritance&) = delete;
   Inheritance& operator=(const Inheritance&) = delete;
@@ -77,6 +80,7 @@ class Inheritance {
 
  private:
   std::vector<HANDLE> handles_;
+  HANDLE family_;
   std::unique_ptr<std::byte[]> room_;
 };
 
@@ -100,16 +104,12 @@ Launched launch(const std::filesystem::path& program, const std::vector<std::str
   start.lpAttributeList = inheritance.list();
 
   PROCESS_INFORMATION made{};
-  // Held until it belongs to the family.
   if (CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE,
-                     CREATE_SUSPENDED | CREATE_NEW_PROCESS_GROUP | EXTENDED_STARTUPINFO_PRESENT, nullptr, nullptr,
-                     &start.StartupInfo, &made) == 0)
+                     CREATE_NEW_PROCESS_GROUP | EXTENDED_STARTUPINFO_PRESENT, nullptr, nullptr, &start.StartupInfo,
+                     &made) == 0)
     throw std::system_error(lastError());
   const Handle thread(made.hThread);
-  Launched launched{Handle(made.hProcess), made.dwProcessId};
-  if (family() != nullptr) AssignProcessToJobObject(family(), launched.process.get());
-  ResumeThread(thread.get());
-  return launched;
+  return {Handle(made.hProcess), made.dwProcessId};
 }
 
 int codeOf(const Handle& process) {
