@@ -23,6 +23,8 @@ endif()
 if(WIN32)
   # Only definition files say what is exported there, so a name's visibility means nothing.
   target_compile_options(lvx_flags INTERFACE -Wno-attributes)
+  # The linker writes no time, so that the same sources make the same bytes.
+  target_link_options(lvx_flags INTERFACE -Wl,--no-insert-timestamp)
   # Of a system's header only what is asked for by name, without macros called min and max, for Windows 10.
   target_compile_definitions(lvx_flags INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
 endif()

@@ -64,8 +64,11 @@ class CLVX_MirelReportApp final : public VnRxVmxApp {
 
 /// What a command leaves to the module's unloading.
 struct ModuleWideReferences {
-  /// Touches both once, so that they are built before this object and still stand when it is destroyed.
-  ModuleWideReferences() { letGo(); }
+  /// Touches all once, so that they are built before this object and still stand when it is destroyed.
+  ModuleWideReferences() {
+    static_cast<void>(vnrxHost());
+    letGo();
+  }
   ModuleWideReferences(const ModuleWideReferences&) = delete;
   ModuleWideReferences& operator=(const ModuleWideReferences&) = delete;
   ~ModuleWideReferences() { letGo(); }

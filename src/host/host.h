@@ -30,6 +30,7 @@ class Host {
   virtual ~Host() = default;
 
   [[nodiscard]] virtual RunTime& runTime() = 0;
+  /// Not asked where the host has no windows.
   [[nodiscard]] virtual UserInterface& userInterface() = 0;
   [[nodiscard]] virtual DialogRunner& dialogs() = 0;
   [[nodiscard]] virtual platform::Platform& platform() = 0;
@@ -38,6 +39,9 @@ class Host {
   [[nodiscard]] virtual Ref<AutomationObject> createAutomationObject(const CString& programId) = 0;
   /// The running application of a program identifier.
   [[nodiscard]] virtual ActiveApplication activeApplication(const CString& programId) = 0;
+  /// False where the host has neither boxes nor dialogs for a module: on a system with windows of its own the module
+  /// brings them then, over the host's main window.
+  [[nodiscard]] virtual bool hasWindows() const { return true; }
 };
 
 }  // namespace lvx::host

@@ -17,6 +17,8 @@ class FrontEnd : public host::UserInterface {
  public:
   /// Runs a module's dialogs.
   [[nodiscard]] virtual host::DialogRunner& dialogs() = 0;
+  /// False where modules are to show dialogs, boxes and help in windows of their own, over the main window.
+  [[nodiscard]] virtual bool hasWindows() const { return true; }
   /// The host's main window for dialogs to stand over; only the front end itself understands it.
   [[nodiscard]] virtual void* mainWindow() = 0;
   /// Prints on the command line.

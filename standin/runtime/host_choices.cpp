@@ -73,6 +73,7 @@ HostOptions hostOptions(const HostChoices& choices) {
     options.supportPaths.push_back(folderOf(*messages));
   }
   options.supportPaths.push_back(messageFolder(choices.language, choices.bin).string());
+  options.supportPaths.push_back(helpFolder(choices.language, choices.bin).string());
   options.supportPaths.push_back(folderOf(chosenModule(choices)));
   return options;
 }

@@ -83,6 +83,7 @@ class StandinHost : public host::Host, public companion::CompanionAccess {
   [[nodiscard]] host::RunTime& runTime() override { return runTime_; }
   [[nodiscard]] host::UserInterface& userInterface() override { return frontEnd_; }
   [[nodiscard]] host::DialogRunner& dialogs() override { return frontEnd_.dialogs(); }
+  [[nodiscard]] bool hasWindows() const override { return frontEnd_.hasWindows(); }
   [[nodiscard]] platform::Platform& platform() override { return observedPlatform_; }
   [[nodiscard]] framework::ModuleState& moduleState() override { return moduleState_; }
   [[nodiscard]] host::Ref<host::AutomationObject> createAutomationObject(const host::CString& programId) override;

@@ -4,17 +4,13 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <functional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-// clang-format off
-#include <windows.h>
-// clang-format on
+#include "person.h"
 
 namespace lvx::native {
 namespace {
@@ -22,46 +18,11 @@ namespace {
 using host::BoxAnswer;
 using host::BoxButtons;
 using host::BoxIcon;
+using test::answerFileBox;
+using test::Person;
+using test::textOf;
 
 constexpr wchar_t kTitle[] = L"Vantor Lorvix \u0416";
-
-/// The window of this process that shows up with that title, or any dialog where it is empty; null after ten seconds.
-HWND waitForDialog(const wchar_t* title) {
-  for (int i = 0; i < 1000; ++i) {
-    HWND found = nullptr;
-    while ((found = FindWindowExW(nullptr, found, L"#32770", title)) != nullptr) {
-      DWORD process = 0;
-      GetWindowThreadProcessId(found, &process);
-      if (process == GetCurrentProcessId() && IsWindowVisible(found) != FALSE) return found;
-    }
-    Sleep(10);
-  }
-  return nullptr;
-}
-
-CString textOf(HWND window) {
-  std::array<wchar_t, 1024> text{};
-  GetWindowTextW(window, text.data(), static_cast<int>(text.size()));
-  return text.data();
-}
-
-/// A person who does `work` with the dialog of that title once it is there.
-class Person {
- public:
-  Person(const wchar_t* title, std::function<void(HWND)> work)
-      : thread_([title, work = std::move(work)] {
-          if (const HWND dialog = waitForDialog(title)) {
-            Sleep(50);
-            work(dialog);
-          }
-        }) {}
-  ~Person() { thread_.join(); }
-  Person(const Person&) = delete;
-  Person& operator=(const Person&) = delete;
-
- private:
-  std::thread thread_;
-};
 
 // ---------------------------------------------------------------- message boxes
 
@@ -134,14 +95,6 @@ CString temporaryFolder() {
   std::array<wchar_t, MAX_PATH> folder{};
   GetTempPathW(static_cast<DWORD>(folder.size()), folder.data());
   return folder.data();
-}
-
-/// Types a name into the file box, as this Wine lays it out, and presses a button.
-void answerFileBox(HWND box, const CString& name, WPARAM button) {
-  HWND edit = GetDlgItem(box, 0x47C);  // the name's list, which has the edit within
-  if (edit == nullptr) edit = GetDlgItem(box, 0x480);
-  SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name.c_str()));
-  PostMessageW(box, WM_COMMAND, button, 0);
 }
 
 TEST(WindowFileBox, GivesThePathAsItWasTypedWithoutAnExtensionOfItsOwn) {
