@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
 
 #include "civil/drawing_files.h"
+#include "landxml/detail/compressed_source.h"
 #include "landxml/detail/file_saving.h"
 #include "standin_platform/file_stamp.h"
 
@@ -56,6 +56,18 @@ void refuseTwice(const civil::Drawing& drawing, const std::string& path) {
     refuseSame(civil::pathOf(drawing, file), path);
 }
 
+/// Whether an element of that name begins in the text, behind its first byte.
+bool findsElement(std::string_view text, std::string_view name) {
+  for (std::size_t at = text.find(name, 1); at != std::string::npos; at = text.find(name, at + 1)) {
+    const char before = text[at - 1];
+    const std::size_t end = at + name.size();
+    if ((before == '<' || before == ':') && end < text.size() &&
+        std::string_view(" \t\r\n/>").find(text[end]) != std::string_view::npos)
+      return true;
+  }
+  return false;
+}
+
 /// Whether an element of that name begins somewhere in the file; comments aren't told from elements. False too once
 /// `goesOn` is.
 bool holdsAlignment(const std::string& path, const std::function<bool()>& goesOn) {
@@ -63,21 +75,19 @@ bool holdsAlignment(const std::string& path, const std::function<bool()>& goesOn
   constexpr std::size_t kBlock = std::size_t{1} << 20;
   std::error_code error;
   if (!std::filesystem::is_regular_file(path, error)) return false;  // a pipe is read once
-  std::ifstream file(std::filesystem::path(path), std::ios::binary);
   std::string text;
-  while (file && (!goesOn || goesOn())) {
-    const std::size_t kept = std::min(text.size(), kName.size() + 1);
-    text.erase(0, text.size() - kept);
-    text.resize(kept + kBlock);
-    file.read(text.data() + kept, static_cast<std::streamsize>(kBlock));
-    text.resize(kept + static_cast<std::size_t>(file.gcount()));
-    for (std::size_t at = text.find(kName, 1); at != std::string::npos; at = text.find(kName, at + 1)) {
-      const char before = text[at - 1];
-      const std::size_t end = at + kName.size();
-      if ((before == '<' || before == ':') && end < text.size() &&
-          std::string_view(" \t\r\n/>").find(text[end]) != std::string_view::npos)
-        return true;
+  try {
+    const auto file = detail::unpacked(detail::openFile(path, path), path);
+    for (std::size_t count = 1; count > 0 && (!goesOn || goesOn());) {
+      const std::size_t kept = std::min(text.size(), kName.size() + 1);
+      text.erase(0, text.size() - kept);
+      text.resize(kept + kBlock);
+      count = file->read(text.data() + kept, kBlock);
+      text.resize(kept + count);
+      if (findsElement(text, kName)) return true;
     }
+  } catch (const ReadError&) {
+    // As a file without: reading it tells why.
   }
   return false;
 }

@@ -10,6 +10,7 @@
 
 #include "civil/drawing_files.h"
 #include "civil/sibling_names.h"
+#include "landxml/detail/compressed_source.h"
 #include "landxml/detail/context.h"
 #include "landxml/detail/corridor_reader.h"
 #include "landxml/detail/file_saving.h"
@@ -219,20 +220,20 @@ civil::Drawing readDrawing(const std::string& path, const ReadOptions& options) 
   const std::string& source = options.source.empty() ? path : options.source;
   if (options.namesAlone) {
     try {
-      return readBytes(withoutGround(openFile(source, path)), path, options);
+      return readBytes(withoutGround(unpacked(openFile(source, path), path)), path, options);
     } catch (const ReadError&) {
       // Left out as it stands there, or the file's own fault: the whole tells.
     }
   }
   civil::FileMark mark;
-  civil::Drawing drawing = readBytes(openFile(source, path, &mark), path, options);
+  civil::Drawing drawing = readBytes(unpacked(openFile(source, path, &mark), path), path, options);
   drawing.file = mark;
   drawing.file.content = contentOf(drawing, 0);
   return drawing;
 }
 
 civil::Drawing readDrawingText(std::string_view text, const std::string& name, const ReadOptions& options) {
-  return readBytes(openText(text), name, options);
+  return readBytes(unpacked(openText(text), name), name, options);
 }
 
 }  // namespace lvx::landxml

@@ -2,6 +2,7 @@
 
 #include <system_error>
 
+#include "landxml/detail/compressed_source.h"
 #include "landxml/error.h"
 
 namespace lvx::landxml::detail {
@@ -62,6 +63,10 @@ auto reading(const std::string& file, Work work) {
 SourceFile::SourceFile(const std::string& path)
     : path_(path), file_(reading(path, [&] { return std::make_unique<InputFile>(path); })) {
   if (file_->kind() != InputFile::Kind::Regular) failSaving("the drawing's file is not a regular file", path_);
+  if (const std::string_view kind = compressionOf(text(0, kCompressionHead)); !kind.empty())
+    failSaving("the drawing was read from a compressed file (" + std::string(kind) +
+                   "), and saving keeps the rest of a file as it stands: unpack it and open the unpacked one",
+               path_);
 }
 
 std::size_t SourceFile::read(std::uint64_t offset, char* to, std::size_t size) const {
