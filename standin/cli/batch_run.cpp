@@ -41,7 +41,13 @@ BatchRun::BatchRun(const JobFile& jobs, BatchRunOptions options)
       jobsOf_[jobs.entries()[i].drawing].push_back(static_cast<std::uint32_t>(i));
 }
 
-BatchRun::~BatchRun() = default;
+// What runs still has no use any more, but is to take away what it began.
+BatchRun::~BatchRun() {
+  for (const auto& drawing : open_)
+    if (drawing->process) drawing->process->interrupt();
+  for (const auto& drawing : open_)
+    if (drawing->process) drawing->process->stop();
+}
 
 void BatchRun::run(const Listener& listener) {
   constexpr std::chrono::milliseconds kLookForInterruption{100};

@@ -99,12 +99,18 @@ class DrawingServer {
     if (message.result.exitCode != kDone) message.kind = WorkerMessage::Kind::NoDrawing;
     message.result.drawing = drawingHashes_;
     if (!line_.send(packed(message)) || message.result.exitCode != kDone) return message.result.exitCode;
-    // After an interruption it waits for no more jobs: one that it was told then is answered by its end.
-    while ((isTold_ && !isInterrupted()) || !running_.empty()) {
-      start();
-      wait();
-      hear();
-      collect();
+    try {
+      // After an interruption it waits for no more jobs: one that it was told then is answered by its end.
+      while ((isTold_ && !isInterrupted()) || !running_.empty()) {
+        start();
+        wait();
+        hear();
+        collect();
+      }
+    } catch (const std::exception&) {
+      // For lack of memory. What the reports began they take away themselves.
+      for (const Runner& runner : running_) runner.process->stop();
+      throw;
     }
     ready_.clear();
     return isInterrupted() ? kInterrupted : kDone;
@@ -126,7 +132,9 @@ class DrawingServer {
       end.result = runReport(job);
       const bool isAsRead = !drawing_->isChanged() && drawing_->editState() == state;
       end.isReady = isAsRead && end.result.exitCode == kDone && !isInterrupted();
-      standin_platform::KeptWords said = standin_platform::takeKeptWords();
+      standin_platform::KeptWords said;
+      // What can't be taken is left to who waits for the end of this process.
+      end.isReady = standin_platform::takeKeptWords(said) && end.isReady;
       end.result.output = std::move(said.output);
       end.result.errors = std::move(said.errors);
       line_.send(packed(end));
@@ -324,28 +332,31 @@ class DrawingServer {
       }
       const std::chrono::duration<double> seconds = Clock::now() - runner->start;
       ReportEnd end;
-      if (!runner->messages.empty()) {
-        end = unpackedEnd(runner->messages.front());
-      } else {
-        // It broke off.
-        ChildResult ended = runner->process->wait();
-        runner->process.reset();
-        end.result.job = runner->job;
-        end.result.exitCode = ended.exitCode;
-        end.result.output = std::move(ended.output);
-        end.result.errors = std::move(ended.errors);
-        end.result.drawing = drawingHashes_;
-      }
+      end.result.job = runner->job;
+      end.result.drawing = drawingHashes_;
+      const bool isTold = !runner->messages.empty();
+      if (isTold) end = unpackedEnd(runner->messages.front());
+      if (!end.isReady) hearLast(*runner, end.result, isTold);
       end.result.seconds = seconds.count();
       line_.send(packed(WorkerMessage{WorkerMessage::Kind::Result, std::move(end.result)}));
       runner->messages.clear();
       if (end.isReady) {
         ready_.splice(ready_.end(), running_, runner++);
       } else {
-        if (runner->process) (void)runner->process->wait();
         runner = running_.erase(runner);
       }
     }
+  }
+
+  /// Waits for the end of a process for reports, and adds what it said last. One that broke off told no result.
+  static void hearLast(Runner& runner, JobResult& result, bool isTold) {
+    const ChildResult ended = runner.process->wait();
+    if (!isTold) result.exitCode = ended.exitCode;
+    result.output += ended.output;
+    result.errors += ended.errors;
+    if (!ended.unread) return;
+    result.errors += "lvxhost: the report's words can't be read: " + ended.unread.message() + "\n";
+    if (result.exitCode == kDone) result.exitCode = kNotWritten;
   }
 
   const JobFile& jobs_;
@@ -387,7 +398,7 @@ ToldJob unpackedJob(std::string_view bytes) {
 
 int serveDrawing(const JobFile& jobs, const std::string& first, const WorkerOptions& options, MessageLine& line) {
   auto server = std::make_unique<DrawingServer>(jobs, options, line);
-  const int code = server->serve(first);
+  const int code = runGuarded([&] { return server->serve(first); });
   // The process ends: its memory goes as a whole, which is faster than by each object of a drawing.
   (void)server.release();
   return code;

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace lvx::standin_platform {
@@ -13,6 +14,8 @@ struct ChildResult {
   int exitCode = 127;
   std::string output;
   std::string errors;
+  /// Why some of these couldn't be read; none where all could.
+  std::error_code unread{};
 };
 
 /// A program that runs beside this one, with nothing on its standard input. One run at a time; `interrupt` may come from

@@ -70,8 +70,11 @@ class ProcessCopy {
   [[nodiscard]] MessageLine& line() { return line_; }
   /// Asks it to stop, as Ctrl-C does; once.
   void interrupt();
-  /// Waits for its end. Code and kept words as ChildResult has them.
+  /// Waits for its end. Code and kept words as ChildResult has them; words that can't be read are told as the reason in
+  /// `unread`.
   [[nodiscard]] ChildResult wait();
+  /// Interrupts it, hears no more of it and waits for its end, for who has no use for what it does. Takes no memory.
+  void stop() noexcept;
 
  private:
   struct State;
@@ -85,9 +88,9 @@ struct KeptWords {
   std::string errors;
 };
 
-/// In such a copy, also in what its C library holds back: what it said since its begin, or since the last call, which is then
-/// no longer for `wait`.
-[[nodiscard]] KeptWords takeKeptWords();
+/// In such a copy, also in what its C library holds back: appends what it said since its begin, or since the last call, which
+/// is then no longer for `wait`. False where some of that is still there.
+[[nodiscard]] bool takeKeptWords(KeptWords& words);
 
 /// What this process was begun for in the place of a copy.
 struct BegunCopy {

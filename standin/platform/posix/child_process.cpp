@@ -19,12 +19,13 @@ namespace lvx::standin_platform {
 
 namespace {
 
-std::string contentOf(const Stream& stream) {
-  std::string text;
+/// Appends what lies in a file.
+std::error_code readAll(const Stream& stream, std::string& text) {
   std::rewind(stream.get());
   char part[4096];
+  errno = 0;
   while (const std::size_t size = std::fread(part, 1, sizeof part, stream.get())) text.append(part, size);
-  return text;
+  return std::ferror(stream.get()) != 0 ? std::error_code(errno, std::generic_category()) : std::error_code();
 }
 
 }  // namespace
@@ -65,8 +66,11 @@ ChildResult ChildProcess::run(const std::filesystem::path& program, const std::v
   }
   posix_spawn_file_actions_destroy(&actions);
   if (error != 0) return {127, {}, name + ": " + std::strerror(error) + "\n"};
-  const int code = state_->wait();
-  return {code, contentOf(output), contentOf(errors)};
+  ChildResult result;
+  result.exitCode = state_->wait();
+  result.unread = readAll(output, result.output);
+  if (!result.unread) result.unread = readAll(errors, result.errors);
+  return result;
 }
 
 int ChildProcess::State::wait() {

@@ -49,13 +49,14 @@ Descriptor openKept() {
 #endif
 }
 
-std::string contentOf(int file) {
-  std::string text;
+/// Appends what lies in a file.
+std::error_code readAll(int file, std::string& text) {
   std::array<char, 4096> part{};
   for (off_t at = 0;;) {
     const ssize_t size = ::pread(file, part.data(), part.size(), at);
     if (size < 0 && errno == EINTR) continue;
-    if (size <= 0) return text;
+    if (size < 0) return lastError();
+    if (size == 0) return {};
     text.append(part.data(), static_cast<std::size_t>(size));
     at += size;
   }
@@ -137,6 +138,15 @@ void waitForMessages(std::span<MessageLine* const> lines, std::chrono::milliseco
 }
 
 struct ProcessCopy::State {
+  /// Waits for its end and gives how it came.
+  int reap() noexcept {
+    int status = 0;
+    while (::waitpid(number, &status, 0) < 0 && errno == EINTR) {
+    }
+    number = 0;
+    return status;
+  }
+
   pid_t number = 0;  ///< 0: its end was waited for
   bool isInterrupted = false;
   Descriptor output;
@@ -224,33 +234,45 @@ ProcessCopy::ProcessCopy(std::string_view /*name*/, const std::string& request, 
 ProcessCopy::~ProcessCopy() {
   if (state_->number == 0) return;
   ::kill(state_->number, SIGKILL);
-  (void)wait();
+  state_->reap();
 }
 
 void ProcessCopy::interrupt() {
   if (state_->number > 0 && !std::exchange(state_->isInterrupted, true)) ::kill(state_->number, SIGTERM);
 }
 
+void ProcessCopy::stop() noexcept {
+  if (state_->number == 0) return;
+  line_.close();
+  interrupt();
+  state_->reap();
+}
+
 ChildResult ProcessCopy::wait() {
-  int status = 0;
-  while (::waitpid(state_->number, &status, 0) < 0 && errno == EINTR) {
-  }
-  state_->number = 0;
+  const int status = state_->reap();
   ChildResult result;
   result.exitCode = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
-  if (state_->output.isOpen()) result.output = contentOf(state_->output.number());
-  if (state_->errors.isOpen()) result.errors = contentOf(state_->errors.number());
+  if (state_->output.isOpen()) result.unread = readAll(state_->output.number(), result.output);
+  if (state_->errors.isOpen() && !result.unread) result.unread = readAll(state_->errors.number(), result.errors);
   return result;
 }
 
-KeptWords takeKeptWords() {
+bool takeKeptWords(KeptWords& words) {
   std::fflush(nullptr);
-  const auto take = [](int stream) {
-    std::string words = contentOf(stream);
-    if (!words.empty() && ::ftruncate(stream, 0) == 0) ::lseek(stream, 0, SEEK_SET);
-    return words;
+  const auto take = [](int stream, std::string& taken) {
+    const std::size_t before = taken.size();
+    if (readAll(stream, taken)) {
+      taken.resize(before);
+      return false;
+    }
+    if (taken.size() == before) return true;
+    if (::ftruncate(stream, 0) != 0) {
+      taken.resize(before);
+      return false;
+    }
+    return ::lseek(stream, 0, SEEK_SET) == 0;
   };
-  return {take(STDOUT_FILENO), take(STDERR_FILENO)};
+  return take(STDOUT_FILENO, words.output) && take(STDERR_FILENO, words.errors);
 }
 
 std::optional<BegunCopy> begunCopy() { return std::nullopt; }

@@ -33,7 +33,11 @@ ChildResult ChildProcess::run(const std::filesystem::path& program, const std::v
   WaitForSingleObject(process, INFINITE);
   const std::lock_guard guard(state_->mutex);
   const Launched ended = std::exchange(state_->running, {});
-  return {codeOf(ended.process), contentOf(output.get()), contentOf(errors.get())};
+  ChildResult result;
+  result.exitCode = codeOf(ended.process);
+  result.unread = readAll(output.get(), result.output);
+  if (!result.unread) result.unread = readAll(errors.get(), result.errors);
+  return result;
 }
 
 void ChildProcess::interrupt() {

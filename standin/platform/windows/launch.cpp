@@ -148,16 +148,18 @@ Handle openKept() {
                             FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
 }
 
-std::string contentOf(HANDLE kept) {
-  std::string text;
+std::error_code readAll(HANDLE kept, std::string& text) {
   std::array<char, 4096> part{};
-  for (;;) {
+  for (std::uint64_t at = 0;;) {
     OVERLAPPED place{};
-    place.Offset = static_cast<DWORD>(text.size());
-    place.OffsetHigh = static_cast<DWORD>(std::uint64_t{text.size()} >> 32U);
+    place.Offset = static_cast<DWORD>(at);
+    place.OffsetHigh = static_cast<DWORD>(at >> 32U);
     DWORD count = 0;
-    if (ReadFile(kept, part.data(), static_cast<DWORD>(part.size()), &count, &place) == 0 || count == 0) return text;
+    if (ReadFile(kept, part.data(), static_cast<DWORD>(part.size()), &count, &place) == 0)
+      return GetLastError() == ERROR_HANDLE_EOF ? std::error_code() : lastError();
+    if (count == 0) return {};
     text.append(part.data(), count);
+    at += count;
   }
 }
 

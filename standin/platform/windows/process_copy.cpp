@@ -227,6 +227,14 @@ void ProcessCopy::interrupt() {
   if (state_->process.process.isOpen() && !std::exchange(state_->isInterrupted, true)) askToStop(state_->process);
 }
 
+void ProcessCopy::stop() noexcept {
+  if (!state_->process.process.isOpen()) return;
+  line_.close();
+  interrupt();
+  const Launched ended = std::exchange(state_->process, {});
+  (void)codeOf(ended.process);
+}
+
 ChildResult ProcessCopy::wait() {
   const Launched ended = std::exchange(state_->process, {});
   ChildResult result;
@@ -234,21 +242,23 @@ ChildResult ProcessCopy::wait() {
   // One that was asked before it could hear that.
   if (state_->isInterrupted && result.exitCode == kAskedToEnd) result.exitCode = kInterruptedCode;
   if (state_->isKept) {
-    result.output = contentOf(state_->output.get());
-    result.errors = contentOf(state_->errors.get());
+    result.unread = readAll(state_->output.get(), result.output);
+    if (!result.unread) result.unread = readAll(state_->errors.get(), result.errors);
   }
   return result;
 }
 
-KeptWords takeKeptWords() {
+bool takeKeptWords(KeptWords& words) {
   std::fflush(nullptr);
-  const auto take = [](DWORD stream) {
+  const auto take = [](DWORD stream, std::string& taken) {
     const HANDLE kept = GetStdHandle(stream);
-    std::string words = contentOf(kept);
-    if (SetFilePointer(kept, 0, nullptr, FILE_BEGIN) == 0) SetEndOfFile(kept);
-    return words;
+    const std::size_t before = taken.size();
+    if (!readAll(kept, taken) && SetFilePointer(kept, 0, nullptr, FILE_BEGIN) == 0 && SetEndOfFile(kept) != 0)
+      return true;
+    taken.resize(before);
+    return false;
   };
-  return {take(STD_OUTPUT_HANDLE), take(STD_ERROR_HANDLE)};
+  return take(STD_OUTPUT_HANDLE, words.output) && take(STD_ERROR_HANDLE, words.errors);
 }
 
 std::optional<BegunCopy> begunCopy() {

@@ -36,7 +36,8 @@ void askToStop(const Launched& launched);
 
 /// A file in the temporary folder for what a process says, gone when it is closed. Not open where there is no room.
 [[nodiscard]] Handle openKept();
-[[nodiscard]] std::string contentOf(HANDLE kept);
+/// Appends what lies in it.
+[[nodiscard]] std::error_code readAll(HANDLE kept, std::string& text);
 /// Nothing to read.
 [[nodiscard]] Handle openNothing();
 
