@@ -504,6 +504,48 @@ TEST_P(EveryDialog, HasItsControlsWhereTheTemplatePutsThem) {
   }
 }
 
+/// Room that a control's text takes on the screen, at most as wide as the control where it may go over lines.
+SIZE roomOfText(HWND control, bool mayWrap) {
+  const HDC context = GetDC(control);
+  const HGDIOBJ former = SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
+  std::array<wchar_t, 1024> text{};
+  GetWindowTextW(control, text.data(), static_cast<int>(text.size()));
+  RECT room{};
+  GetClientRect(control, &room);
+  DrawTextW(context, text.data(), -1, &room, static_cast<UINT>(DT_CALCRECT | (mayWrap ? DT_WORDBREAK : DT_SINGLELINE)));
+  SelectObject(context, former);
+  ReleaseDC(control, context);
+  return {room.right - room.left, room.bottom - room.top};
+}
+
+TEST_P(EveryDialog, CutsNoTextOffInEitherLanguage) {
+  for (const char* language : {"en", "de"}) {
+    drawing_.host.useMessages(language);
+    const auto behaviour = GetParam().make(drawing_.host);
+    WindowDialog window(*behaviour, nullptr);
+    window.open();
+    int looked = 0;
+    for (const host::ControlTemplate& control : behaviour->dialogTemplate().controls) {
+      const bool isButton = control.kind == ControlKind::PushButton || control.kind == ControlKind::DefaultButton;
+      const bool isLabel = control.kind == ControlKind::Label;
+      if (!isButton && !isLabel && control.kind != ControlKind::CheckBox && control.kind != ControlKind::GroupBox)
+        continue;
+      const HWND shown = GetDlgItem(static_cast<HWND>(window.handle()), control.id);
+      RECT place{};
+      GetClientRect(shown, &place);
+      const SIZE text = roomOfText(shown, isLabel);
+      // A check box has its mark before the text, a group its corner.
+      const LONG besides = control.kind == ControlKind::CheckBox ? 16 : control.kind == ControlKind::GroupBox ? 9 : 0;
+      EXPECT_LE(text.cx + besides, place.right) << language << " " << control.id;
+      if (isLabel) {
+        EXPECT_LE(text.cy, place.bottom) << language << " " << control.id;
+      }
+      ++looked;
+    }
+    EXPECT_GT(looked, 2);
+  }
+}
+
 /// Pictures of the dialogs for whoever wants to look at them, where LVX_PICTURES names a folder.
 TEST_P(EveryDialog, ShowsItsTextsInBothLanguages) {
   const char* const folder = std::getenv("LVX_PICTURES");
@@ -514,6 +556,7 @@ TEST_P(EveryDialog, ShowsItsTextsInBothLanguages) {
     window.open();
     if (window.rowCount(host::kIdSites) > 0) window.userSelects(host::kIdSites, 0);
     if (window.rowCount(host::kIdSites) > 0) window.userTypes(host::kIdOutputStem, L"C:\\out\\valley");
+    SetForegroundWindow(static_cast<HWND>(window.handle()));
     window.settle();
     const test::WindowPicture picture = test::pictureOf(window.handle());
     EXPECT_GT(picture.width, 300);
