@@ -82,9 +82,11 @@ void requirePlaces(runtime::StandinHost& host, const std::string& stem, const st
     throw Failure(kNotWritten, "nothing was written: " + (std::filesystem::exists(folder, error)
                                                               ? "'" + folder + "' is no folder"
                                                               : "there is no folder '" + folder + "'"));
-  for (const Expected& file : expected)
-    if (const std::string reason = host.whyNoOutput(file.path); !reason.empty())
+  for (const Expected& file : expected) {
+    const std::error_code forbidden = standin_platform::whyNoNameOfFile(file.path);
+    if (const std::string reason = forbidden ? forbidden.message() : host.whyNoOutput(file.path); !reason.empty())
       throw Failure(kNotWritten, "nothing was written: '" + file.path + "' can't be an output: " + reason);
+  }
   const auto isMade = [](const Expected& file) { return isMadeInFolder(file.path); };
   if (!std::any_of(expected.begin(), expected.end(), isMade)) return;
   if (const std::error_code reason = standin_platform::whyNoNewFile(folder))

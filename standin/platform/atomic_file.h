@@ -52,6 +52,9 @@ struct AtomicFilePolicy {
 /// Why `folder` takes no new file; nothing where it takes one, which is tried.
 [[nodiscard]] std::error_code whyNoNewFile(const std::filesystem::path& folder);
 
+/// Why no file can have this name whatever stands there: a name that the system keeps for itself. Nothing where one can.
+[[nodiscard]] std::error_code whyNoNameOfFile(const std::filesystem::path& path);
+
 /// A file of which never a part is seen: it grows under a name of its own beside its target and takes the target's place in
 /// `commit`. Without that it vanishes and the target stays what it was.
 ///

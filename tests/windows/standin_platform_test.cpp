@@ -81,6 +81,36 @@ TEST_F(WindowsFiles, AFileAppearsWholeOrNotAtAll) {
   EXPECT_EQ(fileCount(), 1U);
 }
 
+TEST_F(WindowsFiles, NarrowNamesAreUtf8) {
+  struct Row {
+    std::string narrow;
+    std::wstring wide;
+    std::string back;
+  };
+  const std::vector<Row> table{{"Stra\xC3\x9F"
+                                "e",
+                                L"Stra\u00DFe",
+                                "Stra\xC3\x9F"
+                                "e"},
+                               {"\xD0\x96\xE2\x82\xAC", L"\u0416\u20AC", "\xD0\x96\xE2\x82\xAC"},
+                               {"\xF0\x9F\x9B\xA3", L"\xD83D\xDEE3", "\xF0\x9F\x9B\xA3"},
+                               {"a\xFF"
+                                "b\xC3",
+                                L"a\uFFFD"
+                                L"b\uFFFD",
+                                "a\xEF\xBF\xBD"
+                                "b\xEF\xBF\xBD"},
+                               {"\xC0\xAF", L"\uFFFD\uFFFD", "\xEF\xBF\xBD\xEF\xBF\xBD"},
+                               {"\xED\xB3\xBF", L"\uFFFD\uFFFD\uFFFD", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"}};
+  for (const Row& row : table) {
+    EXPECT_TRUE(fs::path(row.narrow).native() == row.wide) << row.narrow;
+    EXPECT_EQ(fs::path(row.narrow).string(), row.back);
+  }
+  const std::string whole = (folder_.path() / L"Stra\u00DFe \u0416.txt").string();
+  EXPECT_EQ(whyNotWritten(fs::path(whole)), "");
+  EXPECT_NE(GetFileAttributesW((folder_.path() / L"Stra\u00DFe \u0416.txt").c_str()), INVALID_FILE_ATTRIBUTES);
+}
+
 TEST_F(WindowsFiles, NamesThatWindowsKeepsForItselfAreRefused) {
   struct Row {
     const wchar_t* name;

@@ -136,6 +136,8 @@ struct AtomicFile::State {
   bool isSettled = false;
 };
 
+std::error_code whyNoNameOfFile(const fs::path& path) { return whyForbidden(path); }
+
 std::error_code whyNoNewFile(const fs::path& folder) {
   try {
     const AtomicFile probe(folder / "probe", {.keepsTarget = false});

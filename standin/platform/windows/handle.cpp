@@ -33,29 +33,19 @@ struct Meaning {
   int number;
 };
 
-constexpr std::array kMeanings{Meaning{ERROR_FILE_NOT_FOUND, ENOENT},
-                               Meaning{ERROR_PATH_NOT_FOUND, ENOENT},
-                               Meaning{ERROR_INVALID_NAME, ENOENT},
-                               Meaning{ERROR_BAD_PATHNAME, ENOENT},
-                               Meaning{ERROR_BAD_NETPATH, ENOENT},
-                               Meaning{ERROR_BAD_NET_NAME, ENOENT},
-                               Meaning{ERROR_INVALID_DRIVE, ENOENT},
-                               Meaning{ERROR_TOO_MANY_OPEN_FILES, EMFILE},
-                               Meaning{ERROR_ACCESS_DENIED, EACCES},
-                               Meaning{ERROR_WRITE_PROTECT, EROFS},
-                               Meaning{ERROR_NOT_ENOUGH_MEMORY, ENOMEM},
-                               Meaning{ERROR_OUTOFMEMORY, ENOMEM},
-                               Meaning{ERROR_COMMITMENT_LIMIT, ENOMEM},
-                               Meaning{ERROR_NO_SYSTEM_RESOURCES, ENOMEM},
-                               Meaning{ERROR_FILE_EXISTS, EEXIST},
-                               Meaning{ERROR_ALREADY_EXISTS, EEXIST},
-                               Meaning{ERROR_BROKEN_PIPE, EPIPE},
-                               Meaning{ERROR_NO_DATA, EPIPE},
-                               Meaning{ERROR_DISK_FULL, ENOSPC},
-                               Meaning{ERROR_HANDLE_DISK_FULL, ENOSPC},
-                               Meaning{ERROR_DIRECTORY, ENOTDIR},
-                               Meaning{ERROR_DIR_NOT_EMPTY, ENOTEMPTY},
-                               Meaning{ERROR_FILENAME_EXCED_RANGE, ENAMETOOLONG}};
+constexpr std::array kMeanings{
+    Meaning{ERROR_FILE_NOT_FOUND, ENOENT},    Meaning{ERROR_PATH_NOT_FOUND, ENOENT},
+    Meaning{ERROR_INVALID_NAME, ENOENT},      Meaning{ERROR_BAD_PATHNAME, ENOENT},
+    Meaning{ERROR_BAD_NETPATH, ENOENT},       Meaning{ERROR_BAD_NET_NAME, ENOENT},
+    Meaning{ERROR_INVALID_DRIVE, ENOENT},     Meaning{ERROR_TOO_MANY_OPEN_FILES, EMFILE},
+    Meaning{ERROR_ACCESS_DENIED, EACCES},     Meaning{ERROR_WRITE_PROTECT, EROFS},
+    Meaning{ERROR_NOT_ENOUGH_MEMORY, ENOMEM}, Meaning{ERROR_OUTOFMEMORY, ENOMEM},
+    Meaning{ERROR_COMMITMENT_LIMIT, ENOMEM},  Meaning{ERROR_NO_SYSTEM_RESOURCES, ENOMEM},
+    Meaning{ERROR_FILE_EXISTS, EEXIST},       Meaning{ERROR_ALREADY_EXISTS, EEXIST},
+    Meaning{ERROR_BROKEN_PIPE, EPIPE},        Meaning{ERROR_NO_DATA, EPIPE},
+    Meaning{ERROR_DISK_FULL, ENOSPC},         Meaning{ERROR_HANDLE_DISK_FULL, ENOSPC},
+    Meaning{ERROR_BAD_EXE_FORMAT, ENOEXEC},   Meaning{ERROR_DIRECTORY, ENOTDIR},
+    Meaning{ERROR_DIR_NOT_EMPTY, ENOTEMPTY},  Meaning{ERROR_FILENAME_EXCED_RANGE, ENAMETOOLONG}};
 
 }  // namespace
 

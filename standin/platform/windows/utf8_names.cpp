@@ -13,10 +13,8 @@ void haveUtf8Names() {}
 
 namespace {
 
-/// Stand for bytes that are no UTF-8: halves of a pair that have no other half.
-constexpr std::uint32_t kFirstByte = 0xDC80;
-constexpr std::uint32_t kLastByte = 0xDCFF;
-constexpr std::uint32_t kBytes = 0xDC00;
+/// Stands for what is no UTF-8, and for half of a pair without the other.
+constexpr std::uint32_t kReplacement = 0xFFFD;
 
 constexpr bool isHigh(std::uint32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 constexpr bool isLow(std::uint32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
@@ -35,27 +33,27 @@ Letter letterAt(const char* at, const char* end) {
                    : first >= 0xE0 && first < 0xF0 ? 3
                    : first >= 0xF0 && first < 0xF5 ? 4
                                                    : 0;
-  if (size == 0 || end - at < size) return {kBytes + first, 1};
+  if (size == 0 || end - at < size) return {kReplacement, 1};
   std::uint32_t code = first & (0xFFU >> static_cast<unsigned>(size + 1));
   for (int i = 1; i < size; ++i) {
-    if ((byte(i) & 0xC0U) != 0x80) return {kBytes + first, 1};
+    if ((byte(i) & 0xC0U) != 0x80) return {kReplacement, 1};
     code = code << 6U | (byte(i) & 0x3FU);
   }
   const bool isTooLong = (size == 3 && code < 0x800) || (size == 4 && code < 0x10000);
-  // Half of a pair that stands for a byte would come back as that byte.
-  if (isTooLong || code > 0x10FFFF || (code >= kFirstByte && code <= kLastByte)) return {kBytes + first, 1};
+  const bool isHalf = isHigh(code) || isLow(code);
+  if (isTooLong || isHalf || code > 0x10FFFF) return {kReplacement, 1};
   return {code, size};
 }
 
 Letter letterAt(const wchar_t* at, const wchar_t* end) {
   const std::uint32_t first = at[0];
-  if (!isHigh(first) || end - at < 2 || !isLow(at[1])) return {first, 1};
+  if (!isHigh(first)) return {isLow(first) ? kReplacement : first, 1};
+  if (end - at < 2 || !isLow(at[1])) return {kReplacement, 1};
   return {0x10000 + ((first - 0xD800) << 10U) + (std::uint32_t{at[1]} - 0xDC00), 2};
 }
 
 constexpr std::ptrdiff_t unitsOf(std::uint32_t code) { return code < 0x10000 ? 1 : 2; }
 constexpr std::ptrdiff_t bytesOf(std::uint32_t code) {
-  if (code >= kFirstByte && code <= kLastByte) return 1;
   return code < 0x80 ? 1 : code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;
 }
 
@@ -71,7 +69,7 @@ void put(std::uint32_t code, wchar_t*& to) {
 void put(std::uint32_t code, char*& to) {
   const std::ptrdiff_t size = bytesOf(code);
   if (size == 1) {
-    *to++ = static_cast<char>(code < 0x80 ? code : code - kBytes);
+    *to++ = static_cast<char>(code);
     return;
   }
   const auto marks = static_cast<std::uint32_t>(size == 2 ? 0xC0 : size == 3 ? 0xE0 : 0xF0);
