@@ -186,36 +186,40 @@ class DrawingServer {
   void start() {
     while (!waiting_.empty()) {
       const std::size_t index = unpackedJob(waiting_.front()).job;
+      // Its place first: a report that runs without one would be killed in the middle of its files.
+      running_.emplace_back();
       try {
-        running_.push_back(runnerOf(waiting_.front()));
+        giveTo(running_.back(), waiting_.front());
         running_.back().job = index;
         running_.back().start = Clock::now();
       } catch (const std::system_error& error) {
+        running_.pop_back();
         if (!running_.empty()) return;
         WorkerMessage message{WorkerMessage::Kind::Result, {}};
         message.result.job = index;
         message.result.exitCode = kNotWritten;
         message.result.errors = "lvxhost: the system has no process for this report: " + error.code().message() + "\n";
         line_.send(packed(message));
+      } catch (...) {
+        running_.pop_back();
+        throw;
       }
       waiting_.pop_front();
     }
   }
 
-  /// A process that was told the job: one that is ready, or a new one.
-  [[nodiscard]] Runner runnerOf(const std::string& told) {
+  /// Tells the job to a process: one that is ready, or a new one.
+  void giveTo(Runner& runner, const std::string& told) {
     while (!ready_.empty()) {
-      Runner runner = std::move(ready_.back());
+      runner.process = std::move(ready_.back().process);
       ready_.pop_back();
       std::vector<std::string> none;
-      if (runner.process->line().take(none) && runner.process->line().send(told)) return runner;
+      if (runner.process->line().take(none) && runner.process->line().send(told)) return;
     }
-    Runner runner;
     runner.process = std::make_unique<ProcessCopy>(
         kReportWork, told,
         [&](const std::string& first, MessageLine& line) { return DrawingServer(*this, line).serveReports(first); },
         ProcessCopy::Streams::Kept);
-    return runner;
   }
 
   /// The next job that this process for reports is told; none once the line is closed, or after an interruption.
