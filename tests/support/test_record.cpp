@@ -13,7 +13,7 @@ void TestRecord::keepIfWanted() {
 
 TestRecord::TestRecord(const std::filesystem::path& path) {
   std::filesystem::create_directories(path.parent_path());
-  file_.open(path, std::ios::trunc);
+  file_.open(path, std::ios::trunc | std::ios::binary);  // the same lines on every system
   if (!file_) throw std::runtime_error("the record of tests can't be written: " + path.string());
 }
 
