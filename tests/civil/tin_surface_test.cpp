@@ -530,12 +530,9 @@ TEST_F(TinAgainstReference, OnRoundHolesWithIslandsInAndAcrossThem) {
   }
 }
 
-TEST(TinSurface, HoldsOneElevationBesideHolesToTheLastBitWhetherItWalksOrGathers) {
-  std::mt19937_64 random(seedOfTest());
-  Tin t = lattice(60, 60, 10, 3, random);
-  for (int i = 0; i < 25; ++i)
-    cutHole(t, {static_cast<double>(random() % 600), static_cast<double>(random() % 600)},
-            15.0 + static_cast<double>(random() % 30));
+/// Samples a surface, far from the origin and with its corners moved, and the same given twice, where no triangle is alone
+/// where it lies, so that nothing is walked; the ground is the same. `leastSamples`: or this shows nothing.
+void sampleWalkingAndGathering(Tin t, std::mt19937_64& random, int segments, std::size_t leastSamples) {
   std::uniform_real_distribution<double> move(-0.5, 0.5);
   for (Vec3& p : t.points) p = {3.2e7 + p.x + move(random), 6.1e6 + p.y + move(random), p.z + move(random)};
   const TinSurface once = surfaceOf(t);
@@ -544,14 +541,23 @@ TEST(TinSurface, HoldsOneElevationBesideHolesToTheLastBitWhetherItWalksOrGathers
   const TinSurface twice = surfaceOf(renumbered(doubled, random));
   std::uniform_real_distribution<double> place(-30.0, 630.0);
   std::size_t count = 0;
-  for (int i = 0; i < 1'000; ++i) {
+  for (int i = 0; i < segments; ++i) {
     const Vec2 a{3.2e7 + place(random), 6.1e6 + place(random)};
     const Vec2 b{3.2e7 + place(random), 6.1e6 + place(random)};
     const auto samples = sampled(once, a, b);
     ASSERT_EQ(samples, sampled(twice, a, b)) << "segment " << i << ", seed " << seedOfTest();
     count += samples.size();
   }
-  EXPECT_GT(count, 20'000U);
+  EXPECT_GT(count, leastSamples);
+}
+
+TEST(TinSurface, HoldsOneElevationBesideHolesToTheLastBitWhetherItWalksOrGathers) {
+  std::mt19937_64 random(seedOfTest());
+  Tin t = lattice(60, 60, 10, 3, random);
+  for (int i = 0; i < 25; ++i)
+    cutHole(t, {static_cast<double>(random() % 600), static_cast<double>(random() % 600)},
+            15.0 + static_cast<double>(random() % 30));
+  sampleWalkingAndGathering(std::move(t), random, 1'000, 20'000);
 }
 
 TEST(TinSurface, IsTheSameWhoeverBuildsIt) {
@@ -716,25 +722,9 @@ TEST_F(TinAgainstReference, WithCornersOnOtherTrianglesEdges) {
 }
 
 TEST(TinSurface, SamplesTheSameToTheLastBitWhetherItWalksOrGathers) {
-  // Given twice, no triangle is alone where it lies, so nothing is walked; the ground is the same.
   std::mt19937_64 random(seedOfTest());
   Tin t = lattice(60, 60, 10, 3, random);
-  std::uniform_real_distribution<double> move(-0.5, 0.5);
-  for (Vec3& p : t.points) p = {3.2e7 + p.x + move(random), 6.1e6 + p.y + move(random), p.z + move(random)};
-  const TinSurface once = surfaceOf(t);
-  Tin doubled = t;
-  doubled.triangles.insert(doubled.triangles.end(), t.triangles.begin(), t.triangles.end());
-  const TinSurface twice = surfaceOf(renumbered(doubled, random));
-  std::size_t count = 0;
-  std::uniform_real_distribution<double> place(-30.0, 630.0);
-  for (int i = 0; i < 300; ++i) {
-    const Vec2 a{3.2e7 + place(random), 6.1e6 + place(random)};
-    const Vec2 b{3.2e7 + place(random), 6.1e6 + place(random)};
-    const auto samples = sampled(once, a, b);
-    ASSERT_EQ(samples, sampled(twice, a, b)) << "segment " << i << ", seed " << seedOfTest();
-    count += samples.size();
-  }
-  EXPECT_GT(count, 10'000U);
+  sampleWalkingAndGathering(std::move(t), random, 300, 10'000);
 }
 
 TEST_F(TinAgainstReference, OnASoupOfTriangles) {

@@ -266,18 +266,6 @@ class ZipSource : public ByteSource {
   std::uint64_t out_ = 0;
 };
 
-std::string allOf(ByteSource& bytes) {
-  std::string all;
-  constexpr std::size_t kBlock = std::size_t{1} << 20;
-  for (;;) {
-    const std::size_t size = all.size();
-    all.resize(size + kBlock);
-    const std::size_t count = bytes.read(all.data() + size, kBlock);
-    all.resize(size + count);
-    if (count == 0) return all;
-  }
-}
-
 }  // namespace
 
 std::string_view compressionOf(std::string_view head) {
@@ -298,7 +286,7 @@ std::unique_ptr<ByteSource> unpacked(std::unique_ptr<ByteSource> bytes, const st
   const std::string_view kind = compressionOf(head);
   auto whole = std::make_unique<WithHead>(std::move(head), std::move(bytes));
   if (kind == "gzip") return std::make_unique<GzipSource>(std::move(whole), file);
-  if (kind == "zip") return std::make_unique<ZipSource>(allOf(*whole), file);
+  if (kind == "zip") return std::make_unique<ZipSource>(readAll(*whole), file);
   return whole;
 }
 

@@ -102,6 +102,8 @@ std::string declaredEncoding(std::string_view head) {
   return name;
 }
 
+}  // namespace
+
 std::string readAll(ByteSource& bytes, std::string head) {
   std::string all = std::move(head);
   constexpr std::size_t kBlock = 1 << 20;
@@ -113,8 +115,6 @@ std::string readAll(ByteSource& bytes, std::string head) {
     if (count == 0) return all;
   }
 }
-
-}  // namespace
 
 std::unique_ptr<ByteSource> openFile(const std::string& path, const std::string& name, civil::FileMark* mark) {
   return std::make_unique<FileSource>(path, name, mark);

@@ -26,6 +26,9 @@ class ByteSource {
   [[nodiscard]] virtual std::uint64_t totalBytes() const = 0;
 };
 
+/// `head` and all that is left.
+[[nodiscard]] std::string readAll(ByteSource& bytes, std::string head = {});
+
 /// Messages name the file `name`. `mark` (or null) is complete when the file has been read to its end; it must outlive the
 /// source.
 [[nodiscard]] std::unique_ptr<ByteSource> openFile(const std::string& path, const std::string& name,

@@ -21,6 +21,7 @@
 #include <sys/prctl.h>
 #endif
 
+#include "standin_platform/detail/message_frame.h"
 #include "standin_platform/interruption.h"
 #include "standin_platform/posix/detail/descriptor.h"
 #ifndef __linux__
@@ -36,8 +37,6 @@ std::set<int>& heldEnds() {
   static std::set<int> ends;
   return ends;
 }
-
-using Length = std::uint64_t;
 
 /// A file for what a copy says. Making and removing one on a disk may take longer than a report.
 Descriptor openKept() {
@@ -96,9 +95,7 @@ MessageLine::MessageLine(MessageLine&& other) noexcept = default;
 MessageLine::~MessageLine() = default;
 
 bool MessageLine::send(std::string_view message) {
-  const Length length = message.size();
-  std::array<char, sizeof length> head{};
-  std::memcpy(head.data(), &length, sizeof length);
+  const auto head = detail::headOf(message);
   return state_->end.isOpen() && state_->write(head.data(), head.size()) &&
          state_->write(message.data(), message.size());
 }
@@ -115,15 +112,7 @@ bool MessageLine::take(std::vector<std::string>& messages) {
     else
       state_->part.append(bytes.data(), static_cast<std::size_t>(count));
   }
-  std::string_view rest = state_->part;
-  Length length = 0;
-  while (rest.size() >= sizeof length) {
-    std::memcpy(&length, rest.data(), sizeof length);
-    if (rest.size() - sizeof length < length) break;
-    messages.emplace_back(rest.substr(sizeof length, length));
-    rest.remove_prefix(sizeof length + length);
-  }
-  state_->part.erase(0, state_->part.size() - rest.size());
+  detail::takeWhole(state_->part, messages);
   return isOpen;
 }
 

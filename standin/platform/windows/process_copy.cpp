@@ -12,6 +12,7 @@
 
 #include <windows.h>
 
+#include "standin_platform/detail/message_frame.h"
 #include "standin_platform/program_arguments.h"
 #include "standin_platform/program_file.h"
 #include "standin_platform/windows/detail/begun_again.h"
@@ -23,18 +24,8 @@ namespace lvx::standin_platform {
 
 namespace {
 
-using Length = std::uint64_t;
-
 constexpr int kInterruptedCode = 130;
 constexpr int kAskedToEnd = 143;
-
-/// What goes before a message.
-std::string headOf(std::string_view message) {
-  const Length length = message.size();
-  std::string head(sizeof length, '\0');
-  std::memcpy(head.data(), &length, sizeof length);
-  return head;
-}
 
 /// Where the ends of all lines tell that something came.
 HANDLE arrivals() {
@@ -122,7 +113,7 @@ MessageLine::~MessageLine() = default;
 
 bool MessageLine::send(std::string_view message) {
   if (!state_->end.isOpen()) return false;
-  const std::string head = headOf(message);
+  const auto head = detail::headOf(message);
   return state_->write(head.data(), head.size()) && state_->write(message.data(), message.size());
 }
 
@@ -132,15 +123,7 @@ bool MessageLine::take(std::vector<std::string>& messages) {
     if (!state.isReading && !state.isEnded) state.read();
   } while (State::hear(0) || (!state.isReading && !state.isEnded));
   state.hasNews = false;
-  std::string_view rest = state.part;
-  Length length = 0;
-  while (rest.size() >= sizeof length) {
-    std::memcpy(&length, rest.data(), sizeof length);
-    if (rest.size() - sizeof length < length) break;
-    messages.emplace_back(rest.substr(sizeof length, length));
-    rest.remove_prefix(sizeof length + length);
-  }
-  state.part.erase(0, state.part.size() - rest.size());
+  detail::takeWhole(state.part, messages);
   return !state.isEnded;
 }
 
@@ -275,7 +258,10 @@ std::optional<BegunCopy> begunCopy() {
   if (messages.empty()) throw std::system_error(std::make_error_code(std::errc::broken_pipe));
   // What came with it is for the work.
   std::string rest;
-  for (std::size_t i = 1; i < messages.size(); ++i) rest.append(headOf(messages[i])).append(messages[i]);
+  for (std::size_t i = 1; i < messages.size(); ++i) {
+    const auto head = detail::headOf(messages[i]);
+    rest.append(head.data(), head.size()).append(messages[i]);
+  }
   taken.part.insert(0, rest);
   taken.hasNews = !rest.empty();
   return BegunCopy{std::move(begun.name), std::move(messages.front()), std::move(line)};

@@ -78,12 +78,28 @@ void put(std::uint32_t code, char*& to) {
     *to++ = static_cast<char>(0x80U | (code >> static_cast<unsigned>(6 * left) & 0x3FU));
 }
 
+std::ptrdiff_t roomOf(std::uint32_t code, const wchar_t* /*to*/) { return unitsOf(code); }
+std::ptrdiff_t roomOf(std::uint32_t code, const char* /*to*/) { return bytesOf(code); }
+
+/// Letter by letter, as long as there is room for a whole one.
+template <class From, class To>
+std::codecvt_base::result convert(const From* from, const From* end, const From*& next, To* to, const To* toEnd,
+                                  To*& toNext) {
+  for (next = from, toNext = to; next < end;) {
+    const Letter letter = letterAt(next, end);
+    if (toEnd - toNext < roomOf(letter.code, toNext)) return std::codecvt_base::partial;
+    put(letter.code, toNext);
+    next += letter.size;
+  }
+  return std::codecvt_base::ok;
+}
+
 }  // namespace
 }  // namespace lvx::standin_platform
 
 namespace std {
 
-using lvx::standin_platform::bytesOf;
+using lvx::standin_platform::convert;
 using lvx::standin_platform::letterAt;
 using lvx::standin_platform::unitsOf;
 
@@ -91,34 +107,14 @@ codecvt_base::result codecvt<wchar_t, char, mbstate_t>::do_in(state_type& /*stat
                                                               const extern_type* end, const extern_type*& next,
                                                               intern_type* to, intern_type* toEnd,
                                                               intern_type*& toNext) const {
-  result all = ok;
-  for (next = from, toNext = to; next < end;) {
-    const auto letter = letterAt(next, end);
-    if (toEnd - toNext < unitsOf(letter.code)) {
-      all = partial;
-      break;
-    }
-    lvx::standin_platform::put(letter.code, toNext);
-    next += letter.size;
-  }
-  return all;
+  return convert(from, end, next, to, toEnd, toNext);
 }
 
 codecvt_base::result codecvt<wchar_t, char, mbstate_t>::do_out(state_type& /*state*/, const intern_type* from,
                                                                const intern_type* end, const intern_type*& next,
                                                                extern_type* to, extern_type* toEnd,
                                                                extern_type*& toNext) const {
-  result all = ok;
-  for (next = from, toNext = to; next < end;) {
-    const auto letter = letterAt(next, end);
-    if (toEnd - toNext < bytesOf(letter.code)) {
-      all = partial;
-      break;
-    }
-    lvx::standin_platform::put(letter.code, toNext);
-    next += letter.size;
-  }
-  return all;
+  return convert(from, end, next, to, toEnd, toNext);
 }
 
 int codecvt<wchar_t, char, mbstate_t>::do_length(state_type& /*state*/, const extern_type* from, const extern_type* end,

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Messages on a line of bytes between two processes of one program: each behind its length.
+namespace lvx::standin_platform::detail {
+
+/// What goes before a message.
+[[nodiscard]] std::array<char, sizeof(std::uint64_t)> headOf(std::string_view message);
+
+/// Takes the messages that are whole from the begin of `bytes` and appends them.
+void takeWhole(std::string& bytes, std::vector<std::string>& messages);
+
+}  // namespace lvx::standin_platform::detail
