@@ -7,8 +7,8 @@
 
 namespace lvx::test {
 
-/// A drawing that takes a while to read.
-inline void writeLargeDrawing(const std::filesystem::path& path, std::uint64_t triangles = 600'000) {
+/// A drawing that takes long enough to read for somebody to do something meanwhile.
+inline void writeLargeDrawing(const std::filesystem::path& path, std::uint64_t triangles = 2'000'000) {
   generator::TextOutput out(path.string());
   generator::DrawingSize size;
   size.triangles = triangles;
