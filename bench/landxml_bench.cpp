@@ -70,11 +70,15 @@ void load(const std::string& path, double megabytes, const lvx::landxml::ReadOpt
   const lvx::civil::Drawing drawing = lvx::landxml::readDrawing(path, options);
   const double seconds = watch.seconds();
   std::size_t triangles = 0;
+  std::size_t sections = 0;
+  for (const auto& corridor : drawing.corridors)
+    for (const auto& baseline : corridor.baselines)
+      for (const auto& region : baseline.regions) sections += region.sections.size();
   for (const auto& surface : drawing.surfaces) triangles += surface.surface.counts().triangles;
   std::printf(
       "{\"peer\":\"lvx\",\"task\":\"load\",\"data\":\"%s\",\"mb\":%.6g,\"seconds\":%.6g,\"mb_per_s\":%.6g,"
-      "\"surfaces\":%zu,\"faces\":%zu,\"rss_mb\":%.6g,\"rss_to_file\":%.4g}\n",
-      path.c_str(), megabytes, seconds, megabytes / seconds, drawing.surfaces.size(), triangles,
+      "\"surfaces\":%zu,\"faces\":%zu,\"sections\":%zu,\"rss_mb\":%.6g,\"rss_to_file\":%.4g}\n",
+      path.c_str(), megabytes, seconds, megabytes / seconds, drawing.surfaces.size(), triangles, sections,
       lvx::bench::peakMegabytes(), lvx::bench::peakMegabytes() * 1.048576 / megabytes);
 }
 

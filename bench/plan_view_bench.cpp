@@ -146,7 +146,7 @@ class Bench {
     PlanPainter::Result result;
     {
       QPainter painter(&image_);
-      result = painter_.paint(painter, {*scene_, port, look_, nullptr, QApplication::font()}, worker_.cache(),
+      result = painter_.paint(painter, {*scene_, port, look_, nullptr, nullptr, QApplication::font()}, worker_.cache(),
                               PlanPainter::Tiles::AsThere);
     }
     worker_.makeRoom(result.wantedBytes + result.wantedBytes / 4);
@@ -165,7 +165,8 @@ class Bench {
     PlanPainter plain;
     view::TileCache cache;
     QPainter painter(&image);
-    plain.paint(painter, {*scene_, port, look_, nullptr, QApplication::font()}, cache, PlanPainter::Tiles::AllNow);
+    plain.paint(painter, {*scene_, port, look_, nullptr, nullptr, QApplication::font()}, cache,
+                PlanPainter::Tiles::AllNow);
     painter.end();
     if (image == image_) return;
     image.save(QStringLiteral("plan-in-one-go.png"));

@@ -135,7 +135,7 @@ Outcome median(std::vector<Outcome> all) {
 void print(const char* peer, std::uint32_t rows, const Outcome& outcome, const std::string& path) {
   std::printf(
       "{\"peer\": \"%s\", \"task\": \"xlsx\", \"data\": \"%u x 10\", \"rows\": %u, \"seconds\": %.6g, "
-      "\"rows_per_s\": %.6g, \"cpu_s\": %.6g, \"file_mb\": %.6g, \"sum\": %.12g, \"rss_mb\": %.5g}\n",
+      "\"rows_per_s\": %.6g, \"cpu_s\": %.6g, \"file_mb\": %.6g, \"sum_numbers\": %.12g, \"rss_mb\": %.5g}\n",
       peer, rows, rows, outcome.seconds, rows / outcome.seconds, outcome.cpuSeconds,
       static_cast<double>(std::filesystem::file_size(path)) / 1e6, outcome.sum, outcome.rssMb);
 }

@@ -248,17 +248,22 @@ function(lvx_whole_test name program)
   set_property(GLOBAL APPEND PROPERTY LVX_WHOLE_TESTS ${name})
 endfunction()
 
-# Each benchmark prints the compiler and the flags that it was built with.
+# Lets a program print the compiler and the flags that it was built with.
+function(_lvx_tell_build target)
+  string(TOUPPER "${CMAKE_BUILD_TYPE}" build_type)
+  target_compile_definitions(${target} PRIVATE
+    LVX_COMPILER="${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}"
+    LVX_FLAGS="${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${build_type}} -ffp-contract=off")
+endfunction()
+
+# Each benchmark prints what it was built with.
 function(lvx_bench name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK;INSIDE")
   add_executable(bench_${name} ${arg_SOURCES})
   target_link_libraries(bench_${name} PRIVATE lvx_flags ${arg_LINK})
   _lvx_look_inside(bench_${name} ${arg_INSIDE})
-  string(TOUPPER "${CMAKE_BUILD_TYPE}" build_type)
-  target_compile_definitions(bench_${name} PRIVATE
-    LVX_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
-    LVX_COMPILER="${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}"
-    LVX_FLAGS="${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${build_type}} -ffp-contract=off")
+  _lvx_tell_build(bench_${name})
+  target_compile_definitions(bench_${name} PRIVATE LVX_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
 endfunction()
 
 # A fuzz target is one file with LLVMFuzzerTestOneInput. With clang it is a libFuzzer program; with any compiler it is
