@@ -14,6 +14,7 @@
 #include "civil/detail/predicates.h"
 #include "civil/detail/start_grid.h"
 #include "civil/detail/tin_build.h"
+#include "civil/detail/triangle_links.h"
 
 namespace lvx::civil {
 
@@ -23,18 +24,18 @@ namespace {
 
 /// The surface's parts, as the walks below need them.
 struct Mesh {
-  std::vector<Vec3> points;
-  std::vector<Triangle> triangles;  // counter-clockwise; those without area last
-  std::size_t groundCount = 0;      // triangles with area
+  PlainArray<Vec3> points;
+  PlainArray<Triangle> triangles;  // counter-clockwise; those without area last
+  std::size_t groundCount = 0;     // triangles with area
   TinSurface::Counts counts;
   Box box;
   double minElevation = 0.0;
   double maxElevation = 0.0;
-  std::vector<Link> links;
+  TriangleLinks links;
   BlockTree blocks;
   StartGrid grid;
 
-  [[nodiscard]] std::span<const Triangle> ground() const { return std::span(triangles).first(groundCount); }
+  [[nodiscard]] std::span<const Triangle> ground() const { return triangles.all().first(groundCount); }
   [[nodiscard]] const Vec3& point(std::int32_t number) const { return points[static_cast<std::size_t>(number)]; }
   [[nodiscard]] std::array<const Vec3*, 3> cornersAt(std::size_t triangle) const {
     const Triangle& t = triangles[triangle];
@@ -106,20 +107,25 @@ Ground groundIn(const std::array<const Vec3*, 3>& corners, Vec2 p) {
 std::int32_t locate(const Mesh& mesh, Vec2 p) {
   constexpr int kMostSteps = 200;
   const std::int32_t* corners = cornersOf(mesh.ground());
-  std::int32_t at = mesh.grid.triangleNear(p);
-  if (at == kNoLink) return kNoLink;
+  const std::int32_t near = mesh.grid.triangleNear(p);
+  if (near == kNoLink) return kNoLink;
+  auto at = static_cast<std::size_t>(near >= 0 ? near : ~near);
   for (int step = 0; step < kMostSteps; ++step) {
-    const std::size_t first = 3 * static_cast<std::size_t>(at >= 0 ? at : ~at);
+    const std::size_t first = 3 * at;
     const std::array<Vec2, 3> c{plan(mesh.point(corners[first])), plan(mesh.point(corners[first + 1])),
                                 plan(mesh.point(corners[first + 2]))};
     const std::array<RoughSide, 3> sides{roughSide(c[1], c[2] - c[1], p), roughSide(c[2], c[0] - c[2], p),
                                          roughSide(c[0], c[1] - c[0], p)};
     std::size_t out = 0;
     while (out < 3 && !sides[out].isRight()) ++out;
-    if (out == 3) return sides[0].isLeft() && sides[1].isLeft() && sides[2].isLeft() ? at : kNoLink;
-    const Link link = mesh.links[first + out];
+    if (out == 3) {
+      if (!sides[0].isLeft() || !sides[1].isLeft() || !sides[2].isLeft()) return kNoLink;
+      const auto number = static_cast<std::int32_t>(at);
+      return mesh.links.isAlone(at) ? number : ~number;
+    }
+    const Link link = mesh.links.across(at, out);
     if (link == kNoLink) return kNoLink;
-    at = link >= 0 ? link >> 2 : ~(~link >> 2);
+    at = static_cast<std::size_t>(link >> 2);
   }
   return kNoLink;
 }
@@ -141,42 +147,54 @@ std::size_t firstBad(const RunPieces& run, std::size_t count, IsGood isGood) {
   return bad;
 }
 
-void checkInput(std::span<const Vec3> points, std::span<const Triangle> triangles, const RunPieces& run) {
+/// Gives the box of the points.
+Box checkInput(std::span<const Vec3> points, std::span<const Triangle> triangles, const RunPieces& run) {
   if (triangles.size() >= kMostTriangles || points.size() > std::numeric_limits<std::int32_t>::max())
     throw std::invalid_argument("civil: a surface of " + std::to_string(triangles.size()) + " triangles and " +
                                 std::to_string(points.size()) + " points is too large");
-  const auto isPlace = [&](std::size_t i) {
-    return isWorkable(points[i].x) && isWorkable(points[i].y) && isWorkable(points[i].z);
-  };
+  const auto isPlace = [](const Vec3& p) { return isWorkable(p.x) && isWorkable(p.y) && isWorkable(p.z); };
   const auto isPoint = [&](std::int32_t corner) {
     return corner >= 0 && static_cast<std::size_t>(corner) < points.size();
   };
   const auto hasPoints = [&](std::size_t i) {
     return isPoint(triangles[i].a) && isPoint(triangles[i].b) && isPoint(triangles[i].c);
   };
-  if (const auto bad = firstBad(run, points.size(), isPlace); bad < points.size())
+  std::atomic<bool> areAllPlaces = true;
+  const Box box = boxAround(run, points.size(), [&](std::size_t first, std::size_t end) {
+    Box here;
+    bool areHere = true;
+    for (std::size_t i = first; i < end; ++i) {
+      areHere &= isPlace(points[i]);
+      here.add(plan(points[i]));
+    }
+    if (!areHere) areAllPlaces = false;
+    return here;
+  });
+  if (!areAllPlaces) {
+    const std::size_t bad = firstBad(run, points.size(), [&](std::size_t i) { return isPlace(points[i]); });
     throw std::invalid_argument("civil: surface point " + std::to_string(bad) + " isn't at a finite place");
+  }
   if (const auto bad = firstBad(run, triangles.size(), hasPoints); bad < triangles.size())
     throw std::invalid_argument("civil: surface triangle " + std::to_string(bad) + " has a corner that isn't a point");
+  return box;
 }
 
-/// Box and elevations of the ground: of the triangles with area.
-void measure(Mesh& mesh, const RunPieces& run) {
+/// Box and elevations of the ground: of the triangles with area. The first `usedPoints` are those of all triangles.
+void measure(Mesh& mesh, std::size_t usedPoints, const RunPieces& run) {
   if (mesh.groundCount == 0) return;
   const std::int32_t* corners = cornersOf(mesh.ground());
+  // Without triangles that are no ground all points are of the ground, each once.
+  const bool isAllGround = mesh.groundCount == mesh.triangles.size();
   mesh.minElevation = std::numeric_limits<double>::infinity();
   mesh.maxElevation = -mesh.minElevation;
   std::mutex mutex;
-  mesh.box = boxAround(run, 3 * mesh.groundCount, [&](std::size_t first, std::size_t end) {
+  mesh.box = boxAround(run, isAllGround ? usedPoints : 3 * mesh.groundCount, [&](std::size_t first, std::size_t end) {
     Box box;
     double lowest = std::numeric_limits<double>::infinity();
     double highest = -lowest;
     for (std::size_t i = first; i < end; ++i) {
-      const Vec3& p = mesh.point(corners[i]);
-      box.minX = std::min(box.minX, p.x);
-      box.minY = std::min(box.minY, p.y);
-      box.maxX = std::max(box.maxX, p.x);
-      box.maxY = std::max(box.maxY, p.y);
+      const Vec3& p = isAllGround ? mesh.points[i] : mesh.point(corners[i]);
+      box.add(plan(p));
       lowest = std::min(lowest, p.z);
       highest = std::max(highest, p.z);
     }
@@ -459,8 +477,10 @@ bool SegmentSampler::walk() {
       samples_.push_back({b_.x, b_.y, elevationWithin(mesh_.cornersAt(triangle), b_)});
       return true;
     }
-    const Link link = mesh_.links[3 * triangle + out];
-    if ((link < 0 && link != kNoLink) || hit.along - last_ < kSamePlace || hit.along > 1.0 - kSamePlace) break;
+    const Link link = mesh_.links.across(triangle, out);
+    if ((link != kNoLink && !mesh_.links.isAlone(static_cast<std::size_t>(link >> 2))) ||
+        hit.along - last_ < kSamePlace || hit.along > 1.0 - kSamePlace)
+      break;
     samples_.push_back(pointAt(hit, *right.point, *left.point));
     first_ = last_ = hit.along;
     if (link == kNoLink) {
@@ -532,8 +552,8 @@ void SegmentSampler::clip(std::size_t triangle, double to) {
   for (std::size_t i = 0; i < 3; ++i) {
     if (signs[i] == 0) hitVertex(*points[i]);
     // An edge of two triangles is near for both: the first one takes it.
-    const Link link = mesh_.links[3 * triangle + (i + 2) % 3];
-    if (link != kNoLink && static_cast<std::size_t>((link >= 0 ? link : ~link) >> 2) < triangle) continue;
+    const Link link = mesh_.links.across(triangle, (i + 2) % 3);
+    if (link != kNoLink && static_cast<std::size_t>(link >> 2) < triangle) continue;
     const std::size_t j = (i + 1) % 3;
     if (signs[i] == 0 && signs[j] == 0) runAlong(*points[i], *points[j]);
     if (signs[i] < 0 && signs[j] > 0) hitEdge(corners[i], corners[j]);
@@ -633,26 +653,28 @@ void inOrder(std::size_t count, const std::function<void(std::size_t)>& piece) {
 
 TinSurface::TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles, const RunPieces& run)
     : data_(std::make_unique<Data>()) {
-  checkInput(points, triangles, run);
-  renumberAlongCurve(points, triangles, run);
+  const Box place = checkInput(points, triangles, run);
+  AlongCurve ordered = renumberAlongCurve(std::move(points), std::move(triangles), place, run);
 
   Mesh& mesh = *data_;
-  mesh.points = std::move(points);
-  mesh.triangles = std::move(triangles);
-  mesh.groundCount = windAndPartition(mesh.points, mesh.triangles, run);
+  mesh.points = std::move(ordered.points);
+  mesh.triangles = std::move(ordered.triangles);
+  mesh.groundCount = windAndPartition(mesh.points.all(), mesh.triangles.all(), run);
 
   const std::span<const Triangle> ground = mesh.ground();
-  Links links = linkTriangles(mesh.points.size(), ground, run);
-  mesh.links = std::move(links.links);
+  ordered.spare.shrinkTo(TriangleLinks::stepsSize(ground.size()) + BlockTree::boundsSize(ground.size()) +
+                         StartGrid::startsSize(ground.size()));
+  mesh.links = TriangleLinks(mesh.points.size(), ground, ordered.spare, run);
   mesh.counts = {mesh.points.size(), mesh.triangles.size(), mesh.triangles.size() - mesh.groundCount,
-                 links.overlappingEdges};
-  measure(mesh, run);
+                 mesh.links.overlappingEdges()};
+  measure(mesh, ordered.usedPoints, run);
+  mesh.blocks = BlockTree(ground, mesh.box, ordered.spare);
   // Neither asks for the other.
   run(2, [&](std::size_t which) {
     if (which == 0)
-      mesh.grid = StartGrid(mesh.points, ground, mesh.box, mesh.links);
+      mesh.grid = StartGrid(mesh.points.all(), ground, mesh.box, mesh.links, ordered.spare);
     else
-      mesh.blocks = BlockTree(mesh.points, ground, mesh.box);
+      mesh.blocks.fill(mesh.points.all(), ground);
   });
 }
 
@@ -661,11 +683,9 @@ TinSurface::Counts TinSurface::counts() const { return data_ ? data_->counts : C
 Box TinSurface::box() const { return data_ ? data_->box : Box{}; }
 double TinSurface::minElevation() const { return data_ ? data_->minElevation : 0.0; }
 double TinSurface::maxElevation() const { return data_ ? data_->maxElevation : 0.0; }
-std::span<const Vec3> TinSurface::points() const {
-  return data_ ? std::span<const Vec3>(data_->points) : std::span<const Vec3>();
-}
+std::span<const Vec3> TinSurface::points() const { return data_ ? data_->points.all() : std::span<const Vec3>(); }
 std::span<const Triangle> TinSurface::triangles() const {
-  return data_ ? std::span<const Triangle>(data_->triangles) : std::span<const Triangle>();
+  return data_ ? data_->triangles.all() : std::span<const Triangle>();
 }
 
 void TinSurface::sample(Vec2 a, Vec2 b, std::vector<Vec3>& samples) const {

@@ -20,6 +20,7 @@
 #include "civil/detail/predicates.h"
 #include "civil/detail/start_grid.h"
 #include "civil/detail/tin_build.h"
+#include "civil/detail/triangle_links.h"
 #include "reference_tin.h"
 
 namespace lvx::civil {
@@ -614,6 +615,64 @@ TEST(TinSurface, IsTheSameWhoeverBuildsIt) {
   }
 }
 
+TEST(TriangleLinks, AreThoseOfAPlainListOfEdges) {
+  // Numbered row by row, and at random: neighbours then lie in other stretches and far away.
+  std::mt19937_64 random(seedOfTest());
+  Tin rows = lattice(300, 300, 10, 3, random);
+  cutHole(rows, {1000, 1000}, 200);
+  for (std::size_t i = 0; i < 300; ++i) {
+    // Twice, three times, and the other way round, which is a second layer all the same.
+    rows.triangles.push_back(rows.triangles[random() % rows.triangles.size()]);
+    const Triangle twice = rows.triangles[random() % rows.triangles.size()];
+    rows.triangles.push_back(twice);
+    rows.triangles.push_back({twice.a, twice.c, twice.b});
+    // A wing on an edge.
+    rows.points.push_back({10.0 * static_cast<double>(i), -50.0, 1.0});
+    rows.triangles.push_back({twice.a, twice.b, static_cast<std::int32_t>(rows.points.size() - 1)});
+  }
+  for (const bool isMixed : {false, true}) {
+    Tin t = isMixed ? renumbered(rows, random) : rows;
+    t.triangles.resize(detail::windAndPartition(t.points, t.triangles));
+    detail::SpareMemory spare;
+    const detail::TriangleLinks links(t.points.size(), t.triangles, spare);
+
+    struct Side {
+      detail::Link edge;
+      bool isRising;
+    };
+    std::map<std::pair<std::int32_t, std::int32_t>, std::vector<Side>> edges;
+    std::vector<detail::Link> wanted(4 * t.triangles.size(), detail::kNoLink);
+    for (std::size_t i = 0; i < t.triangles.size(); ++i) {
+      const std::array<std::int32_t, 3> corners{t.triangles[i].a, t.triangles[i].b, t.triangles[i].c};
+      for (std::size_t edge = 0; edge < 3; ++edge) {
+        const std::int32_t from = corners[(edge + 1) % 3];
+        const std::int32_t to = corners[(edge + 2) % 3];
+        edges[std::minmax(from, to)].push_back({static_cast<detail::Link>(4 * i + edge), from < to});
+      }
+    }
+    std::size_t overlapping = 0;
+    for (const auto& [ends, sides] : edges) {
+      if (sides.size() > 2) ++overlapping;
+      if (sides.size() != 2 || sides[0].isRising == sides[1].isRising) continue;
+      wanted[static_cast<std::size_t>(sides[0].edge)] = sides[1].edge;
+      wanted[static_cast<std::size_t>(sides[1].edge)] = sides[0].edge;
+    }
+    EXPECT_GT(overlapping, 1'000U);
+    EXPECT_EQ(links.overlappingEdges(), overlapping);
+    std::size_t far = 0;
+    for (std::size_t i = 0; i < t.triangles.size(); ++i) {
+      for (std::size_t edge = 0; edge < 3; ++edge) {
+        const detail::Link link = wanted[4 * i + edge];
+        ASSERT_EQ(links.across(i, edge), link) << "triangle " << i << ", edge " << edge;
+        ASSERT_EQ(links.isBorder(3 * i + edge), link == detail::kNoLink);
+        constexpr int kNear = 10'000;
+        if (link != detail::kNoLink && std::abs(link / 4 - static_cast<int>(i)) > kNear) ++far;
+      }
+    }
+    EXPECT_EQ(far > 100'000, isMixed);
+  }
+}
+
 TEST(StartGrid, TellsBordersInGoodOrderFromOthers) {
   using detail::StartGrid;
   std::mt19937_64 random(seedOfTest());
@@ -628,8 +687,9 @@ TEST(StartGrid, TellsBordersInGoodOrderFromOthers) {
       box.minY = std::min(box.minY, p.y);
       box.maxY = std::max(box.maxY, p.y);
     }
-    detail::Links links = detail::linkTriangles(points.size(), triangles);
-    const StartGrid grid(points, triangles, box, links.links);
+    detail::SpareMemory spare;
+    detail::TriangleLinks links(points.size(), triangles, spare);
+    const StartGrid grid(points, triangles, box, links, spare);
     std::set<std::size_t> cells;
     for (double x = box.minX; x < box.maxX; x += 2.0)
       for (double y = box.minY; y < box.maxY; y += 2.0)

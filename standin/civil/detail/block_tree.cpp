@@ -19,7 +19,7 @@ float roundedUp(double value) {
 
 }  // namespace
 
-BlockTree::BlockTree(std::span<const Vec3> points, std::span<const Triangle> triangles, const Box& box)
+BlockTree::BlockTree(std::span<const Triangle> triangles, const Box& box, SpareMemory& spare)
     : triangleCount_(triangles.size()), origin_{box.minX, box.minY} {
   if (triangles.empty()) return;
   rounding_ = 0x1p-50 * std::max({std::abs(box.minX), std::abs(box.minY), std::abs(box.maxX), std::abs(box.maxY)});
@@ -30,21 +30,22 @@ BlockTree::BlockTree(std::span<const Vec3> points, std::span<const Triangle> tri
     levels_[levelCount_++] = {total, count};
     total += count;
   }
-  bounds_.reserve(total);
+  bounds_ = spare.array<Bounds>(total);
+}
 
+void BlockTree::fill(std::span<const Vec3> points, std::span<const Triangle> triangles) {
+  if (triangles.empty()) return;
+  std::size_t next = 0;
   const std::int32_t* corners = cornersOf(triangles);
   for (std::size_t run = 0; run < levels_[0].count; ++run) {
     Box around;
     const std::size_t end = std::min((run + 1) * kRun, triangles.size());
     for (std::size_t i = 3 * run * kRun; i < 3 * end; ++i) {
       const Vec3& p = points[static_cast<std::size_t>(corners[i])];
-      around.minX = std::min(around.minX, p.x);
-      around.minY = std::min(around.minY, p.y);
-      around.maxX = std::max(around.maxX, p.x);
-      around.maxY = std::max(around.maxY, p.y);
+      around.add(plan(p));
     }
-    bounds_.push_back({roundedDown(around.minX - origin_.x), roundedDown(around.minY - origin_.y),
-                       roundedUp(around.maxX - origin_.x), roundedUp(around.maxY - origin_.y)});
+    bounds_[next++] = {roundedDown(around.minX - origin_.x), roundedDown(around.minY - origin_.y),
+                       roundedUp(around.maxX - origin_.x), roundedUp(around.maxY - origin_.y)};
   }
   for (std::size_t level = 1; level < levelCount_; ++level) {
     const Level below = levels_[level - 1];
@@ -58,7 +59,7 @@ BlockTree::BlockTree(std::span<const Vec3> points, std::span<const Triangle> tri
         around.maxX = std::max(around.maxX, part.maxX);
         around.maxY = std::max(around.maxY, part.maxY);
       }
-      bounds_.push_back(around);
+      bounds_[next++] = around;
     }
   }
 }

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
 
+#include "civil/detail/plain_array.h"
 #include "civil/tin_surface.h"
 
 namespace lvx::civil::detail {
@@ -17,7 +17,13 @@ namespace lvx::civil::detail {
 class BlockTree {
  public:
   BlockTree() = default;
-  BlockTree(std::span<const Vec3> points, std::span<const Triangle> triangles, const Box& box);
+  /// With the room for its boxes.
+  BlockTree(std::span<const Triangle> triangles, const Box& box, SpareMemory& spare);
+  /// To be called once, before anything is looked for. O(n).
+  void fill(std::span<const Vec3> points, std::span<const Triangle> triangles);
+
+  /// Bytes of the largest array of a tree, by the number of triangles; about.
+  [[nodiscard]] static std::size_t boundsSize(std::size_t triangles) { return triangles * sizeof(Bounds) / (kRun - 1); }
 
   /// Calls `visit(triangle)` for every triangle that the segment from `a` to `b` may meet, and for some more.
   template <class Visit>
@@ -39,7 +45,7 @@ class BlockTree {
     std::size_t count = 0;
   };
 
-  std::vector<Bounds> bounds_;  // the runs of triangles first, the topmost level last
+  PlainArray<Bounds> bounds_;  // the runs of triangles first, the topmost level last
   std::array<Level, kMostLevels> levels_{};
   std::size_t levelCount_ = 0;
   std::size_t triangleCount_ = 0;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "civil/detail/predicates.h"
+#include "civil/detail/tin_build.h"
 
 namespace lvx::civil::detail {
 

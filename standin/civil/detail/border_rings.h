@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "civil/detail/tin_build.h"
+#include "civil/detail/triangle_links.h"
 #include "civil/tin_surface.h"
 
 namespace lvx::civil::detail {

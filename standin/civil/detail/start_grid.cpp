@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "civil/detail/border_rings.h"
+#include "civil/detail/tin_build.h"
 
 namespace lvx::civil::detail {
 namespace {
@@ -16,9 +17,8 @@ std::int32_t nextCorner(const std::int32_t* corners, std::size_t edge, std::size
 }  // namespace
 
 StartGrid::StartGrid(std::span<const Vec3> points, std::span<const Triangle> triangles, const Box& box,
-                     std::vector<Link>& links) {
+                     TriangleLinks& links, SpareMemory& spare) {
   if (triangles.empty()) return;
-  constexpr double kTrianglesPerCell = 2.0;
   const double width = box.maxX - box.minX;
   const double height = box.maxY - box.minY;
   const double cellCount = std::max(1.0, static_cast<double>(triangles.size()) / kTrianglesPerCell);
@@ -30,9 +30,11 @@ StartGrid::StartGrid(std::span<const Vec3> points, std::span<const Triangle> tri
   columns_ = static_cast<std::size_t>(width * perUnit_) + 1;
   rows_ = static_cast<std::size_t>(height * perUnit_) + 1;
 
+  starts_ = spare.array<std::int32_t>(columns_ * rows_);
+
   const double farthest = std::max({std::abs(box.minX), std::abs(box.minY), std::abs(box.maxX), std::abs(box.maxY)});
   const double margin = 1e-6 + 0x1p-48 * farthest * perUnit_;
-  findTouched(points, cornersOf(triangles), links, margin);
+  findTouched(points, cornersOf(triangles), links, triangles.size(), margin);
   judgeBorders(points, cornersOf(triangles));
   const std::vector<std::int32_t> shared = sharedCells();
   const auto isAlone = [&](std::size_t left, std::size_t right, std::size_t low, std::size_t high) {
@@ -42,30 +44,34 @@ StartGrid::StartGrid(std::span<const Vec3> points, std::span<const Triangle> tri
            0;
   };
 
-  starts_.assign(columns_ * rows_, kNoLink);
-  std::vector<std::int32_t> oddTriangles;
-  for (std::size_t t = 0; t < triangles.size(); ++t) {
-    const Vec3& a = points[static_cast<std::size_t>(triangles[t].a)];
-    const Vec3& b = points[static_cast<std::size_t>(triangles[t].b)];
-    const Vec3& c = points[static_cast<std::size_t>(triangles[t].c)];
-    const bool alone =
-        !shared.empty() && isAlone(columnOf(std::min({a.x, b.x, c.x})), columnOf(std::max({a.x, b.x, c.x})),
-                                   rowOf(std::min({a.y, b.y, c.y})), rowOf(std::max({a.y, b.y, c.y})));
-    const auto number = static_cast<std::int32_t>(t);
-    if (!alone && !borders_.empty()) oddTriangles.push_back(number);
-    const std::size_t middle = rowOf((a.y + b.y + c.y) / 3.0) * columns_ + columnOf((a.x + b.x + c.x) / 3.0);
-    starts_[middle] = alone ? number : ~number;
-    if (alone) continue;
-    for (std::size_t i = 3 * t; i < 3 * t + 3; ++i) {
-      const Link link = links[i];
-      if (link == kNoLink) continue;
-      const Link there = link >= 0 ? link : ~link;
-      Link& back = links[3 * static_cast<std::size_t>(there >> 2) + static_cast<std::size_t>(there & 3)];
-      if (back >= 0) back = ~back;
-    }
+  std::ranges::fill(starts_.all(), kNoLink);
+  const auto middleOf = [&](const Vec3& a, const Vec3& b, const Vec3& c) {
+    return rowOf((a.y + b.y + c.y) / 3.0) * columns_ + columnOf((a.x + b.x + c.x) / 3.0);
+  };
+  const auto eachTriangle = [&](auto use) {
+    for (std::size_t t = 0; t < triangles.size(); ++t)
+      use(t, points[static_cast<std::size_t>(triangles[t].a)], points[static_cast<std::size_t>(triangles[t].b)],
+          points[static_cast<std::size_t>(triangles[t].c)]);
+  };
+  if (shared.empty() && hasCovers()) {
+    eachTriangle([&](std::size_t t, const Vec3& a, const Vec3& b, const Vec3& c) {
+      starts_[middleOf(a, b, c)] = static_cast<std::int32_t>(t);
+    });
+  } else {
+    constexpr std::size_t kBits = 64;
+    std::vector<std::uint64_t> sharedTriangles((triangles.size() + kBits - 1) / kBits, 0);
+    eachTriangle([&](std::size_t t, const Vec3& a, const Vec3& b, const Vec3& c) {
+      const bool alone =
+          !shared.empty() && isAlone(columnOf(std::min({a.x, b.x, c.x})), columnOf(std::max({a.x, b.x, c.x})),
+                                     rowOf(std::min({a.y, b.y, c.y})), rowOf(std::max({a.y, b.y, c.y})));
+      const auto number = static_cast<std::int32_t>(t);
+      starts_[middleOf(a, b, c)] = alone ? number : ~number;
+      if (!alone) sharedTriangles[t / kBits] |= std::uint64_t{1} << t % kBits;
+    });
+    links.tellShared(std::move(sharedTriangles));
   }
   for (Link& border : borders_)
-    if (std::binary_search(oddTriangles.begin(), oddTriangles.end(), border >> 2)) border = ~border;
+    if (!links.isAlone(static_cast<std::size_t>(border >> 2))) border = ~border;
   fillEmptyCells();
 }
 
@@ -77,16 +83,18 @@ std::span<const Link> StartGrid::bordersIn(std::size_t cell) const {
 }
 
 /// Fills `touches_`, and `covers_` by the layers over each cell: Odd for those that a border touches.
-void StartGrid::findTouched(std::span<const Vec3> points, const std::int32_t* corners, std::span<const Link> links,
-                            double margin) {
+void StartGrid::findTouched(std::span<const Vec3> points, const std::int32_t* corners, const TriangleLinks& links,
+                            std::size_t triangleCount, double margin) {
   const std::size_t cellCount = columns_ * rows_;
   // Long borders through many cells each would cost more than they are worth.
-  std::size_t budget = 4 * (columns_ + rows_ + cellCount) + 8 * links.size() / 3;
+  std::size_t budget = 4 * (columns_ + rows_ + cellCount) + 8 * triangleCount;
   // Where a row's lower line crosses a border from right to left of it, the layers grow by one; so the layers over a
-  // cell's lower left corner are the sum of the changes before it in its row.
-  std::vector<std::int32_t> changes(cellCount, 0);
-  for (std::size_t half = 0; half < links.size(); ++half) {
-    if (links[half] != kNoLink) continue;
+  // cell's lower left corner are the sum of the changes before it in its row. The room for the starts, which come later,
+  // holds them.
+  const std::span<std::int32_t> changes = starts_.all();
+  std::ranges::fill(changes, 0);
+  for (std::size_t half = 0; half < 3 * triangleCount; ++half) {
+    if (!links.isBorder(half)) continue;
     const std::int32_t* triangle = corners + half / 3 * 3;
     const Vec3& from = points[static_cast<std::size_t>(nextCorner(triangle, half % 3, 1))];
     const Vec3& to = points[static_cast<std::size_t>(nextCorner(triangle, half % 3, 2))];
@@ -185,9 +193,9 @@ void StartGrid::judgeBorders(std::span<const Vec3> points, const std::int32_t* c
 }
 
 /// For every cell how many cells up to it, in both directions, are odd; with a row and a column of zeros before them. Empty
-/// where the covers aren't known.
+/// where the covers aren't known, and where no cell is odd.
 std::vector<std::int32_t> StartGrid::sharedCells() const {
-  if (covers_.empty()) return {};
+  if (std::ranges::find(covers_, Cover::Odd) == covers_.end()) return {};
   const std::size_t stride = columns_ + 1;
   std::vector<std::int32_t> cells(stride * (rows_ + 1), 0);
   for (std::size_t row = 0; row < rows_; ++row) {

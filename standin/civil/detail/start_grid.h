@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-#include "civil/detail/tin_build.h"
+#include "civil/detail/triangle_links.h"
 #include "civil/tin_surface.h"
 
 namespace lvx::civil::detail {
@@ -27,9 +27,15 @@ namespace lvx::civil::detail {
 class StartGrid {
  public:
   StartGrid() = default;
-  /// Complements the links to triangles that aren't alone. The triangles must be wound counter-clockwise. O(n).
-  StartGrid(std::span<const Vec3> points, std::span<const Triangle> triangles, const Box& box,
-            std::vector<Link>& links);
+  /// Tells the links which triangles aren't alone. The triangles must be wound counter-clockwise. O(n).
+  StartGrid(std::span<const Vec3> points, std::span<const Triangle> triangles, const Box& box, TriangleLinks& links,
+            SpareMemory& spare);
+
+  /// Bytes of the largest array of a grid, by the number of triangles; about.
+  [[nodiscard]] static std::size_t startsSize(std::size_t triangles) {
+    constexpr double kRims = 1.02;
+    return static_cast<std::size_t>(kRims * static_cast<double>(triangles) / kTrianglesPerCell * sizeof(std::int32_t));
+  }
 
   /// The number of a triangle near a place, complemented if it isn't alone; kNoLink where there is none at all.
   [[nodiscard]] std::int32_t triangleNear(Vec2 p) const {
@@ -63,6 +69,8 @@ class StartGrid {
   [[nodiscard]] double cellSize() const { return 1.0 / perUnit_; }
 
  private:
+  static constexpr double kTrianglesPerCell = 2.0;
+
   [[nodiscard]] double gridX(double x) const { return (x - origin_.x) * perUnit_; }
   [[nodiscard]] double gridY(double y) const { return (y - origin_.y) * perUnit_; }
   [[nodiscard]] static std::size_t clamped(double cell, std::size_t count) {
@@ -76,8 +84,8 @@ class StartGrid {
     std::uint32_t cell = 0;
     Link edge = 0;
   };
-  void findTouched(std::span<const Vec3> points, const std::int32_t* corners, std::span<const Link> links,
-                   double margin);
+  void findTouched(std::span<const Vec3> points, const std::int32_t* corners, const TriangleLinks& links,
+                   std::size_t triangleCount, double margin);
   void judgeBorders(std::span<const Vec3> points, const std::int32_t* corners);
   [[nodiscard]] std::vector<std::int32_t> sharedCells() const;
   void fillEmptyCells();
@@ -86,7 +94,7 @@ class StartGrid {
   double perUnit_ = 0.0;
   std::size_t columns_ = 0;
   std::size_t rows_ = 0;
-  std::vector<std::int32_t> starts_;
+  PlainArray<std::int32_t> starts_;
   std::vector<Cover> covers_;          // empty where borders are too long to look at each: all cells count as odd
   std::vector<Touch> touches_;         // ascending by cell, while the grid is built
   std::vector<std::uint32_t> cells_;   // of plain borders, ascending

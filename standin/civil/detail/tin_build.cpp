@@ -3,24 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <cmath>
+#include <bit>
 #include <utility>
 
 #include "civil/detail/predicates.h"
 
 namespace lvx::civil::detail {
 namespace {
-
-Box planBox(std::span<const Vec3> points) {
-  Box box;
-  for (const Vec3& p : points) {
-    box.minX = std::min(box.minX, p.x);
-    box.minY = std::min(box.minY, p.y);
-    box.maxX = std::max(box.maxX, p.x);
-    box.maxY = std::max(box.maxY, p.y);
-  }
-  return box;
-}
 
 /// Spreads the lower 16 bits to the even ones.
 std::uint32_t spread(std::uint32_t bits) {
@@ -52,16 +41,15 @@ void sortByKey(std::vector<Keyed>& items, std::vector<Keyed>& other) {
 /// The triangles' places along a Morton curve through the lower left corners of their boxes.
 class CurveKeys {
  public:
-  CurveKeys(std::span<const Vec3> points, std::span<const Triangle> triangles, const Box& box)
-      : points_(points), triangles_(triangles), minX_(box.minX), minY_(box.minY) {
+  CurveKeys(std::span<const Vec3> points, const Box& box) : points_(points), minX_(box.minX), minY_(box.minY) {
     const double size = std::max(box.maxX - box.minX, box.maxY - box.minY);
     scale_ = size > 0.0 ? 65535.0 / size : 0.0;
   }
-  [[nodiscard]] std::uint32_t operator()(std::size_t t) const {
+  [[nodiscard]] std::uint32_t operator()(const Triangle& t) const {
     const auto at = [&](std::int32_t corner) { return plan(points_[static_cast<std::size_t>(corner)]); };
-    const Vec2 p = at(triangles_[t].a);
-    const Vec2 q = at(triangles_[t].b);
-    const Vec2 r = at(triangles_[t].c);
+    const Vec2 p = at(t.a);
+    const Vec2 q = at(t.b);
+    const Vec2 r = at(t.c);
     const auto x = static_cast<std::uint32_t>((std::min({p.x, q.x, r.x}) - minX_) * scale_);
     const auto y = static_cast<std::uint32_t>((std::min({p.y, q.y, r.y}) - minY_) * scale_);
     return spread(x) | spread(y) << 1;
@@ -69,18 +57,43 @@ class CurveKeys {
 
  private:
   std::span<const Vec3> points_;
-  std::span<const Triangle> triangles_;
   double minX_;
   double minY_;
   double scale_ = 0.0;
 };
 
+/// Room for the work on one bucket after the other.
+struct Bucket {
+  std::vector<Keyed> items;
+  std::vector<Keyed> other;
+  std::vector<Triangle> triangles;
+
+  /// Puts the triangles into the order of their keys, those with equal ones in the order given. Their upper bits are alike.
+  void sort(std::span<Triangle> all, const CurveKeys& keyOf) {
+    items.resize(all.size());
+    bool isSorted = true;
+    std::uint32_t before = 0;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+      const std::uint32_t key = keyOf(all[i]);
+      items[i] = {key, static_cast<std::int32_t>(i)};
+      isSorted = isSorted && before <= key;
+      before = key;
+    }
+    if (isSorted) return;
+    constexpr std::size_t kFew = 2000;
+    if (all.size() > kFew)
+      sortByKey(items, other);
+    else
+      std::stable_sort(items.begin(), items.end(), [](const Keyed& p, const Keyed& q) { return p.key < q.key; });
+    triangles.assign(all.begin(), all.end());
+    for (std::size_t i = 0; i < all.size(); ++i) all[i] = triangles[static_cast<std::size_t>(items[i].triangle)];
+  }
+};
+
 /// The triangles in the order of their keys, of equal ones in the order given.
-std::vector<Triangle> alongCurve(std::span<const Vec3> points, std::span<const Triangle> triangles,
-                                 const RunPieces& run) {
-  const CurveKeys keyOf(points, triangles, boxAround(run, points.size(), [&](std::size_t first, std::size_t end) {
-                          return planBox(points.subspan(first, end - first));
-                        }));
+PlainArray<Triangle> alongCurve(std::span<const Vec3> points, std::span<const Triangle> triangles, const Box& box,
+                                const RunPieces& run) {
+  const CurveKeys keyOf(points, box);
   // First into buckets by the upper bits of the keys, then each bucket for itself.
   constexpr unsigned kLower = 21;
   constexpr std::size_t kBuckets = std::size_t{1} << (32 - kLower);
@@ -88,14 +101,14 @@ std::vector<Triangle> alongCurve(std::span<const Vec3> points, std::span<const T
   const std::size_t stretch = triangles.size() / kStretches + 1;
   using Counts = std::array<std::uint32_t, kBuckets>;
   std::vector<Counts> counts(kStretches);
-  std::vector<Keyed> items(triangles.size());
   const auto eachOf = [&](std::size_t number, auto use) {
-    for (std::size_t t = number * stretch; t < std::min((number + 1) * stretch, triangles.size()); ++t) use(t);
+    for (std::size_t t = number * stretch; t < std::min((number + 1) * stretch, triangles.size()); ++t)
+      use(triangles[t]);
   };
   run(kStretches, [&](std::size_t number) {
     Counts& here = counts[number];
     here.fill(0);
-    eachOf(number, [&](std::size_t t) { ++here[keyOf(t) >> kLower]; });
+    eachOf(number, [&](const Triangle& t) { ++here[keyOf(t) >> kLower]; });
   });
   std::vector<std::size_t> ends(kBuckets);
   std::uint32_t before = 0;
@@ -103,59 +116,67 @@ std::vector<Triangle> alongCurve(std::span<const Vec3> points, std::span<const T
     for (Counts& here : counts) before += std::exchange(here[bucket], before);
     ends[bucket] = before;
   }
+  PlainArray<Triangle> ordered(triangles.size());
   run(kStretches, [&](std::size_t number) {
-    eachOf(number, [&](std::size_t t) {
-      const std::uint32_t key = keyOf(t);
-      items[counts[number][key >> kLower]++] = {key, static_cast<std::int32_t>(t)};
-    });
+    eachOf(number, [&](const Triangle& t) { ordered[counts[number][keyOf(t) >> kLower]++] = t; });
   });
-  std::vector<Triangle> ordered(triangles.size());
   constexpr std::size_t kAtOnce = 16;
   run(kBuckets / kAtOnce, [&](std::size_t group) {
-    std::vector<Keyed> bucket;
-    std::vector<Keyed> other;
+    Bucket bucket;
     for (std::size_t i = group * kAtOnce; i < (group + 1) * kAtOnce; ++i) {
       const std::size_t first = i == 0 ? 0 : ends[i - 1];
-      bucket.assign(items.begin() + static_cast<std::ptrdiff_t>(first),
-                    items.begin() + static_cast<std::ptrdiff_t>(ends[i]));
-      constexpr std::size_t kFew = 2000;
-      if (bucket.size() > kFew)
-        sortByKey(bucket, other);
-      else
-        std::stable_sort(bucket.begin(), bucket.end(), [](const Keyed& p, const Keyed& q) { return p.key < q.key; });
-      for (std::size_t j = 0; j < bucket.size(); ++j)
-        ordered[first + j] = triangles[static_cast<std::size_t>(bucket[j].triangle)];
+      bucket.sort(ordered.all().subspan(first, ends[i] - first), keyOf);
     }
   });
   return ordered;
 }
 
+/// Marks points that have a new place by that place, in a number that no coordinate is: so nothing of their count is needed
+/// beside them.
+class PlaceMark {
+ public:
+  static void set(Vec3& point, std::size_t place) {
+    point.x = std::bit_cast<double>(kMark | static_cast<std::uint64_t>(place));
+  }
+  static bool isSet(const Vec3& point) { return (std::bit_cast<std::uint64_t>(point.x) & kMask) == kMark; }
+  static std::int32_t placeOf(const Vec3& point) {
+    return static_cast<std::int32_t>(std::bit_cast<std::uint64_t>(point.x) & ~kMask);
+  }
+
+ private:
+  static constexpr std::uint64_t kMark = 0x7FF8'0000'0000'0000U;  // a quiet NaN
+  static constexpr std::uint64_t kMask = 0xFFFF'FFFF'0000'0000U;
+};
+
 }  // namespace
 
-void renumberAlongCurve(std::vector<Vec3>& points, std::vector<Triangle>& triangles, const RunPieces& run) {
-  triangles = alongCurve(points, triangles, run);
-  std::vector<std::int32_t> numbers(points.size(), -1);
-  std::vector<Vec3> ordered;
-  ordered.reserve(points.size());
+AlongCurve renumberAlongCurve(std::vector<Vec3> points, std::vector<Triangle> triangles, const Box& box,
+                              const RunPieces& run) {
+  AlongCurve result;
+  result.triangles = alongCurve(points, triangles, box, run);
+  result.points = SpareMemory(std::move(triangles)).array<Vec3>(points.size());
+  std::size_t count = 0;
   const auto renumber = [&](std::int32_t& corner) {
-    std::int32_t& number = numbers[static_cast<std::size_t>(corner)];
-    if (number < 0) {
-      number = static_cast<std::int32_t>(ordered.size());
-      ordered.push_back(points[static_cast<std::size_t>(corner)]);
+    Vec3& point = points[static_cast<std::size_t>(corner)];
+    if (!PlaceMark::isSet(point)) {
+      result.points[count] = point;
+      PlaceMark::set(point, count++);
     }
-    corner = number;
+    corner = PlaceMark::placeOf(point);
   };
-  for (Triangle& triangle : triangles) {
+  for (Triangle& triangle : result.triangles.all()) {
     renumber(triangle.a);
     renumber(triangle.b);
     renumber(triangle.c);
   }
-  for (std::size_t i = 0; i < points.size(); ++i)
-    if (numbers[i] < 0) ordered.push_back(points[i]);
-  points.swap(ordered);
+  result.usedPoints = count;
+  for (const Vec3& point : points)
+    if (count < points.size() && !PlaceMark::isSet(point)) result.points[count++] = point;
+  result.spare = SpareMemory(std::move(points));
+  return result;
 }
 
-std::size_t windAndPartition(std::span<const Vec3> points, std::vector<Triangle>& triangles, const RunPieces& run) {
+std::size_t windAndPartition(std::span<const Vec3> points, std::span<Triangle> triangles, const RunPieces& run) {
   std::atomic<bool> hasFlat = false;
   eachStretch(run, triangles.size(), [&](std::size_t first, std::size_t end) {
     for (std::size_t t = first; t < end; ++t) {
@@ -172,64 +193,6 @@ std::size_t windAndPartition(std::span<const Vec3> points, std::vector<Triangle>
     return signedSide(at(triangle.a), at(triangle.b), at(triangle.c)) != 0.0;
   });
   return static_cast<std::size_t>(ground - triangles.begin());
-}
-
-Links linkTriangles(std::size_t pointCount, std::span<const Triangle> triangles, const RunPieces& run) {
-  // Every edge of a triangle waits in a chain at its smaller corner, where it meets its counterpart. The chains run
-  // through the links themselves, so that nothing else of their size is needed.
-  Links result{std::vector<Link>(3 * triangles.size()), 0};
-  std::vector<Link>& links = result.links;
-  std::vector<Link> chains(pointCount, kNoLink);
-  const auto slot = [](Link link) {
-    return 3 * static_cast<std::size_t>(link >> 2) + static_cast<std::size_t>(link & 3);
-  };
-  for (std::size_t t = 0; t < triangles.size(); ++t) {
-    const Triangle& triangle = triangles[t];
-    const std::array<std::int32_t, 3> lower{std::min(triangle.b, triangle.c), std::min(triangle.c, triangle.a),
-                                            std::min(triangle.a, triangle.b)};
-    for (std::size_t i = 0; i < 3; ++i) {
-      Link& chain = chains[static_cast<std::size_t>(lower[i])];
-      links[3 * t + i] = chain;
-      chain = static_cast<Link>(4 * t + i);
-    }
-  }
-
-  struct Half {
-    std::int32_t upper;
-    Link link;
-    bool isRising;  // runs from the smaller corner to the larger
-  };
-  const std::int32_t* corners = cornersOf(triangles);
-  std::atomic<std::size_t> overlapping = 0;
-  // The links of a chain are its own, so chains don't get into each other's way.
-  eachStretch(run, pointCount, [&](std::size_t firstPoint, std::size_t endPoint) {
-    std::vector<Half> halves;
-    for (std::size_t point = firstPoint; point < endPoint; ++point) {
-      halves.clear();
-      for (Link link = chains[point]; link != kNoLink;) {
-        const std::size_t first = static_cast<std::size_t>(link >> 2) * 3;
-        const auto edge = static_cast<std::size_t>(link & 3);
-        const std::int32_t from = corners[first + (edge == 2 ? 0 : edge + 1)];
-        const std::int32_t to = corners[first + (edge == 0 ? 2 : edge - 1)];
-        halves.push_back({std::max(from, to), link, from < to});
-        link = links[first + edge];
-      }
-      for (const Half& half : halves) links[slot(half.link)] = kNoLink;
-      std::sort(halves.begin(), halves.end(), [](const Half& p, const Half& q) { return p.upper < q.upper; });
-      for (std::size_t i = 0; i < halves.size();) {
-        std::size_t end = i + 1;
-        while (end < halves.size() && halves[end].upper == halves[i].upper) ++end;
-        if (end - i == 2 && halves[i].isRising != halves[i + 1].isRising) {
-          links[slot(halves[i].link)] = halves[i + 1].link;
-          links[slot(halves[i + 1].link)] = halves[i].link;
-        }
-        if (end - i > 2) ++overlapping;
-        i = end;
-      }
-    }
-  });
-  result.overlappingEdges = overlapping;
-  return result;
 }
 
 }  // namespace lvx::civil::detail

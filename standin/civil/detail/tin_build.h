@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <mutex>
 #include <span>
 #include <vector>
 
+#include "civil/detail/plain_array.h"
 #include "civil/tin_surface.h"
 
 /// The steps by which a TIN surface takes over its points and triangles.
@@ -45,31 +45,23 @@ template <class BoxOf>
   return all;
 }
 
-/// Numbers the triangles along a Morton curve through their lower left corners and the points by their first use; points
-/// of no triangle come last. What lies close on the ground then lies close in memory, which a walk and the tree of boxes
-/// live on, whatever order a file has. O(n).
-void renumberAlongCurve(std::vector<Vec3>& points, std::vector<Triangle>& triangles, const RunPieces& run = inOrder);
-
-/// Winds every triangle counter-clockwise and puts those without area in plan last. Returns the number of the others.
-[[nodiscard]] std::size_t windAndPartition(std::span<const Vec3> points, std::vector<Triangle>& triangles,
-                                           const RunPieces& run = inOrder);
-
-/// The way across an edge. Edge i of a triangle lies opposite to its corner i and runs from corner i + 1 to corner i
-/// + 2. A link packs the triangle beyond and the number of the same edge there: 4 * triangle + edge. A link to a
-/// triangle that isn't alone where it lies is complemented, hence negative.
-using Link = std::int32_t;
-inline constexpr Link kNoLink = std::numeric_limits<Link>::min();
-inline constexpr std::size_t kMostTriangles = std::size_t{1} << 29;
-
-struct Links {
-  /// Three a triangle. kNoLink where no triangle lies beyond, and on edges that are more than a seam of two triangles
-  /// (more than two, or both on one side).
-  std::vector<Link> links;
-  std::size_t overlappingEdges = 0;
+/// Points and triangles as a surface holds them.
+struct AlongCurve {
+  PlainArray<Vec3> points;
+  std::size_t usedPoints = 0;  // those of triangles come first
+  PlainArray<Triangle> triangles;
+  SpareMemory spare;  // that of the points as they came
 };
 
-/// The triangles must be wound counter-clockwise. O(n), O(n log n) for edges at one vertex.
-[[nodiscard]] Links linkTriangles(std::size_t pointCount, std::span<const Triangle> triangles,
-                                  const RunPieces& run = inOrder);
+/// Numbers the triangles along a Morton curve through their lower left corners and the points by their first use; points
+/// of no triangle come last. What lies close on the ground then lies close in memory, which a walk and the tree of boxes
+/// live on, whatever order a file has. No coordinate may be other than finite. `box` is that of all points. O(n); at most
+/// the triangles or the points lie there twice.
+[[nodiscard]] AlongCurve renumberAlongCurve(std::vector<Vec3> points, std::vector<Triangle> triangles, const Box& box,
+                                            const RunPieces& run = inOrder);
+
+/// Winds every triangle counter-clockwise and puts those without area in plan last. Returns the number of the others.
+[[nodiscard]] std::size_t windAndPartition(std::span<const Vec3> points, std::span<Triangle> triangles,
+                                           const RunPieces& run = inOrder);
 
 }  // namespace lvx::civil::detail

@@ -5,6 +5,8 @@
 #include <new>
 #include <stdexcept>
 
+#include "standin_platform/large_pages.h"
+
 namespace lvx::landxml::detail {
 
 void TinCollector::addPointOutOfOrder(std::int64_t id, double north, double east, double elevation) {
@@ -47,7 +49,11 @@ template <class Item>
 void TinCollector::expect(std::vector<Item>& items, std::size_t count) {
   if (count <= items.capacity()) return;
   try {
-    items.reserve(count);
+    std::vector<Item> larger;
+    larger.reserve(count);
+    standin_platform::preferLargePages(larger.data(), larger.capacity() * sizeof(Item));
+    larger.assign(items.begin(), items.end());
+    items.swap(larger);
   } catch (const std::bad_alloc&) {
     // There may be fewer than expected.
   } catch (const std::length_error&) {

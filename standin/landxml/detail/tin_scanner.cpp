@@ -415,7 +415,7 @@ void TinScanner::expect(bool points) {
   if (size <= room) return;
   // All that the file may still hold, unless it holds much else.
   constexpr double kMargin = 1.02;
-  constexpr std::size_t kMostGrowth = 4;
+  constexpr std::size_t kMostGrowth = 16;
   const double perByte = static_cast<double>(items) / static_cast<double>(bytes);
   const auto left = static_cast<std::size_t>(kMargin * perByte * static_cast<double>(in_.bytesLeft()));
   const std::size_t wanted = size + std::min(left, (kMostGrowth - 1) * size);

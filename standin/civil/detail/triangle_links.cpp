@@ -1,0 +1,292 @@
+#include "civil/detail/triangle_links.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <memory>
+#include <tuple>
+#include <utility>
+
+#include "civil/detail/tin_build.h"
+
+namespace lvx::civil::detail {
+
+namespace {
+
+struct Corners {
+  std::int32_t from;
+  std::int32_t to;
+};
+
+Corners cornersOfEdge(const std::int32_t* triangle, std::size_t edge) {
+  return {triangle[edge == 2 ? 0 : edge + 1], triangle[edge == 0 ? 2 : edge - 1]};
+}
+
+}  // namespace
+
+/// Matches the triangles in stretches, each for itself. A point that no other stretch uses has all its edges in the one, so
+/// those are matched there; what is left, edges between points of several stretches, is matched at the end. So nobody
+/// touches what is another's, and the edges of one stretch lie close in memory.
+class TriangleLinks::Matching {
+ public:
+  Matching(TriangleLinks& links, std::size_t pointCount, std::span<const Triangle> triangles, const RunPieces& run)
+      : links_(links),
+        corners_(detail::cornersOf(triangles)),
+        count_(triangles.size()),
+        stretches_((count_ + kStretch - 1) / kStretch),
+        firstPoints_(stretches_ + 1, 0),
+        isForeign_((pointCount + kPointsAWord - 1) / kPointsAWord),
+        run_(run) {}
+
+  void match() {
+    sharePoints();
+    std::vector<Found> found(stretches_);
+    run_(stretches_, [&](std::size_t stretch) { matchWithin(stretch, found[stretch]); });
+    matchBetween(found);
+    keepFar(found);
+  }
+
+ private:
+  static constexpr std::size_t kStretch = std::size_t{1} << 16;
+  static constexpr std::size_t kPointsAWord = 32;
+  static bool isBefore(const Far& p, const Far& q) { return p.slot < q.slot; }
+  /// Triangles whose edges are told apart at a time.
+  static constexpr std::size_t kBlock = 256;
+  /// An edge as one triangle has it.
+  struct Side {
+    std::int32_t lower = 0;
+    std::int32_t upper = 0;
+    Link edge = 0;
+  };
+  /// What a stretch leaves.
+  struct Found {
+    std::vector<Link> between;  // edges with both ends in several stretches
+    std::vector<Far> far;
+    std::size_t overlapping = 0;
+  };
+
+  [[nodiscard]] std::size_t endOf(std::size_t stretch) const { return std::min((stretch + 1) * kStretch, count_); }
+
+  /// Gives each stretch a range of points, which are mostly its own, and marks those that others use too.
+  void sharePoints() {
+    run_(stretches_, [&](std::size_t stretch) {
+      std::int32_t last = -1;
+      for (std::size_t i = 3 * stretch * kStretch; i < 3 * endOf(stretch); ++i) last = std::max(last, corners_[i]);
+      firstPoints_[stretch + 1] = last + 1;
+    });
+    for (std::size_t i = 1; i < firstPoints_.size(); ++i)
+      firstPoints_[i] = std::max(firstPoints_[i], firstPoints_[i - 1]);
+    run_(stretches_, [&](std::size_t stretch) {
+      const std::int32_t first = firstPoints_[stretch];
+      // None lies behind the range.
+      for (std::size_t i = 3 * stretch * kStretch; i < 3 * endOf(stretch); ++i)
+        if (corners_[i] < first) markForeign(static_cast<std::size_t>(corners_[i]));
+    });
+  }
+
+  void markForeign(std::size_t point) {
+    const std::uint32_t bit = std::uint32_t{1} << point % kPointsAWord;
+    std::atomic<std::uint32_t>& word = isForeign_[point / kPointsAWord];
+    if ((word.load(std::memory_order_relaxed) & bit) == 0) word.fetch_or(bit, std::memory_order_relaxed);
+  }
+
+  [[nodiscard]] bool isForeign(std::size_t point) const {
+    return (isForeign_[point / kPointsAWord].load(std::memory_order_relaxed) >> point % kPointsAWord & 1U) != 0;
+  }
+
+  /// Edges that run from the smaller corner to the larger wait in chains at the own one of their ends, the smaller one of
+  /// two, where those of the other direction find them.
+  void matchWithin(std::size_t stretch, Found& found) {
+    const std::int32_t first = firstPoints_[stretch];
+    const auto ownCount = static_cast<std::size_t>(firstPoints_[stretch + 1] - first);
+    const std::size_t begin = stretch * kStretch;
+    const std::size_t end = endOf(stretch);
+    constexpr std::int32_t kEnd = -1;
+    constexpr std::int32_t kNotOwn = -2;
+    std::vector<std::int32_t> chains(ownCount);
+    for (std::size_t i = 0; i < ownCount; ++i)
+      chains[i] = isForeign(static_cast<std::size_t>(first) + i) ? kNotOwn : kEnd;
+    struct Waiting {
+      std::int32_t other;  // the end of the edge that it doesn't wait at
+      std::int32_t next;
+      Link edge;
+      Link matched;
+    };
+    const std::size_t mostSides = 2 * (end - begin);  // of one direction: no triangle has three
+    const auto waiting = std::make_unique_for_overwrite<Waiting[]>(mostSides);
+    std::int32_t waitingCount = 0;
+
+    // Where an edge waits or looks; nothing where neither end is own.
+    struct Place {
+      std::int32_t* chain;
+      std::int32_t other;
+    };
+    const auto placeOf = [&](const Side& side) -> Place {
+      if (side.lower >= first) {
+        std::int32_t& chain = chains[static_cast<std::size_t>(side.lower - first)];
+        if (chain != kNotOwn) return {&chain, side.upper};
+      }
+      if (side.upper >= first) {
+        std::int32_t& chain = chains[static_cast<std::size_t>(side.upper - first)];
+        if (chain != kNotOwn) return {&chain, side.lower};
+      }
+      return {nullptr, 0};
+    };
+    // Which direction an edge has is as good as chance, so both lists are written and one of them grows.
+    const auto falling = std::make_unique_for_overwrite<Side[]>(mostSides + 1);
+    std::array<Side, 3 * kBlock + 1> rising;
+    std::size_t fallingCount = 0;
+    for (std::size_t block = begin; block < end; block += kBlock) {
+      std::size_t risingCount = 0;
+      for (std::size_t t = block; t < std::min(block + kBlock, end); ++t) {
+        for (std::size_t edge = 0; edge < 3; ++edge) {
+          const auto [from, to] = cornersOfEdge(corners_ + 3 * t, edge);
+          const Side side{std::min(from, to), std::max(from, to), static_cast<Link>(4 * t + edge)};
+          rising[risingCount] = side;
+          falling[fallingCount] = side;
+          risingCount += from < to ? 1 : 0;
+          fallingCount += from < to ? 0 : 1;
+        }
+      }
+      for (const Side& side : std::span(rising).first(risingCount)) {
+        const Place place = placeOf(side);
+        if (place.chain == nullptr) {
+          found.between.push_back(side.edge);
+          continue;
+        }
+        waiting[static_cast<std::size_t>(waitingCount)] = {place.other, *place.chain, side.edge, kNoLink};
+        *place.chain = waitingCount++;
+      }
+    }
+    const auto at = [&](std::int32_t number) -> Waiting& { return waiting[static_cast<std::size_t>(number)]; };
+    // Edges that may have more than two triangles.
+    std::vector<Link> odd;
+    for (std::size_t i = 0; i < fallingCount; ++i) {
+      const Side& side = falling[i];
+      const Place place = placeOf(side);
+      if (place.chain == nullptr) {
+        found.between.push_back(side.edge);
+        continue;
+      }
+      std::int32_t number = *place.chain;
+      while (number != kEnd && at(number).other != place.other) number = at(number).next;
+      if (number == kEnd || at(number).matched != kNoLink) {
+        noLink(side.edge);
+        odd.push_back(side.edge);
+        continue;
+      }
+      Waiting& counterpart = at(number);
+      counterpart.matched = side.edge;
+      link(side.edge, counterpart.edge, found);
+      link(counterpart.edge, side.edge, found);
+    }
+    for (std::int32_t number = 0; number < waitingCount; ++number) {
+      if (at(number).matched != kNoLink) continue;
+      noLink(at(number).edge);
+      odd.push_back(at(number).edge);
+    }
+    // With an edge that found none goes what was matched of the same: the rules count all of it.
+    eachSameEdge(odd, [&](std::span<const Side> sides) {
+      const Place place = placeOf(sides.front());
+      std::size_t count = sides.size();
+      for (std::int32_t number = *place.chain; number != kEnd; number = at(number).next) {
+        const Waiting& its = at(number);
+        if (its.other != place.other || its.matched == kNoLink) continue;
+        count += 2;
+        noLink(its.edge);
+        noLink(its.matched);
+      }
+      if (count > 2) ++found.overlapping;
+    });
+    std::sort(found.far.begin(), found.far.end(), isBefore);
+  }
+
+  [[nodiscard]] Corners cornersOf(Link edge) const {
+    return cornersOfEdge(corners_ + 3 * static_cast<std::size_t>(edge >> 2), static_cast<std::size_t>(edge & 3));
+  }
+  [[nodiscard]] bool isRising(const Side& side) const { return cornersOf(side.edge).from == side.lower; }
+  /// Calls `use` with all sides of one edge among those given, edge by edge.
+  template <class Use>
+  void eachSameEdge(std::span<const Link> edges, Use use) const {
+    std::vector<Side> sides;
+    sides.reserve(edges.size());
+    for (const Link edge : edges) {
+      const auto [from, to] = cornersOf(edge);
+      sides.push_back({std::min(from, to), std::max(from, to), edge});
+    }
+    std::sort(sides.begin(), sides.end(), [](const Side& p, const Side& q) {
+      return std::tie(p.lower, p.upper, p.edge) < std::tie(q.lower, q.upper, q.edge);
+    });
+    for (std::size_t i = 0; i < sides.size();) {
+      std::size_t end = i + 1;
+      while (end < sides.size() && sides[end].lower == sides[i].lower && sides[end].upper == sides[i].upper) ++end;
+      use(std::span<const Side>(sides).subspan(i, end - i));
+      i = end;
+    }
+  }
+
+  [[nodiscard]] static std::size_t slotOf(Link edge) {
+    return 3 * static_cast<std::size_t>(edge >> 2) + static_cast<std::size_t>(edge & 3);
+  }
+  void noLink(Link edge) { links_.steps_[slotOf(edge)] = kBorder; }
+  void link(Link edge, Link there, Found& found) {
+    const Link step = there - (edge & ~3);
+    const bool isNear = step >= std::numeric_limits<Step>::min() && step <= std::numeric_limits<Step>::max();
+    links_.steps_[slotOf(edge)] = isNear ? static_cast<Step>(step) : kFar;
+    if (!isNear) found.far.push_back({static_cast<std::uint32_t>(slotOf(edge)), there});
+  }
+
+  void matchBetween(std::vector<Found>& found) {
+    std::vector<Link> edges;
+    for (Found& its : found) {
+      edges.insert(edges.end(), its.between.begin(), its.between.end());
+      its.between = {};
+    }
+    Found& rest = found.emplace_back();
+    eachSameEdge(edges, [&](std::span<const Side> sides) {
+      for (const Side& side : sides) noLink(side.edge);
+      if (sides.size() > 2) ++rest.overlapping;
+      if (sides.size() != 2 || isRising(sides[0]) == isRising(sides[1])) return;
+      link(sides[0].edge, sides[1].edge, rest);
+      link(sides[1].edge, sides[0].edge, rest);
+    });
+    std::sort(rest.far.begin(), rest.far.end(), isBefore);
+  }
+
+  void keepFar(std::vector<Found>& found) {
+    for (const Found& its : found) links_.overlappingEdges_ += its.overlapping;
+    std::vector<Far>& far = links_.far_;
+    std::size_t total = 0;
+    for (const Found& its : found) total += its.far.size();
+    far.reserve(total);
+    for (const Found& its : found) far.insert(far.end(), its.far.begin(), its.far.end());
+    const auto middle = far.end() - static_cast<std::ptrdiff_t>(found.back().far.size());
+    std::inplace_merge(far.begin(), middle, far.end(), isBefore);
+    links_.firsts_.assign((3 * count_ >> kFarShift) + 2, 0);
+    for (const Far& its : far) ++links_.firsts_[(its.slot >> kFarShift) + 1];
+    for (std::size_t i = 1; i < links_.firsts_.size(); ++i) links_.firsts_[i] += links_.firsts_[i - 1];
+  }
+
+  TriangleLinks& links_;
+  const std::int32_t* corners_;
+  std::size_t count_;
+  std::size_t stretches_;
+  std::vector<std::int32_t> firstPoints_;  // of the range of each stretch, and the end
+  std::vector<std::atomic<std::uint32_t>> isForeign_;
+  const RunPieces& run_;
+};
+
+TriangleLinks::TriangleLinks(std::size_t pointCount, std::span<const Triangle> triangles, SpareMemory& spare,
+                             const RunPieces& run)
+    : steps_(spare.array<Step>(3 * triangles.size())) {
+  Matching(*this, pointCount, triangles, run).match();
+}
+
+/// By itself, out of the way of the near ones.
+Link TriangleLinks::farLink(std::size_t slot) const {
+  const auto first = far_.begin() + static_cast<std::ptrdiff_t>(firsts_[slot >> kFarShift]);
+  const auto end = far_.begin() + static_cast<std::ptrdiff_t>(firsts_[(slot >> kFarShift) + 1]);
+  return std::lower_bound(first, end, slot, [](const Far& its, std::size_t wanted) { return its.slot < wanted; })->link;
+}
+
+}  // namespace lvx::civil::detail

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <span>
+#include <vector>
+
+#include "civil/detail/plain_array.h"
+#include "civil/tin_surface.h"
+
+namespace lvx::civil::detail {
+
+/// The way across an edge. Edge i of a triangle lies opposite to its corner i and runs from corner i + 1 to corner i
+/// + 2. A link packs the triangle beyond and the number of the same edge there: 4 * triangle + edge.
+using Link = std::int32_t;
+inline constexpr Link kNoLink = std::numeric_limits<Link>::min();
+inline constexpr std::size_t kMostTriangles = std::size_t{1} << 29;
+
+/// The links of all triangles, in 6 bytes a triangle: as steps to the triangle beyond, which lies close in memory along a
+/// space-filling curve; the few that lead farther stand apart.
+class TriangleLinks {
+ public:
+  TriangleLinks() = default;
+  /// The triangles must be wound counter-clockwise. O(n) where points and triangles are numbered along a curve; O(n log n)
+  /// else, and for many edges at one vertex. For a moment it takes a few megabytes a thread.
+  TriangleLinks(std::size_t pointCount, std::span<const Triangle> triangles, SpareMemory& spare,
+                const RunPieces& run = inOrder);
+
+  /// Bytes of the largest array of the links, by the number of triangles.
+  [[nodiscard]] static std::size_t stepsSize(std::size_t triangles) { return 3 * triangles * sizeof(Step); }
+
+  /// kNoLink where no triangle lies beyond, and on edges that are more than a seam of two triangles (more than two, or both
+  /// on one side).
+  [[nodiscard]] Link across(std::size_t triangle, std::size_t edge) const {
+    const Step step = steps_[3 * triangle + edge];
+    if ((step & 3) != 3) return static_cast<Link>(4 * triangle) + step;
+    return step == kBorder ? kNoLink : farLink(3 * triangle + edge);
+  }
+  [[nodiscard]] bool isBorder(std::size_t slot) const { return steps_[slot] == kBorder; }
+  /// Edges with more than two triangles.
+  [[nodiscard]] std::size_t overlappingEdges() const { return overlappingEdges_; }
+
+  /// Whether a triangle is alone where it lies, so that nothing is overlooked who walks into it: all are until told
+  /// otherwise.
+  [[nodiscard]] bool isAlone(std::size_t triangle) const {
+    return shared_.empty() || (shared_[triangle / 64] >> triangle % 64 & 1U) == 0;
+  }
+  /// By triangle, 64 a number.
+  void tellShared(std::vector<std::uint64_t> shared) { shared_ = std::move(shared); }
+
+ private:
+  /// The link less four times the own triangle; no link has 3 for its edge.
+  using Step = std::int16_t;
+  static constexpr Step kBorder = 3;
+  static constexpr Step kFar = 7;
+  struct Far {
+    std::uint32_t slot = 0;
+    Link link = 0;
+  };
+  static constexpr unsigned kFarShift = 9;
+
+  class Matching;
+  [[nodiscard]] Link farLink(std::size_t slot) const;
+
+  PlainArray<Step> steps_;             // three a triangle
+  std::vector<Far> far_;               // ascending by slot
+  std::vector<std::uint32_t> firsts_;  // by slot >> kFarShift: where they begin in far_, and the end
+  std::vector<std::uint64_t> shared_;
+  std::size_t overlappingEdges_ = 0;
+};
+
+}  // namespace lvx::civil::detail
