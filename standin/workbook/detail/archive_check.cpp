@@ -16,7 +16,7 @@ namespace lvx::workbook::detail {
 
 namespace {
 
-constexpr std::string_view kSheet = "xl/worksheets/sheet1.xml";
+constexpr std::string_view kSheet = kSheetPart;
 constexpr std::string_view kTypes = "[Content_Types].xml";
 constexpr std::string_view kRelations = "_rels/.rels";
 constexpr std::string_view kBookRelations = "xl/_rels/workbook.xml.rels";

@@ -8,6 +8,8 @@
 
 #include <pugixml.hpp>
 
+#include "workbook/detail/sheet_text.h"
+
 namespace lvx::workbook::detail {
 
 namespace {
@@ -94,38 +96,6 @@ bool standsFor(std::string_view markup, double number) {
   const auto [rest, error] = std::from_chars(markup.data(), markup.data() + markup.size(), value);
   return error == std::errc() && rest == markup.data() + markup.size() &&
          std::abs(value - number) <= kSixteenDigits * std::abs(number);
-}
-
-/// A cell's name, made from its row's digits.
-class CellName {
- public:
-  explicit CellName(std::uint32_t row) {
-    char* const end = std::to_chars(digits_.data(), digits_.data() + digits_.size(), row + 1).ptr;
-    size_ = static_cast<std::size_t>(end - digits_.data());
-  }
-  [[nodiscard]] std::string_view digits() const { return {digits_.data(), size_}; }
-  /// Lasts until the next call.
-  std::string_view of(std::uint16_t column) {
-    constexpr std::size_t kMostLetters = 3;
-    constexpr unsigned kLetters = 26;
-    std::size_t begin = kMostLetters;
-    for (unsigned rest = column + 1U; rest > 0; rest = (rest - 1) / kLetters)
-      name_[--begin] = static_cast<char>('A' + (rest - 1) % kLetters);
-    std::memcpy(name_.data() + kMostLetters, digits_.data(), size_);
-    return {name_.data() + begin, kMostLetters - begin + size_};
-  }
-
- private:
-  std::array<char, 10> digits_{};
-  std::size_t size_ = 0;
-  std::array<char, 13> name_{};
-};
-
-/// A reader strips such a text unless it is told not to.
-bool hasOuterBlank(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\n";
-  return !text.empty() &&
-         (kBlanks.find(text.front()) != std::string_view::npos || kBlanks.find(text.back()) != std::string_view::npos);
 }
 
 bool takeValue(Cursor& cursor, const CellValue& value) {
@@ -222,7 +192,7 @@ void SheetCheck::readRows() {
 
 SheetCheck::Answer SheetCheck::rowAt(std::size_t& at) const {
   Cursor cursor(std::string_view(buffer_).substr(at));
-  CellName name(expectedRow_);
+  CellNames name(expectedRow_);
   std::string_view layout;  // heights and the like
   bool isSound = cursor.skip("<row r=\"") && cursor.skip(name.digits()) && cursor.skip("\"") &&
                  cursor.upTo('>', layout) && (layout.empty() || isWellFormed("<row" + std::string(layout) + "/>"));
@@ -238,15 +208,7 @@ SheetCheck::Answer SheetCheck::rowAt(std::size_t& at) const {
 
 void SheetCheck::expectNextRow() {
   expected_.clear();
-  while (expected_.empty() && cells_.next(expectedRow_, row_)) {
-    row_.forEach([this](std::uint16_t column, const CellValue& value) {
-      const bool isEmpty = value.kind == CellKind::Empty || value.kind == CellKind::Kept;
-      if (!isEmpty || value.threeDecimals) expected_.emplace_back(column, value);
-    });
-  }
-  const auto byColumn = [](const auto& a, const auto& b) { return a.first < b.first; };
-  if (!std::is_sorted(expected_.begin(), expected_.end(), byColumn))
-    std::sort(expected_.begin(), expected_.end(), byColumn);
+  while (expected_.empty() && cells_.next(expectedRow_, row_)) shownCells(row_, expected_);
 }
 
 bool readDocument(std::string_view text, pugi::xml_document& document) {

@@ -1,5 +1,6 @@
 #include "workbook/detail/workbook_file.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <ctime>
@@ -10,6 +11,7 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include <xlsxwriter.h>
 
@@ -20,7 +22,9 @@
 #include "standin_platform/isolated_work.h"
 #include "standin_platform/scratch_folder.h"
 #include "workbook/detail/archive_check.h"
+#include "workbook/detail/archive_writer.h"
 #include "workbook/detail/sheet_cells.h"
+#include "workbook/detail/sheet_text.h"
 
 namespace lvx::workbook::detail {
 
@@ -64,33 +68,34 @@ void check(lxw_error error) {
   if (error != LXW_NO_ERROR) throw AutomationException(kCantWrite);
 }
 
-void writeRow(lxw_worksheet* sheet, std::uint32_t number, const Row& row, lxw_format* threeDecimals,
-              std::string& text) {
-  row.forEach([&](std::uint16_t column, const CellValue& value) {
-    lxw_format* format = value.threeDecimals ? threeDecimals : nullptr;
-    switch (value.kind) {
-      case CellKind::Number:
-        check(worksheet_write_number(sheet, number, column, value.number, format));
-        break;
-      case CellKind::Text:
-        text.assign(value.text);
-        check(worksheet_write_string(sheet, number, column, text.c_str(), format));
-        break;
-      case CellKind::Kept:  // no row gives it out
-      case CellKind::Empty:
-        if (format != nullptr) check(worksheet_write_blank(sheet, number, column, format));
-        break;
-    }
-  });
+/// The corners of all cells that show.
+struct Bounds {
+  CellPlace first{kRowLimit, static_cast<std::uint16_t>(kColumnLimit)};
+  CellPlace last;
+  [[nodiscard]] bool isEmpty() const { return first.row == kRowLimit; }
+};
+
+Bounds boundsOf(SheetCells& cells) {
+  Bounds bounds;
+  Row row;
+  std::vector<ShownCell> shown;
+  cells.rewind();
+  for (std::uint32_t number = 0; cells.next(number, row);) {
+    shownCells(row, shown);
+    if (shown.empty()) continue;
+    if (bounds.isEmpty()) bounds.first.row = number;
+    bounds.last.row = number;
+    bounds.first.column = std::min(bounds.first.column, shown.front().first);
+    bounds.last.column = std::max(bounds.last.column, shown.back().first);
+  }
+  return bounds;
 }
 
-/// Builds the file from rewound cells. Its temporary files lie in `scratch`.
-void build(SheetCells& cells, const std::filesystem::path& archive, std::string scratch, std::time_t moment) {
-  // A cell takes up to 60 characters beside its text, a character of a text up to 7. Archives beyond 4 GB need another
-  // format, which older readers refuse, so it is taken only then.
-  const std::uint64_t mostBytes = 60 * cells.cells() + 7 * cells.textBytes();
-  lxw_workbook_options options{LXW_TRUE, scratch.data(),
-                               static_cast<std::uint8_t>(mostBytes > 0xF0000000U ? LXW_TRUE : LXW_FALSE)};
+/// Builds a workbook by the library whose sheet is as large as `bounds` and holds their corners alone. Its temporary files lie
+/// in `scratch`.
+void buildFrame(const Bounds& bounds, bool hasThreeDecimals, const std::filesystem::path& archive, std::string scratch,
+                std::time_t moment) {
+  lxw_workbook_options options{LXW_TRUE, scratch.data(), LXW_FALSE};
   WorkbookHandle book(workbook_new_opt(archive.string().c_str(), &options));
   lxw_worksheet* sheet = book ? workbook_add_worksheet(book.get(), nullptr) : nullptr;
   lxw_format* threeDecimals = book ? workbook_add_format(book.get()) : nullptr;
@@ -99,18 +104,44 @@ void build(SheetCells& cells, const std::filesystem::path& archive, std::string 
   lxw_doc_properties properties{};
   properties.created = moment;
   check(workbook_set_properties(book.get(), &properties));
-
-  std::string text;
-  Row row;
-  for (std::uint32_t number = 0; cells.next(number, row);) writeRow(sheet, number, row, threeDecimals, text);
+  if (!bounds.isEmpty())
+    for (const CellPlace& corner : {bounds.first, bounds.last})
+      check(worksheet_write_number(sheet, corner.row, corner.column, 1.0, hasThreeDecimals ? threeDecimals : nullptr));
   check(workbook_close(book.release()));
 }
 
-/// A cell or none, by which a workbook gets all parts but the sheet as one of `cells` does.
-SheetCells cellsOfTwin(const SheetCells& cells) {
-  SheetCells twin;
-  if (cells.hasThreeDecimals()) twin.put({0, 0}, {CellKind::Number, true, 1.0, {}});
-  return twin;
+/// Gives the text of all rows to `take`, in pieces.
+void giveRows(SheetCells& cells, const TakeRows& take) {
+  constexpr std::size_t kPiece = std::size_t{1} << 16;
+  Row row;
+  std::vector<ShownCell> shown;
+  std::string text;
+  cells.rewind();
+  for (std::uint32_t number = 0; cells.next(number, row);) {
+    shownCells(row, shown);
+    appendRow(number, shown, text);
+    if (text.size() < kPiece) continue;
+    take(text);
+    text.clear();
+  }
+  take(text);
+}
+
+/// Builds the file from its cells: the library makes all but the rows of the sheet, which cost it most. Temporary files lie in
+/// `scratch`.
+void build(SheetCells& cells, const std::filesystem::path& archive, const std::filesystem::path& scratch,
+           std::time_t moment) {
+  const Bounds bounds = boundsOf(cells);
+  const std::filesystem::path frame = scratch / "frame";
+  buildFrame(bounds, cells.hasThreeDecimals(), frame, scratch.string(), moment);
+  if (bounds.isEmpty()) {
+    std::filesystem::copy_file(frame, archive, std::filesystem::copy_options::overwrite_existing);
+    return;
+  }
+  // A cell takes up to 60 characters beside its text, a character of a text up to 7. Archives beyond 4 GB need another
+  // format, which older readers refuse, so it is taken only then.
+  const std::uint64_t mostBytes = 60 * cells.cells() + 7 * cells.textBytes();
+  writeArchive(frame, archive, mostBytes > 0xF0000000U, [&cells](const TakeRows& take) { giveRows(cells, take); });
 }
 
 }  // namespace
@@ -175,16 +206,16 @@ std::uint64_t WorkbookFile::save(const framework::CString& path, const std::func
     throw AutomationException("workbook: no folder can be made in its folder");
   }
   const std::filesystem::path& archive = file->lend();
-  cells.rewind();
+  cells.rewind();  // before the copy, which reads what is flushed here
   // The library takes memory for granted and crashes without it.
   const std::filesystem::path twin = scratch->path() / "twin";
   const std::time_t moment = creationMoment();
   const IsolatedOutcome outcome = runIsolated(
       [&] {
-        build(cells, archive, scratch->path().string(), moment);
-        SheetCells ofTwin = cellsOfTwin(cells);
-        ofTwin.rewind();
-        build(ofTwin, twin, scratch->path().string(), moment);
+        build(cells, archive, scratch->path(), moment);
+        // A second one, by which the archive gets all parts but the sheet as the library makes them.
+        const Bounds corner = cells.hasThreeDecimals() ? Bounds{{0, 0}, {0, 0}} : Bounds{};
+        buildFrame(corner, cells.hasThreeDecimals(), twin, scratch->path().string(), moment);
       },
       meanwhile);
   switch (outcome.end) {
