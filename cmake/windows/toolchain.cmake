@@ -8,9 +8,10 @@ set(CMAKE_CXX_COMPILER ${prefix}-g++-posix)
 set(CMAKE_RC_COMPILER ${prefix}-windres)
 set(CMAKE_RC_FLAGS_INIT "-c 65001")
 
-# The libraries that ./lvx build windows made of their sources, then those of the tool chain itself.
+# The libraries that ./lvx build windows made of their sources, Qt where it is made, then those of the tool chain itself.
 get_filename_component(LVX_WINDOWS_LIBRARIES "${CMAKE_CURRENT_LIST_DIR}/../../build/windows-libraries/installed" ABSOLUTE)
-set(CMAKE_FIND_ROOT_PATH "${LVX_WINDOWS_LIBRARIES}" /usr/${prefix})
+get_filename_component(LVX_WINDOWS_QT "${CMAKE_CURRENT_LIST_DIR}/../../build/windows-qt/installed" ABSOLUTE)
+set(CMAKE_FIND_ROOT_PATH "${LVX_WINDOWS_LIBRARIES}" "${LVX_WINDOWS_QT}" /usr/${prefix})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

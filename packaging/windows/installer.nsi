@@ -5,7 +5,7 @@
 ;   Uninstall.exe [/S]
 ;
 ; Both end with 2 where something couldn't be done, with 1 where a user gave it up. make_packages defines VERSION, FOLDER
-; with the lists of files, PRESSED, SIZE in KB, OUTPUT.
+; with the lists of files, PRESSED, SIZE in KB, OUTPUT, and DESKTOP where they hold lvxhost-desktop.exe.
 Target amd64-unicode
 SetCompressor /SOLID ${PRESSED}
 ManifestDPIAware true
@@ -51,6 +51,8 @@ LangString notWhole ${LANG_GERMAN} "Einige Dateien ließen sich nicht schreiben.
 ; Every name of each, since the one who uninstalls may have another language by then.
 !define CONSOLE_EN "Road reports in a console"
 !define CONSOLE_DE "Straßenberichte in einer Konsole"
+!define DESKTOP_EN "Road reports"
+!define DESKTOP_DE "Straßenberichte"
 !define HELP_EN "Help"
 !define HELP_DE "Hilfe"
 !define EXAMPLES_EN "Examples"
@@ -59,6 +61,8 @@ LangString notWhole ${LANG_GERMAN} "Einige Dateien ließen sich nicht schreiben.
 !define UNINSTALL_DE "Deinstallieren"
 LangString console ${LANG_ENGLISH} "${CONSOLE_EN}"
 LangString console ${LANG_GERMAN} "${CONSOLE_DE}"
+LangString desktop ${LANG_ENGLISH} "${DESKTOP_EN}"
+LangString desktop ${LANG_GERMAN} "${DESKTOP_DE}"
 LangString help ${LANG_ENGLISH} "${HELP_EN}"
 LangString help ${LANG_GERMAN} "${HELP_DE}"
 LangString examples ${LANG_ENGLISH} "${EXAMPLES_EN}"
@@ -75,6 +79,16 @@ LangString helpLanguage ${LANG_GERMAN} "de"
   ${If} ${FileExists} "$INSTDIR\bin\lvxhost.exe"
     ClearErrors
     FileOpen $0 "$INSTDIR\bin\lvxhost.exe" a
+    ${If} ${Errors}
+      MessageBox MB_OK|MB_ICONSTOP "$(isInUse)" /SD IDOK
+      SetErrorLevel 2
+      Quit
+    ${EndIf}
+    FileClose $0
+  ${EndIf}
+  ${If} ${FileExists} "$INSTDIR\bin\lvxhost-desktop.exe"
+    ClearErrors
+    FileOpen $0 "$INSTDIR\bin\lvxhost-desktop.exe" a
     ${If} ${Errors}
       MessageBox MB_OK|MB_ICONSTOP "$(isInUse)" /SD IDOK
       SetErrorLevel 2
@@ -148,6 +162,9 @@ Section
   CreateDirectory "$SMPROGRAMS\${NAME}"
   SetOutPath "$DOCUMENTS"  ; where the console begins
   CreateShortCut "$SMPROGRAMS\${NAME}\$(console).lnk" "$SYSDIR\cmd.exe" '/d /k "set PATH=$INSTDIR\bin;%PATH%"'
+!ifdef DESKTOP
+  CreateShortCut "$SMPROGRAMS\${NAME}\$(desktop).lnk" "$INSTDIR\bin\lvxhost-desktop.exe"
+!endif
   SetOutPath "$INSTDIR"
   CreateShortCut "$SMPROGRAMS\${NAME}\$(help).lnk" "$INSTDIR\share\lvxhost\help\$(helpLanguage)\Vantor Lorvix Extension.chm"
   CreateShortCut "$SMPROGRAMS\${NAME}\$(examples).lnk" "$INSTDIR\examples"
@@ -168,6 +185,7 @@ Section Uninstall
 
   !macro RemoveShortcut language
     Delete "$SMPROGRAMS\${NAME}\${CONSOLE_${language}}.lnk"
+    Delete "$SMPROGRAMS\${NAME}\${DESKTOP_${language}}.lnk"
     Delete "$SMPROGRAMS\${NAME}\${HELP_${language}}.lnk"
     Delete "$SMPROGRAMS\${NAME}\${EXAMPLES_${language}}.lnk"
     Delete "$SMPROGRAMS\${NAME}\${UNINSTALL_${language}}.lnk"

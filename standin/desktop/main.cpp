@@ -1,6 +1,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QLocale>
+#include <QOperatingSystemVersion>
 #include <chrono>
 #include <clocale>
 #include <cstdio>
@@ -16,6 +17,7 @@
 #include "options/exit_codes.h"
 #include "options/option_table.h"
 #include "standin_platform/interruption.h"
+#include "standin_platform/program_arguments.h"
 #include "standin_platform/standard_streams.h"
 #include "version/version.h"
 
@@ -143,9 +145,15 @@ bool isSet(const char* variable) {
   return value != nullptr && *value != '\0';
 }
 
+/// Windows has a screen without a word about it.
+bool isDisplayNamed() {
+  return QOperatingSystemVersion::currentType() == QOperatingSystemVersion::Windows || isSet("DISPLAY") ||
+         isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
+}
+
 QStringList wordsOf(int argc, char** argv) {
   QStringList words;
-  for (int index = 0; index < argc; ++index) words << QString::fromLocal8Bit(argv[index]);
+  for (const std::string& word : standin_platform::programArguments(argc, argv)) words << toQt(word);
   return words;
 }
 
@@ -162,7 +170,7 @@ int run(int argc, char** argv) {
     std::fputs(started.answer.toUtf8().constData(), stdout);
     return std::fflush(stdout) == 0 ? kDone : kUsage;
   }
-  if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("QT_QPA_PLATFORM")) {
+  if (!isDisplayNamed()) {
     say(QString::fromLatin1(kNoDisplayWords));
     return kNoDisplay;
   }

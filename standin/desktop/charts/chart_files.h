@@ -16,7 +16,9 @@ namespace lvx::desktop {
 
 class ChartPage;
 
-/// A page as an SVG file's bytes, a hundredth of a millimetre to a unit, so that the sheet's size and scale are true.
+/// Whether this program's Qt writes SVG.
+[[nodiscard]] bool canWriteSvg();
+/// Only where `canWriteSvg`. A page as an SVG file's bytes, a hundredth of a millimetre to a unit, so that the sheet's size and scale are true.
 [[nodiscard]] QByteArray svgOf(const ChartPage& page, const Chart& chart);
 /// A page as a PDF file's bytes: A4, or A3 where the page asks for it, across, 1200 dots an inch.
 [[nodiscard]] QByteArray pdfOf(const ChartPage& page, const Chart& chart);

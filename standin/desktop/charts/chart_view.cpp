@@ -268,12 +268,15 @@ bool ChartView::exportTo(const QString& path, QString& whyNot) {
     return false;
   }
   const QString ending = QFileInfo(path).suffix().toLower();
-  if (ending != QLatin1String("svg") && ending != QLatin1String("pdf")) {
-    whyNot = tr("%1 can't be written: its name must end in .svg or .pdf.").arg(shown);
+  const bool isSvg = canWriteSvg() && ending == QLatin1String("svg");
+  if (!isSvg && ending != QLatin1String("pdf")) {
+    whyNot = (canWriteSvg() ? tr("%1 can't be written: its name must end in .svg or .pdf.")
+                            : tr("%1 can't be written: its name must end in .pdf."))
+                 .arg(shown);
     return false;
   }
   const ChartPage page(chart_, font(), canvas_->chosenExaggeration());
-  const QByteArray bytes = ending == QLatin1String("svg") ? svgOf(page, chart_) : pdfOf(page, chart_);
+  const QByteArray bytes = isSvg ? svgOf(page, chart_) : pdfOf(page, chart_);
   // Beside the file and then in its place: whoever has the old one keeps it until the new one is whole.
   QSaveFile file(path);
   if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
@@ -287,8 +290,9 @@ void ChartView::askExport() {
   const QString pdf = tr("PDF document (*.pdf)");
   const QString svg = tr("SVG drawing (*.svg)");
   QString filter = pdf;
+  const QString filters = canWriteSvg() ? pdf + QStringLiteral(";;") + svg : pdf;
   QString path = QFileDialog::getSaveFileName(this, tr("Export the chart"), exportName() + QStringLiteral(".pdf"),
-                                              pdf + QStringLiteral(";;") + svg, &filter);
+                                              filters, &filter);
   if (path.isEmpty()) return;
   if (QFileInfo(path).suffix().isEmpty()) path += filter == svg ? QStringLiteral(".svg") : QStringLiteral(".pdf");
   QString whyNot;

@@ -1,15 +1,15 @@
 #include "desktop/common/icons.h"
 
 #include <QApplication>
-#include <QFile>
 #include <QHash>
 #include <QIconEngine>
 #include <QPainter>
 #include <QPalette>
 #include <QPixmap>
 #include <QPixmapCache>
-#include <QSvgRenderer>
 #include <utility>
+
+#include "desktop/common/detail/icon_drawing.h"
 
 // Qt names the resources outside any namespace. They lie in a static library, so the linker needs to be asked for them.
 static void initIcons() { Q_INIT_RESOURCE(desktop_icons); }
@@ -18,9 +18,9 @@ namespace lvx::desktop {
 
 namespace {
 
-class SvgEngine final : public QIconEngine {
+class DrawingEngine final : public QIconEngine {
  public:
-  SvgEngine(QString name, QByteArray text) : name_(std::move(name)), text_(std::move(text)) {}
+  DrawingEngine(QString name, IconDrawing drawing) : name_(std::move(name)), drawing_(std::move(drawing)) {}
 
   void paint(QPainter* painter, const QRect& area, QIcon::Mode mode, QIcon::State state) override {
     const double ratio = painter->device()->devicePixelRatioF();
@@ -32,9 +32,9 @@ class SvgEngine final : public QIconEngine {
   QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State /*state*/, qreal /*scale*/) override {
     QPalette::ColorGroup group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
     QPalette::ColorRole role = mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::ButtonText;
-    const QByteArray colour = QApplication::palette().color(group, role).name().toLatin1();
+    const QColor colour = QApplication::palette().color(group, role);
     const QString key = QStringLiteral("lvx-icon %1 %2 %3 %4x%5")
-                            .arg(name_, QString::fromLatin1(colour))
+                            .arg(name_, colour.name())
                             .arg(static_cast<int>(mode))
                             .arg(size.width())
                             .arg(size.height());
@@ -42,20 +42,19 @@ class SvgEngine final : public QIconEngine {
     if (QPixmapCache::find(key, &drawn)) return drawn;
     drawn = QPixmap(size);
     drawn.fill(Qt::transparent);
-    QSvgRenderer renderer(QByteArray(text_).replace("currentColor", colour));
     QPainter painter(&drawn);
     constexpr double kFaint = 0.45;
     if (mode == QIcon::Disabled) painter.setOpacity(kFaint);
-    renderer.render(&painter);
+    drawing_.paint(painter, size, colour);
     painter.end();
     QPixmapCache::insert(key, drawn);
     return drawn;
   }
-  [[nodiscard]] QIconEngine* clone() const override { return new SvgEngine(*this); }
+  [[nodiscard]] QIconEngine* clone() const override { return new DrawingEngine(*this); }
 
  private:
   QString name_;
-  QByteArray text_;
+  IconDrawing drawing_;
 };
 
 }  // namespace
@@ -64,9 +63,7 @@ QIcon icon(const QString& name) {
   static QHash<QString, QIcon> known;
   if (const auto found = known.constFind(name); found != known.constEnd()) return *found;
   initIcons();
-  QFile file(QStringLiteral(":/desktop/%1.svg").arg(name));
-  if (!file.open(QIODevice::ReadOnly)) qFatal("icon '%s' isn't built in", qUtf8Printable(name));
-  return *known.insert(name, QIcon(new SvgEngine(name, file.readAll())));
+  return *known.insert(name, QIcon(new DrawingEngine(name, IconDrawing(name))));
 }
 
 }  // namespace lvx::desktop

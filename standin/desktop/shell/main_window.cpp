@@ -16,6 +16,7 @@
 #include <QUrl>
 #include <algorithm>
 
+#include "desktop/common/icons.h"
 #include "desktop/common/qt_text.h"
 #include "desktop/common/scheme.h"
 #include "desktop/panels/console_view.h"
@@ -84,7 +85,7 @@ MainWindow::MainWindow(const DesktopOptions& options)
       closeWatch_(std::make_unique<CloseWatch>(*this)) {
   setObjectName(QStringLiteral("mainWindow"));
   setAcceptDrops(true);
-  setWindowIcon(QIcon(QStringLiteral(":/desktop/lvxhost-desktop.svg")));
+  setWindowIcon(icon(QStringLiteral("lvxhost-desktop")));
 
   connectDocument();
   connectActions();

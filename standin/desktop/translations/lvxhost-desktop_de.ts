@@ -187,6 +187,10 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <translation>%1 kann nicht geschrieben werden: Der Name muss auf .svg oder .pdf enden.</translation>
     </message>
     <message>
+        <source>%1 can&apos;t be written: its name must end in .pdf.</source>
+        <translation>%1 kann nicht geschrieben werden: Der Name muss auf .pdf enden.</translation>
+    </message>
+    <message>
         <source>%1 can&apos;t be written: %2.</source>
         <translation>%1 kann nicht geschrieben werden: %2.</translation>
     </message>
