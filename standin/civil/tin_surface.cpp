@@ -102,13 +102,18 @@ Ground groundIn(const std::array<const Vec3*, 3>& corners, Vec2 p) {
   return {elevationWithin(corners, p), Rank::Face};
 }
 
-/// Walks to the triangle that holds `p` in its interior; complemented where another triangle may hold it too. kNoLink
-/// where that isn't plain: at borders, on edges, when the way gets long.
-std::int32_t locate(const Mesh& mesh, Vec2 p) {
+/// A triangle that holds a place: in its interior, on an edge, or at a corner.
+struct Holder {
+  std::int32_t triangle = kNoLink;  // complemented where another triangle may hold the place too
+  std::uint8_t onEdges = 0;         // a bit for each edge that the place lies on
+};
+
+/// Walks to a triangle that holds `p`. kNoLink where that isn't plain: at borders, when the way gets long.
+Holder locate(const Mesh& mesh, Vec2 p) {
   constexpr int kMostSteps = 200;
   const std::int32_t* corners = cornersOf(mesh.ground());
   const std::int32_t near = mesh.grid.triangleNear(p);
-  if (near == kNoLink) return kNoLink;
+  if (near == kNoLink) return {};
   auto at = static_cast<std::size_t>(near >= 0 ? near : ~near);
   for (int step = 0; step < kMostSteps; ++step) {
     const std::size_t first = 3 * at;
@@ -118,16 +123,24 @@ std::int32_t locate(const Mesh& mesh, Vec2 p) {
                                          roughSide(c[0], c[1] - c[0], p)};
     std::size_t out = 0;
     while (out < 3 && !sides[out].isRight()) ++out;
+    std::uint8_t onEdges = 0;
     if (out == 3) {
-      if (!sides[0].isLeft() || !sides[1].isLeft() || !sides[2].isLeft()) return kNoLink;
+      for (std::size_t i = 0; i < 3 && out == 3; ++i) {
+        if (sides[i].isLeft()) continue;
+        const double side = exactSide(c[(i + 1) % 3], c[(i + 2) % 3], p);
+        if (side < 0.0) out = i;
+        if (side == 0.0) onEdges |= static_cast<std::uint8_t>(1U << i);
+      }
+    }
+    if (out == 3) {
       const auto number = static_cast<std::int32_t>(at);
-      return mesh.links.isAlone(at) ? number : ~number;
+      return {mesh.links.isAlone(at) ? number : ~number, onEdges};
     }
     const Link link = mesh.links.across(at, out);
-    if (link == kNoLink) return kNoLink;
+    if (link == kNoLink) return {};
     at = static_cast<std::size_t>(link >> 2);
   }
-  return kNoLink;
+  return {};
 }
 
 /// Products of coordinates must not overflow. False for what isn't a number.
@@ -208,20 +221,30 @@ void measure(Mesh& mesh, std::size_t usedPoints, const RunPieces& run) {
 /// Samples one segment.
 ///
 /// Two ways lead to the same samples. `walk` goes from triangle to triangle while everything is plain: triangles alone
-/// where they lie, edges crossed clearly, over holes with plain borders from cell to cell of the grid. `gather` takes all triangles near a part of the segment, decides every touch
+/// where they lie, edges crossed clearly, through vertices and along edges that lie on the segment exactly, over holes with
+/// plain borders from cell to cell of the grid. `gather` takes all triangles near a part of the segment, decides every touch
 /// exactly and sorts; it bridges the part from where a walk gave up to where another can begin.
 class SegmentSampler {
  public:
   SegmentSampler(const Mesh& mesh, Vec2 a, Vec2 b, std::vector<Vec3>& samples)
-      : mesh_(mesh), a_(a), b_(b), d_(b - a), square_(dot(d_, d_)), perSquare_(1.0 / square_), samples_(samples) {}
+      : mesh_(mesh),
+        a_(a),
+        b_(b),
+        d_(b - a),
+        square_(dot(d_, d_)),
+        perSquare_(1.0 / square_),
+        line_{a_, d_, square_, perSquare_},
+        samples_(samples) {}
 
   /// Whether the length is more than a point's, so that places along the segment can be told.
   [[nodiscard]] bool hasLength() const { return square_ > 1e-290; }
 
   void sample() {
-    bool canWalk = beginAtStart();
-    if (!canWalk && startsInGap()) {
-      const Gap gap = crossGap();
+    const Way way = beginAtStart();
+    if (way == Way::ToTheEnd) return;
+    bool canWalk = way == Way::Inside;
+    if (!canWalk && !startsOnGround_ && mayStartInGap()) {
+      const Gap gap = crossGap(Behind::Unknown);
       if (gap == Gap::ToTheEnd) return;
       canWalk = gap == Gap::Crossed;
     }
@@ -261,25 +284,41 @@ class SegmentSampler {
     const Vec3* end;
   };
 
-  [[nodiscard]] Corner cornerAt(std::int32_t number) const {
-    const Vec3& point = mesh_.point(number);
-    return {&point, roughSide(a_, d_, plan(point))};
+  /// Outside of the ground's box.
+  [[nodiscard]] bool isOutside(Vec2 p) const {
+    const Box& box = mesh_.box;
+    return p.x < box.minX || p.x > box.maxX || p.y < box.minY || p.y > box.maxY;
   }
 
-  /// Where the segment's line crosses the edge from `right`, on its right, to `left`, on its left.
-  [[nodiscard]] Crossing crossing(const Corner& right, const Corner& left) const {
-    const double total = left.side.value - right.side.value;
-    const double onEdge = -right.side.value / total;
-    const Vec2 edge = plan(*left.point) - plan(*right.point);
-    const double reach = dot(edge, d_);
-    const double along = (dot(plan(*right.point) - a_, d_) + onEdge * reach) * perSquare_;
-    // What rounding moves a corner off the line moves the crossing along it, the more the flatter they meet.
-    const double error = RoughSide::kError * (right.side.magnitude + left.side.magnitude) * std::abs(reach);
-    return {along, onEdge, error < kPlaceError * total * square_};
-  }
+  /// The segment as a line of its own length.
+  struct Line {
+    Vec2 a;
+    Vec2 d;
+    double square;
+    double perSquare;
 
+    [[nodiscard]] Corner corner(const Vec3& point) const { return {&point, roughSide(a, d, plan(point))}; }
+
+    /// Where it crosses the edge from `right`, on its right, to `left`, on its left.
+    [[nodiscard]] Crossing crossing(const Corner& right, const Corner& left) const {
+      const double total = left.side.value - right.side.value;
+      const double onEdge = -right.side.value / total;
+      const Vec2 edge = plan(*left.point) - plan(*right.point);
+      const double reach = dot(edge, d);
+      const double along = (dot(plan(*right.point) - a, d) + onEdge * reach) * perSquare;
+      // What rounding moves a corner off the line moves the crossing along it, the more the flatter they meet.
+      const double error = RoughSide::kError * (right.side.magnitude + left.side.magnitude) * std::abs(reach);
+      return {along, onEdge, error < kPlaceError * total * square};
+    }
+
+    [[nodiscard]] Vec3 pointAt(const Crossing& crossing, const Vec3& right, const Vec3& left) const {
+      return {a.x + crossing.along * d.x, a.y + crossing.along * d.y, right.z + crossing.onEdge * (left.z - right.z)};
+    }
+  };
+  [[nodiscard]] Corner cornerAt(std::int32_t number) const { return line_.corner(mesh_.point(number)); }
+  [[nodiscard]] Crossing crossing(const Corner& right, const Corner& left) const { return line_.crossing(right, left); }
   [[nodiscard]] Vec3 pointAt(const Crossing& crossing, const Vec3& right, const Vec3& left) const {
-    return {a_.x + crossing.along * d_.x, a_.y + crossing.along * d_.y, right.z + crossing.onEdge * (left.z - right.z)};
+    return line_.pointAt(crossing, right, left);
   }
 
   enum class Gap : std::uint8_t {
@@ -288,9 +327,31 @@ class SegmentSampler {
     Unclear,
   };
 
-  bool beginAtStart();
-  [[nodiscard]] bool startsInGap() const;
-  Gap crossGap();
+  /// A corner of a triangle that lies on the segment's line.
+  struct OnLine {
+    std::size_t triangle = 0;
+    std::size_t corner = 0;
+    std::int32_t vertex = 0;
+    std::int32_t before = kNoLink;  ///< the vertex from where an edge on the line leads here
+  };
+  /// Where a segment goes from a vertex or an edge on its line.
+  enum class Way : std::uint8_t {
+    Inside,    ///< into a triangle, in which the walk goes on
+    Along,     ///< along an edge to another vertex
+    ToTheEnd,  ///< the segment's end is there, with its sample
+    Unclear,
+  };
+
+  Way beginAtStart();
+  [[nodiscard]] Way enter(std::size_t triangle, std::size_t in, OnLine& vertex);
+  [[nodiscard]] Way wayFrom(OnLine& vertex);
+  [[nodiscard]] Way passVertices(OnLine vertex);
+  [[nodiscard]] bool isOnLine(const Corner& corner) const { return exactSide(a_, b_, plan(*corner.point)) == 0.0; }
+  [[nodiscard]] bool isAhead(const Vec3& from, const Vec3& to) const { return dot(plan(to) - plan(from), d_) > 0.0; }
+  /// What lies behind a gap's begin: a border that was crossed, or what is to be found out.
+  enum class Behind : std::uint8_t { Border, Unknown };
+  [[nodiscard]] bool mayStartInGap() const;
+  Gap crossGap(Behind behind);
   bool beginFurther();
   bool walk();
   void gather(double to);
@@ -307,8 +368,10 @@ class SegmentSampler {
   Vec2 d_;
   double square_;
   double perSquare_;
+  Line line_;
   std::vector<Vec3>& samples_;
 
+  bool startsOnGround_ = false;  // as far as it is known
   // The walk's state: within a triangle, about to leave it by an edge whose ends lie on both sides.
   std::size_t triangle_ = 0;
   std::size_t out_ = 0;
@@ -325,21 +388,164 @@ class SegmentSampler {
   Ground atEnd_;
 };
 
-/// Begins a walk at the segment's start, with its sample.
-bool SegmentSampler::beginAtStart() {
-  const std::int32_t start = locate(mesh_, a_);
-  if (start < 0) return false;
-  triangle_ = static_cast<std::size_t>(start);
+/// Begins a walk at the segment's start, with its sample. Never `Along`.
+SegmentSampler::Way SegmentSampler::beginAtStart() {
+  const Holder start = locate(mesh_, a_);
+  if (start.triangle < 0) return Way::Unclear;
+  startsOnGround_ = true;
+  triangle_ = static_cast<std::size_t>(start.triangle);
   const std::int32_t* corners = cornersOf(mesh_.ground()) + 3 * triangle_;
   const std::array<Corner, 3> ends{cornerAt(corners[0]), cornerAt(corners[1]), cornerAt(corners[2])};
-  for (out_ = 0; out_ < 3; ++out_) {
-    right_ = ends[(out_ + 1) % 3];
-    left_ = ends[(out_ + 2) % 3];
-    if (!right_.side.isRight() || !left_.side.isLeft()) continue;
-    samples_.push_back({a_.x, a_.y, elevationWithin(mesh_.cornersAt(triangle_), a_)});
-    return true;
+  const auto at = [&](std::size_t corner) { return OnLine{triangle_, corner, corners[corner]}; };
+  const auto follow = [&](Way way, const OnLine& vertex) {
+    if (way == Way::Along) way = passVertices(vertex);
+    // The gathering finds it again.
+    if (way == Way::Unclear) samples_.pop_back();
+    return way;
+  };
+  OnLine vertex;
+  if (start.onEdges == 0) {
+    for (out_ = 0; out_ < 3; ++out_) {
+      right_ = ends[(out_ + 1) % 3];
+      left_ = ends[(out_ + 2) % 3];
+      if (!right_.side.isRight() || !left_.side.isLeft()) continue;
+      samples_.push_back({a_.x, a_.y, elevationWithin(mesh_.cornersAt(triangle_), a_)});
+      return Way::Inside;
+    }
+    for (std::size_t i = 0; i < 3; ++i) {
+      if (ends[i].side.isLeft() || ends[i].side.isRight()) continue;
+      if (dot(plan(*ends[i].point) - a_, d_) <= 0.0 || !isOnLine(ends[i])) continue;
+      samples_.push_back({a_.x, a_.y, elevationWithin(mesh_.cornersAt(triangle_), a_)});
+      return follow(Way::Along, at(i));
+    }
+    return Way::Unclear;
   }
-  return false;
+  for (std::size_t i = 0; i < 3; ++i) {
+    const std::size_t from = (i + 1) % 3;
+    const std::size_t to = (i + 2) % 3;
+    // At a corner it lies on two edges.
+    if ((start.onEdges >> from & 1U) != 0 && (start.onEdges >> to & 1U) != 0) {
+      samples_.push_back({a_.x, a_.y, ends[i].point->z});
+      vertex = at(i);
+      return follow(wayFrom(vertex), vertex);
+    }
+  }
+  for (std::size_t i = 0; i < 3; ++i) {
+    if (start.onEdges >> i != 1U) continue;
+    const std::size_t from = (i + 1) % 3;
+    const std::size_t to = (i + 2) % 3;
+    samples_.push_back({a_.x, a_.y, elevationOnEdge(ends[from].point, ends[to].point, a_)});
+    if (ends[from].side.isLeft() && ends[to].side.isRight()) {
+      right_ = ends[to];
+      left_ = ends[from];
+      return follow(enter(triangle_, i, vertex), vertex);
+    }
+    if (ends[from].side.isRight() && ends[to].side.isLeft()) {
+      const Link link = mesh_.links.across(triangle_, i);
+      if (link == kNoLink || !mesh_.links.isAlone(static_cast<std::size_t>(link >> 2)))
+        return follow(Way::Unclear, vertex);
+      right_ = ends[from];
+      left_ = ends[to];
+      return follow(enter(static_cast<std::size_t>(link >> 2), static_cast<std::size_t>(link & 3), vertex), vertex);
+    }
+    if (!isOnLine(ends[from]) || !isOnLine(ends[to])) return follow(Way::Unclear, vertex);
+    const bool isForward = isAhead(*ends[from].point, *ends[to].point);
+    vertex = at(isForward ? to : from);
+    vertex.before = corners[isForward ? from : to];
+    return follow(Way::Along, vertex);
+  }
+  return Way::Unclear;
+}
+
+/// Into a triangle by its edge `in`, whose ends are `right_` and `left_`: to the edge by which it is left, or to the corner
+/// ahead.
+SegmentSampler::Way SegmentSampler::enter(std::size_t triangle, std::size_t in, OnLine& vertex) {
+  const std::int32_t number = cornersOf(mesh_.ground())[3 * triangle + in];
+  const Corner ahead = cornerAt(number);
+  triangle_ = triangle;
+  if (ahead.side.isLeft()) {
+    left_ = ahead;
+    out_ = in == 2 ? 0 : in + 1;
+    return Way::Inside;
+  }
+  if (ahead.side.isRight()) {
+    right_ = ahead;
+    out_ = in == 0 ? 2 : in - 1;
+    return Way::Inside;
+  }
+  if (!isOnLine(ahead)) return Way::Unclear;
+  vertex = {triangle, in, number};
+  return Way::Along;
+}
+
+/// Looks around a vertex on the line for where the segment goes from there.
+SegmentSampler::Way SegmentSampler::wayFrom(OnLine& vertex) {
+  constexpr int kMostTurns = 64;
+  const std::int32_t* corners = cornersOf(mesh_.ground());
+  const Vec3& here = mesh_.point(vertex.vertex);
+  std::size_t triangle = vertex.triangle;
+  std::size_t corner = vertex.corner;
+  const auto cornerBehind = [&](std::size_t steps) {
+    const std::size_t which = (corner + steps) % 3;
+    return OnLine{triangle, which, corners[3 * triangle + which], vertex.vertex};
+  };
+  const auto isNext = [&](const OnLine& other, const Corner& its) {
+    return other.vertex != vertex.before && !its.side.isLeft() && !its.side.isRight() && isOnLine(its) &&
+           isAhead(here, *its.point);
+  };
+  OnLine first = cornerBehind(1);
+  Corner right = cornerAt(first.vertex);
+  if (!mesh_.links.isAlone(triangle)) return Way::Unclear;
+  if (isNext(first, right)) {
+    vertex = first;
+    return Way::Along;
+  }
+  for (int turn = 0; turn < kMostTurns; ++turn) {
+    const OnLine second = cornerBehind(2);
+    const Corner left = cornerAt(second.vertex);
+    if (right.side.isRight() && left.side.isLeft()) {
+      triangle_ = triangle;
+      out_ = corner;
+      right_ = right;
+      left_ = left;
+      return Way::Inside;
+    }
+    if (isNext(second, left)) {
+      vertex = second;
+      return Way::Along;
+    }
+    const Link link = mesh_.links.across(triangle, (corner + 1) % 3);
+    if (link == kNoLink) return Way::Unclear;
+    triangle = static_cast<std::size_t>(link >> 2);
+    corner = (static_cast<std::size_t>(link & 3) + 1) % 3;
+    if (triangle == vertex.triangle || !mesh_.links.isAlone(triangle)) return Way::Unclear;
+    right = left;
+  }
+  return Way::Unclear;
+}
+
+/// From a vertex ahead through all that follow without a crossing between them. Never `Along`.
+SegmentSampler::Way SegmentSampler::passVertices(OnLine vertex) {
+  for (;;) {
+    const Vec3& point = mesh_.point(vertex.vertex);
+    const double along = dot(plan(point) - a_, d_) * perSquare_;
+    if (along > 1.0 - kSamePlace) {
+      if (1.0 - last_ < kSamePlace) return Way::Unclear;
+      double elevation = point.z;
+      if (along > 1.0 + kSamePlace)
+        elevation = vertex.before == kNoLink ? elevationWithin(mesh_.cornersAt(vertex.triangle), b_)
+                                             : elevationOnEdge(&mesh_.point(vertex.before), &point, b_);
+      else if (plan(point) != b_)
+        return Way::Unclear;
+      samples_.push_back({b_.x, b_.y, elevation});
+      return Way::ToTheEnd;
+    }
+    if (along - last_ < kSamePlace) return Way::Unclear;
+    samples_.push_back(point);
+    first_ = last_ = along;
+    const Way way = wayFrom(vertex);
+    if (way != Way::Along) return way;
+  }
 }
 
 /// Looks along the segment, beyond the last sample, for a triangle to walk on from. Its sample is where the segment enters
@@ -365,9 +571,9 @@ bool SegmentSampler::beginFurther() {
     const double along = at(count);
     const Vec2 p = a_ + along * d_;
     if (mesh_.grid.triangleNear(p) < 0) continue;
-    const std::int32_t there = locate(mesh_, p);
-    if (there < 0) continue;
-    const std::int32_t* corners = cornersOf(mesh_.ground()) + 3 * static_cast<std::size_t>(there);
+    const Holder there = locate(mesh_, p);
+    if (there.triangle < 0 || there.onEdges != 0) continue;
+    const std::int32_t* corners = cornersOf(mesh_.ground()) + 3 * static_cast<std::size_t>(there.triangle);
     const std::array<Corner, 3> ends{cornerAt(corners[0]), cornerAt(corners[1]), cornerAt(corners[2])};
     std::size_t in = 3;
     std::size_t out = 3;
@@ -380,7 +586,7 @@ bool SegmentSampler::beginFurther() {
     if (in == 3 || out == 3) continue;
     const Crossing entry = crossing(ends[(in + 2) % 3], ends[(in + 1) % 3]);
     if (!entry.isSafe || entry.along < last_ + kSamePlace || entry.along > 1.0 - kSamePlace) continue;
-    triangle_ = static_cast<std::size_t>(there);
+    triangle_ = static_cast<std::size_t>(there.triangle);
     out_ = out;
     right_ = ends[(out + 1) % 3];
     left_ = ends[(out + 2) % 3];
@@ -390,17 +596,18 @@ bool SegmentSampler::beginFurther() {
   return false;
 }
 
-/// Whether there is certainly no ground at the segment's start nor close to it.
-bool SegmentSampler::startsInGap() const {
+/// Whether there may be no ground at the segment's start, so that the borders ahead tell.
+bool SegmentSampler::mayStartInGap() const {
   if (!mesh_.grid.hasCovers()) return false;
-  const Box& box = mesh_.box;
-  if (a_.x < box.minX || a_.x > box.maxX || a_.y < box.minY || a_.y > box.maxY) return true;
-  return mesh_.grid.coverOf(mesh_.grid.cellOf(a_)) == StartGrid::Cover::None;
+  if (isOutside(a_)) return true;
+  const StartGrid::Cover cover = mesh_.grid.coverOf(mesh_.grid.cellOf(a_));
+  return cover == StartGrid::Cover::None || cover == StartGrid::Cover::PlainBorder;
 }
 
 /// From a place without ground behind it, the last sample's or the segment's start: to the next border that the segment
-/// crosses. It looks at the cells on the way there alone.
-SegmentSampler::Gap SegmentSampler::crossGap() {
+/// crosses. It looks at the cells on the way there alone. A start that may lie on ground doesn't where the first border
+/// ahead leads onto ground, nor where there is none and the segment sees a cell without ground.
+SegmentSampler::Gap SegmentSampler::crossGap(Behind behind) {
   const StartGrid& grid = mesh_.grid;
   if (!grid.canVisit(a_, d_)) return Gap::Unclear;
   const std::int32_t* corners = cornersOf(mesh_.ground());
@@ -412,9 +619,10 @@ SegmentSampler::Gap SegmentSampler::crossGap() {
   };
   std::optional<Entry> next;
   bool isClear = true;
+  bool isGap = behind == Behind::Border || isOutside(a_) || isOutside(b_);
   grid.visitAlong(a_, d_, last_, 1.0, [&](std::size_t cell, double end) {
     const StartGrid::Cover cover = grid.coverOf(cell);
-    if (cover == StartGrid::Cover::None) return true;
+    if (cover == StartGrid::Cover::None) return isGap = true;
     if (cover != StartGrid::Cover::PlainBorder) return isClear = false;
     for (const Link border : grid.bordersIn(cell)) {
       const auto packed = static_cast<std::size_t>(border >= 0 ? border : ~border);
@@ -428,7 +636,7 @@ SegmentSampler::Gap SegmentSampler::crossGap() {
       if (!hit.isSafe) return isClear = false;
       // Behind the segment's part that is looked at, or where it left the ground.
       if (hit.along < last_ - kSamePlace || hit.along > 1.0 + kSamePlace) continue;
-      if (!isEntry && hit.along <= last_) continue;
+      if (!isEntry && hit.along <= last_ && behind == Behind::Border) continue;
       if (!isEntry || border < 0 || hit.along < last_ + kSamePlace || hit.along > 1.0 - kSamePlace) {
         // Ground ends where none was, or what doubles can't tell: unless another border comes before.
         if (!next || hit.along < next->crossing.along) return isClear = false;
@@ -439,7 +647,7 @@ SegmentSampler::Gap SegmentSampler::crossGap() {
     return !(next && next->crossing.along <= end);
   });
   if (!isClear) return Gap::Unclear;
-  if (!next) return Gap::ToTheEnd;
+  if (!next) return isGap ? Gap::ToTheEnd : Gap::Unclear;
 
   const auto packed = static_cast<std::size_t>(next->border);
   triangle_ = packed / 4;
@@ -465,38 +673,51 @@ SegmentSampler::Gap SegmentSampler::crossGap() {
 /// Returns whether it got to the end. If not, it leaves its last sample to the gathering, as it may be one with what
 /// follows.
 bool SegmentSampler::walk() {
-  const std::int32_t* corners = cornersOf(mesh_.ground());
+  // What the loop needs stays in registers: nothing that it calls can change it.
+  const Line line = line_;
+  const std::int32_t* const corners = cornersOf(mesh_.ground());
+  const Vec3* const points = mesh_.points.all().data();
+  const TriangleLinks::View links = mesh_.links.view();
   std::size_t triangle = triangle_;
   std::size_t out = out_;
   Corner right = right_;
   Corner left = left_;
+  double last = last_;
+  std::array<Vec3, 32> block;
+  std::size_t count = 0;
+  const auto flush = [&] { samples_.insert(samples_.end(), block.begin(), block.begin() + std::exchange(count, 0)); };
   for (;;) {
-    const Crossing hit = crossing(right, left);
+    const Crossing hit = line.crossing(right, left);
     if (!hit.isSafe) break;
     if (hit.along > 1.0 + kSamePlace) {
+      flush();
       samples_.push_back({b_.x, b_.y, elevationWithin(mesh_.cornersAt(triangle), b_)});
       return true;
     }
-    const Link link = mesh_.links.across(triangle, out);
-    if ((link != kNoLink && !mesh_.links.isAlone(static_cast<std::size_t>(link >> 2))) ||
-        hit.along - last_ < kSamePlace || hit.along > 1.0 - kSamePlace)
+    const Link link = links.across(triangle, out);
+    if ((link != kNoLink && !links.isAlone(static_cast<std::size_t>(link >> 2))) || hit.along - last < kSamePlace ||
+        hit.along > 1.0 - kSamePlace)
       break;
-    samples_.push_back(pointAt(hit, *right.point, *left.point));
-    first_ = last_ = hit.along;
+    if (count == block.size()) flush();
+    block[count++] = line.pointAt(hit, *right.point, *left.point);
+    first_ = last = hit.along;
     if (link == kNoLink) {
-      const Gap gap = crossGap();
+      flush();
+      last_ = last;
+      const Gap gap = crossGap(Behind::Border);
       if (gap == Gap::ToTheEnd) return true;
       if (gap == Gap::Unclear) break;
       triangle = triangle_;
       out = out_;
       right = right_;
       left = left_;
+      last = last_;
       continue;
     }
 
     triangle = static_cast<std::size_t>(link >> 2);
     const auto in = static_cast<std::size_t>(link & 3);
-    const Corner ahead = cornerAt(corners[3 * triangle + in]);
+    const Corner ahead = line.corner(points[static_cast<std::size_t>(corners[3 * triangle + in])]);
     if (ahead.side.isLeft()) {
       left = ahead;
       out = in == 2 ? 0 : in + 1;
@@ -504,9 +725,21 @@ bool SegmentSampler::walk() {
       right = ahead;
       out = in == 0 ? 2 : in - 1;
     } else {
-      break;
+      if (!isOnLine(ahead)) break;
+      flush();
+      last_ = last;
+      const Way way = passVertices({triangle, in, corners[3 * triangle + in]});
+      if (way == Way::ToTheEnd) return true;
+      last = last_;
+      if (way == Way::Unclear) break;
+      triangle = triangle_;
+      out = out_;
+      right = right_;
+      left = left_;
     }
   }
+  flush();
+  last_ = last;
   samples_.pop_back();
   return false;
 }
@@ -701,8 +934,8 @@ void TinSurface::sample(Vec2 a, Vec2 b, std::vector<Vec3>& samples) const {
 std::optional<double> TinSurface::elevationAt(Vec2 point) const {
   if (isEmpty() || !isWorkable(point.x) || !isWorkable(point.y)) return std::nullopt;
   const Mesh& mesh = *data_;
-  if (const std::int32_t triangle = locate(mesh, point); triangle >= 0)
-    return elevationWithin(mesh.cornersAt(static_cast<std::size_t>(triangle)), point);
+  if (const Holder holder = locate(mesh, point); holder.triangle >= 0 && holder.onEdges == 0)
+    return elevationWithin(mesh.cornersAt(static_cast<std::size_t>(holder.triangle)), point);
   Ground ground;
   mesh.blocks.visitNear(point, point,
                         [&](std::size_t triangle) { ground.improve(groundIn(mesh.cornersAt(triangle), point)); });

@@ -90,8 +90,8 @@ class TinSurface {
   /// inside. One point where the segment runs through a vertex or touches one; the edge's ends where it runs along an
   /// edge. Points closer than 1e-9 of the segment's length are one. A segment of length 0 gives its point once, or
   /// nothing off the surface; a coordinate that isn't a number up to 1e100 gives nothing. Places are right
-  /// to the rounding of the coordinates and of the segment's length. O(samples) and a short walk to `a` where the
-  /// segment stays clear of vertices and borders, O(log n) more elsewhere.
+  /// to the rounding of the coordinates and of the segment's length. O(samples) and a short walk to `a` where one
+  /// layer of triangles covers the ground, or none; O(log n) more elsewhere.
   void sample(Vec2 a, Vec2 b, std::vector<Vec3>& samples) const;
 
   /// Elevation at a point, in drawing units; empty where there is no ground and for a coordinate that isn't a number.

@@ -561,6 +561,43 @@ TEST(TinSurface, HoldsOneElevationBesideHolesToTheLastBitWhetherItWalksOrGathers
   sampleWalkingAndGathering(std::move(t), random, 1'000, 20'000);
 }
 
+TEST(TinSurface, GoesThroughVerticesAndAlongEdgesAsItGathers) {
+  // Ends at vertices, on edges and within triangles; along rows, columns and diagonals, and by steps of a knight; also over
+  // holes that touch one another with a corner.
+  std::mt19937_64 random(seedOfTest());
+  Tin whole = lattice(50, 50, 8, 0, random);
+  for (Vec3& p : whole.points) p = {3.2e7 + p.x, 6.1e6 + p.y, p.z};
+  Tin checkered = whole;
+  std::erase_if(checkered.triangles, [&](const Triangle& t) {
+    const auto at = [&](std::int32_t corner) { return checkered.points[static_cast<std::size_t>(corner)]; };
+    const auto column = static_cast<int>((at(t.a).x + at(t.b).x + at(t.c).x) / 3.0 - 3.2e7) / 32;
+    const auto row = static_cast<int>((at(t.a).y + at(t.b).y + at(t.c).y) / 3.0 - 6.1e6) / 32;
+    return column % 4 < 2 && row % 4 < 2 && (column + row) % 2 == 0;
+  });
+  ASSERT_LT(checkered.triangles.size(), whole.triangles.size() - 500);
+  for (const Tin& t : {whole, checkered}) {
+    const TinSurface once = surfaceOf(t);
+    Tin doubled = t;
+    doubled.triangles.insert(doubled.triangles.end(), t.triangles.begin(), t.triangles.end());
+    const TinSurface twice = surfaceOf(renumbered(doubled, random));
+    std::size_t count = 0;
+    for (int i = 0; i < 4'000; ++i) {
+      constexpr std::array<Vec2, 8> kWays{{{1, 0}, {0, 1}, {1, 1}, {1, -1}, {2, 1}, {1, 2}, {-2, 1}, {3, -1}}};
+      const Vec2 way = kWays[random() % kWays.size()];
+      const double steps = static_cast<double>(random() % 60) - 30.0 + (random() % 3 == 0 ? 0.5 : 0.0);
+      const auto place = [&] {
+        return 8.0 * static_cast<double>(random() % 56) - 24.0 + (random() % 4 == 0 ? 4.0 : 0.0);
+      };
+      const Vec2 a{3.2e7 + place(), 6.1e6 + place()};
+      const Vec2 b = a + 8.0 * steps * way;
+      const auto samples = sampled(once, a, b);
+      ASSERT_EQ(samples, sampled(twice, a, b)) << "segment " << i << ", seed " << seedOfTest();
+      count += samples.size();
+    }
+    EXPECT_GT(count, 30'000U);
+  }
+}
+
 TEST(TinSurface, IsTheSameWhoeverBuildsIt) {
   std::mt19937_64 random(seedOfTest());
   Tin t = lattice(260, 260, 10, 3, random);
@@ -714,6 +751,20 @@ TEST(StartGrid, TellsBordersInGoodOrderFromOthers) {
   EXPECT_EQ(countOf(t, Cover::Odd), 0U);
   EXPECT_GT(countOf(t, Cover::None), 20U);
   EXPECT_GT(countOf(t, Cover::PlainBorder), rim + 20);
+  // Holes that touch one another in points of the surface.
+  Tin checkered = lattice(40, 40, 10, 0, random);
+  std::erase_if(checkered.triangles, [&](const Triangle& c) {
+    const auto at = [&](std::int32_t corner) { return checkered.points[static_cast<std::size_t>(corner)]; };
+    const auto column = static_cast<int>((at(c.a).x + at(c.b).x + at(c.c).x) / 90.0);
+    const auto row = static_cast<int>((at(c.a).y + at(c.b).y + at(c.c).y) / 90.0);
+    return column > 1 && row > 1 && column < 8 && row < 8 && (column + row) % 2 == 0;
+  });
+  EXPECT_EQ(countOf(checkered, Cover::Odd), 0U);
+  EXPECT_GT(countOf(checkered, Cover::None), 20U);
+  // One of them filled by a triangle of its own that overlaps the ground around.
+  Tin filled = checkered;
+  filled.triangles.push_back({15 * 41 + 13, 15 * 41 + 18, 19 * 41 + 15});
+  EXPECT_GT(countOf(filled, Cover::Odd), 0U);
   // An island in it, one layer as well.
   Tin inHole = t;
   addLayer(inHole, lattice(4, 4, 10, 0, random), 131, 132);

@@ -1,7 +1,9 @@
 #include "civil/detail/border_rings.h"
 
 #include <algorithm>
-#include <cmath>
+#include <array>
+#include <numeric>
+#include <tuple>
 #include <utility>
 
 #include "civil/detail/predicates.h"
@@ -40,43 +42,74 @@ BorderRings::BorderRings(std::span<const Vec3> points, const std::int32_t* corne
     : points_(points), corners_(corners), edges_(std::move(edges)) {
   std::sort(edges_.begin(), edges_.end());
   edges_.erase(std::unique(edges_.begin(), edges_.end()), edges_.end());
-  const std::size_t count = edges_.size();
-
-  std::vector<std::pair<std::int32_t, std::size_t>> starts(count);
-  std::vector<std::int32_t> ends(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    starts[i] = {startOf(i), i};
-    ends[i] = endOf(i);
+  ends_.reserve(2 * edges_.size());
+  for (std::size_t i = 0; i < edges_.size(); ++i) {
+    ends_.push_back({startOf(i), i, true});
+    ends_.push_back({endOf(i), i, false});
   }
-  std::sort(starts.begin(), starts.end());
-  std::sort(ends.begin(), ends.end());
-  nextOf_.resize(count);
-  std::vector<bool> isOneAhead(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::int32_t vertex = endOf(i);
-    const auto ahead = std::lower_bound(starts.begin(), starts.end(), std::pair(vertex, std::size_t{0}));
-    const bool isOne =
-        ahead != starts.end() && ahead->first == vertex && (ahead + 1 == starts.end() || (ahead + 1)->first != vertex);
-    const auto arriving = std::equal_range(ends.begin(), ends.end(), vertex);
-    isOneAhead[i] = isOne && arriving.second - arriving.first == 1;
-    nextOf_[i] = isOneAhead[i] ? ahead->second : i;
-  }
+  std::sort(ends_.begin(), ends_.end(), [](const End& p, const End& q) {
+    return std::tie(p.vertex, p.edge, p.leaves) < std::tie(q.vertex, q.edge, q.leaves);
+  });
 
-  constexpr std::size_t kNoRing = static_cast<std::size_t>(-1);
-  ringOf_.assign(count, kNoRing);
-  for (std::size_t first = 0; first < count; ++first) {
-    if (ringOf_[first] != kNoRing) continue;
-    const std::size_t ring = isClosed_.size();
-    std::size_t edge = first;
-    while (ringOf_[edge] == kNoRing && isOneAhead[edge]) {
-      ringOf_[edge] = ring;
-      edge = nextOf_[edge];
+  // Edges with a vertex in common are of one ring: each edge knows one of its ring, the first of all knows itself.
+  std::vector<std::size_t> heads(edges_.size());
+  std::iota(heads.begin(), heads.end(), std::size_t{0});
+  const auto headOf = [&](std::size_t edge) {
+    while (heads[edge] != edge) edge = heads[edge] = heads[heads[edge]];
+    return edge;
+  };
+  eachVertex([&](std::span<End> here) {
+    for (const End& end : here)
+      heads[std::max(headOf(end.edge), headOf(here.front().edge))] =
+          std::min(headOf(end.edge), headOf(here.front().edge));
+  });
+  ringOf_.resize(edges_.size());
+  for (std::size_t i = 0; i < edges_.size(); ++i) {
+    if (heads[i] == i) {
+      ringOf_[i] = isClosed_.size();
+      isClosed_.push_back(true);
+    } else {
+      ringOf_[i] = ringOf_[headOf(i)];
     }
-    // A chain that ends, or runs into another one.
-    const bool closes = edge == first && isOneAhead[first];
-    if (ringOf_[edge] == kNoRing) ringOf_[edge] = ring;
-    isClosed_.push_back(closes);
   }
+  eachVertex([&](std::span<End> here) {
+    if (!sortAround(here)) isClosed_[ringOf_[here.front().edge]] = false;
+  });
+}
+
+template <class Use>
+void BorderRings::eachVertex(Use use) {
+  for (std::size_t first = 0; first < ends_.size();) {
+    std::size_t end = first + 1;
+    while (end < ends_.size() && ends_[end].vertex == ends_[first].vertex) ++end;
+    use(std::span(ends_).subspan(first, end - first));
+    first = end;
+  }
+}
+
+Vec2 BorderRings::rayOf(const End& end) const { return at(end.leaves ? endOf(end.edge) : startOf(end.edge)); }
+
+/// Puts the edges at a vertex into the order in which they stand around it, counter-clockwise from the right. False where
+/// they don't leave and arrive in turn.
+bool BorderRings::sortAround(std::span<End> here) const {
+  constexpr std::size_t kMost = 16;  // where more meet, nothing is in good order
+  if (here.size() % 2 != 0 || here.size() > kMost) return false;
+  const Vec2 vertex = at(here.front().vertex);
+  // The upper half of the directions begins on the right and ends before the left.
+  const auto isUpper = [&](Vec2 p) { return p.y > vertex.y || (p.y == vertex.y && p.x > vertex.x); };
+  std::sort(here.begin(), here.end(), [&](const End& p, const End& q) {
+    const Vec2 one = rayOf(p);
+    const Vec2 other = rayOf(q);
+    if (isUpper(one) != isUpper(other)) return isUpper(one);
+    return signedSide(vertex, one, other) > 0.0;
+  });
+  for (std::size_t i = 1; i < here.size(); ++i) {
+    const Vec2 before = rayOf(here[i - 1]);
+    const Vec2 behind = rayOf(here[i]);
+    if (here[i].leaves == here[i - 1].leaves) return false;
+    if (isUpper(before) == isUpper(behind) && signedSide(vertex, before, behind) == 0.0) return false;
+  }
+  return true;
 }
 
 std::size_t BorderRings::numberOf(Link edge) const {
@@ -96,35 +129,40 @@ std::int32_t BorderRings::endOf(std::size_t number) const {
 Vec2 BorderRings::at(std::int32_t point) const { return plan(points_[static_cast<std::size_t>(point)]); }
 
 bool BorderRings::doMeet(Link one, Link other) const {
-  std::size_t before = numberOf(one);
-  std::size_t behind = numberOf(other);
-  if (nextOf_[behind] == before && behind != before) std::swap(before, behind);
-  const Vec2 a = at(startOf(before));
-  const Vec2 b = at(endOf(before));
-  const Vec2 c = at(startOf(behind));
-  const Vec2 d = at(endOf(behind));
-  if (nextOf_[before] != behind || before == behind) return doTouch(a, b, c, d);
-  if (startOf(before) == endOf(behind)) return true;  // there and back
-  // One follows the other: they meet elsewhere too only where it turns back on one line.
-  return signedSide(a, b, d) == 0.0 && (d.x - b.x) * (b.x - a.x) + (d.y - b.y) * (b.y - a.y) <= 0.0;
+  const std::size_t p = numberOf(one);
+  const std::size_t q = numberOf(other);
+  const std::array<std::int32_t, 2> first{startOf(p), endOf(p)};
+  const std::array<std::int32_t, 2> second{startOf(q), endOf(q)};
+  for (const std::size_t i : {0U, 1U}) {
+    for (const std::size_t j : {0U, 1U}) {
+      if (first[i] != second[j]) continue;
+      if (first[1 - i] == second[1 - j]) return true;
+      // From one vertex they meet elsewhere too only where they run the same way.
+      const Vec2 vertex = at(first[i]);
+      const Vec2 along = at(first[1 - i]) - vertex;
+      const Vec2 alongOther = at(second[1 - j]) - vertex;
+      return signedSide(vertex, at(first[1 - i]), at(second[1 - j])) == 0.0 && dot(along, alongOther) >= 0.0;
+    }
+  }
+  return doTouch(at(first[0]), at(first[1]), at(second[0]), at(second[1]));
 }
 
 void BorderRings::requireOneLayer(std::vector<bool>& isPlain) const {
   const std::size_t count = edges_.size();
-  constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-  // The edge of each ring that arrives at its lowest point.
-  std::vector<std::size_t> lowest(isPlain.size(), kNone);
-  for (std::size_t i = 0; i < count; ++i) {
-    std::size_t& low = lowest[ringOf_[i]];
-    if (low == kNone || isLower(at(endOf(i)), at(endOf(low)))) low = i;
+  // The edge of each ring that comes first around the ring's lowest vertex, from where nothing of it lies.
+  std::vector<const End*> lowest(isPlain.size(), nullptr);
+  for (std::size_t i = 0; i < ends_.size(); ++i) {
+    if (i > 0 && ends_[i].vertex == ends_[i - 1].vertex) continue;
+    const End*& low = lowest[ringOf_[ends_[i].edge]];
+    if (low == nullptr || isLower(at(ends_[i].vertex), at(low->vertex))) low = &ends_[i];
   }
   struct Lowest {
     double y;
-    std::size_t edge;
+    const End* first;
   };
   std::vector<Lowest> places;
   for (std::size_t ring = 0; ring < isPlain.size(); ++ring)
-    if (isPlain[ring]) places.push_back({at(endOf(lowest[ring])).y, lowest[ring]});
+    if (isPlain[ring]) places.push_back({at(lowest[ring]->vertex).y, lowest[ring]});
   std::sort(places.begin(), places.end(), [](const Lowest& p, const Lowest& q) { return p.y < q.y; });
 
   // What lies just below a ring's lowest point lies outside the ring, and has as many layers as other borders go round it.
@@ -143,17 +181,17 @@ void BorderRings::requireOneLayer(std::vector<bool>& isPlain) const {
         isPlain.assign(isPlain.size(), false);
         return;
       }
-      const std::size_t ring = ringOf_[place->edge];
+      const std::size_t ring = ringOf_[place->first->edge];
       if (ring == ringOf_[i]) continue;
       // Edges left of the point count; those that rise have what they enclose on their left.
-      if (signedSide(lower, upper, at(endOf(place->edge))) < 0.0) layers[ring] += isRising ? -1 : 1;
+      if (signedSide(lower, upper, at(place->first->vertex)) < 0.0) layers[ring] += isRising ? -1 : 1;
     }
   }
   for (const Lowest& place : places) {
-    const std::size_t ring = ringOf_[place.edge];
-    const int turn = sign(signedSide(at(startOf(place.edge)), at(endOf(place.edge)), at(endOf(nextOf_[place.edge]))));
-    const int wanted = turn > 0 ? 0 : 1;  // outside a rim there is nothing, outside a hole one layer
-    if (turn == 0 || layers[ring] != wanted) isPlain[ring] = false;
+    // An edge that leaves has its layer behind it, one that arrives before it.
+    const int wanted = place.first->leaves ? 0 : 1;
+    const std::size_t ring = ringOf_[place.first->edge];
+    if (layers[ring] != wanted) isPlain[ring] = false;
   }
 }
 

@@ -21,8 +21,8 @@ namespace lvx::civil::detail {
 /// places lie within cells that an odd border edge touches, or that are covered more than once, because the layers over a
 /// place change only at border edges. The triangles clear of all those cells are alone.
 ///
-/// A border is plain, not odd, where it is a ring of edges that meets neither itself nor another border, and parts
-/// one layer on its left from none on its right: rims and holes of a surface in good order. A walk may cross those, and the
+/// A border is plain, not odd, where its edges meet one another and other borders at most in vertices, and part one layer
+/// on their left from none on their right: rims and holes of a surface in good order. A walk may cross those, and the
 /// grid knows the edges in each cell, so that it finds from where one ends to where it goes on.
 class StartGrid {
  public:

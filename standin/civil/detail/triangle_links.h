@@ -32,22 +32,20 @@ class TriangleLinks {
 
   /// kNoLink where no triangle lies beyond, and on edges that are more than a seam of two triangles (more than two, or both
   /// on one side).
-  [[nodiscard]] Link across(std::size_t triangle, std::size_t edge) const {
-    const Step step = steps_[3 * triangle + edge];
-    if ((step & 3) != 3) return static_cast<Link>(4 * triangle) + step;
-    return step == kBorder ? kNoLink : farLink(3 * triangle + edge);
-  }
+  [[nodiscard]] Link across(std::size_t triangle, std::size_t edge) const;
   [[nodiscard]] bool isBorder(std::size_t slot) const { return steps_[slot] == kBorder; }
   /// Edges with more than two triangles.
   [[nodiscard]] std::size_t overlappingEdges() const { return overlappingEdges_; }
 
   /// Whether a triangle is alone where it lies, so that nothing is overlooked who walks into it: all are until told
   /// otherwise.
-  [[nodiscard]] bool isAlone(std::size_t triangle) const {
-    return shared_.empty() || (shared_[triangle / 64] >> triangle % 64 & 1U) == 0;
-  }
+  [[nodiscard]] bool isAlone(std::size_t triangle) const;
   /// By triangle, 64 a number.
   void tellShared(std::vector<std::uint64_t> shared) { shared_ = std::move(shared); }
+
+  /// The same by plain pointers, for a loop.
+  class View;
+  [[nodiscard]] View view() const;
 
  private:
   /// The link less four times the own triangle; no link has 3 for its edge.
@@ -69,5 +67,33 @@ class TriangleLinks {
   std::vector<std::uint64_t> shared_;
   std::size_t overlappingEdges_ = 0;
 };
+
+class TriangleLinks::View {
+ public:
+  [[nodiscard]] Link across(std::size_t triangle, std::size_t edge) const {
+    const Step step = steps_[3 * triangle + edge];
+    if ((step & 3) != 3) return static_cast<Link>(4 * triangle) + step;
+    return step == kBorder ? kNoLink : links_->farLink(3 * triangle + edge);
+  }
+  [[nodiscard]] bool isAlone(std::size_t triangle) const {
+    return shared_ == nullptr || (shared_[triangle / 64] >> triangle % 64 & 1U) == 0;
+  }
+
+ private:
+  friend class TriangleLinks;
+  explicit View(const TriangleLinks& links)
+      : steps_(links.steps_.all().data()),
+        shared_(links.shared_.empty() ? nullptr : links.shared_.data()),
+        links_(&links) {}
+  const Step* steps_;
+  const std::uint64_t* shared_;
+  const TriangleLinks* links_;
+};
+
+inline TriangleLinks::View TriangleLinks::view() const { return View(*this); }
+inline Link TriangleLinks::across(std::size_t triangle, std::size_t edge) const {
+  return view().across(triangle, edge);
+}
+inline bool TriangleLinks::isAlone(std::size_t triangle) const { return view().isAlone(triangle); }
 
 }  // namespace lvx::civil::detail
