@@ -7,6 +7,8 @@
 #include <cmath>
 #include <span>
 
+#include "services/decimal_rounding.h"
+
 namespace lvx::services {
 
 namespace {
@@ -465,9 +467,20 @@ std::string formatNarrowText(std::string_view format) { return Formatter<char>(f
 CString lengthText(double value) { return fixedText(value, 3); }
 
 CString fixedText(double value, int decimals) {
-  if (!std::isfinite(value) || decimals < 0 || decimals > 9)
+  if (!std::isfinite(value) || decimals < 0 || decimals > kMostDecimals)
     return formatText(L"%.*f", {std::int64_t{decimals}, value});
-  // Reports are made of these: no detour over a format.
+  // Reports are made of these: no detour over a format, and none over the digits of a double where integers do.
+  if (const auto rounded = roundedToDecimals(value, decimals)) {
+    std::array<wchar_t, 24> text{};
+    std::size_t begin = text.size();
+    std::int64_t rest = *rounded;
+    for (int place = 0; place <= decimals || rest > 0; ++place, rest /= 10) {
+      if (place == decimals && decimals > 0) text[--begin] = L'.';
+      text[--begin] = static_cast<wchar_t>(L'0' + rest % 10);
+    }
+    if (std::signbit(value)) text[--begin] = L'-';
+    return {text.data() + begin, text.size() - begin};
+  }
   std::array<char, kLargestWholePart + 9> digits{};
   const auto end =
       std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, decimals).ptr;

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "services/decimal_rounding.h"
 #include "services/formatted_text.h"
 
 namespace lvx::services {
@@ -13,6 +14,9 @@ namespace {
 /// The value that its own text with three decimals stands for. Taking it from the text, not by arithmetic, is what
 /// keeps 999.9996 from splitting into 0 kilometres and 1000.000 metres.
 double roundedToMillimetre(double value) {
+  // The division rounds to the double nearest to that text.
+  if (const auto rounded = roundedToDecimals(value, 3))
+    return std::copysign(static_cast<double>(*rounded) / 1000.0, value);
   std::array<char, 330> digits{};
   const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, 3).ptr;
   double rounded = 0.0;
