@@ -12,6 +12,7 @@ std::unique_ptr<runtime::StandinHost> makeHost(runtime::FrontEnd& frontEnd, cons
                                                const runtime::InputFiles& inputs) {
   try {
     runtime::HostOptions setup = runtime::hostOptions(options.host);
+    setup.workbookThreads = static_cast<unsigned>(options.threads.value_or(0));
     setup.inputs.add(inputs);
     setup.isInterrupted = standin_platform::isInterrupted;
     setup.startProgress = [mode = options.progressMode()](const std::string& work) {

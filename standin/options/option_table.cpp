@@ -423,7 +423,7 @@ constexpr std::array kCommonTable{
     OptionDescription{.name = "threads",
                       .commands = kEveryCommand,
                       .field = [](Options& o) -> Field { return &o.common.threads; },
-                      .help = "Threads that read the drawing (default: as many as there are processors; in a batch 1 for each drawing)",
+                      .help = "Threads that read the drawing and pack large workbooks (default: as many as there are processors; in a batch 1 for each drawing)",
                       .valueName = "N",
                       .greatest = kMostThreads,
                       .group = &kCommonGroup},

@@ -25,7 +25,7 @@ struct CommonOptions {
   bool overwrite = false;
   bool keep = false;
   runtime::HostChoices host;
-  /// Threads that read the drawing; none: as many as there are processors, in a batch one for each drawing.
+  /// Threads that read the drawing and pack large workbooks; none: as many as there are processors, in a batch one for each drawing.
   std::optional<int> threads;
   std::string progress = "auto";
   bool quiet = false;

@@ -72,7 +72,7 @@ host::Ref<host::AutomationObject> StandinHost::createAutomationObject(const host
   const bool bySpreadsheet =
       options_.workbookWriter == WorkbookWriter::Spreadsheet ||
       (options_.workbookWriter == WorkbookWriter::Automatic && native::isAutomationProgram(programId));
-  if (!bySpreadsheet) return workbook::startWorkbookServer(std::move(observer));
+  if (!bySpreadsheet) return workbook::startWorkbookServer(std::move(observer), options_.workbookThreads);
   if (!automation_) automation_ = std::make_unique<Automation>();
   host::Ref<host::AutomationObject> application = native::createAutomationObject(programId);
   return application ? observeSpreadsheet(std::move(application), std::move(observer)) : nullptr;

@@ -34,6 +34,8 @@ struct HostOptions {
   /// Files that are found under a name whatever their own: the message file that the user named.
   std::map<host::CString, std::string> files;
   WorkbookWriter workbookWriter = WorkbookWriter::File;
+  /// That pack the sheet of a large workbook; 0: as many as there are processors.
+  unsigned workbookThreads = 0;
   /// What is read beside the drawing, and so is no output.
   InputFiles inputs;
   /// True once the user wants to stop; asked during long work.

@@ -45,9 +45,14 @@ class ServerObject : public AutomationObject {
 
 using ObserverRef = std::shared_ptr<WorkbookObserver>;
 
+struct Settings {
+  ObserverRef observer;
+  unsigned threads = 0;
+};
+
 /// What a workbook's objects share.
 struct Book {
-  explicit Book(ObserverRef theObserver) : observer(std::move(theObserver)) {}
+  explicit Book(const Settings& settings) : file(settings.threads), observer(settings.observer) {}
   void beforeWriting() const {
     if (observer) observer->beforeWriting();
   }
@@ -178,21 +183,21 @@ class Workbook final : public ServerObject {
 
 class Workbooks final : public ServerObject {
  public:
-  explicit Workbooks(ObserverRef observer) : observer_(std::move(observer)) {}
+  explicit Workbooks(Settings settings) : settings_(std::move(settings)) {}
 
   AutomationValue call(DispatchId method, AutomationArguments arguments) override {
     requireOperation(method, excel::kWorkbooksAdd, arguments, 1);
     require(arguments[0].isMissing(), "workbook: a template other than the default one");
-    return AutomationValue::ofObject(std::make_shared<Workbook>(std::make_shared<Book>(observer_)));
+    return AutomationValue::ofObject(std::make_shared<Workbook>(std::make_shared<Book>(settings_)));
   }
 
  private:
-  ObserverRef observer_;
+  Settings settings_;
 };
 
 class Application final : public ServerObject {
  public:
-  explicit Application(ObserverRef observer) : books_(std::make_shared<Workbooks>(std::move(observer))) {}
+  explicit Application(Settings settings) : books_(std::make_shared<Workbooks>(std::move(settings))) {}
 
   AutomationValue get(DispatchId property, AutomationArguments arguments) override {
     requireOperation(property, excel::kApplicationWorkbooks, arguments, 0);
@@ -215,8 +220,8 @@ class Application final : public ServerObject {
 
 }  // namespace
 
-host::Ref<AutomationObject> startWorkbookServer(std::unique_ptr<WorkbookObserver> observer) {
-  return std::make_shared<Application>(std::move(observer));
+host::Ref<AutomationObject> startWorkbookServer(std::unique_ptr<WorkbookObserver> observer, unsigned threads) {
+  return std::make_shared<Application>(Settings{std::move(observer), threads});
 }
 
 }  // namespace lvx::workbook

@@ -50,6 +50,9 @@ class WorkbookObserver {
 /// The file appears under its name only when SaveAs succeeded: until then it grows beside its place under another name,
 /// and a failed save leaves the folder as it was, an older file of that name included. After SaveAs, failed or not, the
 /// workbook takes nothing more. A workbook whose references are all released without it leaves no file.
-[[nodiscard]] host::Ref<host::AutomationObject> startWorkbookServer(std::unique_ptr<WorkbookObserver> observer = {});
+///
+/// `threads` pack large sheets; 0: as many as there are processors. The file is the same for any number.
+[[nodiscard]] host::Ref<host::AutomationObject> startWorkbookServer(std::unique_ptr<WorkbookObserver> observer = {},
+                                                                    unsigned threads = 0);
 
 }  // namespace lvx::workbook

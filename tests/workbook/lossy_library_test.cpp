@@ -7,11 +7,13 @@
 #include <fstream>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 #include "framework/exceptions.h"
 #include "host/excel_operations.h"
@@ -54,12 +56,17 @@ void lxw_worksheet_write_single_row(void* sheet) {
   real<void(void*)>("lxw_worksheet_write_single_row")(sheet);
 }
 /// Of the library that packs the archive.
-int zipWriteInFileInZip(void* zip, const void* data, unsigned size) {
-  std::string text(static_cast<const char*>(data), size);
-  const std::size_t begin = lostRow == 0 ? std::string::npos : text.find("<row r=\"" + std::to_string(lostRow) + "\"");
-  if (begin != std::string::npos) text.erase(begin, text.find("</row>", begin) + 6 - begin);
-  return real<int(void*, const void*, unsigned)>("zipWriteInFileInZip")(zip, text.data(),
-                                                                        static_cast<unsigned>(text.size()));
+int deflate(z_stream* stream, int flush) {
+  const std::string_view text(reinterpret_cast<const char*>(stream->next_in), stream->avail_in);
+  const std::size_t begin =
+      lostRow == 0 ? std::string_view::npos : text.find("<row r=\"" + std::to_string(lostRow) + "\"");
+  std::string poorer(text);
+  if (begin != std::string::npos) {
+    poorer.erase(begin, text.find("</row>", begin) + 6 - begin);
+    stream->next_in = reinterpret_cast<Bytef*>(poorer.data());
+    stream->avail_in = static_cast<uInt>(poorer.size());
+  }
+  return real<int(z_stream*, int)>("deflate")(stream, flush);
 }
 /// Of the first workbook only, as one failing allocation does.
 int workbook_set_properties(void* book, void* properties) {
@@ -145,7 +152,7 @@ TEST_F(LossyLibrary, NeverBringsAWorkbookIntoPlaceOfWhichAPartIsSoundButPoorer) 
 TEST_F(LossyLibrary, NeverBringsAWorkbookWithARowMissingIntoPlace) {
   for (const int row : {1, 2, 50, 99, 100}) {
     lostRow = row;
-    EXPECT_NE(save().find("'xl/worksheets/sheet1.xml' isn't whole"), std::string::npos) << row;
+    EXPECT_NE(save().find("isn't whole"), std::string::npos) << row;
     EXPECT_EQ(filesInFolder(), 0U) << row;
   }
 }

@@ -15,9 +15,6 @@ namespace lvx::workbook::detail {
 
 namespace {
 
-/// Of the sheet: two thirds of the time of zlib's usual one, for a file that is larger by a two-hundredth.
-constexpr int kSheetLevel = 5;
-
 void require(bool holds, const char* words) {
   if (!holds) throw std::runtime_error(words);
 }
@@ -63,7 +60,8 @@ class Writer {
     return text;
   }
 
-  void begin(const std::string& name, int level, bool isLarge) {
+  /// A part that is packed here, or already where `isPacked`.
+  void begin(const std::string& name, bool isPacked, bool isLarge) {
     zip_fileinfo info{};
     info.tmz_date.tm_sec = info_.tmu_date.tm_sec;
     info.tmz_date.tm_min = info_.tmu_date.tm_min;
@@ -73,8 +71,8 @@ class Writer {
     info.tmz_date.tm_year = info_.tmu_date.tm_year;
     info.internal_fa = info_.internal_fa;
     info.external_fa = info_.external_fa;
-    require(zipOpenNewFileInZip64(archive_.get(), name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr, Z_DEFLATED,
-                                  level, isLarge ? 1 : 0) == ZIP_OK,
+    require(zipOpenNewFileInZip2_64(archive_.get(), name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr, Z_DEFLATED,
+                                    Z_DEFAULT_COMPRESSION, isPacked ? 1 : 0, isLarge ? 1 : 0) == ZIP_OK,
             kNotWritten);
   }
   void write(std::string_view text) {
@@ -82,6 +80,9 @@ class Writer {
             kNotWritten);
   }
   void end() { require(zipCloseFileInZip(archive_.get()) == ZIP_OK, kNotWritten); }
+  void endPacked(const SheetPacker::Packed& packed) {
+    require(zipCloseFileInZipRaw64(archive_.get(), packed.size, packed.checksum) == ZIP_OK, kNotWritten);
+  }
   void finish() { require(zipClose(archive_.release(), nullptr) == ZIP_OK, kNotWritten); }
 
  private:
@@ -103,21 +104,26 @@ std::pair<std::string, std::string> aroundRows(const std::string& sheet) {
 }  // namespace
 
 void writeArchive(const std::filesystem::path& frame, const std::filesystem::path& to, bool isLarge,
-                  const std::function<void(const TakeRows&)>& giveRows) {
+                  standin_platform::Crew& crew, const NextPiece& rows) {
   Writer writer(frame, to);
   writer.eachPart([&](const std::string& name) {
     const std::string text = writer.text();
     if (name != kSheetPart) {
-      writer.begin(name, Z_DEFAULT_COMPRESSION, false);
+      writer.begin(name, false, false);
       writer.write(text);
-    } else {
-      const auto [head, tail] = aroundRows(text);
-      writer.begin(name, kSheetLevel, isLarge);
-      writer.write(head);
-      giveRows([&writer](std::string_view rows) { writer.write(rows); });
-      writer.write(tail);
+      writer.end();
+      return;
     }
-    writer.end();
+    const auto [head, tail] = aroundRows(text);
+    bool isBegun = false;
+    const auto sheet = [&](std::string& piece) {
+      if (!std::exchange(isBegun, true)) piece += head;
+      const bool hasMore = rows(piece);
+      if (!hasMore) piece += tail;
+      return hasMore;
+    };
+    writer.begin(name, true, isLarge);
+    writer.endPacked(SheetPacker(crew).pack(sheet, [&writer](std::string_view bytes) { writer.write(bytes); }));
   });
   writer.finish();
 }

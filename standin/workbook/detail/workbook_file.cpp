@@ -110,27 +110,30 @@ void buildFrame(const Bounds& bounds, bool hasThreeDecimals, const std::filesyst
   check(workbook_close(book.release()));
 }
 
-/// Gives the text of all rows to `take`, in pieces.
-void giveRows(SheetCells& cells, const TakeRows& take) {
-  constexpr std::size_t kPiece = std::size_t{1} << 16;
-  Row row;
-  std::vector<ShownCell> shown;
-  std::string text;
-  cells.rewind();
-  for (std::uint32_t number = 0; cells.next(number, row);) {
-    shownCells(row, shown);
-    appendRow(number, shown, text);
-    if (text.size() < kPiece) continue;
-    take(text);
-    text.clear();
+/// The text of all rows, in pieces.
+class RowText {
+ public:
+  explicit RowText(SheetCells& cells) : cells_(cells) { cells_.rewind(); }
+  bool appendPiece(std::string& out) {
+    while (out.size() < SheetPacker::kPiece) {
+      std::uint32_t number = 0;
+      if (!cells_.next(number, row_)) return false;
+      shownCells(row_, shown_);
+      appendRow(number, shown_, out);
+    }
+    return true;
   }
-  take(text);
-}
+
+ private:
+  SheetCells& cells_;
+  Row row_;
+  std::vector<ShownCell> shown_;
+};
 
 /// Builds the file from its cells: the library makes all but the rows of the sheet, which cost it most. Temporary files lie in
 /// `scratch`.
 void build(SheetCells& cells, const std::filesystem::path& archive, const std::filesystem::path& scratch,
-           std::time_t moment) {
+           std::time_t moment, unsigned threads) {
   const Bounds bounds = boundsOf(cells);
   const std::filesystem::path frame = scratch / "frame";
   buildFrame(bounds, cells.hasThreeDecimals(), frame, scratch.string(), moment);
@@ -141,7 +144,10 @@ void build(SheetCells& cells, const std::filesystem::path& archive, const std::f
   // A cell takes up to 60 characters beside its text, a character of a text up to 7. Archives beyond 4 GB need another
   // format, which older readers refuse, so it is taken only then.
   const std::uint64_t mostBytes = 60 * cells.cells() + 7 * cells.textBytes();
-  writeArchive(frame, archive, mostBytes > 0xF0000000U, [&cells](const TakeRows& take) { giveRows(cells, take); });
+  standin_platform::Crew crew(threads);
+  RowText rows(cells);
+  writeArchive(frame, archive, mostBytes > 0xF0000000U, crew,
+               [&rows](std::string& piece) { return rows.appendPiece(piece); });
 }
 
 }  // namespace
@@ -151,7 +157,7 @@ struct WorkbookFile::State {
   std::string text;  // reused
 };
 
-WorkbookFile::WorkbookFile() : state_(std::make_unique<State>()) {}
+WorkbookFile::WorkbookFile(unsigned threads) : state_(std::make_unique<State>()), threads_(threads) {}
 WorkbookFile::~WorkbookFile() = default;
 
 WorkbookFile::State& WorkbookFile::gathered() {
@@ -212,7 +218,7 @@ std::uint64_t WorkbookFile::save(const framework::CString& path, const std::func
   const std::time_t moment = creationMoment();
   const IsolatedOutcome outcome = runIsolated(
       [&] {
-        build(cells, archive, scratch->path(), moment);
+        build(cells, archive, scratch->path(), moment, threads_);
         // A second one, by which the archive gets all parts but the sheet as the library makes them.
         const Bounds corner = cells.hasThreeDecimals() ? Bounds{{0, 0}, {0, 0}} : Bounds{};
         buildFrame(corner, cells.hasThreeDecimals(), twin, scratch->path().string(), moment);

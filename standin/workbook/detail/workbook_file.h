@@ -17,7 +17,8 @@ namespace lvx::workbook::detail {
 /// the saving.
 class WorkbookFile {
  public:
-  WorkbookFile();
+  /// `threads` pack a large sheet; 0: as many as there are processors. The file is the same for any number.
+  explicit WorkbookFile(unsigned threads = 0);
   WorkbookFile(const WorkbookFile&) = delete;
   WorkbookFile& operator=(const WorkbookFile&) = delete;
   ~WorkbookFile();
@@ -37,6 +38,7 @@ class WorkbookFile {
   [[nodiscard]] State& gathered();
 
   std::unique_ptr<State> state_;
+  unsigned threads_;
   std::optional<CellPlace> formatOnly_;  // given a format, and no number since
 };
 
