@@ -41,6 +41,9 @@ struct SaveOptions {
 /// The first save of a drawing of another program adds our FeatureDictionary, the corridors as the reader understood
 /// them, and the handles of all objects but points.
 ///
+/// A compressed source gives the bytes of its unpacked text; they go to another file only, under a name that doesn't end
+/// with .gz or .zip.
+///
 /// The new file is written beside the target, flushed to the disk and renamed over it, so a reader sees the old file or
 /// the new one and never a part. It has the permissions of the file that it replaces. A symbolic link is followed; other
 /// hard links of the target keep the old content. A killed process may leave ".lvx-save-…" beside the target,

@@ -17,5 +17,7 @@ using Stream = std::unique_ptr<std::FILE, StreamCloser>;
 
 /// How many bytes of `stream` lie before its place, beyond 2 GB too.
 [[nodiscard]] std::uint64_t placeIn(std::FILE* stream);
+/// Goes on reading or writing there. False where that fails.
+[[nodiscard]] bool goTo(std::FILE* stream, std::uint64_t place);
 
 }  // namespace lvx::standin_platform

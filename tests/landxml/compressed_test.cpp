@@ -168,21 +168,84 @@ TEST_F(Compressed, StandsBesideOthersInAProject) {
   EXPECT_NO_THROW((void)saveProject(drawing, (folder_ / "saved.xml").string()));
 }
 
-TEST_F(Compressed, IsntSavedAndStaysAsItIs) {
+/// As a user does who gives a group of sample lines another text.
+void change(civil::Drawing& drawing) {
+  for (auto& site : drawing.sites) {
+    for (auto& alignment : site.alignments) {
+      for (auto& group : alignment->sampleLineGroups) group.description = "changed \u00e4";
+    }
+  }
+}
+
+TEST_F(Compressed, IsSavedUnpackedUnderAnotherName) {
+  const std::string plain = put("road.xml", text_);
+  const std::vector<std::pair<std::string, std::string>> files{{"road.xml.gz", gzipOf(text_)},
+                                                               {"road.zip", zipOf({{"road.xml", text_}})}};
+  for (const bool isChanged : {false, true}) {
+    civil::Drawing wanted = readDrawing(plain);
+    if (isChanged) change(wanted);
+    const std::string wantedPath = (folder_ / "wanted.xml").string();
+    (void)saveProject(wanted, wantedPath);
+    for (const auto& [name, bytes] : files) {
+      const std::string path = put(name, bytes);
+      civil::Drawing drawing = readDrawing(path);
+      if (isChanged) change(drawing);
+      const std::string target = (folder_ / "saved.xml").string();
+      const std::vector<SavedFile> saved = saveProject(drawing, target);
+      EXPECT_EQ(test::fileBytes(target), test::fileBytes(wantedPath)) << name;
+      EXPECT_EQ(test::fileBytes(target) == text_, !isChanged);
+      EXPECT_EQ(test::fileBytes(path), bytes) << name;
+      // It lives on there.
+      ASSERT_EQ(saved.size(), 1U);
+      drawing.path = target;
+      drawing.file = saved.front().mark;
+      change(drawing);
+      EXPECT_NO_THROW((void)saveProject(drawing, target));
+    }
+  }
+}
+
+TEST_F(Compressed, IsntSavedInPlaceNorUnpackedUnderACompressedName) {
   const std::string bytes = gzipOf(text_);
   const std::string path = put("road.xml.gz", bytes);
   civil::Drawing drawing = readDrawing(path);
-  for (const std::string& target : {path, (folder_ / "saved.xml").string()}) {
+  EXPECT_NO_THROW((void)saveProject(drawing, path)) << "there is nothing to save";
+  change(drawing);
+  for (const std::string& target : {path, (folder_ / "other.XML.GZ").string(), (folder_ / "other.zip").string()}) {
     try {
       (void)saveProject(drawing, target);
       ADD_FAILURE() << target;
     } catch (const SaveError& error) {
       EXPECT_THAT(error.what(), HasSubstr("the drawing was read from a compressed file (gzip)"));
-      EXPECT_THAT(error.what(), HasSubstr("unpack it"));
+      EXPECT_THAT(error.what(), HasSubstr("save it under another name, one that ends with .xml"));
     }
     EXPECT_EQ(test::fileBytes(path), bytes);
   }
-  EXPECT_FALSE(std::filesystem::exists(folder_ / "saved.xml"));
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "other.XML.GZ"));
+}
+
+TEST_F(Compressed, IsntSavedOnceItsFileWasChanged) {
+  const std::string path = put("road.xml.gz", gzipOf(text_));
+  civil::Drawing drawing = readDrawing(path);
+  const std::string target = (folder_ / "saved.xml").string();
+  struct Row {
+    std::string bytes;
+    const char* reason;
+  };
+  // The same text, packed anew, is another file as well: nobody looked what is in it.
+  for (const Row& row :
+       {Row{gzipOf(text_ + "\n"), "was changed by another program"},
+        Row{gzipOf(text_.substr(0, 100)) + gzipOf(text_.substr(100)), "was changed by another program"},
+        Row{gzipOf(text_).substr(0, 200), "the gzip file is cut off"}}) {
+    (void)put("road.xml.gz", row.bytes);
+    try {
+      (void)saveProject(drawing, target);
+      ADD_FAILURE() << row.reason;
+    } catch (const SaveError& error) {
+      EXPECT_THAT(error.what(), HasSubstr(row.reason));
+    }
+    EXPECT_FALSE(std::filesystem::exists(target));
+  }
 }
 
 }  // namespace

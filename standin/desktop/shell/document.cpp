@@ -28,6 +28,15 @@ namespace {
 constexpr const char* kSaveQuestion = "saveChanges";
 
 std::string encodedPath(const QString& path) { return QFile::encodeName(path).toStdString(); }
+
+/// The path itself, or that of a file beside a compressed one: a drawing is saved unpacked.
+QString unpackedName(const QString& path) {
+  QString name = path;
+  for (const QString& ending : {QStringLiteral(".gz"), QStringLiteral(".zip")})
+    if (name.endsWith(ending, Qt::CaseInsensitive)) name.chop(ending.size());
+  if (name != path && !name.endsWith(QStringLiteral(".xml"), Qt::CaseInsensitive)) name += QStringLiteral(".xml");
+  return name;
+}
 }  // namespace
 
 Document::Document(const DocumentSurroundings& surroundings, Session& session, LongWork& work, RecentDrawings& recent,
@@ -95,8 +104,9 @@ QString Document::path() const {
 
 void Document::askOpen() {
   if (isBusy()) return;
-  const QStringList chosen = QFileDialog::getOpenFileNames(&at_.window, tr("Open a drawing"), recent_.folder(),
-                                                           tr("LandXML drawings (*.xml *.landxml);;All files (*)"));
+  const QStringList chosen =
+      QFileDialog::getOpenFileNames(&at_.window, tr("Open a drawing"), recent_.folder(),
+                                    tr("LandXML drawings (*.xml *.landxml *.xml.gz *.zip);;All files (*)"));
   if (!chosen.isEmpty()) open(DrawingSources(chosen), FileOrder::AlignmentFirst);
 }
 
@@ -237,7 +247,7 @@ bool Document::save() {
 
 bool Document::askSaveAs() {
   if (!isOpen() || isBusy()) return false;
-  const QString target = QFileDialog::getSaveFileName(&at_.window, tr("Save the drawing as"), path(),
+  const QString target = QFileDialog::getSaveFileName(&at_.window, tr("Save the drawing as"), unpackedName(path()),
                                                       tr("LandXML drawings (*.xml);;All files (*)"));
   return !target.isEmpty() && saveTo(target);
 }

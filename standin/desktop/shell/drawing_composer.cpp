@@ -25,7 +25,7 @@ bool DrawingComposer::has(civil::FileNumber file) const {
 void DrawingComposer::askAdd() {
   if (document_.isBusy()) return;
   add(QFileDialog::getOpenFileNames(&window_, tr("Add to the drawing"), recent_.folder(),
-                                    tr("LandXML drawings (*.xml *.landxml);;All files (*)")));
+                                    tr("LandXML drawings (*.xml *.landxml *.xml.gz *.zip);;All files (*)")));
 }
 
 void DrawingComposer::add(const QStringList& paths) {

@@ -369,8 +369,8 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <translation>Zeichnung öffnen</translation>
     </message>
     <message>
-        <source>LandXML drawings (*.xml *.landxml);;All files (*)</source>
-        <translation>LandXML-Zeichnungen (*.xml *.landxml);;Alle Dateien (*)</translation>
+        <source>LandXML drawings (*.xml *.landxml *.xml.gz *.zip);;All files (*)</source>
+        <translation>LandXML-Zeichnungen (*.xml *.landxml *.xml.gz *.zip);;Alle Dateien (*)</translation>
     </message>
     <message>
         <source>Reading %1</source>
@@ -539,8 +539,8 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <translation>Zur Zeichnung hinzufügen</translation>
     </message>
     <message>
-        <source>LandXML drawings (*.xml *.landxml);;All files (*)</source>
-        <translation>LandXML-Zeichnungen (*.xml *.landxml);;Alle Dateien (*)</translation>
+        <source>LandXML drawings (*.xml *.landxml *.xml.gz *.zip);;All files (*)</source>
+        <translation>LandXML-Zeichnungen (*.xml *.landxml *.xml.gz *.zip);;Alle Dateien (*)</translation>
     </message>
     <message>
         <source>In the drawing already</source>

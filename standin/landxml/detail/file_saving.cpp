@@ -40,6 +40,7 @@ class SourceBytes : public ByteSource {
 
 /// Of all that the file holds now.
 civil::FileMark markOf(const SourceFile& file) {
+  if (const auto packed = file.packedMark()) return *packed;
   constexpr std::size_t kPiece = std::size_t{1} << 18;
   ContentHash hash;
   for (std::uint64_t at = 0;;) {
@@ -249,7 +250,8 @@ void FileSaving::write(const std::function<void(std::uint64_t)>& progress) {
     throw SaveError(error.reason(), error.file(), error.line());
   }
   read_ = readHash.mark();
-  if (known.isKnown && known != read_) failSaving(kChanged, sourcePath_);
+  onDisk_ = source_.packedMark().value_or(read_);
+  if (known.isKnown && known != onDisk_) failSaving(kChanged, sourcePath_);
   if (terms_.handleBase != 0) {
     civil::eachHandle(stored, [&](civil::Handle& handle) {
       if (handle != 0) handle += terms_.handleBase;
@@ -260,6 +262,7 @@ void FileSaving::write(const std::function<void(std::uint64_t)>& progress) {
   FileEditor editor(source_, trace, target_, nowAndThen([&] { progress(source_.size()); }));
   writeChanges(drawing_, stored, trace, terms_, editor, target_);
   if (editor.isUnchanged() && isOwnFile_) return;
+  if (!source_.compression().empty()) refuseCompressed();
   // An added file stays where it is: what took its name in the meantime isn't ours.
   if (terms_.file != 0 && !isOwnFile_ && SafeFile::isThere(target_)) failSaving(kChanged, target_);
   written_.emplace(target_);
@@ -277,12 +280,26 @@ void FileSaving::write(const std::function<void(std::uint64_t)>& progress) {
   written_->settle();
 }
 
+/// Unpacked text under a name that says otherwise would be found out by the next program.
+void FileSaving::refuseCompressed() const {
+  const auto endsWith = [&](std::string_view ending) {
+    const std::size_t from = target_.size() - std::min(ending.size(), target_.size());
+    return std::equal(ending.begin(), ending.end(), target_.begin() + static_cast<std::ptrdiff_t>(from), target_.end(),
+                      [](char p, char q) { return p == q || p == q + ('a' - 'A'); });
+  };
+  if (!isOwnFile_ && !endsWith(".gz") && !endsWith(".zip")) return;
+  const std::string what =
+      "the drawing was read from a compressed file (" + std::string(source_.compression()) + "), and ";
+  if (terms_.file != 0) failSaving(what + "such a file isn't written: unpack it and open the unpacked one", target_);
+  failSaving(what + "it is saved unpacked: save it under another name, one that ends with .xml", target_);
+}
+
 std::string FileSaving::newFile() const { return written_ ? written_->path() : std::string(); }
 
 civil::FileMark FileSaving::replace() {
   if (written_) written_->replace();
   settleFiles(drawing_, terms_.file);
-  civil::FileMark mark = written_ ? written_->mark() : read_;
+  civil::FileMark mark = written_ ? written_->mark() : onDisk_;
   mark.content = contentOf(drawing_, terms_.file);
   if (ownMark().isKnown && (isOwnFile_ || terms_.file != 0)) ownMark() = mark;
   return mark;

@@ -33,6 +33,7 @@ class FileSaving {
 
  private:
   [[nodiscard]] civil::FileMark& ownMark();
+  void refuseCompressed() const;
 
   civil::Drawing& drawing_;
   FileTerms terms_;
@@ -40,7 +41,8 @@ class FileSaving {
   std::string target_;
   SourceFile source_;
   bool isOwnFile_ = false;
-  civil::FileMark read_;
+  civil::FileMark read_;             // of the text
+  civil::FileMark onDisk_;           // of the file that holds it, the same unless that is compressed
   std::optional<SafeFile> written_;  // empty where the target holds what it should
 };
 

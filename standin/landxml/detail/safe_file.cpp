@@ -1,6 +1,10 @@
 #include "landxml/detail/safe_file.h"
 
+#include <cerrno>
+#include <cstdio>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "landxml/detail/compressed_source.h"
 #include "landxml/error.h"
@@ -15,6 +19,8 @@ using standin_platform::InputFile;
 void failSaving(const std::string& what, const std::string& file) { throw SaveError(what, file); }
 
 namespace {
+
+constexpr std::size_t kUnpackedAtOnce = std::size_t{1} << 18;
 
 [[noreturn]] void failFor(const AtomicFileError& error, const std::string& file) {
   using Problem = AtomicFileError::Problem;
@@ -63,14 +69,40 @@ auto reading(const std::string& file, Work work) {
 SourceFile::SourceFile(const std::string& path)
     : path_(path), file_(reading(path, [&] { return std::make_unique<InputFile>(path); })) {
   if (file_->kind() != InputFile::Kind::Regular) failSaving("the drawing's file is not a regular file", path_);
-  if (const std::string_view kind = compressionOf(text(0, kCompressionHead)); !kind.empty())
-    failSaving("the drawing was read from a compressed file (" + std::string(kind) +
-                   "), and saving keeps the rest of a file as it stands: unpack it and open the unpacked one",
-               path_);
+  // In two steps: its head is read as it is.
+  if (const std::string_view kind = compressionOf(text(0, kCompressionHead)); !kind.empty()) unpack(kind);
+}
+
+void SourceFile::unpack(std::string_view kind) {
+  Packing packing{kind, {}, standin_platform::openTemporaryStream(), 0};
+  const auto failHere = [&] {
+    const std::error_code error(errno, std::generic_category());
+    failSaving("can't unpack the drawing's file into the temporary folder: " + error.message(), path_);
+  };
+  if (!packing.text) failHere();
+  try {
+    const auto bytes = unpacked(openFile(path_, path_, &packing.mark), path_);
+    std::vector<char> block(kUnpackedAtOnce);
+    while (const std::size_t count = bytes->read(block.data(), block.size())) {
+      if (std::fwrite(block.data(), 1, count, packing.text.get()) != count) failHere();
+      packing.size += count;
+    }
+  } catch (const ReadError& error) {
+    throw SaveError(error.reason(), error.file(), error.line());
+  }
+  if (std::fflush(packing.text.get()) != 0) failHere();
+  packing_.emplace(std::move(packing));
 }
 
 std::size_t SourceFile::read(std::uint64_t offset, char* to, std::size_t size) const {
-  return reading(path_, [&] { return file_->readAt(offset, to, size); });
+  if (!packing_) return reading(path_, [&] { return file_->readAt(offset, to, size); });
+  std::FILE* const text = packing_->text.get();
+  std::size_t count = 0;
+  if (standin_platform::goTo(text, offset)) count = std::fread(to, 1, size, text);
+  if (count < size && std::ferror(text) != 0)
+    failSaving("can't read the drawing's unpacked file: " + std::error_code(errno, std::generic_category()).message(),
+               path_);
+  return count;
 }
 
 std::string SourceFile::text(std::uint64_t offset, std::size_t size) const {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,7 @@
 #include "standin_platform/atomic_file.h"
 #include "standin_platform/file_stamp.h"
 #include "standin_platform/input_file.h"
+#include "standin_platform/temporary_stream.h"
 
 /// Files of which never a part is seen.
 namespace lvx::landxml::detail {
@@ -16,21 +18,37 @@ namespace lvx::landxml::detail {
 /// Throws SaveError of these fields.
 [[noreturn]] void failSaving(const std::string& what, const std::string& file);
 
-/// A file that is read at any place. Throws SaveError.
+/// A drawing's file, of which any place can be read. Throws SaveError. A compressed one is unpacked into a file without a
+/// name first, whose places these are.
 class SourceFile {
  public:
   explicit SourceFile(const std::string& path);
 
-  [[nodiscard]] std::uint64_t size() const { return stamp().size; }
-  /// As it was when it was opened.
+  [[nodiscard]] std::uint64_t size() const { return packing_ ? packing_->size : stamp().size; }
+  /// Of the file itself, as it was when it was opened.
   [[nodiscard]] const standin_platform::FileStamp& stamp() const { return file_->stamp(); }
+  /// How it is compressed, as `compressionOf` says.
+  [[nodiscard]] std::string_view compression() const { return packing_ ? packing_->kind : std::string_view(); }
+  /// Of the bytes of a compressed file; empty for one that isn't.
+  [[nodiscard]] std::optional<civil::FileMark> packedMark() const {
+    return packing_ ? std::optional(packing_->mark) : std::nullopt;
+  }
   /// Up to `size` bytes from `offset`; fewer only at the end of the file.
   std::size_t read(std::uint64_t offset, char* to, std::size_t size) const;
   [[nodiscard]] std::string text(std::uint64_t offset, std::size_t size) const;
 
  private:
+  struct Packing {
+    std::string_view kind;
+    civil::FileMark mark;
+    standin_platform::Stream text;
+    std::uint64_t size = 0;
+  };
+  void unpack(std::string_view kind);
+
   std::string path_;
   std::unique_ptr<standin_platform::InputFile> file_;
+  std::optional<Packing> packing_;
 };
 
 /// A new file beside the one that it is to replace. Without `replace` it vanishes again.

@@ -13,4 +13,6 @@ Stream openTemporaryStream() {
 
 std::uint64_t placeIn(std::FILE* stream) { return static_cast<std::uint64_t>(::ftello(stream)); }
 
+bool goTo(std::FILE* stream, std::uint64_t place) { return ::fseeko(stream, static_cast<off_t>(place), SEEK_SET) == 0; }
+
 }  // namespace lvx::standin_platform

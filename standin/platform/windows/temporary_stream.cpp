@@ -31,4 +31,8 @@ Stream openTemporaryStream() {
 
 std::uint64_t placeIn(std::FILE* stream) { return static_cast<std::uint64_t>(_ftelli64(stream)); }
 
+bool goTo(std::FILE* stream, std::uint64_t place) {
+  return ::_fseeki64(stream, static_cast<long long>(place), SEEK_SET) == 0;
+}
+
 }  // namespace lvx::standin_platform
