@@ -80,6 +80,28 @@ TEST(SectionAt, TakesStationsWithinAMillionthAsOneAndTheNearerOfTwo) {
   EXPECT_EQ(found(baseline, 50.0000007), "50.0000011 A(1)");
 }
 
+TEST(SectionAt, FindsEverySectionHoweverUnevenlyTheyStand) {
+  auto generator = test::seededByTestName();
+  for (int round = 0; round < 300; ++round) {
+    Region region;
+    region.startStation = -1e9;
+    region.endStation = 1e9;
+    // Even steps, or ever wider ones, or a crowd with a few far away.
+    double station = -5.0;
+    for (std::uint32_t i = generator() % 40; i > 0; --i) {
+      station += round % 3 == 0 ? 1.0 : round % 3 == 1 ? std::pow(1.7, i) : generator() % 10 == 0 ? 1e6 : 0.25;
+      region.sections.push_back({station, {}, SectionOrigin::Given, {}});
+    }
+    for (const CorridorSection& section : region.sections) {
+      ASSERT_EQ(sectionAt(region, section.station), &section);
+      ASSERT_EQ(sectionAt(region, section.station - 0.1), nullptr);
+      ASSERT_EQ(sectionAt(region, section.station + 0.1), nullptr);
+    }
+    for (const double beside : {-1e8, 1e8, std::numeric_limits<double>::infinity()})
+      ASSERT_EQ(sectionAt(region, beside), nullptr);
+  }
+}
+
 TEST(SectionAt, GivesNoneForWhatIsNoStationAndWithoutRegions) {
   EXPECT_EQ(found(baselineFrom({}), 0), "none");
   const Baseline baseline = baselineFrom({"0..100 | 50 A(0)"});
