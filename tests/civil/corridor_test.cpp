@@ -81,7 +81,7 @@ TEST(SectionAt, TakesStationsWithinAMillionthAsOneAndTheNearerOfTwo) {
 }
 
 TEST(SectionAt, FindsEverySectionHoweverUnevenlyTheyStand) {
-  auto generator = test::seededByTestName();
+  auto generator = lvx::test::seededByTestName();
   for (int round = 0; round < 300; ++round) {
     Region region;
     region.startStation = -1e9;
