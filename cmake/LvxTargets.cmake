@@ -27,6 +27,8 @@ if(WIN32)
   target_link_options(lvx_flags INTERFACE -Wl,--no-insert-timestamp)
   # Of a system's header only what is asked for by name, without macros called min and max, for Windows 10.
   target_compile_definitions(lvx_flags INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
+  include("${CMAKE_CURRENT_LIST_DIR}/windows/delayed_libraries.cmake")
+  lvx_delay_libraries(lvx_flags)
 endif()
 if(LVX_SANITIZE)
   target_compile_options(lvx_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all

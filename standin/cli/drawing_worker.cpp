@@ -31,6 +31,8 @@ using standin_platform::ProcessCopy;
 
 namespace {
 
+constexpr std::chrono::milliseconds kLookForInterruption{100};
+
 using Json = nlohmann::json;
 using Clock = std::chrono::steady_clock;
 
@@ -95,7 +97,9 @@ class DrawingServer {
 
   int serve(const std::string& first) {
     WorkerMessage message;
-    message.result.exitCode = load(unpackedJob(first), message.result.errors);
+    const ToldJob job = unpackedJob(first);
+    message.result.exitCode = standin_platform::copiesShareMemory() ? load(job, message.result.errors)
+                                                                    : readInRunner(job, message.result.errors);
     if (message.result.exitCode != kDone) message.kind = WorkerMessage::Kind::NoDrawing;
     message.result.drawing = drawingHashes_;
     if (!line_.send(packed(message)) || message.result.exitCode != kDone) return message.result.exitCode;
@@ -121,10 +125,21 @@ class DrawingServer {
     answer().release();  // the batch answers for its reports, from what they say
     ToldJob job = unpackedJob(first);
     if (!drawing_) {
-      std::string words;
-      const int code = load(job, words);
-      tell(words);
+      ReportEnd end;
+      const int code = load(job, end.result.errors);
+      if (!job.onlyReads) tell(end.result.errors);
+      if (job.onlyReads) {
+        end.result.exitCode = code;
+        end.result.drawing = drawingHashes_;
+        end.isReady = code == kDone;
+        line_.send(packed(end));
+      }
       if (code != kDone) return code;
+      if (job.onlyReads) {
+        const std::optional<ToldJob> next = waitForJob();
+        if (!next) return isInterrupted() ? kInterrupted : kDone;
+        job = *next;
+      }
     }
     for (;;) {
       const std::size_t state = drawing_->editState();
@@ -168,6 +183,35 @@ class DrawingServer {
       words = std::string("lvxhost: the command ended by an exception: ") + error.what() + "\n";
       return kException;
     }
+  }
+
+  /// The same where no copy has what this process read: a process for reports reads it, and runs the first of them.
+  int readInRunner(ToldJob told, std::string& words) {
+    told.onlyReads = true;
+    Runner runner;
+    try {
+      runner.process = newProcess(packed(told));
+    } catch (const std::system_error& error) {
+      words = "lvxhost: the system has no process for this drawing: " + error.code().message() + "\n";
+      return kNotWritten;
+    }
+    MessageLine& line = runner.process->line();
+    while (line.take(runner.messages) && runner.messages.empty()) {
+      MessageLine* const only = &line;
+      standin_platform::waitForMessages({&only, 1}, kLookForInterruption);
+      if (isInterrupted()) runner.process->interrupt();
+    }
+    if (runner.messages.empty()) {
+      const ChildResult ended = runner.process->wait();
+      words = ended.output + ended.errors;
+      return ended.exitCode == kDone ? static_cast<int>(kException) : ended.exitCode;
+    }
+    const ReportEnd end = unpackedEnd(runner.messages.front());
+    runner.messages.clear();
+    words = end.result.errors;
+    drawingHashes_ = end.result.drawing;
+    if (end.isReady) ready_.push_back(std::move(runner));
+    return end.result.exitCode;
   }
 
   using Stamps = std::vector<std::optional<standin_platform::FileStamp>>;
@@ -216,7 +260,11 @@ class DrawingServer {
       std::vector<std::string> none;
       if (runner.process->line().take(none) && runner.process->line().send(told)) return;
     }
-    runner.process = std::make_unique<ProcessCopy>(
+    runner.process = newProcess(told);
+  }
+
+  std::unique_ptr<ProcessCopy> newProcess(const std::string& told) {
+    return std::make_unique<ProcessCopy>(
         kReportWork, told,
         [&](const std::string& first, MessageLine& line) { return DrawingServer(*this, line).serveReports(first); },
         ProcessCopy::Streams::Kept);
@@ -224,7 +272,6 @@ class DrawingServer {
 
   /// The next job that this process for reports is told; none once the line is closed, or after an interruption.
   [[nodiscard]] std::optional<ToldJob> waitForJob() {
-    constexpr std::chrono::milliseconds kLookForInterruption{100};
     std::vector<std::string> messages;
     MessageLine* const line = &line_;
     while (!isInterrupted() && line_.take(messages) && messages.empty())
@@ -304,7 +351,6 @@ class DrawingServer {
   }
 
   void wait() {
-    constexpr std::chrono::milliseconds kLookForInterruption{100};
     std::vector<MessageLine*> lines;
     if (isTold_) lines.push_back(&line_);
     for (const Runner& runner : running_) lines.push_back(&runner.process->line());
@@ -391,13 +437,13 @@ WorkerMessage unpackedMessage(std::string_view bytes) {
 }
 
 std::string packed(const ToldJob& job) {
-  return bytesOf(Json::array({job.job, job.line, job.text, job.savesInPlace, job.replaces}));
+  return bytesOf(Json::array({job.job, job.line, job.text, job.savesInPlace, job.replaces, job.onlyReads}));
 }
 
 ToldJob unpackedJob(std::string_view bytes) {
   const Json list = Json::from_msgpack(bytes.begin(), bytes.end());
-  return {list[0].get<std::size_t>(), list[1].get<std::size_t>(), list[2].get<std::string>(), list[3].get<bool>(),
-          list[4].get<bool>()};
+  return {list[0].get<std::size_t>(), list[1].get<std::size_t>(), list[2].get<std::string>(),
+          list[3].get<bool>(),        list[4].get<bool>(),        list[5].get<bool>()};
 }
 
 int serveDrawing(const JobFile& jobs, const std::string& first, const WorkerOptions& options, MessageLine& line) {

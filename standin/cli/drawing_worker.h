@@ -51,6 +51,8 @@ struct ToldJob {
   bool savesInPlace = false;
   /// It replaces what stands under the names of its files, unless it is to keep them by an option.
   bool replaces = false;
+  /// Nothing is run: its drawing is read for the jobs that are told next.
+  bool onlyReads = false;
 };
 
 /// What a drawing's process says on its line.

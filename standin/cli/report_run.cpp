@@ -76,7 +76,9 @@ bool isMadeInFolder(const std::string& path) {
 void requirePlaces(runtime::StandinHost& host, const std::string& stem, const std::vector<Expected>& expected) {
   const host::CString wide = fromUtf8(stem);
   const std::size_t mark = host.platform().lastFolderMark(wide);
-  const std::string folder = platform::toUtf8(wide.substr(0, mark == 0 ? 1 : mark));
+  // A root keeps its mark: without it, the name of a drive is no folder.
+  const bool isRoot = mark == 0 || wide[mark - 1] == L':';
+  const std::string folder = platform::toUtf8(wide.substr(0, isRoot ? mark + 1 : mark));
   std::error_code error;
   if (!std::filesystem::is_directory(folder, error))
     throw Failure(kNotWritten, "nothing was written: " + (std::filesystem::exists(folder, error)

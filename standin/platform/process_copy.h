@@ -82,6 +82,9 @@ class ProcessCopy {
   MessageLine line_;
 };
 
+/// Whether a copy begins with what was in memory; else with its request alone.
+[[nodiscard]] bool copiesShareMemory();
+
 /// What a copy with Streams::Kept said.
 struct KeptWords {
   std::string output;

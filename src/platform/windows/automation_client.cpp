@@ -247,6 +247,10 @@ AutomationScope::~AutomationScope() {
 bool hasAutomation() { return true; }
 
 bool isAutomationProgram(const CString& programId) {
+  // Where the registry has no such entry, nothing else needs to be loaded to know it.
+  HKEY entry = nullptr;
+  if (RegOpenKeyExW(HKEY_CLASSES_ROOT, programId.c_str(), 0, KEY_READ, &entry) == ERROR_FILE_NOT_FOUND) return false;
+  if (entry != nullptr) RegCloseKey(entry);
   CLSID classId{};
   return SUCCEEDED(CLSIDFromProgID(programId.c_str(), &classId));
 }

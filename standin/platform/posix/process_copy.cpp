@@ -264,6 +264,8 @@ bool takeKeptWords(KeptWords& words) {
   return take(STDOUT_FILENO, words.output) && take(STDERR_FILENO, words.errors);
 }
 
+bool copiesShareMemory() { return true; }
+
 std::optional<BegunCopy> begunCopy() { return std::nullopt; }
 
 }  // namespace lvx::standin_platform

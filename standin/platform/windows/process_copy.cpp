@@ -231,6 +231,8 @@ ChildResult ProcessCopy::wait() {
   return result;
 }
 
+bool copiesShareMemory() { return false; }
+
 bool takeKeptWords(KeptWords& words) {
   std::fflush(nullptr);
   const auto take = [](DWORD stream, std::string& taken) {

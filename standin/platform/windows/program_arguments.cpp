@@ -3,13 +3,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
-#include <memory>
+#include <string>
+#include <vector>
 
-// In this order: the second one needs the first.
-// clang-format off
 #include <windows.h>
-#include <shellapi.h>
-// clang-format on
 
 #include "standin_platform/windows/detail/begun_again.h"
 #include "standin_platform/windows/detail/names.h"
@@ -18,16 +15,24 @@ namespace lvx::standin_platform {
 
 namespace {
 
+struct StartMode {
+  int newMode;
+};
+
+/// Of the C run time, in place of the shell's library, which takes longer to load than the whole program.
+extern "C" int __cdecl __wgetmainargs(int* count, wchar_t*** words, wchar_t*** variables, int patterns,
+                                      StartMode* mode);
+
 constexpr std::string_view kBegunAgain = "__begun-again=";
 
 std::vector<std::string> allArguments() {
-  struct Freer {
-    void operator()(wchar_t** words) const noexcept { LocalFree(words); }
-  };
   int count = 0;
-  const std::unique_ptr<wchar_t*, Freer> words(CommandLineToArgvW(GetCommandLineW(), &count));
+  wchar_t** words = nullptr;
+  wchar_t** variables = nullptr;
+  StartMode mode{};
   std::vector<std::string> texts;
-  for (int i = 0; words && i < count; ++i) texts.push_back(narrowed(words.get()[i]));
+  if (__wgetmainargs(&count, &words, &variables, 0, &mode) != 0) return texts;
+  for (int i = 0; i < count; ++i) texts.push_back(narrowed(words[i]));
   return texts;
 }
 

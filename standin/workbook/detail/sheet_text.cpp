@@ -85,7 +85,7 @@ CellNames::CellNames(std::uint32_t row) {
 std::string_view CellNames::of(std::uint16_t column) {
   constexpr unsigned kLetters = 26;
   std::size_t begin = kMostLetters;
-  for (unsigned rest = column + 1U; rest > 0; rest = (rest - 1) / kLetters)
+  for (unsigned rest = column + 1U; rest > 0 && begin > 0; rest = (rest - 1) / kLetters)
     name_[--begin] = static_cast<char>('A' + (rest - 1) % kLetters);
   return {name_.data() + begin, kMostLetters - begin + size_};
 }

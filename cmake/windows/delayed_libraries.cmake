@@ -1,0 +1,21 @@
+# Libraries of Windows that most commands never call are loaded at the first call: those of windows and of automation take
+# longer to load than all the rest. Import libraries of this kind lie before the tool chain's own.
+function(lvx_delay_libraries target)
+  set(folder "${PROJECT_BINARY_DIR}/delayed")
+  file(MAKE_DIRECTORY "${folder}")
+  foreach(name IN ITEMS comdlg32 gdi32 ole32 oleaut32 shell32 user32)
+    if(NOT EXISTS "${folder}/lib${name}.a")
+      execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=lib${name}.a OUTPUT_VARIABLE own OUTPUT_STRIP_TRAILING_WHITESPACE
+                      COMMAND_ERROR_IS_FATAL ANY)
+      execute_process(COMMAND ${CMAKE_NM} --defined-only "${own}" OUTPUT_VARIABLE symbols ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
+      string(REGEX MATCHALL " T [A-Za-z][A-Za-z0-9_]*" functions "${symbols}")
+      list(REMOVE_DUPLICATES functions)
+      list(TRANSFORM functions REPLACE " T " "")
+      list(JOIN functions "\n" functions)
+      file(WRITE "${folder}/${name}.def" "LIBRARY ${name}.dll\nEXPORTS\n${functions}\n")
+      execute_process(COMMAND ${CMAKE_DLLTOOL} -d "${folder}/${name}.def" -y "${folder}/lib${name}.a" COMMAND_ERROR_IS_FATAL ANY)
+    endif()
+  endforeach()
+  target_link_options(${target} INTERFACE "-L${folder}")
+  set(CMAKE_CXX_STANDARD_LIBRARIES "${CMAKE_CXX_STANDARD_LIBRARIES} -ldelayimp" PARENT_SCOPE)
+endfunction()
