@@ -31,10 +31,10 @@ std::string unsound(std::string_view part) { return "its part '" + std::string(p
 
 /// Gives the part at which the archive stands to `use`, piece by piece. False where it isn't as long as the directory says,
 /// has another checksum, can't be read, or where `use` says so.
+/// `piece` holds what is read at a time; all parts of an archive share it, since most are small.
 template <class Use>
-bool readPart(void* zip, const unz_file_info64& info, Use use) {
+bool readPart(void* zip, const unz_file_info64& info, std::string& piece, Use use) {
   if (unzOpenCurrentFile(zip) != UNZ_OK) return false;
-  std::string piece(std::size_t{1} << 18, '\0');
   std::uint64_t size = 0;
   bool isSound = true;
   int count = 0;
@@ -107,6 +107,7 @@ std::string whatIsWrong(const std::filesystem::path& path, SheetCells& cells, co
   std::set<std::string, std::less<>> found;
   PartMarks marks;
   Names named;
+  std::string piece(std::size_t{1} << 18, '\0');
   int state = unzGoToFirstFile(zip);
   for (; state == UNZ_OK; state = unzGoToNextFile(zip)) {
     std::array<char, 256> name{};
@@ -117,14 +118,14 @@ std::string whatIsWrong(const std::filesystem::path& path, SheetCells& cells, co
     if (!found.emplace(part).second) return "its part '" + std::string(part) + "' stands there twice";
     if (part == kSheet) {
       SheetCheck check(cells);
-      if (!readPart(zip, info, [&check](std::string_view piece) { return check.take(piece); }) || !check.finish())
+      if (!readPart(zip, info, piece, [&check](std::string_view text) { return check.take(text); }) || !check.finish())
         return unsound(part);
       continue;
     }
     marks.emplace(part, markOf(info));
     std::string text;
-    const bool isRead = readPart(zip, info, [&text](std::string_view piece) {
-      text += piece;
+    const bool isRead = readPart(zip, info, piece, [&text](std::string_view more) {
+      text += more;
       return true;
     });
     pugi::xml_document document;
