@@ -255,7 +255,8 @@ std::optional<BegunCopy> begunCopy() {
   std::vector<std::string> messages;
   while (messages.empty() && line.take(messages)) {
     MessageLine* const own = &line;
-    waitForMessages({&own, 1}, std::chrono::milliseconds(100));
+    // Under Wine the first message doesn't always wake who waits for it; it comes at once, so this isn't for long.
+    waitForMessages({&own, 1}, std::chrono::milliseconds(3));
   }
   if (messages.empty()) throw std::system_error(std::make_error_code(std::errc::broken_pipe));
   // What came with it is for the work.
