@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <bit>
 #include <memory>
 #include <tuple>
 #include <utility>
@@ -47,11 +48,13 @@ class TriangleLinks::Matching {
   }
 
  private:
-  static constexpr std::size_t kStretch = std::size_t{1} << 16;
+  static constexpr std::size_t kStretch = std::size_t{1} << 15;
   static constexpr std::size_t kPointsAWord = 32;
   static bool isBefore(const Far& p, const Far& q) { return p.slot < q.slot; }
   /// Triangles whose edges are told apart at a time.
   static constexpr std::size_t kBlock = 256;
+  /// Edges that wait at a point in a row, as a rule all.
+  static constexpr std::size_t kInRow = 4;
   /// An edge as one triangle has it.
   struct Side {
     std::int32_t lower = 0;
@@ -94,8 +97,8 @@ class TriangleLinks::Matching {
     return (isForeign_[point / kPointsAWord].load(std::memory_order_relaxed) >> point % kPointsAWord & 1U) != 0;
   }
 
-  /// Edges that run from the smaller corner to the larger wait in chains at the own one of their ends, the smaller one of
-  /// two, where those of the other direction find them.
+  /// Edges that run from the smaller corner to the larger wait at the own one of their ends, the smaller one of two, where
+  /// those of the other direction find them: the first few in a row that is looked through at one glance, more in a chain.
   void matchWithin(std::size_t stretch, Found& found) {
     const std::int32_t first = firstPoints_[stretch];
     const auto ownCount = static_cast<std::size_t>(firstPoints_[stretch + 1] - first);
@@ -106,8 +109,16 @@ class TriangleLinks::Matching {
     std::vector<std::int32_t> chains(ownCount);
     for (std::size_t i = 0; i < ownCount; ++i)
       chains[i] = isForeign(static_cast<std::size_t>(first) + i) ? kNotOwn : kEnd;
+    struct Row {
+      std::array<std::int32_t, kInRow> others;  // the ends of the edges that they don't wait at; kEnd behind the last
+      std::array<Link, kInRow> edges;
+      std::array<Link, kInRow> matched;
+    };
+    const auto rows = std::make_unique_for_overwrite<Row[]>(ownCount);
+    std::vector<std::uint8_t> inRow(ownCount, 0);
+    for (std::size_t i = 0; i < ownCount; ++i) rows[i].others.fill(kEnd);
     struct Waiting {
-      std::int32_t other;  // the end of the edge that it doesn't wait at
+      std::int32_t other;
       std::int32_t next;
       Link edge;
       Link matched;
@@ -154,6 +165,14 @@ class TriangleLinks::Matching {
           found.between.push_back(side.edge);
           continue;
         }
+        const auto point = static_cast<std::size_t>(place.chain - chains.data());
+        if (const std::size_t next = inRow[point]; next < kInRow) {
+          rows[point].others[next] = place.other;
+          rows[point].edges[next] = side.edge;
+          rows[point].matched[next] = kNoLink;
+          inRow[point] = static_cast<std::uint8_t>(next + 1);
+          continue;
+        }
         waiting[static_cast<std::size_t>(waitingCount)] = {place.other, *place.chain, side.edge, kNoLink};
         *place.chain = waitingCount++;
       }
@@ -168,6 +187,22 @@ class TriangleLinks::Matching {
         found.between.push_back(side.edge);
         continue;
       }
+      const auto point = static_cast<std::size_t>(place.chain - chains.data());
+      Row& row = rows[point];
+      std::uint32_t same = 0;
+      for (std::size_t j = 0; j < kInRow; ++j) same |= static_cast<std::uint32_t>(row.others[j] == place.other) << j;
+      if (same != 0) {
+        const auto which = static_cast<std::size_t>(std::countr_zero(same));
+        if (row.matched[which] == kNoLink) {
+          row.matched[which] = side.edge;
+          link(side.edge, row.edges[which], found);
+          link(row.edges[which], side.edge, found);
+        } else {
+          noLink(side.edge);
+          odd.push_back(side.edge);
+        }
+        continue;
+      }
       std::int32_t number = *place.chain;
       while (number != kEnd && at(number).other != place.other) number = at(number).next;
       if (number == kEnd || at(number).matched != kNoLink) {
@@ -180,6 +215,13 @@ class TriangleLinks::Matching {
       link(side.edge, counterpart.edge, found);
       link(counterpart.edge, side.edge, found);
     }
+    for (std::size_t point = 0; point < ownCount; ++point) {
+      for (std::size_t j = 0; j < inRow[point]; ++j) {
+        if (rows[point].matched[j] != kNoLink) continue;
+        noLink(rows[point].edges[j]);
+        odd.push_back(rows[point].edges[j]);
+      }
+    }
     for (std::int32_t number = 0; number < waitingCount; ++number) {
       if (at(number).matched != kNoLink) continue;
       noLink(at(number).edge);
@@ -189,6 +231,14 @@ class TriangleLinks::Matching {
     eachSameEdge(odd, [&](std::span<const Side> sides) {
       const Place place = placeOf(sides.front());
       std::size_t count = sides.size();
+      const auto point = static_cast<std::size_t>(place.chain - chains.data());
+      for (std::size_t j = 0; j < inRow[point]; ++j) {
+        const Row& row = rows[point];
+        if (row.others[j] != place.other || row.matched[j] == kNoLink) continue;
+        count += 2;
+        noLink(row.edges[j]);
+        noLink(row.matched[j]);
+      }
       for (std::int32_t number = *place.chain; number != kEnd; number = at(number).next) {
         const Waiting& its = at(number);
         if (its.other != place.other || its.matched == kNoLink) continue;
