@@ -873,7 +873,28 @@ void SegmentSampler::mergeHits() {
 
 }  // namespace
 
-struct TinSurface::Data : Mesh {};
+struct TinSurface::Data : Mesh {
+  /// Builds grid and tree, once, whoever asks first.
+  void buildSearch(const RunPieces& run) {
+    if (hasSearch.load(std::memory_order_acquire)) return;
+    const std::lock_guard lock(searchMutex);
+    if (hasSearch.load(std::memory_order_relaxed)) return;
+    blocks = BlockTree(ground(), box, spare);
+    // Neither asks for the other.
+    run(2, [&](std::size_t which) {
+      if (which == 0)
+        grid = StartGrid(points.all(), ground(), box, links, spare);
+      else
+        blocks.fill(points.all(), ground());
+    });
+    spare = {};
+    hasSearch.store(true, std::memory_order_release);
+  }
+
+  SpareMemory spare;
+  std::mutex searchMutex;
+  std::atomic<bool> hasSearch = false;
+};
 
 TinSurface::TinSurface() = default;
 TinSurface::TinSurface(TinSurface&&) noexcept = default;
@@ -884,7 +905,8 @@ void inOrder(std::size_t count, const std::function<void(std::size_t)>& piece) {
   for (std::size_t i = 0; i < count; ++i) piece(i);
 }
 
-TinSurface::TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles, const RunPieces& run)
+TinSurface::TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles, const RunPieces& run,
+                       GroundSearch search)
     : data_(std::make_unique<Data>()) {
   const Box place = checkInput(points, triangles, run);
   AlongCurve ordered = renumberAlongCurve(std::move(points), std::move(triangles), place, run);
@@ -901,14 +923,8 @@ TinSurface::TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles
   mesh.counts = {mesh.points.size(), mesh.triangles.size(), mesh.triangles.size() - mesh.groundCount,
                  mesh.links.overlappingEdges()};
   measure(mesh, ordered.usedPoints, run);
-  mesh.blocks = BlockTree(ground, mesh.box, ordered.spare);
-  // Neither asks for the other.
-  run(2, [&](std::size_t which) {
-    if (which == 0)
-      mesh.grid = StartGrid(mesh.points.all(), ground, mesh.box, mesh.links, ordered.spare);
-    else
-      mesh.blocks.fill(mesh.points.all(), ground);
-  });
+  data_->spare = std::move(ordered.spare);
+  if (search == GroundSearch::AtOnce) data_->buildSearch(run);
 }
 
 bool TinSurface::isEmpty() const { return !data_ || data_->groundCount == 0; }
@@ -923,6 +939,7 @@ std::span<const Triangle> TinSurface::triangles() const {
 
 void TinSurface::sample(Vec2 a, Vec2 b, std::vector<Vec3>& samples) const {
   if (isEmpty() || !isWorkable(a.x) || !isWorkable(a.y) || !isWorkable(b.x) || !isWorkable(b.y)) return;
+  data_->buildSearch(inOrder);
   SegmentSampler sampler(*data_, a, b, samples);
   if (sampler.hasLength()) {
     sampler.sample();
@@ -933,6 +950,7 @@ void TinSurface::sample(Vec2 a, Vec2 b, std::vector<Vec3>& samples) const {
 
 std::optional<double> TinSurface::elevationAt(Vec2 point) const {
   if (isEmpty() || !isWorkable(point.x) || !isWorkable(point.y)) return std::nullopt;
+  data_->buildSearch(inOrder);
   const Mesh& mesh = *data_;
   if (const Holder holder = locate(mesh, point); holder.triangle >= 0 && holder.onEdges == 0)
     return elevationWithin(mesh.cornersAt(static_cast<std::size_t>(holder.triangle)), point);

@@ -42,6 +42,12 @@ using RunPieces = std::function<void(std::size_t count, const std::function<void
 /// One after the other.
 void inOrder(std::size_t count, const std::function<void(std::size_t)>& piece);
 
+/// When a surface builds what finds the triangles at a place.
+enum class GroundSearch : std::uint8_t {
+  AtOnce,
+  WhenAsked,  ///< by the first question for a place, which then takes longer; for who may never ask
+};
+
 /// A triangulated ground surface: points and visible triangles, with holes and any border. Coordinates and elevations in
 /// drawing units, up to 1e100 in size. Immutable once built; its queries may run in several threads at once.
 ///
@@ -68,8 +74,9 @@ class TinSurface {
   /// number up to 1e100, and for more than 500 million triangles. O(n), with many edges at one point O(n log n). Points
   /// and triangles are renumbered along a space-filling curve. It needs some 11 bytes a triangle beside the arrays, and
   /// while it is built it takes the triangles or the points a second time.
-  /// `run` does the work; the surface is the same to the last bit whatever it is.
-  TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles, const RunPieces& run = inOrder);
+  /// `run` does the work; the surface is the same to the last bit whatever it is, and whatever `search` says.
+  TinSurface(std::vector<Vec3> points, std::vector<Triangle> triangles, const RunPieces& run = inOrder,
+             GroundSearch search = GroundSearch::AtOnce);
   TinSurface(TinSurface&&) noexcept;
   TinSurface& operator=(TinSurface&&) noexcept;
   ~TinSurface();

@@ -66,7 +66,7 @@ std::vector<landxml::ProjectFile> projectFiles(const options::Options& options) 
 
 void requireSwappedFiles(const options::Options& options) { static_cast<void>(projectFiles(options)); }
 
-civil::Drawing loadDrawing(const options::Options& options) {
+civil::Drawing loadDrawing(const options::Options& options, civil::GroundSearch groundSearch) {
   std::vector<landxml::ProjectFile> files = projectFiles(options);
   std::string reading = files.front().path;
   try {
@@ -78,6 +78,7 @@ civil::Drawing loadDrawing(const options::Options& options) {
   std::optional<ProgressLine> line(std::in_place, options.common.progressMode(), "reading " + reading);
   landxml::ProjectOptions project;
   project.convertUnits = options.files.convertUnits;
+  project.groundSearch = groundSearch;
   project.threads = static_cast<unsigned>(options.common.threads.value_or(0));
   project.progress = [&](const std::string& path, const landxml::Progress& state) {
     if (path != reading) {

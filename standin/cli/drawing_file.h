@@ -21,7 +21,8 @@ inline constexpr const char* kStandardInputName = "standard input";
 
 /// Reads the drawing of `options`, all of its files, with progress; one of standard input is kept for saving it. Throws Failure where it can't be read (kBadDrawing)
 /// and for --swap-axes of what is none of its files (kUsage), and runtime::Interrupted where the user stopped it.
-[[nodiscard]] civil::Drawing loadDrawing(const options::Options& options);
+[[nodiscard]] civil::Drawing loadDrawing(const options::Options& options,
+                                         civil::GroundSearch groundSearch = civil::GroundSearch::AtOnce);
 
 /// Throws Failure (kBadDrawing) where --save names what can't be saved to: a file that the run reads, but for the drawing's
 /// own first one, which is saved in place; one of `outputs`, which the same run writes; a name with a zero character.

@@ -24,7 +24,7 @@ ExitCode runGroup(const options::Options& options) {
   requireSaveFromInput(options, true);
   const WantedPoints points = parsePoints(options.report.points);
   const bool quiet = options.common.quiet;
-  civil::Drawing drawing = loadDrawing(options);
+  civil::Drawing drawing = loadDrawing(options, civil::GroundSearch::WhenAsked);
   if (!quiet) tellDiagnostics(drawing);
   requireSaveTarget(drawing, options);
   const civil::PointGroup* const taken =

@@ -6,7 +6,7 @@
 namespace lvx::cli {
 
 options::ExitCode runInfo(const options::Options& options) {
-  const civil::Drawing drawing = loadDrawing(options);
+  const civil::Drawing drawing = loadDrawing(options, civil::GroundSearch::WhenAsked);
   if (options.json)
     answerInfo(drawing);
   else

@@ -31,7 +31,7 @@ ExitCode runLines(const options::Options& options) {
   requireSaveFromInput(options, true);
   const civil::SampleLineRules rules = rulesOf(options.lines);
   const bool quiet = options.common.quiet;
-  civil::Drawing drawing = loadDrawing(options);
+  civil::Drawing drawing = loadDrawing(options, civil::GroundSearch::WhenAsked);
   if (!quiet) tellDiagnostics(drawing);
   requireSaveTarget(drawing, options);
   const civil::AlignmentObject& alignment =

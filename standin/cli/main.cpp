@@ -33,8 +33,10 @@ ExitCode runCommand(const CommandLine& line) {
   switch (line.command) {
     case Command::Info:
       return runInfo(line.options);
-    case Command::Projection:
     case Command::Points:
+      report.groundSearch = civil::GroundSearch::WhenAsked;
+      [[fallthrough]];
+    case Command::Projection:
     case Command::Gls:
       return runReportCommand(line.command, line.options, report);
     case Command::Lines:

@@ -193,7 +193,7 @@ ExitCode runReport(const options::Options& options, const wchar_t* command, Repo
   runtime::InputFiles inputs;
   addStandardInput(inputs, options);
   const auto host = makeHost(frontEnd, common, inputs);
-  if (!run.drawing) run.drawing = std::make_shared<runtime::OpenDrawing>(loadDrawing(options));
+  if (!run.drawing) run.drawing = std::make_shared<runtime::OpenDrawing>(loadDrawing(options, run.groundSearch));
   host->open(run.drawing);
   host->journal().listener = [&run](const runtime::FileEvent& event) { noteWritten(run, event); };
   MadeForReport made(*host->openDrawing());

@@ -37,6 +37,8 @@ using ReportPlan = std::function<PlannedReport(MadeForReport& made, const std::v
 struct ReportRun {
   /// The drawing of the options where somebody has read it already; null: it is read. What the report makes in it stays.
   runtime::OpenDrawingRef drawing;
+  /// Of a drawing that is read.
+  civil::GroundSearch groundSearch = civil::GroundSearch::AtOnce;
   /// Paths of the files that were written, in that order, each once; the saved files of the drawing behind them.
   std::vector<std::string> written;
   /// Paths of reports that weren't written since something stood there that was to be kept.

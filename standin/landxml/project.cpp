@@ -23,6 +23,7 @@ ReadOptions readOptions(const ProjectFile& file, const ProjectOptions& options) 
   read.swapAxes = file.swapAxes;
   read.namesAlone = options.namesAlone;
   read.threads = options.threads;
+  read.groundSearch = options.groundSearch;
   read.source = file.source;
   if (options.progress) {
     read.progress = [&file, &options](const Progress& progress) { return options.progress(file.path, progress); };

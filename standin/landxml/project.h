@@ -28,6 +28,7 @@ struct ProjectOptions {
   /// As in ReadOptions.
   bool namesAlone = false;
   unsigned threads = 0;
+  civil::GroundSearch groundSearch = civil::GroundSearch::AtOnce;
 };
 
 /// A file is in another unit of length than the drawing's first one, and nobody asked for it to be converted.

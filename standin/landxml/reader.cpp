@@ -190,7 +190,7 @@ civil::Drawing readScanned(ScannedDocument& scanned, std::uint64_t total, const 
   readSiteList(context, sites);
   readPoints(context);
   readCorridors(context, readAlignments(context, sites));
-  readSurfaces(context, scanned, lengthFactor, options.threads, goOn);
+  readSurfaces(context, scanned, lengthFactor, options, goOn);
   // Behind all that goes by the file's names.
   civil::tellSiblingsApart(drawing, [&](const std::string& text, civil::Handle ticket, civil::FileNumber) {
     const Context::Subject subject(context, ticket);

@@ -31,6 +31,8 @@ struct ReadOptions {
   /// Threads that read, with the caller's own; 0: as many as there are processors. What is read is the same for any number,
   /// to the last diagnostic. Where the system gives fewer, those read.
   unsigned threads = 0;
+  /// Whether surfaces are made ready for questions at places, for a caller that may ask none.
+  civil::GroundSearch groundSearch = civil::GroundSearch::AtOnce;
   /// Where the bytes are read from, for a drawing that is no file under its own path, which messages name all the same.
   /// Empty: from that path.
   std::string source = {};

@@ -640,6 +640,19 @@ TEST(TinSurface, IsTheSameWhoeverBuildsIt) {
       ASSERT_EQ(sampled(built, a, b), sampled(wanted, a, b));
     }
   }
+  // Also where the search is built by the first questions, asked by several threads at a time.
+  const TinSurface asked(t.points, t.triangles, inOrder, GroundSearch::WhenAsked);
+  EXPECT_EQ(asked.counts().overlappingEdges, wanted.counts().overlappingEdges);
+  EXPECT_TRUE(std::ranges::equal(asked.triangles(), wanted.triangles()));
+  std::vector<std::vector<Vec3>> answers(60);
+  inThreads(answers.size(), [&](std::size_t i) {
+    answers[i] = sampled(asked, {40.0 * static_cast<double>(i), -10.0}, {1300.0, 2610.0});
+  });
+  for (std::size_t i = 0; i < answers.size(); ++i) {
+    const Vec2 a{40.0 * static_cast<double>(i), -10.0};
+    EXPECT_EQ(answers[i], sampled(wanted, a, {1300.0, 2610.0})) << i;
+    EXPECT_EQ(asked.elevationAt(a), wanted.elevationAt(a)) << i;
+  }
   // What is wrong is told by its first place, whoever finds it.
   Tin bad = t;
   bad.triangles[100'000].b = -1;

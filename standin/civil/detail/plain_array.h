@@ -66,8 +66,14 @@ class SpareMemory {
     left_ = held->size() * sizeof(Item);
     memory_ = std::move(held);
   }
-  SpareMemory(SpareMemory&&) noexcept = default;
-  SpareMemory& operator=(SpareMemory&&) noexcept = default;
+  SpareMemory(SpareMemory&& other) noexcept { *this = std::move(other); }
+  SpareMemory& operator=(SpareMemory&& other) noexcept {
+    shrinkTo(0);
+    memory_ = std::move(other.memory_);
+    next_ = std::exchange(other.next_, nullptr);
+    left_ = std::exchange(other.left_, 0);
+    return *this;
+  }
   /// What is left goes back to the system, also while arrays still lie beside it.
   ~SpareMemory() { shrinkTo(0); }
   /// Keeps so many bytes for arrays to come; the rest goes back to the system.

@@ -80,9 +80,9 @@ void moveIntoPlace(const Context& context, std::vector<civil::Vec3>& points, dou
 
 }  // namespace
 
-void readSurfaces(Context& context, ScannedDocument& scanned, double lengthFactor, unsigned threads,
+void readSurfaces(Context& context, ScannedDocument& scanned, double lengthFactor, const ReadOptions& options,
                   const std::function<void()>& goOn) {
-  standin_platform::Crew crew(threads);
+  standin_platform::Crew crew(options.threads);
   const auto byCrew = [&](std::size_t count, const std::function<void(std::size_t)>& piece) { crew.run(count, piece); };
   eachChild(context.root, "Surfaces", [&](Node collection) {
     eachChild(collection, "Surface", [&](Node node) {
@@ -128,7 +128,8 @@ void readSurfaces(Context& context, ScannedDocument& scanned, double lengthFacto
         constexpr std::size_t kManyTriangles = 50'000;  // what takes threads longer to start than to do
         const bool isLarge = tin.faces.triangles.size() >= kManyTriangles;
         surface.surface = civil::TinSurface(std::move(tin.points), std::move(tin.faces.triangles),
-                                            isLarge ? civil::RunPieces(byCrew) : civil::RunPieces(civil::inOrder));
+                                            isLarge ? civil::RunPieces(byCrew) : civil::RunPieces(civil::inOrder),
+                                            options.groundSearch);
         const auto counts = surface.surface.counts();
         if (counts.degenerate > 0) {
           context.note(definition, speaker + ": " + std::to_string(counts.degenerate) +

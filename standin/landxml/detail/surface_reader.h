@@ -8,9 +8,9 @@
 namespace lvx::landxml::detail {
 
 /// All surfaces; takes the points and faces that streamed past out of `scanned`. `goOn` is asked before each index
-/// is built and throws to cancel. Lengths are multiplied by `lengthFactor`. So many threads build an index, as in
-/// ReadOptions.
-void readSurfaces(Context& context, ScannedDocument& scanned, double lengthFactor, unsigned threads,
+/// is built and throws to cancel. Lengths are multiplied by `lengthFactor`. Threads and when the index is built are those of
+/// `options`.
+void readSurfaces(Context& context, ScannedDocument& scanned, double lengthFactor, const ReadOptions& options,
                   const std::function<void()>& goOn);
 
 }  // namespace lvx::landxml::detail
