@@ -116,7 +116,9 @@ Started parse(const QStringList& arguments) {
   if (!parser.parse(arguments)) throw Failure(parser.errorText() + QStringLiteral(" See --help."));
 
   Started started;
-  if (parser.isSet(help)) started.answer = parser.helpText();
+  if (parser.isSet(help))
+    // Asked before there is an application, whose name Qt would take.
+    started.answer = parser.helpText().replace(QStringLiteral("<executable_name>"), QStringLiteral("lvxhost-desktop"));
   if (parser.isSet(version)) started.answer = QStringLiteral("lvxhost-desktop %1\n").arg(inQt(version::text()));
   options::Options values;
   values.common.host.language = QLocale::system().language() == QLocale::German ? "de" : "en";

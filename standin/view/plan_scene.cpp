@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <unordered_set>
 #include <utility>
@@ -390,19 +391,9 @@ const Point* PlanScene::nearestPoint(Vec2 place, double radius) const {
   return nearest;
 }
 
-std::optional<Hit> PlanScene::hit(Vec2 place, double radius, KindSet kinds) const {
-  if (!isFinite(place) || !(radius >= 0.0)) return std::nullopt;
-  if (kinds.has(ObjectKind::Point))
-    if (const Point* point = nearestPoint(place, radius)) return Hit{point->handle, ObjectKind::Point, nameOf(*point)};
-
+template <class Offer>
+void PlanScene::offerLines(Vec2 place, double radius, KindSet kinds, const Offer& offer) const {
   const Box near = grown({place.x, place.y, place.x, place.y}, radius);
-  std::optional<Hit> best;
-  double least = std::numeric_limits<double>::infinity();
-  const auto offer = [&](double distance, Handle handle, ObjectKind kind, const std::string& name) {
-    if (!(distance <= radius) || !(distance < least)) return;
-    least = distance;
-    best = Hit{handle, kind, name};
-  };
   if (kinds.has(ObjectKind::Alignment))
     for (const AlignmentShape& shape : alignments_)
       if (meet(shape.box, near))
@@ -419,16 +410,67 @@ std::optional<Hit> PlanScene::hit(Vec2 place, double radius, KindSet kinds) cons
         offer(
             std::min(shape.edges.distance(place, radius), shape.baselines.distance(place, radius) + kBaselineTolerance),
             shape.object->handle, ObjectKind::Corridor, shape.object->name);
-  if (kinds.has(ObjectKind::Surface)) {
+  if (kinds.has(ObjectKind::Surface))
     for (const SurfaceShape& shape : surfaces_)
       if (meet(shape.box, near))
         offer(shape.border.distance(place, radius), shape.object->handle, ObjectKind::Surface, shape.object->name);
-    if (best) return best;
-    for (auto shape = surfaces_.rbegin(); shape != surfaces_.rend(); ++shape)
-      if (holds(shape->box, place) && shape->object->surface.elevationAt(place))
-        return Hit{shape->object->handle, ObjectKind::Surface, shape->object->name};
+}
+
+std::optional<Hit> PlanScene::hit(Vec2 place, double radius, KindSet kinds) const {
+  if (!isFinite(place) || !(radius >= 0.0)) return std::nullopt;
+  if (kinds.has(ObjectKind::Point))
+    if (const Point* point = nearestPoint(place, radius)) return Hit{point->handle, ObjectKind::Point, nameOf(*point)};
+
+  std::optional<Hit> best;
+  double least = std::numeric_limits<double>::infinity();
+  offerLines(place, radius, kinds, [&](double distance, Handle handle, ObjectKind kind, const std::string& name) {
+    if (!(distance <= radius) || !(distance < least)) return;
+    least = distance;
+    best = Hit{handle, kind, name};
+  });
+  if (best || !kinds.has(ObjectKind::Surface)) return best;
+  for (auto shape = surfaces_.rbegin(); shape != surfaces_.rend(); ++shape)
+    if (holds(shape->box, place) && shape->object->surface.elevationAt(place))
+      return Hit{shape->object->handle, ObjectKind::Surface, shape->object->name};
+  return std::nullopt;
+}
+
+std::vector<Hit> PlanScene::hits(Vec2 place, double radius, KindSet kinds) const {
+  std::vector<Hit> found;
+  if (!isFinite(place) || !(radius >= 0.0)) return found;
+  std::vector<std::pair<double, Hit>> near;
+  const auto takeNear = [&] {
+    std::stable_sort(near.begin(), near.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (auto& entry : near) found.push_back(std::move(entry.second));
+    near.clear();
+  };
+  if (kinds.has(ObjectKind::Point)) {
+    std::vector<const Point*> points;
+    pointRuns_.visit(grown({place.x, place.y, place.x, place.y}, radius),
+                     [&](std::size_t first, std::size_t end, bool) {
+                       for (std::size_t i = first; i < end; ++i) points.push_back(&drawing_.points[pointOrder_[i]]);
+                       return true;
+                     });
+    // Of points at one place the last goes first, which is drawn over the others.
+    std::sort(points.begin(), points.end(), std::greater<>());
+    for (const Point* const point : points) {
+      const double distance = length(placeOf(*point) - place);
+      if (distance <= radius) near.emplace_back(distance, Hit{point->handle, ObjectKind::Point, nameOf(*point)});
+    }
+    takeNear();
   }
-  return best;
+  offerLines(place, radius, kinds, [&](double distance, Handle handle, ObjectKind kind, const std::string& name) {
+    if (distance <= radius) near.emplace_back(distance, Hit{handle, kind, name});
+  });
+  takeNear();
+  if (!kinds.has(ObjectKind::Surface)) return found;
+  const auto isFound = [&](Handle handle) {
+    return std::any_of(found.begin(), found.end(), [&](const Hit& hit) { return hit.handle == handle; });
+  };
+  for (auto shape = surfaces_.rbegin(); shape != surfaces_.rend(); ++shape)
+    if (holds(shape->box, place) && !isFound(shape->object->handle) && shape->object->surface.elevationAt(place))
+      found.push_back({shape->object->handle, ObjectKind::Surface, shape->object->name});
+  return found;
 }
 
 std::vector<Handle> PlanScene::inside(const Box& box, bool crossing, KindSet kinds) const {

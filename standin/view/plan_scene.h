@@ -116,6 +116,10 @@ class PlanScene {
   /// drawn and never hit. Quick enough for every move of the mouse: O(alignments + sample lines + log points).
   [[nodiscard]] std::optional<Hit> hit(civil::Vec2 place, double radius, KindSet kinds = {}) const;
 
+  /// All that lies there, one above the other: in the order in which hit() prefers them, its answer first. Points cost
+  /// O(log points + those within `radius`), the others what they cost hit().
+  [[nodiscard]] std::vector<Hit> hits(civil::Vec2 place, double radius, KindSet kinds = {}) const;
+
   /// What lies wholly in the box, with `crossing` also what has a part in it; alignments and their sample lines first,
   /// then surfaces, points, corridors, each in drawing order. O(objects + points in the box).
   [[nodiscard]] std::vector<civil::Handle> inside(const civil::Box& box, bool crossing, KindSet kinds = {}) const;
@@ -132,6 +136,9 @@ class PlanScene {
   [[nodiscard]] const Named* find(civil::Handle handle) const;
   [[nodiscard]] const civil::Point* findPoint(civil::Handle handle) const;
   [[nodiscard]] const civil::Point* nearestPoint(civil::Vec2 place, double radius) const;
+  /// Everything but points that may lie within `radius`, with its distance; surfaces by their borders.
+  template <class Offer>
+  void offerLines(civil::Vec2 place, double radius, KindSet kinds, const Offer& offer) const;
 
   const civil::Drawing& drawing_;
   std::vector<AlignmentShape> alignments_;

@@ -152,6 +152,14 @@ Lines SectionCorridor::lines() const {
   return lines;
 }
 
+std::optional<double> SectionModel::levelAtAxis() const {
+  for (const SectionGround& ground : grounds)
+    if (const auto elevation = elevationAt(ground.lines, 0.0)) return elevation;
+  const civil::Box all = box();
+  if (all.isEmpty()) return std::nullopt;
+  return (all.minY + all.maxY) / 2.0;
+}
+
 civil::Box SectionModel::box() const {
   civil::Box box;
   for (const SectionGround& ground : grounds) extend(box, ground.lines);

@@ -76,6 +76,9 @@ struct SectionModel {
   /// The corridors that have a section at the line's station.
   std::vector<SectionCorridor> corridors;
 
+  /// How high the lines lie at the alignment: the first ground there, else the middle of what is
+  /// drawn. Empty where there is nothing.
+  [[nodiscard]] std::optional<double> levelAtAxis() const;
   /// Of all that is drawn; empty where there is nothing.
   [[nodiscard]] civil::Box box() const;
   /// The nearest point at most one reach away, of those whose owner `isShown` takes; corridors before ground.

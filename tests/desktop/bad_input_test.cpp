@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <fstream>
 
+#include "civil/reversible_change.h"
+#include "desktop/shell/edits.h"
 #include "host/dialog_controls.h"
 #include "program_window.h"
 #include "report_user.h"
@@ -161,6 +163,63 @@ TEST(ChangingDrawing, ThatWasReplacedIsSavedElsewhereAsItWasOpened) {
   EXPECT_EQ(fileBytes(drawing.toStdString()), "<LandXML version=\"1.2\"/>\n") << "another program's work";
 }
 
+/// Presses a button of the question about a file that another program changed.
+void answerChangedByOthers(ProgramWindow& program, const char* button) {
+  QWidget* const box = program.waitForNamed("changedByOthers");
+  ASSERT_NE(box, nullptr);
+  program.user.click(program.button(box, button));
+  ASSERT_TRUE(program.user.waitFor([&] { return QApplication::activeModalWidget() != box; }));
+}
+
+/// A drawing with a change that isn't saved, which another program wrote over in its place.
+struct WrittenOver {
+  WrittenOver() : drawing(copyOfExample(folder)), program(drawing) {
+    onGui([&] { program.window->edits().make(QStringLiteral("Points"), civil::addingPointGroup("Rescued", {1, 2})); });
+    const Notice notice(program);
+    write(drawing.toStdString(), others);
+    EXPECT_TRUE(program.user.waitFor([&] { return notice.bar->isVisible(); }));
+  }
+  static bool hasGroup(const std::filesystem::path& file) {
+    return fileBytes(file).find("\"Rescued\"") != std::string::npos;
+  }
+
+  const TemporaryFolder folder;
+  const std::string others = "<LandXML version=\"1.2\"/>\n";
+  QString drawing;
+  ProgramWindow program;
+};
+
+TEST(WrittenOverDrawing, IsSavedElsewhereWithItsChangesOntoWhatWasRead) {
+  WrittenOver over;
+  over.program.enter("saveas " + (over.folder / "rescued").string());
+  ASSERT_TRUE(over.program.waitUntilSaid("rescued.xml is saved")) << over.program.said();
+  EXPECT_TRUE(WrittenOver::hasGroup(over.folder / "rescued.xml"));
+  EXPECT_NE(fileBytes(over.folder / "rescued.xml").find("Mill lane"), std::string::npos);
+  EXPECT_EQ(fileBytes(over.drawing.toStdString()), over.others) << "another program's work";
+  EXPECT_FALSE(onGui([&] { return over.program.window->isWindowModified(); }));
+}
+
+TEST(WrittenOverDrawing, AsksWhatToDoWhenItIsSaved) {
+  WrittenOver over;
+  over.program.enter("save");
+  answerChangedByOthers(over.program, "Cancel");
+  ASSERT_TRUE(over.program.waitUntilSaid("isn't saved: it was changed by another program"));
+  EXPECT_EQ(fileBytes(over.drawing.toStdString()), over.others);
+  EXPECT_TRUE(onGui([&] { return over.program.window->isWindowModified(); }));
+
+  over.program.enter("save");
+  answerChangedByOthers(over.program, "Save as…");
+  ASSERT_NE(over.program.user.waitForActiveWindow(QStringLiteral("Save the drawing as")), nullptr);
+  over.program.user.key(Qt::Key_Escape);
+  ASSERT_TRUE(over.program.user.waitFor([] { return QApplication::activeModalWidget() == nullptr; }));
+
+  over.program.enter("save");
+  answerChangedByOthers(over.program, "Replace the file");
+  ASSERT_TRUE(over.program.user.waitFor([&] { return !over.program.window->isWindowModified(); }));
+  EXPECT_TRUE(WrittenOver::hasGroup(over.drawing.toStdString()));
+  EXPECT_NE(fileBytes(over.drawing.toStdString()).find("Mill lane"), std::string::npos);
+}
+
 // ---------------------------------------------------------------- places that can't be written
 
 /// What the box about a drawing that can't be saved says; closes it.
@@ -196,6 +255,27 @@ TEST(Saving, WhereNothingCanBeWrittenIsToldWithWhatToDoAndLeavesTheDrawingOpen) 
   EXPECT_EQ(fileBytes(program.folder / "file"), "text");
   for (const auto& entry : std::filesystem::directory_iterator(program.folder.path()))
     EXPECT_EQ(entry.path().filename().string().find(".lvx"), std::string::npos) << entry.path();
+}
+
+TEST(Saving, AddsTheEndingBeforeItAsks) {
+  ProgramWindow program;
+  write(program.folder / "mine.xml", "text");
+  program.user.key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+  ASSERT_NE(program.user.waitForActiveWindow(QStringLiteral("Save the drawing as")), nullptr);
+  program.user.type((program.folder / "mine").string());
+  program.user.key(Qt::Key_Return);
+  QWidget* const box = program.waitForNamed("replaceQuestion");
+  ASSERT_NE(box, nullptr);
+  program.user.key(Qt::Key_Escape);
+  ASSERT_NE(program.user.waitForActiveWindow(QStringLiteral("Save the drawing as")), nullptr);
+  EXPECT_EQ(fileBytes(program.folder / "mine.xml"), "text");
+  program.user.key(Qt::Key_Return);
+  QWidget* const again = program.waitForNamed("replaceQuestion");
+  ASSERT_NE(again, nullptr);
+  program.user.click(program.button(again, "Replace"));
+  ASSERT_TRUE(program.waitUntilSaid("mine.xml is saved"));
+  EXPECT_TRUE(fileBytes(program.folder / "mine.xml") == fileBytes(kExample.toStdString()));
+  EXPECT_FALSE(std::filesystem::exists(program.folder / "mine"));
 }
 
 TEST(Saving, OffersAnotherPlaceRightAway) {

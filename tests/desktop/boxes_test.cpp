@@ -17,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include "desktop/common/file_boxes.h"
 #include "desktop/dialogs/dialog_runner.h"
 #include "desktop_user/desktop_user.h"
 #include "running_dialog.h"
@@ -228,10 +229,10 @@ class SaveBoxTest : public BoxesTest {
  protected:
   SaveBoxTest() {
     for (const char* name : {"old.txt", "page.html", "page2.htm", "bare"}) std::ofstream(folder_ / name) << name;
-    onGui([this] { desktop::setSaveFolder(folder()); });
+    onGui([this] { desktop::setDrawingFolder(folder()); });
   }
   ~SaveBoxTest() override {
-    onGui([] { desktop::setSaveFolder({}); });
+    onGui([] { desktop::setDrawingFolder({}); });
   }
   [[nodiscard]] QString folder() const {
     return QFileInfo(QString::fromStdString(folder_.path().string())).canonicalFilePath();
@@ -305,7 +306,7 @@ TEST_F(SaveBoxTest, AsksAboutAFileThatIsNotThereWhereTheCommandWantsThat) {
   EXPECT_EQ(again->answer(user_), at("old.txt")) << "a file that is there is nobody's question here";
 }
 
-TEST_F(SaveBoxTest, StartsInTheFolderOfTheLastChoiceAndInTheUsersOwnWhereThatHasGone) {
+TEST_F(SaveBoxTest, StartsInTheFolderOfTheLastChoiceElseOfTheDrawingElseInTheUsersOwn) {
   QDir(folder()).mkdir(QStringLiteral("below"));
   {
     const auto asking = askPath();
@@ -314,7 +315,7 @@ TEST_F(SaveBoxTest, StartsInTheFolderOfTheLastChoiceAndInTheUsersOwnWhereThatHas
     user_.key(Qt::Key_Return);
     EXPECT_EQ(asking->answer(user_), at("below/x.txt"));
   }
-  EXPECT_EQ(onGui([] { return desktop::saveFolder(); }), at("below"));
+  EXPECT_EQ(onGui([] { return desktop::startFolder(desktop::FilePurpose::Report); }), at("below"));
   {
     const auto asking = askPath();
     auto* const box = active<QFileDialog>("saveBox");
@@ -324,12 +325,17 @@ TEST_F(SaveBoxTest, StartsInTheFolderOfTheLastChoiceAndInTheUsersOwnWhereThatHas
     EXPECT_FALSE(asking->answer(user_).has_value());
   }
   QDir(folder()).rmdir(QStringLiteral("below"));
-  const auto asking = askPath();
-  auto* const box = active<QFileDialog>("saveBox");
-  ASSERT_NE(box, nullptr);
-  EXPECT_EQ(onGui([&] { return box->directory().absolutePath(); }), QDir::homePath());
-  user_.key(Qt::Key_Escape);
-  EXPECT_FALSE(asking->answer(user_).has_value());
+  const auto expectStartIn = [&](const QString& start) {
+    const auto asking = askPath();
+    auto* const box = active<QFileDialog>("saveBox");
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(onGui([&] { return box->directory().absolutePath(); }), start);
+    user_.key(Qt::Key_Escape);
+    EXPECT_FALSE(asking->answer(user_).has_value());
+  };
+  expectStartIn(folder());
+  onGui([] { desktop::setDrawingFolder({}); });
+  expectStartIn(QDir::homePath());
 }
 
 TEST_F(SaveBoxTest, TakesAFolderInItsWayAsAStep) {

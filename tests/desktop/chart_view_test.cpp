@@ -16,6 +16,7 @@
 #include <QXmlStreamReader>
 #include <cmath>
 #include <csignal>
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -596,6 +597,33 @@ TEST_F(SectionViewTest, ExportsByItsButtonToTheNameThatIsTyped) {
   EXPECT_TRUE(user_.waitFor([&] { return QFileInfo(QString::fromStdString(path)).size() > 0; }));
   EXPECT_TRUE(contentOf(path).startsWith("%PDF-"));
   ASSERT_NE(user_.waitForActiveWindow(QStringLiteral("Chart")), nullptr);
+}
+
+TEST_F(SectionViewTest, AsksBeforeItReplacesAFileWhoseEndingWasAdded) {
+  const TemporaryFolder folder;
+  const std::string path = folder / "section 1+020.000.pdf";
+  std::ofstream(path) << "mine";
+  const auto chosen = [&] {
+    user_.click(view_.part<QToolButton>("export"));
+    EXPECT_NE(user_.waitForActiveWindow(QStringLiteral("Export the chart")), nullptr);
+    user_.key(Qt::Key_A, Qt::ControlModifier);
+    user_.type(folder / "section 1+020.000");  // the decimals are no ending
+    user_.key(Qt::Key_Return);
+    EXPECT_TRUE(user_.waitFor([] {
+      const QWidget* const open = QApplication::activeModalWidget();
+      return open != nullptr && open->objectName() == QStringLiteral("replaceQuestion") && open->isActiveWindow();
+    }));
+  };
+  chosen();
+  user_.key(Qt::Key_Escape);
+  ASSERT_NE(user_.waitForActiveWindow(QStringLiteral("Export the chart")), nullptr) << "a No returns to the box";
+  user_.key(Qt::Key_Escape);
+  ASSERT_NE(user_.waitForActiveWindow(QStringLiteral("Chart")), nullptr);
+  EXPECT_EQ(contentOf(path), "mine");
+  chosen();
+  user_.key(Qt::Key_R, Qt::AltModifier);
+  EXPECT_TRUE(user_.waitFor([&] { return contentOf(path).startsWith("%PDF-"); }));
+  EXPECT_FALSE(QFileInfo::exists(QString::fromStdString(folder / "section 1+020.000")));
 }
 
 TEST_F(SectionViewTest, CopiesItsPictureFromTheMenu) {

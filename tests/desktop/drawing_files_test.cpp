@@ -173,7 +173,8 @@ TEST_F(DrawingFiles, EachTakesItsOwnChangesWhenTheDrawingIsSaved) {
   EXPECT_EQ(second.siteless.alignments[0]->sampleLineGroups[0].name, "Mine");
   EXPECT_TRUE(second.pointGroups.empty());
   // Nobody else changed them.
-  EXPECT_FALSE(onGui([&] { return program.window->findChild<desktop::NoticeBar*>()->isVisible(); }));
+  EXPECT_FALSE(
+      onGui([&] { return program.window->findChild<desktop::NoticeBar*>(QStringLiteral("noticeBar"))->isVisible(); }));
 }
 
 TEST_F(DrawingFiles, AnAddedOneIsAskedAboutBeforeSaveAsChangesIt) {
@@ -282,7 +283,8 @@ TEST_F(DrawingFiles, AChangeOfAnAddedOneIsToldWithItsNameAndReadAgain) {
   ProgramWindow program(road);
   add(program, points);
   ASSERT_TRUE(waitForFiles(program, 2));
-  auto* const notice = onGui([&] { return program.window->findChild<desktop::NoticeBar*>(); });
+  auto* const notice =
+      onGui([&] { return program.window->findChild<desktop::NoticeBar*>(QStringLiteral("noticeBar")); });
   writeDrawing(folder, "points.xml",
                drawingIn("meter", "<CgPoints><CgPoint name=\"1\">10 20 100</CgPoint></CgPoints>"));
   ASSERT_TRUE(program.user.waitFor([&] { return notice->isVisible(); }));

@@ -1,6 +1,7 @@
 // The tree of the drawing's objects with its find box.
 #include "desktop/panels/drawing_tree.h"
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QTreeView>
 #include <chrono>
@@ -72,6 +73,7 @@ class Tree : public testing::Test {
       QObject::connect(widget, &DrawingTree::clicked, widget, [this](quint64 handle) { clicked.push_back(handle); });
       QObject::connect(widget, &DrawingTree::activated, widget,
                        [this](quint64 handle) { activated.push_back(handle); });
+      QObject::connect(widget, &DrawingTree::jumped, widget, [this](quint64 handle) { jumped.push_back(handle); });
       widget->setDrawing(drawing.get());
       view = widget->findChild<QTreeView*>(QStringLiteral("treeView"));
       find = widget->findChild<QLineEdit*>(QStringLiteral("treeFind"));
@@ -117,6 +119,7 @@ class Tree : public testing::Test {
   std::vector<quint64> selected;
   std::vector<quint64> clicked;
   std::vector<quint64> activated;
+  std::vector<quint64> jumped;
 };
 
 TEST_F(Tree, ShowsTheHeadingsWithTheirCountsAndTheAlignmentsOfNoSiteApart) {
@@ -177,6 +180,62 @@ TEST_F(Tree, ShowsAllAgainWhenTheFindBoxIsEmptied) {
   user.key(Qt::Key_Escape);
   ASSERT_TRUE(user.waitFor([&] { return view->model()->rowCount() == 5; }));
   EXPECT_GE(before, 5U);
+}
+
+TEST_F(Tree, EnterGoesFromHitToHitAndRoundTheEnd) {
+  user.click(find);
+  user.type("main");
+  auto* const found = onGui([&] { return widget->findChild<QLabel*>(QStringLiteral("treeFound")); });
+  ASSERT_TRUE(user.waitFor([&] { return found->text() == QStringLiteral("2 found: Enter goes to the next"); }))
+      << found->text().toStdString();
+  for (std::size_t count = 1; count <= 3; ++count) {
+    user.key(Qt::Key_Return);
+    ASSERT_TRUE(user.waitFor([&] { return jumped.size() == count; }));
+  }
+  const civil::AlignmentObject& road = *drawing->sites.front().alignments.front();
+  EXPECT_EQ(jumped, (std::vector<quint64>{road.handle, road.profiles.front().handle, road.handle}));
+  EXPECT_TRUE(onGui([&] { return find->hasFocus(); })) << "one goes on by Enter";
+}
+
+TEST_F(Tree, FindsPointsByNumberAndByNameAndSaysWhereNothingIs) {
+  onGui([&] {
+    drawing->points.push_back({900'001, 17, 0, {1, 2, 3}, {}, true});
+    drawing->points.push_back({900'002, 18, 0, {1, 2, 3}, {"GP-a", "", ""}, true});
+    widget->setDrawing(drawing.get());
+  });
+  auto* const found = onGui([&] { return widget->findChild<QLabel*>(QStringLiteral("treeFound")); });
+  const auto look = [&](const char* text, const char* answer) {
+    onGui([&] { find->clear(); });
+    user.click(find);
+    user.type(text);
+    EXPECT_TRUE(user.waitFor([&] { return found->text() == QString::fromUtf8(answer); }))
+        << found->text().toStdString();
+    user.key(Qt::Key_Return);
+  };
+  look("17", "Point 17 and 299 more: Enter goes to the next");
+  EXPECT_TRUE(user.waitFor([&] { return jumped == std::vector<quint64>{900'001}; }));
+  look("GP-a", "Point GP-a: Enter shows it");
+  EXPECT_TRUE(user.waitFor([&] { return jumped.size() == 2; }));
+  look("no such thing", "Nothing found");
+  onGui([&] { find->clear(); });
+  EXPECT_TRUE(user.waitFor([&] { return !found->isVisible(); }));
+  EXPECT_EQ(jumped.size(), 2U);
+}
+
+TEST_F(Tree, StandsAsItStoodWhenNothingIsLookedForAnyMore) {
+  clickRow("Track");
+  onGui([&] { view->collapse(named("Sites")); });
+  const std::vector<std::string> before = rows();
+  user.click(find);
+  user.type("design");
+  const auto isAsBefore = [&] {
+    std::vector<std::string> now;
+    listRows(*view, {}, 0, now);
+    return now == before;
+  };
+  ASSERT_TRUE(user.waitFor([&] { return !isAsBefore(); }));
+  user.key(Qt::Key_Escape);
+  EXPECT_TRUE(user.waitFor(isAsBefore));
 }
 
 TEST_F(Tree, TellsWhatWasSelectedByMouseAndByKeyboard) {

@@ -1,13 +1,18 @@
 // The program's window: a drawing and its parts, commands by menu and by name, a whole report.
+#include <QAccessible>
+#include <QAccessibleInterface>
 #include <QComboBox>
+#include <QDialog>
 #include <QDrag>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QTableView>
+#include <QToolButton>
 #include <QTreeView>
 #include <QUrl>
 #include <cstdlib>
+#include <fstream>
 #include <map>
 
 #include "desktop/charts/profile_view.h"
@@ -97,6 +102,89 @@ TEST(MainWindow, TellsStationAndOffsetUnderTheMouse) {
   const std::string station = statusOf(program, "station");
   EXPECT_EQ(station.rfind("Valley road:  station ", 0), 0U) << station;
   EXPECT_TRUE(station.ends_with("left") || station.ends_with("right")) << station;
+  EXPECT_EQ(station.find('-'), std::string::npos) << station << ": a word tells the side, and no sign beside it";
+}
+
+TEST(MainWindow, ReadsADrawingAgainAndStaysWhereTheUserWas) {
+  const TemporaryFolder folder;
+  const QString drawing = copyOfExample(folder);
+  ProgramWindow program(drawing);
+  auto* const plan = onGui([&] { return &program.window->plan(); });
+  auto* const tree = program.part<QTreeView>("treeView");
+  auto* const section = onGui([&] { return program.window->findChild<desktop::SectionView*>(); });
+  clickTree(program, "1+020", true);
+  ASSERT_TRUE(program.user.waitFor([&] { return section->sampleLine() != 0; }));
+  const auto centre = onGui([&] { return plan->viewport().centre(); });
+  const double scale = onGui([&] { return plan->viewport().scale(); });
+  const auto current = [&] { return tree->currentIndex().data().toString().toStdString(); };
+  const std::string chosen = onGui(current);
+  // Before the alignments, so that handles are others behind it.
+  std::string text = fileBytes(drawing.toStdString());
+  const auto* const former = onGui([&] { return program.window->session().drawing().get(); });
+  std::ofstream(drawing.toStdString(), std::ios::binary) << text + "\n";
+  program.user.key(Qt::Key_F5);
+  ASSERT_TRUE(program.user.waitFor(
+      [&] { return program.window->session().drawing() && program.window->session().drawing().get() != former; }));
+  EXPECT_TRUE(program.user.waitFor([&] { return current() == chosen; })) << onGui(current);
+  EXPECT_TRUE(program.user.waitFor([&] { return section->sampleLine() != 0; }));
+  EXPECT_EQ(onGui([&] { return plan->viewport().scale(); }), scale);
+  EXPECT_EQ(onGui([&] { return plan->viewport().centre().x; }), centre.x);
+  EXPECT_EQ(onGui([&] { return plan->viewport().centre().y; }), centre.y);
+}
+
+TEST(MainWindow, APanelThatIsOpenedComesToTheFront) {
+  ProgramWindow program;
+  auto* const dock = program.part<QDockWidget>("diagnosticsDock");
+  onGui([&] { dock->hide(); });
+  onGui([&] { dock->toggleViewAction()->trigger(); });
+  EXPECT_TRUE(program.user.waitFor([&] { return !dock->visibleRegion().isEmpty(); }));
+}
+
+TEST(MainWindow, OpensTheHelpByItsKeyWhileAQuestionWaits) {
+  ProgramWindow program;
+  program.enter("open /no/such/drawing.xml");
+  QWidget* const box = program.waitForNamed("openFailed");
+  ASSERT_NE(box, nullptr);
+  program.user.key(Qt::Key_F1);
+  QWidget* const help = program.waitForNamed("helpWindow");
+  ASSERT_NE(help, nullptr);
+  EXPECT_TRUE(onGui([&] { return box->isVisible(); }));
+  program.user.key(Qt::Key_Escape);
+  onGui([&] {
+    help->hide();
+    static_cast<QDialog*>(box)->reject();
+  });
+  EXPECT_TRUE(program.user.waitFor([] { return QApplication::activeModalWidget() == nullptr; }));
+}
+
+TEST(MainWindow, NamesEverythingForAScreenReader) {
+  ProgramWindow program;
+  clickTree(program, "1+020");
+  const QStringList unnamed = onGui([&] {
+    QStringList found;
+    for (const QWidget* const widget : program.window->findChildren<QWidget*>()) {
+      const QString kind = QLatin1String(widget->metaObject()->className());
+      const bool isPartOfQt = widget->objectName().startsWith(QLatin1String("qt_")) ||
+                              kind == QLatin1String("QComboBoxListView") || kind == QLatin1String("QTabBar");
+      if ((widget->focusPolicy() & Qt::TabFocus) == 0 || isPartOfQt) continue;
+      QAccessibleInterface* const face = QAccessible::queryAccessibleInterface(const_cast<QWidget*>(widget));
+      const QString name = face == nullptr ? QString() : face->text(QAccessible::Name);
+      if (name.isEmpty() || name.contains(QLatin1Char('<')))
+        found << QStringLiteral("%1 '%2': '%3'")
+                     .arg(QLatin1String(widget->metaObject()->className()), widget->objectName(), name);
+    }
+    for (const QToolButton* const button : program.window->findChildren<QToolButton*>()) {
+      QAccessibleInterface* const face = QAccessible::queryAccessibleInterface(const_cast<QToolButton*>(button));
+      const QString name = face->text(QAccessible::Name);
+      // The marks in an edit's frame are part of the edit, and those of a tab bar of that.
+      if (qobject_cast<QLineEdit*>(button->parent()) != nullptr || button->parent()->inherits("QTabBar")) continue;
+      if (!button->objectName().startsWith(QLatin1String("qt_")) && (name.isEmpty() || name.contains(QLatin1Char('<'))))
+        found << QStringLiteral("button '%1' in %2: '%3'")
+                     .arg(button->objectName(), QLatin1String(button->parent()->metaObject()->className()), name);
+    }
+    return found;
+  });
+  EXPECT_TRUE(unnamed.isEmpty()) << unnamed.join(QLatin1Char('\n')).toStdString();
 }
 
 TEST(MainWindow, MeasuresAgainstTheAlignmentThatWasSelected) {

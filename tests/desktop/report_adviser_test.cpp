@@ -13,7 +13,7 @@ namespace {
 
 std::string noticeOf(const ProgramWindow& program) {
   return onGui([&] {
-    const auto* const bar = program.window->findChild<desktop::NoticeBar*>();
+    const auto* const bar = program.window->findChild<desktop::NoticeBar*>(QStringLiteral("noticeBar"));
     return bar->isVisible() ? bar->text().toStdString() : std::string();
   });
 }

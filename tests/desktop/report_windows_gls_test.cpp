@@ -86,6 +86,7 @@ TEST_F(GlsWindows, TakeAProfileThatIsClickedInItsViewOrInTheTree) {
   user.clickTree("Valley road ground");
   user.expectDialog();
   EXPECT_EQ(user.rows(host::kIdProfiles), "[Valley road ground]|Valley road design");
+  EXPECT_TRUE(user.program.waitUntilSaid("Picked: Profile Valley road ground"));
 
   user.press(host::kIdPickProfile);
   user.expectPrompt(kPrompt);
@@ -97,6 +98,21 @@ TEST_F(GlsWindows, TakeAProfileThatIsClickedInItsViewOrInTheTree) {
   finish(host::kIdCancel);
   ReportUser::expectAsTheLineWrites(
       user.stem(), gls(kExample.toStdString(), "Valley road", "Valley road design", "Cross sections 20 m"));
+}
+
+TEST_F(GlsWindows, BringTheProfilesOfTheDialogsAlignmentToTheFrontForAPick) {
+  startWithRoad();
+  auto* const view = onGui([&] { return user.program.window->findChild<desktop::ProfileView*>(); });
+  auto* const dock = user.program.part<QDockWidget>("sectionDock");
+  user.choose(host::kIdAlignments, "Mill lane");
+  onGui([&] { dock->raise(); });
+  EXPECT_TRUE(user.program.user.waitFor([&] { return view->visibleRegion().isEmpty(); }));
+  user.press(host::kIdPickProfile);
+  user.expectPrompt(kPrompt);
+  EXPECT_TRUE(user.program.user.waitFor([&] { return !view->visibleRegion().isEmpty(); }));
+  EXPECT_EQ(onGui([&] { return view->alignment(); }), user.alignment("Mill lane").handle);
+  user.program.user.key(Qt::Key_Escape);
+  user.expectDialog();
 }
 
 TEST_F(GlsWindows, TakeAProfileOfAnotherAlignmentWithThatAlignment) {

@@ -444,6 +444,58 @@ TEST(ProjectionWindows, TellWhyAReadOnlyPlaceTakesNoReport) {
   EXPECT_NE(user.program.said().find("/proc/lvx-report.txt was not written"), std::string::npos);
 }
 
+TEST(ProjectionWindows, OpenTheirHelpByItsKeyToo) {
+  ReportUser user;
+  user.start(kCommand, host::kProjectionDialog);
+  user.program.user.key(Qt::Key_F1);
+  EXPECT_NE(user.program.waitForNamed("helpWindow"), nullptr);
+}
+
+TEST(ProjectionWindows, TellInABarOverThePlanWhatWasWritten) {
+  ReportUser user;
+  user.start(kCommand, host::kProjectionDialog);
+  chooseRoad(user);
+  user.typeStem(user.stem());
+  user.press(host::kIdOk);
+  ASSERT_TRUE(user.waitForEnd());
+  auto* const bar = user.program.part("outcomeBar");
+  auto* const text = user.program.part<QLabel>("outcomeText");
+  ASSERT_TRUE(user.program.user.waitFor([&] { return bar->isVisible(); }));
+  EXPECT_EQ(onGui([&] { return text->text().toStdString(); }),
+            "Profile projection wrote report.txt, report.xls, report.html.");
+  user.program.user.click(user.program.part<QPushButton>("outcomeFirst"));
+  ASSERT_TRUE(user.program.user.waitFor([] { return QApplication::activePopupWidget() != nullptr; }));
+  user.program.user.key(Qt::Key_Down);
+  user.program.user.key(Qt::Key_Return);
+  EXPECT_NE(user.program.waitForNamed("textWindow"), nullptr);
+  user.program.user.key(Qt::Key_Escape);
+  // The next command begins without it.
+  user.start(kCommand, host::kProjectionDialog);
+  EXPECT_FALSE(onGui([&] { return bar->isVisible(); }));
+  user.press(host::kIdCancel);
+  ASSERT_TRUE(user.waitForEnd());
+  EXPECT_FALSE(onGui([&] { return bar->isVisible(); })) << "nothing came of it";
+}
+
+TEST(ProjectionWindows, TellInABarOverThePlanWhatWasNotWritten) {
+  ReportUser user;
+  const std::filesystem::path stem = user.stem();
+  std::filesystem::create_directory(stem.string() + ".txt");
+  user.start(kCommand, host::kProjectionDialog);
+  chooseRoad(user);
+  user.typeStem(stem);
+  user.press(host::kIdOk);
+  user.answer(user.expectBox("messageBox", QMessageBox::Question, "report.txt already exists"), "Yes");
+  user.answer(user.expectBox("notWritten", QMessageBox::Warning, systemWords(EISDIR)), "OK");
+  ASSERT_TRUE(user.waitForEnd());
+  auto* const bar = user.program.part("outcomeBar");
+  auto* const label = user.program.part<QLabel>("outcomeText");
+  const std::string text = onGui([&] { return label->text().toStdString(); });
+  EXPECT_TRUE(onGui([&] { return bar->isVisible(); }));
+  EXPECT_NE(text.find("Not written: " + stem.string() + ".txt: " + systemWords(EISDIR)), std::string::npos) << text;
+  EXPECT_NE(text.find("Profile projection wrote report.xls, report.html."), std::string::npos) << text;
+}
+
 TEST(ProjectionWindows, TellThatAPlaceIsFullAndLeaveNothingHalfWritten) {
   ReportUser user;
   const std::filesystem::path stem = user.stem();

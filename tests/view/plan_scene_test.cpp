@@ -101,6 +101,25 @@ std::string nameAt(const PlanScene& scene, Vec2 place, double radius, KindSet ki
   return hit->name;
 }
 
+TEST(PlanScene, FindsAllThatLiesOneAboveTheOtherInTheOrderOfHits) {
+  const Drawing made = drawing();
+  const PlanScene scene(made);
+  std::size_t several = 0;
+  for (double x = -600; x <= 600; x += 10)
+    for (double y = -300; y <= 300; y += 10) {
+      const auto first = scene.hit({x, y}, 8.0);
+      const std::vector<Hit> hits = scene.hits({x, y}, 8.0);
+      ASSERT_EQ(hits.empty(), !first) << x << ' ' << y;
+      if (hits.empty()) continue;
+      EXPECT_EQ(hits.front(), *first) << x << ' ' << y;
+      if (hits.size() > 1) ++several;
+      for (std::size_t i = 0; i < hits.size(); ++i)
+        for (std::size_t k = i + 1; k < hits.size(); ++k) EXPECT_NE(hits[i].handle, hits[k].handle);
+    }
+  EXPECT_GT(several, 10U);
+  EXPECT_TRUE(scene.hits({0, 0}, -1.0).empty());
+}
+
 TEST(PlanScene, NamesEveryObject) {
   const Drawing made = drawing();
   const PlanScene scene(made);
@@ -404,6 +423,30 @@ TEST(PlanPoints, AreHitAtTheNearest) {
       }
     const auto hit = scene.hit(place, 10);
     EXPECT_EQ(hit ? hit->handle : 0, least <= 10 ? nearest : 0);
+  }
+}
+
+TEST(PlanPoints, AllThatLieThereAreFoundTheNearestFirst) {
+  auto random = test::seededByTestName();
+  const Drawing made = manyPoints(3000, random);
+  const PlanScene scene(made);
+  std::uniform_real_distribution<double> any(-400, 400);
+  for (int i = 0; i < 200; ++i) {
+    const Vec2 place{2'600'000 + any(random), 1'200'000 + any(random)};
+    std::vector<std::pair<double, Handle>> near;
+    for (const civil::Point& point : made.points) {
+      const double d = length(Vec2{point.position.x, point.position.y} - place);
+      if (d <= 40) near.emplace_back(d, point.handle);
+    }
+    std::sort(near.begin(), near.end());
+    const std::vector<Hit> hits = scene.hits(place, 40);
+    ASSERT_EQ(hits.size(), near.size());
+    for (std::size_t at = 0; at < hits.size(); ++at) EXPECT_EQ(hits[at].handle, near[at].second);
+    const auto first = scene.hit(place, 40);
+    EXPECT_EQ(hits.empty(), !first);
+    if (first && !hits.empty()) {
+      EXPECT_EQ(hits.front(), *first);
+    }
   }
 }
 

@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "desktop/common/scheme.h"
+
 namespace lvx::desktop {
 
 using civil::Vec2;
@@ -72,6 +74,13 @@ void ChartCanvas::chartChanged(bool keepsPlace) {
   changed();
 }
 
+void ChartCanvas::shift(civil::Vec2 by) {
+  if (isFitted_) return;
+  port_.setCentre(port_.centre() + by);
+  refreshPointer();
+  changed();
+}
+
 void ChartCanvas::repaintTo(QPainter& target, const QRectF& area, const ChartLook& look) const {
   const ChartPainter chart(owner_.chart(), look, pixelFont());
   // The same part of the chart at the same size, however large the margins of the look's font are.
@@ -101,6 +110,7 @@ void ChartCanvas::paintEvent(QPaintEvent*) {
   }
   QPainter painter(this);
   painter.drawPixmap(0, 0, picture_);
+  if (hasFocus()) paintFocus(painter, rect(), palette());
   if (isEmpty()) return;
   if (!mouse_ || isDragging_) return;
   chart.paintCross(painter, rect(), port_, *mouse_);

@@ -31,6 +31,8 @@ class ChartCanvas final : public QWidget {
   void setHighlighted(int index);
   /// What stands still has to be painted anew.
   void changed();
+  /// Moves what is shown, unless all of it is.
+  void shift(civil::Vec2 by);
   /// After another chart came, or its lines changed.
   void chartChanged(bool keepsPlace);
   /// What shows now, in another look.

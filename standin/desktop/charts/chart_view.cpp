@@ -3,7 +3,6 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -23,6 +22,7 @@
 #include "desktop/charts/chart_files.h"
 #include "desktop/charts/chart_page.h"
 #include "desktop/charts/chart_painter.h"
+#include "desktop/common/file_boxes.h"
 #include "desktop/common/qt_text.h"
 #include "text/number_text.h"
 
@@ -92,6 +92,7 @@ QHBoxLayout* ChartView::buildRow() {
   for (const double factor : {1.0, 2.0, 5.0, 10.0})
     heights_->addItem(tr("%1 \u00d7").arg(toQt(text::fixedText(factor, 0))), factor);
   heightsLabel->setBuddy(heights_);
+  heights_->setAccessibleName(tr("Enlargement of heights"));
   row->addWidget(heightsLabel);
   row->addWidget(heights_);
   fitButton_ = new QToolButton;
@@ -115,6 +116,7 @@ QBoxLayout* ChartView::buildMiddle() {
   middle_->addWidget(canvas_, 1);
   legend_ = new QListWidget;
   legend_->setObjectName(QStringLiteral("legend"));
+  legend_->setAccessibleName(tr("Lines of the chart"));
   legend_->setFrameShape(QFrame::NoFrame);
   legend_->setSelectionMode(QAbstractItemView::NoSelection);
   legend_->setIconSize(QSize(30, 14));
@@ -166,10 +168,14 @@ void ChartView::setChart(Chart chart, bool keepsPlace) {
   canvas_->chartChanged(keepsPlace);
 }
 
+void ChartView::shift(Vec2 by) { canvas_->shift(by); }
+
 void ChartView::chartChanged() { canvas_->chartChanged(true); }
 
 void ChartView::retitle() {
   title_->setText(chart_.title);
+  canvas_->setAccessibleName(chart_.title.isEmpty() ? chart_.emptyText : chart_.title);
+  canvas_->setAccessibleDescription(chart_.subtitle);
   title_->setToolTip(chart_.title + (chart_.subtitle.isEmpty() ? QString() : QStringLiteral("\n") + chart_.subtitle));
   const bool hasChart = !chart_.series.empty();
   for (QWidget* control :
@@ -287,16 +293,16 @@ bool ChartView::exportTo(const QString& path, QString& whyNot) {
 }
 
 void ChartView::askExport() {
-  const QString pdf = tr("PDF document (*.pdf)");
-  const QString svg = tr("SVG drawing (*.svg)");
-  QString filter = pdf;
-  const QString filters = canWriteSvg() ? pdf + QStringLiteral(";;") + svg : pdf;
-  QString path = QFileDialog::getSaveFileName(this, tr("Export the chart"), exportName() + QStringLiteral(".pdf"),
-                                              filters, &filter);
-  if (path.isEmpty()) return;
-  if (QFileInfo(path).suffix().isEmpty()) path += filter == svg ? QStringLiteral(".svg") : QStringLiteral(".pdf");
+  QList<FileForm> forms{{tr("PDF document"), {QStringLiteral("pdf")}}};
+  if (canWriteSvg()) forms << FileForm{tr("SVG drawing"), {QStringLiteral("svg")}};
+  const auto path =
+      askTarget(this, {tr("Export the chart"), FilePurpose::Export, exportName() + QStringLiteral(".pdf"), forms, {}});
+  if (!path) return;
   QString whyNot;
-  if (!exportTo(path, whyNot)) QMessageBox::warning(this, tr("Export the chart"), whyNot);
+  if (exportTo(*path, whyNot))
+    Q_EMIT exported(*path);
+  else
+    QMessageBox::warning(this, tr("Export the chart"), whyNot);
 }
 
 }  // namespace lvx::desktop

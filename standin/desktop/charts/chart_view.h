@@ -54,6 +54,8 @@ class ChartView : public QWidget {
   /// Where the mouse is.
   void mouseAt(QPointF place);
   void mouseGone();
+  /// The user had the chart written to this file.
+  void exported(const QString& path);
 
  protected:
   explicit ChartView(QWidget* parent);
@@ -61,6 +63,8 @@ class ChartView : public QWidget {
   /// Takes a new chart; what was ticked on or off, by name, stays so. Everything is shown, unless `keepsPlace`.
   void setChart(Chart chart, bool keepsPlace = false);
   [[nodiscard]] Chart& editChart() { return chart_; }
+  /// Moves what is shown of the chart, unless all of it is.
+  void shift(civil::Vec2 by);
   /// Repaints after a change of the chart's lines.
   void chartChanged();
   /// The row above the chart, for the views' own controls; they stand left of the shared ones.

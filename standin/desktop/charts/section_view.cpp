@@ -48,6 +48,7 @@ SectionView::SectionView(QWidget* parent) : ChartView(parent) {
     made->setArrowType(arrow);
     made->setAutoRaise(true);
     made->setToolTip(tip);
+    made->setAccessibleName(tip);
     return made;
   };
   previous_ = button("previous", Qt::LeftArrow, tr("Previous sample line (Page up)"));
@@ -55,6 +56,7 @@ SectionView::SectionView(QWidget* parent) : ChartView(parent) {
   lines_ = new QComboBox;
   lines_->setObjectName(QStringLiteral("sampleLines"));
   lines_->setToolTip(tr("Sample lines of the group"));
+  lines_->setAccessibleName(lines_->toolTip());
   lines_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
   lines_->setMaxVisibleItems(24);
   controls()->addWidget(previous_);
@@ -94,6 +96,10 @@ void SectionView::show(const civil::Drawing& drawing, civil::Handle sampleLine, 
     clear();
     return;
   }
+  const bool isNeighbour = model_ && drawing_ == &drawing && model_->sampleLine != sampleLine &&
+                           std::any_of(neighbours_.begin(), neighbours_.end(),
+                                       [&](const auto& entry) { return entry.handle == sampleLine; });
+  const std::optional<double> levelBefore = isNeighbour ? model_->levelAtAxis() : std::nullopt;
   drawing_ = &drawing;
   model_ = std::move(model);
   neighbours_ = view::sampleLinesBeside(drawing, sampleLine);
@@ -142,7 +148,9 @@ void SectionView::show(const civil::Drawing& drawing, civil::Handle sampleLine, 
                         : tr("Sample line %1 lies off every surface that is shown, and no corridor that is shown has a "
                              "section at %2.")
                               .arg(name, station);
-  setChart(std::move(chart), keepsPlace);
+  setChart(std::move(chart), keepsPlace || isNeighbour);
+  const std::optional<double> level = model_->levelAtAxis();
+  if (levelBefore && level) shift({0.0, *level - *levelBefore});
 }
 
 void SectionView::fillNeighbours() {

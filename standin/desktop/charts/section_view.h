@@ -17,7 +17,8 @@ class SectionView final : public ChartView {
 
   using QWidget::show;
   /// Shows a sample line; 0, or one that the drawing doesn't have, clears. The drawing must live until the view is cleared
-  /// or shows another. After a corridor was rebuilt, it is called again.
+  /// or shows another. After a corridor was rebuilt, it is called again. Whoever looks at a part of a section sees the same
+  /// part of the next one of the group, which moves up and down with its lines.
   void show(const civil::Drawing& drawing, civil::Handle sampleLine, bool keepsPlace = false);
   void clear();
   /// 0 while nothing is shown.

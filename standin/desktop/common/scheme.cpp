@@ -110,6 +110,16 @@ void applyScheme(Scheme scheme) {
 
 bool isDark() { return isDarkPalette(QApplication::palette()); }
 
+void paintFocus(QPainter& painter, const QRect& area, const QPalette& palette) {
+  constexpr double kWidth = 2.0;
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing, false);
+  painter.setPen(QPen(palette.color(QPalette::Highlight), kWidth));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawRect(QRectF(area).adjusted(kWidth / 2, kWidth / 2, -kWidth / 2, -kWidth / 2));
+  painter.restore();
+}
+
 QString schemeName(Scheme scheme) {
   switch (scheme) {
     case Scheme::System:

@@ -7,16 +7,12 @@
 #include <QGuiApplication>
 #include <QMessageBox>
 
+#include "desktop/common/file_boxes.h"
 #include "desktop/dialogs/modal_windows.h"
 
 namespace lvx::desktop {
 
 namespace {
-
-QString& folder() {
-  static QString last;
-  return last;
-}
 
 host::BoxAnswer answerOnGivingUp(host::BoxButtons buttons) {
   switch (buttons) {
@@ -116,10 +112,6 @@ host::BoxAnswer showMessageBox(QWidget* parent, const QString& text, host::BoxBu
   return answerOnGivingUp(buttons);
 }
 
-QString saveFolder() { return folder(); }
-
-void setSaveFolder(const QString& path) { folder() = path; }
-
 QStringList nameFilters(const QString& filter) {
   QStringList filters;
   const QStringList parts = filter.split(u'|');
@@ -146,12 +138,13 @@ std::optional<QString> askSavePath(QWidget* parent, const QString& filter, std::
   box.setAcceptMode(QFileDialog::AcceptSave);
   box.setFileMode(QFileDialog::AnyFile);
   if (const QStringList filters = nameFilters(filter); !filters.isEmpty()) box.setNameFilters(filters);
-  box.setDirectory(folder().isEmpty() || !QFileInfo(folder()).isDir() ? QDir::homePath() : folder());
+  const QString folder = startFolder(FilePurpose::Report);
+  box.setDirectory(folder.isEmpty() ? QDir::homePath() : folder);
   const bool accepted = box.exec() == QDialog::Accepted;
   returnToOwner(owner);
   if (!accepted || box.selectedFiles().isEmpty()) return std::nullopt;
   const QString chosen = box.selectedFiles().front();
-  folder() = QFileInfo(chosen).absolutePath();
+  rememberFolderOf(FilePurpose::Report, chosen);
   return QDir::toNativeSeparators(chosen);
 }
 

@@ -19,12 +19,9 @@ host::BoxAnswer showMessageBox(QWidget* parent, const QString& text, host::BoxBu
 
 /// Opens the file box in its save form: the full path that the user chose, as typed: no extension is added, and nothing is
 /// asked about a file that is there, since the command asks that. With host::kPromptCreate in `flags` a file that isn't
-/// there is asked about, and a No returns to the box. Starts in the folder of the last choice.
+/// there is asked about, and a No returns to the box. Starts where reports went last (startFolder), else in the user's
+/// own folder.
 std::optional<QString> askSavePath(QWidget* parent, const QString& filter, std::uint32_t flags);
-
-/// The folder in which the file box opens; empty: the user's own.
-[[nodiscard]] QString saveFolder();
-void setSaveFolder(const QString& folder);
 
 /// A filter in the framework's format ("label|pattern|label|pattern||") as name filters of a file dialog. Patterns may be
 /// several, with ";" between them; "*.*" is any name, also one without a dot.

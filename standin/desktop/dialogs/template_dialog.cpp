@@ -234,6 +234,32 @@ TemplateDialog::TemplateDialog(host::DialogBehaviour& behaviour, QWidget* parent
     if (previous != nullptr) setTabOrder(previous, state.widget);
     previous = state.widget;
   }
+  alignLabels();
+}
+
+void TemplateDialog::alignLabels() {
+  for (const Control& field : controls_) {
+    if (field.made->kind != ControlKind::DropDownList && field.made->kind != ControlKind::EditBox) continue;
+    const Control* const found = labelOf(field);
+    if (found == nullptr) continue;
+    auto* const label = static_cast<CaptionLabel*>(found->widget);
+    label->setBuddy(field.widget);
+    if (!label->isOneLine()) continue;
+    QRect place = label->geometry();
+    place.moveCenter({place.center().x(), field.widget->geometry().center().y()});
+    label->setGeometry(place);
+  }
+}
+
+const TemplateDialog::Control* TemplateDialog::labelOf(const Control& field) const {
+  const QRect place = field.widget->geometry();
+  for (const Control& other : controls_) {
+    if (other.made->kind != ControlKind::Label) continue;
+    const QRect its = other.widget->geometry();
+    if (its.center().y() >= place.top() && its.center().y() <= place.bottom() && its.right() < place.left())
+      return &other;
+  }
+  return nullptr;
 }
 
 QWidget* TemplateDialog::makeWidget(const ControlTemplate& made) {
@@ -451,28 +477,16 @@ void TemplateDialog::setAccessKey(Control& control, const QString& caption) {
 }
 
 void TemplateDialog::nameControls() {
-  const auto rowOf = [](const QWidget* widget) {
-    return std::pair(widget->geometry().top(), widget->geometry().bottom());
-  };
   for (const Control& control : controls_) {
     const ControlKind kind = control.made->kind;
     if (kind != ControlKind::DropDownList && kind != ControlKind::EditBox && kind != ControlKind::PictureButton)
       continue;
-    QString name;
-    for (const Control& other : controls_) {
-      const QString caption = plainCaption(toQt(other.text));
-      if (other.made->kind == ControlKind::GroupBox && name.isEmpty() &&
+    const Control* named = labelOf(control);
+    for (const Control& other : controls_)
+      if (named == nullptr && other.made->kind == ControlKind::GroupBox &&
           other.widget->geometry().contains(control.widget->geometry().center()))
-        name = caption;
-      const auto [top, bottom] = rowOf(control.widget);
-      const int middle = other.widget->geometry().center().y();
-      if (other.made->kind == ControlKind::Label && middle >= top && middle <= bottom &&
-          other.widget->geometry().right() < control.widget->geometry().left()) {
-        name = caption;
-        break;
-      }
-    }
-    control.widget->setAccessibleName(name);
+        named = &other;
+    if (named != nullptr) control.widget->setAccessibleName(plainCaption(toQt(named->text)));
   }
 }
 

@@ -104,6 +104,10 @@ class TemplateDialog final : public QDialog, public host::DialogWindow {
   void focusFirst();
   /// Tells screen readers what a list, a box or a picture button is for: the label of its row, else its group.
   void nameControls();
+  /// Puts labels of one line at the height of the texts that they stand before.
+  void alignLabels();
+  /// The label in the row of a control, left of it; null where there is none.
+  [[nodiscard]] const Control* labelOf(const Control& field) const;
   [[nodiscard]] QString tipFor(const Control& control) const;
 
   /// Answers an event of the user's; afterwards, where the dialog is over, the window closes.

@@ -153,6 +153,8 @@ DiagnosticsView::DiagnosticsView(QWidget* parent)
   severity_->addItem(tr("Errors"), static_cast<int>(civil::Severity::Error));
   severity_->setAccessibleName(tr("Least severity"));
   filter_->setPlaceholderText(tr("Words to look for"));
+  filter_->setAccessibleName(filter_->placeholderText());
+  table_->setAccessibleName(tr("What the reader found"));
   filter_->setClearButtonEnabled(true);
   // The hint stays whole in a narrow panel, beside its frame and the mark that clears it.
   constexpr int kLettersBeside = 4;

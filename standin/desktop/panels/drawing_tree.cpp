@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QScrollBar>
@@ -93,6 +94,13 @@ QString DrawingTreeModel::placeOf(const QModelIndex& index) {
     const auto* const node = static_cast<const Node*>(row.internalPointer());
     place.prepend(QLatin1Char('/') + (node->handle == 0 ? node->text : QString::number(node->handle)));
   }
+  return place;
+}
+
+QString DrawingTreeModel::namedPlaceOf(const QModelIndex& index) {
+  QString place;
+  for (QModelIndex row = index; row.isValid(); row = row.parent())
+    place.prepend(QLatin1Char('/') + static_cast<const Node*>(row.internalPointer())->text);
   return place;
 }
 
@@ -373,6 +381,11 @@ TreeRow DrawingTreeModel::rowOf(const QModelIndex& index) const {
   return row;
 }
 
+bool DrawingTreeModel::isMatch(const QModelIndex& index) const {
+  const Node& node = *nodeOf(index);
+  return !node.isHeading() && !filter_.isEmpty() && node.text.contains(filter_, Qt::CaseInsensitive);
+}
+
 QModelIndex DrawingTreeModel::indexOf(civil::Handle handle) const {
   if (handle == 0) return {};
   const std::function<const Node*(Node&)> search = [&](Node& node) -> const Node* {
@@ -390,10 +403,20 @@ QModelIndex DrawingTreeModel::indexOf(civil::Handle handle) const {
 // ---------------------------------------------------------------- the widget
 
 DrawingTree::DrawingTree(QWidget* parent)
-    : QWidget(parent), find_(new QLineEdit), view_(new QTreeView), model_(new DrawingTreeModel(this)) {
+    : QWidget(parent),
+      find_(new QLineEdit),
+      view_(new QTreeView),
+      model_(new DrawingTreeModel(this)),
+      found_(new QLabel) {
   setObjectName(QStringLiteral("drawingTree"));
   find_->setObjectName(QStringLiteral("treeFind"));
-  find_->setPlaceholderText(tr("Find an object by its name"));
+  find_->setPlaceholderText(tr("Find by name, points by number"));
+  find_->setAccessibleName(find_->placeholderText());
+  found_->setObjectName(QStringLiteral("treeFound"));
+  found_->setTextFormat(Qt::PlainText);
+  found_->setContentsMargins(6, 0, 6, 0);
+  found_->hide();
+  view_->setAccessibleName(tr("Objects of the drawing"));
   find_->setClearButtonEnabled(true);
   find_->addAction(icon(QStringLiteral("find")), QLineEdit::LeadingPosition);
   find_->installEventFilter(this);
@@ -410,9 +433,11 @@ DrawingTree::DrawingTree(QWidget* parent)
   constexpr int kGap = 4;
   layout->setSpacing(kGap);
   layout->addWidget(find_);
+  layout->addWidget(found_);
   layout->addWidget(view_, 1);
 
   connect(find_, &QLineEdit::textChanged, this, &DrawingTree::filter);
+  connect(find_, &QLineEdit::returnPressed, this, &DrawingTree::jump);
   connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
     if (!revealing_) Q_EMIT selected(current.data(DrawingTreeModel::HandleRole).toULongLong());
   });
@@ -431,6 +456,9 @@ void DrawingTree::setDrawing(const civil::Drawing* drawing) {
   const bool blocked = find_->blockSignals(true);
   find_->clear();
   find_->blockSignals(blocked);
+  found_->hide();
+  before_.reset();
+  drawing_ = drawing;
   revealing_ = true;
   model_->setFilter({});
   model_->setDrawing(drawing);
@@ -446,14 +474,14 @@ void DrawingTree::setDrawing(const civil::Drawing* drawing) {
   if (model_->rowCount(sites) == 1) view_->expand(model_->index(0, 0, sites));
 }
 
-QSet<QString> DrawingTree::openRows() const {
+QSet<QString> DrawingTree::openRows(PlaceOf placeOf) const {
   QSet<QString> rows;
   const std::function<void(const QModelIndex&)> look = [&](const QModelIndex& parent) {
     for (int row = 0; row < model_->rowCount(parent); ++row) {
       const QModelIndex index = model_->index(row, 0, parent);
       // What isn't open has rows that nobody made, and whoever makes them looks at the drawing.
       if (!model_->hasChildren(index) || !view_->isExpanded(index)) continue;
-      rows.insert(DrawingTreeModel::placeOf(index));
+      rows.insert(placeOf(index));
       look(index);
     }
   };
@@ -461,11 +489,11 @@ QSet<QString> DrawingTree::openRows() const {
   return rows;
 }
 
-void DrawingTree::openAgain(const QSet<QString>& rows) {
+void DrawingTree::openAgain(const QSet<QString>& rows, PlaceOf placeOf) {
   const std::function<void(const QModelIndex&)> look = [&](const QModelIndex& parent) {
     for (int row = 0; row < model_->rowCount(parent); ++row) {
       const QModelIndex index = model_->index(row, 0, parent);
-      if (!model_->hasChildren(index) || !rows.contains(DrawingTreeModel::placeOf(index))) continue;
+      if (!model_->hasChildren(index) || !rows.contains(placeOf(index))) continue;
       view_->expand(index);
       look(index);
     }
@@ -475,15 +503,29 @@ void DrawingTree::openAgain(const QSet<QString>& rows) {
 
 void DrawingTree::refresh() {
   revealing_ = true;
-  const QSet<QString> rows = openRows();
+  const QSet<QString> rows = openRows(&DrawingTreeModel::placeOf);
   const int top = view_->verticalScrollBar()->value();
   model_->refresh();
-  openAgain(rows);
+  openAgain(rows, &DrawingTreeModel::placeOf);
   view_->verticalScrollBar()->setValue(top);
   revealing_ = false;
 }
 
+DrawingTree::State DrawingTree::state() const {
+  return {openRows(&DrawingTreeModel::namedPlaceOf), view_->verticalScrollBar()->value(), find_->text()};
+}
+
+void DrawingTree::setState(const State& state) {
+  find_->setText(state.find);
+  revealing_ = true;
+  if (state.find.isEmpty()) view_->collapseAll();
+  openAgain(state.openRows, &DrawingTreeModel::namedPlaceOf);
+  view_->verticalScrollBar()->setValue(state.top);
+  revealing_ = false;
+}
+
 void DrawingTree::filter(const QString& text) {
+  if (!text.trimmed().isEmpty() && !before_) before_ = state();
   revealing_ = true;
   model_->setFilter(text.trimmed());
   constexpr std::size_t kMostOpened = 2000;
@@ -499,6 +541,78 @@ void DrawingTree::filter(const QString& text) {
     open({});
   }
   revealing_ = false;
+  tellFound(text.trimmed());
+  if (!text.trimmed().isEmpty() || !before_) return;
+  State before = *std::exchange(before_, std::nullopt);
+  before.find.clear();
+  setState(before);
+}
+
+namespace {
+
+const civil::Point* pointCalled(const civil::Drawing* drawing, const QString& text) {
+  if (drawing == nullptr || text.isEmpty()) return nullptr;
+  bool isNumber = false;
+  const int number = text.toInt(&isNumber);
+  const std::string name = toUtf8(text);
+  for (const civil::Point& point : drawing->points)
+    if ((isNumber && point.number == number) || point.texts.name() == name) return &point;
+  return nullptr;
+}
+
+}  // namespace
+
+void DrawingTree::tellFound(const QString& text) {
+  hasShownPoint_ = false;
+  found_->setVisible(!text.isEmpty());
+  if (text.isEmpty()) return;
+  const bool isPoint = pointCalled(drawing_, text) != nullptr;
+  if (model_->found() == 0 && !isPoint)
+    found_->setText(tr("Nothing found"));
+  else if (model_->found() == 0)
+    found_->setText(tr("Point %1: Enter shows it").arg(text));
+  else if (isPoint)
+    found_->setText(
+        tr("Point %1 and %n more: Enter goes to the next", nullptr, static_cast<int>(model_->found())).arg(text));
+  else
+    found_->setText(tr("%n found: Enter goes to the next", nullptr, static_cast<int>(model_->found())));
+}
+
+QModelIndex DrawingTree::nextFound() const {
+  QModelIndex first;
+  bool isBehind = !view_->currentIndex().isValid();
+  const std::function<QModelIndex(const QModelIndex&)> search = [&](const QModelIndex& parent) -> QModelIndex {
+    for (int row = 0; row < model_->rowCount(parent); ++row) {
+      const QModelIndex index = model_->index(row, 0, parent);
+      const bool isHit = model_->isMatch(index);
+      if (isHit && isBehind) return index;
+      if (isHit && !first.isValid()) first = index;
+      if (index == view_->currentIndex()) isBehind = true;
+      if (!index.data(DrawingTreeModel::LeadsOnRole).toBool()) continue;
+      if (const QModelIndex below = search(index); below.isValid()) return below;
+    }
+    return {};
+  };
+  const QModelIndex found = search({});
+  return found.isValid() ? found : first;
+}
+
+void DrawingTree::jump() {
+  const QString text = find_->text().trimmed();
+  if (text.isEmpty()) return;
+  // The point of just that number before whatever has the number in its name.
+  if (const civil::Point* const point = pointCalled(drawing_, text);
+      point != nullptr && (model_->found() == 0 || !std::exchange(hasShownPoint_, true))) {
+    Q_EMIT jumped(point->handle);
+    return;
+  }
+  const QModelIndex next = model_->found() == 0 ? QModelIndex() : nextFound();
+  if (!next.isValid()) return;
+  revealing_ = true;
+  view_->setCurrentIndex(next);
+  view_->scrollTo(next);
+  revealing_ = false;
+  Q_EMIT jumped(next.data(DrawingTreeModel::HandleRole).toULongLong());
 }
 
 void DrawingTree::reveal(civil::Handle handle) {

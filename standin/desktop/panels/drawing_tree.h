@@ -5,11 +5,13 @@
 #include <QString>
 #include <QWidget>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "civil/drawing.h"
 
 class QContextMenuEvent;
+class QLabel;
 class QLineEdit;
 class QMenu;
 class QTreeView;
@@ -34,8 +36,12 @@ class DrawingTreeModel : public QAbstractItemModel {
  public:
   /// The object; whether something that the filter found stands below.
   enum Role { HandleRole = Qt::UserRole, LeadsOnRole };
+  /// Whether the row's own name has what the filter looks for.
+  [[nodiscard]] bool isMatch(const QModelIndex& index) const;
   /// What stays of a row when the drawing is edited: an object's handle, a heading's text, below those that it stands in.
   [[nodiscard]] static QString placeOf(const QModelIndex& index);
+  /// The same by names, which stay where the drawing is read again and handles may be others.
+  [[nodiscard]] static QString namedPlaceOf(const QModelIndex& index);
 
   [[nodiscard]] TreeRow rowOf(const QModelIndex& index) const;
 
@@ -75,7 +81,7 @@ class DrawingTreeModel : public QAbstractItemModel {
   std::unique_ptr<Node> root_;
 };
 
-/// The tree with its find box.
+/// The tree with its find box, which finds objects by their names and points by their numbers and names as well.
 class DrawingTree : public QWidget {
   Q_OBJECT
  public:
@@ -85,6 +91,14 @@ class DrawingTree : public QWidget {
   /// The drawing was edited: shows it anew, with the find text, what was open and what stood at the top. Its lists may
   /// have moved: nothing of what was shown before is looked at.
   void refresh();
+  /// How the tree stands, for a drawing that is read again.
+  struct State {
+    QSet<QString> openRows;
+    int top = 0;
+    QString find;
+  };
+  [[nodiscard]] State state() const;
+  void setState(const State& state);
   /// Shows where an object stands, without telling that it was selected.
   void reveal(civil::Handle handle);
   void focusFind();
@@ -96,6 +110,8 @@ class DrawingTree : public QWidget {
   void clicked(quint64 handle);
   /// Double click, or Enter.
   void activated(quint64 handle);
+  /// Enter in the find box: what it found next, to be chosen and shown.
+  void jumped(quint64 handle);
   /// The user asks for a row's menu: who has something to offer there adds it. Shown if anybody did. What an action does
   /// begins from the event loop if it waits for the user.
   void menuOpening(QMenu& menu, const lvx::desktop::TreeRow& row);
@@ -105,14 +121,24 @@ class DrawingTree : public QWidget {
 
  private:
   void filter(const QString& text);
-  [[nodiscard]] QSet<QString> openRows() const;
-  void openAgain(const QSet<QString>& rows);
+  void tellFound(const QString& text);
+  /// The next row below the present one that the find text stands in, round the end; invalid where there is none.
+  [[nodiscard]] QModelIndex nextFound() const;
+  void jump();
+  using PlaceOf = QString (*)(const QModelIndex&);
+  [[nodiscard]] QSet<QString> openRows(PlaceOf placeOf) const;
+  void openAgain(const QSet<QString>& rows, PlaceOf placeOf);
   /// False where nobody offers anything.
   bool openMenu(const QModelIndex& index, const QPoint& place);
 
   QLineEdit* find_;
   QTreeView* view_;
   DrawingTreeModel* model_;
+  QLabel* found_;
+  const civil::Drawing* drawing_ = nullptr;
+  /// How the tree stood before something was looked for.
+  std::optional<State> before_;
+  bool hasShownPoint_ = false;
   bool revealing_ = false;
 };
 

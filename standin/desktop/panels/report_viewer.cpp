@@ -63,6 +63,7 @@ QString openPage(const QString& path, const Decode& decode, QWidget* over) {
   window->setWindowTitle(QFileInfo(path).fileName());
   auto* const page = new QTextBrowser;
   page->setObjectName(QStringLiteral("page"));
+  page->setAccessibleName(window->windowTitle());
   page->setOpenLinks(false);
   page->setFrameShape(QFrame::NoFrame);
   // A table that is wider than the window scrolls; broken numbers can't be read.

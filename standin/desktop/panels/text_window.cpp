@@ -32,6 +32,7 @@ TextWindow::TextWindow(const QString& path, std::uint64_t line, Decode decode, Q
   setWindowTitle(QFileInfo(path).fileName());
   text_->setObjectName(QStringLiteral("text"));
   text_->setReadOnly(true);
+  text_->setAccessibleName(windowTitle());
   text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   text_->setLineWrapMode(QPlainTextEdit::NoWrap);
   text_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));

@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "desktop/common/qt_text.h"
+#include "desktop/common/scheme.h"
 #include "desktop/plan/object_names.h"
 #include "desktop/plan/plan_colours.h"
 #include "desktop/plan/plan_pointer.h"
@@ -33,7 +34,6 @@ constexpr double kZoomStep = 1.25;
 constexpr double kWheelClick = 120.0;
 /// Of the window, for an arrow key.
 constexpr double kKeyPan = 1.0 / 8.0;
-constexpr std::chrono::milliseconds kHintTime{2500};
 /// Of the window, around an object that is shown alone.
 constexpr double kZoomMargin = 0.15;
 /// A point alone is shown with its neighbourhood, not at whatever scale there was; drawing units.
@@ -58,11 +58,6 @@ PlanView::PlanView(QWidget* parent)
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMinimumSize(200, 150);
   setAccessibleName(tr("Plan"));
-  hintTime_.setSingleShot(true);
-  connect(&hintTime_, &QTimer::timeout, this, [this] {
-    hint_.clear();
-    update();
-  });
   tileTime_.setSingleShot(true);
   connect(&tileTime_, &QTimer::timeout, this, &PlanView::invalidate);
 }
@@ -79,6 +74,7 @@ void PlanView::setScene(std::shared_ptr<view::PlanScene> scene) {
   tiles_.setScene(scene);
   scene_ = std::move(scene);
   hovered_.reset();
+  pile_.reset();
   selected_.clear();
   painter_.clear();
   zoomToAll();
@@ -87,6 +83,7 @@ void PlanView::setScene(std::shared_ptr<view::PlanScene> scene) {
 
 void PlanView::refresh() {
   hovered_.reset();
+  pile_.reset();
   painter_.clear();
   invalidate();
 }
@@ -94,6 +91,7 @@ void PlanView::refresh() {
 void PlanView::setLook(const PlanLook& look) {
   if (look == look_) return;
   look_ = look;
+  pile_.reset();
   invalidate();
 }
 
@@ -109,6 +107,14 @@ void PlanView::zoomTo(Handle handle) {
   if (!box || box->isEmpty()) return;
   showsAll_ = false;
   viewport_.show(view::withLeastExtent(*box, kLeastExtent), kZoomMargin);
+  viewChanged();
+}
+
+void PlanView::setPlace(const Place& place) {
+  if (place.showsAll) return zoomToAll();
+  showsAll_ = false;
+  viewport_.setScale(place.scale);
+  viewport_.setCentre(place.centre);
   viewChanged();
 }
 
@@ -212,7 +218,7 @@ void PlanView::start(Mode mode) {
   selection_.clear();
   corner_.reset();
   press_.reset();
-  hint_.clear();
+  pile_.reset();
   setFocus(Qt::OtherFocusReason);
   showCursor();
   // The mouse may have come here while a dialog was in front.
@@ -228,7 +234,7 @@ void PlanView::endInteraction() {
   corner_.reset();
   press_.reset();
   hovered_.reset();
-  hint_.clear();
+  pile_.reset();
   selection_.clear();
   showCursor();
   invalidate();
@@ -261,25 +267,17 @@ void PlanView::offerPick(Handle handle) {
 
 void PlanView::setRemoving(bool removing) {
   isRemoving_ = removing;
-  hint_.clear();
   update();
   Q_EMIT promptChanged(prompt());
 }
 
 const QString& PlanView::prompt() const { return isRemoving_ ? removePrompt_ : addPrompt_; }
 
-void PlanView::showHint(const QString& hint) {
-  hint_ = hint;
-  hintTime_.start(kHintTime);
-  update();
-}
-
 void PlanView::take(std::span<const Handle> handles, bool remove) {
   if (remove)
     selection_.remove(handles);
   else
     selection_.add(handles);
-  hint_.clear();
   invalidate();
 }
 
@@ -328,27 +326,62 @@ std::optional<view::Hit> PlanView::hitAt(QPointF place) const {
   return scene_->hit(at, radius, *wanted);
 }
 
+std::vector<view::Hit> PlanView::pileAt(QPointF place) const {
+  const std::optional<view::KindSet> wanted = kinds();
+  const std::optional<view::Hit> first = hitAt(place);
+  if (!first) return {};
+  std::vector<view::Hit> hits = scene_->hits(viewport_.toDrawing(vec(place)), kPickRadius / viewport_.scale(), *wanted);
+  const auto found = std::find(hits.begin(), hits.end(), *first);
+  if (found != hits.end()) std::rotate(hits.begin(), found, found + 1);
+  return hits;
+}
+
+bool PlanView::isOnPile(QPointF place) const {
+  return pile_ && std::max(std::abs(place.x() - pile_->place.x()), std::abs(place.y() - pile_->place.y())) <= 2.0;
+}
+
+std::optional<view::Hit> PlanView::meantAt(QPointF place) const {
+  return isOnPile(place) ? pile_->hits[pile_->turn] : hitAt(place);
+}
+
+void PlanView::showNextBelow() {
+  if (!mouse_ || corner_) return;
+  if (!isOnPile(*mouse_)) {
+    pile_.reset();
+    if (std::vector<view::Hit> hits = pileAt(*mouse_); hits.size() > 1) pile_ = Pile{.place = *mouse_, .hits = hits};
+  }
+  if (!pile_) return;
+  pile_->turn = (pile_->turn + 1) % pile_->hits.size();
+  pile_->isClicked = false;
+  hover(*mouse_);
+}
+
 void PlanView::hover(QPointF place) {
   const Handle before = hovered_ ? hovered_->handle : 0;
   hovered_.reset();
-  if (!corner_) hovered_ = hitAt(place);
+  if (!isOnPile(place)) pile_.reset();
+  if (!corner_) hovered_ = meantAt(place);
   // The ground is everywhere: naming it at every step would be noise, unless it may be what is wanted.
-  if (hovered_ && hovered_->kind == ObjectKind::Surface && mode_ == Mode::None) hovered_.reset();
+  if (hovered_ && hovered_->kind == ObjectKind::Surface && mode_ == Mode::None && !pile_) hovered_.reset();
   // The box beside the pointer moves with it.
   if (before != 0 || hovered_ || mode_ != Mode::None) update();
 }
 
 void PlanView::clickAt(QPointF place, Qt::KeyboardModifiers modifiers) {
-  const std::optional<view::Hit> hit = hitAt(place);
+  if (isOnPile(place)) {
+    if (pile_->isClicked) pile_->turn = (pile_->turn + 1) % pile_->hits.size();
+  } else if (mode_ != Mode::Pick && !corner_) {
+    pile_.reset();
+    if (std::vector<view::Hit> hits = pileAt(place); hits.size() > 1) pile_ = Pile{.place = place, .hits = hits};
+  }
+  if (pile_) pile_->isClicked = true;
+  const std::optional<view::Hit> hit = meantAt(place);
   switch (mode_) {
     case Mode::None:
       Q_EMIT clicked(hit ? hit->handle : 0);
       return;
     case Mode::Pick:
-      if (!hit) {
-        showHint(tr("Nothing here. Esc ends."));
-        return;
-      }
+      if (!hit) return cancelInteraction();  // a click on nothing is an answer, as in the CAD program
       endInteraction();
       Q_EMIT picked(hit->handle);
       return;
@@ -491,6 +524,7 @@ bool PlanView::event(QEvent* event) {
       case Qt::Key_Enter:
       case Qt::Key_R:
       case Qt::Key_A:
+      case Qt::Key_Space:
         if ((static_cast<QKeyEvent*>(event)->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier) event->accept();
         break;
       default:
@@ -516,6 +550,8 @@ void PlanView::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_A:
       if (mode_ != Mode::Select || (event->modifiers() & Qt::ControlModifier) != 0) return event->ignore();
       return setRemoving(event->key() == Qt::Key_R);
+    case Qt::Key_Space:
+      return showNextBelow();
     case Qt::Key_Left:
       return panBy({across, 0.0});
     case Qt::Key_Right:
@@ -591,6 +627,7 @@ void PlanView::zoomAt(QPointF place, double factor) {
 QPointF PlanView::zoomPlace() const { return mouse_ ? *mouse_ : QRectF(rect()).center(); }
 
 void PlanView::viewChanged() {
+  pile_.reset();
   if (mouse_ && !panFrom_ && !(press_ && press_->pans)) hover(*mouse_);
   invalidate();
 }
@@ -660,11 +697,22 @@ void PlanView::paintEvent(QPaintEvent* event) {
     if (mode_ == Mode::None) paintHandles(painter);
   }
   if (corner_ && mouse_) paintRectangle(painter);
+  if (hasFocus()) paintFocus(painter, rect(), palette());
   paintPointerBox(painter);
 }
 
 void PlanView::paintRectangle(QPainter& painter) const {
   paintSelectionWindow(painter, cornerPixel(), *mouse_, planColours(look_.dark));
+}
+
+QString PlanView::titleOf(Handle handle) const {
+  const auto object = scene_ ? scene_->describe(handle) : std::nullopt;
+  return object ? titleOf(object->kind, toQt(object->name)) : QString();
+}
+
+QString PlanView::titleOf(ObjectKind kind, const QString& name) {
+  const QString title = ObjectNames::kind(kind);
+  return name.isEmpty() ? title : title + QStringLiteral("  ") + name;
 }
 
 QStringList PlanView::pointerBox() const {
@@ -674,16 +722,19 @@ QStringList PlanView::pointerBox() const {
     lines << tr("%1 selected").arg(selection_.size());
   }
   if (hovered_) {
-    const QString name = toQt(hovered_->name);
-    const QString kind = ObjectNames::kind(hovered_->kind);
-    lines << (name.isEmpty() ? kind : kind + QStringLiteral("  ") + name);
+    lines << titleOf(hovered_->kind, toQt(hovered_->name));
+    if (pile_) lines.back() += QStringLiteral("  ") + tr("(%1 of %2)").arg(pile_->turn + 1).arg(pile_->hits.size());
   }
   if (const QString hint = pointerHint(); !hint.isEmpty()) lines << hint;
   return lines;
 }
 
 QString PlanView::pointerHint() const {
-  if (!hint_.isEmpty() || mode_ != Mode::Select) return hint_;
+  if (mode_ == Mode::Pick) {
+    const bool isSeveral = mouse_ && (pile_ || pileAt(*mouse_).size() > 1);
+    return isSeveral ? tr("Space: the next below, Esc: back") : tr("Here or in the tree, Esc: back");
+  }
+  if (mode_ != Mode::Select) return {};
   if (corner_) return mouse_ && mouse_->x() < cornerPixel().x() ? tr("Inside and touched") : tr("Wholly inside");
   if (isRemoving_) return tr("A adds again, Enter ends");
   return selection_.size() == 0 ? tr("Click or drag a window, Enter ends") : tr("R or Shift removes, Enter ends");

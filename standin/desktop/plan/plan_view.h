@@ -53,6 +53,14 @@ class PlanView : public QWidget {
   void zoomTo(civil::Handle handle);
   void zoomIn();
   void zoomOut();
+  /// The part of the drawing that shows.
+  struct Place {
+    civil::Vec2 centre;
+    double scale = 1.0;
+    bool showsAll = true;
+  };
+  [[nodiscard]] Place place() const { return {viewport_.centre(), viewport_.scale(), showsAll_}; }
+  void setPlace(const Place& place);
   /// Highlights objects, whoever chose them; unknown handles are passed over.
   void setSelected(const std::vector<civil::Handle>& handles);
 
@@ -79,6 +87,11 @@ class PlanView : public QWidget {
   [[nodiscard]] const view::Viewport& viewport() const { return viewport_; }
   /// What the mouse is on and would be clicked.
   [[nodiscard]] std::optional<view::Hit> hovered() const { return hovered_; }
+  /// Of objects that lie one above the other the next is meant, as if the mouse were on that one alone; nothing happens
+  /// where the mouse isn't on several.
+  void showNextBelow();
+  /// "Alignment  Valley road"; empty for no object.
+  [[nodiscard]] QString titleOf(civil::Handle handle) const;
   /// What stands beside the pointer; empty where nothing does.
   [[nodiscard]] QStringList pointerBox() const;
   /// Whether what is on the screen is final, shading and labels.
@@ -124,15 +137,20 @@ class PlanView : public QWidget {
     bool pans = false;
   };
 
+  [[nodiscard]] static QString titleOf(civil::ObjectKind kind, const QString& name);
   void start(Mode mode);
   void endInteraction();
   void setRemoving(bool removing);
   [[nodiscard]] const QString& prompt() const;
-  void showHint(const QString& hint);
 
   /// What can be hit now; empty for nothing.
   [[nodiscard]] std::optional<view::KindSet> kinds() const;
   [[nodiscard]] std::optional<view::Hit> hitAt(QPointF place) const;
+  /// All that can be hit there, the first as hitAt() finds it.
+  [[nodiscard]] std::vector<view::Hit> pileAt(QPointF place) const;
+  [[nodiscard]] bool isOnPile(QPointF place) const;
+  /// What a click at `place` means: what hitAt() finds, or the one of the pile that is its turn.
+  [[nodiscard]] std::optional<view::Hit> meantAt(QPointF place) const;
   void hover(QPointF place);
   void clickAt(QPointF place, Qt::KeyboardModifiers modifiers);
   void take(std::span<const civil::Handle> handles, bool remove);
@@ -171,6 +189,14 @@ class PlanView : public QWidget {
 
   PlanSelection selected_;
   std::optional<view::Hit> hovered_;
+  /// Objects one above the other, through which the user goes.
+  struct Pile {
+    QPointF place;
+    std::vector<view::Hit> hits;
+    std::size_t turn = 0;
+    bool isClicked = false;  ///< the next click at the place means the next of them
+  };
+  std::optional<Pile> pile_;
   std::optional<QPointF> mouse_;
   std::optional<Press> press_;
   std::optional<QPointF> panFrom_;
@@ -196,8 +222,6 @@ class PlanView : public QWidget {
   PlanSelection selection_;
   /// First corner of a selection rectangle, in the drawing: it stays there when the view moves.
   std::optional<civil::Vec2> corner_;
-  QString hint_;
-  QTimer hintTime_;
   QTimer tileTime_;
 };
 

@@ -43,16 +43,16 @@ std::optional<civil::ObjectKind> kindOf(const CString& classTag) {
   return std::nullopt;
 }
 
-/// A dialog that tells when its user accepts it.
-class AcceptWatch final : public host::DialogBehaviour {
+/// A dialog that tells which buttons its user presses, before it hears of them.
+class ClickWatch final : public host::DialogBehaviour {
  public:
-  using Told = std::function<void(const host::DialogWindow& window)>;
-  AcceptWatch(host::DialogBehaviour& dialog, Told told) : dialog_(dialog), told_(std::move(told)) {}
+  using Told = std::function<void(const host::DialogWindow& window, int button)>;
+  ClickWatch(host::DialogBehaviour& dialog, Told told) : dialog_(dialog), told_(std::move(told)) {}
 
   [[nodiscard]] const host::DialogTemplate& dialogTemplate() const override { return dialog_.dialogTemplate(); }
   void onOpening(host::DialogWindow& window) override { dialog_.onOpening(window); }
   void onClick(host::DialogWindow& window, int id) override {
-    if (id == host::kIdOk) told_(window);
+    told_(window, id);
     dialog_.onClick(window, id);
   }
   void onSelectionChanged(host::DialogWindow& window, int id) override { dialog_.onSelectionChanged(window, id); }
@@ -86,8 +86,12 @@ int DesktopFrontEnd::runModal(host::DialogBehaviour& dialog, void* parent) {
   const LongWork::Question question(work_);
   if (!givenUp_) Q_EMIT dialogOpening();
   const std::string_view name = dialog.dialogTemplate().name;
-  AcceptWatch watched(dialog, [&](const host::DialogWindow& window) {
-    Q_EMIT dialogAccepting(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())), window);
+  const QString called = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+  ClickWatch watched(dialog, [&](const host::DialogWindow& window, int button) {
+    if (button == host::kIdOk)
+      Q_EMIT dialogAccepting(called, window);
+    else
+      Q_EMIT dialogPressed(called, button, window);
   });
   return dialogs_.runModal(watched, parent);
 }
@@ -116,8 +120,10 @@ std::optional<civil::Handle> DesktopFrontEnd::pickEntity(const CString& prompt) 
   std::optional<civil::Handle> picked;
   if (givenUp_) return picked;
   waitForPick([&](QEventLoop& loop, QObject& context) {
-    connect(&plan_, &PlanView::picked, &context, [&loop, &picked](quint64 handle) {
+    connect(&plan_, &PlanView::picked, &context, [this, &loop, &picked](quint64 handle) {
       picked = handle;
+      // The dialog may show another object of that name.
+      Q_EMIT printed(tr("Picked: %1").arg(plan_.titleOf(handle).simplified()));
       loop.quit();
     });
     plan_.startPick(toQt(prompt));

@@ -65,6 +65,8 @@ class DesktopFrontEnd final : public QObject, public runtime::FrontEnd, private 
   void dialogOpening();
   /// The user accepts a dialog of the running command, called `name`, with what stands in its controls; before the dialog
   /// itself takes it.
+  /// Another button of a dialog was pressed, which the dialog hears of next.
+  void dialogPressed(const QString& dialog, int button, const lvx::host::DialogWindow& window);
   void dialogAccepting(const QString& name, const lvx::host::DialogWindow& window);
   /// The user selected objects for the running command; empty where they gave it up.
   void selectedForCommand(const std::vector<lvx::civil::Handle>& handles);

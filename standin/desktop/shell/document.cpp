@@ -11,6 +11,7 @@
 #include <exception>
 #include <string>
 
+#include "desktop/common/file_boxes.h"
 #include "desktop/common/qt_text.h"
 #include "desktop/panels/console_view.h"
 #include "desktop/panels/notice_bar.h"
@@ -141,6 +142,7 @@ void Document::take(const LoadedDrawing& loaded) {
   at_.notice.hide();
   session_.open(loaded.drawing);
   sources_ = loaded.sources;
+  setDrawingFolder(QFileInfo(sources_.files.front().path).absolutePath());
   files_.hold(sources_.paths(), loaded.stamps);
   Q_EMIT opened(loaded);
   tellOpened();
@@ -247,23 +249,27 @@ bool Document::save() {
 
 bool Document::askSaveAs() {
   if (!isOpen() || isBusy()) return false;
-  const QString target = QFileDialog::getSaveFileName(&at_.window, tr("Save the drawing as"), unpackedName(path()),
-                                                      tr("LandXML drawings (*.xml);;All files (*)"));
-  return !target.isEmpty() && saveTo(target);
+  const auto target =
+      askTarget(&at_.window, {tr("Save the drawing as"), FilePurpose::Drawing, unpackedName(path()), savedForms(),
+                              [this](const QString& chosen) { return !isOthersFile(chosen); }});
+  return target && saveTo(*target);
 }
 
-bool Document::saveAs(const QString& target) {
+bool Document::saveAs(const QString& name) {
   if (!isOpen() || isBusy()) return false;
-  if (!isOwnFile(target) && QFileInfo(target).isFile() && session_.host().whyNoOutput(encodedPath(target)).empty()) {
-    QMessageBox box(QMessageBox::Question, tr("Replace a file?"),
-                    tr("%1 is there already.").arg(QFileInfo(target).fileName()), QMessageBox::NoButton, &at_.window);
-    box.setObjectName(QStringLiteral("replaceQuestion"));
-    const QPushButton* const replace = box.addButton(tr("&Replace"), QMessageBox::AcceptRole);
-    box.setDefaultButton(box.addButton(QMessageBox::Cancel));
-    box.exec();
-    if (box.clickedButton() != replace) return false;
-  }
+  const QString target = QFileInfo(name).suffix().isEmpty() && !QFileInfo::exists(name)
+                             ? withEnding(name, savedForms().front(), {})
+                             : name;
+  if (QFileInfo(target).isFile() && isOthersFile(target) && !asksToReplace(&at_.window, target)) return false;
   return saveTo(target);
+}
+
+QList<FileForm> Document::savedForms() {
+  return {{tr("LandXML drawings"), {QStringLiteral("xml"), QStringLiteral("landxml")}}, {tr("All files"), {}}};
+}
+
+bool Document::isOthersFile(const QString& target) const {
+  return !isOwnFile(target) && session_.host().whyNoOutput(encodedPath(target)).empty();
 }
 
 bool Document::isOwnFile(const QString& target) const {
@@ -272,11 +278,7 @@ bool Document::isOwnFile(const QString& target) const {
 
 bool Document::saveTo(const QString& target) {
   const bool isOwnName = isOwnFile(target);
-  if (isOwnName && files_.at(0).isReplaced()) {
-    tellSaveError(target,
-                  tr("The file was changed by another program since it was opened, and saving would undo that."));
-    return false;
-  }
+  if (const QString file = changedByOthers(target); !file.isEmpty() && !asksToUndoOthers(file)) return false;
   if (!isOwnName && !session_.host().whyNoOutput(encodedPath(target)).empty()) {
     tellSaveError(target, tr("It is read itself: as a file of the drawing or as the message file."));
     return false;
@@ -313,6 +315,40 @@ bool Document::saveTo(const QString& target) {
   recent_.remember(sources_);
   Q_EMIT stateChanged();
   return true;
+}
+
+QString Document::changedByOthers(const QString& target) const {
+  if (isOwnFile(target) && files_.at(0).isReplaced()) return path();
+  for (const std::string& added : landxml::changedAddedFiles(session_.drawing()->drawing()))
+    for (std::size_t number = 1; number < files_.size(); ++number)
+      if (QFile::encodeName(files_.at(number).path()).toStdString() == added && files_.at(number).isReplaced())
+        return files_.at(number).path();
+  return {};
+}
+
+bool Document::asksToUndoOthers(const QString& file) {
+  const bool isFirst = file == path();
+  QMessageBox box(QMessageBox::Warning, tr("Somebody else changed the file"),
+                  tr("%1 was changed by another program since it was opened.").arg(QFileInfo(file).fileName()),
+                  QMessageBox::Cancel, &at_.window);
+  box.setObjectName(QStringLiteral("changedByOthers"));
+  box.setInformativeText(
+      isFirst ? tr("Save as writes the drawing as it is here under another name, and both are kept. Replacing the file "
+                   "loses what the other program wrote.")
+              : tr("What is new here belongs into that file. Replacing it loses what the other program wrote; Cancel "
+                   "leaves the drawing open and unsaved."));
+  QPushButton* const elsewhere = isFirst ? box.addButton(tr("Save &as…"), QMessageBox::AcceptRole) : nullptr;
+  const QPushButton* const replace = box.addButton(tr("&Replace the file"), QMessageBox::DestructiveRole);
+  if (elsewhere != nullptr)
+    box.setDefaultButton(elsewhere);
+  else
+    box.setDefaultButton(QMessageBox::Cancel);
+  box.exec();
+  if (elsewhere != nullptr && box.clickedButton() == elsewhere)
+    QMetaObject::invokeMethod(this, "askSaveAs", Qt::QueuedConnection);
+  if (box.clickedButton() == replace) return true;
+  at_.console.printError(tr("%1 isn't saved: it was changed by another program since it was opened.").arg(file));
+  return false;
 }
 
 bool Document::askForOtherFiles(const QString& target) {

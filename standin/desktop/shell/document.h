@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QString>
 
+#include "desktop/common/file_boxes.h"
 #include "desktop/shell/drawing_file_set.h"
 #include "desktop/shell/drawing_loader.h"
 #include "desktop/shell/drawing_sources.h"
@@ -71,8 +72,9 @@ class Document : public QObject {
   // These say whether the drawing is saved; what prevents it was told then.
   bool save();
   Q_INVOKABLE bool askSaveAs();
-  /// Asks before it replaces a file other than the drawing's own. `target` is absolute.
-  bool saveAs(const QString& target);
+  /// Asks before it replaces a file other than the drawing's own. `name` is absolute; ".xml" is added where it has no
+  /// ending and no such file is there.
+  bool saveAs(const QString& name);
   /// The same for a user who was asked. No file that the drawing or the reports read is replaced but its own.
   bool saveTo(const QString& target);
   /// Asks what to do with unsaved changes, if there are any. False where the user wants to go back.
@@ -105,6 +107,14 @@ class Document : public QObject {
   bool askForOtherFiles(const QString& target);
   /// Whether the name leads to the drawing's first file.
   [[nodiscard]] bool isOwnFile(const QString& target) const;
+  /// Whether replacing it would take something from somebody, and is possible.
+  [[nodiscard]] bool isOthersFile(const QString& target) const;
+  /// The file that saving to `target` writes and that another program changed since it was read; empty: there is none.
+  [[nodiscard]] QString changedByOthers(const QString& target) const;
+  /// What to do about it; false: not to save to `target`.
+  [[nodiscard]] bool asksToUndoOthers(const QString& file);
+  /// The forms that a drawing can be saved in.
+  [[nodiscard]] static QList<FileForm> savedForms();
   void write(const QString& target);
   void tellSaveError(const QString& target, const QString& reason);
 

@@ -2,6 +2,7 @@
 
 #include <QFile>
 
+#include "desktop/shell/source_copy.h"
 #include "standin_platform/held_file.h"
 
 namespace lvx::desktop {
@@ -18,6 +19,7 @@ void DrawingFile::hold(const QString& path, std::optional<FileStamp> stamp) {
   path_ = path;
   stamp_ = stamp;
   held_ = std::make_unique<standin_platform::HeldFile>(QFile::encodeName(path).toStdString());
+  copy_ = stamp_ ? std::make_unique<SourceCopy>(path, *stamp_) : nullptr;
   watch_.watch(path, stamp_);
 }
 
@@ -28,6 +30,7 @@ bool DrawingFile::isReplaced() const {
 
 QString DrawingFile::readablePath() const {
   if (stampOf(path_) == stamp_) return path_;
+  if (const auto copied = copy_ ? copy_->path() : std::nullopt) return *copied;
   const auto held = held_ ? held_->path() : std::nullopt;
   return held ? QFile::decodeName(QByteArray::fromStdString(held->string())) : path_;
 }

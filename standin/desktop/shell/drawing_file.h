@@ -14,8 +14,10 @@ class HeldFile;
 
 namespace lvx::desktop {
 
-/// A file behind the open drawing: held open, so that what was read can be read again even where its name now leads
-/// elsewhere, and watched for what other programs do to it. One for each file of a drawing.
+class SourceCopy;
+
+/// A file behind the open drawing: held open and copied, so that what was read can be read again even where its name now
+/// leads elsewhere or another program wrote over it, and watched for what other programs do to it. One for each file of a drawing.
 class DrawingFile : public QObject {
   Q_OBJECT
  public:
@@ -31,7 +33,8 @@ class DrawingFile : public QObject {
   [[nodiscard]] quint64 size() const { return stamp_ ? stamp_->size : 0; }
   /// Another file stands under the name, or this one with other contents. False where none stands there.
   [[nodiscard]] bool isReplaced() const;
-  /// A path that leads to what was read: its name, or where that leads elsewhere by now, what is held.
+  /// A path that leads to what was read: its name; where that leads elsewhere or to other contents by now, the copy, or
+  /// else what is held.
   [[nodiscard]] QString readablePath() const;
 
  Q_SIGNALS:
@@ -44,6 +47,7 @@ class DrawingFile : public QObject {
   QString path_;
   std::optional<FileStamp> stamp_;
   std::unique_ptr<standin_platform::HeldFile> held_;
+  std::unique_ptr<SourceCopy> copy_;
   DrawingWatch watch_;
 };
 

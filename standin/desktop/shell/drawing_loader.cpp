@@ -57,15 +57,18 @@ DrawingSources sourcesOf(const std::vector<landxml::ProjectFile>& files, bool co
 /// Lets through one call in 50 ms.
 class Throttle {
  public:
-  bool isDue() {
+  /// Another step is told at once.
+  bool isDue(const QString& step) {
     const auto now = std::chrono::steady_clock::now();
-    if (now - last_ < std::chrono::milliseconds(50)) return false;
+    if (step == step_ && now - last_ < std::chrono::milliseconds(50)) return false;
     last_ = now;
+    step_ = step;
     return true;
   }
 
  private:
   std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
+  QString step_;
 };
 
 }  // namespace
@@ -92,7 +95,7 @@ void DrawingLoader::work(DrawingSources sources, FileOrder order, std::uint64_t 
   auto outcome = std::make_shared<Outcome>();
   Throttle throttle;
   const auto tell = [this, run, &throttle](const QString& step, const QString& path, quint64 done, quint64 total) {
-    if (throttle.isDue())
+    if (throttle.isDue(step))
       QMetaObject::invokeMethod(
           this,
           [this, run, step, path, done, total] {
@@ -111,7 +114,10 @@ void DrawingLoader::work(DrawingSources sources, FileOrder order, std::uint64_t 
     landxml::ProjectOptions options;
     options.convertUnits = sources.convertUnits;
     options.progress = [&](const std::string& path, const landxml::Progress& progress) {
-      return tell(tr("Reading"), fromFilePath(path), progress.bytesDone, progress.bytesTotal);
+      // Behind the last byte its surfaces are made ready, which takes as long again.
+      const bool isRead = progress.bytesTotal != 0 && progress.bytesDone >= progress.bytesTotal;
+      return tell(isRead ? tr("Making surfaces ready") : tr("Reading"), fromFilePath(path), progress.bytesDone,
+                  isRead ? 0 : progress.bytesTotal);
     };
     outcome->drawing.drawing = std::make_shared<runtime::OpenDrawing>(landxml::readProject(files, options));
     const QString first = sources.files.front().path;

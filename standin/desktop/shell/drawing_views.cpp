@@ -6,8 +6,6 @@
 #include "desktop/charts/profile_view.h"
 #include "desktop/charts/section_view.h"
 #include "desktop/panels/diagnostics_view.h"
-#include "desktop/panels/drawing_tree.h"
-#include "desktop/plan/plan_view.h"
 #include "desktop/shell/desktop_front_end.h"
 #include "desktop/shell/drawing_loader.h"
 #include "desktop/shell/session.h"
@@ -43,12 +41,23 @@ void DrawingViews::connectTree() {
   connect(at_.tree, &DrawingTree::clicked, this, [this](quint64 handle) {
     if (handle != 0 && frontEnd_.isPicking()) at_.plan->offerPick(handle);
   });
+  connect(at_.tree, &DrawingTree::jumped, this, &DrawingViews::jumpTo);
   connect(at_.tree, &DrawingTree::activated, this, [this](quint64 handle) {
     if (frontEnd_.isPicking())
       at_.plan->offerPick(handle);
     else
       zoomTo(handle);
   });
+}
+
+void DrawingViews::jumpTo(civil::Handle handle) {
+  if (handle == 0) return;
+  if (frontEnd_.isPicking()) {
+    at_.plan->offerPick(handle);
+    return;
+  }
+  selection_.select(handle, at_.tree);
+  zoomTo(handle);
 }
 
 void DrawingViews::connectCharts() {
@@ -74,9 +83,33 @@ void DrawingViews::show(const LoadedDrawing& loaded) {
   const civil::AlignmentObject* const alignment = selection_.alignment();
   place_.setAlignment(alignment);
   if (alignment != nullptr) at_.profile->show(drawing, alignment->handle);
+  sources_ = loaded.sources;
+  if (before_ && before_->sources.paths() == sources_.paths()) goBack();
+  before_.reset();
+}
+
+void DrawingViews::goBack() {
+  const runtime::OpenDrawing& drawing = *session_.drawing();
+  const auto again = [&](const std::optional<ObjectKey>& key) { return key ? findAgain(drawing, *key) : 0; };
+  at_.plan->setPlace(before_->plan);
+  if (const civil::Handle profile = again(before_->profile); profile != 0)
+    at_.profile->show(drawing.drawing(), profile);
+  if (const civil::Handle section = again(before_->section); section != 0)
+    at_.section->show(drawing.drawing(), section);
+  if (const civil::Handle chosen = again(before_->selection); chosen != 0) selection_.select(chosen, this);
+  at_.tree->setState(before_->tree);
 }
 
 void DrawingViews::clear() {
+  if (scene_ && session_.drawing()) {
+    const runtime::OpenDrawing& drawing = *session_.drawing();
+    before_ = Before{sources_,
+                     at_.plan->place(),
+                     at_.tree->state(),
+                     keyOf(drawing, selection_.handle()),
+                     keyOf(drawing, at_.section->sampleLine()),
+                     keyOf(drawing, at_.profile->alignment())};
+  }
   at_.plan->setScene(nullptr);
   at_.section->clear();
   at_.profile->clear();
@@ -119,6 +152,12 @@ void DrawingViews::zoomTo(civil::Handle handle) {
 
 void DrawingViews::zoomToSelection() {
   if (selection_.handle() != 0) zoomTo(selection_.handle());
+}
+
+void DrawingViews::raiseProfilesOf(civil::Handle alignment) {
+  if (at_.profile->alignment() != alignment) at_.profile->show(session_.drawing()->drawing(), alignment);
+  at_.profileDock->show();
+  at_.profileDock->raise();
 }
 
 void DrawingViews::follow(const QObject* from) {

@@ -2,7 +2,12 @@
 
 #include <QObject>
 #include <memory>
+#include <optional>
 
+#include "desktop/panels/drawing_tree.h"
+#include "desktop/plan/plan_view.h"
+#include "desktop/shell/drawing_sources.h"
+#include "desktop/shell/object_key.h"
 #include "desktop/shell/place_line.h"
 #include "desktop/shell/selection.h"
 #include "desktop/shell/window_panels.h"
@@ -27,6 +32,8 @@ class DrawingViews : public QObject {
   /// Shows nothing any more.
   ~DrawingViews() override;
 
+  /// All of the drawing; of one that showed before, by the same files, the part that showed then, with what was chosen and
+  /// open in the tree as far as that is there.
   void show(const LoadedDrawing& loaded);
   /// When it returns, nothing looks at the drawing any more.
   void clear();
@@ -39,6 +46,8 @@ class DrawingViews : public QObject {
 
   [[nodiscard]] Selection& selection() { return selection_; }
   void zoomToSelection();
+  /// Brings the profiles of an alignment to the front.
+  void raiseProfilesOf(civil::Handle alignment);
 
  Q_SIGNALS:
   /// What show() was given stands on the screen as sharp as it gets.
@@ -55,8 +64,10 @@ class DrawingViews : public QObject {
   /// Answers a running pick; else selects.
   void choose(civil::Handle handle, const QObject* from);
   void zoomTo(civil::Handle handle);
+  void jumpTo(civil::Handle handle);
   void follow(const QObject* from);
   void raiseChart();
+  void goBack();
 
   WindowPanels at_;
   PlaceLine& place_;
@@ -65,6 +76,17 @@ class DrawingViews : public QObject {
   Selection selection_;
   /// Points into the session's drawing.
   std::shared_ptr<view::PlanScene> scene_;
+  DrawingSources sources_;
+  /// What showed when the drawing went, for the case that it is read again.
+  struct Before {
+    DrawingSources sources;
+    PlanView::Place plan;
+    DrawingTree::State tree;
+    std::optional<ObjectKey> selection;
+    std::optional<ObjectKey> section;
+    std::optional<ObjectKey> profile;
+  };
+  std::optional<Before> before_;
   bool awaitsPaint_ = false;
 };
 

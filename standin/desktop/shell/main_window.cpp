@@ -16,6 +16,8 @@
 #include <QUrl>
 #include <algorithm>
 
+#include "desktop/charts/profile_view.h"
+#include "desktop/charts/section_view.h"
 #include "desktop/common/icons.h"
 #include "desktop/common/qt_text.h"
 #include "desktop/common/scheme.h"
@@ -31,6 +33,7 @@
 #include "desktop/shell/drawing_composer.h"
 #include "desktop/shell/drawing_views.h"
 #include "desktop/shell/edits.h"
+#include "desktop/shell/help_key.h"
 #include "desktop/shell/leave_wish.h"
 #include "desktop/shell/long_work.h"
 #include "desktop/shell/look_menus.h"
@@ -80,8 +83,9 @@ MainWindow::MainWindow(const DesktopOptions& options)
       actions_(std::make_unique<WindowActions>(*this, *settings_, options.scheme)),
       prompt_(std::make_unique<CommandPrompt>(*panels_.console, *panels_.plan, *session_, *document_, *frontEnd_)),
       adviser_(std::make_unique<ReportAdviser>(*session_, *panels_.console, *panels_.notice)),
-      outcome_(std::make_unique<ReportOutcome>(*this, *panels_.console, *leave_,
+      outcome_(std::make_unique<ReportOutcome>(*this, *panels_.console, *panels_.outcome, *leave_,
                                                options.choices.reportCodePage.value_or(""))),
+      helpKey_(std::make_unique<HelpKey>([this] { frontEnd_->showHelpContents(); })),
       closeWatch_(std::make_unique<CloseWatch>(*this)) {
   setObjectName(QStringLiteral("mainWindow"));
   setAcceptDrops(true);
@@ -178,7 +182,16 @@ void MainWindow::connectCommands() {
   });
   connect(frontEnd_.get(), &DesktopFrontEnd::selectedForCommand, adviser_.get(), &ReportAdviser::selectPoints);
   connect(frontEnd_.get(), &DesktopFrontEnd::dialogAccepting, adviser_.get(), &ReportAdviser::accept);
+  connect(frontEnd_.get(), &DesktopFrontEnd::dialogPressed, this,
+          [this](const QString& dialog, int button, const host::DialogWindow& window) {
+            if (const civil::Handle alignment = adviser_->profilesWanted(dialog, button, window); alignment != 0)
+              views_->raiseProfilesOf(alignment);
+          });
   connect(session_.get(), &Session::commandStarted, adviser_.get(), &ReportAdviser::begin);
+  connect(session_.get(), &Session::commandStarted, outcome_.get(), &ReportOutcome::begin);
+  for (const ChartView* const chart :
+       {static_cast<ChartView*>(panels_.section), static_cast<ChartView*>(panels_.profile)})
+    connect(chart, &ChartView::exported, outcome_.get(), &ReportOutcome::tellExported);
   connect(session_.get(), &Session::commandStarted, this, &MainWindow::updateState);
   connect(frontEnd_.get(), &DesktopFrontEnd::pickingChanged, this, [this] {
     // Within a command its start and its end tell.
@@ -329,7 +342,9 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
   if (isBusy() || urls.isEmpty() ||
       !std::all_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); }))
     return;
-  event->acceptProposedAction();
+  // Whatever the other program proposes: dropped files stay where they are.
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
   if (document_->isOpen()) statusBar()->showMessage(tr("Drop to open; hold Ctrl to add to the open drawing"));
 }
 
@@ -339,7 +354,8 @@ void MainWindow::dropEvent(QDropEvent* event) {
   QStringList paths;
   for (const QUrl& url : event->mimeData()->urls()) paths << url.toLocalFile();
   const bool isAddition = event->modifiers().testFlag(Qt::ControlModifier);
-  event->acceptProposedAction();
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
   statusBar()->clearMessage();
   // The program that the files come from waits until the drop is over.
   QMetaObject::invokeMethod(

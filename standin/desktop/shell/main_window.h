@@ -22,6 +22,7 @@ class Document;
 class DrawingComposer;
 class DrawingViews;
 class Edits;
+class HelpKey;
 class LeaveWish;
 class LongWork;
 class ObjectMaker;
@@ -113,6 +114,7 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<CommandPrompt> prompt_;
   std::unique_ptr<ReportAdviser> adviser_;
   std::unique_ptr<ReportOutcome> outcome_;
+  std::unique_ptr<HelpKey> helpKey_;
   std::unique_ptr<CloseWatch> closeWatch_;
 };
 

@@ -3,6 +3,7 @@
 #include <QFontMetrics>
 #include <QLabel>
 #include <QStatusBar>
+#include <cmath>
 
 #include "desktop/common/qt_text.h"
 #include "text/number_text.h"
@@ -50,8 +51,9 @@ void PlaceLine::showStation() {
     return;
   }
   const QString side = foot->offset < 0.0 ? tr("left") : foot->offset > 0.0 ? tr("right") : tr("on the axis");
-  station_->setText(tr("%1:  station %2   offset %3 %4")
-                        .arg(name, toQt(text::stationText(foot->station)), toQt(text::fixedText(foot->offset)), side));
+  station_->setText(
+      tr("%1:  station %2   offset %3 %4")
+          .arg(name, toQt(text::stationText(foot->station)), toQt(text::fixedText(std::abs(foot->offset))), side));
 }
 
 QString PlaceLine::placeText(const QString& east, const QString& north) {

@@ -7,6 +7,7 @@
 #include "desktop/panels/console_view.h"
 #include "desktop/panels/notice_bar.h"
 #include "desktop/shell/session.h"
+#include "host/dialog_controls.h"
 
 namespace lvx::desktop {
 
@@ -60,21 +61,54 @@ void ReportAdviser::accept(const QString& dialog, const host::DialogWindow& wind
   showInBar(warnings);
 }
 
-QStringList ReportAdviser::end(const CommandReport& report) {
-  QStringList changes;
-  if (!report.exception.isEmpty() && !report.interrupted) {
-    if (choices_)
-      for (const std::string& sentence : advice::whatToChange(choices_->objects, advice::messagesOf(session_.host())))
-        changes << asSentence(sentence);
-    for (const runtime::FileEvent& event : report.files)
-      if (event.fate == runtime::FileFate::Failed && toQt(event.path).endsWith(QLatin1String(".xls")))
-        changes << tr(
-            "The command ends where its workbook can't be saved, so that a page behind it is missing too. "
-            "Choose a place that can be written, or leave the workbook out.");
-  }
+civil::Handle ReportAdviser::profilesWanted(const QString& dialog, int button, const host::DialogWindow& window) const {
+  if (!session_.drawing() || dialog != QLatin1String(host::kGlsDialog) || button != host::kIdPickProfile) return 0;
+  const auto choices =
+      advice::choicesIn(toUtf8(dialog), window, session_.drawing()->drawing(), session_.drawing()->index(), picked_);
+  return choices && choices->objects.alignment != nullptr ? choices->objects.alignment->handle : 0;
+}
+
+ReportAdvice ReportAdviser::end(const CommandReport& report) {
+  ReportAdvice advice{whatToChange(report), missingFiles(report)};
   choices_.reset();
-  if (!changes.isEmpty()) showInBar(changes);
+  if (!advice.changes.isEmpty()) showInBar(advice.changes);
+  return advice;
+}
+
+QStringList ReportAdviser::whatToChange(const CommandReport& report) const {
+  QStringList changes;
+  if (report.exception.isEmpty() || report.interrupted) return changes;
+  if (choices_)
+    for (const std::string& sentence : advice::whatToChange(choices_->objects, advice::messagesOf(session_.host())))
+      changes << asSentence(sentence);
+  for (const runtime::FileEvent& event : report.files)
+    if (event.fate == runtime::FileFate::Failed && toQt(event.path).endsWith(QLatin1String(".xls")))
+      changes << tr(
+          "The command ends where its workbook can't be saved, so that a page behind it is missing too. "
+          "Choose a place that can be written, or leave the workbook out.");
+  if (changes.isEmpty())
+    changes << tr(
+        "The report could not go on with these objects. Diagnostics tells what is odd about them; with others it may "
+        "run.");
   return changes;
+}
+
+QStringList ReportAdviser::missingFiles(const CommandReport& report) const {
+  QStringList missing;
+  const bool hasFailed = std::any_of(report.files.begin(), report.files.end(), [](const runtime::FileEvent& event) {
+    return event.fate == runtime::FileFate::Failed;
+  });
+  if (!choices_ || report.interrupted || (report.exception.isEmpty() && !hasFailed)) return missing;
+  const auto look = [&](bool isWanted, const char* ending) {
+    const bool isTold = std::any_of(report.files.begin(), report.files.end(), [&](const runtime::FileEvent& event) {
+      return event.fate != runtime::FileFate::Removed && toQt(event.path).endsWith(QLatin1String(ending));
+    });
+    if (isWanted && !isTold) missing << toQt(choices_->stem) + QLatin1String(ending);
+  };
+  look(choices_->forms.text, ".txt");
+  look(choices_->forms.workbook, ".xls");
+  look(choices_->forms.page, ".html");
+  return missing;
 }
 
 void ReportAdviser::tell(const QString& sentence) {

@@ -1,5 +1,6 @@
 #include "desktop/shell/report_outcome.h"
 
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QUrl>
 #include <QUrlQuery>
@@ -7,8 +8,10 @@
 
 #include "desktop/common/qt_text.h"
 #include "desktop/panels/console_view.h"
+#include "desktop/panels/notice_bar.h"
 #include "desktop/panels/report_viewer.h"
 #include "desktop/shell/leave_wish.h"
+#include "desktop/shell/report_adviser.h"
 #include "desktop/shell/report_names.h"
 #include "desktop/shell/session.h"
 
@@ -33,18 +36,35 @@ QString link(const char* what, const QString& path, const QString& words) {
 
 }  // namespace
 
-ReportOutcome::ReportOutcome(QWidget& window, ConsoleView& console, const LeaveWish& leave, std::string codePage)
-    : window_(window), console_(console), leave_(leave), codePage_(std::move(codePage)) {
+ReportOutcome::ReportOutcome(QWidget& window, ConsoleView& console, NoticeBar& bar, const LeaveWish& leave,
+                             std::string codePage)
+    : window_(window), console_(console), bar_(bar), leave_(leave), codePage_(std::move(codePage)) {
   connect(&console_, &ConsoleView::linkActivated, this, &ReportOutcome::activateLink);
+  connect(&bar_, &NoticeBar::openWanted, this, &ReportOutcome::open);
+  connect(&bar_, &NoticeBar::folderWanted, this, &ReportOutcome::openFolder);
 }
 
-void ReportOutcome::tell(const CommandReport& report, bool hasUnsavedSections, const QStringList& changes) {
+void ReportOutcome::begin() { bar_.hide(); }
+
+void ReportOutcome::tell(const CommandReport& report, bool hasUnsavedSections, const ReportAdvice& advice) {
   const QStringList failed = printFiles(report);
-  printEnd(report, changes);
+  printEnd(report, advice);
+  showInBar(report, failed, advice.missing);
   if (hasUnsavedSections) console_.print(tr("The drawing has new sections that aren't saved yet."));
   if (!leave_.isThere() && !report.missingFolder.isEmpty()) tellMissingFolder(report.missingFolder);
   if (!leave_.isThere() && !failed.isEmpty() && !report.interrupted)
-    tellNotWritten(ReportNames::title(report.name), failed, changes);
+    tellNotWritten(ReportNames::title(report.name), failed + advice.missing, advice.changes);
+}
+
+void ReportOutcome::tellExported(const QString& path) {
+  printWritten(path, static_cast<quint64>(QFileInfo(path).size()));
+  bar_.tellOfFiles(NoticeBar::Sign::Done, tr("%1 is written.").arg(path), {path});
+}
+
+void ReportOutcome::printWritten(const QString& path, quint64 bytes) {
+  console_.printHtml(QStringLiteral("%1 &nbsp;%2 &nbsp; %3 &nbsp;·&nbsp; %4")
+                         .arg(path.toHtmlEscaped(), tr("%1 bytes").arg(bytes), link(kOpenLink, path, tr("Open")),
+                              link(kFolderLink, path, tr("Show in folder"))));
 }
 
 QStringList ReportOutcome::printFiles(const CommandReport& report) {
@@ -53,9 +73,7 @@ QStringList ReportOutcome::printFiles(const CommandReport& report) {
     const QString path = toQt(event.path);
     switch (event.fate) {
       case runtime::FileFate::Written:
-        console_.printHtml(QStringLiteral("%1 &nbsp;%2 &nbsp; %3 &nbsp;·&nbsp; %4")
-                               .arg(path.toHtmlEscaped(), tr("%1 bytes").arg(event.bytes),
-                                    link(kOpenLink, path, tr("Open")), link(kFolderLink, path, tr("Show in folder"))));
+        printWritten(path, event.bytes);
         break;
       case runtime::FileFate::Failed:
         failed << tr("%1: %2").arg(path, toQt(event.reason));
@@ -69,7 +87,32 @@ QStringList ReportOutcome::printFiles(const CommandReport& report) {
   return failed;
 }
 
-void ReportOutcome::printEnd(const CommandReport& report, const QStringList& changes) {
+void ReportOutcome::showInBar(const CommandReport& report, const QStringList& failed, const QStringList& missing) {
+  const QString title = ReportNames::title(report.name);
+  QStringList written;
+  QStringList names;
+  for (const runtime::FileEvent& event : report.files) {
+    if (event.fate != runtime::FileFate::Written) continue;
+    written << toQt(event.path);
+    names << QFileInfo(written.back()).fileName();
+  }
+  QStringList sentences;
+  if (report.interrupted)
+    sentences << tr("%1 was cancelled; no unfinished file was left.").arg(title);
+  else if (!report.exception.isEmpty())
+    sentences << tr("%1 ended by an exception: %2").arg(title, report.exception);
+  if (!failed.isEmpty()) sentences << tr("Not written: %1").arg(failed.join(QStringLiteral("; ")));
+  if (!missing.isEmpty()) sentences << tr("The command ended before %1.").arg(missing.join(QStringLiteral(", ")));
+  if (!report.missingFolder.isEmpty())
+    sentences << tr("There is no folder %1, and nothing was written.").arg(report.missingFolder);
+  const bool isDone = sentences.isEmpty();
+  if (isDone && written.isEmpty()) return;
+  if (!written.isEmpty()) sentences << tr("%1 wrote %2.").arg(title, names.join(QStringLiteral(", ")));
+  bar_.tellOfFiles(isDone ? NoticeBar::Sign::Done : NoticeBar::Sign::Warning, sentences.join(QLatin1Char(' ')),
+                   written);
+}
+
+void ReportOutcome::printEnd(const CommandReport& report, const ReportAdvice& advice) {
   const QString title = ReportNames::title(report.name);
   if (report.interrupted)
     console_.print(tr("%1 was cancelled; no unfinished file was left.").arg(title));
@@ -77,7 +120,9 @@ void ReportOutcome::printEnd(const CommandReport& report, const QStringList& cha
     console_.printError(tr("%1 ended by an exception: %2").arg(title, report.exception));
   else if (report.files.empty())
     console_.print(tr("%1 ended and wrote nothing.").arg(title));
-  for (const QString& change : changes) console_.printError(change);
+  if (!advice.missing.isEmpty())
+    console_.printError(tr("The command ended before %1.").arg(advice.missing.join(QStringLiteral(", "))));
+  for (const QString& change : advice.changes) console_.printError(change);
 }
 
 void ReportOutcome::tellNotWritten(const QString& title, const QStringList& failed, const QStringList& changes) {
@@ -109,9 +154,18 @@ void ReportOutcome::tellMissingFolder(const QString& folder) {
 void ReportOutcome::activateLink(const QUrl& url) {
   const QString path = QUrl::fromPercentEncoding(
       QUrlQuery(url).queryItemValue(QLatin1String(kFileOfLink), QUrl::FullyDecoded).toLatin1());
-  const QString problem =
-      url.path() == QLatin1String(kOpenLink) ? openReport(path, codePage_, &window_) : showInFolder(path);
-  if (!problem.isEmpty()) console_.printError(problem);
+  if (url.path() == QLatin1String(kOpenLink))
+    open(path);
+  else
+    openFolder(path);
+}
+
+void ReportOutcome::open(const QString& path) {
+  if (const QString problem = openReport(path, codePage_, &window_); !problem.isEmpty()) console_.printError(problem);
+}
+
+void ReportOutcome::openFolder(const QString& path) {
+  if (const QString problem = showInFolder(path); !problem.isEmpty()) console_.printError(problem);
 }
 
 }  // namespace lvx::desktop

@@ -240,6 +240,7 @@ void WindowActions::buildTools() {
     button->setMenu(menu);
     button->setPopupMode(QToolButton::InstantPopup);
     button->setToolTip(tip);
+    button->setAccessibleName(menu->title().remove(QLatin1Char('&')));
     tools_->addWidget(button);
   };
   addMenuButton(layerMenu_, tr("<b>Layers</b><br>What is drawn"));

@@ -1,5 +1,6 @@
 #include "desktop/shell/window_panels.h"
 
+#include <QAction>
 #include <QCoreApplication>
 #include <QDockWidget>
 #include <QMainWindow>
@@ -39,13 +40,18 @@ QDockWidget* addDock(QMainWindow& window, const QString& name, const QString& ti
   dock->setObjectName(name);
   dock->setWidget(widget);
   window.addDockWidget(area, dock);
+  // Opened behind another one it would seem not to have come.
+  QObject::connect(dock->toggleViewAction(), &QAction::triggered, dock, [dock](bool isOpened) {
+    if (isOpened) dock->raise();
+  });
   return dock;
 }
 
 }  // namespace
 
 WindowPanels::WindowPanels(QMainWindow& window)
-    : notice(new NoticeBar),
+    : notice(new NoticeBar(QStringLiteral("notice"))),
+      outcome(new NoticeBar(QStringLiteral("outcome"))),
       plan(new PlanView),
       tree(new DrawingTree),
       console(new ConsoleView),
@@ -67,6 +73,7 @@ void WindowPanels::buildCentre(QMainWindow& window) const {
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
   layout->addWidget(notice);
+  layout->addWidget(outcome);
   layout->addWidget(plan, 1);
   window.setCentralWidget(centre);
 }

@@ -27,7 +27,10 @@ struct WindowPanels {
   void restore(QMainWindow& window, const QSettings& settings) const;
   static void save(const QMainWindow& window, QSettings& settings);
 
+  /// What asks or warns.
   NoticeBar* notice;
+  /// What came of a report or an export.
+  NoticeBar* outcome;
   PlanView* plan;
   DrawingTree* tree;
   ConsoleView* console;

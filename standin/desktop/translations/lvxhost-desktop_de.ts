@@ -46,6 +46,25 @@
     </message>
 </context>
 <context>
+    <name>FileBoxes</name>
+    <message>
+        <source>Replace a file?</source>
+        <translation>Eine Datei ersetzen?</translation>
+    </message>
+    <message>
+        <source>%1 is there already.</source>
+        <translation>%1 gibt es schon.</translation>
+    </message>
+    <message>
+        <source>Its content is lost when it is replaced.</source>
+        <translation>Wird sie ersetzt, ist ihr Inhalt verloren.</translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>&amp;Ersetzen</translation>
+    </message>
+</context>
+<context>
     <name>ObjectNames</name>
     <message>
         <source>Site</source>
@@ -195,20 +214,28 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <translation>%1 kann nicht geschrieben werden: %2.</translation>
     </message>
     <message>
-        <source>PDF document (*.pdf)</source>
-        <translation>PDF-Dokument (*.pdf)</translation>
-    </message>
-    <message>
-        <source>SVG drawing (*.svg)</source>
-        <translation>SVG-Zeichnung (*.svg)</translation>
-    </message>
-    <message>
         <source>Export the chart</source>
         <translation>Bild exportieren</translation>
     </message>
     <message>
         <source>Heights:</source>
         <translation>Überhöhung:</translation>
+    </message>
+    <message>
+        <source>Enlargement of heights</source>
+        <translation>Überhöhung</translation>
+    </message>
+    <message>
+        <source>Lines of the chart</source>
+        <translation>Linien des Bildes</translation>
+    </message>
+    <message>
+        <source>PDF document</source>
+        <translation>PDF-Dokument</translation>
+    </message>
+    <message>
+        <source>SVG drawing</source>
+        <translation>SVG-Zeichnung</translation>
     </message>
 </context>
 <context>
@@ -258,6 +285,10 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>There is no help page for %1.</source>
         <translation>Zu %1 gibt es keine Hilfeseite.</translation>
+    </message>
+    <message>
+        <source>Picked: %1</source>
+        <translation>Gewählt: %1</translation>
     </message>
 </context>
 <context>
@@ -332,6 +363,10 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>The reader found nothing odd in the drawing.</source>
         <translation>Beim Lesen der Zeichnung ist nichts aufgefallen.</translation>
+    </message>
+    <message>
+        <source>What the reader found</source>
+        <translation>Was beim Lesen auffiel</translation>
     </message>
 </context>
 <context>
@@ -432,18 +467,6 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <translation>Was neu ist, gehört in andere Dateien als %1.</translation>
     </message>
     <message>
-        <source>Replace a file?</source>
-        <translation>Eine Datei ersetzen?</translation>
-    </message>
-    <message>
-        <source>%1 is there already.</source>
-        <translation>%1 gibt es schon.</translation>
-    </message>
-    <message>
-        <source>&amp;Replace</source>
-        <translation>&amp;Ersetzen</translation>
-    </message>
-    <message>
         <source>It is read itself: as a file of the drawing or as the message file.</source>
         <translation>Sie wird selbst gelesen: als Datei der Zeichnung oder als Meldungsdatei.</translation>
     </message>
@@ -454,14 +477,6 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>Save the drawing as</source>
         <translation>Zeichnung speichern unter</translation>
-    </message>
-    <message>
-        <source>LandXML drawings (*.xml);;All files (*)</source>
-        <translation>LandXML-Zeichnungen (*.xml);;Alle Dateien (*)</translation>
-    </message>
-    <message>
-        <source>The file was changed by another program since it was opened, and saving would undo that.</source>
-        <translation>Die Datei wurde seit dem Öffnen von einem anderen Programm geändert, und Speichern würde das rückgängig machen.</translation>
     </message>
     <message>
         <source>Saving %1 was cancelled; the drawing isn&apos;t saved.</source>
@@ -530,6 +545,38 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>&amp;Convert</source>
         <translation>&amp;Umrechnen</translation>
+    </message>
+    <message>
+        <source>LandXML drawings</source>
+        <translation>LandXML-Zeichnungen</translation>
+    </message>
+    <message>
+        <source>All files</source>
+        <translation>Alle Dateien</translation>
+    </message>
+    <message>
+        <source>Somebody else changed the file</source>
+        <translation>Jemand anders hat die Datei geändert</translation>
+    </message>
+    <message>
+        <source>%1 was changed by another program since it was opened.</source>
+        <translation>%1 wurde seit dem Öffnen von einem anderen Programm geändert.</translation>
+    </message>
+    <message>
+        <source>Save as writes the drawing as it is here under another name, and both are kept. Replacing the file loses what the other program wrote.</source>
+        <translation>„Speichern unter“ schreibt die Zeichnung, wie sie hier ist, unter einem anderen Namen, und beide bleiben erhalten. Wird die Datei ersetzt, ist verloren, was das andere Programm schrieb.</translation>
+    </message>
+    <message>
+        <source>What is new here belongs into that file. Replacing it loses what the other program wrote; Cancel leaves the drawing open and unsaved.</source>
+        <translation>Was hier neu ist, gehört in diese Datei. Wird sie ersetzt, ist verloren, was das andere Programm schrieb; Abbrechen lässt die Zeichnung offen und ungespeichert.</translation>
+    </message>
+    <message>
+        <source>&amp;Replace the file</source>
+        <translation>Datei &amp;ersetzen</translation>
+    </message>
+    <message>
+        <source>%1 isn&apos;t saved: it was changed by another program since it was opened.</source>
+        <translation>%1 ist nicht gespeichert: Ein anderes Programm hat die Datei seit dem Öffnen geändert.</translation>
     </message>
 </context>
 <context>
@@ -617,12 +664,42 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <source>Close other programs, or split the drawing.</source>
         <translation>Schließen Sie andere Programme, oder teilen Sie die Zeichnung.</translation>
     </message>
+    <message>
+        <source>Making surfaces ready</source>
+        <translation>DGMs werden aufbereitet</translation>
+    </message>
 </context>
 <context>
     <name>lvx::desktop::DrawingTree</name>
     <message>
-        <source>Find an object by its name</source>
-        <translation>Objekt nach Namen suchen</translation>
+        <source>Find by name, points by number</source>
+        <translation>Namen suchen, Punkte nach Nummer</translation>
+    </message>
+    <message>
+        <source>Objects of the drawing</source>
+        <translation>Objekte der Zeichnung</translation>
+    </message>
+    <message>
+        <source>Nothing found</source>
+        <translation>Nichts gefunden</translation>
+    </message>
+    <message>
+        <source>Point %1: Enter shows it</source>
+        <translation>Punkt %1: Enter zeigt ihn</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n found: Enter goes to the next</source>
+        <translation>
+            <numerusform>%n gefunden: Enter geht zum nächsten</numerusform>
+            <numerusform>%n gefunden: Enter geht zum nächsten</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Point %1 and %n more: Enter goes to the next</source>
+        <translation>
+            <numerusform>Punkt %1 und %n weiteres: Enter geht zum nächsten</numerusform>
+            <numerusform>Punkt %1 und %n weitere: Enter geht zum nächsten</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -933,6 +1010,21 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     </message>
 </context>
 <context>
+    <name>lvx::desktop::NoticeBar</name>
+    <message>
+        <source>Show in folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+</context>
+<context>
     <name>lvx::desktop::ObjectMaker</name>
     <message>
         <source>New profile “%1”</source>
@@ -994,10 +1086,6 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <translation>Lageplan</translation>
     </message>
     <message>
-        <source>Nothing here. Esc ends.</source>
-        <translation>Hier ist nichts. Esc beendet.</translation>
-    </message>
-    <message>
         <source>Nothing to show</source>
         <translation>Nichts zu zeigen</translation>
     </message>
@@ -1036,6 +1124,18 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>R or Shift removes, Enter ends</source>
         <translation>R oder Umschalt entfernt, Enter beendet</translation>
+    </message>
+    <message>
+        <source>(%1 of %2)</source>
+        <translation>(%1 von %2)</translation>
+    </message>
+    <message>
+        <source>Space: the next below, Esc: back</source>
+        <translation>Leertaste: das nächste darunter, Esc: zurück</translation>
+    </message>
+    <message>
+        <source>Here or in the tree, Esc: back</source>
+        <translation>Hier oder im Baum, Esc: zurück</translation>
     </message>
 </context>
 <context>
@@ -1233,6 +1333,10 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <source>Close</source>
         <translation>Schließen</translation>
     </message>
+    <message>
+        <source>The report could not go on with these objects. Diagnostics tells what is odd about them; with others it may run.</source>
+        <translation>Der Bericht kam mit diesen Objekten nicht weiter. Unter „Diagnose“ steht, was an ihnen seltsam ist; mit anderen läuft er vielleicht.</translation>
+    </message>
 </context>
 <context>
     <name>lvx::desktop::ReportOutcome</name>
@@ -1306,6 +1410,22 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>Make it, or choose another place for the output file.</source>
         <translation>Legen Sie ihn an, oder wählen Sie einen anderen Ort für die Ausgabedatei.</translation>
+    </message>
+    <message>
+        <source>%1 is written.</source>
+        <translation>%1 ist geschrieben.</translation>
+    </message>
+    <message>
+        <source>Not written: %1</source>
+        <translation>Nicht geschrieben: %1</translation>
+    </message>
+    <message>
+        <source>The command ended before %1.</source>
+        <translation>Der Befehl endete vor %1.</translation>
+    </message>
+    <message>
+        <source>%1 wrote %2.</source>
+        <translation>%1 schrieb %2.</translation>
     </message>
 </context>
 <context>

@@ -22,6 +22,23 @@
     </message>
 </context>
 <context>
+    <name>lvx::desktop::DrawingTree</name>
+    <message numerus="yes">
+        <source>%n found: Enter goes to the next</source>
+        <translation>
+            <numerusform>%n found: Enter goes to it</numerusform>
+            <numerusform>%n found: Enter goes to the next</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Point %1 and %n more: Enter goes to the next</source>
+        <translation>
+            <numerusform>Point %1 and %n more: Enter goes to the next</numerusform>
+            <numerusform>Point %1 and %n more: Enter goes to the next</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>lvx::desktop::DrawingTreeModel</name>
     <message numerus="yes">
         <source>%n region(s)</source>
