@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -9,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "landxml/writer.h"
+#include "support/run_program.h"
 
 namespace lvx::landxml::testing {
 
@@ -27,31 +27,27 @@ inline void writeBytes(const std::filesystem::path& path, const std::string& byt
 /// A folder that goes with the test.
 class ScratchFolder {
  public:
-  ScratchFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "lvx-saving-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) ADD_FAILURE() << "no folder " << pattern;
-    path_ = pattern;
-  }
+  ScratchFolder() = default;
   ScratchFolder(const ScratchFolder&) = delete;
   ScratchFolder& operator=(const ScratchFolder&) = delete;
   ~ScratchFolder() {
+    // The folder's own end takes away what is in it.
     std::error_code ignored;
-    std::filesystem::permissions(path_, std::filesystem::perms::owner_all, ignored);
-    std::filesystem::remove_all(path_, ignored);
+    std::filesystem::permissions(path(), std::filesystem::perms::owner_all, ignored);
   }
-  [[nodiscard]] std::string file(const std::string& name) const { return (path_ / name).string(); }
-  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+  [[nodiscard]] std::string file(const std::string& name) const { return (path() / name).string(); }
+  [[nodiscard]] const std::filesystem::path& path() const { return folder_.path(); }
   /// Names of the files that a saving left, besides drawings.
   [[nodiscard]] std::size_t temporaryFiles() const {
     std::size_t count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(path_)) {
+    for (const auto& entry : std::filesystem::directory_iterator(path())) {
       count += entry.path().filename().string().rfind(".lvx-save-", 0) == 0 ? 1 : 0;
     }
     return count;
   }
 
  private:
-  std::filesystem::path path_;
+  test::TemporaryFolder folder_;
 };
 
 /// Text of the error with which saving ends; empty where it doesn't.

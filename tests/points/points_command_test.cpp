@@ -135,7 +135,7 @@ TEST_F(PointsCommandTest, TellsThatAStemHasNoFolderAndGivesTheDialogBackWithIt) 
 }
 
 TEST_F(PointsCommandTest, GivesTheDialogBackWithoutAWordWhereTheFolderIsMissing) {
-  user.steps = {okWith({kAscii}, host.folder() + L"missing/road"), okWith({kAscii})};
+  user.steps = {okWith({kAscii}, host.folder() + L"missing" + host.folder().back() + L"road"), okWith({kAscii})};
   run();
   EXPECT_TRUE(host.users().boxes.empty());
   EXPECT_EQ(user.openings, 2U);

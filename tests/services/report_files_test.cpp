@@ -92,21 +92,23 @@ TEST_F(ReportFilesTest, FindsTheFolderOfAStemAtItsLastMark) {
     CString stem;
     StemFolder expected;
   };
+  const wchar_t mark = host_.folder().back();
+  const wchar_t letter = mark == L'/' ? L'\\' : L'/';  // the other system's mark is a letter of the name on this one
   const Row rows[] = {
       {L"road", StemFolder::None},
       {L"", StemFolder::None},
       {host_.folder() + L"road", StemFolder::Exists},
       {host_.folder(), StemFolder::Exists},
-      {host_.folder() + L"nothing/road", StemFolder::Missing},
-      {host_.folder() + L"nothing\\road", StemFolder::Exists},  // a letter of the name on this system
-      {L"/road", StemFolder::Exists},
+      {host_.folder() + L"nothing" + mark + L"road", StemFolder::Missing},
+      {host_.folder() + L"nothing" + letter + L"road", StemFolder::Exists},
+      {mark + CString(L"road"), StemFolder::Exists},
   };
   for (const Row& row : rows) EXPECT_EQ(folderOfStem(host_, row.stem), row.expected) << platform::toUtf8(row.stem);
 }
 
 TEST_F(ReportFilesTest, TellsOnlyThatAStemHasNoFolderNotThatItsFolderIsMissing) {
   EXPECT_TRUE(mayWriteUnderStem(host_, host_.folder() + L"road"));
-  EXPECT_FALSE(mayWriteUnderStem(host_, host_.folder() + L"nothing/road"));
+  EXPECT_FALSE(mayWriteUnderStem(host_, host_.folder() + L"nothing" + host_.folder().back() + L"road"));
   EXPECT_TRUE(host_.users().boxes.empty());
   EXPECT_FALSE(mayWriteUnderStem(host_, L"road"));
   EXPECT_EQ(host_.users().boxes,

@@ -46,7 +46,7 @@ std::string around(const std::string& bytes, std::size_t place) {
 }  // namespace
 
 std::string readBytes(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(std::filesystem::path(path), std::ios::binary);
   if (!file) {
     ADD_FAILURE() << "no such file: " << path;
     return {};

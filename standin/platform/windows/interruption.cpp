@@ -25,9 +25,14 @@ bool hear() {
 }
 
 BOOL WINAPI hearConsole(DWORD event) {
-  if (!hear()) return FALSE;
+  const bool isKey = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
+  if (!hear()) {
+    // The code that the system itself ends it with; Wine would take the one of success.
+    if (isKey) TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_CONTROL_C_EXIT));
+    return FALSE;
+  }
   // With the console or the session everything ends that answers this; so it doesn't, as long as the system waits.
-  if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(INFINITE);
+  if (!isKey) Sleep(INFINITE);
   return TRUE;
 }
 
