@@ -680,6 +680,25 @@ TEST(TriangleLinks, AreThoseOfAPlainListOfEdges) {
     rows.points.push_back({10.0 * static_cast<double>(i), -50.0, 1.0});
     rows.triangles.push_back({twice.a, twice.b, static_cast<std::int32_t>(rows.points.size() - 1)});
   }
+  // Points of hundreds of edges, numbered before and behind those around them; some of their triangles over others.
+  for (const bool isFirst : {true, false}) {
+    constexpr std::int32_t kSpokes = 400;
+    const auto first = static_cast<std::int32_t>(rows.points.size());
+    const std::int32_t hub = isFirst ? first : first + kSpokes;
+    const std::int32_t ring = isFirst ? first + 1 : first;
+    const double y = isFirst ? -5000.0 : -9000.0;
+    if (isFirst) rows.points.push_back({0.0, y, 1.0});
+    for (int i = 0; i < kSpokes; ++i) {
+      const double angle = 2 * M_PI * i / kSpokes;
+      rows.points.push_back({1000.0 * std::cos(angle), y + 1000.0 * std::sin(angle), 1.0});
+    }
+    if (!isFirst) rows.points.push_back({0.0, y, 1.0});
+    for (std::int32_t i = 0; i < kSpokes; ++i) {
+      const Triangle spoke{hub, ring + i, ring + (i + 1) % kSpokes};
+      for (int times = 0; times <= (i % 7 == 0) + (i % 21 == 0); ++times) rows.triangles.push_back(spoke);
+      if (i % 11 == 0) rows.triangles.push_back({ring + i, hub, ring + (i + 20) % kSpokes});
+    }
+  }
   for (const bool isMixed : {false, true}) {
     Tin t = isMixed ? renumbered(rows, random) : rows;
     t.triangles.resize(detail::windAndPartition(t.points, t.triangles));

@@ -384,7 +384,7 @@ TEST_F(PlanViewTest, TheSpaceBarGoesThroughWhatLiesOneAboveTheOtherForAPick) {
   // Elsewhere the uppermost is meant again.
   plan.picked.clear();
   plan.pick();
-  user.click(plan.view, plan.at(100, 0));
+  user.click(plan.view, plan.at(130, 0));
   EXPECT_TRUE(user.waitFor([&] { return !plan.picked.empty(); }));
   EXPECT_THAT(plan.picked, ElementsAre(kRoad));
 }

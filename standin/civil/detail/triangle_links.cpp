@@ -55,6 +55,10 @@ class TriangleLinks::Matching {
   static constexpr std::size_t kBlock = 256;
   /// Edges that wait at a point in a row, as a rule all.
   static constexpr std::size_t kInRow = 4;
+  /// Edges that wait at a point at all; where there are more, the others are sorted, so that a point of thousands of edges
+  /// doesn't cost their square.
+  static constexpr std::uint8_t kMostWaiting = 24;
+  static constexpr std::uint8_t kCrowded = kMostWaiting + 1;
   /// An edge as one triangle has it.
   struct Side {
     std::int32_t lower = 0;
@@ -98,7 +102,8 @@ class TriangleLinks::Matching {
   }
 
   /// Edges that run from the smaller corner to the larger wait at the own one of their ends, the smaller one of two, where
-  /// those of the other direction find them: the first few in a row that is looked through at one glance, more in a chain.
+  /// those of the other direction find them: the first few in a row that is looked through at one glance, some more in a
+  /// chain. Beyond that they are sorted at the end.
   void matchWithin(std::size_t stretch, Found& found) {
     const std::int32_t first = firstPoints_[stretch];
     const auto ownCount = static_cast<std::size_t>(firstPoints_[stretch + 1] - first);
@@ -115,7 +120,10 @@ class TriangleLinks::Matching {
       std::array<Link, kInRow> matched;
     };
     const auto rows = std::make_unique_for_overwrite<Row[]>(ownCount);
-    std::vector<std::uint8_t> inRow(ownCount, 0);
+    std::vector<std::uint8_t> waitingAt(ownCount, 0);
+    const auto inRow = [&](std::size_t point) { return std::min<std::size_t>(waitingAt[point], kInRow); };
+    // Edges that may have more than two triangles, or whose point is crowded.
+    std::vector<Link> odd;
     for (std::size_t i = 0; i < ownCount; ++i) rows[i].others.fill(kEnd);
     struct Waiting {
       std::int32_t other;
@@ -166,11 +174,18 @@ class TriangleLinks::Matching {
           continue;
         }
         const auto point = static_cast<std::size_t>(place.chain - chains.data());
-        if (const std::size_t next = inRow[point]; next < kInRow) {
+        std::uint8_t& count = waitingAt[point];
+        if (count >= kMostWaiting) {
+          count = kCrowded;
+          noLink(side.edge);
+          odd.push_back(side.edge);
+          continue;
+        }
+        const std::size_t next = count++;
+        if (next < kInRow) {
           rows[point].others[next] = place.other;
           rows[point].edges[next] = side.edge;
           rows[point].matched[next] = kNoLink;
-          inRow[point] = static_cast<std::uint8_t>(next + 1);
           continue;
         }
         waiting[static_cast<std::size_t>(waitingCount)] = {place.other, *place.chain, side.edge, kNoLink};
@@ -178,8 +193,6 @@ class TriangleLinks::Matching {
       }
     }
     const auto at = [&](std::int32_t number) -> Waiting& { return waiting[static_cast<std::size_t>(number)]; };
-    // Edges that may have more than two triangles.
-    std::vector<Link> odd;
     for (std::size_t i = 0; i < fallingCount; ++i) {
       const Side& side = falling[i];
       const Place place = placeOf(side);
@@ -216,7 +229,7 @@ class TriangleLinks::Matching {
       link(counterpart.edge, side.edge, found);
     }
     for (std::size_t point = 0; point < ownCount; ++point) {
-      for (std::size_t j = 0; j < inRow[point]; ++j) {
+      for (std::size_t j = 0; j < inRow(point); ++j) {
         if (rows[point].matched[j] != kNoLink) continue;
         noLink(rows[point].edges[j]);
         odd.push_back(rows[point].edges[j]);
@@ -227,12 +240,13 @@ class TriangleLinks::Matching {
       noLink(at(number).edge);
       odd.push_back(at(number).edge);
     }
-    // With an edge that found none goes what was matched of the same: the rules count all of it.
+    // With an edge that found none goes what was matched of the same: the rules count all of it. Two that lie on both sides
+    // of one edge and were matched with nothing come from a crowded point.
     eachSameEdge(odd, [&](std::span<const Side> sides) {
       const Place place = placeOf(sides.front());
       std::size_t count = sides.size();
       const auto point = static_cast<std::size_t>(place.chain - chains.data());
-      for (std::size_t j = 0; j < inRow[point]; ++j) {
+      for (std::size_t j = 0; j < inRow(point); ++j) {
         const Row& row = rows[point];
         if (row.others[j] != place.other || row.matched[j] == kNoLink) continue;
         count += 2;
@@ -247,6 +261,9 @@ class TriangleLinks::Matching {
         noLink(its.matched);
       }
       if (count > 2) ++found.overlapping;
+      if (count != 2 || sides.size() != 2 || isRising(sides[0]) == isRising(sides[1])) return;
+      link(sides[0].edge, sides[1].edge, found);
+      link(sides[1].edge, sides[0].edge, found);
     });
     std::sort(found.far.begin(), found.far.end(), isBefore);
   }
