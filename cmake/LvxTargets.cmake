@@ -25,6 +25,8 @@ if(WIN32)
   target_compile_options(lvx_flags INTERFACE -Wno-attributes)
   # The linker writes no time, so that the same sources make the same bytes.
   target_link_options(lvx_flags INTERFACE -Wl,--no-insert-timestamp)
+  # Sections begin at pages, as in memory: Wine maps such a file and reads no page that isn't used; else it copies the whole.
+  target_link_options(lvx_flags INTERFACE -Wl,--file-alignment,4096)
   # Of a system's header only what is asked for by name, without macros called min and max, for Windows 10.
   target_compile_definitions(lvx_flags INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
   include("${CMAKE_CURRENT_LIST_DIR}/windows/delayed_libraries.cmake")
