@@ -137,6 +137,8 @@ struct SectionPoint {
 struct SectionPart {
   CodeList codes;
   std::vector<SectionPoint> points;
+  /// The last point leads back to the first: an area, such as a layer of the road. Drawn so; reports list points alone.
+  bool isClosed = false;
 };
 
 enum class SectionOrigin : std::uint8_t { Given, Computed };

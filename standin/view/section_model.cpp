@@ -135,6 +135,7 @@ SectionCorridor pictureOf(const civil::Corridor& corridor, const civil::Baseline
   for (const civil::SectionPart& part : section.parts) {
     SectionShape& shape = picture.parts.emplace_back();
     shape.codes = part.codes.list();
+    shape.isClosed = part.isClosed;
     for (const civil::SectionPoint& point : part.points)
       shape.points.push_back({{point.offset, picture.profileElevation + point.elevation}, point.codes.list()});
   }
@@ -148,6 +149,8 @@ Lines SectionCorridor::lines() const {
   for (const SectionShape& part : parts) {
     Line& line = lines.emplace_back();
     for (const SectionPlace& point : part.points) line.push_back(point.place);
+    if (part.isClosed && part.points.size() > 2 && line.front() != line.back())
+      line.push_back(part.points.front().place);
   }
   return lines;
 }

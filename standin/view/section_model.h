@@ -32,6 +32,7 @@ struct SectionPlace {
 struct SectionShape {
   std::vector<std::string> codes;
   std::vector<SectionPlace> points;
+  bool isClosed = false;  ///< the last point leads back to the first
 };
 
 /// What one corridor builds there, by one of its baselines.
@@ -45,7 +46,7 @@ struct SectionCorridor {
   /// Elevation of the baseline's profile, which the section is drawn on; 0 without a profile.
   double profileElevation = 0.0;
   std::vector<SectionShape> parts;
-  /// The parts as lines.
+  /// The parts as lines; of a closed one the first point stands at the end again.
   [[nodiscard]] Lines lines() const;
 };
 

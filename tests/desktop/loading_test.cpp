@@ -81,6 +81,7 @@ TEST_F(Loading, ShowsHowFarItIsAndTakesTheTreesFindBoxMeanwhile) {
   EXPECT_EQ(onGui([&] { return find->text(); }), QStringLiteral("mill"));
   ASSERT_TRUE(program.user.waitFor([&] { return !strip->isVisible(); }, std::chrono::seconds(120)));
   EXPECT_THAT(shown.all(), testing::ContainsRegex("Reading large.xml: [0-9.]+ [kM]B of [0-9.]+ MB"));
+  EXPECT_THAT(shown.all(), testing::HasSubstr("large.xml: Making surfaces ready"));
   EXPECT_EQ(nameOfOpen(program), "large.xml");
   EXPECT_TRUE(program.isEnabled("lvx_Report_Que"));
   EXPECT_EQ(onGui([&] { return find->text(); }), QString());

@@ -336,6 +336,36 @@ TEST(SectionModel, PutsTheCorridorOntoItsProfile) {
   EXPECT_NEAR(lines[1][1].y, 400.5, 1e-9);
 }
 
+TEST(SectionModel, LeadsAClosedPartBackToItsFirstPoint) {
+  SectionCorridor corridor;
+  corridor.parts.push_back({{"Base"}, {{{-3, 1}, {}}, {{3, 1}, {}}, {{0, 0}, {}}}, true});
+  corridor.parts.push_back({{"Top"}, {{{-3, 1}, {}}, {{3, 1}, {}}, {{0, 2}, {}}}, false});
+  // Some programs repeat the first point by themselves.
+  corridor.parts.push_back({{"Base"}, {{{-3, 1}, {}}, {{3, 1}, {}}, {{0, 0}, {}}, {{-3, 1}, {}}}, true});
+  corridor.parts.push_back({{"Line"}, {{{-3, 1}, {}}, {{3, 1}, {}}}, true});
+  const Lines lines = corridor.lines();
+  ASSERT_EQ(lines.size(), 4U);
+  EXPECT_THAT(lines[0], ElementsAre(Vec2{-3, 1}, Vec2{3, 1}, Vec2{0, 0}, Vec2{-3, 1}));
+  EXPECT_EQ(lines[1].size(), 3U);
+  EXPECT_EQ(lines[2].size(), 4U);
+  EXPECT_EQ(lines[3].size(), 2U) << "two points enclose nothing";
+}
+
+TEST(SectionModel, DrawsTheLayersOfTheExampleClosed) {
+  const civil::Drawing drawing = landxml::readDrawing(test::inSource("/examples/valley-road.xml"));
+  std::size_t closed = 0;
+  for (const civil::Corridor& corridor : drawing.corridors)
+    for (const civil::Baseline& baseline : corridor.baselines)
+      for (const civil::Region& region : baseline.regions)
+        for (const civil::CorridorSection& section : region.sections)
+          for (const civil::SectionPart& part : section.parts) {
+            const std::vector<std::string> codes = part.codes.list();
+            EXPECT_EQ(part.isClosed, !codes.empty() && (codes.front() == "Base" || codes.front() == "Curb"));
+            if (part.isClosed) ++closed;
+          }
+  EXPECT_GT(closed, 10U);
+}
+
 TEST(SectionModel, HasNoCorridorWhereItHasNoSection) {
   SectionDrawing drawing;
   drawing.addCorridor({kRegion});

@@ -316,6 +316,8 @@ std::size_t countNamed(Node parent, std::string_view name) {
 civil::SectionPart readPart(Context& context, Node surface, const std::string& speaker) {
   civil::SectionPart part;
   part.codes = context.codes(surface.attribute("name").value());
+  const std::string_view closed = surface.attribute("closedArea").value();
+  part.isClosed = closed == "true" || closed == "1";
   part.points.reserve(countNamed(surface, "CrossSectPnt"));
   eachChild(surface, "CrossSectPnt", [&](Node node) {
     Vec2 point;
