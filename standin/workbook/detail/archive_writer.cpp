@@ -114,12 +114,12 @@ void writeArchive(const std::filesystem::path& frame, const std::filesystem::pat
       writer.end();
       return;
     }
-    const auto [head, tail] = aroundRows(text);
+    const auto around = aroundRows(text);
     bool isBegun = false;
     const auto sheet = [&](std::string& piece) {
-      if (!std::exchange(isBegun, true)) piece += head;
+      if (!std::exchange(isBegun, true)) piece += around.first;
       const bool hasMore = rows(piece);
-      if (!hasMore) piece += tail;
+      if (!hasMore) piece += around.second;
       return hasMore;
     };
     writer.begin(name, true, isLarge);
