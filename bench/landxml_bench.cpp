@@ -4,7 +4,6 @@
 //
 // One run a process, so that the peak memory is the task's own. `extract` prints the sums of all numbers, by which other
 // readers of the same file can be compared; `load` opens the drawing as the host does.
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <exception>
@@ -18,15 +17,7 @@
 
 namespace {
 
-class Stopwatch {
- public:
-  [[nodiscard]] double seconds() const {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-  }
-
- private:
-  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-};
+using lvx::bench::Stopwatch;
 
 void extract(const std::string& path, double megabytes, const lvx::landxml::ReadOptions& options) {
   using namespace lvx::landxml;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <charconv>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -15,6 +16,17 @@
 
 /// What the benchmarks share around what they time.
 namespace lvx::bench {
+
+/// Runs from where it is made.
+class Stopwatch {
+ public:
+  [[nodiscard]] double seconds() const {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+  }
+
+ private:
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
 
 /// Compiler, flags and processor, before the first figure.
 inline void printMachine() {

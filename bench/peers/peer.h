@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <chrono>
 #include <cmath>
 #include <concepts>
 #include <cstdint>
@@ -31,6 +30,8 @@
 ///     probes.f64      points beside the alignment: x y
 ///     tin.xml         surface and alignment as LandXML, every decimal of which parses to the double of the other files
 namespace lvx::peers {
+
+using bench::Stopwatch;
 
 // ---------------------------------------------------------------- arguments, clock, line
 
@@ -61,16 +62,6 @@ class Arguments {
 
  private:
   std::map<std::string, std::string> values_;
-};
-
-class Stopwatch {
- public:
-  [[nodiscard]] double seconds() const {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-  }
-
- private:
-  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
 /// The one line that a program prints: an object of JSON.

@@ -78,6 +78,12 @@ quint64 ScreenReader::statesOf(const Node& node) const {
   return quint64{reply.value()[1]} << 32U | reply.value()[0];
 }
 
+QString ScreenReader::roleOf(const Node& node) const {
+  const QDBusReply<QString> role = reader_->call(QDBusMessage::createMethodCall(
+      node.service, node.path.path(), QLatin1String(kAccessible), QStringLiteral("GetRoleName")));
+  return role.value();
+}
+
 QString ScreenReader::labelOf(const Node& node) const {
   constexpr uint kLabelledBy = 2;
   const QDBusMessage reply = reader_->call(QDBusMessage::createMethodCall(
@@ -107,9 +113,7 @@ QString ScreenReader::labelOf(const Node& node) const {
 
 Spoken ScreenReader::spokenOf(const Node& node) const {
   Spoken spoken;
-  const QDBusReply<QString> role = reader_->call(QDBusMessage::createMethodCall(
-      node.service, node.path.path(), QLatin1String(kAccessible), QStringLiteral("GetRoleName")));
-  spoken.role = role.value();
+  spoken.role = roleOf(node);
   spoken.name = property(node, QLatin1String(kAccessible), QStringLiteral("Name")).toString();
   QDBusMessage text = QDBusMessage::createMethodCall(node.service, node.path.path(),
                                                      QStringLiteral("org.a11y.atspi.Text"), QStringLiteral("GetText"));
@@ -135,11 +139,8 @@ bool ScreenReader::eachShowing(const Node& node, const std::function<bool(const 
   const quint64 states = statesOf(node);
   if (!has(states, kShowing)) return false;
   if (use(node, states)) return true;
-  const QDBusReply<QString> role = reader_->call(QDBusMessage::createMethodCall(
-      node.service, node.path.path(), QLatin1String(kAccessible), QStringLiteral("GetRoleName")));
-  if (role.value() == QLatin1String("tree") || role.value() == QLatin1String("table") ||
-      role.value() == QLatin1String("list"))
-    return false;
+  const QString role = roleOf(node);
+  if (role == QLatin1String("tree") || role == QLatin1String("table") || role == QLatin1String("list")) return false;
   for (const Node& child : childrenOf(node))
     if (eachShowing(child, use)) return true;
   return false;

@@ -43,6 +43,7 @@ class ScreenReader {
     QString service;
     QDBusObjectPath path;
   };
+  [[nodiscard]] QString roleOf(const Node& node) const;
   [[nodiscard]] QString labelOf(const Node& node) const;
   [[nodiscard]] std::vector<Node> childrenOf(const Node& node) const;
   [[nodiscard]] quint64 statesOf(const Node& node) const;

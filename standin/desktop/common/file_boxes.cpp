@@ -33,7 +33,7 @@ QString filterOf(const FileForm& form) {
 QString startFolder(FilePurpose purpose) {
   for (const QString& folder : {folders().last.value(static_cast<int>(purpose)), folders().drawing})
     if (!folder.isEmpty() && QFileInfo(folder).isDir()) return folder;
-  return {};
+  return QDir::homePath();
 }
 
 void rememberFolderOf(FilePurpose purpose, const QString& file) {
@@ -69,8 +69,7 @@ bool asksToReplace(QWidget* parent, const QString& path) {
 std::optional<QString> askTarget(QWidget* parent, const TargetQuestion& question) {
   QStringList filters;
   for (const FileForm& form : question.forms) filters << filterOf(form);
-  const QString folder = startFolder(question.purpose);
-  QFileDialog box(parent, question.title, folder.isEmpty() ? QDir::homePath() : folder);
+  QFileDialog box(parent, question.title, startFolder(question.purpose));
   box.setObjectName(QStringLiteral("targetBox"));
   box.setAcceptMode(QFileDialog::AcceptSave);
   box.setFileMode(QFileDialog::AnyFile);

@@ -17,7 +17,7 @@ namespace lvx::desktop {
 enum class FilePurpose : std::uint8_t { Drawing, Report, Export };
 
 /// Where a box for such files starts: in the folder of the last one since the drawing was opened, at first in the drawing's
-/// own. Empty where neither is known; folders that are gone don't count.
+/// own, else in the user's; folders that are gone don't count.
 [[nodiscard]] QString startFolder(FilePurpose purpose);
 /// A file of that purpose was chosen.
 void rememberFolderOf(FilePurpose purpose, const QString& file);

@@ -138,8 +138,7 @@ std::optional<QString> askSavePath(QWidget* parent, const QString& filter, std::
   box.setAcceptMode(QFileDialog::AcceptSave);
   box.setFileMode(QFileDialog::AnyFile);
   if (const QStringList filters = nameFilters(filter); !filters.isEmpty()) box.setNameFilters(filters);
-  const QString folder = startFolder(FilePurpose::Report);
-  box.setDirectory(folder.isEmpty() ? QDir::homePath() : folder);
+  box.setDirectory(startFolder(FilePurpose::Report));
   const bool accepted = box.exec() == QDialog::Accepted;
   returnToOwner(owner);
   if (!accepted || box.selectedFiles().isEmpty()) return std::nullopt;

@@ -19,8 +19,7 @@ host::BoxAnswer showMessageBox(QWidget* parent, const QString& text, host::BoxBu
 
 /// Opens the file box in its save form: the full path that the user chose, as typed: no extension is added, and nothing is
 /// asked about a file that is there, since the command asks that. With host::kPromptCreate in `flags` a file that isn't
-/// there is asked about, and a No returns to the box. Starts where reports went last (startFolder), else in the user's
-/// own folder.
+/// there is asked about, and a No returns to the box. Starts where reports went last (startFolder).
 std::optional<QString> askSavePath(QWidget* parent, const QString& filter, std::uint32_t flags);
 
 /// A filter in the framework's format ("label|pattern|label|pattern||") as name filters of a file dialog. Patterns may be

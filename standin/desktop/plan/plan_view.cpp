@@ -361,6 +361,7 @@ void PlanView::hover(QPointF place) {
   hovered_.reset();
   if (!isOnPile(place)) pile_.reset();
   if (!corner_) hovered_ = meantAt(place);
+  isOnSeveral_ = mode_ == Mode::Pick && (pile_ || pileAt(place).size() > 1);
   // The ground is everywhere: naming it at every step would be noise, unless it may be what is wanted.
   if (hovered_ && hovered_->kind == ObjectKind::Surface && mode_ == Mode::None && !pile_) hovered_.reset();
   // The box beside the pointer moves with it.
@@ -731,8 +732,7 @@ QStringList PlanView::pointerBox() const {
 
 QString PlanView::pointerHint() const {
   if (mode_ == Mode::Pick) {
-    const bool isSeveral = mouse_ && (pile_ || pileAt(*mouse_).size() > 1);
-    return isSeveral ? tr("Space: the next below, Esc: back") : tr("Here or in the tree, Esc: back");
+    return mouse_ && isOnSeveral_ ? tr("Space: the next below, Esc: back") : tr("Here or in the tree, Esc: back");
   }
   if (mode_ != Mode::Select) return {};
   if (corner_) return mouse_ && mouse_->x() < cornerPixel().x() ? tr("Inside and touched") : tr("Wholly inside");

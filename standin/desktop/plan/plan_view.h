@@ -197,6 +197,8 @@ class PlanView : public QWidget {
     bool isClicked = false;  ///< the next click at the place means the next of them
   };
   std::optional<Pile> pile_;
+  /// While a pick runs: the mouse is on several objects.
+  bool isOnSeveral_ = false;
   std::optional<QPointF> mouse_;
   std::optional<Press> press_;
   std::optional<QPointF> panFrom_;

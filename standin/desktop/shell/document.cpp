@@ -321,7 +321,7 @@ QString Document::changedByOthers(const QString& target) const {
   if (isOwnFile(target) && files_.at(0).isReplaced()) return path();
   for (const std::string& added : landxml::changedAddedFiles(session_.drawing()->drawing()))
     for (std::size_t number = 1; number < files_.size(); ++number)
-      if (QFile::encodeName(files_.at(number).path()).toStdString() == added && files_.at(number).isReplaced())
+      if (encodedPath(files_.at(number).path()) == added && files_.at(number).isReplaced())
         return files_.at(number).path();
   return {};
 }

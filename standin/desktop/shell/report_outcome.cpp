@@ -97,14 +97,10 @@ void ReportOutcome::showInBar(const CommandReport& report, const QStringList& fa
     names << QFileInfo(written.back()).fileName();
   }
   QStringList sentences;
-  if (report.interrupted)
-    sentences << tr("%1 was cancelled; no unfinished file was left.").arg(title);
-  else if (!report.exception.isEmpty())
-    sentences << tr("%1 ended by an exception: %2").arg(title, report.exception);
+  if (const QString end = endOf(report); !end.isEmpty()) sentences << end;
   if (!failed.isEmpty()) sentences << tr("Not written: %1").arg(failed.join(QStringLiteral("; ")));
-  if (!missing.isEmpty()) sentences << tr("The command ended before %1.").arg(missing.join(QStringLiteral(", ")));
-  if (!report.missingFolder.isEmpty())
-    sentences << tr("There is no folder %1, and nothing was written.").arg(report.missingFolder);
+  if (!missing.isEmpty()) sentences << endedBefore(missing);
+  if (!report.missingFolder.isEmpty()) sentences << isMissing(report.missingFolder);
   const bool isDone = sentences.isEmpty();
   if (isDone && written.isEmpty()) return;
   if (!written.isEmpty()) sentences << tr("%1 wrote %2.").arg(title, names.join(QStringLiteral(", ")));
@@ -112,16 +108,30 @@ void ReportOutcome::showInBar(const CommandReport& report, const QStringList& fa
                    written);
 }
 
-void ReportOutcome::printEnd(const CommandReport& report, const ReportAdvice& advice) {
+QString ReportOutcome::endOf(const CommandReport& report) {
   const QString title = ReportNames::title(report.name);
+  if (report.interrupted) return tr("%1 was cancelled; no unfinished file was left.").arg(title);
+  if (!report.exception.isEmpty()) return tr("%1 ended by an exception: %2").arg(title, report.exception);
+  return {};
+}
+
+QString ReportOutcome::endedBefore(const QStringList& missing) {
+  return tr("The command ended before %1.").arg(missing.join(QStringLiteral(", ")));
+}
+
+QString ReportOutcome::isMissing(const QString& folder) {
+  return tr("There is no folder %1, and nothing was written.").arg(folder);
+}
+
+void ReportOutcome::printEnd(const CommandReport& report, const ReportAdvice& advice) {
+  const QString end = endOf(report);
   if (report.interrupted)
-    console_.print(tr("%1 was cancelled; no unfinished file was left.").arg(title));
-  else if (!report.exception.isEmpty())
-    console_.printError(tr("%1 ended by an exception: %2").arg(title, report.exception));
+    console_.print(end);
+  else if (!end.isEmpty())
+    console_.printError(end);
   else if (report.files.empty())
-    console_.print(tr("%1 ended and wrote nothing.").arg(title));
-  if (!advice.missing.isEmpty())
-    console_.printError(tr("The command ended before %1.").arg(advice.missing.join(QStringLiteral(", "))));
+    console_.print(tr("%1 ended and wrote nothing.").arg(ReportNames::title(report.name)));
+  if (!advice.missing.isEmpty()) console_.printError(endedBefore(advice.missing));
   for (const QString& change : advice.changes) console_.printError(change);
 }
 
@@ -137,9 +147,7 @@ void ReportOutcome::tellNotWritten(const QString& title, const QStringList& fail
   box.exec();
 }
 
-void ReportOutcome::printMissingFolder(const QString& folder) {
-  console_.printError(tr("There is no folder %1, and nothing was written.").arg(folder));
-}
+void ReportOutcome::printMissingFolder(const QString& folder) { console_.printError(isMissing(folder)); }
 
 void ReportOutcome::tellMissingFolder(const QString& folder) {
   // The command says nothing of it.

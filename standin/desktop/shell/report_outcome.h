@@ -38,6 +38,10 @@ class ReportOutcome : public QObject {
   void printWritten(const QString& path, quint64 bytes);
   /// Gives what couldn't be written, each with its reason.
   QStringList printFiles(const CommandReport& report);
+  /// How a command ended that didn't end as its user meant; else empty.
+  [[nodiscard]] static QString endOf(const CommandReport& report);
+  [[nodiscard]] static QString endedBefore(const QStringList& missing);
+  [[nodiscard]] static QString isMissing(const QString& folder);
   void printEnd(const CommandReport& report, const ReportAdvice& advice);
   void showInBar(const CommandReport& report, const QStringList& failed, const QStringList& missing);
   void tellNotWritten(const QString& title, const QStringList& failed, const QStringList& changes);
