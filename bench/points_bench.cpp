@@ -41,7 +41,6 @@ namespace {
 using lvx::civil::Element;
 using lvx::civil::ElementKind;
 using lvx::framework::CString;
-using lvx::points::tpoint;
 
 [[noreturn]] void fail(const std::string& what) {
   std::fprintf(stderr, "bench_points: %s\n", what.c_str());
@@ -169,17 +168,16 @@ class Bench {
 
   Steps report() {
     Steps steps;
-    lvx::framework::OwnedList<tpoint> rows;
+    lvx::points::PointList rows;
     const auto document = lvx::runtime::makeDocument(host_.openDrawing());
     const auto database = lvx::runtime::makeDatabase(host_.openDrawing());
-    steps.collect =
-        secondsOf([&] { lvx::points::collectPoints(document, database, L"", L"Axis", L"All", {}, rows.get()); });
-    steps.sort = secondsOf([&] { lvx::points::sortPointsByStation(rows.get()); });
+    steps.collect = secondsOf([&] { lvx::points::collectPoints(document, database, L"", L"Axis", L"All", {}, rows); });
+    steps.sort = secondsOf([&] { lvx::points::sortPointsByStation(rows); });
     const CString stem = lvx::platform::fromUtf8(folder_) + L"/report";
-    steps.text = secondsOf([&] { lvx::points::writePointsAscii(stem + L".txt", rows.get()); });
-    steps.workbookMegabytes = megabytesOf(
-        [&] { steps.workbook = secondsOf([&] { lvx::points::writePointsExcel(stem + L".xls", rows.get()); }); });
-    steps.page = secondsOf([&] { lvx::points::writePointsHtml(stem + L".html", rows.get()); });
+    steps.text = secondsOf([&] { lvx::points::writePointsAscii(stem + L".txt", rows); });
+    steps.workbookMegabytes =
+        megabytesOf([&] { steps.workbook = secondsOf([&] { lvx::points::writePointsExcel(stem + L".xls", rows); }); });
+    steps.page = secondsOf([&] { lvx::points::writePointsHtml(stem + L".html", rows); });
     return steps;
   }
 

@@ -1,6 +1,5 @@
 #include "points/point_collector.h"
 
-#include <memory>
 #include <utility>
 #include <vector>
 
@@ -29,22 +28,22 @@ std::vector<std::int32_t> numbersOfGroup(const Ref<host::QmtPointGroupList>& gro
   return numbers.isOneDimensional() ? std::move(numbers.values) : std::vector<std::int32_t>();
 }
 
-std::unique_ptr<tpoint> rowOf(std::int32_t number, const Ref<host::QmtPointList>& points, host::QmtAlignment& alignment,
-                              const CString& alignmentText) {
-  auto row = std::make_unique<tpoint>();
-  row->number = number;
-  row->alignmentName = alignmentText;
+tpoint rowOf(std::int32_t number, const Ref<host::QmtPointList>& points, host::QmtAlignment& alignment,
+             const CString& alignmentText) {
+  tpoint row;
+  row.number = number;
+  row.alignmentName = alignmentText;
   const Ref<host::QmtPoint> point = points ? points->itemByNumber(number) : nullptr;
   if (!point) return row;
-  row->easting = point->easting();
-  row->northing = point->northing();
-  row->elevation = point->elevation();
-  row->name = point->name();
-  row->description = point->description();
-  row->fullDescription = point->fullDescription();
-  const host::StationOffset place = alignment.stationOffset(row->easting, row->northing);
-  row->station = place.station;
-  row->offset = place.offset;
+  row.easting = point->easting();
+  row.northing = point->northing();
+  row.elevation = point->elevation();
+  row.name = point->name();
+  row.description = point->description();
+  row.fullDescription = point->fullDescription();
+  const host::StationOffset place = alignment.stationOffset(row.easting, row.northing);
+  row.station = place.station;
+  row.offset = place.offset;
   return row;
 }
 
@@ -59,12 +58,14 @@ void collectPoints(const Ref<host::QmtDocument>& document, const Ref<host::QmtDa
 
   const Ref<host::QmtPointGroupList> groups = document->pointGroups();
   const Ref<host::QmtPointList> points = document->points();
-  const std::vector<std::int32_t> numbers = groupText == getMessage(Message::PickedPoints)
-                                                ? std::vector<std::int32_t>(pickedNumbers.begin(), pickedNumbers.end())
-                                                : numbersOfGroup(groups, groupText);
-
-  rows.reserve(rows.size() + static_cast<framework::ArrayIndex>(numbers.size()));
-  for (const std::int32_t number : numbers) rows.append(rowOf(number, points, *alignment, alignmentText));
+  const auto collect = [&](const auto& numbers) {
+    rows.reserve(rows.size() + static_cast<framework::ArrayIndex>(numbers.size()));
+    for (const std::int32_t number : numbers) rows.add(rowOf(number, points, *alignment, alignmentText));
+  };
+  if (groupText == getMessage(Message::PickedPoints))
+    collect(pickedNumbers);
+  else
+    collect(numbersOfGroup(groups, groupText));
 }
 
 }  // namespace lvx::points

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/model.h"
-#include "points/tpoint.h"
+#include "points/point_list.h"
 
 namespace lvx::points {
 

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "points/tpoint.h"
+#include "points/point_list.h"
 
 namespace lvx::points {
 
-/// Sorts the rows by ascending station; rows of equal station keep their order. The records stay where they stand in the
-/// list and exchange their contents, all of it, so whoever holds a record sees the row of that place.
+/// Sorts the rows by ascending station; rows of equal station keep the order in which they were added. Takes no memory.
 ///
 /// A station that is no number compares with nothing: its row stays where it is, and no other row passes it, so that the
 /// stretches on either side are in order each for itself. O(n log n).

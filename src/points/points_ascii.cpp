@@ -48,8 +48,10 @@ bool writePointsAscii(const CString& fileName, const PointList& list) {
   }
   writeLine(file.get(), line);
 
-  for (const tpoint* row : list) {
-    for (std::size_t k = 0; k < kPointColumns.size(); ++k) appendPadded(line, kPointColumns[k].text(*row), widths[k]);
+  tpoint row;
+  for (framework::ArrayIndex i = 0; i < list.size(); ++i) {
+    list.read(i, row);
+    for (std::size_t k = 0; k < kPointColumns.size(); ++k) appendPadded(line, kPointColumns[k].text(row), widths[k]);
     writeLine(file.get(), line);
   }
   return true;

@@ -95,15 +95,15 @@ void runPointsReport(host::Host& host) {
     if (!dialogs::runUntilOk(host, dialog, pick)) return;
   } while (!services::mayWriteUnderStem(host, dialog.outputStem));
 
-  framework::OwnedList<tpoint> rows;
+  PointList rows;
   collectPoints(dialog.document, dialog.database, dialog.siteText, dialog.alignmentText, dialog.groupText,
-                pickedNumbers, rows.get());
-  sortPointsByStation(rows.get());
-  if (rows.get().isEmpty()) return;  // no file at all, and no question about those that stand
+                pickedNumbers, rows);
+  sortPointsByStation(rows);
+  if (rows.isEmpty()) return;  // no file at all, and no question about those that stand
   dialogs::writeTickedForms(host, dialog,
-                            {.ascii = [&](const CString& name) { writePointsAscii(name, rows.get()); },
-                             .excel = [&](const CString& name) { writePointsExcel(name, rows.get()); },
-                             .html = [&](const CString& name) { writePointsHtml(name, rows.get()); }});
+                            {.ascii = [&](const CString& name) { writePointsAscii(name, rows); },
+                             .excel = [&](const CString& name) { writePointsExcel(name, rows); },
+                             .html = [&](const CString& name) { writePointsHtml(name, rows); }});
 }
 
 }  // namespace lvx::points

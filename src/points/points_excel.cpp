@@ -28,11 +28,13 @@ bool writePointsExcel(const CString& fileName, const PointList& list) {
     services::writeCell(link, nameOfCell(k, kCaptionRow), services::getMessage(kPointColumns[k].caption));
 
   int sheetRow = kCaptionRow;
-  for (const tpoint* row : list) {
+  tpoint row;
+  for (framework::ArrayIndex i = 0; i < list.size(); ++i) {
+    list.read(i, row);
     ++sheetRow;
     for (std::size_t k = 0; k < kPointColumns.size(); ++k) {
       const CString cell = nameOfCell(k, sheetRow);
-      const CString text = kPointColumns[k].text(*row);
+      const CString text = kPointColumns[k].text(row);
       if (kPointColumns[k].isNumberCell)
         services::writeNumberCell(link, cell, text);
       else

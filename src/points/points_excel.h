@@ -1,6 +1,6 @@
 #pragma once
 
-#include "points/tpoint.h"
+#include "points/point_list.h"
 
 namespace lvx::points {
 

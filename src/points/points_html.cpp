@@ -45,9 +45,11 @@ bool writePointsHtml(const CString& fileName, const PointList& list) {
   appendCells(part, [](const PointColumn& column) { return services::getMessage(column.caption); });
   part += L"</b>";
   table.add(part);
-  for (const tpoint* row : list) {
+  tpoint row;
+  for (framework::ArrayIndex i = 0; i < list.size(); ++i) {
+    list.read(i, row);
     part.clear();
-    appendCells(part, [row](const PointColumn& column) { return column.text(*row); });
+    appendCells(part, [&row](const PointColumn& column) { return column.text(row); });
     table.add(part);
   }
   table.add(kPageEnd);

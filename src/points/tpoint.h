@@ -28,9 +28,6 @@ struct tpoint {
   CString spareText;
 };
 
-/// The rows of one report. Frees only its own storage: framework::OwnedList frees the rows at the end of a scope.
-using PointList = framework::CTypedPtrArray<framework::CPtrArray, tpoint*>;
-
 /// Numbers of the points that the user picked by hand, in the order in which the host delivered them.
 using PickedNumbers = framework::CArray<std::int32_t>;
 

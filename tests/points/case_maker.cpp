@@ -1,7 +1,5 @@
 #include "case_maker.h"
 
-#include <memory>
-
 #include <nlohmann/json.hpp>
 
 #include "platform/utf8.h"
@@ -36,18 +34,18 @@ ReportCase::ReportCase(const std::string& jsonText) {
   hasMessages = whole.contains("messages");
   if (hasMessages) messageBytes = messageLines(whole.at("messages"));
   for (const json& point : whole.at("points")) {
-    auto row = std::make_unique<tpoint>();
-    row->number = point.value("number", 0);
-    row->easting = point.value("easting", 0.0);
-    row->northing = point.value("northing", 0.0);
-    row->elevation = point.value("elevation", 0.0);
-    row->name = textOf(point, "name");
-    row->description = textOf(point, "description");
-    row->fullDescription = textOf(point, "fullDescription");
-    row->alignmentName = textOf(whole, "alignment", "Axis 1");
-    row->station = point.value("station", 0.0);
-    row->offset = point.value("offset", 0.0);
-    rows.get().add(row.release());
+    tpoint row;
+    row.number = point.value("number", 0);
+    row.easting = point.value("easting", 0.0);
+    row.northing = point.value("northing", 0.0);
+    row.elevation = point.value("elevation", 0.0);
+    row.name = textOf(point, "name");
+    row.description = textOf(point, "description");
+    row.fullDescription = textOf(point, "fullDescription");
+    row.alignmentName = textOf(whole, "alignment", "Axis 1");
+    row.station = point.value("station", 0.0);
+    row.offset = point.value("offset", 0.0);
+    rows.add(row);
   }
 }
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "points/tpoint.h"
+#include "points/point_list.h"
 
 namespace lvx::points {
 
@@ -22,7 +22,7 @@ struct ReportCase {
   bool hasMessages = false;
   /// Bytes of the message file in Windows-1252.
   std::string messageBytes;
-  framework::OwnedList<tpoint> rows;
+  PointList rows;
 
   /// Throws what the JSON reader throws.
   explicit ReportCase(const std::string& jsonText);

@@ -51,20 +51,20 @@ class PointsGolden : public testing::TestWithParam<std::string> {
 
 TEST_P(PointsGolden, TextIsRightToTheByte) {
   const CString fileName = case_.stem + L".txt";
-  writePointsAscii(fileName, case_.rows.get());
+  writePointsAscii(fileName, case_.rows);
   EXPECT_TRUE(test::matchesGolden(written(fileName), caseFile("expected.txt")));
 }
 
 TEST_P(PointsGolden, PageIsRightToTheByte) {
   const CString fileName = case_.stem + L".html";
-  EXPECT_TRUE(writePointsHtml(fileName, case_.rows.get()));
+  EXPECT_TRUE(writePointsHtml(fileName, case_.rows));
   EXPECT_TRUE(test::matchesGolden(written(fileName), caseFile("expected.html")));
 }
 
 TEST_P(PointsGolden, WorkbookGetsTheRightCellsInOrder) {
   const auto record = std::make_shared<test::ExcelRecord>();
   host_.setAutomationFactory(test::recordedBy(record));
-  EXPECT_TRUE(writePointsExcel(case_.stem + L".xls", case_.rows.get()));
+  EXPECT_TRUE(writePointsExcel(case_.stem + L".xls", case_.rows));
   EXPECT_TRUE(test::matchesGolden(test::cellLog(*record), caseFile("expected.cells")));
 }
 

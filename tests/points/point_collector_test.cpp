@@ -31,29 +31,29 @@ class PointCollectorTest : public testing::Test {
                         std::initializer_list<std::int32_t> picked = {}) {
     PickedNumbers numbers;
     for (const std::int32_t number : picked) numbers.add(number);
-    framework::destroyAll(rows_.get());
+    rows_ = PointList();
     const auto documents = drawing_.document.use_count();
     const auto databases = drawing_.database.use_count();
-    collectPoints(drawing_.document, drawing_.database, site, alignment, group, numbers, rows_.get());
+    collectPoints(drawing_.document, drawing_.database, site, alignment, group, numbers, rows_);
     EXPECT_EQ(drawing_.document.use_count(), documents);
     EXPECT_EQ(drawing_.database.use_count(), databases);
     std::string text;
-    for (const tpoint* row : rows_.get())
-      text += (text.empty() ? "" : " ") + std::to_string(row->number) + "@" +
-              std::to_string(static_cast<int>(row->station));
+    for (framework::ArrayIndex i = 0; i < rows_.size(); ++i)
+      text += (text.empty() ? "" : " ") + std::to_string(rows_[i].number) + "@" +
+              std::to_string(static_cast<int>(rows_[i].station));
     return text;
   }
 
   test::FakeHost host_;
   test::FakeDrawing drawing_;
-  framework::OwnedList<tpoint> rows_;
+  PointList rows_;
 };
 
 TEST_F(PointCollectorTest, FillsARowFromThePointAndTheAlignment) {
   drawing_.addAlignment(nullptr, L"Axis");
   collected(L"", L"Axis", L"Survey");
-  ASSERT_EQ(rows_.get().size(), 2);
-  const tpoint& row = *rows_.get()[0];
+  ASSERT_EQ(rows_.size(), 2);
+  const tpoint row = rows_[0];
   EXPECT_EQ(row.number, 17);
   EXPECT_EQ(row.easting, 100.0);
   EXPECT_EQ(row.northing, -4.0);
@@ -65,7 +65,7 @@ TEST_F(PointCollectorTest, FillsARowFromThePointAndTheAlignment) {
   EXPECT_EQ(row.station, 100.0);
   EXPECT_EQ(row.offset, 4.0);
   EXPECT_EQ(row.spareText, L"");
-  EXPECT_EQ(rows_.get()[1]->name, L"") << "nothing of the row before it stays";
+  EXPECT_EQ(rows_[1].name, L"") << "nothing of the row before it stays";
 }
 
 TEST_F(PointCollectorTest, TakesThreeTextsForNoSite) {
@@ -144,7 +144,7 @@ TEST_F(PointCollectorTest, GivesANumberThatNoPointHasARowOfZerosAndEmptyTexts) {
   alignment->project = [](double, double) { return host::StationOffset{5.0, 6.0}; };
   drawing_.addPointGroup(L"Gone", {17, 1234});
   EXPECT_EQ(collected(L"", L"Axis", L"Gone"), "17@5 1234@0");
-  const tpoint& row = *rows_.get()[1];
+  const tpoint row = rows_[1];
   EXPECT_EQ(row.easting, 0.0);
   EXPECT_EQ(row.northing, 0.0);
   EXPECT_EQ(row.elevation, 0.0);
@@ -170,17 +170,17 @@ TEST_F(PointCollectorTest, GivesNoRowsWhereTheHostHasNothing) {
   EXPECT_EQ(collected(L"", L"Axis", L"Survey"), "");
   drawing_.document->pointList.reset();
   EXPECT_EQ(collected(L"", L"Axis", L"picked ones", {17}), "17@0");
-  framework::OwnedList<tpoint> rows;
-  collectPoints(nullptr, nullptr, L"", L"Axis", L"Survey", {}, rows.get());
-  collectPoints(nullptr, nullptr, L"S", L"Axis", L"Survey", {}, rows.get());
-  EXPECT_TRUE(rows.get().isEmpty());
+  PointList rows;
+  collectPoints(nullptr, nullptr, L"", L"Axis", L"Survey", {}, rows);
+  collectPoints(nullptr, nullptr, L"S", L"Axis", L"Survey", {}, rows);
+  EXPECT_TRUE(rows.isEmpty());
 }
 
 TEST_F(PointCollectorTest, AppendsToTheRowsThatStandThere) {
   drawing_.addAlignment(nullptr, L"Axis");
   collected(L"", L"Axis", L"Survey");
-  collectPoints(drawing_.document, drawing_.database, L"", L"Axis", L"Survey", {}, rows_.get());
-  EXPECT_EQ(rows_.get().size(), 4);
+  collectPoints(drawing_.document, drawing_.database, L"", L"Axis", L"Survey", {}, rows_);
+  EXPECT_EQ(rows_.size(), 4);
 }
 
 // ---------------------------------------------------------------- the list of groups

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <limits>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,28 +13,42 @@
 namespace lvx::points {
 namespace {
 
-using Rows = framework::OwnedList<tpoint>;
+using Rows = std::vector<tpoint>;
 
 /// Rows with these stations; every other field tells the row's first position.
-void fill(Rows& rows, const std::vector<double>& stations) {
+Rows rowsAt(const std::vector<double>& stations) {
+  Rows rows;
   std::int32_t number = 0;
   for (const double station : stations) {
-    auto row = std::make_unique<tpoint>();
+    tpoint row;
     const std::wstring mark = std::to_wstring(number);
-    row->number = number;
-    row->easting = number + 0.1;
-    row->northing = number + 0.2;
-    row->elevation = number + 0.3;
-    row->name = L"name " + mark;
-    row->description = L"description " + mark;
-    row->fullDescription = L"full description " + mark;
-    row->alignmentName = L"alignment " + mark;
-    row->station = station;
-    row->offset = number + 0.4;
-    row->spareText = L"spare " + mark;
-    rows.get().add(row.release());
+    row.number = number;
+    row.easting = number + 0.1;
+    row.northing = number + 0.2;
+    row.elevation = number + 0.3;
+    row.name = L"name " + mark;
+    row.description = L"description " + mark;
+    row.fullDescription = L"full description " + mark;
+    row.alignmentName = L"alignment " + mark;
+    row.station = station;
+    row.offset = number + 0.4;
+    row.spareText = L"spare " + mark;
+    rows.push_back(row);
     ++number;
   }
+  return rows;
+}
+
+PointList listOf(const Rows& rows) {
+  PointList list;
+  for (const tpoint& row : rows) list.add(row);
+  return list;
+}
+
+Rows rowsOf(const PointList& list) {
+  Rows rows;
+  for (framework::ArrayIndex i = 0; i < list.size(); ++i) rows.push_back(list[i]);
+  return rows;
 }
 
 bool sameContents(const tpoint& a, const tpoint& b) {
@@ -50,15 +63,16 @@ bool sameContents(const tpoint& a, const tpoint& b) {
 
 /// What the report's order means, in the plainest words: neighbours exchange their contents where the first's station is
 /// greater, in ever shorter passes, until a pass exchanges none.
-void exchangeSort(PointList& rows) {
-  framework::ArrayIndex last = rows.size();
+void exchangeSort(Rows& rows) {
+  std::size_t last = rows.size();
   bool swapped = false;
   do {
     swapped = false;
-    if (--last < 1) return;
-    for (framework::ArrayIndex i = 1; i <= last; ++i) {
-      if (!(rows[i - 1]->station > rows[i]->station)) continue;
-      std::swap(*rows[i - 1], *rows[i]);
+    if (last < 2) return;
+    --last;
+    for (std::size_t i = 1; i <= last; ++i) {
+      if (!(rows[i - 1].station > rows[i].station)) continue;
+      std::swap(rows[i - 1], rows[i]);
       swapped = true;
     }
   } while (swapped);
@@ -66,15 +80,18 @@ void exchangeSort(PointList& rows) {
 
 std::vector<std::int32_t> numbers(const Rows& rows) {
   std::vector<std::int32_t> all;
-  for (const tpoint* row : rows.get()) all.push_back(row->number);
+  for (const tpoint& row : rows) all.push_back(row.number);
   return all;
 }
 
+Rows sorted(const Rows& rows) {
+  PointList list = listOf(rows);
+  sortPointsByStation(list);
+  return rowsOf(list);
+}
+
 std::vector<std::int32_t> sortedNumbers(const std::vector<double>& stations) {
-  Rows rows;
-  fill(rows, stations);
-  sortPointsByStation(rows.get());
-  return numbers(rows);
+  return numbers(sorted(rowsAt(stations)));
 }
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
@@ -95,40 +112,25 @@ TEST(PointSort, LeavesAnEmptyListAndAListOfOneRowAsTheyAre) {
   EXPECT_EQ(sortedNumbers({7.0}), Numbers{0});
 }
 
-std::vector<const tpoint*> records(const Rows& rows) {
-  std::vector<const tpoint*> all;
-  for (const tpoint* row : rows.get()) all.push_back(row);
-  return all;
-}
-
-TEST(PointSort, ExchangesContentsWhileTheRecordsKeepTheirPlaces) {
-  Rows rows;
-  fill(rows, {3.0, 1.0, 2.0});
-  const std::vector<const tpoint*> before = records(rows);
-  sortPointsByStation(rows.get());
-  EXPECT_EQ(records(rows), before);
-  EXPECT_EQ(before[0]->number, 1);
-  EXPECT_EQ(before[2]->number, 0);
-}
-
 TEST(PointSort, TakesEveryFieldAlong) {
-  Rows rows;
-  fill(rows, {3.0, 1.0, 2.0});
-  Rows untouched;
-  fill(untouched, {3.0, 1.0, 2.0});
-  sortPointsByStation(rows.get());
-  for (const tpoint* row : rows.get()) {
-    SCOPED_TRACE(row->number);
-    EXPECT_TRUE(sameContents(*row, *untouched.get()[row->number]));
+  const Rows untouched = rowsAt({3.0, 1.0, 2.0});
+  for (const tpoint& row : sorted(untouched)) {
+    SCOPED_TRACE(row.number);
+    EXPECT_TRUE(sameContents(row, untouched[static_cast<std::size_t>(row.number)]));
   }
 }
 
+TEST(PointSort, KeepsTheOrderOfEqualStationsWhenSortedAgain) {
+  PointList list = listOf(rowsAt({2.0, 1.0, 2.0, 1.0}));
+  sortPointsByStation(list);
+  sortPointsByStation(list);
+  EXPECT_EQ(numbers(rowsOf(list)), (Numbers{1, 3, 0, 2}));
+}
+
 TEST(PointSort, LeavesTheSpareTextEmptyWhereItWas) {
-  Rows rows;
-  fill(rows, {2.0, 1.0});
-  for (tpoint* row : rows.get()) row->spareText.clear();
-  sortPointsByStation(rows.get());
-  for (const tpoint* row : rows.get()) EXPECT_EQ(row->spareText, L"");
+  Rows rows = rowsAt({2.0, 1.0});
+  for (tpoint& row : rows) row.spareText.clear();
+  for (const tpoint& row : sorted(rows)) EXPECT_EQ(row.spareText, L"");
 }
 
 TEST(PointSort, LetsNoRowPassAStationThatIsNoNumber) {
@@ -147,9 +149,8 @@ TEST(PointSort, AgreesWithTheExchangeOfNeighboursOnEveryOrderOfFew) {
     for (bool more = true; more;) {
       std::vector<double> stations;
       for (const std::size_t digit : digits) stations.push_back(choices[digit]);
-      Rows plain;
-      fill(plain, stations);
-      exchangeSort(plain.get());
+      Rows plain = rowsAt(stations);
+      exchangeSort(plain);
       ASSERT_EQ(sortedNumbers(stations), numbers(plain)) << testing::PrintToString(stations);
       ++compared;
       more = false;
@@ -176,14 +177,12 @@ TEST(PointSort, AgreesWithTheExchangeOfNeighboursOnRandomRows) {
       const bool noNumber = std::uniform_int_distribution<int>(1, 100)(random) <= noNumbers;
       station = noNumber ? kNan : std::uniform_int_distribution<int>(-different, different)(random) * 0.5;
     }
-    Rows plain;
-    fill(plain, stations);
-    exchangeSort(plain.get());
-    Rows rows;
-    fill(rows, stations);
-    sortPointsByStation(rows.get());
-    for (framework::ArrayIndex i = 0; i < rows.get().size(); ++i)
-      ASSERT_TRUE(sameContents(*rows.get()[i], *plain.get()[i])) << "round " << round << ", row " << i;
+    Rows plain = rowsAt(stations);
+    const Rows rows = sorted(plain);
+    exchangeSort(plain);
+    ASSERT_EQ(rows.size(), plain.size());
+    for (std::size_t i = 0; i < rows.size(); ++i)
+      ASSERT_TRUE(sameContents(rows[i], plain[i])) << "round " << round << ", row " << i;
   }
 }
 

@@ -34,11 +34,13 @@ class PointsWriters : public testing::Test {
     host_.useMessageBytes(bytes);
   }
 
-  tpoint& addRow() {
-    auto row = std::make_unique<tpoint>();
-    tpoint& made = *row;
-    rows_.get().add(row.release());
-    return made;
+  /// Good until the next one is added.
+  tpoint& addRow() { return rows_.emplace_back(); }
+
+  [[nodiscard]] PointList list() const {
+    PointList list;
+    for (const tpoint& row : rows_) list.add(row);
+    return list;
   }
 
   /// The row of the text form's example.
@@ -60,7 +62,7 @@ class PointsWriters : public testing::Test {
   /// Lines of the text form below its header, without their ends.
   std::vector<std::string> textLines() {
     const CString name = host_.folder() + L"report.txt";
-    writePointsAscii(name, rows_.get());
+    writePointsAscii(name, list());
     const std::string bytes = test::readBytes(platform::toUtf8(name));
     std::vector<std::string> lines;
     for (std::size_t start = 0; start < bytes.size();) {
@@ -79,12 +81,12 @@ class PointsWriters : public testing::Test {
 
   std::string page() {
     const CString name = host_.folder() + L"report.html";
-    EXPECT_TRUE(writePointsHtml(name, rows_.get()));
+    EXPECT_TRUE(writePointsHtml(name, list()));
     return test::readBytes(platform::toUtf8(name));
   }
 
   test::FakeHost host_;
-  framework::OwnedList<tpoint> rows_;
+  std::vector<tpoint> rows_;
 };
 
 TEST_F(PointsWriters, FillsTheTenColumnsFromTheRight) {
@@ -163,7 +165,7 @@ TEST_F(PointsWriters, StopALineOfTextAtALetterThatTheReportsCannotExpress) {
   addExample().description = L"\u0416";
   addExample();
   const CString name = host_.folder() + L"report.txt";
-  writePointsAscii(name, rows_.get());
+  writePointsAscii(name, list());
   const std::string bytes = test::readBytes(platform::toUtf8(name));
   // The line loses its rest and its end, so that the next one follows on it.
   EXPECT_NE(bytes.find("       312.100             A                         17      1000.500"), std::string::npos);
@@ -180,7 +182,7 @@ TEST_F(PointsWriters, LoseTheRestOfThePageBehindALetterThatTheReportsCannotExpre
 TEST_F(PointsWriters, KeepTheTableWhereTheHeaderHoldsSuchALetter) {
   addExample();
   const CString name = host_.folder() + L"\u0416.html";
-  EXPECT_TRUE(writePointsHtml(name, rows_.get()));
+  EXPECT_TRUE(writePointsHtml(name, list()));
   const std::string bytes = test::readBytes(platform::toUtf8(name));
   EXPECT_NE(bytes.find(static_cast<char>(host_.folder().back()) + std::string("<table border='1'")), std::string::npos)
       << "the header ends within the path, the table is a write of its own: " << bytes;
@@ -217,7 +219,7 @@ TEST_F(PointsWriters, WriteTheFirstPointInRow11AndTheThirdInRow13) {
   for (int i = 0; i < 3; ++i) addExample().number = 100 + i;
   const auto record = std::make_shared<test::ExcelRecord>();
   host_.setAutomationFactory(test::recordedBy(record));
-  EXPECT_TRUE(writePointsExcel(L"report.xls", rows_.get()));
+  EXPECT_TRUE(writePointsExcel(L"report.xls", list()));
   EXPECT_EQ(record->texts.at(L"A11"), L"100");
   EXPECT_EQ(record->texts.at(L"A13"), L"102");
   EXPECT_FALSE(record->texts.contains(L"A8"));
@@ -232,7 +234,7 @@ TEST_F(PointsWriters, HandTextsToTheSheetAsTheyAre) {
   row.description = L"100 % c";
   const auto record = std::make_shared<test::ExcelRecord>();
   host_.setAutomationFactory(test::recordedBy(record));
-  EXPECT_TRUE(writePointsExcel(L"report.xls", rows_.get()));
+  EXPECT_TRUE(writePointsExcel(L"report.xls", list()));
   EXPECT_EQ(record->texts.at(L"E11"), L"=1+1");
   EXPECT_EQ(record->texts.at(L"F11"), L"100 % c");
   EXPECT_EQ(record->texts.at(L"G11"), L"");
@@ -240,7 +242,7 @@ TEST_F(PointsWriters, HandTextsToTheSheetAsTheyAre) {
 
 TEST_F(PointsWriters, TellThatTheSpreadsheetProgramIsMissing) {
   addExample();
-  EXPECT_FALSE(writePointsExcel(L"report.xls", rows_.get()));
+  EXPECT_FALSE(writePointsExcel(L"report.xls", list()));
   ASSERT_EQ(host_.users().boxes.size(), 1U);
   EXPECT_EQ(host_.users().boxes[0].text, L"Couldn't start Excel and get Application object.");
 }
@@ -250,15 +252,15 @@ TEST_F(PointsWriters, LetAFailureOfTheSpreadsheetProgramThrough) {
   const auto record = std::make_shared<test::ExcelRecord>();
   record->failAtWrite = 20;
   host_.setAutomationFactory(test::recordedBy(record));
-  EXPECT_THROW(writePointsExcel(L"report.xls", rows_.get()), framework::AutomationException);
+  EXPECT_THROW(writePointsExcel(L"report.xls", list()), framework::AutomationException);
   EXPECT_EQ(record->givenUp, 1);
 }
 
 TEST_F(PointsWriters, WriteNothingAndSayNothingWhereAFileCannotBeOpened) {
   addExample();
   const CString name = host_.folder() + L"missing/report";
-  EXPECT_FALSE(writePointsAscii(name + L".txt", rows_.get()));
-  EXPECT_FALSE(writePointsHtml(name + L".html", rows_.get()));
+  EXPECT_FALSE(writePointsAscii(name + L".txt", list()));
+  EXPECT_FALSE(writePointsHtml(name + L".html", list()));
   EXPECT_FALSE(std::filesystem::exists(platform::toUtf8(host_.folder()) + "missing"));
   EXPECT_TRUE(host_.users().boxes.empty());
 }
