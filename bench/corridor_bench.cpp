@@ -14,6 +14,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <time.h>
@@ -39,16 +40,21 @@ double spread(std::size_t i, std::size_t count) {
   return kLength * static_cast<double>(i) / static_cast<double>(count - 1);
 }
 
-/// A road of two lanes and a kerb whose edges and cross-falls swing along the way.
+/// A road of two lanes and a kerb whose edges and cross-falls swing along the way. All sections share their codes and lie in
+/// common memory, as those that are read from a drawing do.
 CorridorSection makeSection(double station) {
+  static const CodeList kPave{"Pave", "Top"};
+  static const CodeList kKerb{"Kerb"};
+  static const CodeList kEdge{"ETW"};
+  static const CodeList kCrown{"Crown"};
+  static const CodeList kTopKerb{"Top_Curb"};
   const double left = -4.0 + 0.5 * std::sin(station / 97.0);
   const double right = 4.0 + 0.5 * std::cos(station / 71.0);
   CorridorSection section{station, {}, SectionOrigin::Given, {}};
-  section.parts.push_back({{"Pave", "Top"},
-                           {{left, 0.03 * left * std::sin(station / 211.0), {"ETW"}},
-                            {0.0, 0.0, {"Crown"}},
-                            {right, -0.025 * right, {"ETW"}}}});
-  section.parts.push_back({{"Kerb"}, {{right, -0.025 * right, {}}, {right, 0.12 - 0.025 * right, {"Top_Curb"}}}});
+  section.parts.push_back(
+      {kPave,
+       {{left, 0.03 * left * std::sin(station / 211.0), kEdge}, {0.0, 0.0, kCrown}, {right, -0.025 * right, kEdge}}});
+  section.parts.push_back({kKerb, {{right, -0.025 * right, {}}, {right, 0.12 - 0.025 * right, kTopKerb}}});
   return section;
 }
 
@@ -62,11 +68,14 @@ Corridor makeCorridor(const Size& size) {
       baseline.regions[r].startStation = kLength * static_cast<double>(r) / static_cast<double>(size.regions);
       baseline.regions[r].endStation = kLength * static_cast<double>(r + 1) / static_cast<double>(size.regions);
     }
+    SectionMemory memory;
     for (std::size_t i = 0; i < size.sections; ++i) {
       const std::size_t r = std::min(i * size.regions / size.sections, size.regions - 1);
       const double station = spread(i, size.sections);
       baseline.regions[r].stations.insert(baseline.regions[r].stations.end(), station);
-      baseline.regions[r].sections.push_back(makeSection(station));
+      CorridorSection section = makeSection(station);
+      section.parts = SectionParts(section.parts, memory);
+      baseline.regions[r].sections.push_back(std::move(section));
     }
   }
   return corridor;

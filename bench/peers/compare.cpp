@@ -55,10 +55,11 @@ std::vector<PlannedJob> allJobs() {
     std::vector<Program> programs{{kBench + "sample", "runs=3 data="}};
     if (!hasCorners) programs.push_back({kPeers + "sample_cgal", "data=", "libcgal-dev"});
     programs.push_back({kPeers + "sample_geos", "data=", "libgeos-dev libgeos++-dev"});
+    if (!hasCorners) programs.push_back({kPeers + "sample_vtk", "data=", "libvtk9-dev"});
     if (!hasCorners) programs.push_back({kPeers + "sample_bound", "data="});
     return programs;
   };
-  const std::vector<Peer> samplingPeers{{"CGAL walk"}, {"GEOS tree"}, {"plain walk", true}};
+  const std::vector<Peer> samplingPeers{{"CGAL walk"}, {"GEOS tree"}, {"VTK locator"}, {"plain walk", true}};
   const auto readers = [](const std::string& ours) {
     return std::vector<Program>{{kBench + "landxml", ours + " file="},
                                 {kPeers + "read_libxml2", "file=", "libxml2-dev"},

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <map>
 #include <string>
 #include <utility>
 
@@ -67,19 +68,20 @@ auto firstFrom(Sections& sections, double station) {
 class ControlWalk {
  public:
   explicit ControlWalk(const std::vector<CorridorSection>& sections) {
+    controls_.reserve(sections.size());
     for (const CorridorSection& section : sections)
       if (section.origin == SectionOrigin::Given) controls_.push_back(&section);
   }
   [[nodiscard]] bool isEmpty() const { return controls_.empty(); }
 
   /// `station` must not be below that of the last call.
-  [[nodiscard]] std::vector<SectionPart> partsAt(double station) {
+  [[nodiscard]] SectionParts partsAt(double station) {
     while (next_ < controls_.size() && controls_[next_]->station <= station) {
       ++next_;
       runsOn_ = next_ < controls_.size() && haveSameShape(*controls_[next_ - 1], *controls_[next_]);
     }
     const CorridorSection& nearest = *controls_[next_ == 0 ? 0 : next_ - 1];
-    std::vector<SectionPart> parts = nearest.parts;
+    SectionParts parts(nearest.parts, memory_);
     if (runsOn_) {
       const CorridorSection& after = *controls_[next_];
       blend(parts, after.parts, (station - nearest.station) / (after.station - nearest.station));
@@ -88,7 +90,7 @@ class ControlWalk {
   }
 
  private:
-  static void blend(std::vector<SectionPart>& parts, const std::vector<SectionPart>& other, double ratio) {
+  static void blend(SectionParts& parts, const SectionParts& other, double ratio) {
     for (std::size_t i = 0; i < parts.size(); ++i) {
       for (std::size_t k = 0; k < parts[i].points.size(); ++k) {
         SectionPoint& point = parts[i].points[k];
@@ -100,8 +102,24 @@ class ControlWalk {
   }
 
   std::vector<const CorridorSection*> controls_;
+  SectionMemory memory_;  ///< in which computed parts follow each other as their stations do
   std::size_t next_ = 0;  ///< the first control beyond the last station
   bool runsOn_ = false;   ///< there is a control on both sides, and they have one shape
+};
+
+/// Gives the labels of ascending stations, without a search for each.
+class LabelWalk {
+ public:
+  explicit LabelWalk(const std::map<double, std::string>& labels) : next_(labels.begin()), end_(labels.end()) {}
+  /// The label that was given for `station`; null where there is none. It must not be below that of the last call.
+  [[nodiscard]] const std::string* at(double station) {
+    while (next_ != end_ && next_->first < station - kSameStation) ++next_;
+    return next_ != end_ && isSameStation(next_->first, station) ? &next_->second : nullptr;
+  }
+
+ private:
+  std::map<double, std::string>::const_iterator next_;
+  std::map<double, std::string>::const_iterator end_;
 };
 
 /// What every station of the region's set asks for and doesn't have, ascending. One that takes the place of a section
@@ -109,6 +127,8 @@ class ControlWalk {
 template <class Tick>
 std::vector<CorridorSection> sectionsToCompute(const Region& region, ControlWalk& controls, const Tick& tick) {
   std::vector<CorridorSection> result;
+  if (region.stations.size() > region.sections.size()) result.reserve(region.stations.size() - region.sections.size());
+  LabelWalk labels(region.pendingLabels);
   auto at = region.sections.begin();
   auto answered = region.sections.end();  // one section may stand for two stations, a little above and below it
   for (const double station : region.stations) {
@@ -123,8 +143,7 @@ std::vector<CorridorSection> sectionsToCompute(const Region& region, ControlWalk
       if (haveSamePoints(*at, section)) continue;
       section.label = at->label;
     }
-    const auto label = region.pendingLabels.lower_bound(station - kSameStation);
-    if (label != region.pendingLabels.end() && isSameStation(label->first, station)) section.label = label->second;
+    if (const std::string* const label = labels.at(station)) section.label = *label;
     result.push_back(std::move(section));
   }
   return result;
@@ -182,7 +201,8 @@ bool addStation(Region& region, double station, std::string_view label) {
   const auto next = region.stations.lower_bound(station - kSameStation);
   if (next != region.stations.end() && isSameStation(*next, station)) return false;
   // Before the set, so that a failure between the two leaves a label that nobody asks for.
-  region.pendingLabels.insert_or_assign(station, std::string(label));
+  // Stations are mostly added as they ascend.
+  region.pendingLabels.insert_or_assign(region.pendingLabels.end(), station, std::string(label));
   region.stations.insert(next, station);
   region.isRebuilt = false;
   return true;

@@ -12,11 +12,11 @@
 #include <vector>
 
 #include "civil/alignment.h"
-#include "civil/code_list.h"
 #include "civil/point_texts.h"
 #include "civil/profile.h"
 #include "civil/rare.h"
 #include "civil/rare_text.h"
+#include "civil/section_parts.h"
 #include "civil/tin_surface.h"
 
 /// An open drawing: plain data and the geometry over it, no I/O. Texts are UTF-8. Lists stand in the order of the file.
@@ -127,27 +127,13 @@ struct PointGroup {
 /// Stations of corridors no further apart than this are one.
 inline constexpr double kSameStation = 1e-6;
 
-struct SectionPoint {
-  double offset = 0.0;
-  /// Relative to the baseline's profile (a baseline without one: to 0).
-  double elevation = 0.0;
-  CodeList codes;
-};
-
-struct SectionPart {
-  CodeList codes;
-  std::vector<SectionPoint> points;
-  /// The last point leads back to the first: an area, such as a layer of the road. Drawn so; reports list points alone.
-  bool isClosed = false;
-};
-
 enum class SectionOrigin : std::uint8_t { Given, Computed };
 
 struct CorridorSection {
   double station = 0.0;
   std::string label;
   SectionOrigin origin = SectionOrigin::Given;
-  std::vector<SectionPart> parts;
+  SectionParts parts;
 };
 
 /// A stretch of a baseline with one way of building the road.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <bit>
 #include <cmath>
 #include <mutex>
 #include <optional>
@@ -65,11 +66,17 @@ struct Ground {
 /// Elevation in a triangle at a point within it or on its border. The same to the last bit however the corners are
 /// ordered.
 double elevationWithin(std::array<const Vec3*, 3> corners, Vec2 p) {
-  const auto isBefore = [](const Vec3* q, const Vec3* r) { return std::pair(q->x, q->y) < std::pair(r->x, r->y); };
-  if (isBefore(corners[1], corners[0])) std::swap(corners[0], corners[1]);
-  if (isBefore(corners[2], corners[1])) std::swap(corners[1], corners[2]);
-  if (isBefore(corners[1], corners[0])) std::swap(corners[0], corners[1]);
-  const auto [a, b, c] = corners;
+  // By x, then by y, told by counting: no processor foresees an order.
+  const auto isBefore = [&corners](std::size_t i, std::size_t j) -> std::size_t {
+    const Vec3 &q = *corners[i], &r = *corners[j];
+    return (q.x < r.x) | ((q.x == r.x) & (q.y < r.y));
+  };
+  const std::size_t first = isBefore(0, 1), second = isBefore(1, 2), third = isBefore(2, 0);
+  std::array<const Vec3*, 3> ordered{};
+  ordered[1 - first + third] = corners[0];
+  ordered[1 - second + first] = corners[1];
+  ordered[1 - third + second] = corners[2];
+  const auto [a, b, c] = ordered;
   const double atA = std::abs(accurateSide(plan(*b), plan(*c), p));
   const double atB = std::abs(accurateSide(plan(*c), plan(*a), p));
   const double atC = std::abs(accurateSide(plan(*a), plan(*b), p));
@@ -121,8 +128,11 @@ Holder locate(const Mesh& mesh, Vec2 p) {
                                 plan(mesh.point(corners[first + 2]))};
     const std::array<RoughSide, 3> sides{roughSide(c[1], c[2] - c[1], p), roughSide(c[2], c[0] - c[2], p),
                                          roughSide(c[0], c[1] - c[0], p)};
-    std::size_t out = 0;
-    while (out < 3 && !sides[out].isRight()) ++out;
+    // The first edge that leaves it on its right, found without branches: no processor foresees which it is.
+    const unsigned rights = static_cast<unsigned>(sides[0].isRight()) |
+                            static_cast<unsigned>(sides[1].isRight()) << 1U |
+                            static_cast<unsigned>(sides[2].isRight()) << 2U | 8U;
+    auto out = static_cast<std::size_t>(std::countr_zero(rights));
     std::uint8_t onEdges = 0;
     if (out == 3) {
       for (std::size_t i = 0; i < 3 && out == 3; ++i) {
@@ -354,6 +364,7 @@ class SegmentSampler {
   Gap crossGap(Behind behind);
   bool beginFurther();
   bool walk();
+  bool walkPlainly();
   void gather(double to);
   void clip(std::size_t triangle, double to);
   void hitVertex(const Vec3& vertex);
@@ -405,10 +416,13 @@ SegmentSampler::Way SegmentSampler::beginAtStart() {
   };
   OnLine vertex;
   if (start.onEdges == 0) {
-    for (out_ = 0; out_ < 3; ++out_) {
+    const auto leaves = [&ends](std::size_t from, std::size_t to) {
+      return static_cast<std::size_t>(ends[from].side.isRight()) & static_cast<std::size_t>(ends[to].side.isLeft());
+    };
+    out_ = 3 - 3 * leaves(1, 2) - 2 * leaves(2, 0) - leaves(0, 1);
+    if (out_ < 3) {
       right_ = ends[(out_ + 1) % 3];
       left_ = ends[(out_ + 2) % 3];
-      if (!right_.side.isRight() || !left_.side.isLeft()) continue;
       samples_.push_back({a_.x, a_.y, elevationWithin(mesh_.cornersAt(triangle_), a_)});
       return Way::Inside;
     }
@@ -671,76 +685,130 @@ SegmentSampler::Gap SegmentSampler::crossGap(Behind behind) {
 }
 
 /// Returns whether it got to the end. If not, it leaves its last sample to the gathering, as it may be one with what
-/// follows.
+/// follows. After a vertex it takes a careful step first: where vertices follow one another, nothing is plain.
 bool SegmentSampler::walk() {
+  bool isPlain = true;
+  for (;;) {
+    if (isPlain && walkPlainly()) {
+      samples_.push_back({b_.x, b_.y, elevationWithin(mesh_.cornersAt(triangle_), b_)});
+      return true;
+    }
+    const Crossing hit = crossing(right_, left_);
+    if (!hit.isSafe) break;
+    if (hit.along > 1.0 + kSamePlace) {
+      samples_.push_back({b_.x, b_.y, elevationWithin(mesh_.cornersAt(triangle_), b_)});
+      return true;
+    }
+    const Link link = mesh_.links.across(triangle_, out_);
+    if ((link != kNoLink && !mesh_.links.isAlone(static_cast<std::size_t>(link >> 2))) ||
+        hit.along - last_ < kSamePlace || hit.along > 1.0 - kSamePlace)
+      break;
+    samples_.push_back(pointAt(hit, *right_.point, *left_.point));
+    first_ = last_ = hit.along;
+    if (link == kNoLink) {
+      const Gap gap = crossGap(Behind::Border);
+      if (gap == Gap::ToTheEnd) return true;
+      if (gap == Gap::Unclear) break;
+      isPlain = true;
+      continue;
+    }
+    const auto next = static_cast<std::size_t>(link >> 2);
+    const auto in = static_cast<std::size_t>(link & 3);
+    OnLine vertex;
+    Way way = enter(next, in, vertex);
+    isPlain = way == Way::Inside;
+    if (way == Way::Along) way = passVertices(vertex);
+    if (way == Way::ToTheEnd) return true;
+    if (way == Way::Unclear) break;
+  }
+  samples_.pop_back();
+  return false;
+}
+
+/// Goes on as long as nothing needs care: over crossings and past corners that a bound on the rounding all over this ground
+/// makes sure of. Where it stops, the careful step looks again. True where it got into the triangle of the segment's end,
+/// whose sample is still to be made.
+///
+/// Most of a sample's time goes here: a function of its own, as its values fit into the registers only without those of
+/// its callers.
+[[gnu::noinline]] bool SegmentSampler::walkPlainly() {
+  // No corner of the ground has a larger sum of products, so none is less sure of its side.
+  const Box& box = mesh_.box;
+  const double widest = std::max(std::abs(box.minX - a_.x), std::abs(box.maxX - a_.x));
+  const double highest = std::max(std::abs(box.minY - a_.y), std::abs(box.maxY - a_.y));
+  const double sure = RoughSide::kError * (std::abs(d_.x) * highest + std::abs(d_.y) * widest);
+  // A crossing is safe where its edge reaches along the segment less than this part of what it reaches across it.
+  constexpr double kRounding = 1.0 + 1e-14;
+  const double steepest = 2.0 * sure * kRounding / (kPlaceError * square_);
+  constexpr double kSmallest = 1e-60;  // products that lose digits near 0 are left to the care
+  if (!(sure > kSmallest && square_ > kSmallest)) return false;
+
   // What the loop needs stays in registers: nothing that it calls can change it.
-  const Line line = line_;
+  const Vec2 a = a_;
+  const Vec2 d = d_;
+  const double perSquare = perSquare_;
   const std::int32_t* const corners = cornersOf(mesh_.ground());
   const Vec3* const points = mesh_.points.all().data();
   const TriangleLinks::View links = mesh_.links.view();
   std::size_t triangle = triangle_;
   std::size_t out = out_;
-  Corner right = right_;
-  Corner left = left_;
+  const Vec3* right = right_.point;
+  const Vec3* left = left_.point;
+  double rightSide = right_.side.value;
+  double leftSide = left_.side.value;
+  double rightAlong = dot(plan(*right) - a, d);
   double last = last_;
-  std::array<Vec3, 32> block;
-  std::size_t count = 0;
-  const auto flush = [&] { samples_.insert(samples_.end(), block.begin(), block.begin() + std::exchange(count, 0)); };
+  constexpr std::size_t kBlock = 64;
+  alignas(Vec3) std::byte memory[kBlock * sizeof(Vec3)];
+  Vec3* const block = reinterpret_cast<Vec3*>(memory);
+  Vec3* sample = block;
+  bool isBeyond = false;
   for (;;) {
-    const Crossing hit = line.crossing(right, left);
-    if (!hit.isSafe) break;
-    if (hit.along > 1.0 + kSamePlace) {
-      flush();
-      samples_.push_back({b_.x, b_.y, elevationWithin(mesh_.cornersAt(triangle), b_)});
-      return true;
-    }
-    const Link link = links.across(triangle, out);
-    if ((link != kNoLink && !links.isAlone(static_cast<std::size_t>(link >> 2))) || hit.along - last < kSamePlace ||
-        hit.along > 1.0 - kSamePlace)
+    const double total = leftSide - rightSide;
+    const double onEdge = -rightSide / total;
+    const double reach = dot(plan(*left) - plan(*right), d);
+    const double along = (rightAlong + onEdge * reach) * perSquare;
+    if (!(std::abs(reach) * steepest < total)) break;
+    if (!(along <= 1.0 - kSamePlace)) {
+      isBeyond = along > 1.0 + kSamePlace;
       break;
-    if (count == block.size()) flush();
-    block[count++] = line.pointAt(hit, *right.point, *left.point);
-    first_ = last = hit.along;
-    if (link == kNoLink) {
-      flush();
-      last_ = last;
-      const Gap gap = crossGap(Behind::Border);
-      if (gap == Gap::ToTheEnd) return true;
-      if (gap == Gap::Unclear) break;
-      triangle = triangle_;
-      out = out_;
-      right = right_;
-      left = left_;
-      last = last_;
-      continue;
     }
-
-    triangle = static_cast<std::size_t>(link >> 2);
-    const auto in = static_cast<std::size_t>(link & 3);
-    const Corner ahead = line.corner(points[static_cast<std::size_t>(corners[3 * triangle + in])]);
-    if (ahead.side.isLeft()) {
-      left = ahead;
+    if (!(along - last >= kSamePlace)) break;
+    const Link link = links.across(triangle, out);
+    if (link == kNoLink) break;
+    const std::size_t next = static_cast<std::uint32_t>(link) >> 2U;
+    const std::size_t in = static_cast<std::uint32_t>(link) & 3U;
+    if (!links.isAlone(next)) break;
+    const Vec3& ahead = points[static_cast<std::uint32_t>(corners[3 * next + in])];
+    const Vec2 from = plan(ahead) - a;
+    const double side = d.x * from.y - d.y * from.x;
+    if (!(std::abs(side) > sure)) break;
+    *sample++ = {a.x + along * d.x, a.y + along * d.y, right->z + onEdge * (left->z - right->z)};
+    triangle = next;
+    last = along;
+    if (side > 0.0) {
+      left = &ahead;
+      leftSide = side;
       out = in == 2 ? 0 : in + 1;
-    } else if (ahead.side.isRight()) {
-      right = ahead;
-      out = in == 0 ? 2 : in - 1;
     } else {
-      if (!isOnLine(ahead)) break;
-      flush();
-      last_ = last;
-      const Way way = passVertices({triangle, in, corners[3 * triangle + in]});
-      if (way == Way::ToTheEnd) return true;
-      last = last_;
-      if (way == Way::Unclear) break;
-      triangle = triangle_;
-      out = out_;
-      right = right_;
-      left = left_;
+      right = &ahead;
+      rightSide = side;
+      rightAlong = dot(from, d);
+      out = in == 0 ? 2 : in - 1;
+    }
+    if (sample == block + kBlock) {
+      samples_.insert(samples_.end(), block, sample);
+      sample = block;
     }
   }
-  flush();
-  last_ = last;
-  samples_.pop_back();
+  samples_.insert(samples_.end(), block, sample);
+  triangle_ = triangle;
+  if (isBeyond) return true;
+  if (last == last_) return false;
+  out_ = out;
+  right_ = line_.corner(*right);
+  left_ = line_.corner(*left);
+  first_ = last_ = last;
   return false;
 }
 
@@ -874,6 +942,10 @@ void SegmentSampler::mergeHits() {
 }  // namespace
 
 struct TinSurface::Data : Mesh {
+  /// Grid and tree, built by the first question.
+  void findSearch() {
+    if (!hasSearch.load(std::memory_order_acquire)) buildSearch(inOrder);
+  }
   /// Builds grid and tree, once, whoever asks first.
   void buildSearch(const RunPieces& run) {
     if (hasSearch.load(std::memory_order_acquire)) return;
@@ -939,7 +1011,7 @@ std::span<const Triangle> TinSurface::triangles() const {
 
 void TinSurface::sample(Vec2 a, Vec2 b, std::vector<Vec3>& samples) const {
   if (isEmpty() || !isWorkable(a.x) || !isWorkable(a.y) || !isWorkable(b.x) || !isWorkable(b.y)) return;
-  data_->buildSearch(inOrder);
+  data_->findSearch();
   SegmentSampler sampler(*data_, a, b, samples);
   if (sampler.hasLength()) {
     sampler.sample();
@@ -950,7 +1022,7 @@ void TinSurface::sample(Vec2 a, Vec2 b, std::vector<Vec3>& samples) const {
 
 std::optional<double> TinSurface::elevationAt(Vec2 point) const {
   if (isEmpty() || !isWorkable(point.x) || !isWorkable(point.y)) return std::nullopt;
-  data_->buildSearch(inOrder);
+  data_->findSearch();
   const Mesh& mesh = *data_;
   if (const Holder holder = locate(mesh, point); holder.triangle >= 0 && holder.onEdges == 0)
     return elevationWithin(mesh.cornersAt(static_cast<std::size_t>(holder.triangle)), point);

@@ -41,7 +41,8 @@ struct ReadOptions {
 /// Reads a drawing, which may be compressed: by gzip, or as the one drawing of a zip archive. What is odd but can be survived becomes a diagnostic of the drawing; what can't throws ReadError.
 /// Lengths stay in the file's unit (Drawing::linearUnit) unless `lengthFactor` says otherwise; angles become radians. A
 /// number in the file that isn't finite or is beyond 1e12 is a fault of the file. Limits that only broken files reach, each with a message of its own: 200 levels of
-/// elements, 64 MB in one tag, 30 million elements and attributes besides points and faces.
+/// elements, 64 MB in one tag, 100 million CgPoint elements (survey points and their places in groups), 30 million other
+/// elements and attributes besides points and faces of surfaces.
 ///
 /// The millions of P and F of surfaces stream past into arrays. Peak memory stays below 1.5 times the file, as programs
 /// of the trade write it, whatever it holds. O(n) in the bytes, but for sorting and what civil::TinSurface costs;

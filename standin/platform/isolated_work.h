@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace lvx::standin_platform {
 
@@ -28,5 +29,14 @@ struct IsolatedOutcome {
 /// `meanwhile` is called about ten times a second; what it throws ends the copy and goes on to the caller.
 [[nodiscard]] IsolatedOutcome runIsolated(const std::function<void()>& work,
                                           const std::function<void()>& meanwhile = {});
+
+/// Sends a message from isolated work to who waits for it. Waits where that one is busy.
+using Tell = std::function<void(std::string_view message)>;
+
+/// The same for work that tells things while it runs: `hear` gets each message whole and in order, in the process that
+/// waits, before the outcome is known. What it throws ends the copy and goes on to the caller too.
+[[nodiscard]] IsolatedOutcome runIsolated(const std::function<void(const Tell& tell)>& work,
+                                          const std::function<void(std::string_view message)>& hear,
+                                          const std::function<void()>& meanwhile);
 
 }  // namespace lvx::standin_platform

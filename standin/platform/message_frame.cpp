@@ -1,13 +1,14 @@
 #include "standin_platform/detail/message_frame.h"
 
 #include <cstring>
+#include <string_view>
 
 namespace lvx::standin_platform::detail {
 
 using Length = std::uint64_t;
 
-std::array<char, sizeof(Length)> headOf(std::string_view message) {
-  const Length length = message.size();
+std::array<char, sizeof(Length)> headOf(std::size_t size) {
+  const Length length = size;
   std::array<char, sizeof length> head{};
   std::memcpy(head.data(), &length, sizeof length);
   return head;

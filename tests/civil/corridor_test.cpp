@@ -277,7 +277,7 @@ TEST(Rebuild, LeavesEveryRegionWholeWhenItIsStopped) {
 // ---------------------------------------------------------------- against the plain reading of the law
 
 /// Searches everything for every station.
-std::vector<SectionPart> plainParts(const std::vector<CorridorSection>& sections, double station) {
+SectionParts plainParts(const std::vector<CorridorSection>& sections, double station) {
   const CorridorSection* before = nullptr;
   const CorridorSection* after = nullptr;
   for (const CorridorSection& section : sections) {
@@ -287,7 +287,7 @@ std::vector<SectionPart> plainParts(const std::vector<CorridorSection>& sections
   }
   if (before == nullptr) return after->parts;
   if (after == nullptr || before->parts.size() != after->parts.size()) return before->parts;
-  std::vector<SectionPart> parts = before->parts;
+  SectionParts parts = before->parts;
   const double ratio = (station - before->station) / (after->station - before->station);
   for (std::size_t i = 0; i < parts.size(); ++i) {
     if (parts[i].codes != after->parts[i].codes || parts[i].points.size() != after->parts[i].points.size())
@@ -340,9 +340,9 @@ TEST(Rebuild, AgreesWithThePlainReadingOfItsLaw) {
     ASSERT_EQ(after.sections.size(), before.stations.size());
     for (const CorridorSection& section : after.sections) {
       SCOPED_TRACE(section.station);
-      const std::vector<SectionPart> expected = section.origin == SectionOrigin::Given
-                                                    ? sectionAt(before, section.station)->parts
-                                                    : plainParts(before.sections, section.station);
+      const SectionParts expected = section.origin == SectionOrigin::Given
+                                        ? sectionAt(before, section.station)->parts
+                                        : plainParts(before.sections, section.station);
       ASSERT_EQ(section.parts.size(), expected.size());
       for (std::size_t i = 0; i < expected.size(); ++i) {
         EXPECT_EQ(section.parts[i].codes, expected[i].codes);

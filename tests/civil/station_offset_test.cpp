@@ -36,6 +36,11 @@ TEST_P(Rules, Hold) {
 }
 
 const char* const kSquare = "to 100 0; to 100 100";
+const char* const kWinding =
+    "start 500 at 4512.3456 1234.5678 heading 47; line 40; clothoid 50 R inf..150 left; arc 60 R 150 left; clothoid 50 "
+    "R "
+    "150..inf left; bloss 45 R inf..110 right; arc 70 R 110 right; sinusoid 60 R 110..inf right; line 35; arc 50 R 400 "
+    "left; line 45";
 const char* const kCircle = "at 50 0 heading 0; arc 157.07963267948966 R 50 left; arc 157.07963267948966 R 50 left";
 
 const Row kRows[] = {
@@ -124,6 +129,13 @@ TEST(StationOffset, HasNoAnswerForAPointThatIsNone) {
   EXPECT_FALSE(axis.stationOffset({1e300, 0}));
 }
 
+TEST(StationOffset, HasNoAnswerWhereTheOnlyElementIsTooFarToMeasure) {
+  // The first one turns too often to be searched.
+  const Alignment axis(0.0, {Element{ElementKind::Clothoid, {0, 0}, 0.0, 1.0, 0.0, 1e9, {}},
+                             Element{ElementKind::Arc, {1e200, 2}, 1e15, 1e200, 1e-300, 0.0, {}}});
+  EXPECT_FALSE(axis.stationOffset({0, 1}));
+}
+
 TEST(StationOffset, IsZeroWithoutASignForPointsOnTheAxis) {
   const auto axis = Alignment::fromText(
       "at 2543210.123 6712345.678 heading 33; line 77; clothoid 60 R inf..200 right; arc 90 R 200 right; clothoid 60 R "
@@ -158,6 +170,16 @@ Alignment withInflection(double startCurvature, double endCurvature, double leng
   return {100.0, {Element{law, {10, 20}, 0.4, length, startCurvature, endCurvature, {}}}};
 }
 
+// As drawings give elements: starts and directions rounded, so that each misses the next by a little.
+Alignment rounded(const Alignment& axis, double place, double direction) {
+  std::vector<Element> elements(axis.elements().begin(), axis.elements().end());
+  for (Element& element : elements) {
+    element.start = {std::round(element.start.x / place) * place, std::round(element.start.y / place) * place};
+    element.direction = std::round(element.direction / direction) * direction;
+  }
+  return {axis.startStation(), std::move(elements)};
+}
+
 std::vector<Shape> shapes() {
   const auto text = [](const char* t) { return Alignment::fromText(t); };
   return {
@@ -186,6 +208,15 @@ std::vector<Shape> shapes() {
                                          "clothoid 30 R 20..inf left; line 0")},
       {"gaps", text("line 50; at 0.0005 50.0003; heading 0.05; arc 40 R 60 left; at -30 90; clothoid 60 R inf..50 "
                     "right; at 0 160; line 40")},
+      {"loop over itself", text("heading 90; line 220; clothoid 40 R inf..60 left; arc 242.7 R 60 left; clothoid 40 R "
+                                "60..inf left; line 220")},
+      {"many short elements",
+       text("heading 20; arc 3 R 40 left; arc 2 R 90 right; line 1; clothoid 4 R inf..70 left; "
+            "arc 3 R 70 left; arc 2 R 40 left; line 3; arc 4 R 80 right; bloss 5 R 80..inf right; "
+            "line 60; arc 2 R 300 left; arc 2 R 200 left; arc 2 R 100 left; arc 70 R 120 left")},
+      {"rounded to micrometres", rounded(text(kWinding), 1e-6, 1e-9)},
+      {"rounded to millimetres", rounded(text(kWinding), 1e-3, 1e-5)},
+      {"rounded to centimetres", rounded(text(kWinding), 1e-2, 1e-4)},
       {"flat", text("heading 80; line 500; clothoid 300 R inf..1e7 left; arc 300 R 1e7 left; clothoid 300 R 1e7..2000 "
                     "left; arc 400 R 1e9 left")},
       {"bloss road", text("start 1000 heading 90; line 100; bloss 60 R inf..300 right; arc 80 R 300 right; bloss 60 R "

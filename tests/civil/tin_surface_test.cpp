@@ -733,12 +733,62 @@ TEST(TriangleLinks, AreThoseOfAPlainListOfEdges) {
       for (std::size_t edge = 0; edge < 3; ++edge) {
         const detail::Link link = wanted[4 * i + edge];
         ASSERT_EQ(links.across(i, edge), link) << "triangle " << i << ", edge " << edge;
-        ASSERT_EQ(links.isBorder(3 * i + edge), link == detail::kNoLink);
         constexpr int kNear = 10'000;
         if (link != detail::kNoLink && std::abs(link / 4 - static_cast<int>(i)) > kNear) ++far;
       }
     }
     EXPECT_EQ(far > 100'000, isMixed);
+    std::vector<std::size_t> borders;
+    std::vector<std::size_t> wantedBorders;
+    for (std::size_t slot = 0; slot < 3 * t.triangles.size(); ++slot)
+      if (wanted[4 * (slot / 3) + slot % 3] == detail::kNoLink) wantedBorders.push_back(slot);
+    links.eachBorder([&](std::size_t slot) {
+      borders.push_back(slot);
+      return true;
+    });
+    EXPECT_TRUE(borders == wantedBorders);
+    std::size_t asked = 0;
+    links.eachBorder([&](std::size_t) { return ++asked < 3; });
+    EXPECT_EQ(asked, 3U);
+  }
+}
+
+TEST(Renumbering, KeepsEveryTriangleAndLaysNeighboursClose) {
+  std::mt19937_64 random(seedOfTest());
+  struct Case {
+    const char* name;
+    int columns;
+    int rows;
+  };
+  for (const Case& of : {Case{"square", 200, 200}, Case{"strip", 4000, 10}, Case{"upright strip", 10, 4000},
+                         Case{"one row", 20'000, 1}, Case{"one column", 1, 20'000}}) {
+    const Tin written = lattice(of.columns, of.rows, 5, 1, random);
+    for (const bool isMixed : {false, true}) {
+      const Tin t = isMixed ? renumbered(written, random) : written;
+      SCOPED_TRACE(std::string(of.name) + (isMixed ? ", mixed" : ", as written"));
+      Box box;
+      for (const Vec3& p : t.points) box.add({p.x, p.y});
+      const detail::AlongCurve held = detail::renumberAlongCurve(t.points, t.triangles, box);
+      ASSERT_EQ(held.usedPoints, t.points.size());
+      const auto cornersOf = [](std::span<const Vec3> points, std::span<const Triangle> triangles) {
+        std::vector<std::array<double, 9>> all;
+        for (const Triangle& triangle : triangles) {
+          std::array<double, 9>& corners = all.emplace_back();
+          auto next = corners.begin();
+          for (const std::int32_t number : {triangle.a, triangle.b, triangle.c}) {
+            const Vec3& p = points[static_cast<std::size_t>(number)];
+            for (const double value : {p.x, p.y, p.z}) *next++ = value;
+          }
+        }
+        std::sort(all.begin(), all.end());
+        return all;
+      };
+      EXPECT_TRUE(cornersOf(held.points.all(), held.triangles.all()) == cornersOf(t.points, t.triangles));
+      // Mixed, two corners of a triangle would be a third of all points apart.
+      double apart = 0;
+      for (const Triangle& triangle : held.triangles.all()) apart += std::abs(triangle.a - triangle.b);
+      EXPECT_LT(apart / static_cast<double>(held.triangles.size()), 0.02 * static_cast<double>(t.points.size()));
+    }
   }
 }
 
@@ -868,6 +918,31 @@ TEST(TinSurface, SamplesTheSameToTheLastBitWhetherItWalksOrGathers) {
   std::mt19937_64 random(seedOfTest());
   Tin t = lattice(60, 60, 10, 3, random);
   sampleWalkingAndGathering(std::move(t), random, 300, 10'000);
+}
+
+TEST(TinSurface, SamplesTheSameToTheLastBitWhetherOrNotGroundFarAwayMakesTheWalkLessSure) {
+  // The farther the ground reaches, the coarser is what holds for all of its corners: first some steps need care, then all.
+  std::mt19937_64 random(seedOfTest());
+  Tin near = lattice(60, 60, 10, 3, random);
+  cutHole(near, {200, 300}, 45);
+  const TinSurface alone = surfaceOf(near);
+  for (const double far : {1e5, 1e7, 1e9, 1e12}) {
+    Tin both = near;
+    const auto first = static_cast<std::int32_t>(both.points.size());
+    both.points.insert(both.points.end(), {{far, 0, 1}, {far + 8, 0, 1}, {far, 8, 1}});
+    both.triangles.push_back({first, first + 1, first + 2});
+    const TinSurface apart = surfaceOf(both);
+    const auto place = [&] { return static_cast<double>(random() % 70'000) / 100.0 - 50.0; };
+    std::size_t count = 0;
+    for (int i = 0; i < 2'000; ++i) {
+      const Vec2 a{place(), place()};
+      const Vec2 b{place(), place()};
+      const auto samples = sampled(alone, a, b);
+      ASSERT_EQ(samples, sampled(apart, a, b)) << "segment " << i << ", ground " << far << ", seed " << seedOfTest();
+      count += samples.size();
+    }
+    EXPECT_GT(count, 50'000U);
+  }
 }
 
 TEST_F(TinAgainstReference, OnASoupOfTriangles) {

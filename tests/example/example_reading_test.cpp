@@ -65,7 +65,7 @@ TEST(ExampleReading, FindsTheJobAndNothingOdd) {
 TEST(ExampleReading, CodesOfTheVillageFallApart) {
   const civil::Drawing drawing = landxml::readDrawing(test::inSource("/examples/valley-road.xml"));
   const civil::CorridorSection& section = drawing.corridors.at(0).baselines.at(0).regions.at(1).sections.at(0);
-  const civil::SectionPart& paved = section.parts.at(0);
+  const civil::SectionPart& paved = section.parts[0];
   EXPECT_THAT(paved.codes, testing::ElementsAre("Pave", "Top", "Belag"));
   ASSERT_EQ(paved.points.size(), 3U);
   EXPECT_THAT(paved.points[2].codes, testing::ElementsAre("ETW", "Fahrspurrand_Außen"));

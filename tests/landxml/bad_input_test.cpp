@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "drawing_text.h"
+#include "landxml/detail/scanner.h"
 
 namespace lvx::landxml::testing {
 namespace {
@@ -109,6 +110,29 @@ TEST(BadInput, NumbersOutOfRangeAreToldAndLeftOut) {
     EXPECT_TRUE(drawing.points.empty());
     EXPECT_THAT(diagnosticsOf(drawing), HasSubstr("point '1': '" + std::string(number) + "' is not a number"));
   }
+}
+
+std::string scanErrorOf(const std::string& text, const detail::ScanLimits& limits) {
+  try {
+    (void)detail::scanDocument(detail::openText(text), "road.xml", {}, detail::ScanMode::Read, limits);
+  } catch (const ReadError& error) {
+    return error.what();
+  }
+  return {};
+}
+
+TEST(BadInput, LimitsOfPointsAndOfOtherElementsAreToldAndReachedByTheirOwnKindAlone) {
+  const std::string points =
+      "<LandXML><CgPoints>\n<CgPoint name=\"1\" code=\"A\" desc=\"B\">1 2 3</CgPoint>\n"
+      "<CgPoint name=\"2\">1 2 3</CgPoint></CgPoints>";
+  EXPECT_EQ(scanErrorOf(points + "</LandXML>", {.points = 2, .nodes = 2}), "");
+  EXPECT_THAT(scanErrorOf(points + "</LandXML>", {.points = 1, .nodes = 2}),
+              HasSubstr("more than 1 CgPoint elements (road.xml:3)"));
+  EXPECT_EQ(scanErrorOf(points + "<Project name=\"P\"/></LandXML>", {.points = 2, .nodes = 4}), "");
+  EXPECT_THAT(scanErrorOf(points + "\n<Project name=\"P\"/></LandXML>", {.points = 2, .nodes = 3}),
+              HasSubstr("more than 3 elements and attributes besides CgPoint, P and F (road.xml:4)"));
+  EXPECT_EQ(detail::ScanLimits().nodes, 30'000'000U);
+  EXPECT_EQ(detail::ScanLimits().points, 100'000'000U);
 }
 
 TEST(BadInput, CancelledLoadSaysSo) {

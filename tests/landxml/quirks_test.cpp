@@ -611,7 +611,7 @@ TEST(Corridors, OfOtherProgramsComeFromDesignSections) {
     EXPECT_EQ(drawing.corridors[0].name, "Main");
     const auto& region = drawing.corridors[0].baselines.at(0).regions.at(0);
     EXPECT_EQ(region.startStation, 10.0);
-    EXPECT_THAT(region.sections.at(0).parts.at(0).codes, ElementsAre("a,b"));
+    EXPECT_THAT(region.sections.at(0).parts[0].codes, ElementsAre("a,b"));
     ASSERT_EQ(region.sections[0].parts[0].points.size(), 1U);
     EXPECT_NEAR(region.sections[0].parts[0].points[0].elevation, -0.25, 1e-12);
     EXPECT_THAT(diagnosticsOf(drawing), HasSubstr("Slope Distance"));

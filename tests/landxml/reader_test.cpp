@@ -131,8 +131,8 @@ TEST(Reader, CorridorHoldsSectionsAgainstTheProfile) {
   const auto& section = region.sections[1];
   EXPECT_EQ(section.origin, civil::SectionOrigin::Computed);
   EXPECT_EQ(section.label, "Culvert");
-  EXPECT_THAT(section.parts.at(0).codes, ElementsAre("Pave", "Top,1"));
-  EXPECT_THAT(section.parts[0].points.at(1).codes, ElementsAre("Crown", "C%"));
+  EXPECT_THAT(section.parts[0].codes, ElementsAre("Pave", "Top,1"));
+  EXPECT_THAT(section.parts[0].points[1].codes, ElementsAre("Crown", "C%"));
   EXPECT_NEAR(section.parts[0].points[0].elevation, -0.1, 1e-12);
 }
 

@@ -7,7 +7,9 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -62,6 +64,33 @@ TEST(IsolatedWork, EndsWhereItsCallerGivesUp) {
                                  }),
                std::runtime_error);
   EXPECT_EQ(asked, 3);
+}
+
+TEST(IsolatedWork, TellsWholeMessagesInOrderBeforeItsEnd) {
+  std::vector<std::string> heard;
+  const IsolatedOutcome outcome = runIsolated(
+      [](const Tell& tell) {
+        tell("first");
+        tell("");
+        tell(std::string(300'000, 'x'));
+        throw std::runtime_error("last");
+      },
+      [&heard](std::string_view message) { heard.emplace_back(message); }, {});
+  EXPECT_EQ(outcome.end, End::Failed);
+  EXPECT_EQ(outcome.words, "last");
+  EXPECT_EQ(heard, (std::vector<std::string>{"first", "", std::string(300'000, 'x')}));
+}
+
+TEST(IsolatedWork, EndsWhereItsHearerGivesUp) {
+  int heard = 0;
+  const auto tellForEver = [](const Tell& tell) {
+    for (;;) tell("again");
+  };
+  const auto hear = [&heard](std::string_view) {
+    if (++heard == 3) throw std::runtime_error("enough");
+  };
+  EXPECT_THROW((void)runIsolated(tellForEver, hear, {}), std::runtime_error);
+  EXPECT_EQ(heard, 3);
 }
 
 TEST(IsolatedWork, KeepsUnwrittenTextOfStreamsToItsCaller) {

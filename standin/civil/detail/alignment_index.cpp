@@ -1,12 +1,17 @@
 #include "civil/detail/alignment_index.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
+
+#include "civil/detail/frame.h"
 
 namespace lvx::civil::detail {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
+// A child that isn't there is nearest to nothing: squares of such distances are infinite.
+constexpr double kNowhere = 1e300;
 // Turn of a piece at most: keeps the capsules slim.
 constexpr double kTurnOfPiece = 0.3;
 // Elements that turn by more radians than this (30 full circles) are a slip of some file and no geometry; cut into pieces
@@ -14,11 +19,6 @@ constexpr double kTurnOfPiece = 0.3;
 constexpr double kMostTurn = 200.0;
 // Ends further apart than this are a gap on purpose, not a rounding.
 constexpr double kGap = 0.01;
-// Distances of this difference are equal where coordinates are small; large ones bring their own rounding.
-constexpr double kEqualDistance = 1e-10;
-
-Vec2 toLocal(Vec2 a, Vec2 tangent) { return {dot(tangent, a), cross(tangent, a)}; }
-Vec2 fromLocal(Vec2 a, Vec2 tangent) { return {tangent.x * a.x - tangent.y * a.y, tangent.y * a.x + tangent.x * a.y}; }
 
 // Whether the curvature follows another law than the clothoid's.
 bool hasLaw(const Element& element) {
@@ -80,7 +80,9 @@ AlignmentIndex::AlignmentIndex(std::span<const Element> elements, std::span<cons
     const Vec2 start = next.middle + fromLocal(next.startPoint, next.tangent);
     pieces_[i].joinsNext = length(start - end) < kGap;
   }
-  if (!pieces_.empty()) buildTree();
+  if (pieces_.empty()) return;
+  buildTree();
+  buildRuns();
 }
 
 void AlignmentIndex::addElement(const Element& element, double station) {
@@ -142,6 +144,7 @@ void AlignmentIndex::addPiece(const Element& element, double station, double fro
                       (element.length * element.length);
     piece.law = static_cast<std::uint32_t>(laws_.size());
     piece.curvature = law.terms[0];
+    piece.rate = law.terms[1] * law.inverseHalf;
     piece.series = ClothoidSeries(law.terms, piece.half);
     turn = turnOf(element, middle);
     laws_.push_back(law);
@@ -167,10 +170,7 @@ void AlignmentIndex::addPiece(const Element& element, double station, double fro
 AlignmentIndex::Capsule AlignmentIndex::capsuleOf(const Piece& piece) const {
   // Against its chord, a curve of curvature up to k departs by k L^2 / 8 at most, to one side: the capsule's axis runs
   // in the middle of that strip. Two sharpest curvatures bound the transition's.
-  const double sharpest = piece.kind > ElementKind::Clothoid
-                              ? laws_[piece.law].sharpest
-                              : std::abs(piece.curvature) + std::abs(piece.rate) * piece.half;
-  const double rise = 0.5 * sharpest * piece.half * piece.half;
+  const double rise = 0.5 * sharpestOf(piece) * piece.half * piece.half;
   const Vec2 start = piece.middle + fromLocal(piece.startPoint, piece.tangent);
   const Vec2 end = piece.middle + fromLocal(piece.endPoint, piece.tangent);
   const Vec2 chord = end - start;
@@ -195,6 +195,7 @@ void AlignmentIndex::buildTree() {
     std::vector<Capsule> above;
     for (std::size_t i = 0; i < bounds.size(); i += 4) {
       Node node;
+      node.x.fill(kNowhere);
       node.child = firstChild + static_cast<std::uint32_t>(i);
       node.count = static_cast<std::uint8_t>(std::min<std::size_t>(4, bounds.size() - i));
       node.isLeaf = isLeaf;
@@ -225,6 +226,30 @@ void AlignmentIndex::buildTree() {
 
 // ---------------------------------------------------------------- searching
 
+inline std::array<AlignmentIndex::Two, 2> AlignmentIndex::squaresToAxes(Vec2 point, const Node& node) {
+  const auto load = [](const double* at) {
+    Two two;
+    std::memcpy(&two, at, sizeof(two));
+    return two;
+  };
+  std::array<Two, 2> squares;
+  for (std::size_t half = 0; half < 2; ++half) {
+    const std::size_t k = 2 * half;
+    const Two dx = load(&node.dx[k]);
+    const Two dy = load(&node.dy[k]);
+    const Two x = point.x - load(&node.x[k]);
+    const Two y = point.y - load(&node.y[k]);
+    const Two length = load(&node.length[k]);
+    const Two ahead = x * dx + y * dy;
+    const Two fromStart = ahead > 0.0 ? ahead : Two{};
+    const Two along = fromStart < length ? fromStart : length;
+    const Two restX = x - along * dx;
+    const Two restY = y - along * dy;
+    squares[half] = restX * restX + restY * restY;
+  }
+  return squares;
+}
+
 template <class Use>
 void AlignmentIndex::forEachNear(Vec2 point, double& limit, double slack, Use&& use) const {
   struct Near {
@@ -238,49 +263,77 @@ void AlignmentIndex::forEachNear(Vec2 point, double& limit, double slack, Use&& 
   std::size_t nearCount = 0;
   const auto usePieces = [&] {
     // The one of the least bound first: it mostly rules out the others.
-    for (std::size_t i = 1; i < nearCount; ++i) {
-      if (near[i].lower < near[0].lower) std::swap(near[0], near[i]);
-    }
+    std::size_t first = 0;
+    for (std::size_t i = 1; i < nearCount; ++i) first = near[i].lower < near[first].lower ? i : first;
+    if (first > 0) std::swap(near[0], near[first]);
     for (std::size_t i = 0; i < nearCount; ++i) {
       if (near[i].lower <= limit + slack) use(near[i].number);
     }
     nearCount = 0;
   };
 
-  waiting[waitingCount++] = {0.0, root_};
-  while (waitingCount > 0) {
-    const Near next = waiting[--waitingCount];
-    if (!(next.lower <= limit + slack)) continue;
-    const Node& node = nodes_[next.number];
+  const auto useLeaf = [&](const Node& node, const std::array<double, 4>& distance) {
+    for (std::size_t k = 0; k < node.count; ++k) limit = std::min(limit, distance[k] + node.radius[k]);
+    if (nearCount + 4 > near.size()) usePieces();
+    const double reach = limit + slack;
+    for (std::size_t k = 0; k < node.count; ++k) {
+      near[nearCount] = {distance[k] - node.radius[k], node.child + static_cast<std::uint32_t>(k)};
+      nearCount += near[nearCount].lower <= reach ? 1 : 0;
+    }
+  };
+  for (std::uint32_t number = root_;;) {
+    const Node& node = nodes_[number];
+    const std::array<Two, 2> squares = squaresToAxes(point, node);
+    const std::array<double, 4> square{squares[0][0], squares[0][1], squares[1][0], squares[1][1]};
     std::array<double, 4> distance;
-    for (std::size_t k = 0; k < 4; ++k) {
-      const double x = point.x - node.x[k];
-      const double y = point.y - node.y[k];
-      const double along = std::min(std::max(x * node.dx[k] + y * node.dy[k], 0.0), node.length[k]);
-      const double restX = x - along * node.dx[k];
-      const double restY = y - along * node.dy[k];
-      distance[k] = std::sqrt(restX * restX + restY * restY);
-    }
+    for (std::size_t k = 0; k < 4; ++k) distance[k] = std::sqrt(square[k]);
+    bool descends = false;
     if (node.isLeaf) {
-      for (std::size_t k = 0; k < node.count; ++k) limit = std::min(limit, distance[k] + node.radius[k]);
-      if (nearCount + 4 > near.size()) usePieces();
-      for (std::size_t k = 0; k < node.count; ++k) {
-        const double lower = distance[k] - node.radius[k];
-        if (lower <= limit + slack) near[nearCount++] = {lower, node.child + static_cast<std::uint32_t>(k)};
-      }
+      useLeaf(node, distance);
     } else {
-      const std::size_t first = waitingCount;
-      for (std::size_t k = 0; k < node.count; ++k) {
-        const Near child{distance[k] - node.radius[k], node.child + static_cast<std::uint32_t>(k)};
-        if (!(child.lower <= limit + slack)) continue;
-        // Farthest at the bottom, so that the nearest is looked at next.
-        std::size_t at = waitingCount++;
-        for (; at > first && waiting[at - 1].lower < child.lower; --at) waiting[at] = waiting[at - 1];
-        waiting[at] = child;
+      std::array<double, 4> lower;
+      for (std::size_t k = 0; k < 4; ++k) lower[k] = distance[k] - node.radius[k];
+      // Down to the child with the nearest axis; the others wait. Which one it is nobody can foresee, so nothing branches on
+      // it, and nothing waits for roots.
+      const std::size_t first = square[1] < square[0] ? 1 : 0;
+      const std::size_t second = square[3] < square[2] ? 3 : 2;
+      const std::size_t nearest = square[second] < square[first] ? second : first;
+      const double reach = limit + slack;
+      for (std::size_t k = 0; k < 4; ++k) {
+        waiting[waitingCount] = {lower[k], node.child + static_cast<std::uint32_t>(k)};
+        waitingCount += static_cast<std::size_t>((k != nearest) & (k < node.count) & (lower[k] <= reach));
       }
+      descends = lower[nearest] <= reach;
+      number = node.child + static_cast<std::uint32_t>(nearest);
     }
+    while (!descends && waitingCount > 0) {
+      const Near& next = waiting[--waitingCount];
+      descends = next.lower <= limit + slack;
+      number = next.number;
+    }
+    if (!descends) break;
   }
   usePieces();
+}
+
+// About where the foot on a transition lies, mostly so well that one step on the true curve is all that is left to do: the
+// foot on the circle of the middle, then a step on the curve's first terms.
+inline double AlignmentIndex::firstFoot(const Piece& piece, Vec2 local) {
+  const double along = local.x / (1.0 - piece.curvature * local.y);
+  const double x = piece.curvature * along;
+  const double u = along * (1.0 - x * x / 3.0);
+  const double bent = piece.rate * u;
+  const double curvature = piece.curvature + bent;
+  const double turn = u * (piece.curvature + 0.5 * bent);
+  const double sine = turn * (1.0 - turn * turn / 6.0);
+  const double cosine = 1.0 - 0.5 * turn * turn;
+  const Vec2 rest{local.x * cosine + local.y * sine - u +
+                      u * u * u / 6.0 * (curvature * curvature - 0.75 * curvature * bent + 0.15 * bent * bent),
+                  local.y * cosine - local.x * sine + u * u * (0.5 * curvature - bent / 6.0)};
+  const double bend = 1.0 - curvature * rest.y;
+  const double third = curvature * curvature * rest.x - piece.rate * rest.y;
+  const double step = 2.0 * rest.x * bend / (2.0 * bend * bend + rest.x * third);
+  return std::abs(step) < piece.half ? u + step : u;
 }
 
 template <class Curvature>
@@ -308,7 +361,7 @@ std::optional<double> AlignmentIndex::footOnTransition(const Piece& piece, const
     bool found = false;
     for (int i = 0; i < 64 && !found && to - from > 1e-14 * half; ++i) {
       const double u = 0.5 * (from + to);
-      const ClothoidSeries::Local at = piece.series.at(u / half);
+      const ClothoidSeries::Local at = piece.series.atDistance(u);
       const double slope = -dot(local - at.point, at.tangent);
       found = sign * slope > 0.0;
       if (found) (sign > 0.0 ? high : low) = u;
@@ -317,19 +370,11 @@ std::optional<double> AlignmentIndex::footOnTransition(const Piece& piece, const
     if (!found) return std::nullopt;
   }
 
-  // From the foot on the circle of the middle, by Halley's step inside the bracket. The step's error is of third order,
-  // so the last one needs no evaluation after it.
-  double u = 0.0;
-  const double towards = 1.0 - piece.curvature * local.y;
-  if (towards > 0.0) {
-    const double x = piece.curvature * local.x / towards;
-    u = local.x / towards * (1.0 - x * x / 3.0);
-  } else {
-    u = 0.5 * (low + high);
-  }
+  // By Halley's step inside the bracket. The step's error is of third order, so the last one needs no evaluation after it.
+  double u = 1.0 - piece.curvature * local.y > 0.0 ? firstFoot(piece, local) : 0.5 * (low + high);
   if (!(u > low && u < high)) u = !(u > low) ? low + 0.25 * (high - low) : high - 0.25 * (high - low);
   for (int i = 0; i < 100; ++i) {
-    const ClothoidSeries::Local at = piece.series.at(u / half);
+    const ClothoidSeries::Local at = piece.series.atDistance(u);
     const Vec2 rest = toLocal(local - at.point, at.tangent);
     const auto [curvature, rate] = curvatureAt(u);
     const double slope = -rest.x;
@@ -338,13 +383,14 @@ std::optional<double> AlignmentIndex::footOnTransition(const Piece& piece, const
     (slope < 0.0 ? low : high) = u;
     const double denominator = 2.0 * bend * bend - slope * third;
     double step = denominator != 0.0 ? -2.0 * slope * bend / denominator : kInfinity;
-    // What a step leaves out: in the station, and in the offset.
-    const double ratio = bend != 0.0 ? third / bend : kInfinity;
-    double size = curvature * curvature + ratio * ratio + std::abs(rate * bend) + std::abs(curvature * third);
-    if (largestBend > 0.0) size += largestBend * std::abs(rest.y / bend);
+    // What a step leaves out, in the station and in the offset, times the square of `bend`.
+    const double square = bend * bend;
+    double size =
+        (curvature * curvature + std::abs(curvature * third) + std::abs(rate * bend)) * square + third * third;
+    if (largestBend > 0.0) size += largestBend * std::abs(rest.y * bend);
     const double cubic = std::abs(step * step * step) * size;
     const bool isInside = u + step >= low && u + step <= high;
-    if (isInside && cubic < 1e-12) {
+    if (isInside && cubic < 1e-12 * square) {
       left = rest.y - 0.5 * curvature * bend * step * step;
       return u + step;
     }
@@ -356,10 +402,36 @@ std::optional<double> AlignmentIndex::footOnTransition(const Piece& piece, const
     if (!isInside || !(bend > 0.0) || i > 20) step = 0.5 * (low + high) - u;
     u += step;
   }
-  const ClothoidSeries::Local at = piece.series.at(u / half);
+  const ClothoidSeries::Local at = piece.series.atDistance(u);
   const Vec2 rest = toLocal(local - at.point, at.tangent);
   left = std::copysign(length(rest), rest.y);
   return u;
+}
+
+inline std::optional<double> AlignmentIndex::footOn(const Piece& piece, Vec2 local, double startSlope, double endSlope,
+                                                    double& left) const {
+  if (piece.kind == ElementKind::Clothoid) {
+    const auto curvatureAt = [&](double at) { return Bend{piece.curvature + piece.rate * at, piece.rate}; };
+    return footOnTransition(piece, curvatureAt, 0.0, local, startSlope, endSlope, left);
+  }
+  const CurvatureSeries& law = laws_[piece.law];
+  const auto curvatureAt = [&](double at) {
+    // Even and odd powers run as chains of their own.
+    const double w = at * law.inverseHalf;
+    const double v = w * w;
+    double even = law.terms[kLawTerms - 2];
+    double odd = law.terms[kLawTerms - 1];
+    double evenSlope = double(kLawTerms - 2) * even;
+    double oddSlope = double(kLawTerms - 1) * odd;
+    for (std::size_t n = kLawTerms - 2; n > 0; n -= 2) {
+      even = v * even + law.terms[n - 2];
+      odd = v * odd + law.terms[n - 1];
+      if (n > 2) evenSlope = v * evenSlope + double(n - 2) * law.terms[n - 2];
+      oddSlope = v * oddSlope + double(n - 1) * law.terms[n - 1];
+    }
+    return Bend{even + w * odd, law.inverseHalf * (oddSlope + w * evenSlope)};
+  };
+  return footOnTransition(piece, curvatureAt, law.largestBend, local, startSlope, endSlope, left);
 }
 
 template <class Use>
@@ -394,41 +466,12 @@ void AlignmentIndex::forEachFoot(std::uint32_t number, Vec2 point, Use&& use) co
       isInside = std::abs(u) < piece.half;
       break;
     }
-    case ElementKind::Clothoid: {
-      const auto curvatureAt = [&](double at) { return Bend{piece.curvature + piece.rate * at, piece.rate}; };
-      if (const auto foot = footOnTransition(piece, curvatureAt, 0.0, local, startSlope, endSlope, left)) {
+    default:
+      if (const auto foot = footOn(piece, local, startSlope, endSlope, left)) {
         u = *foot;
         isInside = true;
       }
       break;
-    }
-    case ElementKind::Bloss:
-    case ElementKind::Cosine:
-    case ElementKind::Biquadratic:
-    case ElementKind::Sinusoid: {
-      const CurvatureSeries& law = laws_[piece.law];
-      const auto curvatureAt = [&](double at) {
-        // Even and odd powers run as chains of their own.
-        const double w = at * law.inverseHalf;
-        const double v = w * w;
-        double even = law.terms[kLawTerms - 2];
-        double odd = law.terms[kLawTerms - 1];
-        double evenSlope = double(kLawTerms - 2) * even;
-        double oddSlope = double(kLawTerms - 1) * odd;
-        for (std::size_t n = kLawTerms - 2; n > 0; n -= 2) {
-          even = v * even + law.terms[n - 2];
-          odd = v * odd + law.terms[n - 1];
-          if (n > 2) evenSlope = v * evenSlope + double(n - 2) * law.terms[n - 2];
-          oddSlope = v * oddSlope + double(n - 1) * law.terms[n - 1];
-        }
-        return Bend{even + w * odd, law.inverseHalf * (oddSlope + w * evenSlope)};
-      };
-      if (const auto foot = footOnTransition(piece, curvatureAt, law.largestBend, local, startSlope, endSlope, left)) {
-        u = *foot;
-        isInside = true;
-      }
-      break;
-    }
   }
   if (isInside) use(Foot{std::abs(left), piece.station + u, left, number, FootPlace::Inside});
   const bool isDone = isInside && !isTransition(piece.kind);
@@ -484,16 +527,10 @@ AlignmentIndex::Answer AlignmentIndex::answer(const Foot& foot, Vec2 point, doub
   return {station, std::abs(left) <= noise ? 0.0 : -left};
 }
 
-std::optional<AlignmentIndex::Answer> AlignmentIndex::stationOffset(Vec2 absolute) const {
-  const Vec2 point = absolute - origin_;
-  if (pieces_.empty() || !std::isfinite(dot(point, point))) return std::nullopt;
-  const double noise =
-      4.0 * std::numeric_limits<double>::epsilon() * std::max(std::abs(absolute.x), std::abs(absolute.y));
-  const double slack = kEqualDistance + noise;
-
+Foot AlignmentIndex::nearestFoot(Vec2 point, double slack, double& second) const {
   Foot best;
   best.distance = kInfinity;
-  double second = kInfinity;  // the nearest at another station
+  second = kInfinity;
   double limit = kInfinity;
   forEachNear(point, limit, slack, [&](std::uint32_t piece) {
     forEachFoot(piece, point, [&](const Foot& foot) {
@@ -506,13 +543,29 @@ std::optional<AlignmentIndex::Answer> AlignmentIndex::stationOffset(Vec2 absolut
       }
     });
   });
+  return best;
+}
+
+AlignmentIndex::Stretch AlignmentIndex::stretchAround(Vec2 point, double more) const {
+  Stretch stretch{static_cast<std::uint32_t>(pieces_.size()), 0, kInfinity};
+  forEachNear(point, stretch.nearest, more, [&](std::uint32_t piece) {
+    stretch.first = std::min(stretch.first, piece);
+    stretch.last = std::max(stretch.last, piece);
+  });
+  return stretch;
+}
+
+std::optional<AlignmentIndex::Answer> AlignmentIndex::search(Vec2 point, double noise) const {
+  const double slack = kEqualDistance + noise;
+  double second = kInfinity;
+  Foot best = nearestFoot(point, slack, second);
   if (!(best.distance < kInfinity)) return std::nullopt;
   if (second <= best.distance + slack) {
     // Equal distances: again, for the smallest station among the minima that a rounding holds apart. An element's end
     // beside a foot that lies a hair beyond it is no minimum, even where rounding brings it nearer.
     const double equal = best.distance + slack;
     std::optional<Foot> earliest;
-    limit = best.distance;
+    double limit = best.distance;
     forEachNear(point, limit, slack, [&](std::uint32_t piece) {
       forEachFoot(piece, point, [&](const Foot& foot) {
         if (!(foot.distance <= equal) || (earliest && foot.station >= earliest->station)) return;
@@ -522,6 +575,77 @@ std::optional<AlignmentIndex::Answer> AlignmentIndex::stationOffset(Vec2 absolut
     if (earliest) best = *earliest;
   }
   return answer(best, point, 1e-12 + noise);
+}
+
+// ---------------------------------------------------------------- near the alignment
+
+// An angle by its tangent, from the square of the tangent: a piece turns by 0.15 at most to each side of its middle, so
+// that a short series gives it to a rounding.
+inline double AlignmentIndex::angleByTangent(double square) {
+  const double v = square * square;
+  // Even and odd powers run as chains of their own.
+  double even = 1.0 / 21.0;
+  double odd = -1.0 / 23.0;
+  for (const double n : {17.0, 13.0, 9.0, 5.0, 1.0}) {
+    even = v * even + 1.0 / n;
+    odd = v * odd - 1.0 / (n + 2.0);
+  }
+  return even + square * odd;
+}
+
+inline std::optional<AlignmentIndex::Answer> AlignmentIndex::answerNear(Vec2 point, double noise) const {
+  NearGrid::Word* const word = grid_.wordAt(point);
+  if (word == nullptr) return std::nullopt;
+  std::uint32_t run = word->load(std::memory_order_relaxed);
+  if (run < Run::kClearances) {
+    if (run == Run::kUnknown) word->store(run = runOf(grid_.squareOf(word)), std::memory_order_relaxed);
+    if (run == Run::kNone) return std::nullopt;
+  }
+  const std::uint32_t first = run / Run::kClearances - 1;
+  // As the distance ahead of the starts falls along a run, the starts behind the point count up to its piece.
+  const auto load = [](const double* at) {
+    Two two;
+    std::memcpy(&two, at, sizeof(two));
+    return two;
+  };
+  const auto reached = [&](std::size_t k) {
+    return load(&startLines_.dx[k]) * point.x + load(&startLines_.dy[k]) * point.y >= load(&startLines_.at[k]);
+  };
+  const auto both = reached(first + 1) + reached(first + 3);
+  const std::uint32_t number = first - static_cast<std::uint32_t>(both[0] + both[1]);
+
+  const Piece& piece = pieces_[number];
+  const Vec2 local = toLocal(point - piece.middle, piece.tangent);
+  const double clearance = clearances_[run % Run::kClearances];
+  const double startSlope = -dot(local - piece.startPoint, piece.startTangent);
+  const double endSlope = -dot(local - piece.endPoint, piece.endTangent);
+  if (!((startSlope < -clearance) & (endSlope > clearance))) return std::nullopt;
+  double u = 0.0;
+  double left = 0.0;
+  if (!isTransition(piece.kind)) {
+    // A line is an arc without curvature.
+    const double across = 1.0 - piece.curvature * local.y;
+    const double along = local.x / across;
+    const double tangent = piece.curvature * along;
+    const double square = tangent * tangent;
+    const double reach = across * std::sqrt(1.0 + square);
+    u = along * angleByTangent(square);
+    left = (2.0 * local.y - piece.curvature * dot(local, local)) / (1.0 + reach);
+  } else if (const auto foot = footOn(piece, local, startSlope, endSlope, left)) {
+    u = *foot;
+  } else {
+    return std::nullopt;
+  }
+  return Answer{piece.station + u, std::abs(left) <= 1e-12 + noise ? 0.0 : -left};
+}
+
+std::optional<AlignmentIndex::Answer> AlignmentIndex::stationOffset(Vec2 absolute) const {
+  const Vec2 point = absolute - origin_;
+  const double noise =
+      4.0 * std::numeric_limits<double>::epsilon() * std::max(std::abs(absolute.x), std::abs(absolute.y));
+  if (const auto found = answerNear(point, noise)) return found;
+  if (pieces_.empty() || !std::isfinite(dot(point, point))) return std::nullopt;
+  return search(point, noise);
 }
 
 }  // namespace lvx::civil::detail

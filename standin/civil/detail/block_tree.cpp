@@ -7,6 +7,9 @@
 namespace lvx::civil::detail {
 namespace {
 
+/// x and y, which one instruction compares.
+using Two = double __attribute__((vector_size(16)));
+
 float roundedDown(double value) {
   const auto rounded = static_cast<float>(value);
   return double{rounded} > value ? std::nextafter(rounded, -std::numeric_limits<float>::infinity()) : rounded;
@@ -38,14 +41,20 @@ void BlockTree::fill(std::span<const Vec3> points, std::span<const Triangle> tri
   std::size_t next = 0;
   const std::int32_t* corners = cornersOf(triangles);
   for (std::size_t run = 0; run < levels_[0].count; ++run) {
-    Box around;
     const std::size_t end = std::min((run + 1) * kRun, triangles.size());
-    for (std::size_t i = 3 * run * kRun; i < 3 * end; ++i) {
-      const Vec3& p = points[static_cast<std::size_t>(corners[i])];
-      around.add(plan(p));
+    const auto at = [&](std::size_t corner) {
+      const Vec3& p = points[static_cast<std::size_t>(corners[corner])];
+      return Two{p.x, p.y};
+    };
+    Two least = at(3 * run * kRun);
+    Two most = least;
+    for (std::size_t i = 3 * run * kRun + 1; i < 3 * end; ++i) {
+      const Two p = at(i);
+      least = p < least ? p : least;
+      most = p > most ? p : most;
     }
-    bounds_[next++] = {roundedDown(around.minX - origin_.x), roundedDown(around.minY - origin_.y),
-                       roundedUp(around.maxX - origin_.x), roundedUp(around.maxY - origin_.y)};
+    bounds_[next++] = {roundedDown(least[0] - origin_.x), roundedDown(least[1] - origin_.y),
+                       roundedUp(most[0] - origin_.x), roundedUp(most[1] - origin_.y)};
   }
   for (std::size_t level = 1; level < levelCount_; ++level) {
     const Level below = levels_[level - 1];

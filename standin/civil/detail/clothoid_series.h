@@ -48,6 +48,8 @@ class ClothoidSeries {
     }
     return {u * odd + v * even, inverseHalf_ * (oddSlope + u * evenSlope)};
   }
+  /// The same at a distance from the middle.
+  [[nodiscard]] Local atDistance(double distance) const { return at(distance * inverseHalf_); }
 
  private:
   std::array<Vec2, kTerms> terms_{};  // of u, u^2, ...

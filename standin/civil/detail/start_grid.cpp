@@ -93,8 +93,8 @@ void StartGrid::findTouched(std::span<const Vec3> points, const std::int32_t* co
   // holds them.
   const std::span<std::int32_t> changes = starts_.all();
   std::ranges::fill(changes, 0);
-  for (std::size_t half = 0; half < 3 * triangleCount; ++half) {
-    if (!links.isBorder(half)) continue;
+  bool isWithinBudget = true;
+  links.eachBorder([&](std::size_t half) {
     const std::int32_t* triangle = corners + half / 3 * 3;
     const Vec3& from = points[static_cast<std::size_t>(nextCorner(triangle, half % 3, 1))];
     const Vec3& to = points[static_cast<std::size_t>(nextCorner(triangle, half % 3, 2))];
@@ -124,10 +124,7 @@ void StartGrid::findTouched(std::span<const Vec3> points, const std::int32_t* co
       const std::size_t firstColumn = clamped(left - margin, columns_);
       const std::size_t lastColumn = clamped(right + margin, columns_);
       const std::size_t count = lastColumn - firstColumn + 1;
-      if (count > budget) {
-        touches_ = {};
-        return;
-      }
+      if (count > budget) return isWithinBudget = false;
       budget -= count;
       const auto edge = static_cast<Link>(4 * (half / 3) + half % 3);
       for (std::size_t column = firstColumn; column <= lastColumn; ++column)
@@ -137,6 +134,11 @@ void StartGrid::findTouched(std::span<const Vec3> points, const std::int32_t* co
         if (column < columns_) changes[row * columns_ + column] += isRising ? -1 : 1;
       }
     }
+    return true;
+  });
+  if (!isWithinBudget) {
+    touches_ = {};
+    return;
   }
   covers_.resize(cellCount);
   for (std::size_t row = 0; row < rows_; ++row) {

@@ -24,12 +24,12 @@ struct Keyed {
   std::int32_t triangle;
 };
 
-/// Stable, by the lower 21 bits, in passes of 11.
-void sortByKey(std::vector<Keyed>& items, std::vector<Keyed>& other) {
-  constexpr unsigned kBits = 11;
-  constexpr std::uint32_t kMask = (1U << kBits) - 1;
+/// Stable, by the lower `bits`, in passes of `kDigit` of them.
+template <unsigned kDigit>
+void sortByKey(std::vector<Keyed>& items, std::vector<Keyed>& other, unsigned bits) {
+  constexpr std::uint32_t kMask = (1U << kDigit) - 1;
   other.resize(items.size());
-  for (const unsigned shift : {0U, kBits}) {
+  for (unsigned shift = 0; shift < bits; shift += kDigit) {
     std::array<std::uint32_t, kMask + 2> first{};
     for (const Keyed& item : items) ++first[(item.key >> shift & kMask) + 1];
     for (std::size_t i = 1; i < first.size(); ++i) first[i] += first[i - 1];
@@ -38,29 +38,92 @@ void sortByKey(std::vector<Keyed>& items, std::vector<Keyed>& other) {
   }
 }
 
-/// The triangles' places along a Morton curve through the lower left corners of their boxes.
+/// The triangles' places along a Morton curve, by their first corners. Where the ground is a strip, as along a road, curves
+/// through squares follow each other along it; so no part of a key is the same for all of it.
 class CurveKeys {
  public:
+  static constexpr unsigned kBucketBits = 11;
+
   CurveKeys(std::span<const Vec3> points, const Box& box) : points_(points), minX_(box.minX), minY_(box.minY) {
-    const double size = std::max(box.maxX - box.minX, box.maxY - box.minY);
-    scale_ = size > 0.0 ? 65535.0 / size : 0.0;
+    const double width = box.maxX - box.minX;
+    const double height = box.maxY - box.minY;
+    isUpright_ = height > width;
+    const double longer = std::max(width, height);
+    const double shorter = std::min(width, height);
+    scale_ = longer > 0.0 ? 65535.0 / longer : 0.0;
+    while (squareBits_ > kBucketBits / 2 && shorter * scale_ < static_cast<double>(1U << (squareBits_ - 1)))
+      --squareBits_;
+    // The upper bits of a key are those of both coordinates.
+    const unsigned bitsInSquare = kBucketBits - (kCoordinateBits - squareBits_);
+    shiftX_ = squareBits_ - bitsInSquare / 2;
+    shiftY_ = squareBits_ - (bitsInSquare - bitsInSquare / 2);
+    stride_ = std::size_t{1} << ((isUpright_ ? kCoordinateBits : squareBits_) - shiftY_);
+    buckets_.resize(stride_ << ((isUpright_ ? squareBits_ : kCoordinateBits) - shiftX_));
+    for (std::size_t i = 0; i < buckets_.size(); ++i) {
+      const auto x = static_cast<std::uint32_t>(i / stride_ << shiftX_);
+      const auto y = static_cast<std::uint32_t>(i % stride_ << shiftY_);
+      buckets_[i] = static_cast<std::uint16_t>(keyAt(x, y) >> lowerBits());
+    }
   }
   [[nodiscard]] std::uint32_t operator()(const Triangle& t) const {
-    const auto at = [&](std::int32_t corner) { return plan(points_[static_cast<std::size_t>(corner)]); };
-    const Vec2 p = at(t.a);
-    const Vec2 q = at(t.b);
-    const Vec2 r = at(t.c);
-    const auto x = static_cast<std::uint32_t>((std::min({p.x, q.x, r.x}) - minX_) * scale_);
-    const auto y = static_cast<std::uint32_t>((std::min({p.y, q.y, r.y}) - minY_) * scale_);
-    return spread(x) | spread(y) << 1;
+    const auto [x, y] = placeOf(t);
+    return keyAt(x, y);
+  }
+  /// Of a key, below those that tell its bucket.
+  [[nodiscard]] unsigned lowerBits() const { return kCoordinateBits + squareBits_ - kBucketBits; }
+  [[nodiscard]] std::size_t bucketOf(const Triangle& t) const {
+    const auto [x, y] = placeOf(t);
+    return buckets_[(x >> shiftX_) * stride_ + (y >> shiftY_)];
   }
 
  private:
+  static constexpr unsigned kCoordinateBits = 16;
+  struct Place {
+    std::uint32_t x;
+    std::uint32_t y;
+  };
+  [[nodiscard]] Place placeOf(const Triangle& t) const {
+    const Vec3& p = points_[static_cast<std::size_t>(t.a)];
+    // By way of numbers with a sign, which processors convert in one step.
+    return {static_cast<std::uint32_t>(static_cast<std::int32_t>((p.x - minX_) * scale_)),
+            static_cast<std::uint32_t>(static_cast<std::int32_t>((p.y - minY_) * scale_))};
+  }
+  [[nodiscard]] std::uint32_t keyAt(std::uint32_t x, std::uint32_t y) const {
+    const std::uint32_t square = (isUpright_ ? y : x) >> squareBits_;
+    const std::uint32_t within = (1U << squareBits_) - 1;
+    // Of one square alone the shift takes all 32 bits away.
+    return static_cast<std::uint32_t>(std::uint64_t{square} << 2 * squareBits_) | spread(x & within) |
+           spread(y & within) << 1;
+  }
+
   std::span<const Vec3> points_;
   double minX_;
   double minY_;
   double scale_ = 0.0;
+  bool isUpright_ = false;
+  unsigned squareBits_ = kCoordinateBits;  // of a coordinate within a square
+  unsigned shiftX_ = 0;
+  unsigned shiftY_ = 0;
+  std::size_t stride_ = 0;
+  std::vector<std::uint16_t> buckets_;  // by the upper bits of both coordinates
 };
+
+/// Whether triangles that follow each other are neighbours nearly always, as most programs write them: told by some of them.
+bool followEachOther(std::span<const Triangle> triangles) {
+  constexpr std::size_t kEach = 8;
+  const auto share = [](const Triangle& p, const Triangle& q) {
+    const auto has = [&](std::int32_t corner) { return p.a == corner || p.b == corner || p.c == corner; };
+    return has(q.a) || has(q.b) || has(q.c);
+  };
+  std::size_t asked = 0;
+  std::size_t apart = 0;
+  // In a lattice written square by square the one before lies across the square's diagonal.
+  for (std::size_t i = 2; i < triangles.size(); i += kEach) {
+    ++asked;
+    apart += share(triangles[i], triangles[i - 1]) || share(triangles[i], triangles[i - 2]) ? 0 : 1;
+  }
+  return 8 * apart < asked;
+}
 
 /// Room for the work on one bucket after the other.
 struct Bucket {
@@ -71,32 +134,26 @@ struct Bucket {
   /// Puts the triangles into the order of their keys, those with equal ones in the order given. Their upper bits are alike.
   void sort(std::span<Triangle> all, const CurveKeys& keyOf) {
     items.resize(all.size());
-    bool isSorted = true;
-    std::uint32_t before = 0;
-    for (std::size_t i = 0; i < all.size(); ++i) {
-      const std::uint32_t key = keyOf(all[i]);
-      items[i] = {key, static_cast<std::int32_t>(i)};
-      isSorted = isSorted && before <= key;
-      before = key;
-    }
-    if (isSorted) return;
-    constexpr std::size_t kFew = 2000;
-    if (all.size() > kFew)
-      sortByKey(items, other);
-    else
+    for (std::size_t i = 0; i < all.size(); ++i) items[i] = {keyOf(all[i]), static_cast<std::int32_t>(i)};
+    constexpr std::size_t kFew = 20;
+    constexpr std::size_t kMany = 8000;
+    if (all.size() <= kFew)
       std::stable_sort(items.begin(), items.end(), [](const Keyed& p, const Keyed& q) { return p.key < q.key; });
+    else if (all.size() < kMany)
+      sortByKey<7>(items, other, keyOf.lowerBits());
+    else
+      sortByKey<11>(items, other, keyOf.lowerBits());
     triangles.assign(all.begin(), all.end());
     for (std::size_t i = 0; i < all.size(); ++i) all[i] = triangles[static_cast<std::size_t>(items[i].triangle)];
   }
 };
 
-/// The triangles in the order of their keys, of equal ones in the order given.
+/// The triangles in the order of their buckets, which a curve goes through. Within a bucket of a few thousand, which lie
+/// close in memory anyway, they stay as they came where they come as neighbours; else they follow the curve too.
 PlainArray<Triangle> alongCurve(std::span<const Vec3> points, std::span<const Triangle> triangles, const Box& box,
                                 const RunPieces& run) {
   const CurveKeys keyOf(points, box);
-  // First into buckets by the upper bits of the keys, then each bucket for itself.
-  constexpr unsigned kLower = 21;
-  constexpr std::size_t kBuckets = std::size_t{1} << (32 - kLower);
+  constexpr std::size_t kBuckets = std::size_t{1} << CurveKeys::kBucketBits;
   constexpr std::size_t kStretches = 16;
   const std::size_t stretch = triangles.size() / kStretches + 1;
   using Counts = std::array<std::uint32_t, kBuckets>;
@@ -108,7 +165,7 @@ PlainArray<Triangle> alongCurve(std::span<const Vec3> points, std::span<const Tr
   run(kStretches, [&](std::size_t number) {
     Counts& here = counts[number];
     here.fill(0);
-    eachOf(number, [&](const Triangle& t) { ++here[keyOf(t) >> kLower]; });
+    eachOf(number, [&](const Triangle& t) { ++here[keyOf.bucketOf(t)]; });
   });
   std::vector<std::size_t> ends(kBuckets);
   std::uint32_t before = 0;
@@ -118,14 +175,15 @@ PlainArray<Triangle> alongCurve(std::span<const Vec3> points, std::span<const Tr
   }
   PlainArray<Triangle> ordered(triangles.size());
   run(kStretches, [&](std::size_t number) {
-    eachOf(number, [&](const Triangle& t) { ordered[counts[number][keyOf(t) >> kLower]++] = t; });
+    eachOf(number, [&](const Triangle& t) { ordered[counts[number][keyOf.bucketOf(t)]++] = t; });
   });
   constexpr std::size_t kAtOnce = 16;
   run(kBuckets / kAtOnce, [&](std::size_t group) {
     Bucket bucket;
     for (std::size_t i = group * kAtOnce; i < (group + 1) * kAtOnce; ++i) {
       const std::size_t first = i == 0 ? 0 : ends[i - 1];
-      bucket.sort(ordered.all().subspan(first, ends[i] - first), keyOf);
+      const std::span<Triangle> here = ordered.all().subspan(first, ends[i] - first);
+      if (!followEachOther(here)) bucket.sort(here, keyOf);
     }
   });
   return ordered;

@@ -8,6 +8,10 @@
 #include <tuple>
 #include <utility>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 #include "civil/detail/tin_build.h"
 
 namespace lvx::civil::detail {
@@ -54,7 +58,7 @@ class TriangleLinks::Matching {
   /// Triangles whose edges are told apart at a time.
   static constexpr std::size_t kBlock = 256;
   /// Edges that wait at a point in a row, as a rule all.
-  static constexpr std::size_t kInRow = 4;
+  static constexpr std::size_t kInRow = 6;
   /// Edges that wait at a point at all; where there are more, the others are sorted, so that a point of thousands of edges
   /// doesn't cost their square.
   static constexpr std::uint8_t kMostWaiting = 24;
@@ -65,6 +69,37 @@ class TriangleLinks::Matching {
     std::int32_t upper = 0;
     Link edge = 0;
   };
+  static constexpr std::int32_t kEnd = -1;
+  static constexpr std::int32_t kNotOwn = -2;
+  /// The edges that wait at a point. No larger than a line of a processor's cache.
+  struct alignas(16) Row {
+    std::array<std::int32_t, 8> others{};  // the ends that they don't wait at, of the first kInRow
+    std::array<Link, kInRow> edges{};
+    std::int32_t chain = kEnd;  // of the further ones; kNotOwn where the point is another stretch's too
+    std::uint8_t waiting = 0;
+    std::uint8_t matched = 0;  // a bit for each in the row
+    std::uint8_t undone = 0;   // of those, what is no seam of two triangles
+
+    [[nodiscard]] std::uint32_t inUse() const { return (1U << std::min<std::size_t>(waiting, kInRow)) - 1; }
+    /// A bit for each edge in the row with that end; all are looked at, since no guess where it stands would be right.
+    [[nodiscard]] std::uint32_t placesOf(std::int32_t other) const {
+      std::uint32_t same = 0;
+#ifdef __SSE2__
+      const auto* const four = reinterpret_cast<const __m128i*>(others.data());
+      const __m128i wanted = _mm_set1_epi32(other);
+      const __m128i all = _mm_packs_epi32(_mm_cmpeq_epi32(four[0], wanted), _mm_cmpeq_epi32(four[1], wanted));
+      same = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(all, _mm_setzero_si128())));
+#else
+      for (std::size_t i = 0; i < kInRow; ++i) same |= static_cast<std::uint32_t>(others[i] == other) << i;
+#endif
+      return same & inUse();
+    }
+  };
+  /// Calls `use` with the number of each bit that is set, from the lowest on.
+  template <class Use>
+  static void eachBit(std::uint32_t bits, Use use) {
+    for (; bits != 0; bits &= bits - 1) use(static_cast<std::size_t>(std::countr_zero(bits)));
+  }
   /// What a stretch leaves.
   struct Found {
     std::vector<Link> between;  // edges with both ends in several stretches
@@ -109,22 +144,11 @@ class TriangleLinks::Matching {
     const auto ownCount = static_cast<std::size_t>(firstPoints_[stretch + 1] - first);
     const std::size_t begin = stretch * kStretch;
     const std::size_t end = endOf(stretch);
-    constexpr std::int32_t kEnd = -1;
-    constexpr std::int32_t kNotOwn = -2;
-    std::vector<std::int32_t> chains(ownCount);
+    std::vector<Row> rows(ownCount);
     for (std::size_t i = 0; i < ownCount; ++i)
-      chains[i] = isForeign(static_cast<std::size_t>(first) + i) ? kNotOwn : kEnd;
-    struct Row {
-      std::array<std::int32_t, kInRow> others;  // the ends of the edges that they don't wait at; kEnd behind the last
-      std::array<Link, kInRow> edges;
-      std::array<Link, kInRow> matched;
-    };
-    const auto rows = std::make_unique_for_overwrite<Row[]>(ownCount);
-    std::vector<std::uint8_t> waitingAt(ownCount, 0);
-    const auto inRow = [&](std::size_t point) { return std::min<std::size_t>(waitingAt[point], kInRow); };
+      if (isForeign(static_cast<std::size_t>(first) + i)) rows[i].chain = kNotOwn;
     // Edges that may have more than two triangles, or whose point is crowded.
     std::vector<Link> odd;
-    for (std::size_t i = 0; i < ownCount; ++i) rows[i].others.fill(kEnd);
     struct Waiting {
       std::int32_t other;
       std::int32_t next;
@@ -137,17 +161,17 @@ class TriangleLinks::Matching {
 
     // Where an edge waits or looks; nothing where neither end is own.
     struct Place {
-      std::int32_t* chain;
+      Row* row;
       std::int32_t other;
     };
     const auto placeOf = [&](const Side& side) -> Place {
       if (side.lower >= first) {
-        std::int32_t& chain = chains[static_cast<std::size_t>(side.lower - first)];
-        if (chain != kNotOwn) return {&chain, side.upper};
+        Row& row = rows[static_cast<std::size_t>(side.lower - first)];
+        if (row.chain != kNotOwn) return {&row, side.upper};
       }
       if (side.upper >= first) {
-        std::int32_t& chain = chains[static_cast<std::size_t>(side.upper - first)];
-        if (chain != kNotOwn) return {&chain, side.lower};
+        Row& row = rows[static_cast<std::size_t>(side.upper - first)];
+        if (row.chain != kNotOwn) return {&row, side.lower};
       }
       return {nullptr, 0};
     };
@@ -168,56 +192,49 @@ class TriangleLinks::Matching {
         }
       }
       for (const Side& side : std::span(rising).first(risingCount)) {
-        const Place place = placeOf(side);
-        if (place.chain == nullptr) {
+        const auto [row, other] = placeOf(side);
+        if (row == nullptr) {
           found.between.push_back(side.edge);
           continue;
         }
-        const auto point = static_cast<std::size_t>(place.chain - chains.data());
-        std::uint8_t& count = waitingAt[point];
-        if (count >= kMostWaiting) {
-          count = kCrowded;
+        if (row->waiting >= kMostWaiting) {
+          row->waiting = kCrowded;
           noLink(side.edge);
           odd.push_back(side.edge);
           continue;
         }
-        const std::size_t next = count++;
+        const std::size_t next = row->waiting++;
         if (next < kInRow) {
-          rows[point].others[next] = place.other;
-          rows[point].edges[next] = side.edge;
-          rows[point].matched[next] = kNoLink;
+          row->others[next] = other;
+          row->edges[next] = side.edge;
           continue;
         }
-        waiting[static_cast<std::size_t>(waitingCount)] = {place.other, *place.chain, side.edge, kNoLink};
-        *place.chain = waitingCount++;
+        waiting[static_cast<std::size_t>(waitingCount)] = {other, row->chain, side.edge, kNoLink};
+        row->chain = waitingCount++;
       }
     }
     const auto at = [&](std::int32_t number) -> Waiting& { return waiting[static_cast<std::size_t>(number)]; };
     for (std::size_t i = 0; i < fallingCount; ++i) {
       const Side& side = falling[i];
-      const Place place = placeOf(side);
-      if (place.chain == nullptr) {
+      const auto [row, other] = placeOf(side);
+      if (row == nullptr) {
         found.between.push_back(side.edge);
         continue;
       }
-      const auto point = static_cast<std::size_t>(place.chain - chains.data());
-      Row& row = rows[point];
-      std::uint32_t same = 0;
-      for (std::size_t j = 0; j < kInRow; ++j) same |= static_cast<std::uint32_t>(row.others[j] == place.other) << j;
-      if (same != 0) {
+      if (const std::uint32_t same = row->placesOf(other); same != 0) {
         const auto which = static_cast<std::size_t>(std::countr_zero(same));
-        if (row.matched[which] == kNoLink) {
-          row.matched[which] = side.edge;
-          link(side.edge, row.edges[which], found);
-          link(row.edges[which], side.edge, found);
+        if ((row->matched >> which & 1U) == 0) {
+          row->matched = static_cast<std::uint8_t>(row->matched | 1U << which);
+          link(side.edge, row->edges[which], found);
+          link(row->edges[which], side.edge, found);
         } else {
           noLink(side.edge);
           odd.push_back(side.edge);
         }
         continue;
       }
-      std::int32_t number = *place.chain;
-      while (number != kEnd && at(number).other != place.other) number = at(number).next;
+      std::int32_t number = row->chain;
+      while (number != kEnd && at(number).other != other) number = at(number).next;
       if (number == kEnd || at(number).matched != kNoLink) {
         noLink(side.edge);
         odd.push_back(side.edge);
@@ -228,12 +245,11 @@ class TriangleLinks::Matching {
       link(side.edge, counterpart.edge, found);
       link(counterpart.edge, side.edge, found);
     }
-    for (std::size_t point = 0; point < ownCount; ++point) {
-      for (std::size_t j = 0; j < inRow(point); ++j) {
-        if (rows[point].matched[j] != kNoLink) continue;
-        noLink(rows[point].edges[j]);
-        odd.push_back(rows[point].edges[j]);
-      }
+    for (const Row& row : rows) {
+      eachBit(row.inUse() & ~std::uint32_t{row.matched}, [&](std::size_t j) {
+        noLink(row.edges[j]);
+        odd.push_back(row.edges[j]);
+      });
     }
     for (std::int32_t number = 0; number < waitingCount; ++number) {
       if (at(number).matched != kNoLink) continue;
@@ -242,20 +258,20 @@ class TriangleLinks::Matching {
     }
     // With an edge that found none goes what was matched of the same: the rules count all of it. Two that lie on both sides
     // of one edge and were matched with nothing come from a crowded point.
-    eachSameEdge(odd, [&](std::span<const Side> sides) {
-      const Place place = placeOf(sides.front());
+    bool isAnyUndone = false;
+    eachSameEdge(sidesOf(odd), [&](std::span<const Side> sides) {
+      const auto [row, other] = placeOf(sides.front());
       std::size_t count = sides.size();
-      const auto point = static_cast<std::size_t>(place.chain - chains.data());
-      for (std::size_t j = 0; j < inRow(point); ++j) {
-        const Row& row = rows[point];
-        if (row.others[j] != place.other || row.matched[j] == kNoLink) continue;
+      const std::uint32_t undone = row->placesOf(other) & row->matched;
+      eachBit(undone, [&, row = row](std::size_t j) {
         count += 2;
-        noLink(row.edges[j]);
-        noLink(row.matched[j]);
-      }
-      for (std::int32_t number = *place.chain; number != kEnd; number = at(number).next) {
+        noLink(row->edges[j]);
+      });
+      row->undone = static_cast<std::uint8_t>(row->undone | undone);
+      isAnyUndone = isAnyUndone || undone != 0;
+      for (std::int32_t number = row->chain; number != kEnd; number = at(number).next) {
         const Waiting& its = at(number);
-        if (its.other != place.other || its.matched == kNoLink) continue;
+        if (its.other != other || its.matched == kNoLink) continue;
         count += 2;
         noLink(its.edge);
         noLink(its.matched);
@@ -265,6 +281,10 @@ class TriangleLinks::Matching {
       link(sides[0].edge, sides[1].edge, found);
       link(sides[1].edge, sides[0].edge, found);
     });
+    for (std::size_t i = 0; isAnyUndone && i < fallingCount; ++i) {
+      const auto [row, other] = placeOf(falling[i]);
+      if (row != nullptr && (row->placesOf(other) & row->undone) != 0) noLink(falling[i].edge);
+    }
     std::sort(found.far.begin(), found.far.end(), isBefore);
   }
 
@@ -272,15 +292,19 @@ class TriangleLinks::Matching {
     return cornersOfEdge(corners_ + 3 * static_cast<std::size_t>(edge >> 2), static_cast<std::size_t>(edge & 3));
   }
   [[nodiscard]] bool isRising(const Side& side) const { return cornersOf(side.edge).from == side.lower; }
-  /// Calls `use` with all sides of one edge among those given, edge by edge.
-  template <class Use>
-  void eachSameEdge(std::span<const Link> edges, Use use) const {
+  [[nodiscard]] Side sideOf(Link edge) const {
+    const auto [from, to] = cornersOf(edge);
+    return {std::min(from, to), std::max(from, to), edge};
+  }
+  [[nodiscard]] std::vector<Side> sidesOf(std::span<const Link> edges) const {
     std::vector<Side> sides;
     sides.reserve(edges.size());
-    for (const Link edge : edges) {
-      const auto [from, to] = cornersOf(edge);
-      sides.push_back({std::min(from, to), std::max(from, to), edge});
-    }
+    for (const Link edge : edges) sides.push_back(sideOf(edge));
+    return sides;
+  }
+  /// Calls `use` with all sides of one edge among those given, edge by edge.
+  template <class Use>
+  static void eachSameEdge(std::vector<Side> sides, Use use) {
     std::sort(sides.begin(), sides.end(), [](const Side& p, const Side& q) {
       return std::tie(p.lower, p.upper, p.edge) < std::tie(q.lower, q.upper, q.edge);
     });
@@ -304,13 +328,16 @@ class TriangleLinks::Matching {
   }
 
   void matchBetween(std::vector<Found>& found) {
-    std::vector<Link> edges;
+    std::size_t count = 0;
+    for (const Found& its : found) count += its.between.size();
+    std::vector<Side> between;
+    between.reserve(count);
     for (Found& its : found) {
-      edges.insert(edges.end(), its.between.begin(), its.between.end());
+      for (const Link edge : its.between) between.push_back(sideOf(edge));
       its.between = {};
     }
     Found& rest = found.emplace_back();
-    eachSameEdge(edges, [&](std::span<const Side> sides) {
+    eachSameEdge(std::move(between), [&](std::span<const Side> sides) {
       for (const Side& side : sides) noLink(side.edge);
       if (sides.size() > 2) ++rest.overlapping;
       if (sides.size() != 2 || isRising(sides[0]) == isRising(sides[1])) return;

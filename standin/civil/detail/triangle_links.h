@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -33,7 +34,9 @@ class TriangleLinks {
   /// kNoLink where no triangle lies beyond, and on edges that are more than a seam of two triangles (more than two, or both
   /// on one side).
   [[nodiscard]] Link across(std::size_t triangle, std::size_t edge) const;
-  [[nodiscard]] bool isBorder(std::size_t slot) const { return steps_[slot] == kBorder; }
+  /// Calls `use(slot)` for each edge that no triangle lies beyond, 3 * triangle + edge, ascending, until it returns false.
+  template <class Use>
+  void eachBorder(Use use) const;
   /// Edges with more than two triangles.
   [[nodiscard]] std::size_t overlappingEdges() const { return overlappingEdges_; }
 
@@ -89,6 +92,20 @@ class TriangleLinks::View {
   const std::uint64_t* shared_;
   const TriangleLinks* links_;
 };
+
+template <class Use>
+void TriangleLinks::eachBorder(Use use) const {
+  // Borders are few: many slots are looked at together.
+  constexpr std::size_t kTogether = 64;
+  const Step* const steps = steps_.all().data();
+  for (std::size_t first = 0; first < steps_.size(); first += kTogether) {
+    const std::size_t end = std::min(first + kTogether, steps_.size());
+    std::uint16_t found = 0;
+    for (std::size_t slot = first; slot < end; ++slot) found |= steps[slot] == kBorder ? 1 : 0;
+    for (std::size_t slot = first; found != 0 && slot < end; ++slot)
+      if (steps[slot] == kBorder && !use(slot)) return;
+  }
+}
 
 inline TriangleLinks::View TriangleLinks::view() const { return View(*this); }
 inline Link TriangleLinks::across(std::size_t triangle, std::size_t edge) const {

@@ -12,13 +12,17 @@ namespace lvx::landxml::detail {
 
 namespace {
 
-/// Elements and attributes outside the streamed parts; a drawing has far fewer.
-constexpr std::size_t kMostNodes = 30'000'000;
+std::string countText(std::size_t count) {
+  constexpr std::size_t kMillion = 1'000'000;
+  return count > 0 && count % kMillion == 0 ? std::to_string(count / kMillion) + " million" : std::to_string(count);
+}
 
 class Scanner {
  public:
-  Scanner(std::unique_ptr<ByteSource> bytes, const std::string& file, const ReadOptions& options, ScanMode mode)
-      : in_(std::move(bytes), file, options),
+  Scanner(std::unique_ptr<ByteSource> bytes, const std::string& file, const ReadOptions& options, ScanMode mode,
+          const ScanLimits& limits)
+      : limits_(limits),
+        in_(std::move(bytes), file, options),
         tokens_(in_),
         crew_(options.threads),
         file_(file),
@@ -40,6 +44,9 @@ class Scanner {
   std::string_view asUtf8(std::string_view piece);
   [[nodiscard]] bool isMuted() const { return muteDepth_ > 0 && open_.depth() >= muteDepth_; }
 
+  void count(std::string_view localName, std::size_t attributes, std::size_t line);
+
+  ScanLimits limits_;
   Input in_;
   Tokenizer tokens_;
   standin_platform::Crew crew_;
@@ -50,7 +57,8 @@ class Scanner {
   OpenElements open_;
   bool rootSeen_ = false;
   std::size_t muteDepth_ = 0;  // names at this depth and deeper aren't kept; 0: all are
-  std::size_t nodes_ = 0;
+  std::size_t points_ = 0;
+  std::size_t nodes_ = 0;  // elements but points, with their attributes
   struct UnreadCollection {
     std::size_t line = 0;  // of the first
     std::size_t count = 0;
@@ -129,6 +137,19 @@ void Scanner::checkRoot(const Token& token) {
   });
 }
 
+/// What becomes an object of its own may take hundreds of times its bytes in the file, so there is an end to such
+/// elements. A point, and a point's place in a group, takes less than twice its bytes.
+void Scanner::count(std::string_view localName, std::size_t attributes, std::size_t line) {
+  if (localName == "CgPoint") {
+    if (++points_ > limits_.points) fail("more than " + countText(limits_.points) + " CgPoint elements", file_, line);
+    return;
+  }
+  nodes_ += 1 + attributes;
+  if (nodes_ > limits_.nodes) {
+    fail("more than " + countText(limits_.nodes) + " elements and attributes besides CgPoint, P and F", file_, line);
+  }
+}
+
 void Scanner::start(const Token& token) {
   if (open_.isEmpty()) {
     if (rootSeen_) fail("a second root element <" + shown(token.name) + ">", file_, in_.lineAt(token.raw.data()));
@@ -148,10 +169,10 @@ void Scanner::start(const Token& token) {
   }
   const std::size_t line = in_.lineAt(token.raw.data());
   checkName(token.name, line);
-  ++nodes_;
+  std::size_t attributes = 0;
   const std::size_t place = result_.document.open(asUtf8(token.name), line);
   eachAttribute(token, file_, line, [&](std::string_view name, std::string_view value) {
-    ++nodes_;
+    ++attributes;
     checkName(name, line);
     attributeName_.assign(asUtf8(name));
     const std::string_view utf8 = asUtf8(value);
@@ -161,7 +182,7 @@ void Scanner::start(const Token& token) {
       noteBadEntity(line + lineEnds(token.raw.substr(0, before)), utf8);
     }
   });
-  if (nodes_ > kMostNodes) fail("more than 30 million elements and attributes besides points and faces", file_, line);
+  count(local, attributes, line);
 
   const Role parent = open_.role();
   Role role = Role::Other;
@@ -284,8 +305,8 @@ ScannedDocument Scanner::run() {
 }  // namespace
 
 ScannedDocument scanDocument(std::unique_ptr<ByteSource> bytes, const std::string& file, const ReadOptions& options,
-                             ScanMode mode) {
-  return Scanner(std::move(bytes), file, options, mode).run();
+                             ScanMode mode, const ScanLimits& limits) {
+  return Scanner(std::move(bytes), file, options, mode, limits).run();
 }
 
 }  // namespace lvx::landxml::detail

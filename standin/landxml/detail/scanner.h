@@ -58,9 +58,18 @@ enum class ScanMode : std::uint8_t {
   Locate
 };
 
-/// Throws ReadError: not XML, not LandXML, cut off, a document type, an entity that isn't defined. Throws
+/// What only a broken file exceeds.
+struct ScanLimits {
+  /// CgPoint elements: survey points, and their places in groups.
+  std::size_t points = 100'000'000;
+  /// Other elements with their attributes, but for points and faces of surfaces.
+  std::size_t nodes = 30'000'000;
+};
+
+/// Throws ReadError: not XML, not LandXML, cut off, a document type, an entity that isn't defined, beyond a limit. Throws
 /// Cancelled when the options' progress says so.
 [[nodiscard]] ScannedDocument scanDocument(std::unique_ptr<ByteSource> bytes, const std::string& file,
-                                           const ReadOptions& options, ScanMode mode = ScanMode::Read);
+                                           const ReadOptions& options, ScanMode mode = ScanMode::Read,
+                                           const ScanLimits& limits = {});
 
 }  // namespace lvx::landxml::detail

@@ -381,8 +381,10 @@ std::vector<civil::CorridorSection> readCorridorSections(Context& context, Node 
   sortByStation(context, crossSects, speaker, placed);
   std::vector<civil::CorridorSection> sections;
   sections.reserve(placed.size());
+  civil::SectionMemory memory;  // in which their parts follow each other as the stations do
   trace = {crossSects, false, {}};
   for (PlacedSection& p : placed) {
+    p.section.parts = civil::SectionParts(p.section.parts, memory);
     sections.push_back(std::move(p.section));
     trace.sections.push_back(p.node);
   }

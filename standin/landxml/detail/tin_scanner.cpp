@@ -5,8 +5,10 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <span>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "landxml/detail/entities.h"
@@ -233,6 +235,8 @@ struct Part {
   std::vector<Deferred> deferred;
 
   void read(const PlainForms& forms, bool takesPoints, const TinCollector& tin);
+  /// Whether nothing of it needs the window any more.
+  [[nodiscard]] bool isPlain() const { return stop == end && deferred.empty(); }
   void giveTo(TinCollector& tin, Input& in, bool takesPoints) const;
 
  private:
@@ -289,7 +293,6 @@ void Part::giveTo(TinCollector& tin, Input& in, bool takesPoints) const {
   } else {
     for (std::size_t i = 0; i < points.size(); ++i) tin.addPoint(ids[i], points[i].y, points[i].x, points[i].z);
   }
-  in.skipLines(begin, stop, lines);
 }
 
 /// Inside this file alone, so that the compiler can put the plain forms into the one loop that calls them.
@@ -305,6 +308,7 @@ class TinScanner {
   Progress scanTo(const char* limit, const std::string& name, const Sink& sink);
   Progress scanInOrder(const char* limit, const std::string& name, bool points);
   Progress scanParts(const std::string& name, bool points);
+  void takeOverRead(bool points);
   [[nodiscard]] std::size_t cutWindow(std::size_t most);
   void expect(bool points);
   void slowElement(const Token& token, bool points);
@@ -320,6 +324,9 @@ class TinScanner {
   standin_platform::Crew& crew_;
   std::string childName_;  // "P" or "F" with the prefix in use
   std::vector<Part> parts_;
+  /// Plain parts of the window before, which go into the collector while the next window is being read.
+  std::vector<Part> read_;
+  std::size_t readCount_ = 0;
 };
 
 /// The elements that begin before `limit` (null: anywhere), until the window moves.
@@ -425,6 +432,12 @@ void TinScanner::expect(bool points) {
     tin_.expectFaces(wanted);
 }
 
+/// Nobody else may use the arrays of the collector that grow; whoever reads faces looks at points alone.
+void TinScanner::takeOverRead(bool points) {
+  for (const Part& part : std::span(read_).first(readCount_)) part.giveTo(tin_, in_, points);
+  readCount_ = 0;
+}
+
 /// As much of the list as the window holds, in parts that several threads read. What they read is taken over in the order
 /// of the file, so it is as if one had read all: a part whose begin turns out to be none is read again.
 TinScanner::Progress TinScanner::scanParts(const std::string& name, bool points) {
@@ -433,19 +446,34 @@ TinScanner::Progress TinScanner::scanParts(const std::string& name, bool points)
   for (;;) {
     const std::size_t count = cutWindow(most);
     if (count == 0) {
+      takeOverRead(points);
       in_.readAhead();
       return Progress::GoesOn;
     }
     most = 4 * most;
     const PlainForms forms(childName_, in_.end);
-    crew_.run([&] { in_.readAhead(); }, count, [&](std::size_t i) { parts_[i].read(forms, points, tin_); });
+    const auto meanwhile = [&] {
+      in_.readAhead();
+      takeOverRead(points);
+    };
+    crew_.run(meanwhile, count, [&](std::size_t i) { parts_[i].read(forms, points, tin_); });
     parts_.resize(count);
     expect(points);
     const std::size_t moves = in_.moves();
-    for (const Part& part : parts_) {
+    const auto passBy = [&](const Part& part) {
+      in_.skipLines(part.begin, part.stop, part.lines);
+      in_.at = part.stop;
+    };
+    std::size_t next = 0;
+    while (next < count && in_.at == parts_[next].begin && parts_[next].isPlain()) passBy(parts_[next++]);
+    std::swap(parts_, read_);
+    readCount_ = next;
+    if (next < count) takeOverRead(points);
+    for (; next < count; ++next) {
+      const Part& part = read_[next];
       if (in_.at != part.begin) break;
       part.giveTo(tin_, in_, points);
-      in_.at = part.stop;
+      passBy(part);
       if (part.stop == part.end) continue;
       if (scanInOrder(part.end, name, points) == Progress::ListEnded) return Progress::ListEnded;
       if (in_.moves() != moves) break;

@@ -6,7 +6,10 @@
 #include <cstring>
 #include <exception>
 #include <new>
+#include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -17,6 +20,7 @@
 #include <sys/prctl.h>
 #endif
 
+#include "standin_platform/detail/message_frame.h"
 #include "standin_platform/posix/detail/descriptor.h"
 
 namespace lvx::standin_platform {
@@ -25,12 +29,13 @@ namespace {
 
 using End = IsolatedOutcome::End;
 
-// What the copy says first. It says nothing where it crashes.
+// How the messages of the copy begin. The last of them says how it ended; there is no such one where it crashes.
+constexpr char kTold = 't';
 constexpr char kDone = 'd';
 constexpr char kFailed = 'f';
 constexpr char kShortMemory = 'm';
 
-[[noreturn]] void runInCopy(const std::function<void()>& work, const Descriptor& tell, pid_t parent) {
+[[noreturn]] void runInCopy(const std::function<void(const Tell& tell)>& work, const Descriptor& mouth, pid_t parent) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, SIG_DFL);
   const rlimit none{0, 0};
   ::setrlimit(RLIMIT_CORE, &none);
@@ -42,11 +47,13 @@ constexpr char kShortMemory = 'm';
   const Descriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
   if (nowhere.isOpen()) ::dup2(nowhere.number(), STDERR_FILENO);
 #endif
-  const auto say = [&tell](char word, std::string_view text) {
-    if (!tell.write({&word, 1})) (void)tell.write(text);
+  const auto say = [&mouth](char word, std::string_view text) {
+    const auto head = detail::headOf(text.size() + 1);
+    // Who doesn't hear has no use for the rest.
+    if (mouth.write({head.data(), head.size()}) || mouth.write({&word, 1}) || mouth.write(text)) ::_exit(1);
   };
   try {
-    work();
+    work([&say](std::string_view message) { say(kTold, message); });
     say(kDone, {});
   } catch (const std::bad_alloc&) {
     say(kShortMemory, {});
@@ -83,23 +90,34 @@ class Copy {
   pid_t number_;
 };
 
-/// All that the copy says, until it ends.
-std::string hear(const Descriptor& ear, const std::function<void()>& meanwhile) {
+/// Hands on what the copy tells, until it ends. Gives its last message; empty where it had none.
+std::string listen(const Descriptor& ear, const std::function<void(std::string_view)>& hear,
+                   const std::function<void()>& meanwhile) {
   constexpr int kTenthOfASecond = 100;
-  std::string said;
+  std::string part;
+  std::vector<std::string> messages;
+  std::string last;
+  std::array<char, 65536> bytes{};
   for (;;) {
     pollfd ready{ear.number(), POLLIN, 0};
     const int count = ::poll(&ready, 1, kTenthOfASecond);
     if (count <= 0) {
       if (meanwhile) meanwhile();
-      if (count < 0 && errno != EINTR) return said;
+      if (count < 0 && errno != EINTR) return last;
       continue;
     }
-    std::array<char, 512> bytes;
     const ssize_t size = ::read(ear.number(), bytes.data(), bytes.size());
     if (size < 0 && errno == EINTR) continue;
-    if (size <= 0) return said;
-    said.append(bytes.data(), static_cast<std::size_t>(size));
+    if (size <= 0) return last;
+    part.append(bytes.data(), static_cast<std::size_t>(size));
+    messages.clear();
+    detail::takeWhole(part, messages);
+    for (std::string& message : messages) {
+      if (!message.starts_with(kTold))
+        last = std::move(message);
+      else if (hear)
+        hear(std::string_view(message).substr(1));
+    }
   }
 }
 
@@ -113,17 +131,27 @@ std::string wordsFor(int status) {
 }  // namespace
 
 IsolatedOutcome runIsolated(const std::function<void()>& work, const std::function<void()>& meanwhile) {
+  return runIsolated([&work](const Tell&) { work(); }, {}, meanwhile);
+}
+
+IsolatedOutcome runIsolated(const std::function<void(const Tell& tell)>& work,
+                            const std::function<void(std::string_view message)>& hear,
+                            const std::function<void()>& meanwhile) {
   std::array<int, 2> ends{};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) return {End::NotStarted, lastError().message()};
-  const Descriptor ear(ends[0]);
+  Descriptor ear(ends[0]);
   Descriptor mouth(ends[1]);
   const pid_t parent = ::getpid();
   const pid_t number = ::fork();
   if (number < 0) return {End::NotStarted, lastError().message()};
-  if (number == 0) runInCopy(work, mouth, parent);
+  if (number == 0) {
+    (void)ear.close();
+    runInCopy(work, mouth, parent);
+  }
   Copy copy(number);
   (void)mouth.close();
-  const std::string said = hear(ear, meanwhile);
+  const std::string said = listen(ear, hear, meanwhile);
+  (void)ear.close();  // a copy that nobody could hear to its end doesn't wait for that
   const int status = copy.status();
   if (said.empty() || status != 0) return {End::Crashed, wordsFor(status)};
   switch (said.front()) {

@@ -95,7 +95,7 @@ MessageLine::MessageLine(MessageLine&& other) noexcept = default;
 MessageLine::~MessageLine() = default;
 
 bool MessageLine::send(std::string_view message) {
-  const auto head = detail::headOf(message);
+  const auto head = detail::headOf(message.size());
   return state_->end.isOpen() && state_->write(head.data(), head.size()) &&
          state_->write(message.data(), message.size());
 }

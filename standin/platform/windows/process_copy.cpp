@@ -113,7 +113,7 @@ MessageLine::~MessageLine() = default;
 
 bool MessageLine::send(std::string_view message) {
   if (!state_->end.isOpen()) return false;
-  const auto head = detail::headOf(message);
+  const auto head = detail::headOf(message.size());
   return state_->write(head.data(), head.size()) && state_->write(message.data(), message.size());
 }
 
@@ -262,7 +262,7 @@ std::optional<BegunCopy> begunCopy() {
   // What came with it is for the work.
   std::string rest;
   for (std::size_t i = 1; i < messages.size(); ++i) {
-    const auto head = detail::headOf(messages[i]);
+    const auto head = detail::headOf(messages[i].size());
     rest.append(head.data(), head.size()).append(messages[i]);
   }
   taken.part.insert(0, rest);
