@@ -32,4 +32,12 @@ fs::path helpFolder(const std::string& language, const fs::path& bin) {
   return bin.parent_path() / "share" / "lvxhost" / "help" / language;
 }
 
+fs::path examplesFolder(const fs::path& bin) {
+  const fs::path installed = bin.parent_path() / "share" / "lvxhost" / "examples";
+  std::error_code error;
+  for (const fs::path& folder : {installed, bin.parent_path() / "examples", bin / "examples"})
+    if (fs::is_directory(folder, error)) return folder;
+  return installed;
+}
+
 }  // namespace lvx::runtime

@@ -21,4 +21,8 @@ namespace lvx::runtime {
 [[nodiscard]] std::filesystem::path helpFolder(const std::string& language,
                                                const std::filesystem::path& bin = programFolder());
 
+/// Folder of the examples: `share/lvxhost/examples`, or beside the programs' folder where an archive was unpacked. Where
+/// none is there, where it was looked for first.
+[[nodiscard]] std::filesystem::path examplesFolder(const std::filesystem::path& bin = programFolder());
+
 }  // namespace lvx::runtime

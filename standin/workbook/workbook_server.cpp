@@ -1,7 +1,9 @@
 #include "workbook/workbook_server.h"
 
+#include <algorithm>
 #include <array>
 #include <new>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -22,6 +24,15 @@ using host::AutomationValue;
 using host::DispatchId;
 
 constexpr std::wstring_view kThreeDecimals = L"0,000";
+
+class TooLong final : public AutomationException {
+ public:
+  explicit TooLong(std::string words) : words_(std::move(words)) {}
+  [[nodiscard]] const char* what() const noexcept override { return words_.c_str(); }
+
+ private:
+  std::string words_;
+};
 
 /// An object without operations; each class adds its own.
 class ServerObject : public AutomationObject {
@@ -56,9 +67,17 @@ struct Book {
   void beforeWriting() const {
     if (observer) observer->beforeWriting();
   }
+  /// True where the row is below the sheet, or another one was: the workbook can't be then, and keeps nothing.
+  bool isTooLong(detail::CellPlace place) {
+    if (place.row < detail::kRowLimit) return rows > 0;
+    if (rows == 0) file.abandon();
+    rows = std::max(rows, std::uint64_t{place.row} + 1);
+    return true;
+  }
 
   detail::WorkbookFile file;
   ObserverRef observer;
+  std::uint64_t rows = 0;  ///< that the sheet would need, where it hasn't got them
 };
 using BookRef = std::shared_ptr<Book>;
 
@@ -75,6 +94,7 @@ class Range final : public ServerObject {
     switch (property) {
       case excel::kRangeValue:
         book_->beforeWriting();
+        if (book_->isTooLong(place_)) break;
         if (threeDecimals_)
           book_->file.writeNumber(place_, value.text());
         else
@@ -82,8 +102,8 @@ class Range final : public ServerObject {
         break;
       case excel::kRangeNumberFormatLocal:
         require(value.text() == kThreeDecimals, "workbook: a number format other than three decimals");
-        book_->file.setThreeDecimals(place_);
         threeDecimals_ = true;
+        if (!book_->isTooLong(place_)) book_->file.setThreeDecimals(place_);
         break;
       default:
         ServerObject::put(property, value);
@@ -105,7 +125,7 @@ class Worksheet final : public ServerObject {
     const framework::CString& name = arguments[0].text();
     require(arguments[1].text() == name, "workbook: a range of more than one cell");
     const auto place = detail::parseCellName(name);
-    require(place.has_value(), "workbook: a cell outside the sheet's 16384 columns and 1048576 rows");
+    require(place.has_value(), "workbook: a cell outside the sheet's 16384 columns");
     return AutomationValue::ofObject(rangeAt(*place));
   }
 
@@ -136,6 +156,14 @@ class Worksheet final : public ServerObject {
     std::uint64_t bytes = 0;
     try {
       if (book_->observer) book_->observer->beforeSaving(path);
+      if (const std::uint64_t rows = std::exchange(book_->rows, 0); rows > 0) {
+        const std::string reason = "workbook: the report needs " + std::to_string(rows) +
+                                   " rows, and a sheet ends at row " + std::to_string(detail::kRowLimit) +
+                                   "; leave the workbook out, or report less at a time";
+        if (!book_->observer) throw TooLong(reason);
+        book_->observer->notSaved(path, reason.c_str());
+        return;
+      }
       bytes = book_->file.save(path, [this] {
         if (book_->observer) book_->observer->whileSaving();
       });

@@ -24,15 +24,17 @@ class WorkbookObserver {
   virtual void whileSaving() {}
   /// The workbook stands under `path`, whole.
   virtual void saved(const framework::CString& path, std::uint64_t bytes) noexcept = 0;
-  /// `path` is as it was; the caller is told by an exception too.
+  /// `path` is as it was; the caller is told by an exception too, but of a workbook with more rows than a sheet has.
   virtual void notSaved(const framework::CString& path, const char* reason) noexcept = 0;
 };
 
 /// Starts a server and gives its application object. It answers the operations of host/excel_operations.h and fails any
 /// other, and any argument that isn't named here:
 /// - Add takes no template but the default one. A new workbook has one worksheet, number 1.
-/// - Range takes one cell, named twice. A name that isn't a cell's, or of a cell beyond 16,384 columns and 1,048,576
-///   rows, fails.
+/// - Range takes one cell, named twice. A name that isn't a cell's, or of a cell beyond 16,384 columns, fails.
+/// - Rows below the sheet's 1,048,576 are taken and counted. What was gathered is dropped then, and SaveAs writes no file:
+///   it tells the observer why and ends as if it had, so that the forms of a report that have room for its rows are
+///   written. Without an observer it fails.
 /// - Value takes a text: as a string, never a formula, whatever it begins with; an empty one empties the cell. Where the
 ///   range was given a number format before, the text of a finite number ("-12.500") becomes that number, and any other
 ///   ("nan", "---") stands as a string.

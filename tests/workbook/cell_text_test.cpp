@@ -27,9 +27,14 @@ TEST(CellName, ReadsEveryCornerOfTheSheet) {
   EXPECT_EQ(parseCellName(L"XFD1048576"), (CellPlace{1048575, 16383}));
 }
 
+TEST(CellName, ReadsRowsBelowTheSheetSoThatTheyCanBeCounted) {
+  EXPECT_EQ(parseCellName(L"A1048577"), (CellPlace{1048576, 0}));
+  EXPECT_EQ(parseCellName(L"B999999999"), (CellPlace{999999998, 1}));
+}
+
 TEST(CellName, RefusesWhatNoSheetHas) {
   for (const wchar_t* name : {L"", L"A", L"1", L"A0", L"A01", L"A-1", L"A1B", L"$A$1", L"A 1", L"XFE1", L"AAAA1",
-                              L"A1048577", L"A99999999", L"A1:B2", L"\u00C41"})
+                              L"A1234567890", L"A1:B2", L"\u00C41"})
     EXPECT_FALSE(parseCellName(name)) << testing::PrintToString(std::wstring(name));
 }
 

@@ -214,10 +214,15 @@ TEST_F(WorkbookServerTest, AgreesWithAPlainMapOnRandomWrites) {
 
 TEST_F(WorkbookServerTest, SavesAnEmptySheet) { EXPECT_TRUE(finished().empty()); }
 
-TEST_F(WorkbookServerTest, HoldsALastRowAndNoFurther) {
+TEST_F(WorkbookServerTest, HoldsALastRow) {
   sheet_.writeCell(L"XFD1048576", L"corner");
-  EXPECT_THROW(sheet_.writeCell(L"A1048577", L"beyond"), AutomationException);
   EXPECT_EQ(finished().at("XFD1048576").text, "corner");
+}
+
+TEST_F(WorkbookServerTest, FailsToSaveRowsBelowTheSheetWhereNobodyIsToldOfIt) {
+  sheet_.writeCell(L"A1048577", L"below");
+  EXPECT_THROW(sheet_.finish(wide("road.xls")), AutomationException);
+  EXPECT_EQ(filesInFolder(), 0U);
 }
 
 TEST_F(WorkbookServerTest, RefusesANameThatIsNoCell) {
@@ -513,7 +518,7 @@ class Follower final : public lvx::workbook::WorkbookObserver {
   Follower(std::vector<std::wstring>& told, std::uint64_t& bytes) : told_(told), bytes_(bytes) {}
   void beforeWriting() override {
     told_.emplace_back(L"before");
-    if (told_.size() == 3) throw std::runtime_error("stop");
+    if (told_.size() == stopAt) throw std::runtime_error("stop");
   }
   void beforeSaving(const std::wstring& path) override { told_.push_back(L"saving " + path); }
   void saved(const std::wstring& path, std::uint64_t bytes) noexcept override {
@@ -523,6 +528,7 @@ class Follower final : public lvx::workbook::WorkbookObserver {
   void notSaved(const std::wstring& path, const char* reason) noexcept override {
     told_.push_back(L"not saved " + path + L": " + std::wstring(reason, reason + std::strlen(reason)));
   }
+  std::size_t stopAt = 3;
 
  private:
   std::vector<std::wstring>& told_;
@@ -549,6 +555,32 @@ TEST_F(WorkbookServerTest, AsksItsObserverBeforeEachCellAndSavingAndTellsItTheOu
   cell(*other, L"B1")->put(excel::kRangeValue, text(L"y"));
   EXPECT_THROW(save(*other, wide("missing/road.xls")), AutomationException);
   EXPECT_EQ(told.back(), L"not saved " + wide("missing/road.xls") + L": workbook: no file can be made in its folder");
+}
+
+TEST_F(WorkbookServerTest, EndsAWorkbookOfMoreRowsThanASheetHasWithoutAFileOrAFailure) {
+  std::vector<std::wstring> told;
+  std::uint64_t bytes = 0;
+  auto follower = std::make_unique<Follower>(told, bytes);
+  follower->stopAt = 1000;
+  const Object app = startWorkbookServer(std::move(follower));
+  const Object sheet = firstSheet(*addBook(*app));
+  cell(*sheet, L"A1")->put(excel::kRangeValue, text(L"first"));
+  const Object number = cell(*sheet, L"B2000000");
+  number->put(excel::kRangeNumberFormatLocal, text(L"0,000"));
+  number->put(excel::kRangeValue, text(L"1.000"));
+  cell(*sheet, L"A1048577")->put(excel::kRangeValue, text(L"below"));
+  cell(*sheet, L"A2")->put(excel::kRangeValue, text(L"within"));
+  told.clear();
+  save(*sheet, wide("road.xls"));
+  const std::vector<std::wstring> wanted{
+      L"before", L"saving " + wide("road.xls"),
+      L"not saved " + wide("road.xls") +
+          L": workbook: the report needs 2000000 rows, and a sheet ends at row 1048576; leave the workbook out, or "
+          L"report less at a time"};
+  EXPECT_EQ(told, wanted);
+  EXPECT_EQ(filesInFolder(), 0U);
+  EXPECT_THROW(cell(*sheet, L"A1")->put(excel::kRangeValue, text(L"again")), AutomationException);
+  app->call(excel::kApplicationQuit, {});
 }
 
 }  // namespace

@@ -48,6 +48,8 @@ char32_t nextCharacter(std::wstring_view text, std::size_t& at) {
   return kReplacement;
 }
 
+constexpr std::size_t kMostRowDigits = 9;
+
 }  // namespace
 
 std::optional<CellPlace> parseCellName(std::wstring_view name) {
@@ -59,13 +61,13 @@ std::optional<CellPlace> parseCellName(std::wstring_view name) {
     column = column * 26 + static_cast<std::uint32_t>(letter - L'A') + 1;
   }
   const std::size_t digits = name.size() - at;
-  if (at == 0 || column > kColumnLimit || digits == 0 || digits > 7 || name[at] == L'0') return std::nullopt;
+  if (at == 0 || column > kColumnLimit || digits == 0 || digits > kMostRowDigits || name[at] == L'0')
+    return std::nullopt;
   std::uint32_t row = 0;
   for (; at < name.size(); ++at) {
     if (name[at] < L'0' || name[at] > L'9') return std::nullopt;
     row = row * 10 + static_cast<std::uint32_t>(name[at] - L'0');
   }
-  if (row > kRowLimit) return std::nullopt;
   return CellPlace{row - 1, static_cast<std::uint16_t>(column - 1)};
 }
 

@@ -20,7 +20,8 @@ struct CellPlace {
 };
 
 /// Reads a relative A1 address: one to three letters of either case, then a row number without sign or leading zero.
-/// Empty for anything else, a place outside the sheet included.
+/// Empty for anything else, a column outside the sheet included. A row below the sheet is given while it has at most nine
+/// digits.
 [[nodiscard]] std::optional<CellPlace> parseCellName(std::wstring_view name);
 
 /// Appends `text` to `out` as the UTF-8 that a workbook keeps for it:

@@ -165,6 +165,11 @@ WorkbookFile::State& WorkbookFile::gathered() {
   return *state_;
 }
 
+void WorkbookFile::abandon() {
+  state_.reset();
+  formatOnly_.reset();
+}
+
 void WorkbookFile::writeText(CellPlace place, std::wstring_view text) {
   State& sheet = gathered();
   sheet.text.clear();

@@ -29,6 +29,8 @@ class WorkbookFile {
   void writeNumber(CellPlace place, std::wstring_view text);
   /// The cell shows three decimals from here on; what it holds stays. Free where writeNumber of that cell follows.
   void setThreeDecimals(CellPlace place);
+  /// Frees what was gathered; what comes after is as after the saving.
+  void abandon();
   /// `meanwhile` is called about ten times a second while the file is built; what it throws ends the saving.
   /// Gives the file's size.
   std::uint64_t save(const framework::CString& path, const std::function<void()>& meanwhile = {});
