@@ -2,6 +2,8 @@
 //
 //   QT_QPA_PLATFORM=offscreen bench_plan_view [triangles, in millions]...      default: 1 5
 //
+// Each size is gone over twice, the second time with contours.
+//
 // Frames of 1600 by 1000 pixels are drawn one after the other into an image, as a window draws them, while the worker
 // draws tiles beside. At every stop the picture is first checked against one that was drawn in one go.
 #include <QApplication>
@@ -79,7 +81,7 @@ constexpr Leg kPath[] = {
 
 class Bench {
  public:
-  explicit Bench(const civil::Drawing& drawing)
+  Bench(const civil::Drawing& drawing, bool hasContours)
       : scene_(std::make_shared<view::PlanScene>(drawing)),
         worker_([this] {
           const std::lock_guard lock(mutex_);
@@ -88,6 +90,7 @@ class Bench {
         }),
         image_(kWidth, kHeight, QImage::Format_RGB32) {
     worker_.setScene(scene_);
+    look_.contours = hasContours;
   }
 
   void run(double buildMilliseconds) {
@@ -146,8 +149,9 @@ class Bench {
     PlanPainter::Result result;
     {
       QPainter painter(&image_);
-      result = painter_.paint(painter, {*scene_, port, look_, nullptr, nullptr, QApplication::font()}, worker_.cache(),
-                              PlanPainter::Tiles::AsThere);
+      result =
+          painter_.paint(painter, {.scene = *scene_, .viewport = port, .look = look_, .font = QApplication::font()},
+                         worker_.cache(), PlanPainter::Tiles::AsThere);
     }
     worker_.makeRoom(result.wantedBytes + result.wantedBytes / 4);
     worker_.want(std::move(result.wanted));
@@ -165,7 +169,7 @@ class Bench {
     PlanPainter plain;
     view::TileCache cache;
     QPainter painter(&image);
-    plain.paint(painter, {*scene_, port, look_, nullptr, nullptr, QApplication::font()}, cache,
+    plain.paint(painter, {.scene = *scene_, .viewport = port, .look = look_, .font = QApplication::font()}, cache,
                 PlanPainter::Tiles::AllNow);
     painter.end();
     if (image == image_) return;
@@ -229,7 +233,9 @@ int main(int argc, char** argv) {
     const Stopwatch build;
     { const view::PlanScene scene(drawing); }
     const double milliseconds = build.milliseconds();
-    Bench(drawing).run(milliseconds);
+    Bench(drawing, false).run(milliseconds);
+    std::printf("the same with contours\n");
+    Bench(drawing, true).run(milliseconds);
   }
   return 0;
 }

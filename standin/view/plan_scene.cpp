@@ -277,15 +277,28 @@ void PlanScene::measure() {
   for (const CorridorShape& shape : corridors_) extend(box_, shape.box);
 }
 
+void PlanScene::setVisibility(Visibility visibility) {
+  visibility_ = std::move(visibility);
+  hiddenPoints_.clear();
+  const auto hide = [&](const Point* point) {
+    if (hiddenPoints_.empty()) hiddenPoints_.resize(drawing_.points.size());
+    hiddenPoints_[static_cast<std::size_t>(point - drawing_.points.data())] = true;
+  };
+  for (const Handle handle : visibility_.hidden())
+    if (const Point* const point = findPoint(handle)) hide(point);
+}
+
 VisiblePoints PlanScene::visiblePoints(const Box& box, std::size_t limit) const {
   VisiblePoints result;
   if (box.isEmpty()) return result;
   const std::vector<Point>& points = drawing_.points;
   pointRuns_.visit(box, [&](std::size_t first, std::size_t end, bool isInside) {
-    if (isInside) {
+    if (isInside && hiddenPoints_.empty()) {
       result.count += end - first;
     } else {
-      for (std::size_t i = first; i < end; ++i) result.count += holds(box, placeOf(points[pointOrder_[i]])) ? 1 : 0;
+      for (std::size_t i = first; i < end; ++i)
+        if (!isPointHidden(pointOrder_[i]))
+          result.count += isInside || holds(box, placeOf(points[pointOrder_[i]])) ? 1 : 0;
     }
     return true;
   });
@@ -298,7 +311,7 @@ VisiblePoints PlanScene::visiblePoints(const Box& box, std::size_t limit) const 
     chosen.clear();
     const bool isComplete = pointRuns_.visit(box, [&](std::size_t first, std::size_t end, bool isInside) {
       for (std::size_t i = first; i < end && lotOf(pointOrder_[i]) < lots; ++i) {
-        if (!isInside && !holds(box, placeOf(points[pointOrder_[i]]))) continue;
+        if (isPointHidden(pointOrder_[i]) || (!isInside && !holds(box, placeOf(points[pointOrder_[i]])))) continue;
         if (chosen.size() == limit) return false;
         chosen.push_back(pointOrder_[i]);
       }
@@ -378,6 +391,7 @@ const Point* PlanScene::nearestPoint(Vec2 place, double radius) const {
   double least = radius;
   pointRuns_.visit(grown({place.x, place.y, place.x, place.y}, radius), [&](std::size_t first, std::size_t end, bool) {
     for (std::size_t i = first; i < end; ++i) {
+      if (isPointHidden(pointOrder_[i])) continue;
       const Point& point = drawing_.points[pointOrder_[i]];
       const double distance = length(placeOf(point) - place);
       // Of points at one place the last, which is drawn over the others.
@@ -396,23 +410,23 @@ void PlanScene::offerLines(Vec2 place, double radius, KindSet kinds, const Offer
   const Box near = grown({place.x, place.y, place.x, place.y}, radius);
   if (kinds.has(ObjectKind::Alignment))
     for (const AlignmentShape& shape : alignments_)
-      if (meet(shape.box, near))
+      if (meet(shape.box, near) && !isHidden(shape.object->handle))
         offer(distanceOf(shape.object->geometry, place), shape.object->handle, ObjectKind::Alignment,
               shape.object->name);
   if (kinds.has(ObjectKind::SampleLine))
     for (const SampleLineShape& shape : sampleLines_)
-      if (meet(shape.box, near))
+      if (meet(shape.box, near) && !isHidden(shape.line->handle))
         offer(distanceOf(*shape.line, place), shape.line->handle, ObjectKind::SampleLine, shape.line->name);
   if (kinds.has(ObjectKind::Corridor))
     for (const CorridorShape& shape : corridors_)
-      if (meet(shape.box, near))
+      if (meet(shape.box, near) && !isHidden(shape.object->handle))
         // A baseline kept as a line may lie that much nearer than the alignment that it follows.
         offer(
             std::min(shape.edges.distance(place, radius), shape.baselines.distance(place, radius) + kBaselineTolerance),
             shape.object->handle, ObjectKind::Corridor, shape.object->name);
   if (kinds.has(ObjectKind::Surface))
     for (const SurfaceShape& shape : surfaces_)
-      if (meet(shape.box, near))
+      if (meet(shape.box, near) && !isHidden(shape.object->handle))
         offer(shape.border.distance(place, radius), shape.object->handle, ObjectKind::Surface, shape.object->name);
 }
 
@@ -430,7 +444,7 @@ std::optional<Hit> PlanScene::hit(Vec2 place, double radius, KindSet kinds) cons
   });
   if (best || !kinds.has(ObjectKind::Surface)) return best;
   for (auto shape = surfaces_.rbegin(); shape != surfaces_.rend(); ++shape)
-    if (holds(shape->box, place) && shape->object->surface.elevationAt(place))
+    if (holds(shape->box, place) && !isHidden(shape->object->handle) && shape->object->surface.elevationAt(place))
       return Hit{shape->object->handle, ObjectKind::Surface, shape->object->name};
   return std::nullopt;
 }
@@ -448,7 +462,8 @@ std::vector<Hit> PlanScene::hits(Vec2 place, double radius, KindSet kinds) const
     std::vector<const Point*> points;
     pointRuns_.visit(grown({place.x, place.y, place.x, place.y}, radius),
                      [&](std::size_t first, std::size_t end, bool) {
-                       for (std::size_t i = first; i < end; ++i) points.push_back(&drawing_.points[pointOrder_[i]]);
+                       for (std::size_t i = first; i < end; ++i)
+                         if (!isPointHidden(pointOrder_[i])) points.push_back(&drawing_.points[pointOrder_[i]]);
                        return true;
                      });
     // Of points at one place the last goes first, which is drawn over the others.
@@ -468,7 +483,8 @@ std::vector<Hit> PlanScene::hits(Vec2 place, double radius, KindSet kinds) const
     return std::any_of(found.begin(), found.end(), [&](const Hit& hit) { return hit.handle == handle; });
   };
   for (auto shape = surfaces_.rbegin(); shape != surfaces_.rend(); ++shape)
-    if (holds(shape->box, place) && !isFound(shape->object->handle) && shape->object->surface.elevationAt(place))
+    if (holds(shape->box, place) && !isHidden(shape->object->handle) && !isFound(shape->object->handle) &&
+        shape->object->surface.elevationAt(place))
       found.push_back({shape->object->handle, ObjectKind::Surface, shape->object->name});
   return found;
 }
@@ -477,6 +493,7 @@ std::vector<Handle> PlanScene::inside(const Box& box, bool crossing, KindSet kin
   std::vector<Handle> found;
   if (box.isEmpty()) return found;
   const auto offer = [&](Handle handle, const Box& its, const auto& touchesBox) {
+    if (isHidden(handle)) return;
     if (holds(box, its) || (crossing && meet(box, its) && touchesBox())) found.push_back(handle);
   };
   auto line = sampleLines_.begin();
@@ -496,7 +513,8 @@ std::vector<Handle> PlanScene::inside(const Box& box, bool crossing, KindSet kin
     std::vector<std::uint32_t> points;
     pointRuns_.visit(box, [&](std::size_t first, std::size_t end, bool isInside) {
       for (std::size_t i = first; i < end; ++i)
-        if (isInside || holds(box, placeOf(drawing_.points[pointOrder_[i]]))) points.push_back(pointOrder_[i]);
+        if (!isPointHidden(pointOrder_[i]) && (isInside || holds(box, placeOf(drawing_.points[pointOrder_[i]]))))
+          points.push_back(pointOrder_[i]);
       return true;
     });
     std::sort(points.begin(), points.end());

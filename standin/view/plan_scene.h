@@ -13,6 +13,7 @@
 #include "view/box_tree.h"
 #include "view/plan_shapes.h"
 #include "view/surface_tiles.h"
+#include "view/visibility.h"
 
 namespace lvx::view {
 
@@ -93,6 +94,12 @@ class PlanScene {
   /// be asked between the edit and this. O(objects, points apart).
   void refreshLists();
 
+  /// What is hidden isn't found by hit(), hits() and inside() and isn't among visiblePoints(); the shapes of hidden objects
+  /// are there, for whoever draws to leave out. O(hidden + points where one of them is hidden).
+  void setVisibility(Visibility visibility);
+  [[nodiscard]] const Visibility& visibility() const { return visibility_; }
+  [[nodiscard]] bool isHidden(civil::Handle handle) const { return visibility_.isHidden(handle); }
+
   // All in drawing order.
   [[nodiscard]] std::span<const AlignmentShape> alignments() const { return alignments_; }
   [[nodiscard]] std::span<const SampleLineShape> sampleLines() const { return sampleLines_; }
@@ -137,6 +144,8 @@ class PlanScene {
   [[nodiscard]] const civil::Point* findPoint(civil::Handle handle) const;
   [[nodiscard]] const civil::Point* nearestPoint(civil::Vec2 place, double radius) const;
   /// Everything but points that may lie within `radius`, with its distance; surfaces by their borders.
+  /// Of a point by its place in the drawing's list.
+  [[nodiscard]] bool isPointHidden(std::uint32_t index) const { return !hiddenPoints_.empty() && hiddenPoints_[index]; }
   template <class Offer>
   void offerLines(civil::Vec2 place, double radius, KindSet kinds, const Offer& offer) const;
 
@@ -151,6 +160,8 @@ class PlanScene {
   std::vector<std::uint32_t> pointsByHandle_;  // otherwise
   std::vector<Named> named_;                   // all objects but points, by handle
   civil::Box box_;
+  Visibility visibility_;
+  std::vector<bool> hiddenPoints_;  // empty where none is hidden
 };
 
 }  // namespace lvx::view

@@ -7,6 +7,8 @@
 
 #include "civil/corridor.h"
 #include "civil/ground_walk.h"
+#include "view/cut_fill.h"
+#include "view/sample_line_edit.h"
 
 namespace lvx::view {
 
@@ -38,6 +40,19 @@ std::optional<Found> find(const civil::Drawing& drawing, civil::Handle handle) {
   for (const civil::Site& site : drawing.sites)
     if (findIn(site, handle, found)) return found;
   return std::nullopt;
+}
+
+const civil::AlignmentObject* alignmentOf(const civil::Drawing& drawing, civil::Handle handle) {
+  const auto in = [handle](const civil::Site& site) -> const civil::AlignmentObject* {
+    for (const auto& alignment : site.alignments)
+      if (alignment->handle == handle) return alignment.get();
+    return nullptr;
+  };
+  if (handle == 0) return nullptr;
+  if (const auto* found = in(drawing.siteless)) return found;
+  for (const civil::Site& site : drawing.sites)
+    if (const auto* found = in(site)) return found;
+  return nullptr;
 }
 
 /// A vertex of the sample line with its offset.
@@ -142,7 +157,31 @@ SectionCorridor pictureOf(const civil::Corridor& corridor, const civil::Baseline
   return picture;
 }
 
+/// What a line across the alignment shows; the names of the line aren't set.
+SectionModel sectionAlong(const civil::Drawing& drawing, const civil::AlignmentObject& alignment,
+                          const civil::SampleLine& line) {
+  SectionModel model;
+  model.alignment = alignment.handle;
+  model.alignmentName = alignment.name;
+  model.station = line.station;
+  const Sides sides = sidesOf(alignment.geometry, line);
+  if (!sides.left.empty()) model.leastOffset = sides.left.back().offset;
+  if (!sides.right.empty()) model.greatestOffset = sides.right.back().offset;
+  for (const civil::SurfaceObject& surface : drawing.surfaces)
+    model.grounds.push_back({surface.handle, surface.name, groundOf(surface.surface, sides)});
+  for (const civil::Corridor& corridor : drawing.corridors) {
+    for (const civil::Baseline& baseline : corridor.baselines) {
+      if (baseline.alignment != &alignment) continue;
+      if (const auto* section = civil::sectionAt(baseline, model.station))
+        model.corridors.push_back(pictureOf(corridor, baseline, *section, model.station));
+    }
+  }
+  return model;
+}
+
 }  // namespace
+
+Lines SectionCorridor::top() const { return upperEdge(lines()); }
 
 Lines SectionCorridor::lines() const {
   Lines lines;
@@ -198,28 +237,132 @@ std::optional<SectionVertex> SectionModel::nearest(
 std::optional<SectionModel> sectionOf(const civil::Drawing& drawing, civil::Handle sampleLine) {
   const auto found = find(drawing, sampleLine);
   if (!found) return std::nullopt;
-  SectionModel model;
+  SectionModel model = sectionAlong(drawing, *found->alignment, *found->line);
   model.sampleLine = sampleLine;
   model.name = found->line->name;
   model.groupName = found->group->name;
-  model.alignment = found->alignment->handle;
-  model.alignmentName = found->alignment->name;
-  model.station = found->line->station;
-
-  const Sides sides = sidesOf(found->alignment->geometry, *found->line);
-  if (!sides.left.empty()) model.leastOffset = sides.left.back().offset;
-  if (!sides.right.empty()) model.greatestOffset = sides.right.back().offset;
-  for (const civil::SurfaceObject& surface : drawing.surfaces)
-    model.grounds.push_back({surface.handle, surface.name, groundOf(surface.surface, sides)});
-
-  for (const civil::Corridor& corridor : drawing.corridors) {
-    for (const civil::Baseline& baseline : corridor.baselines) {
-      if (baseline.alignment != found->alignment) continue;
-      if (const auto* section = civil::sectionAt(baseline, model.station))
-        model.corridors.push_back(pictureOf(corridor, baseline, *section, model.station));
-    }
-  }
   return model;
+}
+
+SectionReach reachAt(const civil::Drawing& drawing, civil::Handle alignment, civil::Handle group, double station) {
+  SectionReach reach{kLeastReach, kLeastReach};
+  const civil::AlignmentObject* const object = alignmentOf(drawing, alignment);
+  if (object == nullptr) return reach;
+  for (const civil::Corridor& corridor : drawing.corridors)
+    for (const civil::Baseline& baseline : corridor.baselines) {
+      const auto* const section = baseline.alignment == object ? civil::sectionAt(baseline, station) : nullptr;
+      if (section == nullptr) continue;
+      constexpr double kMore = 1.25;
+      for (const civil::SectionPart& part : section->parts)
+        for (const civil::SectionPoint& point : part.points) {
+          if (!std::isfinite(point.offset)) continue;
+          reach.left = std::max(reach.left, -point.offset * kMore);
+          reach.right = std::max(reach.right, point.offset * kMore);
+        }
+    }
+  for (const civil::SampleLineGroup& lines : object->sampleLineGroups) {
+    if (group != 0 && lines.handle != group) continue;
+    const auto like = lineAmong(lines, object->geometry, station, kLeastReach);
+    const auto widths = like ? widthsOf(*like, object->geometry) : std::nullopt;
+    if (widths) {
+      reach.left = std::max(reach.left, widths->left);
+      reach.right = std::max(reach.right, widths->right);
+    }
+    break;
+  }
+  return reach;
+}
+
+std::optional<SectionModel> sectionAcross(const civil::Drawing& drawing, civil::Handle alignment, double station,
+                                          SectionReach reach) {
+  const civil::AlignmentObject* const object = alignmentOf(drawing, alignment);
+  if (object == nullptr) return std::nullopt;
+  const civil::Alignment& axis = object->geometry;
+  const auto left = axis.pointLocation(station, -reach.left);
+  const auto middle = axis.poseAt(station);
+  const auto right = axis.pointLocation(station, reach.right);
+  if (!left || !middle || !right) return std::nullopt;
+  civil::SampleLine line;
+  line.station = station;
+  line.vertices = {left->point, middle->point, right->point};
+  return sectionAlong(drawing, *object, line);
+}
+
+std::vector<SectionStop> sectionStops(const civil::Drawing& drawing, civil::Handle alignment, civil::Handle group) {
+  std::vector<SectionStop> stops;
+  const civil::AlignmentObject* const object = alignmentOf(drawing, alignment);
+  if (object == nullptr) return stops;
+  const auto byStation = [](const SectionStop& a, const SectionStop& b) { return a.station < b.station; };
+  for (const civil::SampleLineGroup& lines : object->sampleLineGroups)
+    if (group != 0 && lines.handle == group)
+      for (const civil::SampleLine& line : lines.lines) stops.push_back({line.station, line.handle, line.name});
+  std::stable_sort(stops.begin(), stops.end(), byStation);
+  const std::size_t lines = stops.size();
+  const auto isThere = [&](double station, std::size_t from, std::size_t to) {
+    const auto end = stops.begin() + static_cast<std::ptrdiff_t>(to);
+    const auto next = std::lower_bound(stops.begin() + static_cast<std::ptrdiff_t>(from), end,
+                                       SectionStop{station - civil::kSameStation, 0, {}}, byStation);
+    return next != end && next->station <= station + civil::kSameStation;
+  };
+  for (const civil::Corridor& corridor : drawing.corridors)
+    for (const civil::Baseline& baseline : corridor.baselines) {
+      if (baseline.alignment != object) continue;
+      for (const civil::Region& region : baseline.regions)
+        for (const civil::CorridorSection& section : region.sections)
+          if (!isThere(section.station, 0, lines) && object->geometry.poseAt(section.station))
+            stops.push_back({section.station, 0, section.label.empty() ? corridor.name : section.label});
+    }
+  std::stable_sort(stops.begin(), stops.end(), byStation);
+  // Where regions meet, or corridors stand beside each other, one station is in several sets.
+  const auto end = std::unique(stops.begin(), stops.end(), [](const SectionStop& a, const SectionStop& b) {
+    return a.sampleLine == 0 && b.sampleLine == 0 && b.station - a.station <= civil::kSameStation;
+  });
+  stops.erase(end, stops.end());
+  return stops;
+}
+
+std::optional<std::size_t> nearestStop(const std::vector<SectionStop>& stops, double station) {
+  if (stops.empty()) return std::nullopt;
+  const auto next = std::lower_bound(stops.begin(), stops.end(), station,
+                                     [](const SectionStop& stop, double wanted) { return stop.station < wanted; });
+  if (next == stops.begin()) return 0;
+  const auto index = static_cast<std::size_t>(next - stops.begin());
+  if (next == stops.end() || station - stops[index - 1].station <= next->station - station) return index - 1;
+  return index;
+}
+
+std::optional<Vec2> placeAtOffset(const civil::Drawing& drawing, const SectionModel& section, double offset) {
+  if (section.sampleLine == 0) {
+    const civil::AlignmentObject* const object = alignmentOf(drawing, section.alignment);
+    if (object == nullptr) return std::nullopt;
+    const auto place = object->geometry.pointLocation(section.station,
+                                                      std::clamp(offset, section.leastOffset, section.greatestOffset));
+    return place ? std::optional(place->point) : std::nullopt;
+  }
+  const auto found = find(drawing, section.sampleLine);
+  if (!found) return std::nullopt;
+  const Sides sides = sidesOf(found->alignment->geometry, *found->line);
+  const std::vector<Vertex>& side = offset < 0.0 ? sides.left : sides.right;
+  if (side.empty()) return std::nullopt;
+  for (std::size_t i = 1; i < side.size(); ++i) {
+    const Vertex& inner = side[i - 1];
+    const Vec2 leg = side[i].place - inner.place;
+    const double reach = length(leg);
+    const double along = std::abs(offset) - std::abs(inner.offset);
+    if (!(along <= reach) || reach == 0.0) continue;
+    return inner.place + (std::max(along, 0.0) / reach) * leg;
+  }
+  return side.back().place;
+}
+
+civil::Handle firstGroupOf(const civil::Drawing& drawing, civil::Handle alignment) {
+  const civil::AlignmentObject* const object = alignmentOf(drawing, alignment);
+  return object == nullptr || object->sampleLineGroups.empty() ? 0 : object->sampleLineGroups.front().handle;
+}
+
+civil::Handle groupOf(const civil::Drawing& drawing, civil::Handle sampleLine) {
+  const auto found = find(drawing, sampleLine);
+  return found ? found->group->handle : 0;
 }
 
 std::vector<SampleLineEntry> sampleLinesBeside(const civil::Drawing& drawing, civil::Handle sampleLine) {

@@ -48,6 +48,8 @@ struct SectionCorridor {
   std::vector<SectionShape> parts;
   /// The parts as lines; of a closed one the first point stands at the end again.
   [[nodiscard]] Lines lines() const;
+  /// Their upper edge: what is driven on, and the slopes down or up to the ground.
+  [[nodiscard]] Lines top() const;
 };
 
 /// A point of a section's picture.
@@ -63,6 +65,7 @@ struct SectionVertex {
 };
 
 struct SectionModel {
+  /// 0 for a section across the alignment where no sample line stands.
   civil::Handle sampleLine = 0;
   std::string name;
   std::string groupName;
@@ -93,6 +96,47 @@ struct SectionModel {
 /// has no such sample line. Agrees with the report's rows within 1e-9. Costs what sampling the surfaces costs, and
 /// O(sample lines) to find the line.
 [[nodiscard]] std::optional<SectionModel> sectionOf(const civil::Drawing& drawing, civil::Handle sampleLine);
+
+/// How far a section reaches to each side, above 0.
+struct SectionReach {
+  double left = 0.0;
+  double right = 0.0;
+};
+/// For a section where no sample line stands: what the corridors build there and a quarter more, no less than the two
+/// neighbours of the group reach (by their distance), no less than kLeastReach. `group` 0: of the alignment's first one.
+/// O(lines of the group, and what finding the corridors' sections costs).
+[[nodiscard]] SectionReach reachAt(const civil::Drawing& drawing, civil::Handle alignment, civil::Handle group,
+                                   double station);
+inline constexpr double kLeastReach = 10.0;
+
+/// A section square to the alignment, ground and corridors, as one at a sample line from left to right. Empty where the
+/// drawing has no such alignment and where the alignment hasn't got the station.
+[[nodiscard]] std::optional<SectionModel> sectionAcross(const civil::Drawing& drawing, civil::Handle alignment,
+                                                        double station, SectionReach reach);
+
+/// Where a section can be looked at: at a sample line or where a corridor has one.
+struct SectionStop {
+  double station = 0.0;
+  /// 0: only corridors have a section there.
+  civil::Handle sampleLine = 0;
+  /// Of the sample line, else the label of the corridor's section, else the corridor's.
+  std::string name;
+};
+/// All of an alignment, ascending: the sample lines of a group (0: none) and every corridor section that stands at none
+/// of them. Sections beyond the alignment's ends have no place and are left out. O(n log n).
+[[nodiscard]] std::vector<SectionStop> sectionStops(const civil::Drawing& drawing, civil::Handle alignment,
+                                                    civil::Handle group);
+/// The nearest by station, of equals the former; empty where there are none. O(log n).
+[[nodiscard]] std::optional<std::size_t> nearestStop(const std::vector<SectionStop>& stops, double station);
+/// Where in plan an offset of a section lies: on the legs of its sample line, by the rule that sectionOf measures by;
+/// square to the alignment where it has none. An offset beyond the line's ends counts as its end. Empty where the
+/// drawing has no such line or alignment. O(sample lines).
+[[nodiscard]] std::optional<civil::Vec2> placeAtOffset(const civil::Drawing& drawing, const SectionModel& section,
+                                                       double offset);
+/// The first group of sample lines of an alignment; 0 where it has none.
+[[nodiscard]] civil::Handle firstGroupOf(const civil::Drawing& drawing, civil::Handle alignment);
+/// The group that a sample line is in; 0 where the drawing has no such line.
+[[nodiscard]] civil::Handle groupOf(const civil::Drawing& drawing, civil::Handle sampleLine);
 
 /// A sample line among its kind.
 struct SampleLineEntry {

@@ -135,6 +135,21 @@ void SurfaceTiles::findHeightRange() {
     std::nth_element(elevations.begin(), nth, elevations.end());
     return *nth;
   };
+  double area = 0.0;
+  double rise = 0.0;
+  for (std::size_t i = 0; i < groundCount_; i += stride) {
+    const auto corner = [&](std::int32_t index) { return points[static_cast<std::size_t>(index)]; };
+    const Vec3 a = corner(triangles[i].a);
+    const Vec3 b = corner(triangles[i].b);
+    const Vec3 c = corner(triangles[i].c);
+    const double nx = (b.y - a.y) * (c.z - a.z) - (b.z - a.z) * (c.y - a.y);
+    const double ny = (b.z - a.z) * (c.x - a.x) - (b.x - a.x) * (c.z - a.z);
+    const double nz = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+    if (!std::isfinite(nx * nx + ny * ny) || !std::isfinite(nz)) continue;
+    area += std::abs(nz);
+    rise += std::hypot(nx, ny);
+  }
+  if (area > 0.0) meanSlope_ = rise / area;
   const std::size_t outliers = elevations.size() / 200;
   low_ = at(outliers);
   high_ = at(elevations.size() - 1 - outliers);
@@ -170,7 +185,7 @@ std::shared_ptr<const Tile> SurfaceTiles::render(const TileAddress& address, con
   auto tile = std::make_shared<Tile>();
   const PixelArea area{scaleOf(address.level), address.column * Tile::kSize, address.row * Tile::kSize, Tile::kSize,
                        Tile::kSize};
-  if (!meet(boxOf(address), surface_->box())) return tile;
+  if (look.style == SurfaceStyle::Bare || !meet(boxOf(address), surface_->box())) return tile;
   tile->pixels.resize(std::size_t{Tile::kSize} * Tile::kSize);
   bool hasGround = false;
   if (!render(area, look, tile->pixels.data(), hasGround, cancel)) return nullptr;
@@ -234,6 +249,46 @@ bool SurfaceTiles::fill(detail::Raster& raster, const PixelArea& area, const Sur
     return true;
   });
   return !isCancelled;
+}
+
+double SurfaceTiles::contourInterval(double scale) const {
+  constexpr double kApart = 16.0;
+  constexpr double kLeast = 0.01;
+  constexpr double kMost = 1e9;
+  const double least = kApart * meanSlope_ / scale;
+  return std::isfinite(least) ? roundInterval(std::clamp(least, kLeast, kMost)) : kMost;
+}
+
+std::vector<Contour> SurfaceTiles::contours(const Box& box, ContourPlan plan, const CancelFlag* cancel) const {
+  if (!(plan.interval > 0.0) || groundCount_ == 0 || box.isEmpty()) return {};
+  // Some 200 MB of pieces; a picture has fewer pixels.
+  constexpr std::size_t kMostPieces = 8'000'000;
+  constexpr double kCoarser = 10.0;
+  const std::span<const Vec3> points = surface_->points();
+  const std::span<const Triangle> triangles = surface_->triangles();
+  for (;; plan.interval *= kCoarser) {
+    ContourGatherer gatherer(points, plan);
+    bool isCancelled = false;
+    bool isTooMuch = false;
+    blocks_.visit(box, [&](std::size_t first, std::size_t end, bool isInside) {
+      isCancelled = cancel && cancel->load(std::memory_order_relaxed);
+      if (isCancelled) return false;
+      for (std::size_t i = first; i < end && !isTooMuch; ++i) {
+        const auto corner = [&](std::int32_t index) -> const Vec3& { return points[static_cast<std::size_t>(index)]; };
+        const Vec3& a = corner(triangles[i].a);
+        const Vec3& b = corner(triangles[i].b);
+        const Vec3& c = corner(triangles[i].c);
+        if (!isInside && (most(a.x, b.x, c.x) < box.minX || least(a.x, b.x, c.x) > box.maxX ||
+                          most(a.y, b.y, c.y) < box.minY || least(a.y, b.y, c.y) > box.maxY))
+          continue;
+        gatherer.add(triangles[i]);
+        isTooMuch = gatherer.pieceCount() > kMostPieces;
+      }
+      return !isTooMuch;
+    });
+    if (isCancelled) return {};
+    if (!isTooMuch) return gatherer.take();
+  }
 }
 
 std::size_t SurfaceTiles::bytes() const { return sizeof(*this) + blocks_.bytes(); }

@@ -9,6 +9,7 @@
 
 #include "civil/tin_surface.h"
 #include "view/box_tree.h"
+#include "view/contours.h"
 
 /// The picture of a surface in square tiles, as maps on a screen have them: each scale is a power of two, and a tile
 /// that was drawn once is shown again until memory runs short.
@@ -24,13 +25,20 @@ namespace detail {
 class Raster;
 }
 
-enum class SurfaceStyle : std::uint8_t { Relief, Heights };
+/// Bare: no ground is drawn, for what is drawn over it.
+enum class SurfaceStyle : std::uint8_t { Relief, Heights, Bare };
 
 struct SurfaceLook {
   SurfaceStyle style = SurfaceStyle::Relief;
   /// Edges of the triangles, where these are large enough to be seen.
   bool hasTriangles = true;
   bool isDark = false;
+  /// Between contours, in drawing units; 0: none; kByScale: as SurfaceTiles::contourInterval() says for the tile's scale.
+  /// Whoever draws lines over a tile draws them: render() doesn't.
+  double contourInterval = 0.0;
+  static constexpr double kByScale = -1.0;
+  /// Pixels of the tile to one of its viewer, by which lines are as wide.
+  double lineWidth = 1.0;
   auto operator<=>(const SurfaceLook&) const = default;
 };
 
@@ -39,8 +47,12 @@ struct Tile {
   static constexpr int kSize = 256;
   /// Nothing where no ground shows in the tile.
   std::vector<std::uint32_t> pixels;
+  /// Where contours of the tile can be labelled.
+  std::vector<ContourLabel> labels;
   [[nodiscard]] bool isEmpty() const { return pixels.empty(); }
-  [[nodiscard]] std::size_t bytes() const { return sizeof(Tile) + pixels.capacity() * sizeof(std::uint32_t); }
+  [[nodiscard]] std::size_t bytes() const {
+    return sizeof(Tile) + pixels.capacity() * sizeof(std::uint32_t) + labels.capacity() * sizeof(ContourLabel);
+  }
 };
 
 /// Which tile: at 2^level pixels a drawing unit, counted to the right and down from the surface's upper left corner.
@@ -92,9 +104,19 @@ class SurfaceTiles {
   [[nodiscard]] civil::Vec2 origin() const { return origin_; }
   [[nodiscard]] TileRange tilesIn(const civil::Box& visible, int level) const;
   [[nodiscard]] civil::Box boxOf(const TileAddress& address) const;
+  /// Finds the triangles in a box: items are those of the surface that have area.
+  [[nodiscard]] const BoxTree& blocks() const { return blocks_; }
   /// Elevations between which height colours run: nearly all of the ground, without its few outliers.
   [[nodiscard]] double lowElevation() const { return low_; }
   [[nodiscard]] double highElevation() const { return high_; }
+  /// An interval by which contours are legible at `scale` pixels a drawing unit, lines some 16 pixels apart in the mean:
+  /// 1, 2 or 5 times a power of ten, not below 0.01.
+  [[nodiscard]] double contourInterval(double scale) const;
+  /// Contours of all triangles that may have a part in the box, joined; they go on a little outside. Empty if cancelled.
+  /// Where there would be more than eight million pieces of lines, of every tenth level alone, or every hundredth and so
+  /// on. O(log triangles + triangles at the box + pieces).
+  [[nodiscard]] std::vector<Contour> contours(const civil::Box& box, ContourPlan plan,
+                                              const CancelFlag* cancel = nullptr) const;
 
   /// Null if `cancel` was set before the tile was done. O(log triangles + triangles and pixels of the tile).
   [[nodiscard]] std::shared_ptr<const Tile> render(const TileAddress& address, const SurfaceLook& look,
@@ -119,6 +141,7 @@ class SurfaceTiles {
   double extent_ = 0.0;  // from the origin to the farthest coordinate
   double low_ = 0.0;
   double high_ = 0.0;
+  double meanSlope_ = 0.0;  // of the ground, by its area in plan
   BoxTree blocks_;
 };
 

@@ -1,6 +1,7 @@
 #include "view/tile_cache.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <utility>
 
@@ -15,6 +16,7 @@ std::size_t TileCache::Hash::operator()(const TileKey& key) const {
   mix(static_cast<std::uint64_t>(key.address.row));
   mix(static_cast<std::uint64_t>(key.look.style) << 2 | (key.look.hasTriangles ? 2U : 0U) |
       (key.look.isDark ? 1U : 0U));
+  mix(std::bit_cast<std::uint64_t>(key.look.contourInterval));
   return static_cast<std::size_t>(hash ^ hash >> 32);
 }
 
