@@ -85,6 +85,13 @@ void addOptions(CLI::App& app, const std::vector<const OptionDescription*>& rows
   for (const auto& [group, choice] : choices) choice->require_option(1);
 }
 
+/// Whether a word of the line holds the name of a command. One that doesn't occur can't be run, so that its options needn't
+/// be known: those of all commands made a tenth of the instructions of a start.
+bool mayRun(const options::CommandDescription& command, int argc, const char* const* argv) {
+  return std::any_of(argv + std::min(argc, 1), argv + argc,
+                     [&](std::string_view word) { return word.find(command.name) != word.npos; });
+}
+
 /// From here on all that the command tells is gathered, so it holds nothing back for --quiet.
 void gatherAnswer(CommandLine& line) {
   options::CommonOptions& common = line.options.common;
@@ -123,6 +130,7 @@ std::variant<CommandLine, ExitCode> parseCommandLine(int argc, const char* const
   addOptions(app, options::commonOptions(), line.options);
   for (const options::CommandDescription& command : options::commands()) {
     CLI::App* const added = app.add_subcommand(std::string(command.name), std::string(command.summary));
+    if (!mayRun(command, argc, argv)) continue;
     added->footer(std::string(command.footer) + "\n" + options::exitCodesOf(command.command));
     added->callback([&line, &command] { line.command = command.command; });
     addOptions(*added, options::optionsOf(command.command), line.options);

@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <variant>
 
+#include "cli/book_commands.h"
 #include "cli/detail/job_line.h"
 #include "cli/drawing_file.h"
 #include "cli/failure.h"
@@ -31,12 +32,11 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string inQuotes(std::string_view name) { return "\"" + std::string(name) + "\""; }
 
-/// "projection, points, gls"
+/// "projection, points, gls, sections, profile"
 std::string reportCommands() {
   std::string names;
   for (const options::CommandDescription& command : options::commands())
-    if (options::kReportCommands.contains(command.command))
-      names.append(names.empty() ? "" : ", ").append(command.name);
+    if (options::kJobCommands.contains(command.command)) names.append(names.empty() ? "" : ", ").append(command.name);
   return names;
 }
 
@@ -117,7 +117,7 @@ class JobFile::Reader {
     // Jobs run beside one another, so that their lines would mix.
     whole_.common.progress = "never";
     for (const options::CommandDescription& command : options::commands())
-      if (options::kReportCommands.contains(command.command)) commands_.push_back(knownCommand(command));
+      if (options::kJobCommands.contains(command.command)) commands_.push_back(knownCommand(command));
   }
 
   /// Throws JobLineError, and Failure for values that the report itself would refuse.
@@ -249,7 +249,10 @@ namespace {
 
 /// Values that only what uses them can judge.
 void requireUsable(const Job& job) {
-  static_cast<void>(dialogStem(job.options.report.stem));
+  if (options::kBookCommands.contains(job.command))
+    requireBookName(job.options.report.stem);
+  else
+    static_cast<void>(dialogStem(job.options.report.stem));
   if (job.command == options::Command::Points) static_cast<void>(parsePoints(job.options.report.points));
   requireSwappedFiles(job.options);
 }
@@ -268,7 +271,10 @@ std::uint64_t bytesOf(const options::Options& options) {
 
 void addPaths(const Job& job, JobFile::Entry& entry, JobPaths& paths) {
   const options::Options& values = job.options;
-  paths.writes(job.line, values.report.stem, formsOf(values.common));
+  if (options::kBookCommands.contains(job.command))
+    paths.writesBook(job.line, values.report.stem);
+  else
+    paths.writes(job.line, values.report.stem, formsOf(values.common));
   paths.reads(job.line, values.drawing, entry.drawing);
   for (const std::string& file : values.files.with) paths.reads(job.line, file, entry.drawing);
   for (const auto& file : {values.common.host.messages, values.common.host.module})

@@ -8,6 +8,8 @@
 #include <tuple>
 #include <utility>
 
+#include "sheets/book.h"
+
 namespace lvx::cli {
 
 namespace fs = std::filesystem;
@@ -124,9 +126,56 @@ void JobPaths::writes(std::size_t line, const std::string& stem, unsigned forms)
   if (writer.forms != 0) add(folder.whole + stem.substr(start), stem, writer);
 }
 
+void JobPaths::writesFile(std::size_t line, const std::string& path) {
+  const Named file = named(wholePath(path));
+  add(file.stem, path, {static_cast<std::uint32_t>(line), kNoDrawing, file.form, false, false});
+}
+
+void JobPaths::addPicture(std::size_t line, const std::string& path, bool isBook) {
+  if (sheets::isBookName(path) && sheets::formatOf(path) == canvas::FileFormat::Svg)
+    pictures_.push_back({wholePath(path), path, static_cast<std::uint32_t>(line), isBook});
+}
+
+void JobPaths::writesBook(std::size_t line, const std::string& path) {
+  writesFile(line, path);
+  addPicture(line, path, true);
+}
+
+void JobPaths::addSheets(std::vector<Conflict>& all) const {
+  std::unordered_map<std::string, const Picture*> books;
+  for (const Picture& picture : pictures_)
+    if (picture.isBook) books.try_emplace(picture.whole, &picture);
+  if (books.empty()) return;
+  const auto bookOf = [&](const std::string& whole) -> const Picture* {
+    const auto name = sheets::bookOfSheet(whole);
+    const auto found = name ? books.find(name->string()) : books.end();
+    return found == books.end() ? nullptr : found->second;
+  };
+  for (const Picture& picture : pictures_) {
+    const Picture* const book = bookOf(picture.whole);
+    if (book == nullptr) continue;
+    const std::string sheet = "'" + picture.given + "' may be a sheet of '" + book->given + "'";
+    if (book->line == picture.line)
+      all.push_back({picture.line, "may save into a file of its own report: " + sheet});
+    else
+      all.push_back(
+          {std::max(book->line, picture.line),
+           "may write the same files as line " + std::to_string(std::min(book->line, picture.line)) + ": " + sheet});
+  }
+  for (const auto& [path, reader] : readers_) {
+    const Picture* const book = bookOf(path);
+    if (book == nullptr) continue;
+    const std::string& what = kinds_[reader.what];
+    all.push_back({book->line,
+                   "may write " + (what.empty() ? "'" + path + "', which line " + std::to_string(reader.line) + " reads"
+                                                : what + " itself")});
+  }
+}
+
 void JobPaths::saves(std::size_t line, const std::string& path, std::uint32_t drawing, bool inPlace) {
   const Named file = named(wholePath(path));
   add(file.stem, path, {static_cast<std::uint32_t>(line), drawing, file.form, true, inPlace});
+  addPicture(line, path, false);
 }
 
 void JobPaths::maySave(std::size_t line, const std::string& path, std::uint32_t drawing) {
@@ -163,6 +212,7 @@ void JobPaths::reads(std::size_t line, const std::string& path, std::uint32_t dr
 std::vector<JobPaths::Conflict> JobPaths::conflicts(const std::function<bool(const std::string& path)>& canChange) {
   std::vector<Conflict> all = conflicts_;
   addPossible(canChange, all);
+  addSheets(all);
   for (const auto& [path, reader] : readers_) {
     const Named file = named(path);
     const auto [first, last] = writers_.equal_range(file.stem);

@@ -36,6 +36,10 @@ class JobPaths {
 
   /// A report's forms, as bits of those above.
   void writes(std::size_t line, const std::string& stem, unsigned forms);
+  /// A file under its whole name.
+  void writesFile(std::size_t line, const std::string& path);
+  /// A book under its whole name. How many sheets it has isn't known, so an SVG may be any number of files.
+  void writesBook(std::size_t line, const std::string& path);
   /// The drawing's file, or another one; `inPlace` where it is the file that the job's drawing was read from.
   void saves(std::size_t line, const std::string& path, std::uint32_t drawing, bool inPlace);
   /// A file that is added to the job's drawing, which is saved in place: it is written where something of it changed.
@@ -77,6 +81,16 @@ class JobPaths {
   /// By a path that ends with a slash, or is empty.
   [[nodiscard]] const Folder& folderOf(const std::string& path);
   [[nodiscard]] Folder seenFolder(const std::string& path);
+  /// A picture by its whole path: a book, or another file that has the name of one.
+  struct Picture {
+    std::string whole;
+    std::string given;
+    std::uint32_t line = 0;
+    bool isBook = false;
+  };
+  void addPicture(std::size_t line, const std::string& path, bool isBook);
+  /// Files that would be a sheet of another job's book.
+  void addSheets(std::vector<Conflict>& all) const;
   void addPossible(const std::function<bool(const std::string& path)>& canChange, std::vector<Conflict>& all) const;
   void add(std::string wholeStem, const std::string& given, const Writer& writer);
 
@@ -85,6 +99,7 @@ class JobPaths {
   std::unordered_multimap<std::string, Reader> readers_;
   /// Of each drawing that is saved in place: its added files, each by the first line that may save it.
   std::map<std::pair<std::string, std::uint32_t>, std::uint32_t> maySave_;
+  std::vector<Picture> pictures_;
   std::vector<std::string> kinds_{""};
   std::vector<Conflict> conflicts_;
 };

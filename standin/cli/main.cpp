@@ -18,7 +18,9 @@
 #include "cli/play_command.h"
 #include "cli/report_commands.h"
 #include "cli/terminal.h"
+#include "cli/volumes_command.h"
 #include "completion/completion.h"
+#include "standin_platform/freed_memory.h"
 #include "standin_platform/interruption.h"
 #include "standin_platform/program_arguments.h"
 #include "standin_platform/standard_streams.h"
@@ -38,11 +40,15 @@ ExitCode runCommand(const CommandLine& line) {
       [[fallthrough]];
     case Command::Projection:
     case Command::Gls:
+    case Command::Sections:
+    case Command::Profile:
       return runReportCommand(line.command, line.options, report);
     case Command::Lines:
       return runLines(line.options);
     case Command::Group:
       return runGroup(line.options);
+    case Command::Volumes:
+      return runVolumes(line.options);
     case Command::Batch:
       return runBatch(line.options);
     case Command::Play:
@@ -77,6 +83,7 @@ int run(int argc, char** argv) {
 }
 
 int runProgram(int count, char** given) {
+  standin_platform::keepFreedMemory();
   std::set_terminate(endWithoutMemory);
   standin_platform::guardStandardStreams();
   standin_platform::turnSignalsOfWritingIntoErrors();

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "cli/book_commands.h"
 #include "cli/gls_command.h"
 #include "cli/points_command.h"
 #include "cli/projection_command.h"
@@ -16,6 +17,10 @@ options::ExitCode runReportCommand(options::Command command, const options::Opti
       return runPoints(options, run);
     case options::Command::Gls:
       return runGls(options, run);
+    case options::Command::Sections:
+      return runSections(options, run);
+    case options::Command::Profile:
+      return runProfile(options, run);
     default:
       throw std::logic_error("no report command");
   }

@@ -7,7 +7,7 @@
 
 namespace lvx::cli {
 
-/// Runs one of the report commands. Throws as runReport() does.
+/// Runs one of the report commands or of those that draw books. Throws as runReport() does.
 [[nodiscard]] options::ExitCode runReportCommand(options::Command command, const options::Options& options,
                                                  ReportRun& run);
 

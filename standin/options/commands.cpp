@@ -66,6 +66,24 @@ constexpr std::string_view kGlsFooter =
     "      without profile and sample lines in the drawing: the ground under the alignment, a line every 20;\n"
     "      'lvxhost lines --help' tells the rules\n";
 
+constexpr std::string_view kSectionsFooter =
+    "Examples:\n"
+    "  lvxhost sections examples/valley-road.xml --alignment 'Valley road' --group 'Cross sections 20 m' \\\n"
+    "      --out out/sections.pdf\n"
+    "      a book of all sections, some on each sheet, with offsets and elevations of ground and design\n"
+    "  lvxhost sections examples/valley-road.xml --alignment 'Valley road' --group 'Cross sections 20 m' \\\n"
+    "      --from 0+100 --to 0+300 --paper A1 --scale 100 --exaggeration 2 --per-sheet 8 --grid --out out/part.pdf\n"
+    "      a range of stations at a scale of its own\n"
+    "  lvxhost sections road.xml --with ground.xml --alignment A1 --lines every=25,left=30,right=30 --out a1.svg\n"
+    "      over sample lines made for this book, a file for each sheet; 'lvxhost lines --help' tells the rules\n";
+
+constexpr std::string_view kProfileFooter =
+    "Examples:\n"
+    "  lvxhost profile examples/valley-road.xml --alignment 'Valley road' --out out/profile.pdf\n"
+    "      ground and design over the stations, with the differences and the alignment's curvature, cut into sheets\n"
+    "  lvxhost profile road.xml --with ground.xml --alignment A1 --ground-profile Ground --scale 500 --paper A4 --out a1.pdf\n"
+    "      the ground of a surface under the alignment\n";
+
 constexpr std::string_view kLinesFooter =
     "Rules add up; lines closer to each other than the tolerance are one. Every rule may stand in --rules too, under its\n"
     "own name ('names' as 'name'), which is also how --lines of projection and gls takes them.\n"
@@ -87,8 +105,16 @@ constexpr std::string_view kGroupFooter =
     "      points by elevation and number, saved in another file\n"
     "\n";
 
+constexpr std::string_view kVolumesFooter =
+    "Volumes and horizontal areas in the drawing's unit, exact over both triangulations: cut where the design lies\n"
+    "below the existing ground, fill where it lies above, and the areas that only one of them covers.\n"
+    "Examples:\n"
+    "  lvxhost volumes road.xml --surface Ground --design Subgrade\n"
+    "  lvxhost volumes ground.xml --with design.xml --surface Ground --design Road --json | jq .difference.cut\n"
+    "      the ground of one file, the design of another\n";
+
 constexpr std::string_view kBatchFooter =
-    "Each line is an object with a report command, its drawing and its options under their own names; blank lines are\n"
+    "Each line is an object with a report command or one of a book, its drawing and its options under their own names; blank lines are\n"
     "skipped. Paths are seen from the current folder, or from --base. An option that may be given many times takes a\n"
     "list, as in \"with\": [\"ground.xml\", \"points.xml\"]. The common options hold for every job without its own:\n"
     "  {\"command\": \"points\", \"drawing\": \"road.xml\", \"alignment\": \"A1\", \"point-group\": \"Edge\", \"out\": \"edge\"}\n"
@@ -152,7 +178,7 @@ std::span<const CommandDescription> commands() {
   static const std::string playText = playFooter();
   static const std::string pointsText = std::string(kPointsFooter) + conditionsOfPoints();
   static const std::string groupText = std::string(kGroupFooter) + conditionsOfPoints();
-  static const std::array<CommandDescription, 9> commands{{
+  static const std::array<CommandDescription, 12> commands{{
       {Command::Info, "info", "Tell what a drawing holds", kInfoFooter},
       {Command::Projection, "projection", "Write the profile projection report: the ground across an alignment",
        kProjectionFooter},
@@ -160,9 +186,13 @@ std::span<const CommandDescription> commands() {
        pointsText},
       {Command::Gls, "gls", "Write the GLS report: an alignment with its profile and corridors in one table",
        kGlsFooter},
+      {Command::Sections, "sections", "Draw cross sections into a PDF or SVG files, some on each sheet",
+       kSectionsFooter},
+      {Command::Profile, "profile", "Draw the long section of an alignment into a PDF or SVG files", kProfileFooter},
       {Command::Lines, "lines", "Make a group of sample lines by rules and save it", kLinesFooter},
       {Command::Group, "group", "Make a group of points by conditions or numbers and save it", groupText},
-      {Command::Batch, "batch", "Write many reports from a file of jobs", kBatchFooter},
+      {Command::Volumes, "volumes", "Tell cut and fill between two surfaces", kVolumesFooter},
+      {Command::Batch, "batch", "Write many reports and books from a file of jobs", kBatchFooter},
       {Command::Play, "play", "Run commands by a script of what a user does", playText},
       {Command::Dialog, "dialog", "Run a report by its dialog, for a person (on Windows)", kDialogFooter},
   }};

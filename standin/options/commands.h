@@ -7,7 +7,21 @@
 namespace lvx::options {
 
 /// What has options of its own: the commands of lvxhost, and lvxhost-desktop.
-enum class Command : std::uint8_t { Info, Projection, Points, Gls, Lines, Group, Batch, Play, Dialog, Desktop };
+enum class Command : std::uint8_t {
+  Info,
+  Projection,
+  Points,
+  Gls,
+  Sections,
+  Profile,
+  Lines,
+  Group,
+  Volumes,
+  Batch,
+  Play,
+  Dialog,
+  Desktop
+};
 
 /// Any number of commands.
 class CommandSet {
@@ -28,11 +42,15 @@ class CommandSet {
 [[nodiscard]] constexpr CommandSet operator|(Command a, Command b) { return CommandSet(a) | CommandSet(b); }
 
 inline constexpr CommandSet kReportCommands = Command::Projection | Command::Points | Command::Gls;
+/// Those that draw sheets.
+inline constexpr CommandSet kBookCommands = Command::Sections | Command::Profile;
+/// What a job of a batch may be.
+inline constexpr CommandSet kJobCommands = kReportCommands | kBookCommands;
 /// Those that make something in a drawing and save it.
 inline constexpr CommandSet kMakingCommands = Command::Lines | Command::Group;
 /// The commands of lvxhost that open a drawing.
 inline constexpr CommandSet kDrawingCommands =
-    kReportCommands | kMakingCommands | Command::Info | Command::Play | Command::Dialog;
+    kJobCommands | kMakingCommands | Command::Info | Command::Volumes | Command::Play | Command::Dialog;
 /// Every command of lvxhost. What all of them have may also stand before the name of the command.
 inline constexpr CommandSet kEveryCommand = kDrawingCommands | Command::Batch;
 

@@ -14,7 +14,7 @@ constexpr std::array<ExitCodeDescription, 8> kExitCodes{{
     {kBadDrawing, "the drawing can't be read or saved", "the drawing can't be read or saved", kDrawingCommands},
     {kUnknownName, "a name isn't in the drawing or stands in several sites",
      "a name isn't in the drawing or stands in several sites; standard error lists what there is",
-     kReportCommands | kMakingCommands},
+     kJobCommands | kMakingCommands | Command::Volumes},
     {kScriptMismatch, "a script doesn't fit what the command waits for",
      "a script doesn't fit what the command waits for", Command::Play},
     {kException, "the command ended by an exception", "the command ended by an exception, also for want of memory",

@@ -13,6 +13,8 @@
 
 #include "civil/point_filter.h"
 #include "civil/sample_line_rules.h"
+#include "sheets/paper.h"
+#include "sheets/settings.h"
 
 namespace lvx::options {
 
@@ -22,6 +24,7 @@ constexpr std::array<std::string_view, 3> kForms{"txt", "xls", "html"};
 constexpr std::array<std::string_view, 2> kLanguages{"en", "de"};
 constexpr std::array<std::string_view, 2> kWorkbookWriters{"excel", "file"};
 constexpr std::array<std::string_view, 3> kProgressModes{"auto", "always", "never"};
+constexpr std::array<std::string_view, 2> kOrientations{"landscape", "portrait"};
 constexpr std::array<std::string_view, 3> kSchemes{"system", "light", "dark"};
 
 std::string complaintAboutForms(const std::string& given) {
@@ -63,12 +66,37 @@ std::string complaintAboutLength(const std::string& given) {
   return length >= 0.0 && std::isfinite(length) ? std::string() : "'" + given + "' is no length of at least 0";
 }
 
+std::string complaintAboutPaper(const std::string& given) {
+  return sheets::paperOf(given, false)
+             ? std::string()
+             : "'" + given + "' is neither A4 to A0 nor a size such as 900x600, width by height in millimetres from " +
+                   std::to_string(static_cast<int>(sheets::kLeastSide)) + " to " +
+                   std::to_string(static_cast<int>(sheets::kGreatestSide));
+}
+
+std::string complaintAboutScale(const std::string& given) {
+  return sheets::scaleOf(given) ? std::string() : "'" + given + "' is no scale such as 200 or 1:200";
+}
+
+std::string complaintAboutExaggeration(const std::string& given) {
+  constexpr double kMost = 1000.0;
+  const double factor = lengthOf(given);
+  return factor >= 1.0 && factor <= kMost ? std::string() : "'" + given + "' is no number from 1 to 1000";
+}
+
+std::string complaintAboutStation(const std::string& given) {
+  return sheets::stationOf(given) ? std::string() : "'" + given + "' is no station such as 1200 or 1+200";
+}
+
 constexpr OptionGroup kPointsGroup{"Points", "Which points are meant: one of", true};
 constexpr OptionGroup kSampleLinesGroup{"Sample lines", "Which sample lines are reported: one of", true};
+constexpr OptionGroup kSectionLinesGroup{"Sample lines", "Which sections are drawn: one of", true};
 constexpr OptionGroup kProfileGroup{"Profile", "Which profile is reported: one of", true};
+constexpr OptionGroup kSheetGroup{"Sheets", "", false};
 constexpr OptionGroup kRulesGroup{"Rules", "Where lines stand, how far they reach, what they are called", false};
 
 constexpr int kMostJobsAtOnce = 1024;
+constexpr int kMostSectionsOnSheet = 1000;
 constexpr int kMostThreads = 1024;
 
 constexpr std::string_view kSiteHelp =
@@ -133,7 +161,7 @@ constexpr std::array kTable{
 
     // ---- what to report
     OptionDescription{.name = "alignment",
-                      .commands = Command::Projection | Command::Gls | Command::Lines,
+                      .commands = Command::Projection | Command::Gls | Command::Lines | kBookCommands,
                       .field = [](Options& o) -> Field { return &o.report.alignment; },
                       .help = "Name of the alignment",
                       .valueName = "NAME",
@@ -147,7 +175,7 @@ constexpr std::array kTable{
                       .isRequired = true,
                       .names = NamesOf::Alignments},
     OptionDescription{.name = "site",
-                      .commands = kReportCommands | Command::Lines,
+                      .commands = kJobCommands | Command::Lines,
                       .field = [](Options& o) -> Field { return &o.report.site; },
                       .help = kSiteHelp,
                       .valueName = "NAME",
@@ -173,6 +201,109 @@ constexpr std::array kTable{
                       .valueName = "LENGTH",
                       .check = {"LENGTH", complaintAboutLength},
                       .needs = "ground-profile"},
+    OptionDescription{.name = "profile",
+                      .commands = Command::Profile,
+                      .field = [](Options& o) -> Field { return &o.report.profile; },
+                      .help = "Design profile of the alignment (default: the first one that it has)",
+                      .valueName = "NAME",
+                      .names = NamesOf::Profiles},
+    OptionDescription{.name = "ground-profile",
+                      .commands = Command::Profile,
+                      .field = [](Options& o) -> Field { return &o.report.groundProfile; },
+                      .help = "The ground of this surface under the alignment (default: the ground profiles that the alignment has, else all surfaces)",
+                      .valueName = "SURFACE",
+                      .names = NamesOf::Surfaces},
+    OptionDescription{.name = "group",
+                      .commands = Command::Sections,
+                      .field = [](Options& o) -> Field { return &o.report.group; },
+                      .help = "Sample line group whose sections are drawn",
+                      .valueName = "NAME",
+                      .names = NamesOf::SampleLineGroups,
+                      .group = &kSectionLinesGroup},
+    OptionDescription{.name = "lines",
+                      .commands = Command::Sections,
+                      .field = [](Options& o) -> Field { return &o.report.lines; },
+                      .help = "Rules of sample lines that are made for this book alone, such as every=20,ends,left=30,right=30",
+                      .valueName = "RULES",
+                      .check = {"RULES", complaintAboutLines},
+                      .group = &kSectionLinesGroup},
+    OptionDescription{.name = "surface",
+                      .commands = Command::Sections,
+                      .field = [](Options& o) -> Field { return &o.book.surfaces; },
+                      .help = "Surface whose ground is drawn; may be given many times (default: all)",
+                      .valueName = "NAME",
+                      .names = NamesOf::Surfaces},
+    OptionDescription{.name = "from",
+                      .commands = kBookCommands,
+                      .field = [](Options& o) -> Field { return &o.book.from; },
+                      .help = "First station, as 1200 or 1+200 (default: where the alignment begins)",
+                      .valueName = "STATION",
+                      .check = {"STATION", complaintAboutStation}},
+    OptionDescription{.name = "to",
+                      .commands = kBookCommands,
+                      .field = [](Options& o) -> Field { return &o.book.to; },
+                      .help = "Last station (default: where the alignment ends)",
+                      .valueName = "STATION",
+                      .check = {"STATION", complaintAboutStation}},
+    OptionDescription{.name = "out",
+                      .commands = kBookCommands,
+                      .field = [](Options& o) -> Field { return &o.report.stem; },
+                      .help = "The file: book.pdf with all sheets, or book.svg; where there are several, each becomes a file: book-01.svg, book-02.svg",
+                      .valueName = "FILE",
+                      .isRequired = true},
+    OptionDescription{.name = "paper",
+                      .commands = kBookCommands,
+                      .field = [](Options& o) -> Field { return &o.book.paper; },
+                      .help = "A4, A3, A2, A1, A0, or width by height in millimetres as 900x600 (default: A3)",
+                      .valueName = "SIZE",
+                      .check = {"SIZE", complaintAboutPaper},
+                      .group = &kSheetGroup},
+    OptionDescription{.name = "orientation",
+                      .commands = kBookCommands,
+                      .field = [](Options& o) -> Field { return &o.book.orientation; },
+                      .help = "How a paper of A4 to A0 lies: landscape or portrait (default: landscape)",
+                      .choices = kOrientations,
+                      .group = &kSheetGroup},
+    OptionDescription{.name = "scale",
+                      .commands = Command::Sections,
+                      .field = [](Options& o) -> Field { return &o.book.scale; },
+                      .help = "Scale as 200 or 1:200 (default: the largest usual one at which each section fits)",
+                      .valueName = "SCALE",
+                      .check = {"SCALE", complaintAboutScale},
+                      .group = &kSheetGroup},
+    OptionDescription{.name = "scale",
+                      .commands = Command::Profile,
+                      .field = [](Options& o) -> Field { return &o.book.scale; },
+                      .help = "Scale along the stations, as 1000 or 1:1000 (default: the largest usual one at which all fits on one sheet, at least 1:1000)",
+                      .valueName = "SCALE",
+                      .check = {"SCALE", complaintAboutScale},
+                      .group = &kSheetGroup},
+    OptionDescription{.name = "exaggeration",
+                      .commands = Command::Sections,
+                      .field = [](Options& o) -> Field { return &o.book.exaggeration; },
+                      .help = "How many times larger heights are drawn than widths (default: 1)",
+                      .valueName = "X",
+                      .check = {"X", complaintAboutExaggeration},
+                      .group = &kSheetGroup},
+    OptionDescription{.name = "exaggeration",
+                      .commands = Command::Profile,
+                      .field = [](Options& o) -> Field { return &o.book.exaggeration; },
+                      .help = "How many times larger heights are drawn than lengths (default: 10)",
+                      .valueName = "X",
+                      .check = {"X", complaintAboutExaggeration},
+                      .group = &kSheetGroup},
+    OptionDescription{.name = "per-sheet",
+                      .commands = Command::Sections,
+                      .field = [](Options& o) -> Field { return &o.book.perSheet; },
+                      .help = "Sections on a sheet at most (default: as many as fit)",
+                      .valueName = "N",
+                      .greatest = kMostSectionsOnSheet,
+                      .group = &kSheetGroup},
+    OptionDescription{.name = "grid",
+                      .commands = kBookCommands,
+                      .field = [](Options& o) -> Field { return &o.book.grid; },
+                      .help = "Draw a grid with elevations",
+                      .group = &kSheetGroup},
     OptionDescription{.name = "group",
                       .commands = Command::Projection,
                       .field = [](Options& o) -> Field { return &o.report.group; },
@@ -198,6 +329,20 @@ constexpr std::array kTable{
                       .commands = Command::Projection,
                       .field = [](Options& o) -> Field { return &o.report.surface; },
                       .help = "Surface whose ground is sampled",
+                      .valueName = "NAME",
+                      .isRequired = true,
+                      .names = NamesOf::Surfaces},
+    OptionDescription{.name = "surface",
+                      .commands = Command::Volumes,
+                      .field = [](Options& o) -> Field { return &o.volumes.existing; },
+                      .help = "Surface of the existing ground",
+                      .valueName = "NAME",
+                      .isRequired = true,
+                      .names = NamesOf::Surfaces},
+    OptionDescription{.name = "design",
+                      .commands = Command::Volumes,
+                      .field = [](Options& o) -> Field { return &o.volumes.design; },
+                      .help = "Surface that the ground is to become",
                       .valueName = "NAME",
                       .isRequired = true,
                       .names = NamesOf::Surfaces},

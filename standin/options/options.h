@@ -86,6 +86,25 @@ struct ReportOptions {
   std::optional<std::string> saveTo;
 };
 
+/// The options of the commands that draw sheets, beside those of ReportOptions; `stem` there is the file of the book.
+struct BookOptions {
+  /// "A3", or "900x600" in millimetres.
+  std::string paper = "A3";
+  std::string orientation = "landscape";
+  /// "200" or "1:200"; none: the largest usual one that fits.
+  std::optional<std::string> scale;
+  /// Heights over lengths; none: the command's own.
+  std::optional<std::string> exaggeration;
+  /// Cross sections on a sheet at most.
+  std::optional<int> perSheet;
+  bool grid = false;
+  /// Surfaces to be drawn; empty: all.
+  std::vector<std::string> surfaces;
+  /// Range of stations.
+  std::optional<std::string> from;
+  std::optional<std::string> to;
+};
+
 /// The value of one key of sample line rules.
 struct RuleValue {
   std::optional<std::string> text;
@@ -111,6 +130,12 @@ struct LinesOptions {
 struct Share {
   std::size_t number = 1;  ///< from 1 to `count`
   std::size_t count = 1;
+};
+
+/// Of the command that compares two surfaces.
+struct VolumesOptions {
+  std::string existing;
+  std::string design;
 };
 
 struct BatchOptions {
@@ -157,8 +182,10 @@ struct Options {
   /// All that the command tells as one document for programs.
   bool json = false;
   ReportOptions report;
+  BookOptions book;
   NewGroupOptions newGroup;
   LinesOptions lines;
+  VolumesOptions volumes;
   BatchOptions batch;
   PlayOptions play;
   DialogOptions dialog;

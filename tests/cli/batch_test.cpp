@@ -180,6 +180,35 @@ TEST(JobFile, RefusesJobsThatGetInEachOthersWay) {
   for (const Row& row : table) EXPECT_THAT(failureOf(row.jobs), HasSubstr(row.words)) << row.jobs;
 }
 
+std::string bookJob(const std::string& out) {
+  return R"({"command": "profile", "drawing": "a.xml", "alignment": "A", "out": ")" + out + "\"}\n";
+}
+
+TEST(JobFile, RefusesAFileThatMayBeASheetOfAnotherJobsBook) {
+  struct Row {
+    std::string jobs;
+    const char* words;
+  };
+  const std::vector<Row> table{
+      {bookJob("b.svg") + bookJob("b-01.svg"),
+       "jobs.jsonl:2: may write the same files as line 1: 'b-01.svg' may be a sheet of 'b.svg'"},
+      {bookJob("./b-12.svg") + bookJob("b.svg"),
+       "jobs.jsonl:2: may write the same files as line 1: './b-12.svg' may be a sheet of 'b.svg'"},
+      {bookJob("o/b.svg") + savingJob("a.xml", "x", "o/b-007.svg"), "jobs.jsonl:2: may write the same files as line 1"},
+      {bookJob("b.svg") + pointsJob("b-02.svg", "y"), "b-02.svg', which line 2 reads"},
+      {pointsJob("b-02.svg", "y") + bookJob("b.svg"), "jobs.jsonl:2: may write '"},
+      {bookJob("b.SVG") + bookJob("b-01.SVG"), "may be a sheet of"},
+      // No sheets of that book.
+      {bookJob("b.svg") + bookJob("b-1.svg") + bookJob("b-00.svg") + bookJob("b-901.svg") + bookJob("b-0a.svg") +
+           bookJob("b-01.pdf") + bookJob("o/b-01.svg") + bookJob("b-.svg") + bookJob("b-00001.svg"),
+       "no failure"},
+      {bookJob("b.pdf") + bookJob("b-01.svg"), "no failure"},
+      {bookJob("b.SVG") + bookJob("b-01.svg"), "no failure"},
+      {pointsJob("a.xml", "b") + bookJob("b-01.svg"), "no failure"},
+  };
+  for (const Row& row : table) EXPECT_THAT(failureOf(row.jobs), HasSubstr(row.words)) << row.jobs;
+}
+
 TEST(JobFile, RefusesASaveOfAnAddedFileThatAnotherDrawingReads) {
   const std::string corridors = test::inSource("/examples/valley-road.xml");
   const std::string ground = test::inSource("/examples/valley-road/ground.xml");

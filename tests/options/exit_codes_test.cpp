@@ -57,11 +57,12 @@ TEST(ExitCodes, StandInTheHelpOfTheCommandsThatEndWithThem) {
     std::vector<int> codes;
   };
   const std::vector<Row> table{
-      {Command::Info, {0, 1, 2, 3, 70, 130}},      {Command::Projection, {0, 1, 2, 3, 4, 70, 130}},
-      {Command::Points, {0, 1, 2, 3, 4, 70, 130}}, {Command::Gls, {0, 1, 2, 3, 4, 70, 130}},
-      {Command::Lines, {0, 1, 2, 3, 4, 70, 130}},  {Command::Group, {0, 1, 2, 3, 4, 70, 130}},
-      {Command::Batch, {0, 1, 2, 70, 130}},        {Command::Play, {0, 1, 2, 3, 5, 70, 130}},
-      {Command::Dialog, {0, 1, 2, 3, 70, 130}}};
+      {Command::Info, {0, 1, 2, 3, 70, 130}},        {Command::Projection, {0, 1, 2, 3, 4, 70, 130}},
+      {Command::Points, {0, 1, 2, 3, 4, 70, 130}},   {Command::Gls, {0, 1, 2, 3, 4, 70, 130}},
+      {Command::Lines, {0, 1, 2, 3, 4, 70, 130}},    {Command::Group, {0, 1, 2, 3, 4, 70, 130}},
+      {Command::Sections, {0, 1, 2, 3, 4, 70, 130}}, {Command::Profile, {0, 1, 2, 3, 4, 70, 130}},
+      {Command::Volumes, {0, 1, 2, 3, 4, 70, 130}},  {Command::Batch, {0, 1, 2, 70, 130}},
+      {Command::Play, {0, 1, 2, 3, 5, 70, 130}},     {Command::Dialog, {0, 1, 2, 3, 70, 130}}};
   for (const Row& row : table) {
     std::string expected = "Exit codes:\n";
     for (const ExitCodeDescription& code : exitCodes())

@@ -78,6 +78,7 @@ TEST(OptionTable, GivesBackWhatItTook) {
       if (option->check.name == "FORMS") value = "html,txt";
       if (option->check.name == "RULES") value = "every=20,left=30";
       if (option->check.name == "K/N") value = "2/7";
+      if (option->check.name == "SIZE") value = "900x600";
       if (option->check.name == "CONDITIONS") value = "description=TREE*";
       Options options;
       apply(*option, options, value);

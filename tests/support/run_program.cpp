@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 
 #include <fcntl.h>
@@ -21,6 +22,21 @@ void redirect(const std::string& path, int descriptor, int flags) {
   const int opened = ::open(path.c_str(), flags, 0600);
   if (opened < 0 || ::dup2(opened, descriptor) < 0) ::_exit(127);
   ::close(opened);
+}
+
+/// What the program itself said: now and then the emulator of Windows says on its own how one of its connections ended, at
+/// the end of a program whose threads end with it.
+std::string withoutWordsOfTheEmulator(std::string errors) {
+  constexpr std::string_view kBegin = "wine client error:";
+  for (std::size_t at = 0; (at = errors.find(kBegin, at)) != std::string::npos;) {
+    const std::size_t end = errors.find('\n', at);
+    const bool beginsLine = at == 0 || errors[at - 1] == '\n';
+    if (beginsLine && end != std::string::npos)
+      errors.erase(at, end + 1 - at);
+    else
+      at += kBegin.size();
+  }
+  return errors;
 }
 
 /// Turns this process into the program. The environment is changed here, between fork and exec: tests have one thread.
@@ -90,7 +106,7 @@ RunResult runProgram(const RunRequest& request) {
   RunResult result;
   result.exitCode = exitCodeOf(child);
   if (request.outputTo.empty() && !request.closeOutput) result.output = fileBytes(outputPath);
-  result.errors = fileBytes(errorsPath);
+  result.errors = withoutWordsOfTheEmulator(fileBytes(errorsPath));
   return result;
 }
 
