@@ -24,6 +24,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include "desktop/charts/chart_painter.h"
 #include "desktop/charts/profile_view.h"
 #include "desktop/charts/section_view.h"
 #include "desktop_user/desktop_user.h"
@@ -255,16 +256,21 @@ TEST_F(SectionViewTest, GoesToItsNeighboursByButtonKeyAndList) {
     QObject::connect(&*view_, &SectionView::sampleLineChanged, &*view_,
                      [&changes](quint64 handle) { changes.push_back(handle); });
   });
+  // Between the sample lines stand sections of the corridor.
+  const std::size_t start = onGui([&] { return view_->present().value(); });
+  const auto stops = onGui([&] { return view_->stops(); });
+  ASSERT_EQ(stops[start].sampleLine, lineAt(27).handle);
+  const auto isAt = [&](std::size_t stop) { return user_.waitFor([&] { return view_->present() == stop; }); };
   user_.click(view_.part<QToolButton>("next"));
-  EXPECT_TRUE(user_.waitFor([&] { return view_->sampleLine() == lineAt(28).handle; }));
+  EXPECT_TRUE(isAt(start + 1));
   user_.click(view_.part<QToolButton>("previous"));
-  EXPECT_TRUE(user_.waitFor([&] { return view_->sampleLine() == lineAt(27).handle; }));
+  EXPECT_TRUE(isAt(start));
   user_.click(view_.canvas());
   user_.key(Qt::Key_PageUp);
-  EXPECT_TRUE(user_.waitFor([&] { return view_->sampleLine() == lineAt(26).handle; }));
+  EXPECT_TRUE(isAt(start - 1));
   user_.key(Qt::Key_PageDown);
   user_.key(Qt::Key_PageDown);
-  EXPECT_TRUE(user_.waitFor([&] { return view_->sampleLine() == lineAt(28).handle; }));
+  EXPECT_TRUE(isAt(start + 1));
   user_.click(view_.part<QComboBox>("sampleLines"));
   user_.key(Qt::Key_Home);
   user_.key(Qt::Key_Return);
@@ -273,7 +279,10 @@ TEST_F(SectionViewTest, GoesToItsNeighboursByButtonKeyAndList) {
   user_.click(view_.canvas());
   user_.key(Qt::Key_PageUp);
   EXPECT_EQ(shownLine(), lineAt(0).handle);
-  EXPECT_EQ(onGui([&] { return changes.size(); }), 6U);
+  std::vector<quint64> expected;
+  for (const std::size_t stop : {start + 1, start, start - 1, start, start + 1, std::size_t{0}})
+    if (stops[stop].sampleLine != 0) expected.push_back(stops[stop].sampleLine);
+  EXPECT_EQ(onGui([&] { return changes; }), expected);
   EXPECT_EQ(onGui([&] { return view_->chart().title.toStdString(); }), "Cross section at 1+000.000, Valley road");
 }
 
@@ -635,6 +644,32 @@ TEST_F(SectionViewTest, CopiesItsPictureFromTheMenu) {
   const QImage picture = onGui([] { return QApplication::clipboard()->image(); });
   EXPECT_GT(picture.width(), 1000);
   EXPECT_EQ(picture.pixelColor(2, 2), QColor(Qt::white)) << "in print colours";
+}
+
+TEST(ChartPainter, PutsDotsOnPointsOnlyWhereTheyStandApart) {
+  // A line of twelve points, `width` long in a chart of 100.
+  const auto picture = [](double width, bool hasDots) {
+    return test::onGui([=] {
+      Chart chart;
+      chart.reach.add({0.0, 0.0});
+      chart.reach.add({100.0, 0.0});
+      ChartSeries series;
+      series.hasDots = hasDots;
+      series.lines.emplace_back();
+      constexpr int kPoints = 12;
+      for (int point = 0; point < kPoints; ++point)
+        series.lines.back().push_back({50.0 + width * (point / (kPoints - 1.0) - 0.5), point % 2 * 2.0});
+      chart.series.push_back(series);
+      QImage image(600, 300, QImage::Format_RGB32);
+      image.fill(Qt::white);
+      QPainter painter(&image);
+      const ChartPainter chartPainter(chart, ChartLook::printed(), QFont());
+      chartPainter.paint(painter, image.rect(), chartPainter.viewportFor(image.rect(), 1.0));
+      return image;
+    });
+  };
+  EXPECT_NE(picture(100.0, true), picture(100.0, false));
+  EXPECT_EQ(picture(10.0, true), picture(10.0, false)) << "one blot";
 }
 
 }  // namespace

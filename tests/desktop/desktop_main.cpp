@@ -35,8 +35,9 @@ int main(int argc, char** argv) {
   for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR", "HOME"})
     setenv(variable, home.path().c_str(), 1);
   setenv("QT_QPA_PLATFORM", "xcb", 1);
-  for (const char* variable : {"QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME", "DBUS_SESSION_BUS_ADDRESS"})
-    unsetenv(variable);
+  for (const char* variable : {"QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME"}) unsetenv(variable);
+  // No bus, rather than none named: one would be started, beside what a test starts itself, and each waited for the other.
+  setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
 
   // Reports of all programs show one moment. Set here, before there are other threads, which may look at the environment.
   setenv("SOURCE_DATE_EPOCH", "1772438400", 1);

@@ -208,6 +208,11 @@ TEST_F(DrawingFiles, AnAddedOneIsAskedAboutBeforeSaveAsChangesIt) {
   ASSERT_TRUE(program.user.waitFor([&] { return !program.window->isWindowModified(); }));
   EXPECT_TRUE(std::filesystem::exists(folder / "other.xml"));
   EXPECT_EQ(linesInRoad(), 1U);
+  // Where it lies now stands over the plan, since nothing else of the window shows the folder.
+  const auto* const bar = program.window->findChild<desktop::NoticeBar*>(QStringLiteral("outcomeBar"));
+  ASSERT_NE(bar, nullptr);
+  EXPECT_TRUE(program.user.waitFor([&] { return bar->isVisible(); }));
+  EXPECT_EQ(onGui([&] { return bar->text().toStdString(); }), (folder / "other.xml").string() + " is saved.");
 }
 
 TEST_F(DrawingFiles, SavingNeverReplacesAFileUnaskedAndNoneThatIsRead) {

@@ -107,7 +107,8 @@ TEST_F(HelpWindowTest, OpensAtTheTopicAndListsAllPagesInTheOrderOfTheContents) {
   onGui([&] {
     QStringList titles;
     for (int row = 0; row < contents->count(); ++row) titles += contents->item(row)->text();
-    EXPECT_EQ(titles.join(u'|').toStdString(), "Reports for road designers|Profile projection|Points|GLS report");
+    EXPECT_EQ(titles.join(u'|').toStdString(),
+              "Reports for road designers|Profile projection|Points|GLS report|The window");
     EXPECT_EQ(contents->currentRow(), 2);
     EXPECT_TRUE(help_->windowTitle().contains(QStringLiteral("Points")));
   });

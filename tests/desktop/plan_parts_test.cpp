@@ -102,7 +102,8 @@ class PlanPicture : public testing::Test {
     // On the thread of the windows, as everything that asks for fonts.
     return onGui([&] {
       QPainter onImage(&image);
-      return painter.paint(onImage, {*scene, port, look, nullptr, nullptr, QApplication::font()}, cache, tiles);
+      return painter.paint(onImage, {.scene = *scene, .viewport = port, .look = look, .font = QApplication::font()},
+                           cache, tiles);
     });
   }
   static QImage blank(double ratio) {
@@ -215,6 +216,62 @@ TEST_F(PlanPicture, LeavesOutWhatIsSwitchedOff) {
     look.*layer = !(look.*layer);
   }
   EXPECT_EQ(picture(), all);
+}
+
+TEST_F(PlanPicture, DrawsContoursOverTheGroundMoreOfThemAtASmallerInterval) {
+  look = {.surface = desktop::SurfaceLook::Relief,
+          .triangles = false,
+          .border = false,
+          .alignments = false,
+          .stations = false,
+          .sampleLines = false,
+          .points = false,
+          .corridors = false};
+  PlanPainter painter;
+  view::TileCache cache;
+  const auto picture = [&](double interval) {
+    look.contours = interval >= 0.0;
+    look.contourInterval = std::max(interval, 0.0);
+    QImage image = blank(1.0);
+    paint(painter, image, cache, PlanPainter::Tiles::AllNow);
+    return image;
+  };
+  const auto differing = [](const QImage& one, const QImage& other) {
+    int count = 0;
+    for (int y = 0; y < one.height(); ++y)
+      for (int x = 0; x < one.width(); ++x) count += one.pixel(x, y) != other.pixel(x, y) ? 1 : 0;
+    return count;
+  };
+  const QImage plain = picture(-1.0);
+  const int coarse = differing(picture(5.0), plain);
+  const int fine = differing(picture(1.0), plain);
+  EXPECT_GT(coarse, 50);
+  EXPECT_GT(fine, 2 * coarse);
+  EXPECT_GT(differing(picture(0.0), plain), 50) << "by the scale";
+  EXPECT_EQ(picture(-1.0), plain);
+}
+
+TEST_F(PlanPicture, DrawsContoursWithoutGroundTooAndNoneOfAHiddenSurface) {
+  look.surface = desktop::SurfaceLook::None;
+  PlanPainter painter;
+  view::TileCache cache;
+  const auto picture = [&] {
+    QImage image = blank(1.0);
+    paint(painter, image, cache, PlanPainter::Tiles::AllNow);
+    return image;
+  };
+  const QImage plain = picture();
+  look.contours = true;
+  EXPECT_NE(picture(), plain);
+  look.contours = false;
+  std::vector<Handle> surfaces;
+  for (const view::SurfaceShape& shape : scene->surfaces()) surfaces.push_back(shape.object->handle);
+  view::Visibility visibility;
+  visibility.hide(surfaces);
+  scene->setVisibility(visibility);
+  const QImage hidden = picture();
+  look.contours = true;
+  EXPECT_EQ(picture(), hidden);
 }
 
 }  // namespace

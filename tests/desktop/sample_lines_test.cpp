@@ -8,7 +8,10 @@
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "civil/drawing_edit.h"
 #include "desktop/plan/plan_view.h"
@@ -31,6 +34,12 @@ class SampleLinesTest : public ::testing::Test {
   const civil::Drawing& drawing() { return program_.window->session().drawing()->drawing(); }
   const civil::AlignmentObject& alignment() { return *drawing().sites.front().alignments.front(); }
   const civil::SampleLineGroup& lastGroup() { return alignment().sampleLineGroups.back(); }
+  /// Of a line of the last group; the origin where it has none of that handle.
+  civil::Vec2 rightEndOf(civil::Handle handle) {
+    for (const civil::SampleLine& line : lastGroup().lines)
+      if (line.handle == handle) return line.vertices.back();
+    return {};
+  }
 
   /// The main window has the keyboard.
   void toWindow() {
@@ -238,11 +247,7 @@ TEST_F(SampleLinesTest, ArePulledAtTheirEndsAddedAndDeletedOneByOne) {
   const civil::SampleLine line = onGui([&] { return lastGroup().lines[1]; });
   choose(line.handle);
   onGui([&] { program_.window->plan().zoomTo(line.handle); });
-  const auto rightEnd = [&] {
-    for (const civil::SampleLine& each : lastGroup().lines)
-      if (each.handle == line.handle) return each.vertices.back();
-    return civil::Vec2{};
-  };
+  const auto rightEnd = [&] { return rightEndOf(line.handle); };
   const civil::Vec2 center = line.vertices[1];
   const civil::Vec2 half = center + 0.5 * (line.vertices.back() - center);
   user_.drag(&program_.window->plan(), pixelOf(line.vertices.back()), pixelOf(half));
@@ -317,6 +322,34 @@ TEST_F(SampleLinesTest, LeaveALineAsItIsWhenAPullIsGivenUp) {
   user_.drag(&program_.window->plan(), pixelOf(line.vertices.back()), pixelOf(line.vertices.back()) + QPoint(1, 0));
   EXPECT_TRUE(onGui([&] { return program_.window->edits().undoName().startsWith(QStringLiteral("New sample lines")); }))
       << "a hand that shakes pulls nothing";
+}
+
+TEST_F(SampleLinesTest, StayAsTheyAreWhileAnotherDrawingIsRead) {
+  makeGroup("Mine");
+  const civil::SampleLine line = onGui([&] { return lastGroup().lines[1]; });
+  choose(line.handle);
+  onGui([&] { program_.window->plan().zoomTo(line.handle); });
+  const auto rightEnd = [&] { return rightEndOf(line.handle); };
+  const civil::Vec2 half = line.vertices[1] + 0.5 * (line.vertices.back() - line.vertices[1]);
+  toWindow();
+  user_.key(Qt::Key_S, Qt::ControlModifier);
+  ASSERT_TRUE(user_.waitFor([&] { return !program_.window->isWindowModified(); }));
+  // Nobody writes into it, so that it is read until that is cancelled.
+  const std::string pipe = (folder_ / "endless.xml").string();
+  ASSERT_EQ(mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
+  const int writer = open(pipe.c_str(), O_RDWR | O_CLOEXEC);
+  ASSERT_GE(writer, 0);
+  onGui([&] { program_.window->openDrawing(desktop::DrawingSources(QString::fromStdString(pipe))); });
+  EXPECT_FALSE(onGui([&] { return program_.window->edits().isPossible(); }));
+  user_.drag(&program_.window->plan(), pixelOf(line.vertices.back()), pixelOf(half));
+  EXPECT_EQ(onGui(rightEnd), line.vertices.back());
+  EXPECT_FALSE(onGui([&] { return program_.window->isWindowModified(); }));
+  toWindow();
+  user_.key(Qt::Key_Escape);
+  close(writer);
+  ASSERT_TRUE(user_.waitFor([&] { return program_.window->edits().isPossible(); }));
+  user_.drag(&program_.window->plan(), pixelOf(line.vertices.back()), pixelOf(half));
+  EXPECT_TRUE(user_.waitFor([&] { return rightEnd() != line.vertices.back(); })) << "and as before once that has ended";
 }
 
 TEST_F(SampleLinesTest, OfAHundredThousandAreMadeWhileTheWindowLives) {

@@ -75,6 +75,8 @@ KeySym symbolOf(Qt::Key key) {
       return XK_F3;
     case Qt::Key_F4:
       return XK_F4;
+    case Qt::Key_F11:
+      return XK_F11;
     case Qt::Key_F5:
       return XK_F5;
     case Qt::Key_Plus:

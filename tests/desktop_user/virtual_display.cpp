@@ -99,10 +99,12 @@ bool givesFocus(const std::string& display, int patience) {
 }  // namespace
 
 VirtualDisplay::VirtualDisplay(const std::string& size) {
+  const char* const wanted = std::getenv("LVX_TEST_SCREEN");
+  const std::string screen = (wanted != nullptr ? std::string(wanted) : size) + "x24";
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("pipe failed");
-  server_ = start({"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0", size + "x24", "-dpi", "96",
-                   "-nolisten", "tcp", "-noreset"},
+  server_ = start({"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0", screen, "-dpi", "96", "-nolisten",
+                   "tcp", "-noreset"},
                   ends[1]);
   close(ends[1]);
   const std::string number = readNumber(ends[0]);

@@ -10,7 +10,7 @@ namespace lvx::test {
 /// the process. Throws std::runtime_error where they can't be started.
 class VirtualDisplay {
  public:
-  /// `size`: "1600x1000".
+  /// `size`: "1600x1000". LVX_TEST_SCREEN in the environment takes its place: a finer screen has more pixels.
   explicit VirtualDisplay(const std::string& size = "1600x1000");
   VirtualDisplay(const VirtualDisplay&) = delete;
   VirtualDisplay& operator=(const VirtualDisplay&) = delete;

@@ -34,7 +34,8 @@ using testing::Not;
 const fs::path kHelp = fs::path(test::inSource("/help"));
 const std::vector<std::string> kLanguages{"en", "de"};
 const std::vector<std::string> kPages{"index.html", "project-resources/LVX_015_001.html",
-                                      "project-resources/LVX_015_002.html", "project-resources/LVX_015_003.html"};
+                                      "project-resources/LVX_015_002.html", "project-resources/LVX_015_003.html",
+                                      "project-resources/window.html"};
 
 /// Runs of white space, no-break spaces among them, as one blank; none at the ends.
 std::string collapsed(const std::string& text) {

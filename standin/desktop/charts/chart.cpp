@@ -1,5 +1,6 @@
 #include "desktop/charts/chart.h"
 
+#include <QCoreApplication>
 #include <algorithm>
 #include <string_view>
 
@@ -42,6 +43,31 @@ civil::Box Chart::box() const {
     box.maxX = std::max(box.maxX, reach.maxX);
   }
   return box;
+}
+
+std::vector<ChartEntry> listedEntries(const Chart& chart, std::size_t most) {
+  const auto isSomewhere = [](const view::Lines& lines) {
+    return std::any_of(lines.begin(), lines.end(), [](const view::Line& line) { return !line.empty(); });
+  };
+  std::vector<ChartEntry> entries;
+  for (const ChartSeries& series : chart.series)
+    if (series.isShown && isSomewhere(series.lines)) entries.push_back({series.name, &series, nullptr});
+  std::size_t fills = 0;
+  for (const ChartFill& fill : chart.fills)
+    if (fill.isShown && (isSomewhere(fill.areas) || isSomewhere(fill.bands))) {
+      entries.push_back({fill.name, nullptr, &fill});
+      ++fills;
+    }
+  if (entries.size() <= most) return entries;
+  // Fills are few, and what their hatching means is told nowhere else: lines give way.
+  const std::size_t room = most > fills + 1 ? most - fills - 1 : 0;
+  const std::size_t left = entries.size() - fills - std::min(room, entries.size() - fills);
+  const auto first = entries.begin() + static_cast<std::ptrdiff_t>(entries.size() - fills - left);
+  const auto more = entries.erase(first, first + static_cast<std::ptrdiff_t>(left));
+  entries.insert(more,
+                 {QCoreApplication::translate("lvx::desktop::Chart", "and %n more", nullptr, static_cast<int>(left)),
+                  nullptr, nullptr});
+  return entries;
 }
 
 QString unitText(const std::string& linearUnit) {

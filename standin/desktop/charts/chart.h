@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "civil/drawing.h"
+#include "view/code_fill.h"
+#include "view/cut_fill.h"
 #include "view/lines.h"
 #include "view/profile_model.h"
 
@@ -52,8 +54,37 @@ struct ChartSeries {
   bool isShown = true;
 };
 
+/// Areas under the lines: the parts of a corridor with one code, or cut, or fill.
+struct ChartFill {
+  /// By which it is known while its name changes with its size.
+  QString key;
+  QString name;
+  QString tip;
+  view::FillLook look;
+  /// Outlines, closed; the first point isn't repeated.
+  view::Lines areas;
+  /// Lines with a broad band along them, for parts that enclose nothing.
+  view::Lines bands;
+  /// From 0, where nothing shows, to 1.
+  double strength = 1.0;
+  bool isShown = true;
+};
+
+/// Where the mouse is in another view: an upright line with the values there.
+struct ChartCursor {
+  double x = 0.0;
+  struct Value {
+    /// Index in the chart's lines; below 0 for a text that belongs to none.
+    int series = -1;
+    /// Only y counts where there is a line.
+    double y = 0.0;
+    QString text;
+  };
+  std::vector<Value> values;
+};
+
 /// What the x axis counts.
-enum class ChartMeasure : std::uint8_t { Offset, Station };
+enum class ChartMeasure : std::uint8_t { Offset, Station, Distance };
 
 struct Chart {
   /// "Cross section  Valley road  1+020.000"
@@ -75,6 +106,8 @@ struct Chart {
   /// Always within the picture, beside the series: how far a sample line reaches. Only x is read.
   civil::Box reach;
   std::vector<ChartSeries> series;
+  /// Painted under the lines, the first at the bottom; listed behind them.
+  std::vector<ChartFill> fills;
   /// Below the plot; stations.
   std::vector<view::AxisElement> elements;
   /// Shown in the middle while there is nothing to draw.
@@ -83,6 +116,15 @@ struct Chart {
   /// Of what is shown; empty where nothing is.
   [[nodiscard]] civil::Box box() const;
 };
+
+/// A row of a chart's legend on paper.
+struct ChartEntry {
+  QString name;
+  const ChartSeries* series = nullptr;
+  const ChartFill* fill = nullptr;  ///< both null: how many more there are
+};
+/// What shows of a chart and has something to show, at most `most` rows: where there are more, the last one counts them.
+[[nodiscard]] std::vector<ChartEntry> listedEntries(const Chart& chart, std::size_t most = 24);
 
 /// The unit of a drawing as texts show it: "meter" is "m". An unknown one is shown as it is.
 [[nodiscard]] QString unitText(const std::string& linearUnit);

@@ -10,7 +10,9 @@
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
+#include "desktop/charts/chart_cursor.h"
 #include "desktop/common/scheme.h"
 
 namespace lvx::desktop {
@@ -60,6 +62,12 @@ void ChartCanvas::setHighlighted(int index) {
   if (highlighted_ == index) return;
   highlighted_ = index;
   changed();
+}
+
+void ChartCanvas::setCursorLine(std::optional<ChartCursor> cursor) {
+  if (!cursor && !cursorLine_) return;
+  cursorLine_ = std::move(cursor);
+  update();
 }
 
 void ChartCanvas::changed() {
@@ -112,6 +120,9 @@ void ChartCanvas::paintEvent(QPaintEvent*) {
   painter.drawPixmap(0, 0, picture_);
   if (hasFocus()) paintFocus(painter, rect(), palette());
   if (isEmpty()) return;
+  if (cursorLine_ && !mouse_)
+    paintCursorLine(painter, owner_.chart(), *cursorLine_, chart.look(), chart.font(), plot(), port_,
+                    chart.xText(cursorLine_->x, 3));
   if (!mouse_ || isDragging_) return;
   chart.paintCross(painter, rect(), port_, *mouse_);
   if (const auto snap = owner_.snap(*mouse_, reach())) chart.paintSnap(painter, rect(), port_, snap->place, snap->text);
@@ -173,8 +184,11 @@ void ChartCanvas::mouseReleaseEvent(QMouseEvent* event) {
   setCursor(Qt::CrossCursor);
   point(event->position());
   if (wasDrag || event->button() != Qt::LeftButton || !mouse_) return;
-  const int index = owner_.seriesAt(*mouse_, reach());
+  // What a click does may take the chart from under the mouse.
+  const Vec2 place = *mouse_;
+  const int index = owner_.seriesAt(place, reach());
   if (index >= 0) owner_.seriesClicked(index);
+  owner_.placeClicked(place, index >= 0);
 }
 
 void ChartCanvas::contextMenuEvent(QContextMenuEvent* event) { owner_.showMenu(event->globalPos()); }
@@ -239,10 +253,16 @@ void ChartCanvas::pan(Vec2 pixels) {
 }
 
 void ChartCanvas::refreshPointer() {
-  if (mouse_) point(mapFromGlobal(QCursor::pos()));
+  if (!mouse_) return;
+  // Where the last event had it, unless the canvas moved below it: the cursor's own place is rounded to whole pixels, each
+  // of them some of a fine screen.
+  const QPointF cursor = mapFromGlobal(QPointF(QCursor::pos()));
+  constexpr double kRounding = 2.0;
+  point((cursor - at_).manhattanLength() <= kRounding ? at_ : cursor);
 }
 
 void ChartCanvas::point(QPointF at) {
+  at_ = at;
   const QRect area = plot();
   if (isEmpty() || !QRectF(area).contains(at)) {
     leave();

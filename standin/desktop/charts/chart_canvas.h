@@ -29,6 +29,8 @@ class ChartCanvas final : public QWidget {
   /// 0: the largest that has room.
   void setExaggeration(double factor);
   void setHighlighted(int index);
+  void setCursorLine(std::optional<ChartCursor> cursor);
+  [[nodiscard]] const std::optional<ChartCursor>& cursorLine() const { return cursorLine_; }
   /// What stands still has to be painted anew.
   void changed();
   /// Moves what is shown, unless all of it is.
@@ -72,6 +74,8 @@ class ChartCanvas final : public QWidget {
   bool isStale_ = true;
   QPixmap picture_;
   std::optional<civil::Vec2> mouse_;
+  QPointF at_;  ///< where that is, in pixels
+  std::optional<ChartCursor> cursorLine_;
   std::optional<QPointF> pressed_;
   QPointF last_;
   Qt::MouseButton pressedButton_ = Qt::NoButton;

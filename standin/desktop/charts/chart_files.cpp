@@ -21,18 +21,17 @@ double rowHeight(const QFontMetricsF& metrics) { return metrics.height() + 4.0; 
 
 struct LegendEntry {
   QPointF at;
-  const ChartSeries* series;
+  ChartEntry entry;
 };
 
 /// The legend's entries in rows from `top` on.
 std::vector<LegendEntry> legendOf(const Chart& chart, const QFontMetricsF& metrics, double top, double width) {
   std::vector<LegendEntry> entries;
   QPointF next(kGap, top);
-  for (const ChartSeries& series : chart.series) {
-    if (!series.isShown || series.lines.empty()) continue;
-    const double needed = kSample + metrics.horizontalAdvance(series.name) + 3 * kGap;
+  for (const ChartEntry& entry : listedEntries(chart)) {
+    const double needed = kSample + metrics.horizontalAdvance(entry.name) + 3 * kGap;
     if (next.x() > kGap && next.x() + needed > width) next = {kGap, next.y() + rowHeight(metrics)};
-    entries.push_back({next, &series});
+    entries.push_back({next, entry});
     next.rx() += needed;
   }
   return entries;
@@ -84,9 +83,9 @@ QImage pictureOf(const Chart& chart, const QFont& text, const QSize& canvas, con
   painter.setFont(text);
   const ChartPainter samples(chart, look, text);
   for (const LegendEntry& entry : entries) {
-    samples.paintSample(painter, QRectF(entry.at, QSizeF(kSample, row)), entry.series->pen);
+    samples.paintEntry(painter, QRectF(entry.at, QSizeF(kSample, row)), entry.entry);
     painter.setPen(look.ink);
-    painter.drawText(entry.at + QPointF(kSample + kGap / 2, 2.0 + metrics.ascent()), entry.series->name);
+    painter.drawText(entry.at + QPointF(kSample + kGap / 2, 2.0 + metrics.ascent()), entry.entry.name);
   }
   paintCanvas(painter, QRectF(0.0, head, width, canvas.height()), look);
   return image;

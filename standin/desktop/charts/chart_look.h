@@ -18,6 +18,7 @@ struct ChartLook {
   QColor fineGrid;
   QColor highlight;
   std::vector<QColor> palette;
+  bool isDark = false;
 
   /// As the windows look, light or dark.
   [[nodiscard]] static ChartLook ofWindow(const QPalette& palette);
@@ -25,6 +26,12 @@ struct ChartLook {
   [[nodiscard]] static ChartLook printed();
   /// Colours are counted round the palette; below 0 as the first.
   [[nodiscard]] QColor colourOf(const ChartPen& pen) const;
+  /// The colour of a fill and of its strokes.
+  [[nodiscard]] QColor fillOf(const view::FillLook& fill) const { return colourOf(isDark ? fill.dark : fill.light); }
+  [[nodiscard]] QColor strokesOf(const view::FillLook& fill) const {
+    return colourOf(isDark ? fill.darkStrokes : fill.strokes);
+  }
+  [[nodiscard]] static QColor colourOf(view::Colour colour) { return {colour.red, colour.green, colour.blue}; }
   /// Patterns are as long for thin lines as for those a unit wide.
   [[nodiscard]] QPen penOf(const ChartPen& pen) const;
 };

@@ -38,11 +38,6 @@ QFont titleFont(const QFont& font) {
   return title;
 }
 
-bool isListed(const ChartSeries& series) {
-  return series.isShown &&
-         std::any_of(series.lines.begin(), series.lines.end(), [](const view::Line& line) { return !line.empty(); });
-}
-
 QString scaleNumber(double scale) { return toQt(text::fixedText(scale, scale == std::floor(scale) ? 0 : 1)); }
 
 }  // namespace
@@ -67,9 +62,8 @@ double ChartPage::legendHeight() const {
   const QFontMetricsF metrics(painter_.font());
   double rows = 0.0;
   double x = 0.0;
-  for (const ChartSeries& series : chart_.series) {
-    if (!isListed(series)) continue;
-    const double width = kSampleWidth + metrics.horizontalAdvance(series.name) + 3 * kGap;
+  for (const ChartEntry& entry : listedEntries(chart_)) {
+    const double width = kSampleWidth + metrics.horizontalAdvance(entry.name) + 3 * kGap;
     if (rows == 0.0 || x + width > frame_.width() - 2 * kGap) {
       rows += 1.0;
       x = 0.0;
@@ -156,16 +150,15 @@ void ChartPage::paint(QPainter& painter) const {
   double x = legend_.left();
   double y = legend_.top();
   const double row = metrics.height() + 4.0;
-  for (const ChartSeries& series : chart_.series) {
-    if (!isListed(series)) continue;
-    const double width = kSampleWidth + metrics.horizontalAdvance(series.name) + 3 * kGap;
+  for (const ChartEntry& entry : listedEntries(chart_)) {
+    const double width = kSampleWidth + metrics.horizontalAdvance(entry.name) + 3 * kGap;
     if (x > legend_.left() && x + width > legend_.right()) {
       x = legend_.left();
       y += row;
     }
-    painter_.paintSample(painter, QRectF(x, y, kSampleWidth, row), series.pen);
+    painter_.paintEntry(painter, QRectF(x, y, kSampleWidth, row), entry);
     painter.setPen(look.ink);
-    painter.drawText(QPointF(x + kSampleWidth + kGap / 2, y + 2.0 + metrics.ascent()), series.name);
+    painter.drawText(QPointF(x + kSampleWidth + kGap / 2, y + 2.0 + metrics.ascent()), entry.name);
     x += width;
   }
 

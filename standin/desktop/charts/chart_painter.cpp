@@ -9,9 +9,11 @@
 #include <cmath>
 #include <utility>
 
+#include "desktop/charts/chart_fills.h"
 #include "desktop/charts/chart_texts.h"
 #include "desktop/common/qt_text.h"
 #include "text/number_text.h"
+#include "view/contours.h"
 
 namespace lvx::desktop {
 
@@ -27,15 +29,6 @@ constexpr double kLeastHeightForBand = 190.0;
 constexpr double kLeastHeightForTitle = 130.0;
 /// Dots on points stand at least this far apart on average.
 constexpr double kDotDistance = 9.0;
-
-/// The least of 1, 2, 5 times a power of ten that isn't below `least`.
-double niceStep(double least) {
-  if (!(least > 0.0) || !std::isfinite(least)) return 1.0;
-  const double power = std::pow(10.0, std::floor(std::log10(least)));
-  for (const double factor : {1.0, 2.0, 5.0})
-    if (factor * power >= least * (1.0 - 1e-9)) return factor * power;
-  return 10.0 * power;
-}
 
 int decimalsOf(double step) { return std::clamp(static_cast<int>(std::ceil(-std::log10(step) - 1e-6)), 0, 6); }
 
@@ -217,7 +210,7 @@ ChartPainter::Ticks ChartPainter::xTicks(const view::Viewport& port) const {
   Ticks ticks;
   double least = 48.0 / port.scale();
   for (int tries = 0; tries < 12; ++tries) {
-    ticks.step = niceStep(least);
+    ticks.step = view::roundInterval(least);
     ticks.decimals = decimalsOf(ticks.step);
     const double widest = std::max(metrics.horizontalAdvance(xText(visible.minX, ticks.decimals)),
                                    metrics.horizontalAdvance(xText(visible.maxX, ticks.decimals)));
@@ -233,7 +226,7 @@ ChartPainter::Ticks ChartPainter::yTicks(const view::Viewport& port) const {
   const Box visible = port.visible();
   const double scale = port.scale() * port.exaggeration();
   Ticks ticks;
-  ticks.step = niceStep(2.2 * QFontMetricsF(font_).height() / scale);
+  ticks.step = view::roundInterval(2.2 * QFontMetricsF(font_).height() / scale);
   ticks.decimals = decimalsOf(ticks.step);
   ticks.places = multiples(ticks.step, visible.minY, visible.maxY);
   ticks.between = multiples(ticks.step / 5.0, visible.minY, visible.maxY);
@@ -248,6 +241,7 @@ void ChartPainter::paint(QPainter& painter, const QRectF& area, const view::View
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setFont(font_);
   paintGrid(painter, plot, port);
+  paintFills(painter, chart_, look_, plot, port);
   if (hasBand() && area.height() >= kLeastHeightForBand) paintBand(painter, plot, port);
   paintAxes(painter, area, plot, port);
   // The first of the legend lies on top.
@@ -422,7 +416,9 @@ void ChartPainter::paintSeries(QPainter& painter, const QRect& plot, const view:
   painter.setPen(pen);
   painter.drawPath(path);
 
-  if (series.hasDots && static_cast<double>(points) * kDotDistance <= plot.width()) {
+  // A road of a few metres in a section of a hundred would be one blot.
+  const QRectF drawn = path.boundingRect();
+  if (series.hasDots && static_cast<double>(points) * kDotDistance <= std::max(drawn.width(), drawn.height())) {
     for (const view::Line& line : lines)
       for (const Vec2 place : line)
         if (line.size() > 1) dots.addEllipse(toPoint(place), series.pen.width + 0.4, series.pen.width + 0.4);
@@ -470,6 +466,11 @@ void ChartPainter::paintSample(QPainter& painter, const QRectF& area, const Char
   painter.setPen(look_.penOf(pen));
   painter.drawLine(QPointF(area.left() + 1.0, area.center().y()), QPointF(area.right() - 1.0, area.center().y()));
   painter.restore();
+}
+
+void ChartPainter::paintEntry(QPainter& painter, const QRectF& area, const ChartEntry& entry) const {
+  if (entry.series != nullptr) paintSample(painter, area, entry.series->pen);
+  if (entry.fill != nullptr) paintFillSample(painter, area, *entry.fill, look_);
 }
 
 void ChartPainter::paintTag(QPainter& painter, const QRectF& tag, const QString& text) const {

@@ -34,6 +34,8 @@ class ChartPainter {
   void paint(QPainter& painter, const QRectF& area, const view::Viewport& port, int highlighted = -1) const;
   /// One line of the legend: a piece of the line as it is drawn, in the middle of `area`.
   void paintSample(QPainter& painter, const QRectF& area, const ChartPen& pen) const;
+  /// The same for a row of a legend on paper; nothing for the one that counts the rest.
+  void paintEntry(QPainter& painter, const QRectF& area, const ChartEntry& entry) const;
   /// The cross hair, with the values on the axes.
   void paintCross(QPainter& painter, const QRectF& area, const view::Viewport& port, civil::Vec2 place) const;
   /// A point with its text beside it, inside the plot.

@@ -7,11 +7,9 @@
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QListWidget>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPainter>
-#include <QPixmap>
 #include <QSaveFile>
 #include <QSignalBlocker>
 #include <QToolButton>
@@ -20,6 +18,7 @@
 
 #include "desktop/charts/chart_canvas.h"
 #include "desktop/charts/chart_files.h"
+#include "desktop/charts/chart_legend.h"
 #include "desktop/charts/chart_page.h"
 #include "desktop/charts/chart_painter.h"
 #include "desktop/common/file_boxes.h"
@@ -114,31 +113,31 @@ QBoxLayout* ChartView::buildMiddle() {
   middle_->setSpacing(0);
   canvas_ = new ChartCanvas(*this);
   middle_->addWidget(canvas_, 1);
-  legend_ = new QListWidget;
-  legend_->setObjectName(QStringLiteral("legend"));
-  legend_->setAccessibleName(tr("Lines of the chart"));
-  legend_->setFrameShape(QFrame::NoFrame);
-  legend_->setSelectionMode(QAbstractItemView::NoSelection);
-  legend_->setIconSize(QSize(30, 14));
-  legend_->setTextElideMode(Qt::ElideMiddle);
-  legend_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  legend_ = new ChartLegend;
   middle_->addWidget(legend_);
   return middle_;
 }
+
+void ChartView::addRow(QLayout* row) { qobject_cast<QVBoxLayout*>(layout())->insertLayout(1, row); }
 
 void ChartView::connectControls() {
   connect(heights_, &QComboBox::activated, this,
           [this] { canvas_->setExaggeration(heights_->currentData().toDouble()); });
   connect(fitButton_, &QToolButton::clicked, this, &ChartView::fit);
   connect(exportButton_, &QToolButton::clicked, this, &ChartView::askExport);
-  connect(legend_, &QListWidget::itemChanged, this, [this](const QListWidgetItem* item) {
-    if (isFilling_) return;
-    const int index = item->data(Qt::UserRole).toInt();
+  connect(legend_, &ChartLegend::seriesTicked, this, [this](int index, bool isShown) {
     ChartSeries& series = chart_.series[static_cast<std::size_t>(index)];
-    series.isShown = item->checkState() == Qt::Checked;
-    ticks_.insert(series.name, series.isShown);
-    if (series.isShown) seriesWanted(index);
+    series.isShown = isShown;
+    ticks_.insert(series.name, isShown);
+    if (isShown) seriesWanted(index);
+    areasChanged();
     canvas_->chartChanged(true);
+  });
+  connect(legend_, &ChartLegend::fillTicked, this, [this](int index, bool isShown) {
+    ChartFill& fill = chart_.fills[static_cast<std::size_t>(index)];
+    fill.isShown = isShown;
+    fillTicks_.insert(fill.key, isShown);
+    canvas_->changed();
   });
 }
 
@@ -162,11 +161,27 @@ void ChartView::setChart(Chart chart, bool keepsPlace) {
   for (ChartSeries& series : chart_.series) series.isShown = ticks_.value(series.name, series.isShown);
   for (std::size_t i = 0; i < chart_.series.size(); ++i)
     if (chart_.series[i].isShown) seriesWanted(static_cast<int>(i));
-  fillLegend();
+  takeAreas();
+  layOutLegend();
   retitle();
   canvas_->setHighlighted(-1);
+  canvas_->setCursorLine({});
   canvas_->chartChanged(keepsPlace);
 }
+
+void ChartView::takeAreas() {
+  chart_.fills = areas();
+  for (ChartFill& fill : chart_.fills) fill.isShown = fillTicks_.value(fill.key, fill.isShown);
+}
+
+void ChartView::areasChanged() {
+  takeAreas();
+  layOutLegend();
+  canvas_->changed();
+}
+
+void ChartView::setCursorLine(std::optional<ChartCursor> cursor) { canvas_->setCursorLine(std::move(cursor)); }
+const std::optional<ChartCursor>& ChartView::cursorLine() const { return canvas_->cursorLine(); }
 
 void ChartView::shift(Vec2 by) { canvas_->shift(by); }
 
@@ -185,25 +200,8 @@ void ChartView::retitle() {
   if (!hasChart) readout_->clear();
 }
 
-void ChartView::fillLegend() {
-  isFilling_ = true;
-  legend_->clear();
-  const ChartPainter painter(chart_, ChartLook::ofWindow(palette()), font());
-  const double ratio = devicePixelRatioF();
-  for (std::size_t i = 0; i < chart_.series.size(); ++i) {
-    const ChartSeries& series = chart_.series[i];
-    QPixmap sample((QSizeF(legend_->iconSize()) * ratio).toSize());
-    sample.setDevicePixelRatio(ratio);
-    sample.fill(Qt::transparent);
-    QPainter swatch(&sample);
-    painter.paintSample(swatch, QRectF(QPointF(0.0, 0.0), QSizeF(legend_->iconSize())), series.pen);
-    swatch.end();
-    auto* item = new QListWidgetItem(QIcon(sample), series.name, legend_);
-    item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsUserCheckable);
-    item->setCheckState(series.isShown ? Qt::Checked : Qt::Unchecked);
-    item->setData(Qt::UserRole, static_cast<int>(i));
-    item->setToolTip(series.name);
-  }
+void ChartView::layOutLegend() {
+  legend_->follow(chart_);
   const bool wide = width() >= kWide;
   middle_->setDirection(wide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
   if (wide) {
@@ -215,19 +213,20 @@ void ChartView::fillLegend() {
     const int rows = std::min(legend_->count(), 4);
     legend_->setMaximumHeight(rows * std::max(legend_->sizeHintForRow(0), 1) + 4);
   }
-  isFilling_ = false;
 }
 
 void ChartView::changeEvent(QEvent* event) {
-  if (legend_ != nullptr && (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange))
-    fillLegend();
+  if (legend_ != nullptr && (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)) {
+    legend_->repaintSamples(chart_);
+    layOutLegend();
+  }
   QWidget::changeEvent(event);
 }
 
 void ChartView::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
   const bool isWide = middle_->direction() == QBoxLayout::LeftToRight;
-  if (isWide != (width() >= kWide)) fillLegend();
+  if (isWide != (width() >= kWide)) layOutLegend();
 }
 
 void ChartView::pointAt(std::optional<Vec2> place) {
@@ -243,7 +242,9 @@ void ChartView::pointAt(std::optional<Vec2> place) {
 std::optional<ChartView::Snap> ChartView::snap(Vec2, Vec2) const { return {}; }
 int ChartView::seriesAt(Vec2, Vec2) const { return -1; }
 void ChartView::seriesClicked(int) {}
+void ChartView::placeClicked(Vec2, bool) {}
 void ChartView::seriesWanted(int) {}
+std::vector<ChartFill> ChartView::areas() { return {}; }
 
 // ---------------------------------------------------------------- exports
 

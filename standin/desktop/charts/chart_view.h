@@ -14,12 +14,13 @@ class QBoxLayout;
 class QComboBox;
 class QHBoxLayout;
 class QLabel;
-class QListWidget;
+class QLayout;
 class QToolButton;
 
 namespace lvx::desktop {
 
 class ChartCanvas;
+class ChartLegend;
 
 /// A window part with a chart: the picture with axes, cross hair and readout, the legend whose lines can be ticked off,
 /// the enlargement of heights, and the chart's exports. The wheel zooms to the mouse, a drag moves the picture; + and -,
@@ -42,6 +43,11 @@ class ChartView : public QWidget {
   [[nodiscard]] const view::Viewport& viewport() const;
   /// Where a place lies on the canvas (object name "canvas").
   [[nodiscard]] QPoint pixelOf(civil::Vec2 place) const;
+
+  /// An upright line where the mouse is in another view, until it is taken away or another chart comes. It shows while
+  /// the mouse isn't here.
+  void setCursorLine(std::optional<ChartCursor> cursor);
+  [[nodiscard]] const std::optional<ChartCursor>& cursorLine() const;
 
   /// Writes the whole chart, as its legend is ticked, as a page in print colours: by the name's end .svg or .pdf. The
   /// file that was there stays whole unless the new one is complete. False, with the reason to show, where it can't be
@@ -70,6 +76,9 @@ class ChartView : public QWidget {
   /// The row above the chart, for the views' own controls; they stand left of the shared ones.
   [[nodiscard]] QHBoxLayout* controls() const { return controls_; }
 
+  /// A row of the views' own under the one above the chart.
+  void addRow(QLayout* row);
+
   /// The text below the chart for a place under the mouse.
   [[nodiscard]] virtual QString readout(civil::Vec2 place) const = 0;
   struct Snap {
@@ -81,8 +90,14 @@ class ChartView : public QWidget {
   /// The line that a click at `place` means, by its index in the chart; -1 for none.
   [[nodiscard]] virtual int seriesAt(civil::Vec2 place, civil::Vec2 reach) const;
   virtual void seriesClicked(int index);
+  /// A click at a place, after what it did to a line that it means.
+  virtual void placeClicked(civil::Vec2 place, bool isOnLine);
   /// Called before a line is shown that was ticked off.
   virtual void seriesWanted(int index);
+  /// The areas of the chart as its lines are ticked now; asked for with every chart and every tick.
+  [[nodiscard]] virtual std::vector<ChartFill> areas();
+  /// Other areas are wanted.
+  void areasChanged();
   /// "station-1020", without an ending; what an export is called at first.
   [[nodiscard]] virtual QString exportName() const = 0;
 
@@ -97,7 +112,8 @@ class ChartView : public QWidget {
   [[nodiscard]] QHBoxLayout* buildRow();
   [[nodiscard]] QBoxLayout* buildMiddle();
   void connectControls();
-  void fillLegend();
+  void layOutLegend();
+  void takeAreas();
   void retitle();
   void askExport();
   void copyPicture() const;
@@ -110,13 +126,13 @@ class ChartView : public QWidget {
   QHBoxLayout* controls_ = nullptr;
   QLabel* title_ = nullptr;
   QLabel* readout_ = nullptr;
-  QListWidget* legend_ = nullptr;
+  ChartLegend* legend_ = nullptr;
   QComboBox* heights_ = nullptr;
   QToolButton* fitButton_ = nullptr;
   QToolButton* exportButton_ = nullptr;
   /// What the user ticked on or off, by the lines' names.
   QHash<QString, bool> ticks_;
-  bool isFilling_ = false;
+  QHash<QString, bool> fillTicks_;
 };
 
 }  // namespace lvx::desktop

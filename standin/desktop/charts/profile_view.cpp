@@ -1,6 +1,8 @@
 #include "desktop/charts/profile_view.h"
 
 #include <QFileInfo>
+#include <QHBoxLayout>
+#include <QToolButton>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -36,8 +38,11 @@ QString sizeText(double value) { return toQt(text::shortText(value)); }
 
 }  // namespace
 
-ProfileView::ProfileView(QWidget* parent) : ChartView(parent) {
+ProfileView::ProfileView(QWidget* parent) : ChartView(parent), areas_(false, nullptr) {
   setObjectName(QStringLiteral("profileView"));
+  controls()->addWidget(areas_.button());
+  controls()->addSpacing(8);
+  connect(&areas_, &AreaMenu::changed, this, [this] { areasChanged(); });
   connect(this, &ChartView::mouseAt, this, [this](QPointF place) {
     if (model_ && place.x() >= model_->startStation && place.x() <= model_->endStation) Q_EMIT stationAt(place.x());
   });
@@ -151,6 +156,47 @@ void ProfileView::seriesClicked(int index) {
   Q_EMIT profileClicked(model_->profiles[static_cast<std::size_t>(index)].handle);
 }
 
+void ProfileView::placeClicked(Vec2 place, bool isOnLine) {
+  if (model_ && place.x >= model_->startStation && place.x <= model_->endStation)
+    Q_EMIT stationClicked(place.x, isOnLine);
+}
+
+std::vector<ChartFill> ProfileView::areas() {
+  std::vector<AreaMenu::Line> lines;
+  for (std::size_t i = 0; i < chart().series.size(); ++i) {
+    const ChartSeries& series = chart().series[i];
+    const bool isDesign = model_ && i < model_->profiles.size() && !model_->profiles[i].isGround;
+    lines.push_back({series.name, isDesign, series.isShown, series.lines});
+  }
+  areas_.offer(std::move(lines));
+  areas_.button()->setEnabled(!chart().series.empty());
+  return areas_.fills(chart().unit, false);
+}
+
+std::optional<double> ProfileView::elevationOf(std::size_t index, double station) const {
+  if (index >= model_->profiles.size()) return view::elevationAt(chart().series[index].lines, station);
+  const view::ProfileLine& profile = model_->profiles[index];
+  return profile.covers(station) ? profile.profile->elevationAt(station) : std::nullopt;
+}
+
+void ProfileView::showStation(std::optional<double> station) {
+  if (!model_ || !station || !(*station >= model_->startStation && *station <= model_->endStation)) {
+    setCursorLine({});
+    return;
+  }
+  ChartCursor cursor;
+  cursor.x = *station;
+  for (std::size_t i = 0; i < chart().series.size(); ++i) {
+    const ChartSeries& series = chart().series[i];
+    if (!series.isShown) continue;
+    if (const auto elevation = elevationOf(i, *station))
+      cursor.values.push_back(
+          {static_cast<int>(i), *elevation, series.name + QStringLiteral(" ") + toQt(text::fixedText(*elevation))});
+  }
+  if (const QString areas = areas_.textAt(*station); !areas.isEmpty()) cursor.values.push_back({-1, 0.0, areas});
+  setCursorLine(std::move(cursor));
+}
+
 QString ProfileView::readout(Vec2 place) const {
   QStringList parts;
   parts.append(tr("Station %1").arg(toQt(text::stationText(place.x))));
@@ -158,19 +204,15 @@ QString ProfileView::readout(Vec2 place) const {
   for (std::size_t i = 0; i < chart().series.size(); ++i) {
     const ChartSeries& series = chart().series[i];
     if (!series.isShown || !model_) continue;
-    std::optional<double> elevation;
+    const std::optional<double> elevation = elevationOf(i, place.x);
     QString grade;
-    if (i < model_->profiles.size()) {
-      const view::ProfileLine& profile = model_->profiles[i];
-      if (!profile.covers(place.x)) continue;
-      elevation = profile.profile->elevationAt(place.x);
-      const auto rise = profile.profile->gradeAt(place.x);
+    if (elevation && i < model_->profiles.size()) {
+      const auto rise = model_->profiles[i].profile->gradeAt(place.x);
       if (rise && std::isfinite(*rise)) grade = QStringLiteral(" (") + gradeText(*rise) + QStringLiteral(")");
-    } else {
-      elevation = view::elevationAt(series.lines, place.x);
     }
     if (elevation) parts.append(series.name + QStringLiteral(" ") + toQt(text::fixedText(*elevation)) + grade);
   }
+  if (const QString areas = areas_.textAt(place.x); !areas.isEmpty()) parts.append(areas);
   return parts.join(QStringLiteral("    "));
 }
 

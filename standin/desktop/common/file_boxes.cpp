@@ -3,9 +3,11 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileIconProvider>
 #include <QFileInfo>
 #include <QHash>
 #include <QMessageBox>
+#include <QMimeDatabase>
 #include <QPushButton>
 
 namespace lvx::desktop {
@@ -27,6 +29,20 @@ QString filterOf(const FileForm& form) {
   for (const QString& ending : form.endings) patterns << QStringLiteral("*.") + ending;
   return QStringLiteral("%1 (%2)").arg(form.name, patterns.isEmpty() ? QStringLiteral("*") : patterns.join(u' '));
 }
+
+/// Knows files by their names.
+class NamesAlone final : public QFileIconProvider {
+ public:
+  QIcon icon(const QFileInfo& entry) const override {
+    return QFileIconProvider::icon(entry.isRoot()  ? QAbstractFileIconProvider::Drive
+                                   : entry.isDir() ? QAbstractFileIconProvider::Folder
+                                                   : QAbstractFileIconProvider::File);
+  }
+  QString type(const QFileInfo& entry) const override {
+    if (!entry.isFile()) return QFileIconProvider::type(entry);
+    return QMimeDatabase().mimeTypeForFile(entry, QMimeDatabase::MatchExtension).comment();
+  }
+};
 
 }  // namespace
 
@@ -53,6 +69,21 @@ QString withEnding(const QString& name, const FileForm& form, const QList<FileFo
   return (name.endsWith(u'.') ? name.chopped(1) : name) + u'.' + form.endings.front();
 }
 
+QStringList askDrawings(QWidget* parent, const QString& title, const QString& folder) {
+  QFileDialog box(
+      parent, title, folder,
+      QCoreApplication::translate("FileBoxes", "LandXML drawings (*.xml *.landxml *.xml.gz *.zip);;All files (*)"));
+  listByName(box);
+  box.setFileMode(QFileDialog::ExistingFiles);
+  return box.exec() == QDialog::Accepted ? box.selectedFiles() : QStringList();
+}
+
+void listByName(QFileDialog& box) {
+  // Never deleted: a box's own thread may still ask it at the end, and icons mustn't outlive the application.
+  static auto* const names = new NamesAlone;
+  box.setIconProvider(names);
+}
+
 bool asksToReplace(QWidget* parent, const QString& path) {
   QMessageBox box(QMessageBox::Question, QCoreApplication::translate("FileBoxes", "Replace a file?"),
                   QCoreApplication::translate("FileBoxes", "%1 is there already.").arg(QFileInfo(path).fileName()),
@@ -70,6 +101,7 @@ std::optional<QString> askTarget(QWidget* parent, const TargetQuestion& question
   QStringList filters;
   for (const FileForm& form : question.forms) filters << filterOf(form);
   QFileDialog box(parent, question.title, startFolder(question.purpose));
+  listByName(box);
   box.setObjectName(QStringLiteral("targetBox"));
   box.setAcceptMode(QFileDialog::AcceptSave);
   box.setFileMode(QFileDialog::AnyFile);

@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 
+class QFileDialog;
 class QWidget;
 
 /// Boxes that ask where a file goes, by one rule for all of them: the ending is added before anything is asked about the
@@ -47,6 +48,13 @@ struct TargetQuestion {
 
 /// The full path that the user chose; the file may be there, and the user agreed to replace it.
 [[nodiscard]] std::optional<QString> askTarget(QWidget* parent, const TargetQuestion& question);
+
+/// The drawings that the user chose to open; empty: none.
+[[nodiscard]] QStringList askDrawings(QWidget* parent, const QString& title, const QString& folder);
+
+/// Lets the box tell what its files are by their names alone. It would read each file whose name tells nothing, in the
+/// window's own thread: a pipe, or a device as in /proc, would hold the program until somebody wrote there.
+void listByName(QFileDialog& box);
 
 /// Asks whether a file that is there shall be replaced.
 [[nodiscard]] bool asksToReplace(QWidget* parent, const QString& path);

@@ -132,6 +132,7 @@ std::optional<QString> askSavePath(QWidget* parent, const QString& filter, std::
   if (areModalWindowsRefused()) return std::nullopt;
   QWidget* const owner = modalParent(parent);
   SaveDialog box(owner, (flags & host::kPromptCreate) != 0);
+  listByName(box);
   box.setObjectName(QStringLiteral("saveBox"));
   box.setWindowModality(modalityOver(owner));
   box.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::DontConfirmOverwrite);

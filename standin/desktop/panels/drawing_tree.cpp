@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QStringList>
 #include <QTreeView>
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <unordered_set>
 #include <utility>
 
 #include "civil/drawing_files.h"
@@ -36,6 +38,11 @@ struct DrawingTreeModel::Node {
   bool leadsOn = false;  ///< what the filter found stands below
   /// Makes the children when they are looked at; empty: there are none.
   std::function<void(Node&)> makeChildren;
+  /// Tells all that is drawn in the plan of the row and of those below it; empty: nothing ever is.
+  std::function<std::vector<civil::Handle>()> drawn;
+  /// What was found out about them, and at which change.
+  view::Shown shown = view::Shown::All;
+  unsigned shownAt = 0;
   bool made = false;
   std::vector<std::unique_ptr<Node>> children;
 
@@ -65,6 +72,61 @@ QString countOf(const Objects& objects) {
   return grouped(objects.size());
 }
 
+// What is drawn of objects, and of those that stand below them in the tree.
+
+using Handles = std::vector<civil::Handle>;
+
+void addDrawn(Handles& into, const civil::SampleLineGroup& group) {
+  for (const civil::SampleLine& line : group.lines) into.push_back(line.handle);
+}
+
+void addDrawn(Handles& into, const civil::AlignmentObject& alignment) {
+  into.push_back(alignment.handle);
+  for (const civil::SampleLineGroup& group : alignment.sampleLineGroups) addDrawn(into, group);
+}
+
+void addDrawn(Handles& into, const civil::Site& site) {
+  for (const auto& alignment : site.alignments)
+    if (alignment) addDrawn(into, *alignment);
+}
+
+template <class Object>
+auto drawnOf(const Object& object) {
+  return [&object] {
+    Handles handles;
+    if constexpr (requires { addDrawn(handles, object); })
+      addDrawn(handles, object);
+    else
+      handles.push_back(object.handle);
+    return handles;
+  };
+}
+
+/// Of all objects of a list.
+template <class Objects>
+auto drawnOfAll(const Objects& objects) {
+  return [&objects] {
+    Handles handles;
+    for (const auto& object : objects) {
+      if constexpr (requires { addDrawn(handles, object); })
+        addDrawn(handles, object);
+      else
+        handles.push_back(object.handle);
+    }
+    return handles;
+  };
+}
+
+auto drawnOf(const civil::PointGroup& group, const civil::Drawing& drawing) {
+  return [&group, &drawing] {
+    const std::unordered_set<std::int32_t> members(group.numbers.begin(), group.numbers.end());
+    Handles handles;
+    for (const civil::Point& point : drawing.points)
+      if (members.contains(point.number)) handles.push_back(point.handle);
+    return handles;
+  };
+}
+
 QString nameOf(const std::string& name) { return name.empty() ? DrawingTreeModel::tr("(without a name)") : toQt(name); }
 
 }  // namespace
@@ -78,6 +140,7 @@ DrawingTreeModel::~DrawingTreeModel() = default;
 void DrawingTreeModel::setDrawing(const civil::Drawing* drawing) {
   beginResetModel();
   drawing_ = drawing;
+  setVisibility({});
   rebuild();
   endResetModel();
 }
@@ -142,6 +205,12 @@ struct DrawingTreeModel::Rows {
     });
   }
 
+  static void addLine(Node& into, const civil::SampleLineGroup& group, const civil::SampleLine& line) {
+    Node& row = into.add(line.handle, nameOf(line.name), "sample_line");
+    row.file = group.file;
+    row.drawn = drawnOf(line);
+  }
+
   static void addSampleLineGroups(Node& into, const civil::AlignmentObject& alignment) {
     if (alignment.sampleLineGroups.empty()) return;
     const auto& groups = alignment.sampleLineGroups;
@@ -151,18 +220,19 @@ struct DrawingTreeModel::Rows {
         row.count = countOf(group.lines);
         row.tip = toQt(group.description);
         if (group.lines.empty()) continue;
+        row.drawn = drawnOf(group);
         row.makeChildren = [&group](Node& self) {
-          for (const civil::SampleLine& line : group.lines)
-            self.add(line.handle, nameOf(line.name), "sample_line").file = group.file;
+          for (const civil::SampleLine& line : group.lines) addLine(self, group, line);
         };
       }
-    });
+    }).drawn = drawnOfAll(groups);
   }
 
   static void addAlignments(Node& into, const civil::Site& site) {
     for (const auto& alignment : site.alignments) {
       Node& row = addObject(into, *alignment, "alignment");
       row.tip = toQt(alignment->description);
+      row.drawn = drawnOf(*alignment);
       if (alignment->profiles.empty() && alignment->sampleLineGroups.empty()) continue;
       row.makeChildren = [&object = *alignment](Node& self) {
         addProfiles(self, object);
@@ -177,13 +247,16 @@ struct DrawingTreeModel::Rows {
         Node& row = addObject(heading, site, "site");
         row.count = countOf(site.alignments);
         row.tip = toQt(site.description);
-        if (!site.alignments.empty()) row.makeChildren = [&site](Node& self) { addAlignments(self, site); };
+        if (site.alignments.empty()) continue;
+        row.drawn = drawnOf(site);
+        row.makeChildren = [&site](Node& self) { addAlignments(self, site); };
       }
-    });
+    }).drawn = drawnOfAll(drawing.sites);
     const civil::Site& siteless = drawing.siteless;
     if (!siteless.alignments.empty())
       addHeading(into, DrawingTreeModel::tr("Alignments without a site"), "alignment", siteless.alignments,
-                 [&siteless](Node& heading) { addAlignments(heading, siteless); });
+                 [&siteless](Node& heading) { addAlignments(heading, siteless); })
+          .drawn = drawnOf(siteless);
   }
 
   static void addSurfaces(Node& into, const civil::Drawing& drawing) {
@@ -196,8 +269,9 @@ struct DrawingTreeModel::Rows {
                       .arg(grouped(counts.points), grouped(counts.triangles),
                            QString::number(surface.surface.minElevation(), 'f', 3),
                            QString::number(surface.surface.maxElevation(), 'f', 3));
+        row.drawn = drawnOf(surface);
       }
-    });
+    }).drawn = drawnOfAll(drawing.surfaces);
   }
 
   static void addPointGroups(Node& into, const civil::Drawing& drawing) {
@@ -207,9 +281,11 @@ struct DrawingTreeModel::Rows {
                                   Node& row = addObject(heading, group, "point_group");
                                   row.count = countOf(group.numbers);
                                   row.tip = toQt(group.description);
+                                  if (!group.numbers.empty()) row.drawn = drawnOf(group, drawing);
                                 }
                               });
     groups.kind = TreeRow::Kind::PointGroupsHeading;
+    groups.drawn = drawnOfAll(drawing.points);
     groups.tip = DrawingTreeModel::tr("%1 points in the drawing").arg(countOf(drawing.points));
   }
 
@@ -355,9 +431,47 @@ QVariant DrawingTreeModel::data(const QModelIndex& index, int role) const {
       return QVariant::fromValue<quint64>(node->handle);
     case LeadsOnRole:
       return node->leadsOn;
+    case Qt::CheckStateRole:
+      if (!node->drawn) return {};
+      switch (shownOf(*node)) {
+        case view::Shown::None:
+          return Qt::Unchecked;
+        case view::Shown::Some:
+          return Qt::PartiallyChecked;
+        case view::Shown::All:
+          return Qt::Checked;
+      }
+      return {};
     default:
       return {};
   }
+}
+
+Qt::ItemFlags DrawingTreeModel::flags(const QModelIndex& index) const {
+  const Qt::ItemFlags flags = QAbstractItemModel::flags(index);
+  return index.isValid() && nodeOf(index)->drawn ? flags | Qt::ItemIsUserCheckable : flags;
+}
+
+bool DrawingTreeModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+  if (!index.isValid() || role != Qt::CheckStateRole || !nodeOf(index)->drawn) return false;
+  Q_EMIT visibilityWanted(nodeOf(index)->drawn(), value.toInt() != Qt::Unchecked);
+  return true;
+}
+
+// A box is looked at whenever its row is drawn, and a group may have a million points.
+view::Shown DrawingTreeModel::shownOf(const Node& node) const {
+  if (!visibility_.hidesAny()) return view::Shown::All;
+  Node& known = const_cast<Node&>(node);
+  if (known.shownAt != visibilityChange_) {
+    known.shown = view::shownOf(visibility_, node.drawn());
+    known.shownAt = visibilityChange_;
+  }
+  return known.shown;
+}
+
+void DrawingTreeModel::setVisibility(const view::Visibility& visibility) {
+  visibility_ = visibility;
+  ++visibilityChange_;
 }
 
 QString DrawingTreeModel::toolTip(const Node& node) const {
@@ -402,10 +516,55 @@ QModelIndex DrawingTreeModel::indexOf(civil::Handle handle) const {
 
 // ---------------------------------------------------------------- the widget
 
+namespace {
+
+/// A box before a row is a button of its own: clicking it neither chooses the row nor answers a question.
+class TreeWithBoxes : public QTreeView {
+ protected:
+  void mousePressEvent(QMouseEvent* event) override {
+    const QModelIndex index = boxAt(*event);
+    isOnBox_ = index.isValid();
+    if (!isOnBox_) return QTreeView::mousePressEvent(event);
+    const bool isShown = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+    model()->setData(index, isShown ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+  }
+  void mouseMoveEvent(QMouseEvent* event) override {
+    if (!isOnBox_ || event->buttons() == Qt::NoButton) QTreeView::mouseMoveEvent(event);
+  }
+  void mouseReleaseEvent(QMouseEvent* event) override {
+    if (!std::exchange(isOnBox_, false)) QTreeView::mouseReleaseEvent(event);
+  }
+  void mouseDoubleClickEvent(QMouseEvent* event) override {
+    if (boxAt(*event).isValid())
+      mousePressEvent(event);
+    else
+      QTreeView::mouseDoubleClickEvent(event);
+  }
+
+ private:
+  /// The row whose box lies there; invalid for none.
+  [[nodiscard]] QModelIndex boxAt(const QMouseEvent& event) const {
+    const QPoint place = event.position().toPoint();
+    const QModelIndex index = indexAt(place);
+    if (event.button() != Qt::LeftButton || !index.isValid() || !index.data(Qt::CheckStateRole).isValid()) return {};
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    option.rect = visualRect(index);
+    option.features |= QStyleOptionViewItem::HasCheckIndicator;
+    return style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, this).contains(place)
+               ? index
+               : QModelIndex();
+  }
+
+  bool isOnBox_ = false;
+};
+
+}  // namespace
+
 DrawingTree::DrawingTree(QWidget* parent)
     : QWidget(parent),
       find_(new QLineEdit),
-      view_(new QTreeView),
+      view_(new TreeWithBoxes),
       model_(new DrawingTreeModel(this)),
       found_(new QLabel) {
   setObjectName(QStringLiteral("drawingTree"));
@@ -436,6 +595,7 @@ DrawingTree::DrawingTree(QWidget* parent)
   layout->addWidget(found_);
   layout->addWidget(view_, 1);
 
+  connect(model_, &DrawingTreeModel::visibilityWanted, this, &DrawingTree::visibilityWanted);
   connect(find_, &QLineEdit::textChanged, this, &DrawingTree::filter);
   connect(find_, &QLineEdit::returnPressed, this, &DrawingTree::jump);
   connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
@@ -546,6 +706,11 @@ void DrawingTree::filter(const QString& text) {
   State before = *std::exchange(before_, std::nullopt);
   before.find.clear();
   setState(before);
+}
+
+void DrawingTree::setVisibility(const view::Visibility& visibility) {
+  model_->setVisibility(visibility);
+  view_->viewport()->update();
 }
 
 namespace {

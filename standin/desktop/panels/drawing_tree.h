@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "civil/drawing.h"
+#include "view/visibility.h"
 
 class QContextMenuEvent;
 class QLabel;
@@ -54,6 +55,8 @@ class DrawingTreeModel : public QAbstractItemModel {
   void setFilter(const QString& text);
   /// The drawing's lists were edited.
   void refresh();
+  /// Which objects are hidden in the plan: the boxes before the rows.
+  void setVisibility(const view::Visibility& visibility);
   /// How many objects the filter leaves, up to what is shown.
   [[nodiscard]] std::size_t found() const { return found_; }
   /// The row of an object; invalid where it isn't in the tree.
@@ -65,6 +68,12 @@ class DrawingTreeModel : public QAbstractItemModel {
   [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
   [[nodiscard]] bool hasChildren(const QModelIndex& parent = {}) const override;
   [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+  [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
+  bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+
+ Q_SIGNALS:
+  /// The user wants what stands in a row, and below it, to be shown in the plan or not.
+  void visibilityWanted(const std::vector<lvx::civil::Handle>& handles, bool isShown);
 
  private:
   struct Node;
@@ -73,9 +82,13 @@ class DrawingTreeModel : public QAbstractItemModel {
   void expand(Node& node) const;
   bool keepMatches(Node& node, const QString& text);
   void rebuild();
+  [[nodiscard]] view::Shown shownOf(const Node& node) const;
   [[nodiscard]] QString toolTip(const Node& node) const;
 
   const civil::Drawing* drawing_ = nullptr;
+  view::Visibility visibility_;
+  /// Counts its changes, so that what was found out about a row holds until the next one.
+  unsigned visibilityChange_ = 1;
   QString filter_;
   std::size_t found_ = 0;
   std::unique_ptr<Node> root_;
@@ -102,8 +115,12 @@ class DrawingTree : public QWidget {
   /// Shows where an object stands, without telling that it was selected.
   void reveal(civil::Handle handle);
   void focusFind();
+  /// See DrawingTreeModel. Nothing is hidden in the next drawing.
+  void setVisibility(const view::Visibility& visibility);
 
  Q_SIGNALS:
+  /// A box before a row was clicked, or Space pressed.
+  void visibilityWanted(const std::vector<lvx::civil::Handle>& handles, bool isShown);
   /// The user moved to a row, by mouse or keyboard; 0 for one that isn't an object.
   void selected(quint64 handle);
   /// The user clicked a row, selected already or not.

@@ -86,6 +86,46 @@ QString decodeUtf8OrLatin1(const QByteArray& bytes) {
   return utf8.hasError() ? QString::fromLatin1(bytes) : text;
 }
 
+std::vector<FoundText> findInFile(const QString& path, const QString& text, const Decode& decode, std::size_t most) {
+  std::vector<FoundText> found;
+  QFile file(path);
+  if (text.isEmpty() || !file.open(QIODevice::ReadOnly)) return found;
+  std::uint64_t number = 1;
+  QByteArray piece;  // whole lines
+  const auto look = [&](const QByteArray& bytes) {
+    const QString lines = decode(bytes);
+    qsizetype from = 0;
+    while (from <= lines.size()) {
+      qsizetype end = lines.indexOf(QLatin1Char('\n'), from);
+      if (end < 0) end = lines.size();
+      const QStringView line =
+          QStringView(lines).sliced(from, end - from).first(std::min<qsizetype>(end - from, kLongestShown));
+      for (qsizetype at = line.indexOf(text, 0, Qt::CaseInsensitive); at >= 0;
+           at = line.indexOf(text, at + text.size(), Qt::CaseInsensitive)) {
+        if (found.size() == most) return false;
+        found.push_back({number, static_cast<int>(at)});
+      }
+      if (end == lines.size()) break;
+      ++number;
+      from = end + 1;
+    }
+    return true;
+  };
+  while (!file.atEnd()) {
+    const QByteArray block = file.read(kBlock);
+    if (block.isEmpty()) break;
+    piece += block;
+    const qsizetype end = piece.lastIndexOf('\n') + 1;
+    if (end == 0) continue;
+    // Without the last line's end, behind which the next piece begins.
+    if (!look(piece.first(end - 1))) return found;
+    ++number;
+    piece = piece.sliced(end);
+  }
+  if (!piece.isEmpty()) look(piece);
+  return found;
+}
+
 FileLines readLines(const QString& path, std::uint64_t first, int count, const Decode& decode) {
   QFile file(path);
   if (!file.open(QIODevice::ReadOnly)) {

@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 namespace lvx::desktop {
 
@@ -27,5 +28,17 @@ using Decode = std::function<QString(const QByteArray&)>;
 inline constexpr int kLongestShown = 4000;
 [[nodiscard]] FileLines readLines(const QString& path, std::uint64_t first, int count,
                                   const Decode& decode = decodeUtf8OrLatin1);
+
+/// A place in a text file.
+struct FoundText {
+  std::uint64_t line = 1;  ///< 1-based
+  int column = 0;          ///< letters before it
+};
+/// All places where a text stands, in any case, up to `most`; a line beyond `kLongestShown` bytes is looked through as far
+/// as it is shown. None where the file can't be read. O(file), memory of a piece of it.
+inline constexpr std::size_t kMostFound = 1'000'000;
+[[nodiscard]] std::vector<FoundText> findInFile(const QString& path, const QString& text,
+                                                const Decode& decode = decodeUtf8OrLatin1,
+                                                std::size_t most = kMostFound);
 
 }  // namespace lvx::desktop

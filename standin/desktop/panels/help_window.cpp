@@ -282,6 +282,11 @@ void HelpWindow::showContents() {
   comeToFront();
 }
 
+void HelpWindow::showWindowPage() {
+  open(urlOf(folder_ / "project-resources" / "window.html"));
+  comeToFront();
+}
+
 void HelpWindow::comeToFront() {
   if (!isVisible() && !testAttribute(Qt::WA_Moved)) {
     // Beside the window that asks, where the screen has the room.

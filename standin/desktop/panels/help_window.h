@@ -32,6 +32,8 @@ class HelpWindow final : public QWidget {
   /// the front. False where there is no such page: the window says so over its contents.
   bool showTopic(const framework::CString& topic);
   void showContents();
+  /// The page on the main window.
+  void showWindowPage();
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;

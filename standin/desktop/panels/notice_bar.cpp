@@ -86,6 +86,11 @@ void NoticeBar::tellOfFiles(Sign sign, const QString& text, const QStringList& w
   tell(sign, text);
 }
 
+void NoticeBar::tellOfSaved(const QString& text, const QString& path) {
+  tellOfFiles(Sign::Done, text, {path});
+  first_->hide();
+}
+
 QString NoticeBar::text() const { return text_->text(); }
 
 void NoticeBar::colour() {

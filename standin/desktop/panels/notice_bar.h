@@ -21,6 +21,8 @@ class NoticeBar : public QFrame {
   void tell(const QString& text, const QString& first, const QString& second);
   /// The same of files that were written, which may be none: they can be opened and shown in their folder.
   void tellOfFiles(Sign sign, const QString& text, const QStringList& written);
+  /// The same of the open drawing, which lies elsewhere now: its folder can be shown.
+  void tellOfSaved(const QString& text, const QString& path);
   /// What stands there.
   [[nodiscard]] QString text() const;
 

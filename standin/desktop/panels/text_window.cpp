@@ -1,5 +1,6 @@
 #include "desktop/panels/text_window.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QFontDatabase>
 #include <QHBoxLayout>
@@ -7,9 +8,21 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QShortcut>
+#include <QTabWidget>
 #include <QTextBlock>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <memory>
+#include <optional>
 #include <utility>
+
+#include "desktop/common/qt_text.h"
+#include "desktop/panels/find_bar.h"
+#include "desktop/panels/property_words.h"
+#include "desktop/panels/report_printing.h"
+#include "desktop/panels/value_table.h"
+#include "properties/report_table.h"
 
 namespace lvx::desktop {
 
@@ -26,7 +39,9 @@ TextWindow::TextWindow(const QString& path, std::uint64_t line, Decode decode, Q
       place_(new QLabel),
       text_(new QPlainTextEdit),
       earlier_(new QPushButton(tr("&Earlier lines"))),
-      later_(new QPushButton(tr("&Later lines"))) {
+      later_(new QPushButton(tr("&Later lines"))),
+      pages_(new QTabWidget),
+      find_(new FindBar(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setObjectName(QStringLiteral("textWindow"));
   setWindowTitle(QFileInfo(path).fileName());
@@ -50,8 +65,31 @@ TextWindow::TextWindow(const QString& path, std::uint64_t line, Decode decode, Q
   bar->addWidget(place_, 1);
   bar->addWidget(earlier_);
   bar->addWidget(later_);
+  const auto addButton = [&](const char* name, const QString& text, auto work) {
+    auto* const button = new QPushButton(text);
+    button->setObjectName(QLatin1String(name));
+    connect(button, &QPushButton::clicked, this, work);
+    bar->addWidget(button);
+  };
+  addButton("find", tr("&Find…"), [this] { find_->open(); });
+  addButton("print", tr("&Print…"), [this] { print(false); });
+  addButton("savePdf", tr("Save as P&DF…"), [this] { print(true); });
+  connect(new QShortcut(QKeySequence::Print, this), &QShortcut::activated, this, [this] { print(false); });
   layout->addLayout(bar);
-  layout->addWidget(text_, 1);
+  pages_->setObjectName(QStringLiteral("textPages"));
+  pages_->setDocumentMode(true);
+  pages_->setTabBarAutoHide(true);
+  pages_->setAccessibleName(windowTitle());
+  pages_->addTab(text_, tr("&Text"));
+  layout->addWidget(pages_, 1);
+  layout->addWidget(find_);
+  connect(find_, &FindBar::closed, this, [this] { pages_->currentWidget()->setFocus(); });
+  offerTable();
+  connect(pages_, &QTabWidget::currentChanged, this, [this] {
+    if (pages_->currentWidget() == tablePage_) fillTable();
+    searchWhatShows();
+  });
+  searchWhatShows();
   connect(earlier_, &QPushButton::clicked, this, [this] { showFrom(first_ > kLinesShown ? first_ - kLinesShown : 1); });
   connect(later_, &QPushButton::clicked, this, [this] { showFrom(first_ + shown_); });
   resize(kUsualSize);
@@ -89,6 +127,109 @@ void TextWindow::showFrom(std::uint64_t first) {
   text_->setTextCursor(cursor);
   text_->centerCursor();
   setWindowTitle(tr("%1, line %2").arg(QFileInfo(path_).fileName()).arg(marked_));
+}
+
+void TextWindow::offerTable() {
+  // The frame of stars over every report.
+  constexpr int kStars = 10;
+  const FileLines first = readLines(path_, 1, 1, decode_);
+  if (first.lines.isEmpty() || !first.lines.front().startsWith(QString(kStars, QLatin1Char('*')))) return;
+  tablePage_ = new QWidget;
+  pages_->addTab(tablePage_, tr("T&able"));
+}
+
+void TextWindow::fillTable() {
+  if (table_ != nullptr) return;
+  QFile file(path_);
+  std::optional<properties::ReportTable> report;
+  if (file.open(QIODevice::ReadOnly)) report = properties::reportTableOf(toUtf8(decode_(file.readAll())));
+  auto* const layout = new QVBoxLayout(tablePage_);
+  layout->setContentsMargins(0, 0, 0, 0);
+  table_ = new ValueTable;
+  table_->setObjectName(QStringLiteral("reportTable"));
+  table_->setAccessibleName(windowTitle());
+  table_->setFrameShape(QFrame::NoFrame);
+  if (!report) {
+    auto* const words = new QLabel(tr("This report's columns can't be told apart. Its text is on the other page."));
+    words->setObjectName(QStringLiteral("noTable"));
+    words->setWordWrap(true);
+    constexpr int kMargin = 8;
+    words->setMargin(kMargin);
+    layout->addWidget(words);
+    layout->addWidget(table_, 1);
+    table_->hide();
+    layout->addStretch(1);
+    return;
+  }
+  QStringList headings;
+  for (const std::string& heading : report->headings) headings << toQt(heading);
+  if (headings.isEmpty())
+    for (const properties::Column& column : report->table.columns) headings << PropertyWords::term(column.term);
+  table_->setTable(std::move(report->table), headings);
+  // What was found is known by its rows, which are others now.
+  connect(table_->model(), &QAbstractItemModel::layoutChanged, find_, &FindBar::searchAgain);
+  layout->addWidget(table_, 1);
+}
+
+void TextWindow::searchWhatShows() {
+  if (table_ != nullptr && pages_->currentWidget() == tablePage_) {
+    const auto rows = std::make_shared<QList<int>>();
+    find_->setSearched({[this, rows](const QString& text) {
+                          *rows = table_->values().rowsWith(text);
+                          return rows->size();
+                        },
+                        [this, rows](qsizetype number) {
+                          const QModelIndex row = table_->model()->index(rows->at(number), 0);
+                          table_->selectRow(row.row());
+                          table_->scrollTo(row, QAbstractItemView::PositionAtCenter);
+                        },
+                        [this, rows] { return rows->indexOf(table_->currentIndex().row()); }});
+    return;
+  }
+  find_->setSearched({[this](const QString& text) {
+                        found_ = findInFile(path_, text, decode_);
+                        foundLetters_ = text.size();
+                        return static_cast<qsizetype>(found_.size());
+                      },
+                      [this](qsizetype number) { showFound(found_[static_cast<std::size_t>(number)]); }});
+}
+
+void TextWindow::showFound(const FoundText& place) {
+  if (place.line < first_ || place.line >= first_ + shown_) {
+    constexpr std::uint64_t kBefore = kLinesShown / 2;
+    showFrom(place.line > kBefore ? place.line - kBefore : 1);
+  }
+  QTextCursor cursor(text_->document()->findBlockByNumber(static_cast<int>(place.line - first_)));
+  if (cursor.isNull()) return;  // the file has changed since
+  const int most = cursor.block().length() - 1;
+  cursor.movePosition(QTextCursor::Right, QTextCursor::MoveAnchor, std::min(place.column, most));
+  cursor.movePosition(QTextCursor::Right, QTextCursor::KeepAnchor,
+                      std::min(static_cast<int>(foundLetters_), most - std::min(place.column, most)));
+  text_->setTextCursor(cursor);
+  text_->centerCursor();
+}
+
+void TextWindow::print(bool asPdf) {
+  // As wide as the lines that a reader saw.
+  qsizetype letters = 1;
+  for (const QString& line : readLines(path_, 1, kLinesShown, decode_).lines) letters = std::max(letters, line.size());
+  constexpr qsizetype kUpright = 110;
+  const QString title = QFileInfo(path_).fileName();
+  const PaintPages paint = [this, letters, title](QPagedPaintDevice& paper) {
+    QFile file(path_);
+    if (!file.open(QIODevice::ReadOnly)) return false;
+    return paintLines(paper, title, letters, [&](QString& line) {
+      if (file.atEnd()) return false;
+      QByteArray bytes = file.readLine();
+      while (bytes.endsWith('\n') || bytes.endsWith('\r')) bytes.chop(1);
+      line = decode_(bytes);
+      return true;
+    });
+  };
+  if (asPdf)
+    askAndSavePdf(this, title, QFileInfo(path_).completeBaseName(), letters > kUpright, paint);
+  else
+    askAndPrint(this, title, letters > kUpright, paint);
 }
 
 void TextWindow::keyPressEvent(QKeyEvent* event) {

@@ -9,10 +9,15 @@
 class QLabel;
 class QPlainTextEdit;
 class QPushButton;
+class QTabWidget;
 
 namespace lvx::desktop {
 
-/// A text file to read, a stretch of lines at a time, so that its size doesn't matter. Deletes itself when it is closed.
+class FindBar;
+class ValueTable;
+
+/// A text file to read, a stretch of lines at a time, so that its size doesn't matter: to find in, to print. A text report
+/// has a second page with its table, which sorts and copies. Deletes itself when it is closed.
 class TextWindow : public QWidget {
   Q_OBJECT
  public:
@@ -25,6 +30,12 @@ class TextWindow : public QWidget {
 
  private:
   void showFrom(std::uint64_t first);
+  /// Adds the page with the table where the text is a report's.
+  void offerTable();
+  void fillTable();
+  void searchWhatShows();
+  void showFound(const FoundText& place);
+  void print(bool asPdf);
 
   QString path_;
   std::uint64_t marked_;
@@ -35,6 +46,13 @@ class TextWindow : public QWidget {
   QPlainTextEdit* text_;
   QPushButton* earlier_;
   QPushButton* later_;
+  QTabWidget* pages_;
+  FindBar* find_;
+  /// Null where there is no table, or nobody looked at it yet.
+  ValueTable* table_ = nullptr;
+  QWidget* tablePage_ = nullptr;
+  std::vector<FoundText> found_;
+  qsizetype foundLetters_ = 0;
 };
 
 }  // namespace lvx::desktop

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "desktop/plan/tile_drawing.h"
+
 namespace lvx::desktop {
 
 using civil::Box;
@@ -23,7 +25,7 @@ constexpr double kTileSlack = 0.84;
 constexpr double kSize = view::Tile::kSize;
 constexpr QRectF kWholeTile(0, 0, kSize, kSize);
 
-void drawTile(QPainter& painter, const QRectF& target, const view::Tile& tile, const QRectF& source) {
+void copyTile(QPainter& painter, const QRectF& target, const view::Tile& tile, const QRectF& source) {
   if (tile.isEmpty()) return;
   const QImage image(reinterpret_cast<const uchar*>(tile.pixels.data()), view::Tile::kSize, view::Tile::kSize,
                      view::Tile::kSize * 4, QImage::Format_ARGB32_Premultiplied);
@@ -49,24 +51,60 @@ GroundPainter::GroundPainter(QPainter& painter, const PlanFrame& frame, view::Ti
       look_{.style =
                 frame.look.surface == SurfaceLook::Heights ? view::SurfaceStyle::Heights : view::SurfaceStyle::Relief,
             .hasTriangles = frame.look.triangles,
-            .isDark = frame.look.dark} {}
+            .isDark = frame.look.dark,
+            .lineWidth = frame.look.contours ? std::max(1.0, std::round(ratio_ * 2.0) / 2.0) : 1.0} {}
 
 bool GroundPainter::paint() {
   painter_.setRenderHint(QPainter::SmoothPixmapTransform);
   painter_.setRenderHint(QPainter::Antialiasing, false);
   const auto surfaces = frame_.scene.surfaces();
-  for (std::size_t index = 0; index < surfaces.size(); ++index) {
-    const Ground ground{surfaces[index], static_cast<std::uint32_t>(index)};
-    if (!ground.shape.tiles || ground.shape.box.isEmpty() || !view::meet(ground.shape.box, frame_.viewport.visible()))
-      continue;
-    paintGround(ground);
-    if (!drawsMissing_) wantAround(ground);
+  const std::optional<std::size_t> contours = contourSurface();
+  const double asked = frame_.look.contourInterval > 0.0 ? frame_.look.contourInterval : view::SurfaceLook::kByScale;
+  std::optional<std::size_t> top;
+  if (frame_.look.surface != SurfaceLook::None)
+    for (std::size_t index = 0; index < surfaces.size(); ++index)
+      if (isShown(surfaces[index])) top = index;
+  for (std::size_t index = 0; top && index <= *top; ++index) {
+    if (!isShown(surfaces[index])) continue;
+    Ground ground{surfaces[index], static_cast<std::uint32_t>(index), look_};
+    // In one picture with the ground where nothing lies between: half of the copying.
+    if (contours == index && index == *top) ground.look.contourInterval = asked;
+    paintSurface(ground);
+  }
+  if (contours && contours != top) {
+    Ground lines{surfaces[*contours], static_cast<std::uint32_t>(*contours), look_};
+    lines.look.style = view::SurfaceStyle::Bare;
+    lines.look.hasTriangles = false;
+    lines.look.contourInterval = asked;
+    paintSurface(lines);
   }
   return missing_.empty();
 }
 
+bool GroundPainter::isShown(const view::SurfaceShape& shape) const {
+  return shape.tiles && !shape.box.isEmpty() && view::meet(shape.box, frame_.viewport.visible()) &&
+         !frame_.scene.isHidden(shape.object->handle);
+}
+
+std::optional<std::size_t> GroundPainter::contourSurface() const {
+  if (!frame_.look.contours) return std::nullopt;
+  std::optional<std::size_t> last;
+  const auto surfaces = frame_.scene.surfaces();
+  for (std::size_t index = 0; index < surfaces.size(); ++index) {
+    if (!isShown(surfaces[index])) continue;
+    if (frame_.selected != nullptr && frame_.selected->has(surfaces[index].object->handle)) return index;
+    last = index;
+  }
+  return last;
+}
+
+void GroundPainter::paintSurface(const Ground& ground) {
+  paintGround(ground);
+  if (!drawsMissing_) wantAround(ground);
+}
+
 TileKey GroundPainter::keyOf(const Ground& ground, const TileAddress& address) const {
-  return {.surface = ground.index, .address = address, .look = look_};
+  return {.surface = ground.index, .address = address, .look = ground.look};
 }
 
 QRectF GroundPainter::targetOf(const Box& box) const {
@@ -91,11 +129,12 @@ void GroundPainter::paintTile(const Ground& ground, const TileAddress& address) 
   ++held_;
   std::shared_ptr<const view::Tile> tile = cache_.find(key);
   if (!tile && drawsMissing_) {
-    tile = ground.shape.tiles->render(address, look_);
+    tile = desktop::drawTile(*ground.shape.tiles, address, key.look);
     cache_.insert(key, tile);
   }
   if (tile) {
-    drawTile(painter_, target, *tile, kWholeTile);
+    copyTile(painter_, target, *tile, kWholeTile);
+    contourLabels_.insert(contourLabels_.end(), tile->labels.begin(), tile->labels.end());
     return;
   }
   const QPointF middle(frame_.viewport.width() / 2.0, frame_.viewport.height() / 2.0);
@@ -111,10 +150,10 @@ void GroundPainter::paintStandIns(const Ground& ground, const TileKey& key, cons
     finer[part] = cache_.find(keyOf(ground, quarterOf(key.address, part)));
   if (std::find(finer.begin(), finer.end(), nullptr) != finer.end())
     if (const auto coarser = cache_.findCoarser(key, SurfaceTiles::kMostLevel - SurfaceTiles::kLeastLevel))
-      drawTile(painter_, target, *coarser->tile, QRectF(coarser->left, coarser->top, coarser->size, coarser->size));
+      copyTile(painter_, target, *coarser->tile, QRectF(coarser->left, coarser->top, coarser->size, coarser->size));
   for (std::size_t part = 0; part < finer.size(); ++part)
     if (finer[part])
-      drawTile(painter_, targetOf(ground.shape.tiles->boxOf(quarterOf(key.address, part))), *finer[part], kWholeTile);
+      copyTile(painter_, targetOf(ground.shape.tiles->boxOf(quarterOf(key.address, part))), *finer[part], kWholeTile);
 }
 
 // All of the surface, coarse, so that there is always something to show; and what zooming out shows next.

@@ -2,6 +2,7 @@
 
 #include <QRectF>
 #include <cstddef>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -13,7 +14,7 @@ class QPainter;
 
 namespace lvx::desktop {
 
-/// Paints the ground of a frame from tiles. Where one isn't there, finer or coarser ones stand for it and it is wanted;
+/// Paints the ground of a frame from tiles, with contours where they are asked for. Where one isn't there, finer or coarser ones stand for it and it is wanted;
 /// or, for a finished picture, it is drawn at once.
 ///
 ///     GroundPainter ground(painter, frame, cache, false);
@@ -30,13 +31,20 @@ class GroundPainter {
   [[nodiscard]] std::vector<view::TileKey> takeWanted();
   /// Of all tiles that were asked for, there or not.
   [[nodiscard]] std::size_t wantedBytes() const;
+  /// Where contours that were painted can be labelled.
+  [[nodiscard]] const std::vector<view::ContourLabel>& contourLabels() const { return contourLabels_; }
 
  private:
   /// A surface of the scene.
   struct Ground {
     const view::SurfaceShape& shape;
     std::uint32_t index;
+    view::SurfaceLook look;
   };
+  [[nodiscard]] bool isShown(const view::SurfaceShape& shape) const;
+  /// The number of the surface that has contours; empty: none has.
+  [[nodiscard]] std::optional<std::size_t> contourSurface() const;
+  void paintSurface(const Ground& ground);
   [[nodiscard]] view::TileKey keyOf(const Ground& ground, const view::TileAddress& address) const;
   [[nodiscard]] QRectF targetOf(const civil::Box& box) const;
   void paintGround(const Ground& ground);
@@ -56,6 +64,7 @@ class GroundPainter {
   std::vector<std::pair<double, view::TileKey>> missing_;
   std::vector<view::TileKey> next_;
   std::size_t held_ = 0;
+  std::vector<view::ContourLabel> contourLabels_;
 };
 
 }  // namespace lvx::desktop

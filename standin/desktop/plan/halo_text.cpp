@@ -29,6 +29,21 @@ QSizeF HaloText::sizeOf(const QString& text, const QFont& font) {
 }
 
 void HaloText::draw(QPainter& painter, QPointF centre, const QString& text, const Style& style, double degrees) {
+  if (isText_) {
+    const QSizeF plain = sizeOf(text, style.font);
+    const QPointF baseline(-plain.width() / 2, plain.height() / 2);
+    QPainterPath outline;
+    outline.addText(baseline, style.font, text);
+    painter.save();
+    painter.translate(centre);
+    painter.rotate(degrees);
+    painter.strokePath(outline, QPen(style.halo, kHaloWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setFont(style.font);
+    painter.setPen(style.colour);
+    painter.drawText(baseline, text);
+    painter.restore();
+    return;
+  }
   const double ratio = painter.device()->devicePixelRatioF();
   // Half a degree is less than a pixel at the end of a label.
   const double angle = std::round(degrees * 2.0) / 2.0;

@@ -32,6 +32,8 @@ class HaloText {
   [[nodiscard]] bool isWaiting() const { return fresh_ < 0; }
   /// Centred on `centre`, turned clockwise by `degrees`, on whole pixels of the device.
   void draw(QPainter& painter, QPointF centre, const QString& text, const Style& style, double degrees = 0.0);
+  /// From now on as text with its halo around it, each anew: for paper.
+  void drawAsText(bool isText) { isText_ = isText; }
   void clear();
 
  private:
@@ -40,6 +42,7 @@ class HaloText {
   [[nodiscard]] static QImage render(const QString& text, const Style& style, double degrees, double pixelRatio);
 
   int fresh_ = 0;
+  bool isText_ = false;
   QHash<QString, QSizeF> sizes_;
   QCache<QString, QImage> images_{kMostKilobytes};
 };

@@ -16,6 +16,8 @@ struct PlanColours {
   QColor corridor;
   QColor border;
   QColor triangles;
+  QColor contour;
+  QColor indexContour;  ///< every fifth
   QColor hover;
   QColor selected;
   QColor preview;   ///< lines that would be made

@@ -15,6 +15,8 @@
 
 namespace lvx::desktop {
 
+class PlanOverlay;
+
 /// One picture of a plan: what is drawn, which part of it, and how. Refers to what others hold.
 struct PlanFrame {
   const view::PlanScene& scene;
@@ -23,6 +25,8 @@ struct PlanFrame {
   const PlanSelection* selected = nullptr;
   /// Lines that are no objects yet.
   const view::LineSet* preview = nullptr;
+  /// Between the ground and the lines.
+  const PlanOverlay* groundOverlay = nullptr;
   QFont font;
 };
 

@@ -6,6 +6,7 @@
 #include <bit>
 #include <cmath>
 #include <numbers>
+#include <set>
 
 #include "desktop/common/qt_text.h"
 #include "desktop/plan/plan_colours.h"
@@ -31,17 +32,27 @@ double degreesOf(QPointF direction) {
   return degrees;
 }
 
+/// With as many decimals as it has, three at most.
+QString contourText(double elevation) {
+  QString text = QString::number(elevation, 'f', 3);
+  while (text.endsWith(QLatin1Char('0'))) text.chop(1);
+  if (text.endsWith(QLatin1Char('.'))) text.chop(1);
+  return text == QStringLiteral("-0") ? QStringLiteral("0") : text;
+}
+
 /// Small numbers for indices that stay when every other one has to go, as the fourth, the eighth, ...
 int rankOf(std::size_t index) { return index == 0 ? -64 : -std::countr_zero(index); }
 
 }  // namespace
 
-void PlanLabels::paint(std::span<const civil::Point* const> points) {
+void PlanLabels::paint(std::span<const civil::Point* const> points, std::span<const view::ContourLabel> contours) {
   if (frame_.look.alignments)
     for (const view::AlignmentShape& shape : frame_.scene.alignments())
-      if (view::meet(shape.box, frame_.viewport.visible())) labelAlignment(shape);
+      if (view::meet(shape.box, frame_.viewport.visible()) && !frame_.scene.isHidden(shape.object->handle))
+        labelAlignment(shape);
   if (frame_.look.sampleLines) labelSampleLines();
   if (frame_.look.points) labelPoints(points);
+  labelContours(contours);
 }
 
 void PlanLabels::labelAlignment(const view::AlignmentShape& shape) {
@@ -96,7 +107,9 @@ void PlanLabels::labelSampleLines() {
   const auto lines = frame_.scene.sampleLines();
   std::vector<std::size_t> order;
   for (std::size_t index = 0; index < lines.size(); ++index)
-    if (lines[index].line->vertices.size() > 1 && view::meet(lines[index].box, visible)) order.push_back(index);
+    if (lines[index].line->vertices.size() > 1 && view::meet(lines[index].box, visible) &&
+        !frame_.scene.isHidden(lines[index].line->handle))
+      order.push_back(index);
   // Where not all find room, every second, fourth, ... does, and the same ones while the view moves.
   std::stable_sort(order.begin(), order.end(),
                    [](std::size_t one, std::size_t other) { return rankOf(one) < rankOf(other); });
@@ -116,6 +129,33 @@ void PlanLabels::labelSampleLines() {
     const double degrees = degreesOf(outwards);
     if (placer_.place(centre, size + QSizeF(6, 5), degrees)) text_.draw(painter_, centre, text, style, degrees);
   }
+}
+
+void PlanLabels::labelContours(std::span<const view::ContourLabel> contours) {
+  const PlanColours& colours = planColours(frame_.look.dark);
+  const HaloText::Style style{labelFont(frame_.font, 0.78), colours.indexContour, colours.ground};
+  // Few enough that lines are what one sees; but where texts stand close, an elevation that would have none gets one.
+  constexpr double kRoom = 70.0;
+  constexpr double kLeastRoom = 8.0;
+  std::set<double> named;
+  const bool hasIndex =
+      std::any_of(contours.begin(), contours.end(), [](const view::ContourLabel& label) { return label.isIndex; });
+  const auto place = [&](const view::ContourLabel& label, double room) {
+    const QString text = contourText(label.elevation);
+    const QSizeF size = text_.sizeOf(text, style.font);
+    const QPointF centre = pixelOf(frame_.viewport, label.place);
+    // In steps: a turned text is drawn once and kept.
+    constexpr double kStep = 3.0;
+    const double degrees = std::round(degreesOf({label.direction.x, -label.direction.y}) / kStep) * kStep;
+    if (!placer_.place(centre, size + QSizeF(room, room / 2), degrees)) return;
+    text_.draw(painter_, centre, text, style, degrees);
+    named.insert(label.elevation);
+  };
+  // Index contours, the others where there is nothing else to go by.
+  for (const view::ContourLabel& label : contours)
+    if (label.isIndex == hasIndex) place(label, kRoom);
+  for (const view::ContourLabel& label : contours)
+    if (label.isIndex == hasIndex && !named.contains(label.elevation)) place(label, kLeastRoom);
 }
 
 void PlanLabels::labelPoints(std::span<const civil::Point* const> points) {

@@ -12,6 +12,9 @@ struct PlanLook {
   SurfaceLook surface = SurfaceLook::Relief;
   bool triangles = true;  ///< where they are large enough to be told apart
   bool border = true;     ///< of surfaces
+  /// Of the selected surface; where none is selected, of the last one that shows.
+  bool contours = false;
+  double contourInterval = 0.0;  ///< drawing units; 0: by the scale
   bool alignments = true;
   bool stations = true;  ///< ticks along alignments and their labels
   bool sampleLines = true;

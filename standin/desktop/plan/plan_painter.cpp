@@ -16,6 +16,7 @@
 #include "desktop/plan/plan_colours.h"
 #include "desktop/plan/plan_furniture.h"
 #include "desktop/plan/plan_labels.h"
+#include "desktop/plan/plan_tool.h"
 #include "view/alignment_shape.h"
 #include "view/lines.h"
 
@@ -132,12 +133,15 @@ PlanPainter::Result PlanPainter::paint(QPainter& painter, const Frame& frame, vi
   painter.fillRect(area, colours.ground);
 
   Result result;
-  if (frame.look.surface != SurfaceLook::None) {
+  std::vector<view::ContourLabel> contourLabels;
+  if (frame.look.surface != SurfaceLook::None || frame.look.contours) {
     GroundPainter ground(painter, frame, cache, tiles == Tiles::AllNow);
     result.isSharp = ground.paint();
     result.wanted = ground.takeWanted();
     result.wantedBytes = ground.wantedBytes();
+    contourLabels = ground.contourLabels();
   }
+  if (frame.groundOverlay != nullptr) frame.groundOverlay->paint(painter, frame.viewport, colours);
   painter.setRenderHint(QPainter::Antialiasing);
   preparePoints(frame);
   // Dots by the thousand would hide the roads; crosses are few and belong on top.
@@ -155,7 +159,9 @@ PlanPainter::Result PlanPainter::paint(QPainter& painter, const Frame& frame, vi
   std::optional<PlanFurniture::Heights> heights;
   if (frame.look.surface == SurfaceLook::Heights) {
     for (const view::SurfaceShape& shape : frame.scene.surfaces()) {
-      if (shape.box.isEmpty() || !shape.tiles || !view::meet(shape.box, frame.viewport.visible())) continue;
+      if (shape.box.isEmpty() || !shape.tiles || !view::meet(shape.box, frame.viewport.visible()) ||
+          frame.scene.isHidden(shape.object->handle))
+        continue;
       heights.emplace();
       heights->least = shape.tiles->lowElevation();
       heights->most = shape.tiles->highElevation();
@@ -170,10 +176,27 @@ PlanPainter::Result PlanPainter::paint(QPainter& painter, const Frame& frame, vi
   text_.allowFresh(tiles == Tiles::AllNow ? std::numeric_limits<int>::max() : kFreshLabels);
   LabelPlacer placer(area);
   for (const QRectF& place : furniture.places()) placer.reserve(place);
-  PlanLabels(painter, frame, text_, placer).paint(isCrowded_ ? std::span<const civil::Point* const>() : points_.points);
+  PlanLabels(painter, frame, text_, placer)
+      .paint(isCrowded_ ? std::span<const civil::Point* const>() : points_.points, contourLabels);
   furniture.paint(painter, colours);
   result.isUnfinished = text_.isWaiting();
   return result;
+}
+
+void PlanPainter::paintOnPaper(QPainter& painter, const Frame& frame, const std::vector<view::ContourLabel>& contours) {
+  find(frame.scene);
+  painter.setRenderHint(QPainter::Antialiasing);
+  text_.drawAsText(true);
+  isOnPaper_ = true;
+  preparePoints(frame);
+  if (isCrowded_) paintPoints(painter, frame);
+  paintLines(painter, frame);
+  if (!isCrowded_) paintPoints(painter, frame);
+  LabelPlacer placer(QRectF(0, 0, frame.viewport.width(), frame.viewport.height()));
+  PlanLabels(painter, frame, text_, placer)
+      .paint(isCrowded_ ? std::span<const civil::Point* const>() : points_.points, contours);
+  isOnPaper_ = false;
+  text_.drawAsText(false);
 }
 
 void PlanPainter::paintEmpty(QPainter& painter, const QRectF& area, const PlanLook& look, const QFont& font,
@@ -206,10 +229,12 @@ void PlanPainter::paintLines(QPainter& painter, const Frame& frame) {
   if (frame.look.border) {
     painter.setPen(roundPen(colours.border, 1.4));
     for (const view::SurfaceShape& shape : frame.scene.surfaces())
-      drawLines(painter, viewport, shown(shape.border, visible, kBorderTolerance / viewport.scale()));
+      if (!frame.scene.isHidden(shape.object->handle))
+        drawLines(painter, viewport, shown(shape.border, visible, kBorderTolerance / viewport.scale()));
   }
   if (frame.look.corridors) {
     for (const view::CorridorShape& shape : frame.scene.corridors()) {
+      if (frame.scene.isHidden(shape.object->handle)) continue;
       const view::Lines edges = shown(shape.edges, visible, 2 * tolerance);
       if (viewport.scale() > kLeastHaloScale) {
         painter.setPen(roundPen(withAlpha(colours.ground, 150), 3.4));
@@ -222,7 +247,7 @@ void PlanPainter::paintLines(QPainter& painter, const Frame& frame) {
   if (frame.look.sampleLines) {
     QList<QLineF> pixels;
     for (const view::SampleLineShape& shape : frame.scene.sampleLines()) {
-      if (!view::meet(shape.box, visible)) continue;
+      if (!view::meet(shape.box, visible) || frame.scene.isHidden(shape.line->handle)) continue;
       const std::vector<Vec2>& vertices = shape.line->vertices;
       for (std::size_t index = 1; index < vertices.size(); ++index)
         pixels.push_back(QLineF(pixelOf(viewport, vertices[index - 1]), pixelOf(viewport, vertices[index])));
@@ -232,7 +257,7 @@ void PlanPainter::paintLines(QPainter& painter, const Frame& frame) {
   }
   if (!frame.look.alignments) return;
   for (const view::AlignmentShape& shape : frame.scene.alignments()) {
-    if (!view::meet(shape.box, visible)) continue;
+    if (!view::meet(shape.box, visible) || frame.scene.isHidden(shape.object->handle)) continue;
     const view::Lines lines = view::polylines(shape.object->geometry, visible, tolerance);
     painter.setPen(roundPen(withAlpha(colours.ground, 170), 4.4));
     drawLines(painter, viewport, lines);
@@ -265,7 +290,7 @@ void PlanPainter::preparePoints(const Frame& frame) {
 
 void PlanPainter::paintPoints(QPainter& painter, const Frame& frame) {
   const PlanColours& colours = planColours(frame.look.dark);
-  const Stamp stamp(12.0, painter.device()->devicePixelRatioF(), [&](QPainter& mark) {
+  const auto draw = [&](QPainter& mark) {
     if (isCrowded_) {
       mark.setPen(Qt::NoPen);
       mark.setBrush(withAlpha(colours.ground, 200));
@@ -280,7 +305,17 @@ void PlanPainter::paintPoints(QPainter& painter, const Frame& frame) {
       mark.drawLine(QLineF(-3, -3, 3, 3));
       mark.drawLine(QLineF(-3, 3, 3, -3));
     }
-  });
+  };
+  if (isOnPaper_) {
+    for (const civil::Point* const one : points_.points) {
+      const QPointF at = pixelOf(frame.viewport, {one->position.x, one->position.y});
+      painter.translate(at);
+      draw(painter);
+      painter.translate(-at);
+    }
+    return;
+  }
+  const Stamp stamp(12.0, painter.device()->devicePixelRatioF(), draw);
   for (const civil::Point* const one : points_.points)
     stamp.at(painter, pixelOf(frame.viewport, {one->position.x, one->position.y}));
 }
@@ -337,6 +372,7 @@ void PlanPainter::paintHover(QPainter& painter, const Frame& frame, Handle handl
 
 void PlanPainter::paintObject(QPainter& painter, const Frame& frame, Handle handle, const QColor& colour,
                               double width) {
+  if (frame.scene.isHidden(handle)) return;
   const Viewport& viewport = frame.viewport;
   const Box visible = seen(viewport);
   const double tolerance = kLineTolerance / viewport.scale();

@@ -41,6 +41,9 @@ class PlanPainter {
 
   /// The plan with its ground colour, selection, labels and furniture over the whole of the frame's viewport.
   Result paint(QPainter& painter, const Frame& frame, view::TileCache& cache, Tiles tiles);
+  /// Lines, points and texts of a frame alone, without ground and furniture, as lines and texts that can be printed at any
+  /// size.
+  void paintOnPaper(QPainter& painter, const Frame& frame, const std::vector<view::ContourLabel>& contours);
   /// One object over a painted frame, as under the mouse.
   void paintHover(QPainter& painter, const Frame& frame, civil::Handle handle);
   /// Whether points are mere dots in the last frame, for want of room.
@@ -72,6 +75,7 @@ class PlanPainter {
   /// Those of this frame.
   view::VisiblePoints points_;
   bool isCrowded_ = false;
+  bool isOnPaper_ = false;
 };
 
 }  // namespace lvx::desktop

@@ -19,6 +19,7 @@
 #include "desktop/common/scheme.h"
 #include "desktop/plan/object_names.h"
 #include "desktop/plan/plan_colours.h"
+#include "desktop/plan/plan_gestures.h"
 #include "desktop/plan/plan_pointer.h"
 
 namespace lvx::desktop {
@@ -30,8 +31,8 @@ using civil::Vec2;
 
 namespace {
 
-constexpr double kZoomStep = 1.25;
-constexpr double kWheelClick = 120.0;
+/// Movements nearer to one another are one view to go back to; milliseconds.
+constexpr qint64 kOneMove = 600;
 /// Of the window, for an arrow key.
 constexpr double kKeyPan = 1.0 / 8.0;
 /// Of the window, around an object that is shown alone.
@@ -58,6 +59,7 @@ PlanView::PlanView(QWidget* parent)
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMinimumSize(200, 150);
   setAccessibleName(tr("Plan"));
+  grabGesture(Qt::PinchGesture);
   tileTime_.setSingleShot(true);
   connect(&tileTime_, &QTimer::timeout, this, &PlanView::invalidate);
 }
@@ -67,6 +69,7 @@ PlanView::~PlanView() { tiles_.setScene(nullptr); }
 // ---------------------------------------------------------------- what shows
 
 void PlanView::setScene(std::shared_ptr<view::PlanScene> scene) {
+  endZoomRectangle();
   cancelInteraction();
   endPull(false);
   handles_.clear();
@@ -78,6 +81,8 @@ void PlanView::setScene(std::shared_ptr<view::PlanScene> scene) {
   selected_.clear();
   painter_.clear();
   zoomToAll();
+  history_.begin(place());
+  Q_EMIT viewsChanged();
   invalidate();
 }
 
@@ -95,10 +100,18 @@ void PlanView::setLook(const PlanLook& look) {
   invalidate();
 }
 
+void PlanView::setVisibility(const view::Visibility& visibility) {
+  if (!scene_) return;
+  scene_->setVisibility(visibility);
+  hovered_.reset();
+  pile_.reset();
+  invalidate();
+}
+
 void PlanView::zoomToAll() {
   showsAll_ = true;
   if (scene_) viewport_.show(scene_->box());
-  viewChanged();
+  viewChanged(Step::New);
 }
 
 void PlanView::zoomTo(Handle handle) {
@@ -107,15 +120,85 @@ void PlanView::zoomTo(Handle handle) {
   if (!box || box->isEmpty()) return;
   showsAll_ = false;
   viewport_.show(view::withLeastExtent(*box, kLeastExtent), kZoomMargin);
-  viewChanged();
+  viewChanged(Step::New);
+}
+
+void PlanView::zoomToBox(const Box& box) {
+  if (!scene_ || !(box.maxX > box.minX) || !(box.maxY > box.minY)) return;
+  showsAll_ = false;
+  viewport_.show(box, 0.0);
+  viewChanged(Step::New);
 }
 
 void PlanView::setPlace(const Place& place) {
   if (place.showsAll) return zoomToAll();
-  showsAll_ = false;
+  takePlace(place);
+  viewChanged(Step::New);
+}
+
+void PlanView::takePlace(const Place& place) {
+  showsAll_ = place.showsAll;
+  if (showsAll_ && scene_) return viewport_.show(scene_->box());
   viewport_.setScale(place.scale);
   viewport_.setCentre(place.centre);
-  viewChanged();
+}
+
+void PlanView::showPreviousView() {
+  if (!scene_ || !history_.hasBefore()) return;
+  takePlace(history_.back());
+  viewChanged(Step::Resized);
+  Q_EMIT viewsChanged();
+}
+
+void PlanView::showNextView() {
+  if (!scene_ || !history_.hasNext()) return;
+  takePlace(history_.forth());
+  viewChanged(Step::Resized);
+  Q_EMIT viewsChanged();
+}
+
+void PlanView::startZoomRectangle() {
+  if (!scene_) return;
+  endPull(false);
+  press_.reset();
+  hovered_.reset();
+  pile_.reset();
+  zoomRectangle_.begin();
+  setFocus(Qt::OtherFocusReason);
+  showCursor();
+  update();
+}
+
+void PlanView::endZoomRectangle() {
+  if (!zoomRectangle_.isBegun()) return;
+  zoomRectangle_.end();
+  showCursor();
+  update();
+}
+
+bool PlanView::drawZoomRectangle(QMouseEvent* event) {
+  const bool isLeft = event->button() == Qt::LeftButton;
+  const bool isPress = event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
+  if (isPress && isLeft && event->modifiers() == Qt::ControlModifier && !corner_) startZoomRectangle();
+  if (!zoomRectangle_.isBegun() || panFrom_) return false;
+  std::optional<Box> box;
+  if (isPress && isLeft) {
+    box = zoomRectangle_.press(event->position(), viewport_);
+  } else if (isPress && event->button() == Qt::RightButton) {
+    answeredByMenuButton_ = true;
+    endZoomRectangle();
+  } else if (event->type() == QEvent::MouseMove) {
+    zoomRectangle_.move(event->position(), viewport_);
+    Q_EMIT mouseAt(point(viewport_.toDrawing(vec(event->position()))));
+  } else if (event->type() == QEvent::MouseButtonRelease && isLeft) {
+    box = zoomRectangle_.release(event->position(), viewport_);
+  } else {
+    return false;
+  }
+  showCursor();
+  update();
+  if (box) zoomToBox(*box);
+  return true;
 }
 
 void PlanView::zoomIn() { zoomAt(zoomPlace(), kZoomStep); }
@@ -231,6 +314,7 @@ void PlanView::start(Mode mode) {
 
 void PlanView::endInteraction() {
   mode_ = Mode::None;
+  tool_ = nullptr;
   corner_.reset();
   press_.reset();
   hovered_.reset();
@@ -243,11 +327,43 @@ void PlanView::endInteraction() {
 
 void PlanView::cancelInteraction() {
   if (mode_ == Mode::None) return;
+  PlanTool* const tool = tool_;
   endInteraction();
-  Q_EMIT gaveUp();
+  if (tool != nullptr)
+    tool->ended();
+  else
+    Q_EMIT gaveUp();
+}
+
+void PlanView::startTool(PlanTool& tool) {
+  cancelInteraction();
+  tool_ = &tool;
+  start(Mode::Tool);
+}
+
+void PlanView::endTool(const PlanTool& tool) {
+  if (tool_ == &tool) endInteraction();
+}
+
+void PlanView::setGroundOverlay(const PlanOverlay* overlay) {
+  groundOverlay_ = overlay;
+  invalidate();
+}
+
+void PlanView::refreshGroundOverlay() { invalidate(); }
+
+void PlanView::addOverlay(const PlanOverlay& overlay) {
+  overlays_.push_back(&overlay);
+  update();
+}
+
+void PlanView::removeOverlay(const PlanOverlay& overlay) {
+  std::erase(overlays_, &overlay);
+  update();
 }
 
 void PlanView::finishInteraction() {
+  if (mode_ == Mode::Tool) tool_->finished();
   if (mode_ != Mode::Select) return;
   const std::vector<Handle> handles = selection_.handles();
   endInteraction();
@@ -271,7 +387,10 @@ void PlanView::setRemoving(bool removing) {
   Q_EMIT promptChanged(prompt());
 }
 
-const QString& PlanView::prompt() const { return isRemoving_ ? removePrompt_ : addPrompt_; }
+QString PlanView::prompt() const {
+  if (mode_ == Mode::Tool) return tool_->prompt();
+  return isRemoving_ ? removePrompt_ : addPrompt_;
+}
 
 void PlanView::take(std::span<const Handle> handles, bool remove) {
   if (remove)
@@ -295,6 +414,7 @@ QPointF PlanView::cornerPixel() const { return point(viewport_.toPixels(*corner_
 // ---------------------------------------------------------------- what lies under the mouse
 
 std::optional<view::KindSet> PlanView::kinds() const {
+  if (mode_ == Mode::Tool) return std::nullopt;
   const std::array shown{
       std::pair(ObjectKind::Alignment, look_.alignments),
       std::pair(ObjectKind::SampleLine, look_.sampleLines),
@@ -359,6 +479,7 @@ void PlanView::showNextBelow() {
 void PlanView::hover(QPointF place) {
   const Handle before = hovered_ ? hovered_->handle : 0;
   hovered_.reset();
+  if (zoomRectangle_.isBegun()) return;
   if (!isOnPile(place)) pile_.reset();
   if (!corner_) hovered_ = meantAt(place);
   isOnSeveral_ = mode_ == Mode::Pick && (pile_ || pileAt(place).size() > 1);
@@ -386,6 +507,13 @@ void PlanView::clickAt(QPointF place, Qt::KeyboardModifiers modifiers) {
       endInteraction();
       Q_EMIT picked(hit->handle);
       return;
+    case Mode::Tool: {
+      const QString before = prompt();
+      tool_->clicked(viewport_.toDrawing(vec(place)), toolReach());
+      update();
+      if (mode_ == Mode::Tool && prompt() != before) Q_EMIT promptChanged(prompt());
+      return;
+    }
     case Mode::Select:
       if (corner_)
         endRectangle(place, modifiers);
@@ -404,6 +532,7 @@ void PlanView::clickAt(QPointF place, Qt::KeyboardModifiers modifiers) {
 void PlanView::mousePressEvent(QMouseEvent* event) {
   const QPointF place = event->position();
   mouse_ = place;
+  if (drawZoomRectangle(event)) return;
   if (event->button() == Qt::MiddleButton) {
     panFrom_ = place;
     showCursor();
@@ -423,7 +552,7 @@ void PlanView::mousePressEvent(QMouseEvent* event) {
     answeredByMenuButton_ = mode_ != Mode::None;
     if (mode_ == Mode::Pick)
       cancelInteraction();
-    else if (mode_ == Mode::Select)
+    else if (mode_ != Mode::None)
       finishInteraction();
     else
       event->ignore();
@@ -435,6 +564,7 @@ void PlanView::mousePressEvent(QMouseEvent* event) {
 void PlanView::mouseMoveEvent(QMouseEvent* event) {
   const QPointF place = event->position();
   mouse_ = place;
+  if (drawZoomRectangle(event)) return;
   if (panFrom_) {
     panBy(place - *panFrom_);
     panFrom_ = place;
@@ -461,11 +591,13 @@ void PlanView::mouseMoveEvent(QMouseEvent* event) {
     hover(place);
     if (mode_ == Mode::None && !handles_.empty()) showCursor();
   }
-  if (corner_) update();
+  if (mode_ == Mode::Tool) tool_->moved(viewport_.toDrawing(vec(place)), toolReach());
+  if (corner_ || mode_ == Mode::Tool) update();
   Q_EMIT mouseAt(point(viewport_.toDrawing(vec(place))));
 }
 
 void PlanView::mouseReleaseEvent(QMouseEvent* event) {
+  if (drawZoomRectangle(event)) return;
   if (event->button() == Qt::MiddleButton) {
     panFrom_.reset();
     showCursor();
@@ -490,6 +622,7 @@ void PlanView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void PlanView::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (drawZoomRectangle(event)) return;
   if (event->button() == Qt::MiddleButton) {
     panFrom_.reset();
     showCursor();
@@ -497,6 +630,9 @@ void PlanView::mouseDoubleClickEvent(QMouseEvent* event) {
   } else if (event->button() == Qt::LeftButton && mode_ == Mode::None) {
     // The first of the two clicks was told already.
     if (const std::optional<view::Hit> hit = hitAt(event->position())) Q_EMIT activated(hit->handle);
+  } else if (event->button() == Qt::LeftButton && mode_ == Mode::Tool) {
+    tool_->doubleClicked(viewport_.toDrawing(vec(event->position())), toolReach());
+    update();
   } else {
     // While something is asked, two fast clicks are two clicks.
     mousePressEvent(event);
@@ -504,17 +640,38 @@ void PlanView::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void PlanView::wheelEvent(QWheelEvent* event) {
-  const double clicks = event->angleDelta().y() / kWheelClick;
-  if (clicks == 0.0) {
-    event->ignore();
-    return;
-  }
   mouse_ = event->position();
-  zoomAt(event->position(), std::pow(kZoomStep, clicks));
-  event->accept();
+  event->setAccepted(move(event));
+}
+
+bool PlanView::move(QEvent* event) {
+  const std::optional<PlanMotion> motion = motionOf(*event, *this);
+  if (!motion) return false;
+  showsAll_ = false;
+  if (motion->factor != 1.0) viewport_.zoomAt(vec(motion->place), motion->factor);
+  if (!motion->pan.isNull()) viewport_.panBy(vec(motion->pan));
+  viewChanged(Step::GoesOn);
+  return true;
 }
 
 bool PlanView::event(QEvent* event) {
+  if (event->type() == QEvent::NativeGesture || event->type() == QEvent::Gesture) {
+    // Of two fingers the first was a press before the second came: nothing that it began goes on.
+    press_.reset();
+    if (move(event)) {
+      event->accept();
+      return true;
+    }
+  }
+  const bool isPress = event->type() == QEvent::KeyPress;
+  if (mode_ == Mode::Tool && (isPress || event->type() == QEvent::ShortcutOverride) &&
+      tool_->takesKey(*static_cast<QKeyEvent*>(event), isPress)) {
+    event->accept();
+    return true;
+  }
+  if (event->type() == QEvent::ShortcutOverride && zoomRectangle_.isBegun() &&
+      static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape)
+    event->accept();
   // While something is asked its keys belong here, whatever shortcuts the window has.
   if (event->type() == QEvent::ShortcutOverride && pull_ && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape)
     event->accept();
@@ -526,6 +683,7 @@ bool PlanView::event(QEvent* event) {
       case Qt::Key_R:
       case Qt::Key_A:
       case Qt::Key_Space:
+      case Qt::Key_Backspace:
         if ((static_cast<QKeyEvent*>(event)->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier) event->accept();
         break;
       default:
@@ -540,13 +698,25 @@ void PlanView::keyPressEvent(QKeyEvent* event) {
   const double down = height() * kKeyPan;
   switch (event->key()) {
     case Qt::Key_Escape:
+      if (zoomRectangle_.isBegun()) {
+        if (!zoomRectangle_.back()) endZoomRectangle();
+        return update();
+      }
       if (pull_) return endPull(false);
       if (mode_ == Mode::None) return event->ignore();
       return cancelInteraction();
     case Qt::Key_Return:
     case Qt::Key_Enter:
-      if (mode_ != Mode::Select) return event->ignore();
+      if (mode_ != Mode::Select && mode_ != Mode::Tool) return event->ignore();
       return finishInteraction();
+    case Qt::Key_Backspace: {
+      if (mode_ != Mode::Tool) return event->ignore();
+      const QString before = prompt();
+      tool_->back();
+      update();
+      if (mode_ == Mode::Tool && prompt() != before) Q_EMIT promptChanged(prompt());
+      return;
+    }
     case Qt::Key_R:
     case Qt::Key_A:
       if (mode_ != Mode::Select || (event->modifiers() & Qt::ControlModifier) != 0) return event->ignore();
@@ -585,6 +755,7 @@ void PlanView::leaveEvent(QEvent* event) {
   QWidget::leaveEvent(event);
   mouse_.reset();
   hovered_.reset();
+  if (mode_ == Mode::Tool) tool_->left();
   update();
   Q_EMIT mouseGone();
 }
@@ -608,7 +779,7 @@ void PlanView::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
   viewport_.resize(width(), height());
   if (showsAll_ && scene_) viewport_.show(scene_->box());
-  viewChanged();
+  viewChanged(Step::Resized);
 }
 
 // ---------------------------------------------------------------- moving about
@@ -616,18 +787,34 @@ void PlanView::resizeEvent(QResizeEvent* event) {
 void PlanView::panBy(QPointF pixels) {
   showsAll_ = false;
   viewport_.panBy(vec(pixels));
-  viewChanged();
+  viewChanged(Step::GoesOn);
 }
 
 void PlanView::zoomAt(QPointF place, double factor) {
   showsAll_ = false;
   viewport_.zoomAt(vec(place), factor);
-  viewChanged();
+  viewChanged(Step::GoesOn);
 }
 
 QPointF PlanView::zoomPlace() const { return mouse_ ? *mouse_ : QRectF(rect()).center(); }
 
-void PlanView::viewChanged() {
+void PlanView::note(Step step) {
+  const std::pair before(history_.hasBefore(), history_.hasNext());
+  const bool isFresh = !sinceMove_.isValid() || sinceMove_.elapsed() > kOneMove;
+  if (step == Step::Resized)
+    history_.adjust(place());
+  else
+    history_.note(place(), step == Step::New || isFresh);
+  // A move right behind a jump is another view.
+  if (step == Step::GoesOn)
+    sinceMove_.start();
+  else
+    sinceMove_.invalidate();
+  if (before != std::pair(history_.hasBefore(), history_.hasNext())) Q_EMIT viewsChanged();
+}
+
+void PlanView::viewChanged(Step step) {
+  note(step);
   pile_.reset();
   if (mouse_ && !panFrom_ && !(press_ && press_->pans)) hover(*mouse_);
   invalidate();
@@ -641,6 +828,8 @@ void PlanView::invalidate() {
 void PlanView::showCursor() {
   if (panFrom_ || (press_ && press_->pans))
     setCursor(Qt::ClosedHandCursor);
+  else if (zoomRectangle_.isBegun())
+    setCursor(Qt::CrossCursor);
   else if (mode_ != Mode::None)
     setCursor(pickCursor(devicePixelRatioF()));
   else if (pull_ || (mouse_ && handleAt(*mouse_)))
@@ -664,8 +853,9 @@ PlanPainter::Frame PlanView::frame() const {
   return {.scene = *scene_,
           .viewport = viewport_,
           .look = look_,
-          .selected = mode_ == Mode::Select ? &selection_ : &selected_,
+          .selected = &shownSelection(),
           .preview = preview_.get(),
+          .groundOverlay = groundOverlay_,
           .font = font()};
 }
 
@@ -678,9 +868,18 @@ void PlanView::paintBase() {
   PlanPainter::Result result = painter_.paint(painter, frame(), tiles_.cache(), PlanPainter::Tiles::AsThere);
   isSharp_ = result.isSharp && !result.isUnfinished;
   isBaseCurrent_ = true;
+  hoverOf_ = 0;
   if (result.isUnfinished) QTimer::singleShot(0, this, &PlanView::invalidate);
   tiles_.makeRoom(result.wantedBytes + result.wantedBytes / 4);
   tiles_.want(std::move(result.wanted));
+}
+
+void PlanView::paintHoverBase() {
+  if (hoverOf_ == hovered_->handle) return;
+  hoverOf_ = hovered_->handle;
+  hoverBase_ = base_.copy();
+  QPainter painter(&hoverBase_);
+  painter_.paintHover(painter, frame(), hovered_->handle);
 }
 
 void PlanView::paintEvent(QPaintEvent* event) {
@@ -693,13 +892,30 @@ void PlanView::paintEvent(QPaintEvent* event) {
     isSharp_ = true;
   } else {
     if (!isBaseCurrent_) paintBase();
-    painter.drawImage(0, 0, base_);
-    if (hovered_) painter_.paintHover(painter, frame(), hovered_->handle);
+    if (hovered_) paintHoverBase();
+    painter.drawImage(0, 0, hovered_ ? hoverBase_ : base_);
     if (mode_ == Mode::None) paintHandles(painter);
+    paintOverlays(painter);
   }
   if (corner_ && mouse_) paintRectangle(painter);
+  zoomRectangle_.paint(painter, viewport_, planColours(look_.dark));
   if (hasFocus()) paintFocus(painter, rect(), palette());
   paintPointerBox(painter);
+}
+
+double PlanView::toolReach() const { return kPickRadius / viewport_.scale(); }
+
+void PlanView::paintOverlays(QPainter& painter) const {
+  const PlanColours& colours = planColours(look_.dark);
+  for (const PlanOverlay* const overlay : overlays_) {
+    painter.save();
+    overlay->paint(painter, viewport_, colours);
+    painter.restore();
+  }
+  if (tool_ == nullptr) return;
+  painter.save();
+  tool_->paint(painter, viewport_, colours);
+  painter.restore();
 }
 
 void PlanView::paintRectangle(QPainter& painter) const {
@@ -717,8 +933,10 @@ QString PlanView::titleOf(ObjectKind kind, const QString& name) {
 }
 
 QStringList PlanView::pointerBox() const {
+  if (zoomRectangle_.isBegun()) return {zoomRectangle_.prompt(), ZoomRectangle::hint()};
   QStringList lines;
   if (mode_ != Mode::None && !prompt().isEmpty()) lines << prompt();
+  if (mode_ == Mode::Tool) lines << tool_->readout();
   if (mode_ == Mode::Select) {
     lines << tr("%1 selected").arg(selection_.size());
   }
@@ -731,9 +949,11 @@ QStringList PlanView::pointerBox() const {
 }
 
 QString PlanView::pointerHint() const {
+  if (zoomRectangle_.isBegun()) return ZoomRectangle::hint();
   if (mode_ == Mode::Pick) {
     return mouse_ && isOnSeveral_ ? tr("Space: the next below, Esc: back") : tr("Here or in the tree, Esc: back");
   }
+  if (mode_ == Mode::Tool) return tool_->hint();
   if (mode_ != Mode::Select) return {};
   if (corner_) return mouse_ && mouse_->x() < cornerPixel().x() ? tr("Inside and touched") : tr("Wholly inside");
   if (isRemoving_) return tr("A adds again, Enter ends");
@@ -742,7 +962,7 @@ QString PlanView::pointerHint() const {
 
 void PlanView::paintPointerBox(QPainter& painter) const {
   const PointerBox box{.lines = pointerBox(),
-                       .hasPrompt = mode_ != Mode::None && !prompt().isEmpty(),
+                       .hasPrompt = zoomRectangle_.isBegun() || (mode_ != Mode::None && !prompt().isEmpty()),
                        .hasHint = !pointerHint().isEmpty()};
   if (box.lines.isEmpty() || panFrom_ || (press_ && press_->pans)) return;
   if (!mouse_ && mode_ == Mode::None) return;

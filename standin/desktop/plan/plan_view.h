@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QImage>
 #include <QList>
 #include <QPointF>
@@ -16,7 +17,10 @@
 #include "desktop/plan/plan_look.h"
 #include "desktop/plan/plan_painter.h"
 #include "desktop/plan/plan_selection.h"
+#include "desktop/plan/plan_tool.h"
 #include "desktop/plan/tile_worker.h"
+#include "desktop/plan/view_history.h"
+#include "desktop/plan/zoom_rectangle.h"
 #include "view/plan_scene.h"
 #include "view/viewport.h"
 
@@ -44,9 +48,14 @@ class PlanView : public QWidget {
   /// Shows all of the scene; null: nothing is shown. Ends a running interaction as Escape does. When it returns, nothing
   /// looks at the scene before, or at its drawing, any more.
   void setScene(std::shared_ptr<view::PlanScene> scene);
+  /// Null where nothing is shown.
+  [[nodiscard]] const std::shared_ptr<view::PlanScene>& scene() const { return scene_; }
   /// The scene's corridors, or its lists, were refreshed.
   void refresh();
   void setLook(const PlanLook& look);
+  /// Which objects aren't drawn, named or hit, selected or not; of the scene that is shown, and nothing is hidden in the
+  /// next one.
+  void setVisibility(const view::Visibility& visibility);
   [[nodiscard]] const PlanLook& look() const { return look_; }
 
   void zoomToAll();
@@ -54,15 +63,23 @@ class PlanView : public QWidget {
   void zoomIn();
   void zoomOut();
   /// The part of the drawing that shows.
-  struct Place {
-    civil::Vec2 centre;
-    double scale = 1.0;
-    bool showsAll = true;
-  };
+  using Place = PlanPlace;
   [[nodiscard]] Place place() const { return {viewport_.centre(), viewport_.scale(), showsAll_}; }
   void setPlace(const Place& place);
+  /// Shows a part of the drawing as large as it goes; a box without extent changes nothing.
+  void zoomToBox(const civil::Box& box);
+  /// The views before, one after the other, and back again; a drag or a turn of the wheel is one of them.
+  void showPreviousView();
+  void showNextView();
+  [[nodiscard]] bool hasPreviousView() const { return history_.hasBefore(); }
+  [[nodiscard]] bool hasNextView() const { return history_.hasNext(); }
+  /// The user draws a rectangle, once, whatever else is asked, which goes on behind it. Ctrl and a drag does the same.
+  void startZoomRectangle();
+  [[nodiscard]] bool isZoomingToRectangle() const { return zoomRectangle_.isBegun(); }
   /// Highlights objects, whoever chose them; unknown handles are passed over.
   void setSelected(const std::vector<civil::Handle>& handles);
+  /// What is drawn as selected: while a command asks for objects, those that it has so far.
+  [[nodiscard]] const PlanSelection& shownSelection() const { return mode_ == Mode::Select ? selection_ : selected_; }
 
   /// Lines that would be made, over the plan; null: none.
   void setPreview(std::shared_ptr<const view::LineSet> lines);
@@ -76,6 +93,20 @@ class PlanView : public QWidget {
   void startPick(const QString& prompt);
   /// Ends with selected() or gaveUp(). Only objects of one kind can be selected, if asked for.
   void startSelection(const QString& addPrompt, const QString& removePrompt, std::optional<civil::ObjectKind> only);
+  /// Gives the plan's clicks to a tool until endTool(), or until something else ends it, which is told by its ended().
+  /// The tool outlives its work here.
+  void startTool(PlanTool& tool);
+  /// Without a word to it; nothing happens where the tool isn't at work.
+  void endTool(const PlanTool& tool);
+  [[nodiscard]] bool isAtWork(const PlanTool& tool) const { return tool_ == &tool; }
+  /// Painted over the ground and below the plan's lines, null: none. Kept with the plan's picture: refreshGroundOverlay()
+  /// has it painted anew. The overlay outlives that.
+  void setGroundOverlay(const PlanOverlay* overlay);
+  void refreshGroundOverlay();
+  [[nodiscard]] const PlanOverlay* groundOverlay() const { return groundOverlay_; }
+  /// Painted over the plan, in the order of their coming, until it is taken away. The overlay outlives that.
+  void addOverlay(const PlanOverlay& overlay);
+  void removeOverlay(const PlanOverlay& overlay);
   /// Picked elsewhere while a pick runs; a running selection takes it too if it is of its kind. Otherwise nothing happens.
   void offerPick(civil::Handle handle);
   /// As Escape; nothing happens where none runs.
@@ -112,6 +143,8 @@ class PlanView : public QWidget {
   void menuWanted(quint64 handle, QPointF place, QPoint global);
   /// What the user is asked; empty when the interaction ends.
   void promptChanged(const QString& prompt);
+  /// hasPreviousView() or hasNextView() is another one.
+  void viewsChanged();
 
  protected:
   bool event(QEvent* event) override;
@@ -129,7 +162,7 @@ class PlanView : public QWidget {
   void changeEvent(QEvent* event) override;
 
  private:
-  enum class Mode : std::uint8_t { None, Pick, Select };
+  enum class Mode : std::uint8_t { None, Pick, Select, Tool };
   /// A left button that went down and hasn't come up yet.
   struct Press {
     QPointF place;
@@ -141,7 +174,7 @@ class PlanView : public QWidget {
   void start(Mode mode);
   void endInteraction();
   void setRemoving(bool removing);
-  [[nodiscard]] const QString& prompt() const;
+  [[nodiscard]] QString prompt() const;
 
   /// What can be hit now; empty for nothing.
   [[nodiscard]] std::optional<view::KindSet> kinds() const;
@@ -163,15 +196,27 @@ class PlanView : public QWidget {
   /// The last line beside the pointer: what could be done now.
   [[nodiscard]] QString pointerHint() const;
 
+  void endZoomRectangle();
+  /// Whether the rectangle to zoom to took the event.
+  bool drawZoomRectangle(QMouseEvent* event);
+
   void panBy(QPointF pixels);
   void zoomAt(QPointF place, double factor);
   [[nodiscard]] QPointF zoomPlace() const;
-  void viewChanged();
+  /// A step of the history of its own, the one before gone on, or the present one shown otherwise.
+  enum class Step : std::uint8_t { New, GoesOn, Resized };
+  void viewChanged(Step step);
+  void note(Step step);
+  void takePlace(const PlanPlace& place);
+  bool move(QEvent* event);
   void invalidate();
   void showCursor();
   void tileArrived();
   [[nodiscard]] PlanPainter::Frame frame() const;
   void paintBase();
+  void paintHoverBase();
+  [[nodiscard]] double toolReach() const;
+  void paintOverlays(QPainter& painter) const;
   void paintRectangle(QPainter& painter) const;
   void paintPointerBox(QPainter& painter) const;
 
@@ -183,6 +228,10 @@ class PlanView : public QWidget {
   /// The plan without what moves with the mouse, so that a highlight costs a copy.
   QImage base_;
   bool isBaseCurrent_ = false;
+  /// The same with the object below the mouse highlighted: a road of ten kilometres takes longer to stroke than all else
+  /// that a move of the mouse costs.
+  QImage hoverBase_;
+  civil::Handle hoverOf_ = 0;
   bool isSharp_ = false;
   /// The view shows all and goes on doing so when it is resized, until the user moves it.
   bool showsAll_ = true;
@@ -215,6 +264,15 @@ class PlanView : public QWidget {
   std::optional<Pull> pull_;
   /// The right button went down for an answer, not for a menu.
   bool answeredByMenuButton_ = false;
+
+  ViewHistory history_;
+  /// Since the view moved last.
+  QElapsedTimer sinceMove_;
+  ZoomRectangle zoomRectangle_;
+
+  PlanTool* tool_ = nullptr;  ///< while the mode is Tool
+  std::vector<const PlanOverlay*> overlays_;
+  const PlanOverlay* groundOverlay_ = nullptr;
 
   Mode mode_ = Mode::None;
   QString addPrompt_;

@@ -4,6 +4,8 @@
 #include <new>
 #include <utility>
 
+#include "desktop/plan/tile_drawing.h"
+
 namespace lvx::desktop {
 
 using view::TileKey;
@@ -74,7 +76,7 @@ void TileWorker::run() {
     std::shared_ptr<const view::Tile> tile;
     bool isShort = false;
     try {
-      tile = tiles.render(key.address, key.look, &cancel_);
+      tile = drawTile(tiles, key.address, key.look, &cancel_);
     } catch (const std::bad_alloc&) {
       isShort = true;
     }

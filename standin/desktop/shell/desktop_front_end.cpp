@@ -186,6 +186,8 @@ void DesktopFrontEnd::showHelp(const CString& topic) {
 
 void DesktopFrontEnd::showHelpContents() { help().showContents(); }
 
+void DesktopFrontEnd::showWindowHelp() { help().showWindowPage(); }
+
 void DesktopFrontEnd::closeHelp() { help_.reset(); }
 
 std::uint32_t DesktopFrontEnd::buttonFaceColour() { return faceColour(QApplication::palette()); }

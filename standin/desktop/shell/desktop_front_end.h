@@ -44,6 +44,8 @@ class DesktopFrontEnd final : public QObject, public runtime::FrontEnd, private 
                                                                        const std::vector<civil::Handle>& first);
   /// The help window at its first page, brought to the front.
   void showHelpContents();
+  /// The page on the window itself.
+  void showWindowHelp();
   void closeHelp();
 
   // ---- runtime::FrontEnd

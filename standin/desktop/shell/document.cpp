@@ -1,7 +1,6 @@
 #include "desktop/shell/document.h"
 
 #include <QFile>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
@@ -105,9 +104,7 @@ QString Document::path() const {
 
 void Document::askOpen() {
   if (isBusy()) return;
-  const QStringList chosen =
-      QFileDialog::getOpenFileNames(&at_.window, tr("Open a drawing"), recent_.folder(),
-                                    tr("LandXML drawings (*.xml *.landxml *.xml.gz *.zip);;All files (*)"));
+  const QStringList chosen = askDrawings(&at_.window, tr("Open a drawing"), recent_.folder());
   if (!chosen.isEmpty()) open(DrawingSources(chosen), FileOrder::AlignmentFirst);
 }
 
@@ -311,6 +308,7 @@ bool Document::saveTo(const QString& target) {
     return false;
   }
   Q_EMIT saved();
+  if (!isOwnName) Q_EMIT savedElsewhere(target);
   at_.console.print(tr("%1 is saved, %2.").arg(target, sizeText(files_.at(0).size())));
   recent_.remember(sources_);
   Q_EMIT stateChanged();

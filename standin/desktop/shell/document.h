@@ -89,6 +89,8 @@ class Document : public QObject {
   void letGo();
   void opened(const lvx::desktop::LoadedDrawing& drawing);
   void saved();
+  /// Beside saved(), once the drawing lies at another place than before.
+  void savedElsewhere(const QString& path);
   /// isBusy(), isOpen(), isChanged() or path() may be others.
   void stateChanged();
 

@@ -1,13 +1,13 @@
 #include "desktop/shell/drawing_composer.h"
 
 #include <QAction>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMenu>
 #include <QMessageBox>
 #include <functional>
 #include <utility>
 
+#include "desktop/common/file_boxes.h"
 #include "desktop/panels/drawing_tree.h"
 #include "desktop/panels/report_viewer.h"
 #include "desktop/shell/document.h"
@@ -24,8 +24,7 @@ bool DrawingComposer::has(civil::FileNumber file) const {
 
 void DrawingComposer::askAdd() {
   if (document_.isBusy()) return;
-  add(QFileDialog::getOpenFileNames(&window_, tr("Add to the drawing"), recent_.folder(),
-                                    tr("LandXML drawings (*.xml *.landxml *.xml.gz *.zip);;All files (*)")));
+  add(askDrawings(&window_, tr("Add to the drawing"), recent_.folder()));
 }
 
 void DrawingComposer::add(const QStringList& paths) {

@@ -6,20 +6,29 @@
 #include "desktop/charts/profile_view.h"
 #include "desktop/charts/section_view.h"
 #include "desktop/panels/diagnostics_view.h"
+#include "desktop/panels/properties_view.h"
 #include "desktop/shell/desktop_front_end.h"
 #include "desktop/shell/drawing_loader.h"
+#include "desktop/shell/linked_cursor.h"
 #include "desktop/shell/session.h"
+#include "properties/go_to.h"
 #include "view/plan_scene.h"
 
 namespace lvx::desktop {
 
 DrawingViews::DrawingViews(const WindowPanels& panels, PlaceLine& place, const Session& session,
                            const DesktopFrontEnd& frontEnd)
-    : at_(panels), place_(place), session_(session), frontEnd_(frontEnd) {
+    : at_(panels), place_(place), session_(session), frontEnd_(frontEnd), mark_(*panels.plan) {
   connectPlan();
   connectTree();
   connectCharts();
   connect(&selection_, &Selection::changed, this, &DrawingViews::follow);
+  cursor_ = std::make_unique<LinkedCursor>(at_, session_, selection_);
+  connect(&visibility_, &ObjectVisibility::changed, this, [this] {
+    at_.plan->setVisibility(visibility_.visibility());
+    at_.tree->setVisibility(visibility_.visibility());
+  });
+  connect(at_.tree, &DrawingTree::visibilityWanted, &visibility_, &ObjectVisibility::setShown);
 }
 
 DrawingViews::~DrawingViews() { clear(); }
@@ -67,16 +76,49 @@ void DrawingViews::connectCharts() {
     else
       selection_.select(handle, at_.profile);
   });
+  connect(at_.profile, &ProfileView::stationClicked, this, &DrawingViews::openSection);
   connect(at_.section, &SectionView::sampleLineChanged, this,
           [this](quint64 handle) { selection_.select(handle, at_.section); });
+  connect(at_.properties, &PropertiesView::placeWanted, this, &DrawingViews::showPlace);
 }
+
+void DrawingViews::openSection(double station, bool isOnLine) {
+  if (frontEnd_.isPicking() || !session_.drawing()) return;
+  at_.section->showNearest(session_.drawing()->drawing(), at_.profile->alignment(), station);
+  // Who clicks on a line chooses it, and goes on looking at the profile.
+  if (isOnLine || at_.section->model() == nullptr) return;
+  if (at_.section->sampleLine() != 0) selection_.select(at_.section->sampleLine(), at_.profile);
+  at_.sectionDock->show();
+  at_.sectionDock->raise();
+}
+
+void DrawingViews::tellProperties() {
+  if (const auto& drawing = session_.drawing(); drawing && scene_)
+    at_.properties->show(drawing->drawing(), drawing->index(), selection_.alignment(), selection_.handle());
+}
+
+void DrawingViews::goTo(const properties::GoTo& place) {
+  if (!scene_) return;
+  // A pick goes on where the user looks now; what is chosen stays for it.
+  if (place.handle != 0 && !frontEnd_.isPicking()) selection_.select(place.handle, this);
+  if (place.kind == properties::GoTo::Kind::Object) {
+    mark_.clear();
+    zoomTo(place.handle);
+  } else {
+    showPlace({place.place.x, place.place.y, place.place.x, place.place.y});
+  }
+}
+
+void DrawingViews::raiseProperties() { at_.showProperties(); }
 
 void DrawingViews::show(const LoadedDrawing& loaded) {
   const civil::Drawing& drawing = loaded.drawing->drawing();
   scene_ = loaded.scene;
   selection_.setDrawing(loaded.drawing);
+  visibility_.setDrawing(loaded.drawing);
   awaitsPaint_ = true;
   at_.plan->setScene(scene_);
+  place_.setScene(scene_);
   at_.plan->zoomToAll();
   at_.tree->setDrawing(&drawing);
   at_.diagnostics->setDrawing(&drawing);
@@ -84,6 +126,7 @@ void DrawingViews::show(const LoadedDrawing& loaded) {
   place_.setAlignment(alignment);
   if (alignment != nullptr) at_.profile->show(drawing, alignment->handle);
   sources_ = loaded.sources;
+  tellProperties();
   if (before_ && before_->sources.paths() == sources_.paths()) goBack();
   before_.reset();
 }
@@ -96,8 +139,11 @@ void DrawingViews::goBack() {
     at_.profile->show(drawing.drawing(), profile);
   if (const civil::Handle section = again(before_->section); section != 0)
     at_.section->show(drawing.drawing(), section);
+  else if (const civil::Handle alignment = again(before_->sectionAlignment); alignment != 0)
+    at_.section->showNearest(drawing.drawing(), alignment, before_->sectionStation);
   if (const civil::Handle chosen = again(before_->selection); chosen != 0) selection_.select(chosen, this);
   at_.tree->setState(before_->tree);
+  visibility_.hideAgain(before_->hidden);
 }
 
 void DrawingViews::clear() {
@@ -108,15 +154,23 @@ void DrawingViews::clear() {
                      at_.tree->state(),
                      keyOf(drawing, selection_.handle()),
                      keyOf(drawing, at_.section->sampleLine()),
-                     keyOf(drawing, at_.profile->alignment())};
+                     keyOf(drawing, at_.section->alignment()),
+                     at_.section->model() != nullptr ? at_.section->model()->station : 0.0,
+                     keyOf(drawing, at_.profile->alignment()),
+                     visibility_.kept()};
   }
+  mark_.clear();
+  at_.properties->clear();
   at_.plan->setScene(nullptr);
+  cursor_->forget();
   at_.section->clear();
   at_.profile->clear();
   at_.tree->setDrawing(nullptr);
   at_.diagnostics->setDrawing(nullptr);
   place_.setAlignment(nullptr);
+  place_.setScene(nullptr);
   selection_.setDrawing(nullptr);
+  visibility_.setDrawing(nullptr);
   scene_.reset();
 }
 
@@ -124,19 +178,22 @@ void DrawingViews::refresh() {
   if (scene_) {
     scene_->refreshCorridors();
     at_.plan->refresh();
+    tellProperties();
   }
-  if (at_.section->sampleLine() != 0) at_.section->show(session_.drawing()->drawing(), at_.section->sampleLine());
+  if (session_.drawing()) at_.section->showAgain(session_.drawing()->drawing(), false);
 }
 
 void DrawingViews::followEdit(civil::Handle about) {
   if (!scene_) return;
   const civil::Drawing& drawing = session_.drawing()->drawing();
   scene_->refreshLists();
+  at_.tree->setVisibility(visibility_.visibility());
   at_.plan->refresh();
   at_.tree->refresh();
   if (const civil::Handle alignment = at_.profile->alignment(); alignment != 0)
     at_.profile->show(drawing, alignment, true);
-  if (const civil::Handle line = at_.section->sampleLine(); line != 0) at_.section->show(drawing, line, true);
+  at_.section->showAgain(drawing, true);
+  cursor_->forget();
   const bool isThere = session_.drawing()->index().byHandle(about).has_value();
   selection_.select(isThere ? about : selection_.handle(), this);
 }
@@ -162,6 +219,7 @@ void DrawingViews::raiseProfilesOf(civil::Handle alignment) {
 
 void DrawingViews::follow(const QObject* from) {
   at_.plan->setSelected(selection_.shown());
+  tellProperties();
   if (from != at_.tree) at_.tree->reveal(selection_.handle());
   Q_EMIT selectionChanged();
   if (selection_.handle() == 0) return;

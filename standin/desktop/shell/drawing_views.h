@@ -8,9 +8,15 @@
 #include "desktop/plan/plan_view.h"
 #include "desktop/shell/drawing_sources.h"
 #include "desktop/shell/object_key.h"
+#include "desktop/shell/object_visibility.h"
 #include "desktop/shell/place_line.h"
+#include "desktop/shell/place_mark.h"
 #include "desktop/shell/selection.h"
 #include "desktop/shell/window_panels.h"
+
+namespace lvx::properties {
+struct GoTo;
+}
 
 namespace lvx::view {
 class PlanScene;
@@ -19,6 +25,7 @@ class PlanScene;
 namespace lvx::desktop {
 
 class DesktopFrontEnd;
+class LinkedCursor;
 class Session;
 struct LoadedDrawing;
 
@@ -45,7 +52,16 @@ class DrawingViews : public QObject {
   void refreshDiagnostics();
 
   [[nodiscard]] Selection& selection() { return selection_; }
+  /// What is hidden in the plan, to be changed by whoever likes.
+  [[nodiscard]] ObjectVisibility& visibility() { return visibility_; }
   void zoomToSelection();
+  void zoomTo(civil::Handle handle);
+  /// Shows a part of the drawing, or a place with a mark (PlaceMark).
+  void showPlace(const civil::Box& place) { mark_.show(place); }
+  /// A point and an object are chosen as well.
+  void goTo(const properties::GoTo& place);
+  /// Brings the properties to the front.
+  void raiseProperties();
   /// Brings the profiles of an alignment to the front.
   void raiseProfilesOf(civil::Handle alignment);
 
@@ -63,17 +79,20 @@ class DrawingViews : public QObject {
   void connectCharts();
   /// Answers a running pick; else selects.
   void choose(civil::Handle handle, const QObject* from);
-  void zoomTo(civil::Handle handle);
   void jumpTo(civil::Handle handle);
   void follow(const QObject* from);
   void raiseChart();
+  void openSection(double station, bool isOnLine);
   void goBack();
+  void tellProperties();
 
   WindowPanels at_;
   PlaceLine& place_;
   const Session& session_;
   const DesktopFrontEnd& frontEnd_;
   Selection selection_;
+  ObjectVisibility visibility_;
+  PlaceMark mark_;
   /// Points into the session's drawing.
   std::shared_ptr<view::PlanScene> scene_;
   DrawingSources sources_;
@@ -84,10 +103,15 @@ class DrawingViews : public QObject {
     DrawingTree::State tree;
     std::optional<ObjectKey> selection;
     std::optional<ObjectKey> section;
+    /// Of a section without a sample line.
+    std::optional<ObjectKey> sectionAlignment;
+    double sectionStation = 0.0;
     std::optional<ObjectKey> profile;
+    ObjectVisibility::Kept hidden;
   };
   std::optional<Before> before_;
   bool awaitsPaint_ = false;
+  std::unique_ptr<LinkedCursor> cursor_;
 };
 
 }  // namespace lvx::desktop

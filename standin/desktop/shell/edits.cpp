@@ -13,7 +13,11 @@ Edits::Edits(QWidget& window, Session& session, LongWork& work) : window_(window
 
 Edits::~Edits() = default;
 
-bool Edits::isPossible() const { return session_.drawing() && !session_.isRunning() && !work_.isRunning(); }
+bool Edits::isPossible() const {
+  return session_.drawing() && !session_.isRunning() && !work_.isRunning() && (!isHindered_ || !isHindered_());
+}
+
+void Edits::setHindrance(std::function<bool()> isThere) { isHindered_ = std::move(isThere); }
 
 civil::Handle Edits::make(const QString& name, civil::ReversibleChangePtr change) {
   if (!isPossible()) return 0;

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <functional>
 #include <memory>
 
 #include "civil/reversible_change.h"
@@ -29,6 +30,9 @@ class Edits : public QObject {
 
   /// A drawing is open, and nothing runs that a change would be in the way of.
   [[nodiscard]] bool isPossible() const;
+  /// Beside commands and savings something else may be in the way, as another drawing that is read: what is changed
+  /// meanwhile would go with the open one, unasked. `isThere` is asked before each change; empty: nothing is in the way.
+  void setHindrance(std::function<bool()> isThere);
   /// Makes a change called `name` in menus, in the user's language. Gives what it is about, 0 where it can't be made: a box
   /// over the window said why. Check names and the like before: the detail that a box says here is English.
   civil::Handle make(const QString& name, civil::ReversibleChangePtr change);
@@ -50,6 +54,7 @@ class Edits : public QObject {
   QWidget& window_;
   Session& session_;
   LongWork& work_;
+  std::function<bool()> isHindered_;
   std::unique_ptr<runtime::EditHistory> history_;
 };
 

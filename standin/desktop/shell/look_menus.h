@@ -5,6 +5,7 @@
 
 #include "desktop/plan/plan_look.h"
 
+class QAction;
 class QMenu;
 class QSettings;
 
@@ -24,11 +25,18 @@ class LookMenus : public QObject {
   void changed();
 
  private:
-  void addSwitch(QMenu& menu, const char* name, const QString& text, bool PlanLook::*part);
+  QAction* addSwitch(QMenu& menu, const char* name, const QString& text, bool PlanLook::*part);
   void addSurfaceLooks(QMenu& menu);
+  void addContours(QMenu& menu);
+  void askInterval();
+  void setInterval(double interval);
+  void showInterval();
 
   QSettings& settings_;
   PlanLook look_;
+  QAction* contours_ = nullptr;
+  QAction* byScale_ = nullptr;
+  QAction* typed_ = nullptr;
 };
 
 }  // namespace lvx::desktop

@@ -16,16 +16,20 @@
 #include <QUrl>
 #include <algorithm>
 
+#include "desktop/charts/free_section_view.h"
 #include "desktop/charts/profile_view.h"
 #include "desktop/charts/section_view.h"
 #include "desktop/common/icons.h"
 #include "desktop/common/qt_text.h"
 #include "desktop/common/scheme.h"
+#include "desktop/ground/ground_tools.h"
 #include "desktop/panels/console_view.h"
 #include "desktop/panels/diagnostics_view.h"
 #include "desktop/panels/drawing_tree.h"
+#include "desktop/panels/go_to_box.h"
 #include "desktop/panels/text_window.h"
 #include "desktop/plan/plan_view.h"
+#include "desktop/shell/book_maker.h"
 #include "desktop/shell/close_watch.h"
 #include "desktop/shell/command_prompt.h"
 #include "desktop/shell/desktop_front_end.h"
@@ -33,15 +37,20 @@
 #include "desktop/shell/drawing_composer.h"
 #include "desktop/shell/drawing_views.h"
 #include "desktop/shell/edits.h"
+#include "desktop/shell/free_section.h"
 #include "desktop/shell/help_key.h"
 #include "desktop/shell/leave_wish.h"
 #include "desktop/shell/long_work.h"
 #include "desktop/shell/look_menus.h"
 #include "desktop/shell/object_maker.h"
+#include "desktop/shell/object_menu.h"
+#include "desktop/shell/plan_output.h"
 #include "desktop/shell/report_adviser.h"
 #include "desktop/shell/report_outcome.h"
 #include "desktop/shell/sample_line_editing.h"
 #include "desktop/shell/scheme_menu.h"
+#include "desktop/shell/shortcut_list.h"
+#include "desktop/shell/start_drawings.h"
 #include "desktop/shell/window_actions.h"
 #include "runtime/installation.h"
 
@@ -73,6 +82,8 @@ MainWindow::MainWindow(const DesktopOptions& options)
       edits_(std::make_unique<Edits>(*this, *session_, *work_)),
       views_(std::make_unique<DrawingViews>(panels_, *place_, *session_, *frontEnd_)),
       lines_(std::make_unique<SampleLineEditing>(*this, panels_, *session_, *edits_, views_->selection())),
+      ground_(std::make_unique<GroundTools>(*this, *panels_.plan)),
+      freeSection_(std::make_unique<FreeSection>(*this, panels_, *session_, *edits_, views_->selection())),
       recent_(std::make_unique<RecentDrawings>(*settings_)),
       document_(
           std::make_unique<Document>(DocumentSurroundings{*this, *panels_.console, *panels_.notice, *panels_.progress},
@@ -80,11 +91,18 @@ MainWindow::MainWindow(const DesktopOptions& options)
       composer_(std::make_unique<DrawingComposer>(*this, *document_, *recent_)),
       maker_(std::make_unique<ObjectMaker>(
           ObjectMakerSurroundings{*this, *session_, *document_, views_->selection(), *frontEnd_, *edits_})),
+      objectMenu_(std::make_unique<ObjectMenu>(*session_, *views_)),
+      start_(std::make_unique<StartDrawings>(*panels_.plan, *recent_, options.choices.bin)),
       actions_(std::make_unique<WindowActions>(*this, *settings_, options.scheme)),
+      goTo_(new GoToBox(panels_.plan)),
       prompt_(std::make_unique<CommandPrompt>(*panels_.console, *panels_.plan, *session_, *document_, *frontEnd_)),
       adviser_(std::make_unique<ReportAdviser>(*session_, *panels_.console, *panels_.notice)),
       outcome_(std::make_unique<ReportOutcome>(*this, *panels_.console, *panels_.outcome, *leave_,
                                                options.choices.reportCodePage.value_or(""))),
+      books_(std::make_unique<BookMaker>(BookMakerSurroundings{*this, *session_, *document_, views_->selection(),
+                                                               *work_, *outcome_, *leave_, options.choices.bin,
+                                                               options.choices.language})),
+      planOutput_(std::make_unique<PlanOutput>(*this, *panels_.plan)),
       helpKey_(std::make_unique<HelpKey>([this] { frontEnd_->showHelpContents(); })),
       closeWatch_(std::make_unique<CloseWatch>(*this)) {
   setObjectName(QStringLiteral("mainWindow"));
@@ -99,6 +117,7 @@ MainWindow::MainWindow(const DesktopOptions& options)
 
   actions_->addCommands(session_->commands());
   actions_->scheme().start();
+  panels_.keepFirst(*this);
   panels_.restore(*this, *settings_);
   panels_.plan->setFocus();
   updateState();
@@ -110,27 +129,43 @@ MainWindow::MainWindow(const DesktopOptions& options)
 
 MainWindow::~MainWindow() {
   // The parts go one after the other, the last one first; nobody has to follow that.
+  panels_.plan->disconnect(this);
   views_->disconnect(this);
+  views_->visibility().disconnect(this);
   edits_->disconnect();
+  edits_->setHindrance({});
   document_->disconnect(this);
 }
 
 void MainWindow::connectDocument() {
+  connect(document_.get(), &Document::letGo, ground_.get(), &GroundTools::clear);
   connect(document_.get(), &Document::letGo, views_.get(), &DrawingViews::clear);
   connect(document_.get(), &Document::opened, views_.get(), &DrawingViews::show);
+  connect(document_.get(), &Document::opened, ground_.get(),
+          [this](const LoadedDrawing& loaded) { ground_->setScene(loaded.scene); });
+  connect(ground_.get(), &GroundTools::told, panels_.console, &ConsoleView::print);
   connect(document_.get(), &Document::letGo, lines_.get(), &SampleLineEditing::forget);
+  connect(document_.get(), &Document::letGo, freeSection_.get(), &FreeSection::forget);
   connect(document_.get(), &Document::letGo, edits_.get(), &Edits::forget);
+  edits_->setHindrance([this] { return document_->isBusy(); });
   connect(edits_.get(), &Edits::changed, views_.get(), &DrawingViews::followEdit);
   connect(edits_.get(), &Edits::changed, this, &MainWindow::updateState);
   connect(document_.get(), &Document::saved, views_.get(), &DrawingViews::refreshDiagnostics);
+  connect(document_.get(), &Document::savedElsewhere, outcome_.get(), &ReportOutcome::tellSaved);
   connect(document_.get(), &Document::stateChanged, this, &MainWindow::updateState);
   connect(views_.get(), &DrawingViews::selectionChanged, this, &MainWindow::updateState);
   connect(views_.get(), &DrawingViews::shown, this, &MainWindow::drawingShown);
   connect(panels_.diagnostics, &DiagnosticsView::lineWanted, this, &MainWindow::showLine);
   connect(panels_.tree, &DrawingTree::menuOpening, composer_.get(), &DrawingComposer::offerIn);
   connect(panels_.tree, &DrawingTree::menuOpening, maker_.get(), &ObjectMaker::offerIn);
-  connect(panels_.tree, &DrawingTree::menuOpening, this,
-          [this](QMenu& menu, const TreeRow& row) { lines_->addEntries(menu, row.handle, {}); });
+  connect(panels_.tree, &DrawingTree::menuOpening, this, [this](QMenu& menu, const TreeRow& row) {
+    if (!isBusy()) lines_->addEntries(menu, row.handle, {});
+    objectMenu_->offerIn(menu, row.handle);
+  });
+  connect(document_.get(), &Document::letGo, goTo_, &GoToBox::leave);
+  connect(goTo_, &GoToBox::wanted, views_.get(), &DrawingViews::goTo);
+  connect(start_.get(), &StartDrawings::chosen, this, &MainWindow::openDrawing);
+  connect(start_.get(), &StartDrawings::openWanted, document_.get(), &Document::askOpen);
   recent_->offerIn(actions_->recentMenu());
   connect(recent_.get(), &RecentDrawings::chosen, this, &MainWindow::openDrawing);
 }
@@ -141,6 +176,10 @@ void MainWindow::connectActions() {
   actions_->onTrigger(WindowAction::Reload, [this] { document_->askReload(); });
   actions_->onTrigger(WindowAction::Save, [this] { document_->save(); });
   actions_->onTrigger(WindowAction::SaveAs, [this] { document_->askSaveAs(); });
+  actions_->onTrigger(WindowAction::SectionBook, [this] { books_->ask(); });
+  actions_->onTrigger(WindowAction::ExportPlan, [this] { planOutput_->askExport(document_->sources().title()); });
+  actions_->onTrigger(WindowAction::PrintPlan, [this] { planOutput_->askPrint(document_->sources().title()); });
+  connect(planOutput_.get(), &PlanOutput::exported, outcome_.get(), &ReportOutcome::tellExported);
   actions_->onTrigger(WindowAction::Quit, [this] { close(); });
   actions_->onTrigger(WindowAction::Undo, [this] { edits_->undo(); });
   actions_->onTrigger(WindowAction::Redo, [this] { edits_->redo(); });
@@ -153,12 +192,26 @@ void MainWindow::connectActions() {
   actions_->onTrigger(WindowAction::NewProfile, [this] { maker_->askProfile(); });
   actions_->onTrigger(WindowAction::NewPointGroup, [this] { maker_->askPointGroup(); });
   actions_->onTrigger(WindowAction::NewPointGroupOfSelection, [this] { maker_->askPointGroupOfSelection(); });
+  actions_->onTrigger(WindowAction::Measure, [this] { ground_->measure(); });
+  actions_->onTrigger(WindowAction::Difference, [this] { ground_->askDifference(); });
+  actions_->onTrigger(WindowAction::FreeSection, [this] { freeSection_->draw(); });
   actions_->onTrigger(WindowAction::ZoomAll, [this] { panels_.plan->zoomToAll(); });
   actions_->onTrigger(WindowAction::ZoomSelection, [this] { views_->zoomToSelection(); });
+  actions_->onTrigger(WindowAction::ZoomRectangle, [this] { panels_.plan->startZoomRectangle(); });
+  actions_->onTrigger(WindowAction::PreviousView, [this] { panels_.plan->showPreviousView(); });
+  actions_->onTrigger(WindowAction::NextView, [this] { panels_.plan->showNextView(); });
+  actions_->onTrigger(WindowAction::FullScreen, [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
+  actions_->onTrigger(WindowAction::ShowAllObjects, [this] { views_->visibility().showAll(); });
+  connect(&views_->visibility(), &ObjectVisibility::changed, this, &MainWindow::updateState);
+  connect(panels_.plan, &PlanView::viewsChanged, this, &MainWindow::updateState);
   actions_->onTrigger(WindowAction::Find, [this] {
     panels_.treeDock->show();
     panels_.tree->focusFind();
   });
+  actions_->onTrigger(WindowAction::GoTo, [this] { askPlace(); });
+  actions_->onTrigger(WindowAction::ResetPanels, [this] { panels_.reset(*this); });
+  actions_->onTrigger(WindowAction::WindowHelp, [this] { frontEnd_->showWindowHelp(); });
+  actions_->onTrigger(WindowAction::Shortcuts, [this] { showShortcuts(*this); });
   actions_->onTrigger(WindowAction::CommandLine, [this] {
     panels_.showConsole();
     panels_.console->focusPrompt();
@@ -190,7 +243,8 @@ void MainWindow::connectCommands() {
   connect(session_.get(), &Session::commandStarted, adviser_.get(), &ReportAdviser::begin);
   connect(session_.get(), &Session::commandStarted, outcome_.get(), &ReportOutcome::begin);
   for (const ChartView* const chart :
-       {static_cast<ChartView*>(panels_.section), static_cast<ChartView*>(panels_.profile)})
+       {static_cast<ChartView*>(panels_.section), static_cast<ChartView*>(panels_.freeSection),
+        static_cast<ChartView*>(panels_.profile)})
     connect(chart, &ChartView::exported, outcome_.get(), &ReportOutcome::tellExported);
   connect(session_.get(), &Session::commandStarted, this, &MainWindow::updateState);
   connect(frontEnd_.get(), &DesktopFrontEnd::pickingChanged, this, [this] {
@@ -257,10 +311,13 @@ void MainWindow::updateState() {
   const bool isOpen = document_->isOpen();
   const bool isChanged = document_->isChanged();
   actions_->update({!isBusy(), isOpen, isChanged, views_->selection().handle() != 0, lines_->hasChosen(),
-                    edits_->undoName(), edits_->redoName()});
+                    edits_->undoName(), edits_->redoName(), panels_.plan->hasPreviousView(),
+                    panels_.plan->hasNextView(), views_->visibility().hidesAny()});
   setWindowTitle(isOpen ? tr("%1[*] – lvxhost-desktop").arg(document_->sources().title())
                         : QStringLiteral("lvxhost-desktop"));
   setWindowModified(isChanged);
+  start_->setShown(!isOpen && !document_->isBusy());
+  panels_.freeSection->setIdle(!isBusy());
 }
 
 void MainWindow::runCommand(const QString& name) {
@@ -283,12 +340,18 @@ void MainWindow::showMenu(civil::Handle handle, QPointF place, QPoint global) {
   menu.setObjectName(QStringLiteral("objectMenu"));
   lines_->addEntries(menu, handle, place);
   maker_->offerInPlan(menu, handle);
+  objectMenu_->offerIn(menu, handle, place);
   if (!menu.isEmpty()) menu.exec(global);
 }
 
 void MainWindow::showLine(quint32 file, quint64 line) {
   const QString path = document_->sources().paths().value(static_cast<qsizetype>(file));
   if (!path.isEmpty()) (new TextWindow(path, line, decodeUtf8OrLatin1, this))->show();
+}
+
+void MainWindow::askPlace() {
+  if (const auto& drawing = session_->drawing())
+    goTo_->open(drawing->drawing(), drawing->index(), views_->selection().alignment());
 }
 
 void MainWindow::showAbout() {

@@ -15,22 +15,29 @@ class QSettings;
 
 namespace lvx::desktop {
 
+class BookMaker;
 class CloseWatch;
 class CommandPrompt;
 class DesktopFrontEnd;
 class Document;
 class DrawingComposer;
 class DrawingViews;
+class GroundTools;
 class Edits;
+class FreeSection;
+class GoToBox;
 class HelpKey;
 class LeaveWish;
 class LongWork;
 class ObjectMaker;
+class ObjectMenu;
 class PlaceLine;
+class PlanOutput;
 class RecentDrawings;
 class ReportAdviser;
 class ReportOutcome;
 class SampleLineEditing;
+class StartDrawings;
 class WindowActions;
 
 /// The program's window: the drawing in the middle, around it the tree of its objects, sections and profiles, the console
@@ -47,12 +54,17 @@ class WindowActions;
 /// - DrawingComposer: which files make up the drawing
 /// - ObjectMaker: profiles and point groups that the user makes
 /// - DrawingViews: plan, tree, charts over one drawing and one selection
+/// - StartDrawings: what stands in place of the plan while no drawing is open
 /// - CommandPrompt: what is typed
 /// - Edits: what the user changes in the drawing, to be undone and redone
+/// - GroundTools: measuring in the plan, the difference of two surfaces
 /// - SampleLineEditing: groups of sample lines and single ones
+/// - FreeSection: the section along a line that is drawn over the plan
 /// - Session, DesktopFrontEnd, LongWork: the module's commands, their questions, their progress
 /// - ReportAdviser: what a report doesn't say by itself
 /// - ReportOutcome: what came of a command
+/// - BookMaker: books of cross sections and long sections
+/// - PlanOutput: the plan on paper and as a file
 class MainWindow : public QMainWindow {
   Q_OBJECT
  public:
@@ -92,6 +104,7 @@ class MainWindow : public QMainWindow {
   void showMenu(civil::Handle handle, QPointF place, QPoint global);
   void showLine(quint32 file, quint64 line);
   void showAbout();
+  void askPlace();
 
   DesktopOptions options_;
   /// Before whatever has words.
@@ -106,14 +119,21 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<Edits> edits_;
   std::unique_ptr<DrawingViews> views_;
   std::unique_ptr<SampleLineEditing> lines_;
+  std::unique_ptr<GroundTools> ground_;
+  std::unique_ptr<FreeSection> freeSection_;
   std::unique_ptr<RecentDrawings> recent_;
   std::unique_ptr<Document> document_;
   std::unique_ptr<DrawingComposer> composer_;
   std::unique_ptr<ObjectMaker> maker_;
+  std::unique_ptr<ObjectMenu> objectMenu_;
+  std::unique_ptr<StartDrawings> start_;
   std::unique_ptr<WindowActions> actions_;
+  GoToBox* goTo_;
   std::unique_ptr<CommandPrompt> prompt_;
   std::unique_ptr<ReportAdviser> adviser_;
   std::unique_ptr<ReportOutcome> outcome_;
+  std::unique_ptr<BookMaker> books_;
+  std::unique_ptr<PlanOutput> planOutput_;
   std::unique_ptr<HelpKey> helpKey_;
   std::unique_ptr<CloseWatch> closeWatch_;
 };

@@ -1,5 +1,6 @@
 #include "desktop/shell/object_key.h"
 
+#include <set>
 #include <type_traits>
 #include <variant>
 
@@ -33,6 +34,23 @@ civil::Handle findAgain(const runtime::OpenDrawing& drawing, const ObjectKey& ke
   const auto consider = [&](const auto& object) {
     if (found == 0 && object.handle != 0 && object.name == key.name && keyOf(drawing, object.handle) == key)
       found = object.handle;
+  };
+  civil::eachObject(drawing.drawing(), [&](const auto& object) {
+    if constexpr (!std::is_same_v<std::decay_t<decltype(object)>, civil::Point>) consider(object);
+    if constexpr (requires { object.lines; }) {
+      for (const auto& line : object.lines) consider(line);
+    }
+  });
+  return found;
+}
+
+std::vector<civil::Handle> findAgain(const runtime::OpenDrawing& drawing, const std::vector<ObjectKey>& keys) {
+  std::set<ObjectKey> wanted(keys.begin(), keys.end());
+  std::vector<civil::Handle> found;
+  const auto consider = [&](const auto& object) {
+    if (wanted.empty() || object.handle == 0) return;
+    const std::optional<ObjectKey> key = keyOf(drawing, object.handle);
+    if (key && wanted.erase(*key) != 0) found.push_back(object.handle);
   };
   civil::eachObject(drawing.drawing(), [&](const auto& object) {
     if constexpr (!std::is_same_v<std::decay_t<decltype(object)>, civil::Point>) consider(object);

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "runtime/open_drawing.h"
 
@@ -17,7 +19,7 @@ struct ObjectKey {
   /// Of a point; else 0.
   std::int32_t number = 0;
 
-  friend bool operator==(const ObjectKey&, const ObjectKey&) = default;
+  friend auto operator<=>(const ObjectKey&, const ObjectKey&) = default;
 };
 
 /// Empty for no object.
@@ -25,5 +27,10 @@ struct ObjectKey {
 
 /// The first object of that key; 0 where there is none any more. O(objects, points apart).
 [[nodiscard]] civil::Handle findAgain(const runtime::OpenDrawing& drawing, const ObjectKey& key);
+
+/// The first object of each key that is there, points apart, in the drawing's order. O((objects + keys) log keys), points
+/// apart.
+[[nodiscard]] std::vector<civil::Handle> findAgain(const runtime::OpenDrawing& drawing,
+                                                   const std::vector<ObjectKey>& keys);
 
 }  // namespace lvx::desktop

@@ -6,11 +6,13 @@
 #include <cmath>
 
 #include "desktop/common/qt_text.h"
+#include "desktop/ground/ground_texts.h"
 #include "text/number_text.h"
+#include "view/ground_place.h"
 
 namespace lvx::desktop {
 
-PlaceLine::PlaceLine(QStatusBar& bar) : coordinates_(new QLabel), station_(new QLabel) {
+PlaceLine::PlaceLine(QStatusBar& bar) : coordinates_(new QLabel), ground_(new QLabel), station_(new QLabel) {
   coordinates_->setObjectName(QStringLiteral("coordinates"));
   station_->setObjectName(QStringLiteral("station"));
   // As wide as they get, so that nothing jumps while the mouse moves.
@@ -19,7 +21,24 @@ PlaceLine::PlaceLine(QStatusBar& bar) : coordinates_(new QLabel), station_(new Q
       metrics.horizontalAdvance(placeText(QStringLiteral("00000000.000"), QStringLiteral("00000000.000"))));
   coordinates_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   bar.addPermanentWidget(station_);
+  ground_->setObjectName(QStringLiteral("groundHere"));
   bar.addPermanentWidget(coordinates_);
+  bar.addPermanentWidget(ground_);
+}
+
+void PlaceLine::setScene(std::shared_ptr<const view::PlanScene> scene) {
+  scene_ = std::move(scene);
+  ground_->clear();
+  bool hasGround = false;
+  if (scene_)
+    for (const view::SurfaceShape& shape : scene_->surfaces()) hasGround |= !shape.box.isEmpty();
+  // As wide as it gets, so that the coordinates stay where they are; nothing where no ground ever shows.
+  constexpr double kElevation = 88888.888;
+  constexpr double kSlope = 0.888;
+  const view::GroundPlace widest{nullptr, kElevation, kSlope, 4.0};
+  ground_->setMinimumWidth(hasGround ? QFontMetrics(ground_->font()).horizontalAdvance(GroundTexts::ground(widest))
+                                     : 0);
+  ground_->setVisible(hasGround);
 }
 
 void PlaceLine::setAlignment(const civil::AlignmentObject* alignment) {
@@ -30,12 +49,15 @@ void PlaceLine::setAlignment(const civil::AlignmentObject* alignment) {
 void PlaceLine::showMouse(QPointF place) {
   mouse_ = place;
   coordinates_->setText(placeText(toQt(text::fixedText(place.x())), toQt(text::fixedText(place.y()))));
+  if (scene_ && ground_->isVisibleTo(ground_->parentWidget()))
+    ground_->setText(GroundTexts::ground(view::groundAt(*scene_, {place.x(), place.y()})));
   showStation();
 }
 
 void PlaceLine::hideMouse() {
   mouse_.reset();
   coordinates_->clear();
+  ground_->clear();
   showStation();
 }
 

@@ -3,17 +3,19 @@
 #include <QObject>
 #include <QPointF>
 #include <QString>
+#include <memory>
 #include <optional>
 
 #include "civil/drawing.h"
+#include "view/plan_scene.h"
 
 class QLabel;
 class QStatusBar;
 
 namespace lvx::desktop {
 
-/// The status line's words on where the mouse is: easting and northing, and station and offset against the alignment
-/// that the user looks at, all with three decimals.
+/// The status line's words on where the mouse is: easting and northing, elevation and slope of the ground there, and
+/// station and offset against the alignment that the user looks at.
 class PlaceLine : public QObject {
   Q_OBJECT
  public:
@@ -22,6 +24,8 @@ class PlaceLine : public QObject {
 
   /// Null: none. Used until another is set.
   void setAlignment(const civil::AlignmentObject* alignment);
+  /// Whose ground is told; null: none.
+  void setScene(std::shared_ptr<const view::PlanScene> scene);
   /// In drawing units, x to the east.
   void showMouse(QPointF place);
   void hideMouse();
@@ -31,8 +35,10 @@ class PlaceLine : public QObject {
   void showStation();
 
   QLabel* coordinates_;
+  QLabel* ground_;
   QLabel* station_;
   const civil::AlignmentObject* alignment_ = nullptr;
+  std::shared_ptr<const view::PlanScene> scene_;
   std::optional<QPointF> mouse_;
 };
 

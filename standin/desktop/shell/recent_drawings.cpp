@@ -17,14 +17,13 @@ constexpr int kRecentDrawings = 10;
 constexpr const char* kRecent = "drawings/recent";
 constexpr const char* kFolder = "drawings/folder";
 
-/// The first of a drawing's files that isn't there; empty where all are.
-QString missingFile(const DrawingSources& drawing) {
+}  // namespace
+
+QString RecentDrawings::missingFile(const DrawingSources& drawing) {
   for (const SourceFile& file : drawing.files)
     if (!QFileInfo(file.path).isFile()) return file.path;
   return {};
 }
-
-}  // namespace
 
 RecentDrawings::RecentDrawings(QSettings& settings, QObject* parent) : QObject(parent), settings_(settings) {}
 

@@ -22,6 +22,8 @@ class RecentDrawings : public QObject {
   /// one; `replaced` gives its place up, such as a drawing that got one more file.
   void remember(const DrawingSources& drawing, const DrawingSources& replaced = {});
   [[nodiscard]] QList<DrawingSources> drawings() const;
+  /// The first of a drawing's files that isn't there; empty where all are.
+  [[nodiscard]] static QString missingFile(const DrawingSources& drawing);
   /// Where the user was last; at first the home folder.
   [[nodiscard]] QString folder() const;
   /// Fills a menu anew each time it opens; files that are gone stand in it grey.

@@ -61,6 +61,8 @@ void ReportOutcome::tellExported(const QString& path) {
   bar_.tellOfFiles(NoticeBar::Sign::Done, tr("%1 is written.").arg(path), {path});
 }
 
+void ReportOutcome::tellSaved(const QString& path) { bar_.tellOfSaved(tr("%1 is saved.").arg(path), path); }
+
 void ReportOutcome::printWritten(const QString& path, quint64 bytes) {
   console_.printHtml(QStringLiteral("%1 &nbsp;%2 &nbsp; %3 &nbsp;·&nbsp; %4")
                          .arg(path.toHtmlEscaped(), tr("%1 bytes").arg(bytes), link(kOpenLink, path, tr("Open")),

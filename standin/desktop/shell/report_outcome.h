@@ -31,6 +31,8 @@ class ReportOutcome : public QObject {
   void tell(const CommandReport& report, bool hasUnsavedSections, const ReportAdvice& advice);
   /// A file was written as the user asked.
   void tellExported(const QString& path);
+  /// The open drawing was saved, to another place than its own.
+  void tellSaved(const QString& path);
   /// The running command found no such folder and is about to ask its user again.
   void printMissingFolder(const QString& folder);
 

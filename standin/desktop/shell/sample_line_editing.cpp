@@ -116,6 +116,10 @@ void SampleLineEditing::take(const SampleLinesDialog& dialog) {
   const civil::SampleLineRules rules = dialog.rules();
   std::vector<civil::SampleLine> lines = dialog.lines();
   const std::size_t count = lines.size();
+  if (!edits_.isPossible()) {
+    at_.console->printError(tr("Nothing was changed, since a drawing is being read."));
+    return;
+  }
   if (group == 0) {
     group = edits_.make(tr("New sample lines “%1”").arg(name),
                         civil::addingSampleLineGroup(dialog.alignment(), dialog.name(), std::move(lines)));
@@ -261,7 +265,7 @@ void SampleLineEditing::showHandles() {
 
 void SampleLineEditing::pull(int index, QPointF place) {
   const auto at = chosen();
-  if (!at || at->line == nullptr) return;
+  if (!at || at->line == nullptr || !edits_.isPossible()) return;
   at_.plan->setPulled(view::pulledTo(*at->line, at->alignment->geometry, index == 0, vec(place)));
 }
 

@@ -31,13 +31,18 @@ enum Need : unsigned {
   Selection = 8,
   Undoable = 16,
   Redoable = 32,
-  Lines = 64
+  Lines = 64,
+  ViewBefore = 128,
+  ViewBehind = 256,
+  Hidden = 512
 };
 
 unsigned heldBy(const WindowState& state) {
   return (state.isIdle ? Idle : 0U) | (state.isOpen ? Open : 0U) | (state.isChanged ? Changes : 0U) |
          (state.hasSelection ? Selection : 0U) | (state.undo.isEmpty() ? 0U : Undoable) |
-         (state.redo.isEmpty() ? 0U : Redoable) | (state.hasLines ? Lines : 0U);
+         (state.redo.isEmpty() ? 0U : Redoable) | (state.hasLines ? Lines : 0U) |
+         (state.hasPreviousView ? ViewBefore : 0U) | (state.hasNextView ? ViewBehind : 0U) |
+         (state.hasHidden ? Hidden : 0U);
 }
 
 bool areMet(unsigned needs, const WindowState& state) { return (needs & ~heldBy(state)) == 0; }
@@ -72,6 +77,16 @@ const std::vector<Row>& rows() {
       {WindowAction::SaveAs, "saveAs", "save_as", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Save &as…"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Save the drawing in another file"),
        Qt::CTRL | Qt::SHIFT | Qt::Key_S, Open | Idle, true},
+      {WindowAction::SectionBook, "sectionBook", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Section &book…"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions",
+                         "Draw all sections of a group, or the long section, into one PDF"),
+       Qt::CTRL | Qt::Key_B, Open | Idle, true},
+      {WindowAction::ExportPlan, "exportPlan", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Export plan…"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Write the plan to a PDF, SVG or PNG file, in true scale"),
+       Qt::CTRL | Qt::SHIFT | Qt::Key_E, Open | Idle, true},
+      {WindowAction::PrintPlan, "printPlan", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Print plan…"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Print the plan in true scale"), QKeySequence::Print,
+       Open | Idle, true},
       {WindowAction::Quit, "quit", "quit", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Quit"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Close the program"), Qt::CTRL | Qt::Key_Q, Nothing, true},
       {WindowAction::Undo, "undo", "undo", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Undo"),
@@ -106,20 +121,62 @@ const std::vector<Row>& rows() {
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Point group from &selection…"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Select points in the plan and make a group of them"),
        QKeySequence(), Open | Idle, true},
+      {WindowAction::Measure, "measure", "measure", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Measure"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Measure distances, heights, slopes and areas in the plan"),
+       Qt::CTRL | Qt::Key_M, Open | Idle, true},
+      {WindowAction::Difference, "difference", "difference",
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Difference of surfaces…"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions",
+                         "Cut and fill between two surfaces, and the plan coloured by them"),
+       QKeySequence(), Open | Idle, true},
+      {WindowAction::FreeSection, "freeSection", "profile",
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Free sect&ion"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Draw a line over the plan and see the section along it"),
+       Qt::CTRL | Qt::SHIFT | Qt::Key_X, Open | Idle, false},
       {WindowAction::ZoomAll, "zoomAll", "zoom_all", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Zoom to &all"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Show the whole drawing"), Qt::CTRL | Qt::Key_0, Open, false},
       {WindowAction::ZoomSelection, "zoomSelection", "zoom_selection",
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Zoom to &selection"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Show the selected object as large as it goes"),
        Qt::CTRL | Qt::Key_E, Selection, false},
+      {WindowAction::ZoomRectangle, "zoomRectangle", "zoom_rectangle",
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Zoom to a &rectangle"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Show a rectangle that you draw, as large as it goes"),
+       Qt::CTRL | Qt::Key_W, Open, false},
+      {WindowAction::PreviousView, "previousView", "previous_view",
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Pre&vious view"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Show what the plan showed before"), Qt::ALT | Qt::Key_Left,
+       Open | ViewBefore, false},
+      {WindowAction::NextView, "nextView", "next_view", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Next view"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Show the view again that was gone back from"),
+       Qt::ALT | Qt::Key_Right, Open | ViewBehind, false},
+      {WindowAction::FullScreen, "fullScreen", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Full scr&een"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Fill the screen with the window, or give it its size back"),
+       Qt::Key_F11, Nothing, false},
+      {WindowAction::ShowAllObjects, "showAllObjects", "",
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Sho&w all objects"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Show the objects again that are hidden in the plan"),
+       QKeySequence(), Open | Hidden, false},
       {WindowAction::Find, "find", "find", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Find object"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Find an object of the drawing by its name"),
        QKeySequence::Find, Nothing, false},
+      {WindowAction::GoTo, "goTo", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Go to…"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Go to a point, a station, coordinates or an object"),
+       Qt::CTRL | Qt::Key_G, Open, false},
       {WindowAction::CommandLine, "commandLine", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Command line"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Type a command by its name"), Qt::Key_F2, Nothing, false},
+      {WindowAction::ResetPanels, "resetPanels", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Rese&t panels"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "Put all panels and tools back to their first places"),
+       QKeySequence(), Nothing, false},
+      {WindowAction::WindowHelp, "windowHelp", "help", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "This &window"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "What the parts of this window show and do"),
+       QKeySequence::HelpContents, Nothing, false},
       {WindowAction::HelpContents, "help", "help", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Contents"),
-       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "How the reports are made"), QKeySequence::HelpContents,
-       Nothing, false},
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "How the reports are made"), QKeySequence(), Nothing, false},
+      {WindowAction::Shortcuts, "shortcuts", "",
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&Keyboard shortcuts"),
+       QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "All keys of this window's actions"), QKeySequence(), Nothing,
+       true},
       {WindowAction::About, "about", "", QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "&About"),
        QT_TRANSLATE_NOOP("lvx::desktop::WindowActions", "About this program"), QKeySequence(), Nothing, true},
   };
@@ -174,6 +231,10 @@ void WindowActions::buildFileMenu() {
   menu->addAction(at(WindowAction::Save));
   menu->addAction(at(WindowAction::SaveAs));
   menu->addSeparator();
+  menu->addAction(at(WindowAction::SectionBook));
+  menu->addAction(at(WindowAction::ExportPlan));
+  menu->addAction(at(WindowAction::PrintPlan));
+  menu->addSeparator();
   menu->addAction(at(WindowAction::Quit));
 }
 
@@ -192,25 +253,34 @@ void WindowActions::buildEditMenu() {
 void WindowActions::buildViewMenu(QSettings& settings, std::optional<Scheme> askedScheme) {
   QMenu* const menu = window_.menuBar()->addMenu(tr("&View"));
   for (const WindowAction action :
-       {WindowAction::ZoomAll, WindowAction::ZoomSelection, WindowAction::Find, WindowAction::CommandLine})
+       {WindowAction::ZoomAll, WindowAction::ZoomSelection, WindowAction::ZoomRectangle, WindowAction::PreviousView,
+        WindowAction::NextView, WindowAction::FullScreen, WindowAction::FreeSection, WindowAction::Find,
+        WindowAction::GoTo, WindowAction::CommandLine})
     menu->addAction(at(action));
+  menu->addSeparator();
+  menu->addAction(at(WindowAction::Measure));
+  menu->addAction(at(WindowAction::Difference));
   menu->addSeparator();
   layerMenu_ = menu->addMenu(icon(QStringLiteral("layers")), tr("&Layers"));
   layerMenu_->setObjectName(QStringLiteral("layerMenu"));
   surfaceMenu_ = menu->addMenu(icon(QStringLiteral("surface_look")), tr("S&urface"));
   surfaceMenu_->setObjectName(QStringLiteral("surfaceMenu"));
   look_ = std::make_unique<LookMenus>(*layerMenu_, *surfaceMenu_, settings);
+  menu->addAction(at(WindowAction::ShowAllObjects));
   QMenu* const schemeMenu = menu->addMenu(tr("Sc&heme"));
   schemeMenu->setObjectName(QStringLiteral("schemeMenu"));
   scheme_ = std::make_unique<SchemeMenu>(*schemeMenu, settings, askedScheme);
   menu->addSeparator();
   QMenu* const panels = menu->addMenu(tr("&Panels"));
   for (QDockWidget* const dock : window_.findChildren<QDockWidget*>()) panels->addAction(dock->toggleViewAction());
+  menu->addAction(at(WindowAction::ResetPanels));
 }
 
 void WindowActions::buildHelpMenu() {
   QMenu* const menu = window_.menuBar()->addMenu(tr("&Help"));
+  menu->addAction(at(WindowAction::WindowHelp));
   menu->addAction(at(WindowAction::HelpContents));
+  menu->addAction(at(WindowAction::Shortcuts));
   menu->addSeparator();
   menu->addAction(at(WindowAction::About));
 }
@@ -234,6 +304,9 @@ void WindowActions::buildTools() {
   tools_->addSeparator();
   tools_->addAction(at(WindowAction::ZoomAll));
   tools_->addAction(at(WindowAction::ZoomSelection));
+  tools_->addAction(at(WindowAction::Measure));
+  tools_->addAction(at(WindowAction::ZoomRectangle));
+  tools_->addAction(at(WindowAction::PreviousView));
   const auto addMenuButton = [this](QMenu* menu, const QString& tip) {
     auto* const button = new QToolButton;
     button->setIcon(menu->icon());

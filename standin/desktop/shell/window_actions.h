@@ -31,6 +31,9 @@ enum class WindowAction : std::uint8_t {
   Reload,
   Save,
   SaveAs,
+  SectionBook,
+  ExportPlan,
+  PrintPlan,
   Quit,
   Undo,
   Redo,
@@ -41,11 +44,23 @@ enum class WindowAction : std::uint8_t {
   NewProfile,
   NewPointGroup,
   NewPointGroupOfSelection,
+  Measure,
+  Difference,
+  FreeSection,
   ZoomAll,
   ZoomSelection,
+  ZoomRectangle,
+  PreviousView,
+  NextView,
+  FullScreen,
+  ShowAllObjects,
   Find,
+  GoTo,
   CommandLine,
+  ResetPanels,
+  WindowHelp,
   HelpContents,
+  Shortcuts,
   About,
   Count
 };
@@ -61,6 +76,11 @@ struct WindowState {
   /// What would be undone and redone; empty for nothing.
   QString undo;
   QString redo;
+  /// The plan has a view to go back to, or forth.
+  bool hasPreviousView = false;
+  bool hasNextView = false;
+  /// An object is hidden in the plan.
+  bool hasHidden = false;
 };
 
 /// The window's actions, by menus, tools, keys and the status line's words. A new one is a row of the table in

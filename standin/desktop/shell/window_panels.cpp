@@ -6,9 +6,12 @@
 #include <QMainWindow>
 #include <QScreen>
 #include <QSettings>
+#include <QStackedWidget>
 #include <QStatusBar>
 #include <QVBoxLayout>
+#include <algorithm>
 
+#include "desktop/charts/free_section_view.h"
 #include "desktop/charts/profile_view.h"
 #include "desktop/charts/section_view.h"
 #include "desktop/panels/console_view.h"
@@ -16,6 +19,7 @@
 #include "desktop/panels/drawing_tree.h"
 #include "desktop/panels/notice_bar.h"
 #include "desktop/panels/progress_strip.h"
+#include "desktop/panels/properties_view.h"
 #include "desktop/plan/plan_view.h"
 
 namespace lvx::desktop {
@@ -57,11 +61,17 @@ WindowPanels::WindowPanels(QMainWindow& window)
       console(new ConsoleView),
       diagnostics(new DiagnosticsView),
       section(new SectionView),
+      freeSection(new FreeSectionView),
+      sections(new QStackedWidget),
       profile(new ProfileView),
-      progress(new ProgressStrip) {
+      progress(new ProgressStrip),
+      properties(new PropertiesView) {
   plan->setObjectName(QStringLiteral("plan"));
   section->setObjectName(QStringLiteral("section"));
   profile->setObjectName(QStringLiteral("profile"));
+  freeSection->setObjectName(QStringLiteral("freeSection"));
+  sections->addWidget(section);
+  sections->addWidget(freeSection);
   buildCentre(window);
   buildDocks(window);
   window.statusBar()->addPermanentWidget(progress);
@@ -90,8 +100,10 @@ void WindowPanels::buildDocks(QMainWindow& window) {
   window.splitDockWidget(consoleDock, profileDock, Qt::Horizontal);
   diagnosticsDock = addDock(window, QStringLiteral("diagnosticsDock"), DockNames::tr("Diagnostics"), diagnostics,
                             Qt::BottomDockWidgetArea);
-  sectionDock =
-      addDock(window, QStringLiteral("sectionDock"), DockNames::tr("Cross section"), section, Qt::BottomDockWidgetArea);
+  sectionDock = addDock(window, QStringLiteral("sectionDock"), DockNames::tr("Cross section"), sections,
+                        Qt::BottomDockWidgetArea);
+  propertiesDock = addDock(window, QStringLiteral("propertiesDock"), DockNames::tr("Properties"), properties,
+                           Qt::LeftDockWidgetArea);
   window.tabifyDockWidget(consoleDock, diagnosticsDock);
   window.tabifyDockWidget(profileDock, sectionDock);
   consoleDock->raise();
@@ -104,6 +116,18 @@ void WindowPanels::showConsole() const {
   consoleDock->raise();
 }
 
+void WindowPanels::showProperties() const {
+  propertiesDock->show();
+  propertiesDock->raise();
+}
+
+void WindowPanels::keepFirst(const QMainWindow& window) { firstState_ = window.saveState(kStateVersion); }
+
+void WindowPanels::reset(QMainWindow& window) const {
+  window.restoreState(firstState_, kStateVersion);
+  sizeDocks(window);
+}
+
 void WindowPanels::restore(QMainWindow& window, const QSettings& settings) const {
   const QByteArray geometry = settings.value(QLatin1String(kGeometry)).toByteArray();
   if (geometry.isEmpty() || !window.restoreGeometry(geometry)) {
@@ -111,14 +135,26 @@ void WindowPanels::restore(QMainWindow& window, const QSettings& settings) const
     constexpr double kPart = 0.95;
     window.resize(kUsualSize.boundedTo(room * kPart));
   }
-  if (window.restoreState(settings.value(QLatin1String(kState)).toByteArray(), kStateVersion)) return;
+  if (!window.restoreState(settings.value(QLatin1String(kState)).toByteArray(), kStateVersion)) sizeDocks(window);
+}
+
+void WindowPanels::sizeDocks(QMainWindow& window) const {
   constexpr int kTreeWidth = 300;
   constexpr int kBottomHeight = 270;
-  window.resizeDocks({treeDock}, {kTreeWidth}, Qt::Horizontal);
   window.resizeDocks({consoleDock, profileDock}, {kBottomHeight, kBottomHeight}, Qt::Vertical);
+  constexpr int kTreeShare = 3;
+  constexpr int kPropertiesShare = 2;
+  window.resizeDocks({treeDock, propertiesDock},
+                     {window.height() * kTreeShare / (kTreeShare + kPropertiesShare),
+                      window.height() * kPropertiesShare / (kTreeShare + kPropertiesShare)},
+                     Qt::Vertical);
+  // Asked for more than there is, the window would take it from the tree.
   constexpr int kConsoleWidth = 480;
-  window.resizeDocks({consoleDock, profileDock}, {kConsoleWidth, kUsualSize.width() - kTreeWidth - kConsoleWidth},
-                     Qt::Horizontal);
+  constexpr double kConsoleShare = 0.4;
+  const int room = window.width() - kTreeWidth;
+  const int consoleWidth = std::min(kConsoleWidth, static_cast<int>(room * kConsoleShare));
+  window.resizeDocks({consoleDock, profileDock}, {consoleWidth, room - consoleWidth}, Qt::Horizontal);
+  window.resizeDocks({treeDock}, {kTreeWidth}, Qt::Horizontal);
 }
 
 void WindowPanels::save(const QMainWindow& window, QSettings& settings) {

@@ -34,6 +34,10 @@
         <source>Cross section</source>
         <translation>Querprofil</translation>
     </message>
+    <message>
+        <source>Properties</source>
+        <translation>Eigenschaften</translation>
+    </message>
 </context>
 <context>
     <name>DrawingSources</name>
@@ -62,6 +66,10 @@
     <message>
         <source>&amp;Replace</source>
         <translation>&amp;Ersetzen</translation>
+    </message>
+    <message>
+        <source>LandXML drawings (*.xml *.landxml *.xml.gz *.zip);;All files (*)</source>
+        <translation>LandXML-Zeichnungen (*.xml *.landxml *.xml.gz *.zip);;Alle Dateien (*)</translation>
     </message>
 </context>
 <context>
@@ -104,6 +112,21 @@
     </message>
 </context>
 <context>
+    <name>PlanFileWords</name>
+    <message>
+        <source>%1 can&apos;t be written: its name must end in .pdf, .svg or .png.</source>
+        <translation>%1 kann nicht geschrieben werden: Der Name muss auf .pdf, .svg oder .png enden.</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be written: its name must end in .pdf or .png.</source>
+        <translation>%1 kann nicht geschrieben werden: Der Name muss auf .pdf oder .png enden.</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be written: %2.</source>
+        <translation>%1 kann nicht geschrieben werden: %2.</translation>
+    </message>
+</context>
+<context>
     <name>PlanFurniture</name>
     <message>
         <source>N</source>
@@ -113,6 +136,484 @@
     <message>
         <source>Height</source>
         <translation>Höhe</translation>
+    </message>
+</context>
+<context>
+    <name>PlanSheet</name>
+    <message>
+        <source>Drawing</source>
+        <translation>Zeichnung</translation>
+    </message>
+    <message>
+        <source>Scale</source>
+        <translation>Maßstab</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>Contours</source>
+        <translation>Höhenlinien</translation>
+    </message>
+    <message>
+        <source>Contours every %1 %2</source>
+        <translation>Höhenlinien alle %1 %2</translation>
+    </message>
+    <message>
+        <source>Alignment</source>
+        <translation>Achse</translation>
+    </message>
+    <message>
+        <source>Sample line</source>
+        <translation>Querprofil</translation>
+    </message>
+    <message>
+        <source>Corridor</source>
+        <translation>Straßenkörper</translation>
+    </message>
+    <message>
+        <source>Point</source>
+        <translation>Punkt</translation>
+    </message>
+    <message>
+        <source>Border of a surface</source>
+        <translation>Rand eines DGM</translation>
+    </message>
+</context>
+<context>
+    <name>PropertyWords</name>
+    <message>
+        <source>Alignment</source>
+        <translation>Achse</translation>
+    </message>
+    <message>
+        <source>Alignments</source>
+        <translation>Achsen</translation>
+    </message>
+    <message>
+        <source>Arc</source>
+        <translation>Bogen</translation>
+    </message>
+    <message>
+        <source>Area in plan</source>
+        <translation>Fläche im Grundriss</translation>
+    </message>
+    <message>
+        <source>Area of the ground</source>
+        <translation>Fläche im Raum</translation>
+    </message>
+    <message>
+        <source>Azimuth</source>
+        <translation>Richtungswinkel</translation>
+    </message>
+    <message>
+        <source>Baseline</source>
+        <translation>Basislinie</translation>
+    </message>
+    <message>
+        <source>Baselines</source>
+        <translation>Basislinien</translation>
+    </message>
+    <message>
+        <source>Biquadratic transition</source>
+        <translation>Biquadratischer Übergangsbogen</translation>
+    </message>
+    <message>
+        <source>Bloss transition</source>
+        <translation>Blossbogen</translation>
+    </message>
+    <message>
+        <source>Length of the border</source>
+        <translation>Randlänge</translation>
+    </message>
+    <message>
+        <source>Circle</source>
+        <translation>Kreis</translation>
+    </message>
+    <message>
+        <source>Clothoid</source>
+        <translation>Klothoide</translation>
+    </message>
+    <message>
+        <source>A</source>
+        <translation>A</translation>
+    </message>
+    <message>
+        <source>Code</source>
+        <translation>Code</translation>
+    </message>
+    <message>
+        <source>Codes</source>
+        <translation>Codes</translation>
+    </message>
+    <message>
+        <source>Computed</source>
+        <translation>Berechnet</translation>
+    </message>
+    <message>
+        <source>Corridor</source>
+        <translation>Straßenkörper</translation>
+    </message>
+    <message>
+        <source>Corridors</source>
+        <translation>Straßenkörper</translation>
+    </message>
+    <message>
+        <source>Cosine transition</source>
+        <translation>Kosinus-Übergangsbogen</translation>
+    </message>
+    <message>
+        <source>Curve</source>
+        <translation>Ausrundung</translation>
+    </message>
+    <message>
+        <source>End of curve</source>
+        <translation>Ausrundungsende</translation>
+    </message>
+    <message>
+        <source>Start of curve</source>
+        <translation>Ausrundungsanfang</translation>
+    </message>
+    <message>
+        <source>Curves</source>
+        <translation>Ausrundungen</translation>
+    </message>
+    <message>
+        <source>Description</source>
+        <translation>Beschreibung</translation>
+    </message>
+    <message>
+        <source>Design</source>
+        <translation>Entwurf</translation>
+    </message>
+    <message>
+        <source>Easting at end</source>
+        <translation>Rechtswert Ende</translation>
+    </message>
+    <message>
+        <source>Easting at start</source>
+        <translation>Rechtswert Anfang</translation>
+    </message>
+    <message>
+        <source>Easting</source>
+        <translation>Rechtswert</translation>
+    </message>
+    <message>
+        <source>Edges of more than two triangles</source>
+        <translation>Kanten von mehr als zwei Dreiecken</translation>
+    </message>
+    <message>
+        <source>Elements</source>
+        <translation>Elemente</translation>
+    </message>
+    <message>
+        <source>Elevation</source>
+        <translation>Höhe</translation>
+    </message>
+    <message>
+        <source>End station</source>
+        <translation>Endstation</translation>
+    </message>
+    <message>
+        <source>Station equations</source>
+        <translation>Stationsgleichungen</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Datei</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Dateien</translation>
+    </message>
+    <message>
+        <source>Full description</source>
+        <translation>Volle Beschreibung</translation>
+    </message>
+    <message>
+        <source>Gaps</source>
+        <translation>Lücken</translation>
+    </message>
+    <message>
+        <source>Given</source>
+        <translation>Gegeben</translation>
+    </message>
+    <message>
+        <source>Grade in</source>
+        <translation>Neigung davor</translation>
+    </message>
+    <message>
+        <source>Grade out</source>
+        <translation>Neigung danach</translation>
+    </message>
+    <message>
+        <source>Greatest easting</source>
+        <translation>Größter Rechtswert</translation>
+    </message>
+    <message>
+        <source>Greatest elevation</source>
+        <translation>Größte Höhe</translation>
+    </message>
+    <message>
+        <source>Greatest grade</source>
+        <translation>Größte Neigung</translation>
+    </message>
+    <message>
+        <source>Greatest northing</source>
+        <translation>Größter Hochwert</translation>
+    </message>
+    <message>
+        <source>Greatest slope</source>
+        <translation>Größtes Gefälle</translation>
+    </message>
+    <message>
+        <source>Ground</source>
+        <translation>Gelände</translation>
+    </message>
+    <message>
+        <source>Group</source>
+        <translation>Gruppe</translation>
+    </message>
+    <message>
+        <source>Intersection points</source>
+        <translation>Tangentenschnittpunkte</translation>
+    </message>
+    <message>
+        <source>K</source>
+        <translation>K</translation>
+    </message>
+    <message>
+        <source>Least easting</source>
+        <translation>Kleinster Rechtswert</translation>
+    </message>
+    <message>
+        <source>Least elevation</source>
+        <translation>Kleinste Höhe</translation>
+    </message>
+    <message>
+        <source>Least grade</source>
+        <translation>Kleinste Neigung</translation>
+    </message>
+    <message>
+        <source>Least northing</source>
+        <translation>Kleinster Hochwert</translation>
+    </message>
+    <message>
+        <source>Least slope</source>
+        <translation>Kleinstes Gefälle</translation>
+    </message>
+    <message>
+        <source>Left</source>
+        <translation>Links</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>Länge</translation>
+    </message>
+    <message>
+        <source>Line</source>
+        <translation>Gerade</translation>
+    </message>
+    <message>
+        <source>Made here, not saved</source>
+        <translation>Hier angelegt, nicht gespeichert</translation>
+    </message>
+    <message>
+        <source>Mean elevation</source>
+        <translation>Mittlere Höhe</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Northing at end</source>
+        <translation>Hochwert Ende</translation>
+    </message>
+    <message>
+        <source>Northing at start</source>
+        <translation>Hochwert Anfang</translation>
+    </message>
+    <message>
+        <source>Northing</source>
+        <translation>Hochwert</translation>
+    </message>
+    <message>
+        <source>Number</source>
+        <translation>Nummer</translation>
+    </message>
+    <message>
+        <source>Members in other files</source>
+        <translation>Punkte in anderen Dateien</translation>
+    </message>
+    <message>
+        <source>Offset</source>
+        <translation>Abstand</translation>
+    </message>
+    <message>
+        <source>Offset on the left</source>
+        <translation>Abstand links</translation>
+    </message>
+    <message>
+        <source>Offset on the right</source>
+        <translation>Abstand rechts</translation>
+    </message>
+    <message>
+        <source>Origin</source>
+        <translation>Herkunft</translation>
+    </message>
+    <message>
+        <source>Parabola</source>
+        <translation>Parabel</translation>
+    </message>
+    <message>
+        <source>Part</source>
+        <translation>Teil</translation>
+    </message>
+    <message>
+        <source>Parts</source>
+        <translation>Teile</translation>
+    </message>
+    <message>
+        <source>Drawing</source>
+        <translation>Zeichnung</translation>
+    </message>
+    <message>
+        <source>Point</source>
+        <translation>Punkt</translation>
+    </message>
+    <message>
+        <source>Point group</source>
+        <translation>Punktgruppe</translation>
+    </message>
+    <message>
+        <source>Point groups</source>
+        <translation>Punktgruppen</translation>
+    </message>
+    <message>
+        <source>Points</source>
+        <translation>Punkte</translation>
+    </message>
+    <message>
+        <source>Profile</source>
+        <translation>Längsschnitt</translation>
+    </message>
+    <message>
+        <source>Profiles</source>
+        <translation>Längsschnitte</translation>
+    </message>
+    <message>
+        <source>Radius</source>
+        <translation>Radius</translation>
+    </message>
+    <message>
+        <source>Radius in</source>
+        <translation>Radius Anfang</translation>
+    </message>
+    <message>
+        <source>Radius out</source>
+        <translation>Radius Ende</translation>
+    </message>
+    <message>
+        <source>Raw description</source>
+        <translation>Kurzbeschreibung</translation>
+    </message>
+    <message>
+        <source>Region</source>
+        <translation>Bereich</translation>
+    </message>
+    <message>
+        <source>Regions</source>
+        <translation>Bereiche</translation>
+    </message>
+    <message>
+        <source>Right</source>
+        <translation>Rechts</translation>
+    </message>
+    <message>
+        <source>Sample line</source>
+        <translation>Querprofil</translation>
+    </message>
+    <message>
+        <source>Sample line group</source>
+        <translation>Querprofilgruppe</translation>
+    </message>
+    <message>
+        <source>Sample line groups</source>
+        <translation>Querprofilgruppen</translation>
+    </message>
+    <message>
+        <source>Sample lines</source>
+        <translation>Querprofile</translation>
+    </message>
+    <message>
+        <source>Sections</source>
+        <translation>Querschnitte</translation>
+    </message>
+    <message>
+        <source>Sine transition</source>
+        <translation>Sinus-Übergangsbogen</translation>
+    </message>
+    <message>
+        <source>Site</source>
+        <translation>Gebiet</translation>
+    </message>
+    <message>
+        <source>Sites</source>
+        <translation>Gebiete</translation>
+    </message>
+    <message>
+        <source>Start station</source>
+        <translation>Anfangsstation</translation>
+    </message>
+    <message>
+        <source>Station</source>
+        <translation>Station</translation>
+    </message>
+    <message>
+        <source>Station ahead</source>
+        <translation>Station danach</translation>
+    </message>
+    <message>
+        <source>Station back</source>
+        <translation>Station davor</translation>
+    </message>
+    <message>
+        <source>Surface</source>
+        <translation>DGM</translation>
+    </message>
+    <message>
+        <source>Surfaces</source>
+        <translation>DGM</translation>
+    </message>
+    <message>
+        <source>Triangles</source>
+        <translation>Dreiecke</translation>
+    </message>
+    <message>
+        <source>Triangles without area</source>
+        <translation>Dreiecke ohne Fläche</translation>
+    </message>
+    <message>
+        <source>Turn</source>
+        <translation>Drehsinn</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>Art</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Einheit</translation>
+    </message>
+    <message>
+        <source>Unsymmetric parabola</source>
+        <translation>Unsymmetrische Parabel</translation>
+    </message>
+    <message>
+        <source>Vertices</source>
+        <translation>Stützpunkte</translation>
     </message>
 </context>
 <context>
@@ -153,6 +654,323 @@
 This file doesn&apos;t exist. Create it?</source>
         <translation>%1
 Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
+    </message>
+</context>
+<context>
+    <name>ZoomRectangle</name>
+    <message>
+        <source>The opposite corner</source>
+        <translation>Die gegenüberliegende Ecke</translation>
+    </message>
+    <message>
+        <source>Zoom: a corner</source>
+        <translation>Zoomen: eine Ecke</translation>
+    </message>
+    <message>
+        <source>Drag, or two clicks; Esc: back</source>
+        <translation>Ziehen oder zwei Klicks; Esc: zurück</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::AreaMenu</name>
+    <message>
+        <source>Areas</source>
+        <translation>Flächen</translation>
+    </message>
+    <message>
+        <source>Which areas are shaded: cut and fill, parts by their codes</source>
+        <translation>Welche Flächen gefüllt sind: Abtrag und Auftrag, Teile nach ihren Codes</translation>
+    </message>
+    <message>
+        <source>Fill</source>
+        <translation>Auftrag</translation>
+    </message>
+    <message>
+        <source>Cut</source>
+        <translation>Abtrag</translation>
+    </message>
+    <message>
+        <source>%1 above %2</source>
+        <translation>%1 über %2</translation>
+    </message>
+    <message>
+        <source>%1 below %2</source>
+        <translation>%1 unter %2</translation>
+    </message>
+    <message>
+        <source>Cut %1</source>
+        <translation>Abtrag %1</translation>
+    </message>
+    <message>
+        <source>Fill %1</source>
+        <translation>Auftrag %1</translation>
+    </message>
+    <message>
+        <source>&amp;Cut and fill</source>
+        <translation>&amp;Abtrag und Auftrag</translation>
+    </message>
+    <message>
+        <source>&amp;Parts by their codes</source>
+        <translation>&amp;Teile nach ihren Codes</translation>
+    </message>
+    <message>
+        <source>Automatic: %1</source>
+        <translation>Automatisch: %1</translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation>Automatisch</translation>
+    </message>
+    <message>
+        <source>&amp;Design</source>
+        <translation>&amp;Planung</translation>
+    </message>
+    <message>
+        <source>&amp;Ground</source>
+        <translation>&amp;Gelände</translation>
+    </message>
+    <message>
+        <source>Parts without a code</source>
+        <translation>Teile ohne Code</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::BookDialog</name>
+    <message>
+        <source>&amp;Grid with elevations</source>
+        <translation>&amp;Gitter mit Höhen</translation>
+    </message>
+    <message>
+        <source>Section book</source>
+        <translation>Profilheft</translation>
+    </message>
+    <message>
+        <source>Cross sections</source>
+        <translation>Querprofile</translation>
+    </message>
+    <message>
+        <source>Long section</source>
+        <translation>Längsschnitt</translation>
+    </message>
+    <message>
+        <source>Own size</source>
+        <translation>Eigene Größe</translation>
+    </message>
+    <message>
+        <source>Landscape</source>
+        <translation>Querformat</translation>
+    </message>
+    <message>
+        <source>Portrait</source>
+        <translation>Hochformat</translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation>Automatisch</translation>
+    </message>
+    <message>
+        <source>As many as fit</source>
+        <translation>So viele wie passen</translation>
+    </message>
+    <message>
+        <source> mm</source>
+        <translation> mm</translation>
+    </message>
+    <message>
+        <source>Width</source>
+        <translation>Breite</translation>
+    </message>
+    <message>
+        <source>Height</source>
+        <translation>Höhe</translation>
+    </message>
+    <message>
+        <source>from the begin</source>
+        <translation>vom Anfang</translation>
+    </message>
+    <message>
+        <source>to the end</source>
+        <translation>bis zum Ende</translation>
+    </message>
+    <message>
+        <source>&amp;Draw:</source>
+        <translation>&amp;Zeichnen:</translation>
+    </message>
+    <message>
+        <source>&amp;Alignment:</source>
+        <translation>&amp;Achse:</translation>
+    </message>
+    <message>
+        <source>Sample &amp;lines:</source>
+        <translation>&amp;Querprofile:</translation>
+    </message>
+    <message>
+        <source>De&amp;sign:</source>
+        <translation>&amp;Entwurf:</translation>
+    </message>
+    <message>
+        <source>Gro&amp;und:</source>
+        <translation>Gelän&amp;de:</translation>
+    </message>
+    <message>
+        <source>&amp;From station:</source>
+        <translation>&amp;Von Station:</translation>
+    </message>
+    <message>
+        <source>&amp;To station:</source>
+        <translation>&amp;Bis Station:</translation>
+    </message>
+    <message>
+        <source>&amp;Paper:</source>
+        <translation>&amp;Papier:</translation>
+    </message>
+    <message>
+        <source>Si&amp;ze:</source>
+        <translation>G&amp;röße:</translation>
+    </message>
+    <message>
+        <source>&amp;Orientation:</source>
+        <translation>A&amp;usrichtung:</translation>
+    </message>
+    <message>
+        <source>S&amp;cale:</source>
+        <translation>&amp;Maßstab:</translation>
+    </message>
+    <message>
+        <source>E&amp;xaggeration of heights:</source>
+        <translation>Ü&amp;berhöhung:</translation>
+    </message>
+    <message>
+        <source>Sections on a s&amp;heet:</source>
+        <translation>Profile je B&amp;latt:</translation>
+    </message>
+    <message>
+        <source>Outcome</source>
+        <translation>Ergebnis</translation>
+    </message>
+    <message>
+        <source>&amp;Save as…</source>
+        <translation>&amp;Speichern unter…</translation>
+    </message>
+    <message>
+        <source>What the alignment has</source>
+        <translation>Was die Achse hat</translation>
+    </message>
+    <message>
+        <source>The drawing has no alignment.</source>
+        <translation>Die Zeichnung hat keine Achse.</translation>
+    </message>
+    <message>
+        <source>The alignment has no sample lines. Sample lines in the menu Edit makes some.</source>
+        <translation>Die Achse hat keine Querprofile. Querprofile im Menü Bearbeiten legt welche an.</translation>
+    </message>
+    <message>
+        <source>“%1” is no station such as 1200 or 1+200.</source>
+        <translation>„%1“ ist keine Station wie 1200 oder 1+200.</translation>
+    </message>
+    <message>
+        <source>“%1” is no scale such as 200 or 1:200.</source>
+        <translation>„%1“ ist kein Maßstab wie 200 oder 1:200.</translation>
+    </message>
+    <message>
+        <source>So many sections that the sheets are counted when the book is made.</source>
+        <translation>So viele Querprofile, dass die Blätter erst beim Zeichnen gezählt werden.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::BookMaker</name>
+    <message>
+        <source>Section book</source>
+        <translation>Profilheft</translation>
+    </message>
+    <message>
+        <source>Books can&apos;t be written here: %1.</source>
+        <translation>Hier können keine Hefte geschrieben werden: %1.</translation>
+    </message>
+    <message>
+        <source>long section</source>
+        <translation>Längsschnitt</translation>
+    </message>
+    <message>
+        <source>cross sections</source>
+        <translation>Querprofile</translation>
+    </message>
+    <message>
+        <source>Save section book</source>
+        <translation>Profilheft speichern</translation>
+    </message>
+    <message>
+        <source>PDF document</source>
+        <translation>PDF-Dokument</translation>
+    </message>
+    <message>
+        <source>SVG picture</source>
+        <translation>SVG-Bild</translation>
+    </message>
+    <message>
+        <source>Placing sections</source>
+        <translation>Profile anordnen</translation>
+    </message>
+    <message>
+        <source>Drawing sheets</source>
+        <translation>Blätter zeichnen</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::BookWords</name>
+    <message>
+        <source>There is nothing to draw: no surface, corridor or profile in this range.</source>
+        <translation>Es gibt nichts zu zeichnen: kein DGM, kein 3D-Profilkörper und kein Längsschnitt in diesem Bereich.</translation>
+    </message>
+    <message>
+        <source>What is at station %1 is larger than the paper at this scale.</source>
+        <translation>Was an Station %1 liegt, ist in diesem Maßstab größer als das Papier.</translation>
+    </message>
+    <message>
+        <source>%1 fits.</source>
+        <translation>%1 passt.</translation>
+    </message>
+    <message>
+        <source>%1 in landscape fits too.</source>
+        <translation>%1 im Querformat passt auch.</translation>
+    </message>
+    <message>
+        <source>What is at station %1 fits this paper at no scale. Take a larger paper or less exaggeration.</source>
+        <translation>Was an Station %1 liegt, passt in keinem Maßstab auf dieses Papier. Größeres Papier oder weniger Überhöhung hilft.</translation>
+    </message>
+    <message>
+        <source>The book can&apos;t be written: %1</source>
+        <translation>Das Heft kann nicht geschrieben werden: %1</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n sheet(s), %1, %2</source>
+        <translation>
+            <numerusform>%n Blatt, %1, %2</numerusform>
+            <numerusform>%n Blätter, %1, %2</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>There is not enough memory for the book.</source>
+        <translation>Für das Profilheft reicht der Speicher nicht.</translation>
+    </message>
+    <message>
+        <source>The drawing of the book broke off (%1). Memory may be short.</source>
+        <translation>Das Zeichnen des Profilhefts brach ab (%1). Vielleicht reicht der Speicher nicht.</translation>
+    </message>
+    <message>
+        <source>At this scale the book has more than %1 sheets. Take a smaller scale, a larger paper or a shorter range.</source>
+        <translation>In diesem Maßstab hat das Heft mehr als %1 Blätter. Ein kleinerer Maßstab, ein größeres Papier oder ein kürzerer Bereich hilft.</translation>
+    </message>
+    <message>
+        <source>The book has %1 sheets, and at most %2 SVG pictures are written. Save it as PDF, or take a smaller scale, a larger paper or a shorter range.</source>
+        <translation>Das Heft hat %1 Blätter, und höchstens %2 SVG-Bilder werden geschrieben. Als PDF sichern, oder ein kleinerer Maßstab, ein größeres Papier oder ein kürzerer Bereich hilft.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::ChartLegend</name>
+    <message>
+        <source>Lines of the chart</source>
+        <translation>Linien des Diagramms</translation>
     </message>
 </context>
 <context>
@@ -224,10 +1042,6 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>Enlargement of heights</source>
         <translation>Überhöhung</translation>
-    </message>
-    <message>
-        <source>Lines of the chart</source>
-        <translation>Linien des Bildes</translation>
     </message>
     <message>
         <source>PDF document</source>
@@ -370,6 +1184,144 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     </message>
 </context>
 <context>
+    <name>lvx::desktop::DifferenceDialog</name>
+    <message>
+        <source>Difference of surfaces</source>
+        <translation>Differenz von DGM</translation>
+    </message>
+    <message>
+        <source>That didn&apos;t work: %1</source>
+        <translation>Das ging nicht: %1</translation>
+    </message>
+    <message>
+        <source>&amp;Existing surface:</source>
+        <translation>&amp;Bestehendes DGM:</translation>
+    </message>
+    <message>
+        <source>&amp;New surface:</source>
+        <translation>&amp;Neues DGM:</translation>
+    </message>
+    <message>
+        <source>&amp;Compute</source>
+        <translation>Be&amp;rechnen</translation>
+    </message>
+    <message>
+        <source>&amp;Swap</source>
+        <translation>&amp;Tauschen</translation>
+    </message>
+    <message>
+        <source>Take each surface for the other one</source>
+        <translation>Jedes DGM für das andere nehmen</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Fortschritt</translation>
+    </message>
+    <message>
+        <source>Volumes and areas</source>
+        <translation>Volumen und Flächen</translation>
+    </message>
+    <message>
+        <source>Colour the &amp;plan by the difference</source>
+        <translation>&amp;Lageplan nach der Differenz färben</translation>
+    </message>
+    <message>
+        <source>C&amp;opy</source>
+        <translation>&amp;Kopieren</translation>
+    </message>
+    <message>
+        <source>Copy the figures, for a spreadsheet too</source>
+        <translation>Die Werte kopieren, auch für eine Tabellenkalkulation</translation>
+    </message>
+    <message>
+        <source>%1 to %2</source>
+        <extracomment>Two surfaces: the existing one and the one that it is to become.</extracomment>
+        <translation>%1 zu %2</translation>
+    </message>
+    <message>
+        <source>Stopped.</source>
+        <translation>Angehalten.</translation>
+    </message>
+    <message>
+        <source>The drawing has less than two surfaces; File &gt; Add drawing adds those of another file.</source>
+        <translation>Die Zeichnung hat weniger als zwei DGM; Datei &gt; Zeichnung hinzufügen holt die einer anderen Datei.</translation>
+    </message>
+    <message>
+        <source>%1: area %2</source>
+        <translation>%1: Fläche %2</translation>
+    </message>
+    <message>
+        <source>%1: volume %2, area %3</source>
+        <translation>%1: Volumen %2, Fläche %3</translation>
+    </message>
+    <message>
+        <source>The surfaces have no area in common.</source>
+        <translation>Die DGM haben keine gemeinsame Fläche.</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>An&amp;halten</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::DifferenceLayer</name>
+    <message>
+        <source>%1 fill</source>
+        <translation>%1 Auftrag</translation>
+    </message>
+    <message>
+        <source>%1 cut</source>
+        <translation>%1 Abtrag</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::DifferenceTexts</name>
+    <message>
+        <source>Cut</source>
+        <translation>Abtrag</translation>
+    </message>
+    <message>
+        <source>Fill</source>
+        <translation>Auftrag</translation>
+    </message>
+    <message>
+        <source>Fill less cut</source>
+        <translation>Auftrag weniger Abtrag</translation>
+    </message>
+    <message>
+        <source>Equal</source>
+        <translation>Gleich</translation>
+    </message>
+    <message>
+        <source>Only the existing surface</source>
+        <translation>Nur das bestehende DGM</translation>
+    </message>
+    <message>
+        <source>Only the new surface</source>
+        <translation>Nur das neue DGM</translation>
+    </message>
+    <message>
+        <source>Volume</source>
+        <translation>Volumen</translation>
+    </message>
+    <message>
+        <source>Area</source>
+        <translation>Fläche</translation>
+    </message>
+    <message>
+        <source>New surface less existing one from %1 to %2</source>
+        <translation>Neues weniger bestehendes DGM von %1 bis %2</translation>
+    </message>
+    <message>
+        <source>Volume [%1]</source>
+        <translation>Volumen [%1]</translation>
+    </message>
+    <message>
+        <source>Area [%1]</source>
+        <translation>Fläche [%1]</translation>
+    </message>
+</context>
+<context>
     <name>lvx::desktop::Document</name>
     <message>
         <source>%1 %2: %3 of %4</source>
@@ -402,10 +1354,6 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>Open a drawing</source>
         <translation>Zeichnung öffnen</translation>
-    </message>
-    <message>
-        <source>LandXML drawings (*.xml *.landxml *.xml.gz *.zip);;All files (*)</source>
-        <translation>LandXML-Zeichnungen (*.xml *.landxml *.xml.gz *.zip);;Alle Dateien (*)</translation>
     </message>
     <message>
         <source>Reading %1</source>
@@ -586,10 +1534,6 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <translation>Zur Zeichnung hinzufügen</translation>
     </message>
     <message>
-        <source>LandXML drawings (*.xml *.landxml *.xml.gz *.zip);;All files (*)</source>
-        <translation>LandXML-Zeichnungen (*.xml *.landxml *.xml.gz *.zip);;Alle Dateien (*)</translation>
-    </message>
-    <message>
         <source>In the drawing already</source>
         <translation>Schon in der Zeichnung</translation>
     </message>
@@ -673,7 +1617,7 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <name>lvx::desktop::DrawingTree</name>
     <message>
         <source>Find by name, points by number</source>
-        <translation>Namen suchen, Punkte nach Nummer</translation>
+        <translation>Name oder Punktnummer suchen</translation>
     </message>
     <message>
         <source>Objects of the drawing</source>
@@ -816,6 +1760,302 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     </message>
 </context>
 <context>
+    <name>lvx::desktop::FindBar</name>
+    <message>
+        <source>&amp;Find:</source>
+        <translation>&amp;Suchen:</translation>
+    </message>
+    <message>
+        <source>Previous</source>
+        <translation>Zurück</translation>
+    </message>
+    <message>
+        <source>The one before (Shift+F3)</source>
+        <translation>Der Treffer davor (Umschalt+F3)</translation>
+    </message>
+    <message>
+        <source>Next</source>
+        <translation>Weiter</translation>
+    </message>
+    <message>
+        <source>The next one (F3)</source>
+        <translation>Der nächste Treffer (F3)</translation>
+    </message>
+    <message>
+        <source>Not found</source>
+        <translation>Nicht gefunden</translation>
+    </message>
+    <message>
+        <source>%1 of %2</source>
+        <extracomment>Which of how many places that were found.</extracomment>
+        <translation>%1 von %2</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::FreeSection</name>
+    <message>
+        <source>First point of the section</source>
+        <translation>Erster Punkt des Schnitts</translation>
+    </message>
+    <message>
+        <source>Next point of the section</source>
+        <translation>Nächster Punkt des Schnitts</translation>
+    </message>
+    <message>
+        <source>Esc: end</source>
+        <translation>Esc: beenden</translation>
+    </message>
+    <message>
+        <source>Enter or double click: end, Backspace: one back</source>
+        <translation>Enter oder Doppelklick: beenden, Rücktaste: einer zurück</translation>
+    </message>
+    <message>
+        <source>Make a sample line</source>
+        <translation>Querprofil daraus machen</translation>
+    </message>
+    <message>
+        <source>Free sections</source>
+        <translation>Freie Schnitte</translation>
+    </message>
+    <message>
+        <source>&amp;Alignment</source>
+        <translation>&amp;Achse</translation>
+    </message>
+    <message>
+        <source>&amp;Group</source>
+        <translation>&amp;Gruppe</translation>
+    </message>
+    <message>
+        <source>&amp;Name of the new group</source>
+        <translation>&amp;Name der neuen Gruppe</translation>
+    </message>
+    <message>
+        <source>The drawing has no alignment.</source>
+        <translation>Die Zeichnung hat keine Achse.</translation>
+    </message>
+    <message>
+        <source>The line doesn&apos;t cross alignment %1. A sample line has to.</source>
+        <translation>Die Linie kreuzt die Achse %1 nicht. Ein Querprofil muss das.</translation>
+    </message>
+    <message>
+        <source>A name is wanted.</source>
+        <translation>Es fehlt ein Name.</translation>
+    </message>
+    <message>
+        <source>It crosses the alignment at %1.</source>
+        <translation>Sie kreuzt die Achse bei %1.</translation>
+    </message>
+    <message>
+        <source>The alignment has a group of this name already.</source>
+        <translation>Die Achse hat schon eine Gruppe dieses Namens.</translation>
+    </message>
+    <message>
+        <source>New group</source>
+        <translation>Neue Gruppe</translation>
+    </message>
+    <message>
+        <source>New sample line %1</source>
+        <translation>Neues Querprofil %1</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::FreeSectionView</name>
+    <message>
+        <source>Draw</source>
+        <translation>Zeichnen</translation>
+    </message>
+    <message>
+        <source>Draw another line over the plan</source>
+        <translation>Eine andere Linie im Plan zeichnen</translation>
+    </message>
+    <message>
+        <source>Sample line…</source>
+        <translation>Querprofil…</translation>
+    </message>
+    <message>
+        <source>Make the line a sample line of a group</source>
+        <translation>Die Linie zum Querprofil einer Gruppe machen</translation>
+    </message>
+    <message>
+        <source>Table…</source>
+        <translation>Tabelle…</translation>
+    </message>
+    <message>
+        <source>Write distances, places and elevations as a table</source>
+        <translation>Entfernungen, Orte und Höhen als Tabelle schreiben</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Back to cross sections</source>
+        <translation>Zurück zu den Querprofilen</translation>
+    </message>
+    <message>
+        <source>Free section</source>
+        <translation>Freier Schnitt</translation>
+    </message>
+    <message>
+        <source>Draw a line of two points or more over the plan.</source>
+        <translation>Im Plan eine Linie aus zwei oder mehr Punkten zeichnen.</translation>
+    </message>
+    <message>
+        <source>E %1 N %2 to E %3 N %4, length %5 %6</source>
+        <translation>E %1 N %2 bis E %3 N %4, Länge %5 %6</translation>
+    </message>
+    <message>
+        <source>Distance [%1]</source>
+        <translation>Entfernung [%1]</translation>
+    </message>
+    <message>
+        <source>Elevation [%1]</source>
+        <translation>Höhe [%1]</translation>
+    </message>
+    <message>
+        <source>The section is being cut…</source>
+        <translation>Der Schnitt wird berechnet…</translation>
+    </message>
+    <message>
+        <source>The drawing has neither surfaces nor corridors.</source>
+        <translation>Die Zeichnung hat weder DGM noch Straßenkörper.</translation>
+    </message>
+    <message>
+        <source>The line lies off every surface and corridor that is shown.</source>
+        <translation>Die Linie liegt neben jedem DGM und Straßenkörper, die gezeigt werden.</translation>
+    </message>
+    <message>
+        <source>Distance %1</source>
+        <translation>Strecke %1</translation>
+    </message>
+    <message>
+        <source>E %1 N %2</source>
+        <translation>E %1 N %2</translation>
+    </message>
+    <message>
+        <source>Station %1 Offset %2</source>
+        <translation>Station %1 Abstand %2</translation>
+    </message>
+    <message>
+        <source>Elevation %1</source>
+        <translation>Höhe %1</translation>
+    </message>
+    <message numerus="yes">
+        <source>and %n more</source>
+        <translation>
+            <numerusform>und %n weitere</numerusform>
+            <numerusform>und %n weitere</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>free-section</source>
+        <extracomment>Name that a free section&apos;s file is given first.</extracomment>
+        <translation>freier-schnitt</translation>
+    </message>
+    <message>
+        <source>.</source>
+        <comment>decimal sign</comment>
+        <extracomment>Decimal sign of tables for spreadsheets.</extracomment>
+        <translation>,</translation>
+    </message>
+    <message>
+        <source>Distance</source>
+        <translation>Entfernung</translation>
+    </message>
+    <message>
+        <source>Easting</source>
+        <translation>Rechtswert</translation>
+    </message>
+    <message>
+        <source>Northing</source>
+        <translation>Hochwert</translation>
+    </message>
+    <message>
+        <source>%1 less %2</source>
+        <translation>%1 minus %2</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be written: %2.</source>
+        <translation>%1 kann nicht geschrieben werden: %2.</translation>
+    </message>
+    <message>
+        <source>Write the table</source>
+        <translation>Tabelle schreiben</translation>
+    </message>
+    <message>
+        <source>Table</source>
+        <translation>Tabelle</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::GoToBox</name>
+    <message>
+        <source>Point, station, easting and northing, or a name</source>
+        <translation>Punkt, Station, Rechts- und Hochwert oder ein Name</translation>
+    </message>
+    <message>
+        <source>&amp;Go to:</source>
+        <translation>&amp;Gehe zu:</translation>
+    </message>
+    <message>
+        <source>What it may be</source>
+        <translation>Was es sein kann</translation>
+    </message>
+    <message>
+        <source>E %1   N %2</source>
+        <extracomment>Easting and northing of a place, as their letters.</extracomment>
+        <translation>R %1   H %2</translation>
+    </message>
+    <message>
+        <source>Coordinates  %1</source>
+        <translation>Koordinaten  %1</translation>
+    </message>
+    <message>
+        <source>Station %1 of %2</source>
+        <translation>Station %1 auf %2</translation>
+    </message>
+    <message>
+        <source>Station %1 of %2, %3 left</source>
+        <translation>Station %1 auf %2, %3 links</translation>
+    </message>
+    <message>
+        <source>Station %1 of %2, %3 right</source>
+        <translation>Station %1 auf %2, %3 rechts</translation>
+    </message>
+    <message>
+        <source>Point %1   %2</source>
+        <translation>Punkt %1   %2</translation>
+    </message>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 auf %2</translation>
+    </message>
+    <message>
+        <source>Enter goes there, Tab completes</source>
+        <translation>Enter geht dorthin, Tab ergänzt</translation>
+    </message>
+    <message>
+        <source>A point as 17 or GP3, a station as 1+020.5 or 1+020.5, -3 (left), easting and northing as 4500123.4; 5400456.7, or an object&apos;s name</source>
+        <translation>Ein Punkt wie 17 oder GP3, eine Station wie 1+020.5 oder 1+020.5, -3 (links), Rechts- und Hochwert wie 4500123.4; 5400456.7 oder der Name eines Objekts</translation>
+    </message>
+    <message>
+        <source>Nothing here is called “%1”, and it is neither a station nor easting and northing</source>
+        <translation>Nichts heißt hier „%1“, und eine Station oder Rechts- und Hochwert ist es auch nicht</translation>
+    </message>
+    <message>
+        <source>The drawing has no alignment that the station could be on</source>
+        <translation>Die Zeichnung hat keine Achse, auf der die Station liegen könnte</translation>
+    </message>
+    <message>
+        <source>%1 has no length</source>
+        <translation>%1 hat keine Länge</translation>
+    </message>
+    <message>
+        <source>%1 goes from %2 to %3</source>
+        <translation>%1 reicht von %2 bis %3</translation>
+    </message>
+</context>
+<context>
     <name>lvx::desktop::GroundProfileDialog</name>
     <message>
         <source>Profile from surface</source>
@@ -882,6 +2122,118 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>The alignment has a profile of this name already.</source>
         <translation>Die Achse hat schon einen Längsschnitt dieses Namens.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::GroundTexts</name>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>%1 (1:%2)</source>
+        <translation>%1 (1:%2)</translation>
+    </message>
+    <message>
+        <source>%1°</source>
+        <translation>%1°</translation>
+    </message>
+    <message>
+        <source>no ground here</source>
+        <translation>kein Gelände hier</translation>
+    </message>
+    <message>
+        <source>Z %1</source>
+        <translation>Z %1</translation>
+    </message>
+    <message>
+        <source>%1   level</source>
+        <translation>%1   eben</translation>
+    </message>
+    <message>
+        <source>%1   %2 % to %3</source>
+        <extracomment>Elevation, slope in per cent, azimuth downhill.</extracomment>
+        <translation>%1   %2 % nach %3</translation>
+    </message>
+    <message>
+        <source>Point %1</source>
+        <translation>Punkt %1</translation>
+    </message>
+    <message>
+        <source>Vertex of %1</source>
+        <translation>Eckpunkt von %1</translation>
+    </message>
+    <message>
+        <source>End of %1</source>
+        <translation>Ende von %1</translation>
+    </message>
+    <message>
+        <source>End on %1, station %2</source>
+        <translation>Ende auf %1, Station %2</translation>
+    </message>
+    <message>
+        <source>Axis %1, station %2</source>
+        <translation>Achse %1, Station %2</translation>
+    </message>
+    <message>
+        <source>Distance %1</source>
+        <translation>Strecke %1</translation>
+    </message>
+    <message>
+        <source>Height %1   along the slope %2</source>
+        <translation>Höhe %1   schräg %2</translation>
+    </message>
+    <message>
+        <source>Slope %1</source>
+        <translation>Neigung %1</translation>
+    </message>
+    <message>
+        <source>In all %1</source>
+        <translation>Insgesamt %1</translation>
+    </message>
+    <message>
+        <source>along the slope %1</source>
+        <translation>schräg %1</translation>
+    </message>
+    <message>
+        <source>Area %1   perimeter %2</source>
+        <translation>Fläche %1   Umfang %2</translation>
+    </message>
+    <message>
+        <source>%1: distance %2</source>
+        <translation>%1: Strecke %2</translation>
+    </message>
+    <message>
+        <source>, azimuth %1</source>
+        <translation>, Richtungswinkel %1</translation>
+    </message>
+    <message>
+        <source>, height %1, along the slope %2</source>
+        <translation>, Höhe %1, schräg %2</translation>
+    </message>
+    <message>
+        <source>, slope %1</source>
+        <translation>, Neigung %1</translation>
+    </message>
+    <message>
+        <source>, no ground at an end</source>
+        <translation>, kein Gelände an einem Ende</translation>
+    </message>
+    <message>
+        <source>In all: distance %1</source>
+        <translation>Insgesamt: Strecke %1</translation>
+    </message>
+    <message>
+        <source>, height %1</source>
+        <translation>, Höhe %1</translation>
+    </message>
+    <message>
+        <source>, along the slope %1</source>
+        <translation>, schräg %1</translation>
+    </message>
+    <message>
+        <source>Closed: area %1, perimeter %2</source>
+        <translation>Geschlossen: Fläche %1, Umfang %2</translation>
     </message>
 </context>
 <context>
@@ -981,6 +2333,30 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <source>&amp;Nothing</source>
         <translation>&amp;Nichts</translation>
     </message>
+    <message>
+        <source>C&amp;ontours</source>
+        <translation>Höhen&amp;linien</translation>
+    </message>
+    <message>
+        <source>Interval by the &amp;scale</source>
+        <translation>Abstand nach dem &amp;Maßstab</translation>
+    </message>
+    <message>
+        <source>&amp;Interval %1…</source>
+        <translation>A&amp;bstand %1…</translation>
+    </message>
+    <message>
+        <source>&amp;Interval…</source>
+        <translation>A&amp;bstand…</translation>
+    </message>
+    <message>
+        <source>Contours</source>
+        <translation>Höhenlinien</translation>
+    </message>
+    <message>
+        <source>Interval between contours, in units of the drawing:</source>
+        <translation>Abstand der Höhenlinien, in Einheiten der Zeichnung:</translation>
+    </message>
 </context>
 <context>
     <name>lvx::desktop::MainWindow</name>
@@ -1007,6 +2383,29 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>Drop to open; hold Ctrl to add to the open drawing</source>
         <translation>Loslassen öffnet; mit Strg wird zur offenen Zeichnung hinzugefügt</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::MeasureTool</name>
+    <message>
+        <source>Measure: points</source>
+        <translation>Messen: Punkte</translation>
+    </message>
+    <message>
+        <source>Z %1</source>
+        <translation>Z %1</translation>
+    </message>
+    <message>
+        <source>%1, Esc: back</source>
+        <translation>%1, Esc: zurück</translation>
+    </message>
+    <message>
+        <source>%1, Enter ends, Esc: one back</source>
+        <translation>%1, Enter beendet, Esc: einen zurück</translation>
+    </message>
+    <message>
+        <source>Measured</source>
+        <translation>Gemessen</translation>
     </message>
 </context>
 <context>
@@ -1056,6 +2455,25 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     </message>
 </context>
 <context>
+    <name>lvx::desktop::ObjectMenu</name>
+    <message>
+        <source>P&amp;roperties</source>
+        <translation>&amp;Eigenschaften</translation>
+    </message>
+    <message>
+        <source>&amp;Zoom here</source>
+        <translation>Hierher &amp;zoomen</translation>
+    </message>
+    <message>
+        <source>&amp;Copy coordinates</source>
+        <translation>Koordinaten &amp;kopieren</translation>
+    </message>
+    <message>
+        <source>&amp;Hide</source>
+        <translation>&amp;Ausblenden</translation>
+    </message>
+</context>
+<context>
     <name>lvx::desktop::PlaceLine</name>
     <message>
         <source>left</source>
@@ -1077,6 +2495,127 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <source>E %1   N %2</source>
         <extracomment>Easting and northing of a place, as their letters.</extracomment>
         <translation>R %1   H %2</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::PlanOutput</name>
+    <message>
+        <source>PDF document</source>
+        <translation>PDF-Dokument</translation>
+    </message>
+    <message>
+        <source>SVG drawing</source>
+        <translation>SVG-Zeichnung</translation>
+    </message>
+    <message>
+        <source>PNG picture</source>
+        <translation>PNG-Bild</translation>
+    </message>
+    <message>
+        <source>plan</source>
+        <translation>Lageplan</translation>
+    </message>
+    <message>
+        <source>Export the plan</source>
+        <translation>Lageplan exportieren</translation>
+    </message>
+    <message>
+        <source>Print the plan</source>
+        <translation>Lageplan drucken</translation>
+    </message>
+    <message>
+        <source>This computer has no printer. Export the plan as a PDF file, and print that where there is one.</source>
+        <translation>Dieser Rechner hat keinen Drucker. Der Lageplan lässt sich als PDF exportieren und dort drucken, wo es einen gibt.</translation>
+    </message>
+    <message>
+        <source>%1 doesn&apos;t take the plan. Is it switched on and connected? The plan can be exported as a PDF file meanwhile.</source>
+        <translation>%1 nimmt den Lageplan nicht an. Ist der Drucker eingeschaltet und verbunden? Der Lageplan lässt sich derweil als PDF exportieren.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::PlanSheetDialog</name>
+    <message>
+        <source>Coordinate &amp;grid</source>
+        <translation>Koordinaten&amp;gitter</translation>
+    </message>
+    <message>
+        <source>&amp;Legend</source>
+        <translation>&amp;Legende</translation>
+    </message>
+    <message>
+        <source>Export the plan</source>
+        <translation>Lageplan exportieren</translation>
+    </message>
+    <message>
+        <source>Print the plan</source>
+        <translation>Lageplan drucken</translation>
+    </message>
+    <message>
+        <source>Landscape</source>
+        <translation>Querformat</translation>
+    </message>
+    <message>
+        <source>Portrait</source>
+        <translation>Hochformat</translation>
+    </message>
+    <message>
+        <source>As large as it goes</source>
+        <translation>So groß wie möglich</translation>
+    </message>
+    <message>
+        <source>What the plan shows</source>
+        <translation>Was der Lageplan zeigt</translation>
+    </message>
+    <message>
+        <source>Everything</source>
+        <translation>Alles</translation>
+    </message>
+    <message>
+        <source>Export…</source>
+        <translation>Exportieren…</translation>
+    </message>
+    <message>
+        <source>Print…</source>
+        <translation>Drucken…</translation>
+    </message>
+    <message>
+        <source>&amp;Paper:</source>
+        <translation>&amp;Papier:</translation>
+    </message>
+    <message>
+        <source>&amp;Orientation:</source>
+        <translation>&amp;Ausrichtung:</translation>
+    </message>
+    <message>
+        <source>&amp;Scale:</source>
+        <translation>&amp;Maßstab:</translation>
+    </message>
+    <message>
+        <source>P&amp;art:</source>
+        <translation>Aus&amp;schnitt:</translation>
+    </message>
+    <message>
+        <source>A scale is typed as 1:500.</source>
+        <translation>Ein Maßstab wird als 1:500 eingegeben.</translation>
+    </message>
+    <message>
+        <source>1:%1, %2 by %3 %4 of the drawing</source>
+        <translation>1:%1, %2 mal %3 %4 der Zeichnung</translation>
+    </message>
+    <message>
+        <source>Not all of it fits; at 1:%1 it would.</source>
+        <translation>Nicht alles passt darauf; bei 1:%1 schon.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::PlanSnap</name>
+    <message>
+        <source>S: snapping off</source>
+        <translation>S: Fang aus</translation>
+    </message>
+    <message>
+        <source>S: snapping on</source>
+        <translation>S: Fang ein</translation>
     </message>
 </context>
 <context>
@@ -1291,6 +2830,52 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     </message>
 </context>
 <context>
+    <name>lvx::desktop::PropertiesView</name>
+    <message>
+        <source>Pages of properties</source>
+        <translation>Seiten der Eigenschaften</translation>
+    </message>
+    <message>
+        <source>Table</source>
+        <translation>Tabelle</translation>
+    </message>
+    <message>
+        <source>Copy for a spreadsheet</source>
+        <translation>Für Tabellenkalkulation kopieren</translation>
+    </message>
+    <message>
+        <source>Text</source>
+        <translation>Text</translation>
+    </message>
+    <message>
+        <source>Copy as text</source>
+        <translation>Als Text kopieren</translation>
+    </message>
+    <message>
+        <source>Values</source>
+        <translation>Werte</translation>
+    </message>
+    <message>
+        <source>Property</source>
+        <translation>Eigenschaft</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>Wert</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Einheit</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n row(s)</source>
+        <translation>
+            <numerusform>%n Zeile</numerusform>
+            <numerusform>%n Zeilen</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>lvx::desktop::RecentDrawings</name>
     <message>
         <source>%1 isn&apos;t there any more</source>
@@ -1427,6 +3012,45 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <source>%1 wrote %2.</source>
         <translation>%1 schrieb %2.</translation>
     </message>
+    <message>
+        <source>%1 is saved.</source>
+        <translation>%1 ist gespeichert.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::ReportPrinting</name>
+    <message>
+        <source>Print</source>
+        <translation>Drucken</translation>
+    </message>
+    <message>
+        <source>&amp;Save as PDF…</source>
+        <translation>Als &amp;PDF speichern…</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be written: %2</source>
+        <translation>%1 lässt sich nicht schreiben: %2</translation>
+    </message>
+    <message>
+        <source>Save as PDF</source>
+        <translation>Als PDF speichern</translation>
+    </message>
+    <message>
+        <source>PDF document</source>
+        <translation>PDF-Dokument</translation>
+    </message>
+    <message>
+        <source>This system has no printer. Set one up in the system&apos;s settings, or save the report as a PDF document.</source>
+        <translation>Dieses System hat keinen Drucker. Richten Sie in den Einstellungen des Systems einen ein, oder speichern Sie den Bericht als PDF-Dokument.</translation>
+    </message>
+    <message>
+        <source>The printer %1 can&apos;t be reached, or took nothing. See whether it is switched on, choose another one, or save the report as a PDF document.</source>
+        <translation>Der Drucker %1 ist nicht erreichbar oder nahm nichts an. Sehen Sie nach, ob er eingeschaltet ist, wählen Sie einen anderen, oder speichern Sie den Bericht als PDF-Dokument.</translation>
+    </message>
+    <message>
+        <source>Page %1</source>
+        <translation>Seite %1</translation>
+    </message>
 </context>
 <context>
     <name>lvx::desktop::ReportViewer</name>
@@ -1449,6 +3073,18 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>This system has no file manager. The file is in %1.</source>
         <translation>Dieses System hat keinen Dateimanager. Die Datei liegt in %1.</translation>
+    </message>
+    <message>
+        <source>&amp;Find…</source>
+        <translation>&amp;Suchen…</translation>
+    </message>
+    <message>
+        <source>&amp;Print…</source>
+        <translation>&amp;Drucken…</translation>
+    </message>
+    <message>
+        <source>Save as P&amp;DF…</source>
+        <translation>Als &amp;PDF speichern…</translation>
     </message>
 </context>
 <context>
@@ -1543,6 +3179,10 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>&amp;Delete the group</source>
         <translation>Gruppe &amp;löschen</translation>
+    </message>
+    <message>
+        <source>Nothing was changed, since a drawing is being read.</source>
+        <translation>Nichts wurde geändert, denn eine Zeichnung wird gelesen.</translation>
     </message>
 </context>
 <context>
@@ -1808,18 +3448,6 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
 <context>
     <name>lvx::desktop::SectionView</name>
     <message>
-        <source>Previous sample line (Page up)</source>
-        <translation>Voriges Querprofil (Bild auf)</translation>
-    </message>
-    <message>
-        <source>Next sample line (Page down)</source>
-        <translation>Nächstes Querprofil (Bild ab)</translation>
-    </message>
-    <message>
-        <source>Sample lines of the group</source>
-        <translation>Querprofile der Gruppe</translation>
-    </message>
-    <message>
         <source>Select a sample line to see its cross section.</source>
         <translation>Wählen Sie ein Querprofil, um seinen Schnitt zu sehen.</translation>
     </message>
@@ -1860,12 +3488,109 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
         <extracomment>Name that a cross section&apos;s file is given first.</extracomment>
         <translation>Querprofil</translation>
     </message>
+    <message>
+        <source>Previous section (Page up)</source>
+        <translation>Vorheriges Querprofil (Bild auf)</translation>
+    </message>
+    <message>
+        <source>Next section (Page down)</source>
+        <translation>Nächstes Querprofil (Bild ab)</translation>
+    </message>
+    <message>
+        <source>Sections of the alignment: sample lines of the group, and corridors</source>
+        <translation>Querprofile der Achse: die der Gruppe und die der Straßenkörper</translation>
+    </message>
+    <message>
+        <source>Sections of the alignment</source>
+        <translation>Querprofile der Achse</translation>
+    </message>
+    <message>
+        <source>Through all sections of the alignment</source>
+        <translation>Durch alle Querprofile der Achse</translation>
+    </message>
+    <message>
+        <source>Station: Enter goes to the nearest section</source>
+        <translation>Station: Enter geht zum nächstgelegenen Querprofil</translation>
+    </message>
+    <message>
+        <source>Station</source>
+        <translation>Station</translation>
+    </message>
+    <message>
+        <source>Follow</source>
+        <translation>Folgen</translation>
+    </message>
+    <message>
+        <source>Show the section nearest to the mouse in plan and profile</source>
+        <translation>Das Querprofil zeigen, das der Maus in Plan und Längsschnitt am nächsten liegt</translation>
+    </message>
+    <message>
+        <source>Section of a corridor</source>
+        <translation>Querprofil eines Straßenkörpers</translation>
+    </message>
+    <message>
+        <source>Nothing that is shown has a section at %1.</source>
+        <translation>Nichts, was gezeigt wird, hat bei %1 ein Querprofil.</translation>
+    </message>
+    <message>
+        <source>Corridors</source>
+        <translation>Straßenkörper</translation>
+    </message>
 </context>
 <context>
     <name>lvx::desktop::Session</name>
     <message>
         <source>something that has no words</source>
         <translation>etwas, das keinen Text mitbringt</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::ShortcutList</name>
+    <message>
+        <source>Keyboard shortcuts</source>
+        <translation>Tastenkürzel</translation>
+    </message>
+    <message>
+        <source>Keys</source>
+        <translation>Tasten</translation>
+    </message>
+    <message>
+        <source>Action</source>
+        <translation>Aktion</translation>
+    </message>
+    <message>
+        <source>Menu</source>
+        <translation>Menü</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::StartDrawings</name>
+    <message>
+        <source>%1 isn&apos;t there any more</source>
+        <translation>%1 ist nicht mehr da</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::StartPage</name>
+    <message>
+        <source>Open a drawing</source>
+        <translation>Eine Zeichnung öffnen</translation>
+    </message>
+    <message>
+        <source>Open…</source>
+        <translation>Öffnen…</translation>
+    </message>
+    <message>
+        <source>A LandXML file; or drop one here</source>
+        <translation>Eine LandXML-Datei; oder ziehen Sie eine hierher</translation>
+    </message>
+    <message>
+        <source>The example</source>
+        <translation>Das Beispiel</translation>
+    </message>
+    <message>
+        <source>Recent drawings</source>
+        <translation>Letzte Zeichnungen</translation>
     </message>
 </context>
 <context>
@@ -1889,6 +3614,45 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>%1, line %2</source>
         <translation>%1, Zeile %2</translation>
+    </message>
+    <message>
+        <source>&amp;Find…</source>
+        <translation>&amp;Suchen…</translation>
+    </message>
+    <message>
+        <source>&amp;Print…</source>
+        <translation>&amp;Drucken…</translation>
+    </message>
+    <message>
+        <source>Save as P&amp;DF…</source>
+        <translation>Als &amp;PDF speichern…</translation>
+    </message>
+    <message>
+        <source>&amp;Text</source>
+        <translation>&amp;Text</translation>
+    </message>
+    <message>
+        <source>T&amp;able</source>
+        <translation>T&amp;abelle</translation>
+    </message>
+    <message>
+        <source>This report&apos;s columns can&apos;t be told apart. Its text is on the other page.</source>
+        <translation>Die Spalten dieses Berichts lassen sich nicht unterscheiden. Sein Text steht auf der anderen Seite.</translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::ValueTable</name>
+    <message>
+        <source>&amp;Copy for a spreadsheet	Ctrl+C</source>
+        <translation>Für Tabellenkalkulation &amp;kopieren	Ctrl+C</translation>
+    </message>
+    <message>
+        <source>Copy as &amp;text</source>
+        <translation>Als &amp;Text kopieren</translation>
+    </message>
+    <message>
+        <source>&amp;Zoom here</source>
+        <translation>Hierher &amp;zoomen</translation>
     </message>
 </context>
 <context>
@@ -2007,7 +3771,7 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     </message>
     <message>
         <source>&amp;Panels</source>
-        <translation>Be&amp;reiche</translation>
+        <translation>Bereic&amp;he</translation>
     </message>
     <message>
         <source>&amp;Help</source>
@@ -2116,6 +3880,126 @@ Diese Datei gibt es noch nicht. Soll sie angelegt werden?</translation>
     <message>
         <source>Select points in the plan and make a group of them</source>
         <translation>Punkte im Lageplan wählen und zu einer Gruppe machen</translation>
+    </message>
+    <message>
+        <source>&amp;Measure</source>
+        <translation>&amp;Messen</translation>
+    </message>
+    <message>
+        <source>Measure distances, heights, slopes and areas in the plan</source>
+        <translation>Strecken, Höhen, Neigungen und Flächen im Lageplan messen</translation>
+    </message>
+    <message>
+        <source>&amp;Difference of surfaces…</source>
+        <translation>D&amp;ifferenz von DGM…</translation>
+    </message>
+    <message>
+        <source>Cut and fill between two surfaces, and the plan coloured by them</source>
+        <translation>Abtrag und Auftrag zwischen zwei DGM, und der Lageplan danach gefärbt</translation>
+    </message>
+    <message>
+        <source>Section &amp;book…</source>
+        <translation>Profilhef&amp;t…</translation>
+    </message>
+    <message>
+        <source>Draw all sections of a group, or the long section, into one PDF</source>
+        <translation>Alle Querprofile einer Gruppe oder den Längsschnitt in ein PDF zeichnen</translation>
+    </message>
+    <message>
+        <source>Free sect&amp;ion</source>
+        <translation>Freier S&amp;chnitt</translation>
+    </message>
+    <message>
+        <source>Draw a line over the plan and see the section along it</source>
+        <translation>Eine Linie im Plan zeichnen und den Schnitt entlang ihr sehen</translation>
+    </message>
+    <message>
+        <source>&amp;Export plan…</source>
+        <translation>Lageplan &amp;exportieren…</translation>
+    </message>
+    <message>
+        <source>Write the plan to a PDF, SVG or PNG file, in true scale</source>
+        <translation>Den Lageplan maßstäblich als PDF, SVG oder PNG schreiben</translation>
+    </message>
+    <message>
+        <source>&amp;Print plan…</source>
+        <translation>Lageplan &amp;drucken…</translation>
+    </message>
+    <message>
+        <source>Print the plan in true scale</source>
+        <translation>Den Lageplan maßstäblich drucken</translation>
+    </message>
+    <message>
+        <source>Zoom to a &amp;rectangle</source>
+        <translation>Auf ein &amp;Rechteck zoomen</translation>
+    </message>
+    <message>
+        <source>Show a rectangle that you draw, as large as it goes</source>
+        <translation>Ein gezeichnetes Rechteck so groß wie möglich zeigen</translation>
+    </message>
+    <message>
+        <source>Show what the plan showed before</source>
+        <translation>Zeigen, was der Lageplan zuvor zeigte</translation>
+    </message>
+    <message>
+        <source>&amp;Next view</source>
+        <translation>&amp;Nächste Ansicht</translation>
+    </message>
+    <message>
+        <source>Show the view again that was gone back from</source>
+        <translation>Die Ansicht wieder zeigen, von der zurückgegangen wurde</translation>
+    </message>
+    <message>
+        <source>Fill the screen with the window, or give it its size back</source>
+        <translation>Den Bildschirm mit dem Fenster füllen oder ihm seine Größe zurückgeben</translation>
+    </message>
+    <message>
+        <source>Sho&amp;w all objects</source>
+        <translation>Alle Objekte &amp;zeigen</translation>
+    </message>
+    <message>
+        <source>Show the objects again that are hidden in the plan</source>
+        <translation>Die im Lageplan ausgeblendeten Objekte wieder zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Go to…</source>
+        <translation>&amp;Gehe zu…</translation>
+    </message>
+    <message>
+        <source>Go to a point, a station, coordinates or an object</source>
+        <translation>Zu einem Punkt, einer Station, Koordinaten oder einem Objekt gehen</translation>
+    </message>
+    <message>
+        <source>Put all panels and tools back to their first places</source>
+        <translation>Alle Bereiche und Werkzeuge an ihren ersten Platz stellen</translation>
+    </message>
+    <message>
+        <source>This &amp;window</source>
+        <translation>Dieses &amp;Fenster</translation>
+    </message>
+    <message>
+        <source>What the parts of this window show and do</source>
+        <translation>Was die Teile dieses Fensters zeigen und tun</translation>
+    </message>
+    <message>
+        <source>&amp;Keyboard shortcuts</source>
+        <translation>&amp;Tastenkürzel</translation>
+    </message>
+    <message>
+        <source>All keys of this window&apos;s actions</source>
+        <translation>Alle Tasten der Aktionen dieses Fensters</translation>
+    </message>
+    <message>
+        <source>Pre&amp;vious view</source>
+        <translation>&amp;Vorige Ansicht</translation>
+    </message>
+    <message>
+        <source>Full scr&amp;een</source>
+        <translation>V&amp;ollbild</translation>
+    </message>
+    <message>
+        <source>Rese&amp;t panels</source>
+        <translation>Bereiche zurüc&amp;ksetzen</translation>
     </message>
 </context>
 </TS>

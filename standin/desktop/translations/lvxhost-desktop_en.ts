@@ -12,6 +12,16 @@
     </message>
 </context>
 <context>
+    <name>lvx::desktop::BookWords</name>
+    <message numerus="yes">
+        <source>%n sheet(s), %1, %2</source>
+        <translation>
+            <numerusform>%n sheet, %1, %2</numerusform>
+            <numerusform>%n sheets, %1, %2</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>lvx::desktop::Document</name>
     <message numerus="yes">
         <source>The reader found %n odd thing(s) in it; see Diagnostics.</source>
@@ -49,6 +59,16 @@
     </message>
 </context>
 <context>
+    <name>lvx::desktop::FreeSectionView</name>
+    <message numerus="yes">
+        <source>and %n more</source>
+        <translation>
+            <numerusform>and %n more</numerusform>
+            <numerusform>and %n more</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>lvx::desktop::GroundProfileDialog</name>
     <message numerus="yes">
         <source>%n point(s), stations %1 to %2.</source>
@@ -79,6 +99,16 @@
         <translation>
             <numerusform>%n more can&apos;t be in a group: its number stands twice.</numerusform>
             <numerusform>%n more can&apos;t be in a group: their numbers stand twice.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>lvx::desktop::PropertiesView</name>
+    <message numerus="yes">
+        <source>%n row(s)</source>
+        <translation>
+            <numerusform>%n row</numerusform>
+            <numerusform>%n rows</numerusform>
         </translation>
     </message>
 </context>
