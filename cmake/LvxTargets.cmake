@@ -20,6 +20,11 @@ if(LVX_WARNINGS_AS_ERRORS)
                                              # std::vector, overlapping copies inside std::string (its bug 105651).
                                              "$<$<AND:$<CXX_COMPILER_ID:GNU>,$<NOT:$<CONFIG:Debug>>>:-Wno-null-dereference;-Wno-restrict;-Wno-stringop-overread>")
 endif()
+# Where several sources are compiled at once, their own names meet, and what a source of its own is warned of is none.
+set(together -Wno-shadow $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+if(CMAKE_UNITY_BUILD)
+  target_compile_options(lvx_flags INTERFACE ${together})
+endif()
 if(WIN32)
   # Only definition files say what is exported there, so a name's visibility means nothing.
   target_compile_options(lvx_flags INTERFACE -Wno-attributes)
@@ -61,6 +66,14 @@ endif()
 if(LVX_COVERAGE)
   target_compile_options(lvx_flags INTERFACE --coverage -O0)
   target_link_options(lvx_flags INTERFACE --coverage)
+endif()
+
+# Flags of tests, after those that every target shares. Compiling them takes longer than running them, so their own code is
+# optimised less than what it tests; and the sanitizers watch what it does to memory, not each of its sums.
+add_library(lvx_test_flags INTERFACE)
+target_compile_options(lvx_test_flags INTERFACE $<$<CONFIG:Release>:-O1> ${together})
+if(LVX_SANITIZE)
+  target_compile_options(lvx_test_flags INTERFACE -O0 -fno-sanitize=undefined)
 endif()
 
 # Where a folder's headers are included from: its path below the first level of the tree ("standin/desktop/plan" is
@@ -110,9 +123,20 @@ function(_lvx_include_roots target folder path inside outside)
   set(${outside} "${shown}" PARENT_SCOPE)
 endfunction()
 
-# The static library lvx_NAME of a folder. INCLUDE names further folders that its own sources may include (pictures).
+# Builds that check compile several sources of a target at once (CMAKE_UNITY_BUILD of the presets), which takes half the
+# time. Sources here have names of their own that others of the target use for something else, and stay alone. The release
+# build compiles every source of what users run by itself, so that each includes what it needs.
+function(_lvx_compile_alone)
+  if(ARGN)
+    set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  endif()
+endfunction()
+
+# The static library lvx_NAME of a folder. INCLUDE names further folders that its own sources may include (pictures). ALONE
+# names sources that are never compiled together with others.
 function(lvx_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER;AS" "SOURCES;PUBLIC;PRIVATE;INCLUDE")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER;AS" "SOURCES;ALONE;PUBLIC;PRIVATE;INCLUDE")
+  _lvx_compile_alone(${arg_ALONE})
   set(target lvx_${name})
   get_property(taken GLOBAL PROPERTY "LVX_FOLDER_${arg_FOLDER}")
   if(taken)
@@ -125,8 +149,8 @@ function(lvx_library name)
     _lvx_include_path("${arg_FOLDER}" path)
   endif()
   _lvx_include_roots(${target} "${arg_FOLDER}" "${path}" inside outside)
-  if(arg_SOURCES)
-    add_library(${target} STATIC ${arg_SOURCES})
+  if(arg_SOURCES OR arg_ALONE)
+    add_library(${target} STATIC ${arg_SOURCES} ${arg_ALONE})
     set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON LVX_INSIDE "${inside}")
     target_include_directories(${target} PRIVATE "${inside}" INTERFACE "${outside}")
     target_link_libraries(${target} PUBLIC ${arg_PUBLIC} PRIVATE lvx_flags ${arg_PRIVATE})
@@ -210,17 +234,19 @@ endfunction()
 
 # A library with Qt in it: its classes with Q_OBJECT pass Qt's own compiler.
 function(lvx_qt_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER" "SOURCES;PUBLIC;PRIVATE")
-  lvx_library(${name} FOLDER ${arg_FOLDER} SOURCES ${arg_SOURCES} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER" "SOURCES;ALONE;PUBLIC;PRIVATE")
+  lvx_library(${name} FOLDER ${arg_FOLDER} SOURCES ${arg_SOURCES} ALONE ${arg_ALONE} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
   set_target_properties(lvx_${name} PROPERTIES AUTOMOC ON)
   target_compile_definitions(lvx_${name} PUBLIC QT_NO_KEYWORDS PRIVATE QT_NO_CAST_TO_ASCII)
 endfunction()
 
 # One test program per area. Each of its tests becomes a test of CTest's; with WHOLE the program becomes one, for tests whose
 # common start is dear, and writes a record of its tests by which ./lvx counts them. LABELS lets ./lvx pick (unit, golden,
-# e2e). INSIDE names libraries whose detail/ it tests.
+# e2e). INSIDE names libraries whose detail/ it tests, ALONE sources that are never compiled together with others.
 function(lvx_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "WHOLE" "LABELS;TIMEOUT" "SOURCES;LINK;INSIDE;DEFINITIONS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "WHOLE" "LABELS;TIMEOUT" "SOURCES;ALONE;LINK;INSIDE;DEFINITIONS")
+  _lvx_compile_alone(${arg_ALONE})
+  list(APPEND arg_SOURCES ${arg_ALONE})
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 300)
   endif()
@@ -231,7 +257,7 @@ function(lvx_test name)
   add_executable(${target} ${arg_SOURCES})
   list(TRANSFORM arg_SOURCES PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/" OUTPUT_VARIABLE registered)
   set_property(GLOBAL APPEND PROPERTY LVX_TEST_SOURCES ${registered})
-  target_link_libraries(${target} PRIVATE lvx_flags lvx::test_support ${arg_LINK} GTest::gmock)
+  target_link_libraries(${target} PRIVATE lvx_flags lvx_test_flags lvx::test_support ${arg_LINK} GTest::gmock)
   _lvx_look_inside(${target} ${arg_INSIDE})
   target_compile_definitions(${target} PRIVATE ${arg_DEFINITIONS})
   # The start of a program costs more there than most tests.

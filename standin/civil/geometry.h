@@ -28,6 +28,8 @@ struct Vec3 {
 /// Positive when `b` lies to the left of `a`.
 [[nodiscard]] constexpr double cross(Vec2 a, Vec2 b) { return a.x * b.y - a.y * b.x; }
 [[nodiscard]] inline double length(Vec2 a) { return std::hypot(a.x, a.y); }
+/// False where either coordinate is infinite or no number.
+[[nodiscard]] inline bool isFinite(Vec2 a) { return std::isfinite(a.x) && std::isfinite(a.y); }
 [[nodiscard]] inline Vec2 unit(double direction) { return {std::cos(direction), std::sin(direction)}; }
 
 inline constexpr double kPi = std::numbers::pi;

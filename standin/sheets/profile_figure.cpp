@@ -25,8 +25,6 @@ constexpr double kFootRoom = 7.0;
 constexpr double kCurvatureHeight = 22.0;
 constexpr int kStationDecimals = 2;
 
-bool isFinite(Vec2 place) { return std::isfinite(place.x) && std::isfinite(place.y); }
-
 void take(std::optional<ElevationRange>& range, double elevation) {
   if (!std::isfinite(elevation)) return;
   if (!range) range = ElevationRange{elevation, elevation};

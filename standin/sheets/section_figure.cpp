@@ -29,8 +29,6 @@ constexpr double kEmptyHeight = 12.0;
 constexpr int kGroundDecimals = 2;
 constexpr int kDesignDecimals = 3;
 
-bool isFinite(Vec2 place) { return std::isfinite(place.x) && std::isfinite(place.y); }
-
 /// The values of a line of points.
 struct ValueLine {
   std::string title;
@@ -48,7 +46,7 @@ std::vector<ValueLine> valueLines(const view::SectionModel& section, std::string
     ValueLine line{ground.name, {groundPen(pen)}, {}, kGroundDecimals};
     for (const view::Line& piece : ground.lines) {
       std::vector<Vec2>& points = line.lines.emplace_back();
-      std::copy_if(piece.begin(), piece.end(), std::back_inserter(points), isFinite);
+      std::copy_if(piece.begin(), piece.end(), std::back_inserter(points), civil::isFinite);
       if (points.empty()) line.lines.pop_back();
     }
     if (!line.lines.empty()) all.push_back(std::move(line));

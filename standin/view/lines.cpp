@@ -33,8 +33,6 @@ bool cut(double start, double step, double least, double most, double& from, dou
   return from <= to;
 }
 
-bool isFinite(Vec2 p) { return std::isfinite(p.x) && std::isfinite(p.y); }
-
 bool isInside(const Box& box, Vec2 p) {
   return p.x >= box.minX && p.x <= box.maxX && p.y >= box.minY && p.y <= box.maxY;
 }

@@ -34,8 +34,6 @@ constexpr double kBaselineTolerance = 0.01;
 
 Vec2 placeOf(const Point& point) { return {point.position.x, point.position.y}; }
 
-bool isFinite(Vec2 place) { return std::isfinite(place.x) && std::isfinite(place.y); }
-
 std::string nameOf(const Point& point) {
   if (!point.texts.name().empty()) return std::string(point.texts.name());
   std::array<char, 16> digits{};

@@ -1,7 +1,6 @@
 #include "view/plan_shapes.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 
 namespace lvx::view {
@@ -10,8 +9,6 @@ using civil::Box;
 using civil::Vec2;
 
 namespace {
-
-bool isFinite(Vec2 point) { return std::isfinite(point.x) && std::isfinite(point.y); }
 
 /// So many vertices share a box: few enough that a window into a long border draws little of what it doesn't show.
 constexpr std::size_t kPiece = 64;

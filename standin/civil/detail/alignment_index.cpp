@@ -52,8 +52,6 @@ bool isAccurate(const Element& element, double from, double to, double count) {
   return true;
 }
 
-bool isFinite(Vec2 a) { return std::isfinite(a.x) && std::isfinite(a.y); }
-
 double distanceToSegment(Vec2 p, Vec2 a, Vec2 b) {
   const Vec2 d = b - a;
   const double square = dot(d, d);
