@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QKeySequence>
 #include <QPainter>
+#include <QStatusBar>
 #include <QTableWidget>
 #include <cmath>
 
@@ -177,6 +178,18 @@ TEST_F(GroundToolsTest, TheStatusLineTellsElevationAndSlopeOfTheGround) {
   })) << onGui([&] { return words->text().toStdString(); });
   moveTo(program, 50, 95);
   EXPECT_TRUE(program.user.waitFor([&] { return words->text() == QStringLiteral("no ground here"); }));
+}
+
+TEST_F(GroundToolsTest, TheStatusLineGivesWayWhereTheWindowIsNarrow) {
+  ProgramWindow program(drawing);
+  const auto* const words = program.part<QLabel>("groundHere");
+  const auto* const station = program.part<QLabel>("station");
+  moveTo(program, 120, 40);
+  ASSERT_TRUE(
+      program.user.waitFor([&] { return !words->text().isEmpty() && station->text().contains(QLatin1String("+")); }));
+  // Half of the smallest screen, which is all of it where letters are twice as large.
+  constexpr int kHalfAScreen = 512;
+  EXPECT_LE(onGui([&] { return program.window->statusBar()->minimumSizeHint().width(); }), kHalfAScreen);
 }
 
 // ---------------------------------------------------------------- the difference of two surfaces

@@ -21,6 +21,7 @@
 #include "desktop/charts/chart_legend.h"
 #include "desktop/charts/chart_page.h"
 #include "desktop/charts/chart_painter.h"
+#include "desktop/common/elided_label.h"
 #include "desktop/common/file_boxes.h"
 #include "desktop/common/qt_text.h"
 #include "text/number_text.h"
@@ -34,17 +35,6 @@ namespace {
 constexpr int kLegendWidth = 230;
 /// Narrower views have the legend below the chart.
 constexpr int kWide = 520;
-
-/// Ends in "…" where its text has no room.
-class TitleLabel final : public QLabel {
- protected:
-  void paintEvent(QPaintEvent* /*event*/) override {
-    QPainter painter(this);
-    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
-    style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment()), palette(), isEnabled(), shown,
-                          foregroundRole());
-  }
-};
 
 }  // namespace
 
@@ -75,9 +65,8 @@ QHBoxLayout* ChartView::buildRow() {
   controls_ = new QHBoxLayout;
   controls_->setSpacing(2);
   row->addLayout(controls_);
-  title_ = new TitleLabel;
+  title_ = new ElidedLabel;
   title_->setObjectName(QStringLiteral("title"));
-  title_->setTextFormat(Qt::PlainText);
   title_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   QFont bold = title_->font();
   bold.setBold(true);

@@ -5,10 +5,12 @@
 #include <QProgressBar>
 #include <QPushButton>
 
+#include "desktop/common/elided_label.h"
+
 namespace lvx::desktop {
 
 ProgressStrip::ProgressStrip(QWidget* parent)
-    : QWidget(parent), work_(new QLabel), bar_(new QProgressBar), cancel_(new QPushButton(tr("Cancel"))) {
+    : QWidget(parent), work_(new ElidedLabel), bar_(new QProgressBar), cancel_(new QPushButton(tr("Cancel"))) {
   setObjectName(QStringLiteral("progressStrip"));
   auto* const layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);

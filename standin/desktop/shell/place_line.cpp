@@ -5,6 +5,7 @@
 #include <QStatusBar>
 #include <cmath>
 
+#include "desktop/common/elided_label.h"
 #include "desktop/common/qt_text.h"
 #include "desktop/ground/ground_texts.h"
 #include "text/number_text.h"
@@ -12,7 +13,7 @@
 
 namespace lvx::desktop {
 
-PlaceLine::PlaceLine(QStatusBar& bar) : coordinates_(new QLabel), ground_(new QLabel), station_(new QLabel) {
+PlaceLine::PlaceLine(QStatusBar& bar) : coordinates_(new QLabel), ground_(new QLabel), station_(new ElidedLabel) {
   coordinates_->setObjectName(QStringLiteral("coordinates"));
   station_->setObjectName(QStringLiteral("station"));
   // As wide as they get, so that nothing jumps while the mouse moves.
