@@ -1,6 +1,7 @@
 // Tests of windows: they run on a thread of their own next to the windows' event loop, on a virtual display. All
 // tests of a program share display, window manager and event loop, and find them as if they were the first.
 #include <QApplication>
+#include <QDBusConnection>
 #include <clocale>
 #include <cstdlib>
 #include <string_view>
@@ -56,6 +57,9 @@ int main(int argc, char** argv) {
   });
   QApplication::exec();
   tests.join();
+  // Held on to for good: whoever lets go of Qt's connection to the bus after Qt has ended its thread leaves it to nobody.
+  static const auto* const bus = new QDBusConnection(QDBusConnection::sessionBus());
+  static_cast<void>(bus);
   listeners.Release(&fresh);
   return result;
 }
