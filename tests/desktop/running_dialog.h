@@ -53,14 +53,19 @@ class RunningDialog {
 
   /// The window, once it has the keyboard; null when it doesn't come or is over already.
   QWidget* window(const DesktopUser& user) {
-    QWidget* found = nullptr;
-    user.waitFor([&] {
-      QWidget* const active = QApplication::activeWindow();
-      if (active != nullptr && active->isVisible() && active->objectName().toStdString() == name_) found = active;
-      return found != nullptr || isOver_;
-    });
-    window_ = found;
-    return found;
+    const auto waitUntilActive = [&] {
+      window_ = nullptr;
+      user.waitFor([this] {
+        QWidget* const active = QApplication::activeWindow();
+        if (active != nullptr && active->isVisible() && active->objectName().toStdString() == name_) window_ = active;
+        return window_ != nullptr || isOver_;
+      });
+    };
+    waitUntilActive();
+    // A window that has just gone may still move the keyboard.
+    user.settle();
+    waitUntilActive();
+    return window_;
   }
   /// A control of the window, which must have come; on either thread.
   template <class Widget = QWidget>

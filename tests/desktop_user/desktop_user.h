@@ -55,6 +55,9 @@ class DesktopUser {
   QWidget* waitForActiveWindow(const QString& title,
                                std::chrono::milliseconds timeout = std::chrono::seconds(20)) const;
 
+  /// Lets everything that was sent arrive, at the window manager too.
+  void settle() const;
+
   // ---- mouse; places are in the widget's own coordinates, as Qt counts them (scaling is taken care of)
   void moveTo(QWidget* widget, QPoint place);
   void click(QWidget* widget);
@@ -79,8 +82,6 @@ class DesktopUser {
   void sendKey(unsigned long symbol, bool shift, Qt::KeyboardModifiers modifiers);
   void setModifiers(Qt::KeyboardModifiers modifiers, bool down);
   void moveToGlobal(QPoint device);
-  /// Lets everything that was sent arrive.
-  void settle() const;
 
   Devices* devices_;
 };
