@@ -88,6 +88,18 @@ TEST(PlanSelection, KeepsTheOrderOfAdding) {
 
 // ---------------------------------------------------------------- pictures
 
+/// The ground and nothing over it.
+desktop::PlanLook groundAlone(desktop::SurfaceLook surface) {
+  return {.surface = surface,
+          .triangles = false,
+          .border = false,
+          .alignments = false,
+          .stations = false,
+          .sampleLines = false,
+          .points = false,
+          .corridors = false};
+}
+
 class PlanPicture : public testing::Test {
  protected:
   static constexpr int kWidth = 640;
@@ -164,14 +176,7 @@ TEST_F(PlanPicture, IsTheSameByAndByAndInOneGo) {
 }
 
 TEST_F(PlanPicture, ShowsACoarserGroundUntilTheSharpOneIsThere) {
-  look = {.surface = desktop::SurfaceLook::Heights,
-          .triangles = false,
-          .border = false,
-          .alignments = false,
-          .stations = false,
-          .sampleLines = false,
-          .points = false,
-          .corridors = false};
+  look = groundAlone(desktop::SurfaceLook::Heights);
   PlanPainter painter;
   view::TileCache cache;
   QImage all = blank(1.0);
@@ -219,14 +224,7 @@ TEST_F(PlanPicture, LeavesOutWhatIsSwitchedOff) {
 }
 
 TEST_F(PlanPicture, DrawsContoursOverTheGroundMoreOfThemAtASmallerInterval) {
-  look = {.surface = desktop::SurfaceLook::Relief,
-          .triangles = false,
-          .border = false,
-          .alignments = false,
-          .stations = false,
-          .sampleLines = false,
-          .points = false,
-          .corridors = false};
+  look = groundAlone(desktop::SurfaceLook::Relief);
   PlanPainter painter;
   view::TileCache cache;
   const auto picture = [&](double interval) {
